@@ -1,0 +1,43 @@
+#include "core/stop.h"
+
+#include "core/array_view.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace zurt {
+
+namespace {
+
+// Ends without destructors or handlers of other libraries: every stream is flushed here, and nothing else is held.
+[[noreturn]] void EndProcess(int status) {
+    if (std::fflush(nullptr) != 0 && status == 0) {
+        std::fputs("zurt: error: what was written could not be stored completely; is the disk full?\n", stderr);
+        status = kLibraryErrorStatus;
+    }
+    std::exit(status);
+}
+
+} // namespace
+
+void StopRun() {
+    EndProcess(0);
+}
+
+void StopWithLibraryError(const std::string& text) {
+    std::fflush(nullptr);
+    std::fprintf(stderr, "zurt: error: %s\n", text.c_str());
+    EndProcess(kLibraryErrorStatus);
+}
+
+void WriteNote(const std::string& text) {
+    std::fprintf(stderr, "zurt: note: %s\n", text.c_str());
+}
+
+void ReportIndexOutsideArray(Word index, Word length) {
+    std::fprintf(stderr, "zurt: index %lld outside an array of %lld\n", static_cast<long long>(index),
+                 static_cast<long long>(length));
+    std::abort();
+}
+
+} // namespace zurt

@@ -1,0 +1,59 @@
+#include "core/text_unit.h"
+
+#include "core/stop.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace zurt {
+
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 18;
+
+[[noreturn]] void StopOnWriteFailure(const TextUnit& unit) {
+    StopWithLibraryError("can't write to " + unit.name + ": " + std::strerror(errno));
+}
+
+} // namespace
+
+void OpenTextUnit(TextUnit& unit, const std::string& name) {
+    unit.name = name;
+    unit.file = std::fopen(name.c_str(), "w");
+    if (unit.file == nullptr)
+        StopWithLibraryError("can't open " + name + " for writing: " + std::strerror(errno));
+    std::setvbuf(unit.file, nullptr, _IOFBF, kBufferSize);
+}
+
+void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name) {
+    unit.name = name;
+    unit.file = stream;
+}
+
+void CloseTextUnit(TextUnit& unit) {
+    if (unit.file != nullptr && std::fclose(unit.file) != 0)
+        StopOnWriteFailure(unit);
+    unit.file = nullptr;
+}
+
+void FlushTextUnit(TextUnit& unit) {
+    if (unit.file != nullptr && std::fflush(unit.file) != 0)
+        StopOnWriteFailure(unit);
+}
+
+void PutRecord(TextUnit& unit, std::string_view record) {
+    if (unit.file == nullptr)
+        return;
+    if (fwrite_unlocked(record.data(), 1, record.size(), unit.file) != record.size() ||
+        putc_unlocked('\n', unit.file) == EOF)
+        StopOnWriteFailure(unit);
+}
+
+void PutBytes(TextUnit& unit, std::string_view bytes) {
+    if (unit.file == nullptr)
+        return;
+    if (fwrite_unlocked(bytes.data(), 1, bytes.size(), unit.file) != bytes.size())
+        StopOnWriteFailure(unit);
+}
+
+} // namespace zurt

@@ -1,0 +1,41 @@
+// Sequential text units: the listing, the console, MESSAGES.LST, the graphics and the mass files.
+//
+// A unit is a buffered file to which whole records are appended. A record written to a unit that was never opened is
+// dropped: a run without a listing goes the same road as one with a listing. A record that can't be stored (a full
+// disk) ends the run through StopWithLibraryError.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace zurt {
+
+struct TextUnit {
+    std::FILE* file = nullptr; // null while the unit is not open
+    std::string name;          // the file's name, for error reports
+};
+
+inline bool IsOpen(const TextUnit& unit) {
+    return unit.file != nullptr;
+}
+
+/// Opens `name` for writing from its start, dropping what it held; stops with a library error when it can't.
+void OpenTextUnit(TextUnit& unit, const std::string& name);
+
+/// Makes a unit of a stream that is open already (the console).
+void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name);
+
+/// Closes the unit and keeps the file.
+void CloseTextUnit(TextUnit& unit);
+
+/// Hands what was written to the system, so that it survives whatever comes.
+void FlushTextUnit(TextUnit& unit);
+
+/// Appends one record and its line end.
+void PutRecord(TextUnit& unit, std::string_view record);
+
+/// Appends bytes as they are: records that bring their own line ends.
+void PutBytes(TextUnit& unit, std::string_view bytes);
+
+} // namespace zurt

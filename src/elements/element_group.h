@@ -1,0 +1,48 @@
+// One element group: its row of NETV, its family's group card and where its data block lies in `A`.
+#pragma once
+
+#include "core/array_view.h"
+
+#include <cstdint>
+
+namespace zurt {
+
+struct ElementGroup {
+    std::int32_t NGE = 0; // number of the group, from 1
+
+    // Group card; NETIP to ISUB4 are the row of NETV.
+    std::int32_t NETIP = 0; // 1, 2, 3: dimension of the isoparametric family; else the radial family
+    std::int32_t NET = 0;   // elements
+    std::int32_t INDAX = 0;
+    std::int32_t IZIP = 0; // 1: sources by time, 2: by concentration
+    std::int32_t ISUB4 = 0;
+    std::int32_t IND4N = 0;
+
+    // The family's group card, defaults applied (NMAT1D, NMAT2D, NMAT3D and so on).
+    std::int32_t NMAT = 0;     // number of materials of the family
+    std::int32_t MAT = 0;      // one material number
+    std::int32_t MATDD = 0;    // group material under NDS
+    std::int32_t NPDMX = 0;    // largest node count of an element
+    std::int32_t IPRDC = 0;    // Gauss coordinate print flag
+    std::int32_t IPRTG = 0;    // Gauss value print flag
+    std::int32_t NGAUS[3] = {}; // Gauss orders by direction
+
+    std::int32_t NDMAX = 0; // columns of the connectivity
+
+    // Data block in `A`. An absent array starts where the next one does.
+    Word LNEL = 0;  // NDMAX*NET: connectivity, (element, column), element index fastest
+    Word LMATE = 0; // NET: material numbers
+    Word LISRC = 0; // NET: source curve numbers
+    Word LIPT = 0;  // NET: Gauss value print flags
+    Word LIPC = 0;  // NET: Gauss coordinate print flags
+    Word LTHIC = 0; // NET: thickness (2D), area (1D)
+    bool hasMaterials = false, hasSources = false, hasValueFlags = false, hasCoordinateFlags = false;
+    bool hasThickness = false;
+};
+
+/// Packed upper triangle of an element matrix.
+inline Word PackedLength(std::int32_t NDMAX) {
+    return Word{NDMAX} * (NDMAX + 1) / 2;
+}
+
+} // namespace zurt

@@ -1,0 +1,215 @@
+#include "job/card.h"
+
+#include "core/format.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+constexpr const char* kImageHint =
+    "; this card is always taken by columns and, under INDFOR 1, is presented again to the next reader: "
+    "decks with such cards are fixed format decks";
+
+struct CardPlace {
+    const Deck& deck;
+    const char* group;
+    const char* hint; // "" or a sentence that goes behind the reason
+};
+
+[[noreturn]] void ReportField(const CardPlace& place, const char* field, std::string_view found, const char* reason) {
+    DeckError(place.deck, place.group, field, found, std::string(reason) + place.hint);
+}
+
+const char* Expected(const FieldDescriptor& descriptor) {
+    return descriptor.kind == 'I' ? "an integer is expected" : "a number is expected";
+}
+
+void CheckInteger(const CardPlace& place, const CardField& field, std::int32_t value) {
+    if (field.least != kAnyInteger && value < field.least)
+        ReportField(place, field.name, std::to_string(value), "a negative count has no meaning here");
+}
+
+void CheckReal(const CardPlace& place, const char* field, std::string_view found, double value) {
+    if (!std::isfinite(value))
+        ReportField(place, field, found, "a finite number is expected");
+}
+
+void CheckFieldStatus(const CardPlace& place, const char* field, const FieldDescriptor& descriptor,
+                      std::string_view found, FieldStatus status) {
+    if (status == FieldStatus::NotANumber)
+        ReportField(place, field, found, Expected(descriptor));
+    if (status == FieldStatus::OutOfRange)
+        ReportField(place, field, found, "the number is too large");
+}
+
+// --- by columns ---------------------------------------------------------------------------------------------------
+
+std::string_view ColumnsOf(const CardBuffer& card, int column, int width) {
+    const int begin = std::min(column, kCardLength);
+    return Image(card).substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(width));
+}
+
+void ReadIntegerColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
+                        std::string_view text, std::int32_t& value) {
+    CheckFieldStatus(place, name, descriptor, text, ReadIntegerField(text, value));
+}
+
+void ReadRealColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor, std::string_view text,
+                     double& value) {
+    CheckFieldStatus(place, name, descriptor, text, ReadRealField(text, descriptor.decimals, value));
+    CheckReal(place, name, text, value);
+}
+
+void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, const CardBuffer& card, char* record) {
+    int column = 0;
+    for (int f = 0; f < layout.fieldCount; ++f) {
+        const CardField& field = layout.fields[f];
+        const FieldDescriptor& descriptor = field.descriptor;
+        if (descriptor.kind == 'X') {
+            column += descriptor.width;
+            continue;
+        }
+        for (int k = 0; k < field.count; ++k, column += descriptor.width) {
+            const std::string_view text = ColumnsOf(card, column, descriptor.width);
+            if (descriptor.kind == 'I') {
+                std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
+                ReadIntegerColumns(place, field.name, descriptor, text, value);
+                CheckInteger(place, field, value);
+            } else {
+                ReadRealColumns(place, field.name, descriptor, text,
+                                reinterpret_cast<double*>(record + field.offset)[k]);
+            }
+        }
+    }
+}
+
+// --- list-directed ------------------------------------------------------------------------------------------------
+
+struct ListRead {
+    Deck& deck;
+    const char* group;
+    ListScanner scanner;
+};
+
+void BeginListRead(ListRead& read) {
+    BeginList(read.scanner, NextRecord(read.deck, read.group));
+}
+
+// Asks for records until the item is there; false when '/' has ended the statement.
+bool NextInteger(ListRead& read, const char* name, std::int32_t& value) {
+    ListStatus status;
+    while ((status = NextListInteger(read.scanner, value)) == ListStatus::NeedRecord)
+        ContinueList(read.scanner, NextRecord(read.deck, read.group));
+    const CardPlace place{read.deck, read.group, ""};
+    if (status == ListStatus::NotANumber)
+        ReportField(place, name, read.scanner.text, "an integer is expected");
+    if (status == ListStatus::OutOfRange)
+        ReportField(place, name, read.scanner.text, "the number is too large");
+    return status != ListStatus::Ended;
+}
+
+bool NextReal(ListRead& read, const char* name, double& value) {
+    ListStatus status;
+    while ((status = NextListReal(read.scanner, value)) == ListStatus::NeedRecord)
+        ContinueList(read.scanner, NextRecord(read.deck, read.group));
+    const CardPlace place{read.deck, read.group, ""};
+    if (status == ListStatus::NotANumber)
+        ReportField(place, name, read.scanner.text, "a number is expected");
+    if (status == ListStatus::OutOfRange)
+        ReportField(place, name, read.scanner.text, "the number is too large");
+    if (status == ListStatus::Value)
+        CheckReal(place, name, read.scanner.text, value);
+    return status != ListStatus::Ended;
+}
+
+void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
+    ListRead read{deck, layout.group, {}};
+    BeginListRead(read);
+    for (int f = 0; f < layout.fieldCount; ++f) {
+        const CardField& field = layout.fields[f];
+        if (field.descriptor.kind == 'X')
+            continue;
+        for (int k = 0; k < field.count; ++k) {
+            if (field.descriptor.kind == 'I') {
+                std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
+                if (!NextInteger(read, field.name, value))
+                    return;
+                CheckInteger({deck, layout.group, ""}, field, value);
+            } else if (!NextReal(read, field.name, reinterpret_cast<double*>(record + field.offset)[k])) {
+                return;
+            }
+        }
+    }
+}
+
+} // namespace
+
+void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
+    CardBuffer card;
+    ReadCard(deck, INDFOR, layout.group, card);
+    if (INDFOR == 1)
+        ReadFieldsByList(deck, layout, static_cast<char*>(record));
+    else if (INDFOR == 2)
+        ReadFieldsByColumns({deck, layout.group, ""}, layout, card, static_cast<char*>(record));
+}
+
+void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
+    CardBuffer card;
+    ReadCard(deck, INDFOR, layout.group, card);
+    const char* hint = INDFOR == 2 ? "" : kImageHint;
+    ReadFieldsByColumns({deck, layout.group, hint}, layout, card, static_cast<char*>(record));
+}
+
+void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field, const char* descriptor,
+                      int perCard, IntArray values) {
+    CardBuffer card;
+    const FieldDescriptor form = Descriptor(descriptor);
+    if (INDFOR == 1) {
+        ReadCard(deck, INDFOR, group, card);
+        ListRead read{deck, group, {}};
+        BeginListRead(read);
+        for (Word i = 1; i <= values.length && NextInteger(read, field, values(i)); ++i) {
+        }
+    } else if (INDFOR == 2) {
+        for (Word first = 1; first <= values.length; first += perCard) {
+            ReadCard(deck, INDFOR, group, card);
+            const Word last = std::min(values.length, first + perCard - 1);
+            for (Word i = first; i <= last; ++i)
+                ReadIntegerColumns({deck, group, ""}, field, form,
+                                   ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width), values(i));
+        }
+    }
+}
+
+void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field, const char* descriptor,
+                   int perCard, RealArray values) {
+    CardBuffer card;
+    const FieldDescriptor form = Descriptor(descriptor);
+    if (INDFOR == 1) {
+        ReadCard(deck, INDFOR, group, card);
+        ListRead read{deck, group, {}};
+        BeginListRead(read);
+        for (Word i = 1; i <= values.length && NextReal(read, field, values(i)); ++i) {
+        }
+    } else if (INDFOR == 2) {
+        for (Word first = 1; first <= values.length; first += perCard) {
+            ReadCard(deck, INDFOR, group, card);
+            const Word last = std::min(values.length, first + perCard - 1);
+            for (Word i = first; i <= last; ++i)
+                ReadRealColumns({deck, group, ""}, field, form,
+                                ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width), values(i));
+        }
+    }
+}
+
+void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit) {
+    if (value < 1 || value > limit)
+        DeckError(deck, group, field, std::to_string(value),
+                  "the number must lie between 1 and " + std::to_string(limit));
+}
+
+} // namespace zurt
