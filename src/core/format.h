@@ -24,9 +24,9 @@ enum class EditKind { Integer, Fixed, Exponent, Double, Text, Blanks, Literal, N
 struct EditDescriptor {
     EditKind kind = EditKind::Blanks;
     int width = 0;
-    int decimals = 0;     // d of Fw.d and its like, m of Iw.m (-1: none)
+    int decimals = 0;      // d of Fw.d and its like, m of Iw.m (-1: none)
     int exponentWidth = 0; // e of Ew.dEe, 0 when not given
-    int scale = 0;        // k of the last kP ahead of it
+    int scale = 0;         // k of the last kP ahead of it
     std::string literal;
 };
 
@@ -34,22 +34,27 @@ struct Format {
     std::vector<EditDescriptor> items;
     std::size_t reversion = 0; // items index where a further pass begins
     bool hasData = false;      // false: literals alone, no value may be asked for
+    bool reverts = false;      // a pass after the first takes values
 
     Format() = default;
     /// Parses `text`, parentheses included; a malformed format is a fault of the program and aborts.
     Format(const char* text);
 };
 
+/// A format that is malformed or doesn't suit its values is a fault of the program: says so and aborts.
+[[noreturn]] void ReportFormatFault(const std::string& fault);
+
 // --- writing ------------------------------------------------------------------------------------------------------
 
 /// One output statement in progress: values are put one by one, records go to the unit as they fill.
 struct RecordWriter {
-    TextUnit* unit = nullptr;         // where records go; null when they are collected in `text`
-    std::string* text = nullptr;      // collected records, each with its line end
+    TextUnit* unit = nullptr;    // where records go; null when they are collected in `text`
+    std::string* text = nullptr; // collected records, each with its line end
     const Format* format = nullptr;
-    std::size_t next = 0;             // the descriptor to be taken next
-    std::string record;               // the record being built
-    bool dropped = false;             // the unit is not open: nothing is formatted
+    std::size_t next = 0;          // the descriptor to be taken next
+    std::string record;            // the record being built
+    std::size_t pendingBlanks = 0; // from X: written only when something follows them
+    bool dropped = false;          // the unit is not open: nothing is formatted
 };
 
 void BeginWrite(RecordWriter& writer, TextUnit& unit, const Format& format);
@@ -106,9 +111,9 @@ FieldStatus ReadRealField(std::string_view field, int decimals, double& value);
 /// Where a read under a format failed: nothing when status is Good.
 struct ReadFailure {
     FieldStatus status = FieldStatus::Good;
-    int item = 0;      // one-based number of the value that was wanted
-    int column = 0;    // one-based first column of its field
-    std::string text;  // the field's characters
+    int item = 0;     // one-based number of the value that was wanted
+    int column = 0;   // one-based first column of its field
+    std::string text; // the field's characters
 };
 
 /// One record under a format, value by value; columns behind the record's end are blank.
@@ -118,7 +123,7 @@ struct RecordReader {
     std::size_t next = 0;
     std::size_t column = 0; // zero-based
     int item = 0;
-    ReadFailure failure;    // the first failure; later values are left alone
+    ReadFailure failure; // the first failure; later values are left alone
 };
 
 void BeginRead(RecordReader& reader, std::string_view record, const Format& format);
@@ -144,12 +149,12 @@ ReadFailure ReadFixed(std::string_view record, const Format& format, Values&&...
 struct ListScanner {
     std::string_view record;
     std::size_t position = 0;
-    int repeatsLeft = 0;         // values still to come from r*c
-    std::string repeated;        // the constant of r*c; empty: a null value
-    bool separatorSeen = true;   // a value has been ended by a comma, or none has been read yet
-    bool ended = false;          // '/' was met
-    std::string text;            // the item of the last failure
-    std::size_t itemColumn = 0;  // zero-based column of the last item
+    int repeatsLeft = 0;        // values still to come from r*c
+    std::string repeated;       // the constant of r*c; empty: a null value
+    bool separatorSeen = true;  // a value has been ended by a comma, or none has been read yet
+    bool ended = false;         // '/' was met
+    std::string text;           // the item of the last failure
+    std::size_t itemColumn = 0; // zero-based column of the last item
 };
 
 enum class ListStatus {

@@ -19,14 +19,14 @@ struct FormatParser {
     std::size_t position = 0;
     int scale = 0;
     Format* format = nullptr;
-    bool secondPass = false;        // the reversion pass: its groups mark no further reversion point
-    std::size_t reversionText = 1;  // text position of the last top-level group, its repeat count included
-    int reversionScale = 0;         // the scale in force there in the first pass
+    bool secondPass = false;       // the reversion pass: its groups mark no further reversion point
+    std::size_t reversionText = 1; // text position of the last top-level group, its repeat count included
+    int reversionScale = 0;        // the scale in force there in the first pass
 };
 
 [[noreturn]] void ReportBadFormat(const FormatParser& parser, const char* complaint) {
-    ReportFormatFault(std::string(complaint) + " at character " + std::to_string(parser.position + 1) + " of " +
-                      std::string(parser.text));
+    ReportFormatFault(std::string(complaint) + " at character " + std::to_string(parser.position + 1) +
+                      " of " + std::string(parser.text));
 }
 
 /// The next character that is no blank, as a capital, without taking it; 0 at the end of the text.
@@ -77,7 +77,8 @@ void ParseLiteral(FormatParser& parser, char quote) {
             ReportBadFormat(parser, "literal without an end");
         const char c = parser.text[parser.position++];
         if (c == quote) {
-            const bool doubled = parser.position < parser.text.size() && parser.text[parser.position] == quote;
+            const bool doubled =
+                parser.position < parser.text.size() && parser.text[parser.position] == quote;
             if (!doubled)
                 break;
             ++parser.position;

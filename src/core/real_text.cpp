@@ -1,0 +1,195 @@
+#include "core/real_text.h"
+
+#include <charconv>
+#include <limits>
+
+namespace zurt {
+
+namespace {
+
+/// Exponents from here on are refused, so that sums of them stay small.
+constexpr int kExponentLimit = 10000;
+
+/// Texts up to this length are rewritten without touching the heap.
+constexpr std::size_t kSmallText = 64;
+
+/// Room for sign, an added zero and a rewritten exponent.
+constexpr std::size_t kRewritingRoom = 16;
+
+/// A text on its way through the scanner; `out` receives what std::from_chars understands.
+struct RealScan {
+    const char* next = nullptr;
+    const char* end = nullptr;
+    char* out = nullptr;
+    bool negative = false;
+    bool pointSeen = false;
+    bool digitSeen = false;
+    bool significantSeen = false; // a digit other than 0
+    int order = 0; // decimal order of the first such digit: 1 for 3.5, 0 for 0.35, -1 for 0.035
+    int exponent = 0;
+    bool exponentSeen = false;
+};
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+char LowerCase(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool IsLetterOrDigit(char c) {
+    return IsDigit(c) || (LowerCase(c) >= 'a' && LowerCase(c) <= 'z');
+}
+
+void SkipBlanks(RealScan& scan) {
+    while (scan.next != scan.end && *scan.next == ' ')
+        ++scan.next;
+}
+
+/// Takes a sign if one stands next; true for a minus.
+bool TakeSign(RealScan& scan) {
+    if (scan.next == scan.end || (*scan.next != '-' && *scan.next != '+'))
+        return false;
+    return *scan.next++ == '-';
+}
+
+/// Takes `word` in any case, if it stands next.
+bool TakeWord(RealScan& scan, std::string_view word) {
+    if (static_cast<std::size_t>(scan.end - scan.next) < word.size())
+        return false;
+    for (std::size_t i = 0; i < word.size(); ++i)
+        if (LowerCase(scan.next[i]) != word[i])
+            return false;
+    scan.next += word.size();
+    return true;
+}
+
+/// Inf, Infinity, NaN or NaN(letters and digits), with nothing but blanks behind.
+FieldStatus ConvertName(RealScan& scan, double& value) {
+    double magnitude = std::numeric_limits<double>::infinity();
+    if (TakeWord(scan, "nan")) {
+        magnitude = std::numeric_limits<double>::quiet_NaN();
+        if (scan.next != scan.end && *scan.next == '(') {
+            ++scan.next;
+            while (scan.next != scan.end && IsLetterOrDigit(*scan.next))
+                ++scan.next;
+            if (scan.next == scan.end || *scan.next++ != ')')
+                return FieldStatus::NotANumber;
+        }
+    } else if (!TakeWord(scan, "infinity") && !TakeWord(scan, "inf")) {
+        return FieldStatus::NotANumber;
+    }
+    SkipBlanks(scan);
+    if (scan.next != scan.end)
+        return FieldStatus::NotANumber;
+    value = scan.negative ? -magnitude : magnitude;
+    return FieldStatus::Good;
+}
+
+void TakeDigit(RealScan& scan, char digit) {
+    *scan.out++ = digit;
+    scan.digitSeen = true;
+    scan.significantSeen = scan.significantSeen || digit != '0';
+    if (!scan.pointSeen && scan.significantSeen)
+        ++scan.order;
+    else if (scan.pointSeen && !scan.significantSeen)
+        --scan.order;
+}
+
+/// Digits and point up to the exponent or the end. False when something else stands there.
+bool ScanMantissa(RealScan& scan) {
+    for (; scan.next != scan.end; ++scan.next) {
+        const char c = *scan.next;
+        if (IsDigit(c)) {
+            TakeDigit(scan, c);
+        } else if (c == '.') {
+            if (scan.pointSeen)
+                return false;
+            scan.pointSeen = true;
+            *scan.out++ = '.';
+        } else if (c == '+' || c == '-') {
+            return true;
+        } else if (c != ' ') {
+            const char letter = LowerCase(c);
+            return letter == 'e' || letter == 'd' || letter == 'q';
+        }
+    }
+    return true;
+}
+
+/// The exponent, which a letter or its sign alone begins. Behind the letter or sign something must stand, if only
+/// a blank.
+bool ScanExponent(RealScan& scan) {
+    scan.exponentSeen = true;
+    if (*scan.next != '+' && *scan.next != '-')
+        ++scan.next;
+    SkipBlanks(scan);
+    const bool negative = TakeSign(scan);
+    if (scan.next == scan.end)
+        return false;
+    int exponent = 0;
+    for (; scan.next != scan.end; ++scan.next) {
+        if (*scan.next == ' ')
+            continue;
+        if (!IsDigit(*scan.next))
+            return false;
+        if (exponent < kExponentLimit)
+            exponent = 10 * exponent + (*scan.next - '0');
+    }
+    scan.exponent = negative ? -exponent : exponent;
+    return true;
+}
+
+/// Converts what stands in [first, scan.out): digits with at most one point.
+FieldStatus ConvertDigits(RealScan& scan, const char* first, double& value) {
+    if (scan.exponent >= kExponentLimit || scan.exponent <= -kExponentLimit)
+        return FieldStatus::OutOfRange;
+    double magnitude = 0.0;
+    if (scan.significantSeen) {
+        if (scan.exponent != 0) {
+            *scan.out++ = 'e';
+            scan.out = std::to_chars(scan.out, scan.out + 8, scan.exponent).ptr;
+        }
+        const std::from_chars_result result = std::from_chars(first, scan.out, magnitude);
+        if (result.ec == std::errc::result_out_of_range)
+            magnitude = scan.order + scan.exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+    }
+    value = scan.negative ? -magnitude : magnitude;
+    return FieldStatus::Good;
+}
+
+/// Scans and converts; `room` holds the text's length and kRewritingRoom more.
+FieldStatus ScanReal(std::string_view text, const RealTextRules& rules, char* room, double& value) {
+    RealScan scan;
+    scan.next = text.data();
+    scan.end = text.data() + text.size();
+    scan.out = room;
+    SkipBlanks(scan);
+    scan.negative = TakeSign(scan);
+    SkipBlanks(scan);
+    if (scan.next != scan.end && (LowerCase(*scan.next) == 'i' || LowerCase(*scan.next) == 'n'))
+        return ConvertName(scan, value);
+    if (!ScanMantissa(scan))
+        return FieldStatus::NotANumber;
+    if (scan.next != scan.end && !ScanExponent(scan))
+        return FieldStatus::NotANumber;
+    if (!scan.exponentSeen)
+        scan.exponent = -rules.scale - (scan.pointSeen ? 0 : rules.decimals);
+    return ConvertDigits(scan, room, value);
+}
+
+} // namespace
+
+FieldStatus RealFromText(std::string_view text, const RealTextRules& rules, double& value) {
+    while (!text.empty() && text.front() == ' ')
+        text.remove_prefix(1);
+    if (text.size() <= kSmallText) {
+        char room[kSmallText + kRewritingRoom];
+        return ScanReal(text, rules, room, value);
+    }
+    std::string room(text.size() + kRewritingRoom, '\0');
+    return ScanReal(text, rules, room.data(), value);
+}
+
+} // namespace zurt

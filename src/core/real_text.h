@@ -1,0 +1,21 @@
+// Decimal text to double, as Fortran fields spell reals.
+//
+// Shared by the fixed fields of format_read.cpp and the items of list_read.cpp; nobody else needs it.
+#pragma once
+
+#include "core/format.h"
+
+namespace zurt {
+
+/// How a text without a point is to be taken.
+struct RealTextRules {
+    int decimals = 0; // without point and exponent this many of the last digits are decimals
+    int scale = 0;    // without an exponent the number is divided by 10 to this power
+};
+
+/// Converts all of `text`, rounded to nearest; blanks (not tabs) anywhere are passed over, an all-blank text is 0.
+/// Above the range of a double the result is an infinity, below it a denormal or zero. `value` changes only with
+/// Good.
+FieldStatus RealFromText(std::string_view text, const RealTextRules& rules, double& value);
+
+} // namespace zurt
