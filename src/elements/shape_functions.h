@@ -1,0 +1,54 @@
+// Isoparametric shape functions of the line (2 to 3 nodes), the quadrilateral (4 to 9) and the brick (8 to 21).
+//
+// Natural coordinates r, s, t run from -1 to 1. Node 1 lies at (+,+,+); corners 1 to 4 go round in the plane t = +1,
+// 5 to 8 lie below them. Any mid-side node may be absent. All results stand in the compressed order of the element:
+// corners, then the present mid-side nodes in ascending number. Values depend on the point and on the list of
+// mid-side nodes alone, not on the element's coordinates, so a loop over like elements makes them once.
+// Called by the Gauss loops of the families, by the surface terms and by whoever locates Gauss points.
+// Source: O. C. Zienkiewicz, The Finite Element Method, 1977, chapter 7 (hierarchical removal of mid-side nodes).
+#pragma once
+
+#include "core/array_view.h"
+
+#include <cstdint>
+
+namespace zurt {
+
+/// Nodes of the full element of each dimension: 3, 9, 21. The last one is the centre node.
+template <int Dimension> constexpr int kMaxNodes = Dimension == 3 ? 21 : Dimension == 2 ? 9 : 3;
+
+/// Corner nodes, present in every element: 2, 4, 8.
+template <int Dimension> constexpr int kCorners = 1 << Dimension;
+
+constexpr int kMaxMidSideNodes = kMaxNodes<3> - kCorners<3>;
+
+/// Which nodes an element has: its corners, and these mid-side (and centre) nodes.
+struct ActiveNodes {
+    std::int32_t ND = 0;           // all nodes: corners and midSideCount
+    std::int32_t midSideCount = 0; // entries of midSide in use
+    std::int32_t midSide[kMaxMidSideNodes] =
+        {}; // numbers of the present mid-side nodes, ascending, from corners + 1
+};
+
+/// Values at one point of the reference element; column k (from 0) belongs to the element's node k + 1 in compressed
+/// order, columns from ND on are not set.
+template <int Dimension> struct ShapeValues {
+    double H[kMaxNodes<Dimension>];             // shape functions
+    double HR[Dimension][kMaxNodes<Dimension>]; // their derivatives by r, s, t
+};
+
+/// Lists the nodes of element n from its row of the connectivity NEL (1..NET, 1..NDMAX): the corners always count,
+/// a further column counts if its node number is not 0.
+template <int Dimension> void ListActiveNodes(ConstIntTable NEL, Word n, ActiveNodes& active);
+
+/// H and HR at the point (r, s, t). Where the centre node is present, its function is first taken out of the corners
+/// and the other mid-side functions; then half of every mid-side function is taken out of its two corners.
+void ShapeFunctions3D(double r, double s, double t, const ActiveNodes& active, ShapeValues<3>& shape);
+
+/// The same for the quadrilateral.
+void ShapeFunctions2D(double r, double s, const ActiveNodes& active, ShapeValues<2>& shape);
+
+/// The same for the line; its third node is its centre.
+void ShapeFunctions1D(double r, const ActiveNodes& active, ShapeValues<1>& shape);
+
+} // namespace zurt
