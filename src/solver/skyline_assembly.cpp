@@ -1,0 +1,46 @@
+#include "solver/skyline_assembly.h"
+
+#include "core/vector.h"
+
+namespace zurt {
+
+void AddElementVector(RealArray R, ConstRealArray F, ConstIntArray LM, Word ND) {
+    AddScatter(R, F, LM, ND);
+}
+
+void SkylineAddElement(RealArray SkylineMatrix, ConstIntArray MAXA, RealArray R, ConstRealArray S,
+                       ConstRealArray F, ConstIntArray LM, Word ND, std::int32_t matrixFlag) {
+    if (matrixFlag != 0) {
+        Word K = 0;
+        for (Word i = 1; i <= ND; ++i) {
+            const Word II = LM(i);
+            if (II > 0) {
+                for (Word j = i; j <= ND; ++j) {
+                    const Word JJ = LM(j);
+                    if (JJ <= 0)
+                        continue;
+                    const Word position = JJ >= II ? MAXA(JJ) + JJ - II : MAXA(II) + II - JJ;
+                    SkylineMatrix(position) += S(K + j - i + 1);
+                }
+            }
+            K += ND - i + 1;
+        }
+    }
+    AddElementVector(R, F, LM, ND);
+}
+
+void SkylineMultiply(ConstRealArray SkylineMatrix, ConstRealArray X, RealArray Y, ConstIntArray MAXA,
+                     Word JEDN, double factor) {
+    for (Word n = 1; n <= JEDN; ++n) {
+        const Word diagonal = MAXA(n);
+        const Word height = MAXA(n + 1) - diagonal - 1;
+        double sum = SkylineMatrix(diagonal) * X(n);
+        for (Word i = 1; i <= height; ++i) {
+            Y(n - i) += factor * (SkylineMatrix(diagonal + i) * X(n));
+            sum += SkylineMatrix(diagonal + i) * X(n - i);
+        }
+        Y(n) += factor * sum;
+    }
+}
+
+} // namespace zurt

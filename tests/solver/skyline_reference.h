@@ -1,0 +1,156 @@
+// The plain loops of the skyline solver, one product after the other, and systems to try it on. The solver must give
+// the same bits on every machine; the benchmarks time these loops beside it.
+#pragma once
+
+#include "core/array_view.h"
+#include "solver/skyline_layout.h"
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+namespace zurt_test {
+
+using zurt::Word;
+
+struct SkylineSystem {
+    Word NN = 0;
+    std::vector<std::int32_t> MAXA;
+    std::vector<double> store;
+
+    zurt::RealArray Store() { return {store.data(), static_cast<Word>(store.size())}; }
+    zurt::ConstIntArray Pointers() const { return {MAXA.data(), NN + 1}; }
+};
+
+/// An empty store for the heights above the diagonal; heights[0] is that of equation 1.
+inline SkylineSystem MakeSystem(const std::vector<std::int32_t>& heights) {
+    SkylineSystem system;
+    system.NN = static_cast<Word>(heights.size());
+    system.MAXA = heights;
+    system.MAXA.push_back(0);
+    const Word NWK = zurt::MakeColumnPointers({system.MAXA.data(), system.NN + 1}, system.NN);
+    system.store.assign(static_cast<std::size_t>(NWK), 0.0);
+    return system;
+}
+
+/// Random entries, and diagonals that outweigh them: positive definite.
+inline void FillDominant(SkylineSystem& system, std::mt19937& random) {
+    std::uniform_real_distribution<double> entry(-1.0, 1.0);
+    std::vector<double> weight(static_cast<std::size_t>(system.NN) + 1, 0.5);
+    for (Word n = 1; n <= system.NN; ++n) {
+        const Word diagonal = system.Pointers()(n);
+        for (Word i = 1; diagonal + i < system.Pointers()(n + 1); ++i) {
+            const double value = entry(random);
+            system.Store()(diagonal + i) = value;
+            weight[static_cast<std::size_t>(n)] += std::abs(value);
+            weight[static_cast<std::size_t>(n - i)] += std::abs(value);
+        }
+    }
+    for (Word n = 1; n <= system.NN; ++n)
+        system.Store()(system.Pointers()(n)) = weight[static_cast<std::size_t>(n)];
+}
+
+/// A cube of side^3 eight-node bricks, nodes numbered with x fastest, all of them free.
+inline SkylineSystem MakeCube(std::int32_t side) {
+    const std::int32_t row = side + 1;
+    const Word JEDN = static_cast<Word>(row) * row * row;
+    const Word NE = static_cast<Word>(side) * side * side;
+    std::vector<std::int32_t> nodes(static_cast<std::size_t>(8 * NE));
+    zurt::IntTable NEL{nodes.data(), NE, 8};
+    Word element = 0;
+    for (std::int32_t z = 0; z < side; ++z)
+        for (std::int32_t y = 0; y < side; ++y)
+            for (std::int32_t x = 0; x < side; ++x) {
+                ++element;
+                for (std::int32_t corner = 0; corner < 8; ++corner)
+                    NEL(element, corner + 1) = 1 + x + (corner & 1) + row * (y + (corner >> 1 & 1)) +
+                                               row * row * (z + (corner >> 2));
+            }
+    std::vector<std::int32_t> ID(static_cast<std::size_t>(JEDN));
+    for (Word node = 1; node <= JEDN; ++node)
+        ID[static_cast<std::size_t>(node - 1)] = static_cast<std::int32_t>(node);
+    SkylineSystem system;
+    system.NN = JEDN;
+    system.MAXA.assign(static_cast<std::size_t>(JEDN + 1), 0);
+    std::int32_t LM[8];
+    Word NWK = 0;
+    zurt::ComputeColumnHeights({system.MAXA.data(), JEDN + 1}, {ID.data(), JEDN}, NEL, {LM, 8}, NE, JEDN,
+                               true, 8, NWK);
+    system.store.assign(static_cast<std::size_t>(NWK), 0.0);
+    return system;
+}
+
+/// The plain factorisation; returns the equation of the pivot that failed, 0 for none.
+inline Word ReferenceFactor(zurt::RealArray A, zurt::ConstIntArray MAXA, Word NN) {
+    for (Word n = 1; n <= NN; ++n) {
+        const Word KN = MAXA(n);
+        const Word KL = KN + 1;
+        const Word KU = MAXA(n + 1) - 1;
+        const Word KH = KU - KL;
+        if (KH > 0) {
+            Word K = n - KH;
+            Word IC = 0;
+            Word KLT = KU;
+            for (Word J = 1; J <= KH; ++J) {
+                IC += 1;
+                KLT -= 1;
+                const Word KI = MAXA(K);
+                const Word ND2 = MAXA(K + 1) - KI - 1;
+                if (ND2 > 0) {
+                    const Word KK = std::min(IC, ND2);
+                    double C = 0.0;
+                    for (Word L = 1; L <= KK; ++L)
+                        C += A(KI + L) * A(KLT + L);
+                    A(KLT) -= C;
+                }
+                K += 1;
+            }
+        }
+        if (KH >= 0) {
+            Word K = n;
+            double B = 0.0;
+            for (Word KK = KL; KK <= KU; ++KK) {
+                K -= 1;
+                const Word KI = MAXA(K);
+                const double C = A(KK) / A(KI);
+                B += C * A(KK);
+                A(KK) = C;
+            }
+            A(KN) -= B;
+        }
+        if (0.0 >= A(KN))
+            return n;
+    }
+    return 0;
+}
+
+/// The plain reduction and back-substitution.
+inline void ReferenceSubstitute(zurt::ConstRealArray A, zurt::RealArray V, zurt::ConstIntArray MAXA,
+                                Word NN) {
+    for (Word n = 1; n <= NN; ++n) {
+        const Word KL = MAXA(n) + 1;
+        const Word KU = MAXA(n + 1) - 1;
+        if (KU < KL)
+            continue;
+        Word K = n;
+        double C = 0.0;
+        for (Word KK = KL; KK <= KU; ++KK) {
+            K -= 1;
+            C += A(KK) * V(K);
+        }
+        V(n) -= C;
+    }
+    for (Word n = 1; n <= NN; ++n)
+        V(n) = V(n) / A(MAXA(n));
+    for (Word n = NN; n >= 2; --n) {
+        const Word KL = MAXA(n) + 1;
+        const Word KU = MAXA(n + 1) - 1;
+        Word K = n;
+        for (Word KK = KL; KK <= KU; ++KK) {
+            K -= 1;
+            V(K) -= A(KK) * V(n);
+        }
+    }
+}
+
+} // namespace zurt_test

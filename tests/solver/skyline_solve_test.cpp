@@ -1,0 +1,169 @@
+#include "solver/skyline_solve.h"
+
+#include "skyline_reference.h"
+#include "solver/skyline_factor.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <string>
+
+namespace {
+
+using zurt::RealArray;
+using zurt::Word;
+using zurt_test::MakeSystem;
+using zurt_test::SkylineSystem;
+
+using Heights = std::vector<std::int32_t>;
+using Reals = std::vector<double>;
+
+RealArray View(Reals& values) {
+    return {values.data(), static_cast<Word>(values.size())};
+}
+
+// The first entry whose bits differ, 0 for none. Two entries that are both not a number count as the same.
+Word FirstDifference(const Reals& a, const Reals& b) {
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (std::memcmp(&a[i], &b[i], sizeof(double)) != 0 && !(std::isnan(a[i]) && std::isnan(b[i])))
+            return static_cast<Word>(i + 1);
+    return 0;
+}
+
+// Factor and solve must give the bits of the plain loops, in every part that each of the two calls touches.
+void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std::string& what) {
+    SkylineSystem reference = system;
+    SkylineSystem solved = system;
+    const Word failed = zurt_test::ReferenceFactor(reference.Store(), reference.Pointers(), reference.NN);
+    ASSERT_EQ(zurt::FactorSkyline(solved.Store(), solved.Pointers(), solved.NN), failed) << what;
+    if (failed != 0) {
+        const Word diagonal = reference.Pointers()(failed);
+        EXPECT_EQ(solved.Store()(diagonal), reference.Store()(diagonal)) << what;
+        return;
+    }
+    ASSERT_EQ(FirstDifference(solved.store, reference.store), 0) << what;
+
+    std::uniform_real_distribution<double> entry(-1.0, 1.0);
+    Reals V(static_cast<std::size_t>(system.NN));
+    for (double& v : V)
+        v = entry(random);
+    Reals expected = V;
+    zurt_test::ReferenceSubstitute(reference.Store(), View(expected), reference.Pointers(), reference.NN);
+    zurt::SubstituteSkyline(solved.Store(), View(V), solved.Pointers(), solved.NN);
+    EXPECT_EQ(FirstDifference(V, expected), 0) << what;
+    EXPECT_EQ(FirstDifference(solved.store, reference.store), 0)
+        << what << ": substitution changed the factors";
+}
+
+Heights RandomHeights(Word NN, std::int32_t band, std::mt19937& random) {
+    Heights heights;
+    for (std::int32_t c = 0; c < NN; ++c)
+        heights.push_back(std::min<std::int32_t>(c, static_cast<std::int32_t>(random() % (band + 1u))));
+    return heights;
+}
+
+// Faults: a sum in another order, a fused multiply-add, a product with what lies above a column.
+TEST(SkylineSolve, SameBitsAsThePlainLoopsOnRaggedSkylines) {
+    std::mt19937 random(1);
+    for (const Word NN : {1, 2, 3, 7, 8, 9, 16, 17, 33, 64, 100, 257})
+        for (const std::int32_t band : {0, 1, 2, 5, 13, 40, 300}) {
+            SkylineSystem system = MakeSystem(RandomHeights(NN, band, random));
+            FillDominant(system, random);
+            ExpectSameBits(system, random, "NN " + std::to_string(NN) + " band " + std::to_string(band));
+        }
+}
+
+// The same over layouts with a shape of their own.
+TEST(SkylineSolve, SameBitsAsThePlainLoopsOnShapedSkylines) {
+    std::mt19937 random(2);
+    const std::int32_t NN = 150;
+    Heights full, arrow, steps, late, smooth;
+    for (std::int32_t c = 0; c < NN; ++c) {
+        full.push_back(c);
+        arrow.push_back(c == NN - 1 ? c : 0);
+        steps.push_back(c % 40);
+        late.push_back(c < 100 ? std::min(c, 1) : 90 + c % 7);
+        smooth.push_back(std::min(c, 60 + (c % 9 == 0 ? 8 : 0)));
+    }
+    int shape = 0;
+    for (const Heights& heights : {full, arrow, steps, late, smooth}) {
+        SkylineSystem system = MakeSystem(heights);
+        FillDominant(system, random);
+        ExpectSameBits(system, random, "shape " + std::to_string(++shape));
+    }
+    SkylineSystem cube = zurt_test::MakeCube(7);
+    FillDominant(cube, random);
+    ExpectSameBits(cube, random, "cube");
+}
+
+// Solutions against the residual of the matrix itself, so that the plain loops and the solver can't be wrong together.
+TEST(SkylineSolve, SolvesTheSystemToRounding) {
+    std::mt19937 random(3);
+    SkylineSystem system = MakeSystem(RandomHeights(200, 60, random));
+    FillDominant(system, random);
+    Reals V(200), K(200 * 200, 0.0);
+    for (std::size_t c = 0; c < 200; ++c)
+        for (std::int32_t position = system.MAXA[c]; position < system.MAXA[c + 1]; ++position) {
+            const std::size_t r = c - static_cast<std::size_t>(position - system.MAXA[c]);
+            K[200 * r + c] = K[200 * c + r] = system.Store()(position);
+        }
+    for (std::size_t i = 0; i < 200; ++i)
+        V[i] = std::sin(static_cast<double>(i));
+    const Reals right = V;
+    zurt::TextUnit listing;
+    zurt::SkylineSolve(system.Store(), View(V), system.Pointers(), 200, 0, 1, listing);
+    EXPECT_EQ(V, right) << "the factor mode leaves V";
+    const Reals factors = system.store;
+    zurt::SkylineSolve(system.Store(), View(V), system.Pointers(), 200, 0, 2, listing);
+    EXPECT_EQ(system.store, factors) << "the solve mode leaves the store";
+    for (std::size_t r = 0; r < 200; ++r) {
+        double product = 0.0;
+        for (std::size_t c = 0; c < 200; ++c)
+            product += K[200 * r + c] * V[c];
+        EXPECT_NEAR(product, right[r], 1e-13);
+    }
+}
+
+// Faults: a pivot reported for another equation, a later pivot reported first, a pivot that is not a number stopped.
+TEST(SkylineSolve, PivotsFailWhereThePlainLoopsFail) {
+    std::mt19937 random(4);
+    for (const Word equation : {1, 2, 40, 41, 64, 99, 100})
+        for (const double spoiled :
+             {0.0, -0.0, -3.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
+            SkylineSystem system = MakeSystem(RandomHeights(100, 40, random));
+            FillDominant(system, random);
+            system.Store()(system.Pointers()(equation)) = spoiled;
+            ExpectSameBits(system, random, "equation " + std::to_string(equation));
+        }
+    SkylineSystem two = MakeSystem(Heights(90, 0));
+    two.store.assign(90, 1.0);
+    two.store[70] = -1.0;
+    two.store[66] = 0.0;
+    EXPECT_EQ(zurt::FactorSkyline(two.Store(), two.Pointers(), 90), 67);
+}
+
+// Faults: one of the lines, a blank line or the leading blank lost, another width, a status other than 0.
+TEST(SkylineSolveDeathTest, PivotFailureWritesThreeLinesAndEndsNormally) {
+    const std::string name = testing::TempDir() + "skyline_pivot.lst";
+    SkylineSystem system = MakeSystem({0, 1, 1});
+    system.store = {4.0, 1.0, 2.0, 1.0, 0.0};
+    const auto solve = [&] {
+        zurt::TextUnit listing;
+        zurt::OpenTextUnit(listing, name);
+        Reals V(3, 1.0);
+        zurt::SkylineSolve(system.Store(), View(V), system.Pointers(), 3, 5, 1, listing);
+    };
+    EXPECT_EXIT(solve(), testing::ExitedWithCode(0), "");
+    std::ifstream file(name);
+    std::stringstream text;
+    text << file.rdbuf();
+    EXPECT_EQ(text.str(), "\n MATRICA SISTEMA NIJE POZITIVNO DEFINITNA\n"
+                          "\n PIVOT NIJE POZITIVAN ZA JEDNACINU BR.   2\n"
+                          "\n PIVOT=  0.000000000000E+00\n");
+}
+
+} // namespace
