@@ -38,6 +38,11 @@ inline bool EchoInput(const Run& run) {
     return NULAZ == 1 || NULAZ == 3;
 }
 
+/// Where a fatal message goes: the listing, or the console when no listing was opened.
+inline TextUnit& MessageUnit(Run& run) {
+    return IsOpen(run.units.listing) ? run.units.listing : run.units.console;
+}
+
 // Views of the arrays that most steps need.
 inline RealArray CoordinateColumn(const Run& run, int axis) {
     const Word NP = run.control.header.NP;

@@ -1,0 +1,112 @@
+#include "homogenization/homogenization_card.h"
+
+#include "core/format.h"
+#include "job/echo.h"
+
+#include <algorithm>
+
+namespace zurt {
+
+namespace {
+
+constexpr CardField kHomogenizationFields[] = {
+    ZURT_COUNT(HomogenizationCard, NSETS, "I5", "number of fibre sets"),
+    ZURT_INTEGER(HomogenizationCard, IEHM, "I5", "1: equivalent homogeneous medium; 0 without fibre sets"),
+    ZURT_INTEGER(HomogenizationCard, NFIT, "I5", "1: homogenization; 0 without fibre sets or with IEHM 0"),
+    ZURT_INTEGER(HomogenizationCard, NFSTEP, "I5", "time steps of one run of the fit"),
+    ZURT_INTEGER(HomogenizationCard, NFITMAX, "I5", "iteration limit of the fit"),
+    ZURT_REAL(HomogenizationCard, FITERR, "F10.6", "relative tolerance on mass"),
+    ZURT_INTEGER(HomogenizationCard, INDFITX, "I5", "1: homogenize for diffusion in X"),
+    ZURT_INTEGER(HomogenizationCard, INDFITY, "I5", "1: homogenize for diffusion in Y"),
+    ZURT_INTEGER(HomogenizationCard, INDFITZ, "I5", "1: homogenize for diffusion in Z"),
+    ZURT_INTEGER(HomogenizationCard, INDDEG, "I5", "main diffusion direction: below 1 becomes 1, above 3 becomes 3"),
+    ZURT_INTEGER(HomogenizationCard, IHEQ, "I5", "1: fit HEQ after the D-C curve; 0 without a fit"),
+    ZURT_INTEGER(HomogenizationCard, IDCC, "I5", "1: fit the D-C curve; 0 without a fit"),
+    ZURT_INTEGER(HomogenizationCard, IDIAM, "I5", "1: subtract the molecule's radius from wall distances"),
+    ZURT_INTEGER(HomogenizationCard, IDCSF, "I5", "1: IDCC becomes 1 and IHEQ 0"),
+};
+
+constexpr CardField kCurveEndsFields[] = {
+    ZURT_REAL(HomogenizationCard, D1D, "D16.6", "first value of the D-C curve to start from"),
+    ZURT_REAL(HomogenizationCard, D2D, "D16.6", "last value of the D-C curve to start from"),
+};
+
+void SetActiveDirections(FitState& fit) {
+    const HomogenizationCard& card = fit.card;
+    const bool fitting = card.NFIT == 1;
+    fit.activeDirection[1] = fitting ? card.INDFITX : 0;
+    fit.activeDirection[2] = fitting ? card.INDFITY : 0;
+    fit.activeDirection[3] = fitting ? card.INDFITZ : 0;
+    fit.NACTDIR = static_cast<std::int32_t>(std::count(fit.activeDirection + 1, fit.activeDirection + 4, 1));
+}
+
+void SwitchOffWithoutFibres(HomogenizationCard& card) {
+    if (card.NSETS == 0)
+        card.IEHM = card.NFIT = 0;
+    if (card.IEHM == 0)
+        card.NFIT = 0;
+    if (card.NFIT == 0)
+        card.IHEQ = card.IDCC = 0;
+}
+
+// The labels and the twelve values under them are not aligned; the last label stands without a value.
+void EchoHomogenizationCard(Run& run) {
+    static const Format serbian("(/11X,'BROJ SETOVA VLAKANA ........................ NSETS   =',I5"
+                                "/11X,'INDIKATOR EKVIVALENTNE HOMOGENE SREDINE .... IEHM    =',I5"
+                                "/11X,'INDIKATOR HOMOGENIZACIJE ................... NFIT    =',I5"
+                                "/11X,'BROJ KORAKA ZA HOMOGENIZACIJU .............. NFSTEP  =',I5"
+                                "/11X,'NAJVECI BROJ ITERACIJA HOMOGENIZACIJE ...... NFITMAX =',I5"
+                                "/11X,'GRESKA MASE ZA HOMOGENIZACIJU .............. FITERR  =',1PE10.3"
+                                "/11X,'INDIKATOR HOMOGENIZACIJE U X PRAVCU ........ INDFITX =',I5"
+                                "/11X,'INDIKATOR HOMOGENIZACIJE U Y PRAVCU ........ INDFITY =',I5"
+                                "/11X,'INDIKATOR HOMOGENIZACIJE U Z PRAVCU ........ INDFITZ =',I5"
+                                "/11X,'GLAVNI PRAVAC DIFUZIJE ..................... INDDEG  =',I5"
+                                "/11X,'INDIKATOR HOMOGENIZACIJE HEQ ............... IHEQ    =',I5"
+                                "/11X,'INDIKATOR HOMOGENIZACIJE D-C KRIVE ......... IDCC    =',I5"
+                                "/11X,'INDIKATOR PRECNIKA MOLEKULA U SF ........... IDIAM   =',I5)");
+    static const Format english("(/11X,'NUMBER OF FIBRE SETS ....................... NSETS   =',I5"
+                                "/11X,'INDICATOR FOR EQUIVALENT HOMOGENOUS MEDIUM . IEHM    =',I5"
+                                "/11X,'INDICATOR FOR HOMOGENIZATION................ NFIT    =',I5"
+                                "/11X,'NUMBER OF TIMESTEPS FOR HOMOGENIZATION...... NFSTEP  =',I5"
+                                "/11X,'MAX NUMBER OF ITERATIONS FOR HOMOGENIZATION. NFITMAX =',I5"
+                                "/11X,'MASS ERROR FOR HOMOGENIZATION............... FITERR  =',1PE10.3"
+                                "/11X,'INDICATOR FOR HOMOGENIZATION IN X DIRECTION. INDFITX =',I5"
+                                "/11X,'INDICATOR FOR HOMOGENIZATION IN Y DIRECTION. INDFITY =',I5"
+                                "/11X,'INDICATOR FOR HOMOGENIZATION IN Z DIRECTION. INDFITZ =',I5"
+                                "/11X,'MAIN DIFFUSION DIRECTION.................... INDDEG  =',I5"
+                                "/11X,'INDICATOR FOR HOMOGENIZATION OF HEQ......... IHEQ    =',I5"
+                                "/11X,'INDICATOR FOR HOMOGENIZATION OF D-C CURVE... IDCC    =',I5"
+                                "/11X,'INDICATOR FOR INCLUDING MOL. DIAMETER IN SF. IDIAM   =',I5)");
+    const HomogenizationCard& card = run.fit.card;
+    const Format& format = run.control.state.Language == kSerbian ? serbian : english;
+    Write(run.units.listing, format, card.NSETS, card.IEHM, card.NFIT, card.NFITMAX, card.NFSTEP, 0.0, card.INDFITY,
+          card.INDFITZ, card.INDDEG, card.IHEQ, card.IDCC, card.IDIAM);
+}
+
+} // namespace
+
+const CardLayout kHomogenizationCard = Layout("Homogenization card", kHomogenizationFields);
+const CardLayout kCurveEndsCard = Layout("Card of the curve ends", kCurveEndsFields);
+
+void ReadHomogenizationCard(Run& run) {
+    HomogenizationCard& card = run.fit.card;
+    const std::int32_t INDFOR = run.control.header.INDFOR;
+    const std::int32_t first = run.deck.CardCounter + 1;
+    ReadCardFields(run.deck, INDFOR, kHomogenizationCard, &card);
+    card.INDDEG = std::clamp(card.INDDEG, 1, 3);
+    if (card.IDCSF == 1) {
+        card.IDCC = 1;
+        card.IHEQ = 0;
+    } else if (card.IDCC == 0) {
+        ReadCardFields(run.deck, INDFOR, kCurveEndsCard, &card);
+    }
+    SetActiveDirections(run.fit);
+    SwitchOffWithoutFibres(card);
+    run.fit.IFINALRUN = 1;
+    if (EchoInput(run)) {
+        PrintCardNumber(run, first, 0);
+        EchoHomogenizationCard(run);
+    }
+}
+
+} // namespace zurt

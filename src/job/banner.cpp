@@ -1,0 +1,71 @@
+#include "job/banner.h"
+
+#include "core/format.h"
+
+namespace zurt {
+
+namespace {
+
+// Ten lines of block letters, each drawn with copies of itself.
+constexpr const char* kBlockLetters[10] = {
+    "ZZZZZZZZZZZ   UU       UU   RRRRRRRRR     TTTTTTTTTTT", "ZZZZZZZZZZZ   UU       UU   RRRRRRRRRR    TTTTTTTTTTT",
+    "        ZZZ   UU       UU   RR      RR        TTT    ", "       ZZZ    UU       UU   RR      RR        TTT    ",
+    "      ZZZ     UU       UU   RRRRRRRRRR        TTT    ", "     ZZZ      UU       UU   RRRRRRRRR         TTT    ",
+    "    ZZZ       UU       UU   RR    RR          TTT    ", "   ZZZ        UUU     UUU   RR     RR         TTT    ",
+    "ZZZZZZZZZZZ    UUUUUUUUU    RR      RR        TTT    ", "ZZZZZZZZZZZ     UUUUUUU     RR       RR       TTT    ",
+};
+
+constexpr const char* kVersionDashes = "---------------------------";
+
+void WriteClock(Run& run, const char* label, int moment) {
+    static const Format line("(11X,A,I2,':',I2,':',I2,'.',I2)");
+    const auto& table = run.control.state.TimingTable;
+    Write(run.units.listing, line, label, table[0][moment], table[1][moment], table[2][moment], table[3][moment]);
+}
+
+} // namespace
+
+void WriteBanner(Run& run) {
+    TextUnit& listing = run.units.listing;
+    Write(listing, "('1',7(/))");
+    Write(listing, "()");
+    if (run.control.state.Language == kSerbian) {
+        Write(listing, "(28X,A)", "P R O G R A M");
+        Write(listing, "(10X,A)", "ZA NESTACIONARNU I NELINEARNU ANALIZU PROVODJENJA TOPLOTE");
+        Write(listing, "(19X,A)", "METODOM KONACNIH ELEMENATA");
+    } else {
+        Write(listing, "(28X,A)", "FINITE ELEMENT PROGRAM");
+        Write(listing, "(19X,A)", "FOR LINEAR AND NONLINEAR FIELD ANALYSIS");
+    }
+    Write(listing, "(12(/))");
+    for (const char* line : kBlockLetters)
+        Write(listing, "(12X,A)", line);
+    Write(listing, "(5(/))");
+    Write(listing, "(5X,A,A,A)", kVersionDashes, Say(run, "  VERZIJA  1.00  ", "  VERSION  1.00  "), kVersionDashes);
+}
+
+void WriteExecutionReport(Run& run) {
+    TextUnit& listing = run.units.listing;
+    Write(listing, "('1'///11X,A)",
+          Say(run, "I Z V E S T A J    O    V R E M E N U    I Z V R S A V A N J A",
+              "E X E C U T I O N    T I M I N G    I N F O RM A T I O N"));
+    Write(listing, "(11X,57('-')/)");
+    WriteClock(run,
+               Say(run, "POCETAK UCITAVANJA ULAZNIH PODATAKA ............ ",
+                   "TIME AT THE START OF READ OF INPUT DATA ........ "),
+               0);
+    WriteClock(run,
+               Say(run, "POCETAK IZVRSAVANJA PO PERIODIMA ............... ",
+                   "TIME AT THE START OF FORM OF MATRICES .......... "),
+               1);
+    WriteClock(run,
+               Say(run, "ZAVRSETAK PRORACUNA ............................ ",
+                   "END OF JOB  .................................... "),
+               2);
+}
+
+void MarkReadStart(Run& /*run*/) {}
+
+void MarkMatrixStart(Run& /*run*/) {}
+
+} // namespace zurt

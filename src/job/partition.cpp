@@ -1,0 +1,220 @@
+#include "job/partition.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zurt {
+
+namespace {
+
+void WriteInputOverflow(Run& run) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(A)",
+          Say(run,
+              "NEDOVOLJNA DIMENZIJA U OSNOVNOM RADNOM VEKTORU A ZA UCITAVANJE ULAZNIH "
+              "PODATAKA",
+              " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA"));
+    Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAX=", " REQUIRED DIMENSION, LMAX ="), run.A.LMAX);
+    Write(unit, "(A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA, NTOTA=", " AVAILABLE DIMENSION, NTOTA="), run.A.NTOTA);
+}
+
+// Nine vectors of NP words, one after the other.
+void TakeResultVectors(Run& run) {
+    constexpr std::array<const char*, 10> names = {"",      "LNDS1", "LNDS2", "LNDS3", "LNDS4",
+                                                   "LNDS5", "LNDS6", "LNDS7", "LNDS8", "LNDS9"};
+    Pointers& at = run.control.at;
+    const Word NP = run.control.header.NP;
+    for (int i = 1; i <= 9; ++i)
+        at.LNDS[i] = TakeWords(run.A, names[static_cast<std::size_t>(i)], NP);
+}
+
+} // namespace
+
+void StopIfInputOverflows(Run& run) {
+    if (run.A.LMAX <= run.A.NTOTA)
+        return;
+    WriteInputOverflow(run);
+    StopRun();
+}
+
+void TakePeriodTables(Run& run) {
+    const Word NPER = run.control.header.NPER;
+    run.control.at.LNKDT = TakeWords(run.A, "LNKDT", NPER);
+    run.control.at.LDTDT = TakeWords(run.A, "LDTDT", NPER);
+    // While the cards are counted the step list has room for one step a period.
+    run.control.at.LDT = TakeWords(run.A, "LDT", NPER);
+    StopIfInputOverflows(run);
+}
+
+void TakeStepList(Run& run) {
+    ReleaseFrom(run.A, run.control.at.LDT);
+    run.control.at.LDT = TakeWords(run.A, "LDT", run.control.state.NDT);
+    StopIfInputOverflows(run);
+}
+
+void TakeNodeArrays(Run& run) {
+    const HeaderFields& header = run.control.header;
+    Pointers& at = run.control.at;
+    const Word NP = header.NP;
+    at.LCORD = TakeWords(run.A, "LCORD", 3 * NP);
+    at.LID = TakeWords(run.A, "LID", NP);
+    at.LNODEV = TakeWords(run.A, "LNODEV", NP);
+    at.LPOT = TakeWords(run.A, "LPOT", header.ITOR == 2 ? header.PotentialFunctionSize : 0);
+    at.LDIRD = TakeWords(run.A, "LDIRD", header.IDIRECTD == 1 ? 2 * Word{run.control.state.NDT} : 0);
+    std::fill(std::begin(at.LNDS), std::end(at.LNDS), at.LDIRD);
+    if (header.NDS != 0) {
+        TakeWords(run.A, "gap of NP words", NP);
+        TakeResultVectors(run);
+    }
+    StopIfInputOverflows(run);
+    if (run.A.LMAX >= run.A.NTOTA) { // here a table that exactly fills A is refused already
+        WriteInputOverflow(run);
+        StopRun();
+    }
+    if (header.NDS != 0)
+        ClearWords(run.A, at.LNDS[1], run.A.LMAX - 1);
+}
+
+void TakeSharedNodeList(Run& run, std::int32_t sharedNodes) {
+    Word words = sharedNodes;
+    if (sharedNodes <= 0)
+        words = run.control.state.LastISUB4 == 1 ? run.control.header.NP : 0;
+    run.control.at.LSUBS = TakeWords(run.A, "LSUBS", words);
+}
+
+void TakeDiagonalPositions(Run& run) {
+    run.control.at.LMAXA = TakeWords(run.A, "MAXA", Word{run.control.state.JEDN} + 1);
+    StopIfInputOverflows(run);
+    ClearWords(run.A, run.control.at.LMAXA, run.A.LMAX - 1);
+}
+
+void TakeDiffusionCurves(Run& run) {
+    const Word NMATT = run.control.header.NMATT;
+    run.control.at.LNPMAT = TakeWords(run.A, "LNPMAT", NMATT);
+    run.control.at.LDCT = TakeWords(run.A, "LDCT", 2 * NMATT * run.control.counts.MAXPMAT);
+    StopIfInputOverflows(run);
+}
+
+void TakeNanochannelVectors(Run& run) {
+    run.control.at.LNANO[4] = TakeWords(run.A, "LNANO4", 3 * Word{run.control.header.NP});
+    run.control.at.LNANO[5] = TakeWords(run.A, "LNANO5", run.control.header.NP);
+}
+
+void TakeFitColumn(Run& run) {
+    run.control.at.LFIT = TakeWords(run.A, "LFIT", run.control.counts.MAXPMAT);
+}
+
+void TakeFibreNodes(Run& run) {
+    run.control.at.LFIBN = TakeWords(run.A, "LFIBN", run.control.header.NP);
+}
+
+void TakeMaterialTables(Run& run) {
+    const HeaderFields& header = run.control.header;
+    const CurveCounts& counts = run.control.counts;
+    Word* at = run.control.at.LMAT;
+    std::fill(at, at + 10, run.A.LMAX);
+    if (header.NDS == 0) {
+        const Word NMATT = header.NMATT;
+        const Word NTABK = std::max(counts.NTABK, 1);
+        at[1] = TakeWords(run.A, "LMAT1", 3 * NMATT);
+        at[2] = TakeWords(run.A, "LMAT2", 3 * NMATT);
+        at[3] = TakeWords(run.A, "LMAT3", NMATT);
+        at[4] = TakeWords(run.A, "LMAT4", NMATT);
+        at[5] = TakeWords(run.A, "LMAT5", NMATT);
+        at[6] = TakeWords(run.A, "LMAT6", NTABK);
+        at[7] = TakeWords(run.A, "LMAT7", 2 * NTABK * counts.MAXTK);
+        at[8] = at[9] = run.A.LMAX;
+        if (header.NSTAC > 0) {
+            at[8] = TakeWords(run.A, "LMAT8", NMATT);
+            at[9] = TakeWords(run.A, "LMAT9", 2 * NMATT * counts.MAXTC);
+        }
+    }
+    StopIfInputOverflows(run);
+}
+
+void TakeFunctionTable(Run& run, const char* name, std::int32_t functions, std::int32_t points, Word& countsAt,
+                       Word& tableAt) {
+    countsAt = TakeWords(run.A, name, functions);
+    tableAt = TakeWords(run.A, name, 2 * Word{functions} * points);
+    StopIfInputOverflows(run);
+}
+
+void TakeShapeFactors(Run& run) {
+    run.control.at.LFO = TakeWords(run.A, "LFO", run.control.counts.NFO);
+}
+
+void TakeSolutionVectors(Run& run) {
+    const Word JEDN = run.control.state.JEDN;
+    run.control.at.LTT1 = TakeWords(run.A, "StepSolution", JEDN);
+    run.control.at.LTT2 = TakeWords(run.A, "StepIncrement", JEDN);
+    run.control.at.LTT3 = TakeWords(run.A, "StepStart", JEDN);
+    StopIfInputOverflows(run);
+    ClearWords(run.A, run.control.at.LTT1, run.A.LMAX - 1);
+}
+
+void TakeSolverVectors(Run& run) {
+    Pointers& at = run.control.at;
+    RunState& state = run.control.state;
+    const Word NZADC = run.control.counts.NZADC;
+    at.LZAD1 = TakeWords(run.A, "LZAD1", NZADC);
+    at.LZAD2 = TakeWords(run.A, "LZAD2", NZADC);
+    at.LZAD3 = TakeWords(run.A, "LZAD3", NZADC);
+    at.LNODAL = TakeWords(run.A, "NodalValues", run.control.header.NP);
+    at.LEQV = TakeWords(run.A, "LEQV", state.JEDN);
+    if (state.SparseMode == 1)
+        state.NWK = 0;
+    at.LSK = TakeWords(run.A, "SkylineMatrix", state.NWK);
+    at.LRHS = TakeWords(run.A, "RHS", state.JEDN);
+    run.A.LMAXM = run.A.LMAX;
+}
+
+void WriteSizeReport(Run& run) {
+    TextUnit& listing = run.units.listing;
+    const RunState& state = run.control.state;
+    Write(listing, "('1'///6X,A)",
+          Say(run, "PODACI O DIMENZIJAMA MATRICA SISTEMA I RADNOG VEKTORA",
+              "DATA ABOUT DIMENSIONS OF SYSTEM MATRIX AND WORKING VECTOR"));
+    const Format entry("(///11X,A,I9)");
+    Write(listing, entry,
+          Say(run, "BROJ JEDNACINA .............................. JEDN =",
+              "NUMBER OF EQUATIONS ......................... JEDN ="),
+          state.JEDN);
+    Write(listing, entry,
+          Say(run, "BROJ ELEMENATA U MATRICI SISTEMA ............. NWK =",
+              "NUMBER OF ELEMENTS INTO MATRIX OF SYSTEM ..... NWK ="),
+          state.NWK);
+    Write(listing, entry,
+          Say(run, "ZAUZET PROSTOR U RADNOM VEKTORU ............ LMAXM =",
+              "REQUIRED DIMENSION INTO WORKING VECTOR ..... LMAXM ="),
+          run.A.LMAXM);
+    Write(listing, entry,
+          Say(run, "RASPOLOZIV PROSTOR U RADNOM VEKTORU ........ NTOTA =",
+              "MAXIMUM TOTAL STORAGE AVAILABLE ............. MTOT ="),
+          run.A.NTOTA);
+}
+
+void StopIfSystemOverflows(Run& run) {
+    if (run.A.LMAXM <= run.A.NTOTA)
+        return;
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(A)",
+          Say(run, "NEDOVOLJNA DIMENZIJA ZA SMESTANJE MATRICA I VEKTORASISTEMA :",
+              " UNSUFFICIENT DIMENSION OF WORKING VECTOR:"));
+    Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAXM=", " REQUIRED DIMENSION LMAXM ="), run.A.LMAXM);
+    Write(unit, "(A,I10)", Say(run, "RASPOLOZIVADIMENZIJA, NTOTA =", " AVAILABLE DIMENSION NTOT ="), run.A.NTOTA);
+    if (run.control.header.NDS > 0) {
+        TextUnit& messages = run.units.messages;
+        Write(messages, "(' UNSUFFICIENT DIMENSION OF WORKING ARRAY:')");
+        Write(messages, "(' REQUIRED DIMENSION LMAXM =',I10)", run.A.LMAXM);
+        Write(messages, "(' AVAILABLE DIMENSION NTOT =',I10)", run.A.NTOTA);
+        Write(messages, "(/' ** CONTACT THE SOFTWARE ZUR-T DEVELOPER TO INCREASE THE SIZE',' OF TH WORKING ARRAY')");
+        Write(messages, "(' ** OR USE COARSER MESH'/)");
+        Write(messages, "('  PROGRAM STOPS')");
+    }
+    StopRun();
+}
+
+} // namespace zurt

@@ -1,0 +1,118 @@
+#include "timeint/convergence.h"
+
+#include "core/format.h"
+
+#include <cmath>
+
+namespace zurt {
+
+namespace {
+
+constexpr double kSmallestNorm = 1e-10;
+constexpr double kTOLABS = 1e-8;
+
+struct IterationReport {
+    double ratio = 0.0;          // increment over the step's reference
+    double ratioToSolution = 0.0; // increment over the solution
+    bool belowAbsolute = false;  // converged by TOLABS alone
+};
+
+bool FitRunIsSilent(const Run& run) {
+    return run.fit.card.NFIT == 1 && run.fit.IFINALRUN == 0;
+}
+
+void WriteAbsoluteToleranceMessage(Run& run) {
+    TextUnit& messages = run.units.messages;
+    const RunState& state = run.control.state;
+    Write(messages, "(A,A)", " CONVERGENCE REACHED FOR INCREMENT SMALLER", " THAN NUMERICAL TOLERANCE IN ZUR-T  ");
+    Write(messages, "(A,1PE12.5)", " TIME=", state.TIME);
+    Write(messages, "(A,I10)", " STEP NO. =", state.KOR);
+    Write(messages, "(A,I5)", " ITERATION NO. =", state.ITER);
+    Write(messages, "(A,1PE12.5)", " INCERMENT =", state.IncrementNorm);
+    Write(messages, "(A,1PE12.5)", " NUMERICAL TOLERANCE IN ZUR-T, TOLABS=", kTOLABS);
+}
+
+void ReportOnConsole(Run& run, const IterationReport& report, double solutionNorm) {
+    static const Format head("(//' ITERATIONS FOR STEP:',I10,' /',I7)");
+    static const Format line("(' ITERATION =',I3,': INCREMENT      = ',1PE12.4,2X,'NORM     = ',E12.4/"
+                             "'   ICR/ICREMSTEP  =',E12.4,2X,'ICR/NORM = ',E12.4)");
+    const RunState& state = run.control.state;
+    TextUnit& console = run.units.console;
+    if (state.ITER == 0)
+        Write(console, head, state.KOR, state.NDT);
+    Write(console, line, state.ITER, state.IncrementNorm, solutionNorm, report.ratio, report.ratioToSolution);
+    if (report.belowAbsolute)
+        Write(console, "(' UNBALANCED NORM.LT.ABS-TOLERANCE = ',1PE12.4)", kTOLABS);
+}
+
+void ReportOnListing(Run& run, const IterationReport& report, double solutionNorm) {
+    static const Format head("(//' ITERATIONS FOR STEP:',I10,' /',I7)");
+    static const Format line("(' ITERATION =',I3,': INCREMENT       = ',1PE12.4,3X,'NORM        = ',E12.4/"
+                             "'   ICR/ICREMSTEP =',E12.4,3X,'ICR/NORM = ',E12.4)");
+    const RunState& state = run.control.state;
+    const std::int32_t NPRINT = run.control.header.NPRINT;
+    const bool printed =
+        NPRINT < 2 || state.KOR < 2 || state.KOR >= state.NDT || state.PrintCounter == NPRINT - 1;
+    if (!printed)
+        return;
+    TextUnit& listing = run.units.listing;
+    if (state.ITER == 0)
+        Write(listing, head, state.KOR, state.NDT);
+    Write(listing, line, state.ITER, state.IncrementNorm, solutionNorm, report.ratio, report.ratioToSolution);
+    if (report.belowAbsolute)
+        Write(listing, "(' UNBALANCED NORM.LT.ABS-TOLERANCE = ',1PE12.4)", kTOLABS);
+}
+
+void ReportIteration(Run& run, IterationReport report, double solutionNorm) {
+    if (!FitRunIsSilent(run) && !(solutionNorm < kSmallestNorm))
+        report.ratioToSolution = run.control.state.IncrementNorm / solutionNorm;
+    ReportOnConsole(run, report, solutionNorm);
+    ReportOnListing(run, report, solutionNorm);
+}
+
+// The test proper: relative, absolute, and the increment that is nothing at all.
+bool IncrementIsSmall(const HeaderFields& header, double increment, double ratio) {
+    return ratio <= header.EPSTR || (header.EPSTA > kSmallestNorm && increment <= header.EPSTA) ||
+           increment < kSmallestNorm;
+}
+
+} // namespace
+
+IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray reference, ConstRealArray solution) {
+    double sumIncrement = 0.0, sumReference = 0.0, sumSolution = 0.0;
+    for (Word i = 1; i <= increment.length; ++i) {
+        sumIncrement += increment(i) * increment(i);
+        sumReference += reference(i) * reference(i);
+        sumSolution += solution(i) * solution(i);
+    }
+    return {std::sqrt(sumIncrement), std::sqrt(sumReference), std::sqrt(sumSolution)};
+}
+
+bool ConvergenceTest(Run& run, ConstRealArray increment, ConstRealArray reference, ConstRealArray solution) {
+    RunState& state = run.control.state;
+    if (state.ITER == 0)
+        state.ReferenceNorm = 0.0;
+    const IterationNorms norms = ComputeIterationNorms(increment, reference, solution);
+    state.IncrementNorm = norms.increment;
+    if (state.ReferenceNorm < norms.reference)
+        state.ReferenceNorm = norms.reference;
+    IterationReport report;
+    if (state.ReferenceNorm < kSmallestNorm) {
+        report.ratio = kSmallestNorm;
+        ReportIteration(run, report, norms.solution);
+        return true;
+    }
+    report.ratio = norms.increment / state.ReferenceNorm;
+    bool converged = IncrementIsSmall(run.control.header, norms.increment, report.ratio);
+    if (FitRunIsSilent(run))
+        return converged;
+    if (norms.increment < kTOLABS && !converged) {
+        converged = true;
+        report.belowAbsolute = true;
+        WriteAbsoluteToleranceMessage(run);
+    }
+    ReportIteration(run, report, norms.solution);
+    return converged;
+}
+
+} // namespace zurt

@@ -1,0 +1,136 @@
+#include "timeint/equilibrium.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+#include "elements/element_dispatch.h"
+#include "solver/skyline_solve.h"
+#include "timeint/convergence.h"
+
+#include <cstring>
+
+namespace zurt {
+
+namespace {
+
+void ClearSystem(Run& run) {
+    const RealArray store = SkylineStore(run);
+    std::memset(store.data, 0, static_cast<std::size_t>(store.length) * sizeof(double));
+    Fill(RightHandSide(run), 0.0);
+}
+
+void FormSystem(Run& run) {
+    run.control.state.ResultsPhaseFlag = 0;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        DispatchElementPhase(run, run.groups[NGE], run.groups[NGE].NETIP, kFormPhase);
+}
+
+void SolveSystem(Run& run) {
+    const RunState& state = run.control.state;
+    const auto NWK = static_cast<std::int32_t>(state.NWK);
+    const RealArray store = SkylineStore(run);
+    const RealArray R = RightHandSide(run);
+    const IntArray MAXA = DiagonalPositions(run);
+    if (state.FactorFlag != 0)
+        SkylineSolve(store, R, MAXA, state.JEDN, NWK, kFactorMode, MessageUnit(run));
+    SkylineSolve(store, R, MAXA, state.JEDN, NWK, kSubstituteMode, MessageUnit(run));
+}
+
+// The increments add up over the step and the solution is the start value plus their sum.
+void UpdateBySum(Run& run) {
+    const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run), T0 = StepStart(run);
+    const bool first = run.control.state.ITER == 0;
+    for (Word i = 1; i <= R.length; ++i) {
+        DT(i) = first ? R(i) : DT(i) + R(i);
+        T(i) = T0(i) + DT(i);
+    }
+}
+
+// The first solve gives the solution itself, later ones its corrections.
+void UpdateByCorrection(Run& run) {
+    const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run), T0 = StepStart(run);
+    const bool first = run.control.state.ITER == 0;
+    for (Word i = 1; i <= R.length; ++i) {
+        T(i) = first ? R(i) : T(i) + R(i);
+        DT(i) = first ? T(i) - T0(i) : R(i);
+    }
+}
+
+void UpdateSolution(Run& run) {
+    const std::int32_t INTEB = run.control.header.INTEB;
+    if (INTEB != 1)
+        UpdateByCorrection(run);
+    if (INTEB != 2)
+        UpdateBySum(run);
+}
+
+void WriteIterationLimitToListing(Run& run, double EPST) {
+    TextUnit& unit = MessageUnit(run);
+    const RunState& state = run.control.state;
+    Write(unit, "(//A)", Say(run, " DOSTIGNUT MAKSIMALAN BROJ ITERACIJA", " MAXIMUM NUMBER OF ITERATION ACHIEVED"));
+    Write(unit, "(A,I5)", Say(run, "KORAK BROJ =", " STEP NO. ="), state.KOR);
+    Write(unit, "(A,I5)", Say(run, "BROJ ITERACIJA, ITER =", " NUMBER OF ITERATION, ITER ="), state.ITER);
+    if (state.Language == kSerbian) {
+        Write(unit, "(A,A,1PE12.5)", "DOZV. GRESKA U ODNOSU NA ", "POCETNI PRIRASTAJ TEMP. U KORAKU (%), EPST =", EPST);
+    } else {
+        Write(unit, "(A,A)", " ALLOWED ERROR IN REGARD TO", " INITIAL INCREASE OF TEMPERATURE WITHIN STEP,");
+        Write(unit, "(A,1PE12.5)", " (%) EPST =", EPST);
+    }
+    Write(unit, "(A,1PE12.5)", Say(run, "REFERENTNA VREDNOST, TREF =", " REF. VALUE, TREF ="), state.ReferenceNorm);
+    Write(unit, "(A,A,1PE12.5)", Say(run, "DOSTIGNUTA VREDNOST ", " ACHIEVED VELUE OF "),
+          Say(run, "MODULA PRIRASTAJA TEMP., DTMOD =", "TEMPERATURE INCREASE MODULE, DTMOD ="), state.IncrementNorm);
+}
+
+void WriteIterationLimitToMessages(Run& run, double EPST) {
+    TextUnit& unit = run.units.messages;
+    const RunState& state = run.control.state;
+    Write(unit, "(A/)", " MAXIMUM NUMBER OF ITERATION REACHED");
+    Write(unit, "(A,1PE12.5)", " TIME=", state.TIME);
+    Write(unit, "(A,1PE12.5)", " TIME STEP=", state.TimeStep);
+    Write(unit, "(A,I5)", " STEP NO. =", state.KOR);
+    Write(unit, "(A,I5)", " NUMBER OF ITERATIONS, ITER =", state.ITER);
+    Write(unit, "(A,1PE12.5)", " CURRENT REFERENCE CONCENTRATION, CREFFERENCE=", state.ReferenceNorm);
+    Write(unit, "(A,A,1PE12.5)", " ALLOWED PERCENTAGE ERROR WITH RESPECT TO CREFFERENCE,", " ERRORPERCENT =", EPST);
+    Write(unit, "(A,1PE12.5/)", " UNBALANCED RIGHT-HAND SIDE, UNBALANCE =", state.IncrementNorm);
+    Write(unit, "(A)", " Use smaller time step, or");
+    Write(unit, "(A,A)", " Refine the mesh (particularly in regions of high gradients),", " or");
+    Write(unit, "(A)", " Increase percentage error tolerance,ERRORPERCENT");
+}
+
+[[noreturn]] void StopWithoutEquilibrium(Run& run) {
+    const double EPST = run.control.header.EPSTR * 100.0;
+    WriteIterationLimitToListing(run, EPST);
+    if (run.control.header.NDS > 0)
+        WriteIterationLimitToMessages(run, EPST);
+    const std::int32_t NCZZ = run.control.state.NCZZ;
+    if (NCZZ > 0) {
+        TextUnit& unit = MessageUnit(run);
+        Write(unit, "(A,I5,A)", Say(run, " POSTOJI ZAPISANO ZADNJIH NCZZ=", " THERE ARE LAST NCZZ="), NCZZ,
+              Say(run, " KORAKA", "STEPS WRITTEN "));
+        Write(unit, "(A)", Say(run, " MOGUCE JE RESTARTOVANJE PROGRAMA", " POSIBLE RESTART"));
+    }
+    StopRun();
+}
+
+} // namespace
+
+void IterateStep(Run& run) {
+    RunState& state = run.control.state;
+    const HeaderFields& header = run.control.header;
+    while (true) {
+        state.FactorFlag = 1;
+        ClearSystem(run);
+        FormSystem(run);
+        SolveSystem(run);
+        if (state.NonlinearFlag == 0)
+            return;
+        UpdateSolution(run);
+        const RealArray reference = header.INTEB == 1 ? StepIncrement(run) : StepSolution(run);
+        if (ConvergenceTest(run, RightHandSide(run), reference, StepSolution(run)))
+            return;
+        if (state.ITER == header.MAXIT)
+            StopWithoutEquilibrium(run);
+        ++state.ITER;
+    }
+}
+
+} // namespace zurt
