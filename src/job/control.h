@@ -98,7 +98,7 @@ struct Pointers {
     Word LFIT = 0, LFIBN = 0;
     Word LMAT[10] = {}; // LMAT1 to LMAT9
     Word LOUT1 = 0, LOUT2 = 0; // outlet pairs, time multiplier pairs
-    Word LPRES = 0, LRES1 = 0, LRES2 = 0;
+    Word LPRES = 1, LRES1 = 1, LRES2 = 1;
     Word LTFT1 = 0, LTFT2 = 0; // time functions: table, points per function
     Word LQE1 = 0, LQE2 = 0, LQP1 = 0, LQP2 = 0, LTOK1 = 0, LTOK2 = 0, LHP1 = 0, LHP2 = 0, LHR1 = 0, LHR2 = 0;
     Word LFO = 0;
@@ -134,6 +134,7 @@ struct RunState {
 
     double OutletStart = 0.0; // value of nodes without an equation at the start of the step
     double OutletEnd = 0.0;   // and at its end
+    double OutletStartOfRun = 0.0; // OutletStart as the input left it; every new run of the time loop begins with it
 
     double GraphicsInterval = 0.0;    // IGRAF times TimeStep
     std::int32_t GraphicsLimit = 0;   // NDT / IGRAF, formed by transient passes only

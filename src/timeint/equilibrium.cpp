@@ -6,11 +6,16 @@
 #include "solver/skyline_solve.h"
 #include "timeint/convergence.h"
 
+#include <cmath>
 #include <cstring>
+#include <limits>
+#include <string>
 
 namespace zurt {
 
 namespace {
+
+constexpr std::int32_t kLastIteration = std::numeric_limits<std::int32_t>::max();
 
 void ClearSystem(Run& run) {
     const RealArray store = SkylineStore(run);
@@ -111,6 +116,14 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
     StopRun();
 }
 
+// A negative MAXIT never ends the iteration by count, and a solution that is no longer finite never converges.
+void StopIfEndless(const Run& run) {
+    const RunState& state = run.control.state;
+    if (run.control.header.MAXIT < 0 && (!std::isfinite(state.IncrementNorm) || state.ITER == kLastIteration))
+        StopWithLibraryError("step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER) +
+                             ": no equilibrium will be found, and MAXIT is negative");
+}
+
 } // namespace
 
 void IterateStep(Run& run) {
@@ -129,6 +142,7 @@ void IterateStep(Run& run) {
             return;
         if (state.ITER == header.MAXIT)
             StopWithoutEquilibrium(run);
+        StopIfEndless(run);
         ++state.ITER;
     }
 }

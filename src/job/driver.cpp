@@ -1,0 +1,303 @@
+#include "job/driver.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+#include "elements/element_dispatch.h"
+#include "homogenization/homogenization_card.h"
+#include "homogenization/mass_files.h"
+#include "job/banner.h"
+#include "job/echo.h"
+#include "job/files.h"
+#include "job/header_cards.h"
+#include "job/header_echo.h"
+#include "job/not_built.h"
+#include "job/partition.h"
+#include "model/diffusion_curves.h"
+#include "model/function_tables.h"
+#include "model/initial_conditions.h"
+#include "model/materials.h"
+#include "model/nodes.h"
+#include "model/time_functions.h"
+#include "model/time_steps.h"
+#include "results/unv_mesh.h"
+#include "timeint/solution_pass.h"
+
+#include <cstring>
+#include <string_view>
+
+#if defined(__x86_64__)
+#include <pmmintrin.h>
+#include <xmmintrin.h>
+#endif
+
+namespace zurt {
+
+namespace {
+
+// Denormal results and operands count as zero for the whole run.
+void FlushDenormalsToZero() {
+#if defined(__x86_64__)
+    _MM_SET_FLUSH_ZERO_MODE(_MM_FLUSH_ZERO_ON);
+    _MM_SET_DENORMALS_ZERO_MODE(_MM_DENORMALS_ZERO_ON);
+#endif
+}
+
+void StartUp(Run& run, std::FILE* consoleInput, std::FILE* consoleOutput, Word size) {
+    FlushDenormalsToZero();
+    CreateWorkingVector(run.A, size);
+    run.control.state.Language = kEnglish;
+    run.units.consoleInput = consoleInput;
+    AttachTextUnit(run.units.console, consoleOutput, "the console");
+    OpenInputDeck(run);
+}
+
+// --- header cards -------------------------------------------------------------------------------------------------
+
+void OpenOutputs(Run& run) {
+    const HeaderFields& header = run.control.header;
+    if (header.NULAZ < 0)
+        Write(run.units.console, "(A,A,'\"',A,'\"')",
+              Say(run, " NE STAMPAJU SE ULAZNI PODACI ZA PROBLEM POD NASLOVOM ",
+                  " NO PRINTOUT INPUT DATA FOR PROBLEM UNDER TITLE "),
+              "", std::string_view(header.title, 78));
+    if ((header.NULAZ >= 0 || header.NPRINT >= 0) && run.control.state.ListingOpen == 0) {
+        OpenListing(run);
+        WriteBanner(run);
+    }
+    MarkReadStart(run);
+    if (header.IGRAF > 0 && run.control.state.GraphicsOpen == 0)
+        OpenGraphics(run);
+    if ((header.NULAZ == 1 || header.NULAZ == 2) && run.control.state.CardListingDone == 0) {
+        ListCards(run);
+        if (run.control.state.ListingOpen == 1)
+            run.control.state.CardListingDone = 1;
+    }
+}
+
+void ReadHeaderCards(Run& run) {
+    const HeaderFields& header = run.control.header;
+    ReadTitle(run);
+    const std::int32_t titleCard = run.deck.CardCounter;
+    ReadFormatCard(run);
+    const std::int32_t formatCard = run.deck.CardCounter;
+    if (header.NDS != 0 && header.NANOCH > 0)
+        ReadDeviceCards(run);
+    OpenMessages(run);
+    ReadBasicData(run);
+    OpenOutputs(run);
+    if (EchoInput(run))
+        EchoHeaderCards(run, titleCard, formatCard);
+    ReadControlCard(run);
+    if (EchoInput(run))
+        EchoControlCard(run);
+    ReadExecutionCard(run);
+    if (EchoInput(run))
+        EchoExecutionCard(run);
+    run.control.state.TIME = 0.0;
+}
+
+// What the header cards may ask for and this program does not have yet.
+void StopOnHeaderNotBuilt(Run& run) {
+    const HeaderFields& header = run.control.header;
+    if (run.control.state.SparseMode == 1)
+        StopNotBuilt(run, "the sparse solver (SolverSelector 2) is");
+    if (header.IDIRECTD == 1)
+        StopNotBuilt(run, "the direct effective coefficient (IDIRECTD 1) is");
+    if (header.ITOR == 1)
+        StopNotBuilt(run, "the torsion analogue (ITOR 1) is");
+}
+
+// --- model data ---------------------------------------------------------------------------------------------------
+
+void ReadTimeData(Run& run) {
+    if (run.control.header.NSTAC == 0) {
+        run.control.state.NDT = run.control.header.NPER;
+        return;
+    }
+    TakePeriodTables(run);
+    ReadTimeSteps(run, 0);
+    TakeStepList(run);
+    ReadTimeSteps(run, 1);
+}
+
+void ReadNodes(Run& run) {
+    TakeNodeArrays(run);
+    ReadNodalData(run);
+    TakeDiagonalPositions(run);
+    WriteUnvNodes(run);
+}
+
+void ReadFibreData(Run& run) {
+    ReadHomogenizationCard(run);
+    if (run.fit.card.NSETS > 0)
+        StopNotBuilt(run, "fibre sets (NSETS above 0) are");
+}
+
+[[noreturn]] void StopOnTooManyGroups(Run& run, std::int32_t NGE) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(A,I3)", "BROJ TIPOVA ELEMENATA NGET=", NGE);
+    Write(unit, "(A)", "-VECI OD 10;  URADITI SLEDECE:");
+    Write(unit, "(A)", "POVECATI DIMENZIJU U VEKTORU NETV(10,3)- COMMON/TEMPGL/,");
+    Write(unit, "(A)", "-DIMENZIJA MORA BITI VECA ILI JEDNAKA BROJU TIPOVAELEMENATA");
+    Write(unit, "(A)", "2. ZAMENITI INSTRUKCIJU .IF(NGE.LE.10) GO TO 45. UMAIN-U U INSTRUKCIJU:");
+    Write(unit, "(A)", ".IF(NGE.LE.NDIM) GO TO 45. GDE JE NDIM-BROJ NA KOJI JE DIMENZIJA POVECANA");
+    StopRun();
+}
+
+void WriteGroupToGraphics(Run& run, const ElementGroup& group) {
+    if (group.NETIP == 3)
+        WriteUnvElements3D(run, group);
+}
+
+void ReadElementGroups(Run& run) {
+    if (EchoInput(run))
+        Write(run.units.listing, "('1'///6X,A)",
+              Say(run, "U L A Z N I    P O D A C I    O    G R U P A M A   E L E M E N A T A",
+                  "I N P U T    D A T A    F O R    E L E M E N T  G R O U P S"));
+    RunState& state = run.control.state;
+    state.SourcePresent = state.ConcentrationSource = state.SubstructurePresent = 0;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        if (NGE > kMaxGroups)
+            StopOnTooManyGroups(run, NGE);
+        ElementGroup& group = run.groups[NGE];
+        const std::int32_t first = run.deck.CardCounter + 1;
+        group.NGE = NGE;
+        ReadGroupCard(run, group);
+        if (EchoInput(run))
+            EchoGroupCard(run, group, first);
+        DispatchElementPhase(run, group, group.NETIP, kReadPhase);
+        WriteGroupToGraphics(run, group);
+    }
+}
+
+void ReadMaterialData(Run& run) {
+    const HeaderFields& header = run.control.header;
+    const std::int32_t first = run.deck.CardCounter + 1;
+    ReadMaterialHeader(run);
+    if (EchoInput(run))
+        EchoMaterialHeader(run, first);
+    TakeDiffusionCurves(run);
+    if (header.NANOCH > 0 || header.NDS != 0)
+        ReadDiffusionCurves(run);
+    if (header.NANOCH > 0)
+        StopNotBuilt(run, "nanochannels (NANOCH above 0: correction factor table, outlet and reservoir cards) are");
+    TakeMaterialTables(run);
+    if (header.NDS == 0)
+        ReadMaterials(run);
+}
+
+void ReadTimeDependence(Run& run) {
+    const HeaderFields& header = run.control.header;
+    if (header.NDS == 0 && run.control.counts.NZADC == 0)
+        return;
+    if (header.NDS != 2 && header.NANOCH == 0)
+        ReadTimeFunctions(run);
+}
+
+// Which curves make the problem iterate within a step.
+void DecideKindOfProblem(Run& run) {
+    const CurveCounts& counts = run.control.counts;
+    RunState& state = run.control.state;
+    state.ConductivityNonlinear = counts.NANLK > 0 || counts.MAXTK > 1;
+    state.CapacityNonlinear = counts.NANLC > 0 || counts.MAXTC > 1;
+    state.NonlinearFlag = state.ConductivityNonlinear != 0 || state.CapacityNonlinear != 0 || counts.MAXTHP > 1 ||
+                          (counts.MAXTQE > 1 && state.ConcentrationSource != 0) || counts.MAXTHR > 0;
+}
+
+void ReadBoundaryData(Run& run) {
+    const CurveCounts& counts = run.control.counts;
+    const std::int32_t first = run.deck.CardCounter + 1;
+    ReadBoundaryCard(run);
+    if (EchoInput(run))
+        EchoBoundaryCard(run, first);
+    ReadFunctionTables(run);
+    DecideKindOfProblem(run);
+    TakeSolutionVectors(run);
+    if (run.control.header.NSTAC != 0 || run.control.state.NonlinearFlag == 1)
+        ReadInitialConditions(run);
+    if (run.control.header.NSTAC == 0 || run.control.state.NonlinearFlag == 1) {
+        Copy<double>(StepSolution(run), StepStart(run));
+        Copy<double>(StepSolution(run), StepIncrement(run));
+    }
+    if (counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0)
+        StopNotBuilt(run, "surface data (NQP, NHP, NTOK or NHR above 0) are");
+}
+
+[[noreturn]] void EndCheckRun(Run& run) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(///11X,A)",
+          Say(run, "UCITAVANJE I GENERISANJE ULAZNIH PODATAKA JE ZAVRSENO",
+              "READING AND GENERATING OF INPUT DATA IS OVER"));
+    Write(unit, "(/11X,A)", Say(run, "ULAZNI PODACI SU BEZ FORMALNE GRESKE", "INPUT DATA ARE WITHOUT FORMAL ERROR"));
+    Write(unit, "(/11X,A)",
+          Say(run, "ZA IZVRSAVANJE PROGRAMA UNETI:   IREST = 1", "FOR EXECUTION OF PROGRAM ENTER:   IREST = 1"));
+    StopRun();
+}
+
+// --- solution -----------------------------------------------------------------------------------------------------
+
+// Behaviour that is required and yet bound to surprise.
+void WriteProblemNotes(const Run& run) {
+    if (run.control.header.NSTAC != 0 && run.control.state.NonlinearFlag == 0)
+        WriteNote("a transient problem with constant coefficients takes one solve a step, and its solution is not "
+                  "the concentration: give a curve two points (of equal value), so that the steps iterate");
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (run.groups[NGE].IZIP == 2)
+            WriteNote("group " + std::to_string(NGE) + ": volume sources by concentration (IZIP 2) add no load");
+}
+
+void SolveProblem(Run& run) {
+    RunState& state = run.control.state;
+    state.TIME = 0.0;
+    state.KOR = 0;
+    state.NCZZ = 0;
+    state.PrintCounter = 0;
+    state.OutletStartOfRun = state.OutletStart;
+    state.GraphicsEnabled = 1;
+    state.POROSITY = 1.0; // no fibres
+    WriteProblemNotes(run);
+    WritePlainMassFile(run);
+    SolutionPass(run);
+}
+
+// True when the deck holds another problem.
+bool EndProblem(Run& run) {
+    WriteExecutionReport(run);
+    FlushUnits(run);
+    CardBuffer card;
+    ReadCard(run.deck, run.control.header.INDFOR, "Card behind the problem", card);
+    return Image(card).substr(0, 4) != "STOP";
+}
+
+void ReadProblem(Run& run) {
+    RestartWorkingVector(run.A);
+    ReadHeaderCards(run);
+    StopOnHeaderNotBuilt(run);
+    ReadTimeData(run);
+    ReadNodes(run);
+    ReadFibreData(run);
+    ReadElementGroups(run);
+    ReadMaterialData(run);
+    ReadTimeDependence(run);
+    ReadBoundaryData(run);
+    TakeSolverVectors(run);
+    WriteSizeReport(run);
+    StopIfSystemOverflows(run);
+    if (run.control.header.IREST == 0)
+        EndCheckRun(run);
+}
+
+} // namespace
+
+void JobDriver(std::FILE* consoleInput, std::FILE* consoleOutput, Word size) {
+    static Run run;
+    StartUp(run, consoleInput, consoleOutput, size);
+    do {
+        ReadProblem(run);
+        SolveProblem(run);
+    } while (EndProblem(run));
+    CloseUnits(run);
+    StopRun();
+}
+
+} // namespace zurt

@@ -1,0 +1,79 @@
+#include "results/unv_results.h"
+
+#include "core/format.h"
+#include "results/nodal_values.h"
+
+#include <string_view>
+
+namespace zurt {
+
+namespace {
+
+struct DatasetHead {
+    const char* name;
+    const char* constants; // model type, analysis type, data characteristic, specific data type, data type, components
+};
+
+constexpr DatasetHead kConcentrations = {"CVORNE KONCENTRACIJE",
+                                         "         2         1         1         5         2         1"};
+constexpr DatasetHead kMassFlux = {"MASS FLUX", "         2         1         1         7         2         1"};
+constexpr DatasetHead kMassFluxPerSurface = {"MASS FLUX PER UNIT TIME AND SURFACE",
+                                             "         2         1         1         9         2         1"};
+constexpr DatasetHead kCoefficients = {"DIFFUSION COEFFICIENT",
+                                       "         2         1         1        14         2         1"};
+
+void WriteHead(Run& run, const DatasetHead& head) {
+    TextUnit& graphics = run.units.graphics;
+    const RunState& state = run.control.state;
+    Write(graphics, "(I6)", -1);
+    Write(graphics, "(I6)", 55);
+    Write(graphics, "(A)", std::string_view(run.control.header.title, kTitleLength));
+    Write(graphics, "(A)", head.name);
+    Write(graphics, "('DATUM')");
+    Write(graphics, "('PRAZNA')");
+    Write(graphics, "('SLUCAJ OPTERECENJA:',I10)", state.GraphicsWritten);
+    Write(graphics, "(A)", head.constants);
+    Write(graphics, "('         1         1',I10)", state.GraphicsWritten);
+    Write(graphics, "(D13.5)", state.TIME);
+}
+
+void WriteEnd(Run& run) {
+    Write(run.units.graphics, "(I6)", -1);
+}
+
+void WriteScalars(Run& run, const DatasetHead& head, ConstRealArray values) {
+    static const Format row("(I10/D13.5)");
+    WriteHead(run, head);
+    for (Word i = 1; i <= values.length; ++i)
+        Write(run.units.graphics, row, i, values(i));
+    WriteEnd(run);
+}
+
+// The three components that begin at nodal vector `first`.
+void WriteVectors(Run& run, const DatasetHead& head, int first) {
+    static const Format row("(I10/3D13.5)");
+    WriteHead(run, head);
+    const RealArray x = NodalResultVector(run, first);
+    const RealArray y = NodalResultVector(run, first + 1);
+    const RealArray z = NodalResultVector(run, first + 2);
+    for (Word i = 1; i <= run.control.header.NP; ++i)
+        Write(run.units.graphics, row, i, ResultAt(x, i), ResultAt(y, i), ResultAt(z, i));
+    WriteEnd(run);
+}
+
+} // namespace
+
+void WriteUnvResults(Run& run) {
+    if (!IsOpen(run.units.graphics))
+        return;
+    const RealArray values = NodalValues(run);
+    SetNegligibleToZero(values);
+    WriteScalars(run, kConcentrations, values);
+    for (int k = 1; k <= 3; ++k)
+        SetNegligibleToZero(NodalResultVector(run, k));
+    WriteVectors(run, kMassFlux, 1);
+    WriteVectors(run, kMassFluxPerSurface, 4);
+    WriteVectors(run, kCoefficients, 7);
+}
+
+} // namespace zurt

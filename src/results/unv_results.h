@@ -1,0 +1,13 @@
+// Result steps of the graphics file: universal datasets 55 (data at nodes).
+#pragma once
+
+#include "job/run.h"
+
+namespace zurt {
+
+/// Four datasets of one result step: concentrations, mass flux, mass flux per unit time and surface, diffusion
+/// coefficients, each for all NP nodes. The result number is state.GraphicsWritten. Concentrations and components of
+/// the mass flux below 1e-15 in size are set to 0, in the arrays too.
+void WriteUnvResults(Run& run);
+
+} // namespace zurt
