@@ -1,0 +1,29 @@
+// Diffusion coefficient against concentration, one curve a material, for device and nanochannel models.
+//
+// Called once a problem by the driver, after TakeDiffusionCurves, when NDS is not 0 or NANOCH is positive. Where the
+// curves lie: model/material_tables.h.
+#pragma once
+
+#include "job/card.h"
+#include "job/run.h"
+
+namespace zurt {
+
+struct DiffusionHeaderCard {
+    std::int32_t N = 0; // curve number, which is a material number; 0 becomes 1
+    std::int32_t P = 0; // points; 0 becomes 1
+};
+
+struct DiffusionPointCard {
+    double CONC = 0.0;
+    double DIFF = 0.0;
+};
+
+extern const CardLayout kDiffusionHeaderCard;
+extern const CardLayout kDiffusionPointCard;
+
+/// Clears and reads NMATT curves; the cards are always taken by columns. A curve number outside 1..NMATT and more than
+/// MAXPMAT points are deck errors.
+void ReadDiffusionCurves(Run& run);
+
+} // namespace zurt
