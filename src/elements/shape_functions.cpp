@@ -4,14 +4,11 @@ namespace zurt {
 
 namespace {
 
-// For each node its natural coordinates, and for each mid-side node (but the centre) the two corners that it lies
-// between, from 1.
+// For each node its natural coordinates, and for each mid-side node but the centre (the line has no other) the two
+// corners that it lies between, from 1.
 template <int Dimension> struct ReferenceElement;
 
-template <> struct ReferenceElement<1> {
-    static constexpr int kPlace[3][1] = {{+1}, {-1}, {0}};
-    static constexpr int kEnds[1][2] = {{1, 2}}; // never asked for: the only mid-side node is the centre
-};
+template <> struct ReferenceElement<1> { static constexpr int kPlace[3][1] = {{+1}, {-1}, {0}}; };
 
 template <> struct ReferenceElement<2> {
     static constexpr int kPlace[9][2] = {{+1, +1}, {-1, +1}, {-1, -1}, {+1, -1}, {0, +1},
@@ -73,19 +70,21 @@ void AddMidSideNodes(const DirectionFactors (&factors)[Dimension], const ActiveN
     for (int i = 0; i < active.midSideCount; ++i)
         SetProduct(factors, active.midSide[i], corners + i, shape);
 
-    int onSides = active.midSideCount;
-    if (active.midSide[onSides - 1] == kMaxNodes<Dimension>) {
-        --onSides;
-        const int centre = corners + onSides;
+    const int last = active.midSideCount - 1;
+    const bool hasCentre = active.midSide[last] == kMaxNodes<Dimension>;
+    if (hasCentre)
         for (int k = 0; k < corners; ++k)
-            TakeShare(1.0 / corners, centre, k, shape);
-        for (int k = corners; k < centre; ++k)
-            TakeShare(2.0 / corners, centre, k, shape);
-    }
-    for (int i = 0; i < onSides; ++i) {
-        const auto& ends = ReferenceElement<Dimension>::kEnds[active.midSide[i] - corners - 1];
-        TakeShare(0.5, corners + i, ends[0] - 1, shape);
-        TakeShare(0.5, corners + i, ends[1] - 1, shape);
+            TakeShare(1.0 / corners, corners + last, k, shape);
+    if constexpr (Dimension > 1) {
+        const int onSides = hasCentre ? last : last + 1;
+        if (hasCentre)
+            for (int k = corners; k < corners + last; ++k)
+                TakeShare(2.0 / corners, corners + last, k, shape);
+        for (int i = 0; i < onSides; ++i) {
+            const auto& ends = ReferenceElement<Dimension>::kEnds[active.midSide[i] - corners - 1];
+            TakeShare(0.5, corners + i, ends[0] - 1, shape);
+            TakeShare(0.5, corners + i, ends[1] - 1, shape);
+        }
     }
 }
 
