@@ -96,8 +96,6 @@ void ParseReal(FormatParser& parser, EditDescriptor& item) {
     if (item.kind == EditKind::Exponent && Take(parser, 'E'))
         item.exponentWidth = TakeBounded(parser, 1, 9);
     item.scale = parser.scale;
-    if (item.kind == EditKind::Fixed && item.decimals + item.scale < 0)
-        ReportBadFormat(parser, "scale moves every decimal out of the field");
 }
 
 /// One data descriptor; `letter` has been taken.

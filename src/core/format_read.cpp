@@ -12,15 +12,18 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-std::string_view WithoutLeadingBlanks(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string_view::npos ? std::string_view() : text.substr(first);
+std::string_view WithoutOuterBlanks(std::string_view text) {
+    while (!text.empty() && text.front() == ' ')
+        text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
+    return text;
 }
 
 } // namespace
 
 FieldStatus ReadIntegerField(std::string_view field, std::int32_t& value) {
-    std::string_view rest = WithoutLeadingBlanks(field);
+    std::string_view rest = WithoutOuterBlanks(field);
     const bool negative = !rest.empty() && rest[0] == '-';
     if (negative || (!rest.empty() && rest[0] == '+')) {
         rest.remove_prefix(1);
@@ -78,17 +81,11 @@ const EditDescriptor* NextField(RecordReader& reader) {
     return nullptr;
 }
 
-/// Takes the characters of a field; a field that the record's end cuts short is filled up with blanks in `filled`.
-std::string_view TakeField(RecordReader& reader, int width, std::string& filled) {
-    const std::size_t size = static_cast<std::size_t>(width);
-    const std::size_t start = reader.column;
-    reader.column += size;
-    if (reader.column <= reader.record.size())
-        return reader.record.substr(start, size);
-    if (start < reader.record.size())
-        filled = reader.record.substr(start);
-    filled.resize(size, ' ');
-    return filled;
+/// Takes the characters of a field: fewer than its width where the record ends in it.
+std::string_view TakeField(RecordReader& reader, std::size_t width) {
+    const std::size_t start = reader.column < reader.record.size() ? reader.column : reader.record.size();
+    reader.column += width;
+    return reader.record.substr(start, width);
 }
 
 } // namespace
@@ -111,8 +108,7 @@ void Get(RecordReader& reader, std::int32_t& value) {
     if (item->kind != EditKind::Integer)
         ReportFormatFault("an integer read by a descriptor of another kind");
     const std::size_t column = reader.column;
-    std::string filled;
-    const std::string_view field = TakeField(reader, item->width, filled);
+    const std::string_view field = TakeField(reader, static_cast<std::size_t>(item->width));
     const FieldStatus status = ReadIntegerField(field, value);
     if (status != FieldStatus::Good)
         Fail(reader, status, column, field);
@@ -127,8 +123,7 @@ void Get(RecordReader& reader, double& value) {
     if (item->kind == EditKind::Integer || item->kind == EditKind::Text)
         ReportFormatFault("a real read by a descriptor of another kind");
     const std::size_t column = reader.column;
-    std::string filled;
-    const std::string_view field = TakeField(reader, item->width, filled);
+    const std::string_view field = TakeField(reader, static_cast<std::size_t>(item->width));
     RealTextRules rules;
     rules.decimals = item->decimals;
     rules.scale = item->scale;
@@ -145,14 +140,11 @@ void Get(RecordReader& reader, std::string& value) {
         return;
     if (item->kind != EditKind::Text)
         ReportFormatFault("a text read by a descriptor of another kind");
-    if (item->width == 0) {
-        value =
-            reader.column < reader.record.size() ? reader.record.substr(reader.column) : std::string_view();
-        reader.column += value.size();
-        return;
-    }
-    std::string filled;
-    value = TakeField(reader, item->width, filled);
+    const std::size_t restOfRecord = reader.record.size();
+    const std::size_t width = item->width == 0 ? restOfRecord : static_cast<std::size_t>(item->width);
+    value = TakeField(reader, width);
+    if (item->width != 0)
+        value.resize(width, ' ');
 }
 
 } // namespace zurt

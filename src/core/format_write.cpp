@@ -91,7 +91,7 @@ void AppendInteger(std::string& record, const EditDescriptor& item, std::int64_t
         count = 0;
     const int zeros = item.decimals > count ? item.decimals - count : 0;
     const int length = (negative ? 1 : 0) + zeros + count;
-    const int width = item.width == 0 ? length : item.width;
+    const int width = item.width != 0 ? item.width : (length == 0 ? 1 : length);
     if (length > width) {
         AppendField(record, width, '*');
         return;
@@ -153,6 +153,8 @@ void AppendReal(std::string& record, int fieldWidth, bool negative, const RealPa
 void AppendFixed(std::string& record, const EditDescriptor& item, double value) {
     char digits[kDigitRoom];
     const int precision = item.decimals + item.scale;
+    if (precision < 0)
+        ReportFormatFault("the scale moves every decimal out of an F field");
     char* end =
         std::to_chars(digits, digits + sizeof digits, std::fabs(value), std::chars_format::fixed, precision)
             .ptr;

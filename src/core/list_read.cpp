@@ -7,11 +7,15 @@ namespace {
 /// The largest r of r*c that a Fortran library takes; a larger one is a slip, not a wish.
 constexpr int kLargestRepeat = 200000000;
 
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 /// Reads digits alone, with a limit.
 FieldStatus ReadCount(std::string_view digits, int& count) {
     std::int64_t number = 0;
     for (const char c : digits) {
-        if (c < '0' || c > '9')
+        if (!IsDigit(c))
             return FieldStatus::NotANumber;
         number = 10 * number + (c - '0');
         if (number > kLargestRepeat)
@@ -40,6 +44,23 @@ std::string_view TakeItem(ListScanner& scanner) {
     return scanner.record.substr(start, scanner.position - start);
 }
 
+/// Only blanks stand ahead of the scanner's place in its record.
+bool OpensRecord(const ListScanner& scanner) {
+    for (std::size_t i = 0; i < scanner.position; ++i)
+        if (!IsBlank(scanner.record[i]))
+            return false;
+    return true;
+}
+
+/// Takes a comma or semicolon; true when it ends a value that is not there. Behind a record end that already parts
+/// two values a comma parts the same two, but a semicolon parts anew.
+bool EndsNullValue(ListScanner& scanner) {
+    const char separator = scanner.record[scanner.position];
+    const bool null = scanner.separatorSeen || (separator == ';' && OpensRecord(scanner));
+    scanner.separatorSeen = true;
+    return null;
+}
+
 /// Finds the next item. With Value, `item` is its text, r* taken off and the repeats noted in the scanner; every
 /// other status is final for this value.
 ListStatus NextItem(ListScanner& scanner, std::string_view& item) {
@@ -57,11 +78,10 @@ ListStatus NextItem(ListScanner& scanner, std::string_view& item) {
         if (c == '/') {
             scanner.ended = true;
         } else if (c == ',' || c == ';') {
-            if (scanner.separatorSeen) {
+            if (EndsNullValue(scanner)) {
                 ++scanner.position;
                 return ListStatus::Null;
             }
-            scanner.separatorSeen = true;
         } else if (!IsBlank(c)) {
             break;
         }
@@ -91,6 +111,16 @@ ListStatus Finish(ListScanner& scanner, std::string_view item, FieldStatus statu
     return status == FieldStatus::OutOfRange ? ListStatus::OutOfRange : ListStatus::NotANumber;
 }
 
+/// A sign at most, then digits alone. An item that isn't is no number, be it ever so large.
+bool IsInteger(std::string_view item) {
+    if (!item.empty() && (item[0] == '+' || item[0] == '-'))
+        item.remove_prefix(1);
+    for (const char c : item)
+        if (!IsDigit(c))
+            return false;
+    return !item.empty();
+}
+
 /// A fixed field may do without a digit ahead of its exponent and be 0; an item may not.
 bool HasMantissa(std::string_view item) {
     if (!item.empty() && (item[0] == '+' || item[0] == '-'))
@@ -100,7 +130,7 @@ bool HasMantissa(std::string_view item) {
     if (item.empty())
         return false;
     const char c = item[0];
-    return (c >= '0' && c <= '9') || c == 'i' || c == 'I' || c == 'n' || c == 'N';
+    return IsDigit(c) || c == 'i' || c == 'I' || c == 'n' || c == 'N';
 }
 
 } // namespace
@@ -123,7 +153,7 @@ ListStatus NextListInteger(ListScanner& scanner, std::int32_t& value) {
     const ListStatus status = NextItem(scanner, item);
     if (status != ListStatus::Value)
         return status;
-    return Finish(scanner, item, ReadIntegerField(item, value));
+    return Finish(scanner, item, IsInteger(item) ? ReadIntegerField(item, value) : FieldStatus::NotANumber);
 }
 
 ListStatus NextListReal(ListScanner& scanner, double& value) {
@@ -133,7 +163,9 @@ ListStatus NextListReal(ListScanner& scanner, double& value) {
         return status;
     if (!HasMantissa(item))
         return Finish(scanner, item, FieldStatus::NotANumber);
-    return Finish(scanner, item, RealFromText(item, RealTextRules(), value));
+    RealTextRules rules;
+    rules.wideExponents = true;
+    return Finish(scanner, item, RealFromText(item, rules, value));
 }
 
 } // namespace zurt

@@ -7,7 +7,7 @@ namespace zurt {
 
 namespace {
 
-/// Exponents from here on are refused, so that sums of them stay small.
+/// Exponents from here on are beyond any text of digits; a fixed field may not hold them.
 constexpr int kExponentLimit = 10000;
 
 /// Texts up to this length are rewritten without touching the heap.
@@ -54,35 +54,43 @@ bool TakeSign(RealScan& scan) {
     return *scan.next++ == '-';
 }
 
-/// Takes `word` in any case, if it stands next.
-bool TakeWord(RealScan& scan, std::string_view word) {
-    if (static_cast<std::size_t>(scan.end - scan.next) < word.size())
+/// Equality of a text, in any case, with a word in small letters.
+bool IsWord(std::string_view text, std::string_view word) {
+    if (text.size() != word.size())
         return false;
     for (std::size_t i = 0; i < word.size(); ++i)
-        if (LowerCase(scan.next[i]) != word[i])
+        if (LowerCase(text[i]) != word[i])
             return false;
-    scan.next += word.size();
     return true;
 }
 
-/// Inf, Infinity, NaN or NaN(letters and digits), with nothing but blanks behind.
-FieldStatus ConvertName(RealScan& scan, double& value) {
-    double magnitude = std::numeric_limits<double>::infinity();
-    if (TakeWord(scan, "nan")) {
-        magnitude = std::numeric_limits<double>::quiet_NaN();
-        if (scan.next != scan.end && *scan.next == '(') {
-            ++scan.next;
-            while (scan.next != scan.end && IsLetterOrDigit(*scan.next))
-                ++scan.next;
-            if (scan.next == scan.end || *scan.next++ != ')')
-                return FieldStatus::NotANumber;
+/// What may stand behind Inf or NaN: letters, digits and blanks, and behind NaN one pair of parentheses without
+/// blanks.
+bool IsNameTail(std::string_view tail, bool parenthesesAllowed) {
+    int parentheses = 0;
+    for (const char c : tail) {
+        if (c == '(' || c == ')') {
+            if (!parenthesesAllowed || parentheses++ != (c == '(' ? 0 : 1))
+                return false;
+        } else if (c == ' ' ? parentheses == 1 : !IsLetterOrDigit(c)) {
+            return false;
         }
-    } else if (!TakeWord(scan, "infinity") && !TakeWord(scan, "inf")) {
-        return FieldStatus::NotANumber;
     }
-    SkipBlanks(scan);
-    if (scan.next != scan.end)
+    return parentheses != 1;
+}
+
+/// Inf, Infinity or NaN in any case: the name ends at a blank or a parenthesis.
+FieldStatus ConvertName(const RealScan& scan, double& value) {
+    const std::string_view text(scan.next, static_cast<std::size_t>(scan.end - scan.next));
+    const std::size_t nameEnd = text.find_first_of(" (");
+    const std::string_view name = text.substr(0, nameEnd);
+    const bool isNotANumber = IsWord(name, "nan");
+    if (!isNotANumber && !IsWord(name, "inf") && !IsWord(name, "infinity"))
         return FieldStatus::NotANumber;
+    if (nameEnd != std::string_view::npos && !IsNameTail(text.substr(nameEnd), isNotANumber))
+        return FieldStatus::NotANumber;
+    const double magnitude =
+        isNotANumber ? std::numeric_limits<double>::quiet_NaN() : std::numeric_limits<double>::infinity();
     value = scan.negative ? -magnitude : magnitude;
     return FieldStatus::Good;
 }
@@ -118,8 +126,7 @@ bool ScanMantissa(RealScan& scan) {
     return true;
 }
 
-/// The exponent, which a letter or its sign alone begins. Behind the letter or sign something must stand, if only
-/// a blank.
+/// The exponent, which a letter or its sign alone begins; it needs a digit.
 bool ScanExponent(RealScan& scan) {
     scan.exponentSeen = true;
     if (*scan.next != '+' && *scan.next != '-')
@@ -142,8 +149,9 @@ bool ScanExponent(RealScan& scan) {
 }
 
 /// Converts what stands in [first, scan.out): digits with at most one point.
-FieldStatus ConvertDigits(RealScan& scan, const char* first, double& value) {
-    if (scan.exponent >= kExponentLimit || scan.exponent <= -kExponentLimit)
+FieldStatus ConvertDigits(RealScan& scan, const RealTextRules& rules, const char* first, double& value) {
+    const bool wide = scan.exponent >= kExponentLimit || scan.exponent <= -kExponentLimit;
+    if (wide && !rules.wideExponents)
         return FieldStatus::OutOfRange;
     double magnitude = 0.0;
     if (scan.significantSeen) {
@@ -168,7 +176,11 @@ FieldStatus ScanReal(std::string_view text, const RealTextRules& rules, char* ro
     SkipBlanks(scan);
     scan.negative = TakeSign(scan);
     SkipBlanks(scan);
-    if (scan.next != scan.end && (LowerCase(*scan.next) == 'i' || LowerCase(*scan.next) == 'n'))
+    if (scan.next == scan.end) { // a sign alone makes no negative zero
+        value = 0.0;
+        return FieldStatus::Good;
+    }
+    if (LowerCase(*scan.next) == 'i' || LowerCase(*scan.next) == 'n')
         return ConvertName(scan, value);
     if (!ScanMantissa(scan))
         return FieldStatus::NotANumber;
@@ -176,7 +188,7 @@ FieldStatus ScanReal(std::string_view text, const RealTextRules& rules, char* ro
         return FieldStatus::NotANumber;
     if (!scan.exponentSeen)
         scan.exponent = -rules.scale - (scan.pointSeen ? 0 : rules.decimals);
-    return ConvertDigits(scan, room, value);
+    return ConvertDigits(scan, rules, room, value);
 }
 
 } // namespace
@@ -184,6 +196,8 @@ FieldStatus ScanReal(std::string_view text, const RealTextRules& rules, char* ro
 FieldStatus RealFromText(std::string_view text, const RealTextRules& rules, double& value) {
     while (!text.empty() && text.front() == ' ')
         text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
     if (text.size() <= kSmallText) {
         char room[kSmallText + kRewritingRoom];
         return ScanReal(text, rules, room, value);

@@ -11,6 +11,8 @@ namespace zurt {
 struct RealTextRules {
     int decimals = 0; // without point and exponent this many of the last digits are decimals
     int scale = 0;    // without an exponent the number is divided by 10 to this power
+    bool wideExponents =
+        false; // exponents of five digits are taken for what they are, else they are out of range
 };
 
 /// Converts all of `text`, rounded to nearest; blanks (not tabs) anywhere are passed over, an all-blank text is 0.

@@ -1,0 +1,193 @@
+// Agreement with a Fortran compiler, digit by digit and bit by bit: the tables of tests/data, made by
+// tests/data/make_format_tables.py.
+#include "core/format.h"
+
+#include <cstring>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+using namespace zurt;
+
+std::vector<std::string> Split(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    std::stringstream stream(text);
+    for (std::string part; std::getline(stream, part, separator);)
+        parts.push_back(part);
+    return parts;
+}
+
+/// Takes the bars off a text and puts the characters in that the table spells with a backslash.
+std::string Unescape(const std::string& barred) {
+    std::string text;
+    for (std::size_t i = 1; i + 1 < barred.size(); ++i) {
+        if (barred[i] == '\\') {
+            ++i;
+            text += barred[i] == 'n' ? '\n' : (barred[i] == 't' ? '\t' : '\r');
+        } else {
+            text += barred[i];
+        }
+    }
+    return text;
+}
+
+/// All records of a text, the empty last one included.
+std::vector<std::string_view> Records(const std::string& text) {
+    std::vector<std::string_view> records;
+    std::size_t start = 0;
+    for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', start)) {
+        records.push_back(std::string_view(text).substr(start, end - start));
+        start = end + 1;
+    }
+    records.push_back(std::string_view(text).substr(start));
+    return records;
+}
+
+std::string RealBits(double value) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    char text[20];
+    std::snprintf(text, sizeof text, "r:%016llX", static_cast<unsigned long long>(bits));
+    return text;
+}
+
+double RealOfBits(const std::string& hexadecimal) {
+    const std::uint64_t bits = std::stoull(hexadecimal, nullptr, 16);
+    double value = 0.0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+/// Rows of a table, each split at its tabs.
+std::vector<std::vector<std::string>> ReadTable(const std::string& name) {
+    std::ifstream file(std::string(ZURT_SOURCE_DIR) + "/tests/data/" + name);
+    std::vector<std::vector<std::string>> rows;
+    for (std::string line; std::getline(file, line);)
+        rows.push_back(Split(line, '\t'));
+    return rows;
+}
+
+std::string WriteRow(const std::string& format, const std::vector<std::string>& values) {
+    const Format parsed(format.c_str());
+    std::string text;
+    RecordWriter writer;
+    BeginWrite(writer, text, parsed);
+    for (const std::string& value : values) {
+        std::string content = value.substr(2);
+        if (value[0] == 'i') {
+            Put(writer, static_cast<std::int64_t>(std::stoll(content)));
+        } else if (value[0] == 'r') {
+            Put(writer, RealOfBits(content));
+        } else {
+            for (char& c : content)
+                c = c == '_' ? ' ' : c;
+            Put(writer, content);
+        }
+    }
+    EndWrite(writer);
+    return text;
+}
+
+/// The values read so far, '-' for one that was left alone.
+struct Outcome {
+    std::vector<std::string> values;
+    std::string status = "ok";
+};
+
+std::string Joined(const Outcome& outcome) {
+    std::string text;
+    for (const std::string& value : outcome.values)
+        text += value + " ";
+    return text + outcome.status;
+}
+
+Outcome Expected(const std::string& values, const std::string& status) {
+    return {Split(values, ' '), status};
+}
+
+Outcome ReadFixedRow(const std::string& format, const std::string& record, std::size_t count) {
+    const Format parsed(format.c_str());
+    RecordReader reader;
+    BeginRead(reader, record, parsed);
+    Outcome outcome;
+    for (const EditDescriptor& item : parsed.items) {
+        if (item.kind == EditKind::Blanks)
+            continue;
+        if (outcome.values.size() == count)
+            break;
+        std::int32_t integer = 0;
+        double real = 0.0;
+        if (item.kind == EditKind::Integer)
+            Get(reader, integer);
+        else
+            Get(reader, real);
+        const bool good = reader.failure.status == FieldStatus::Good;
+        const std::string value =
+            item.kind == EditKind::Integer ? "i:" + std::to_string(integer) : RealBits(real);
+        outcome.values.push_back(good ? value : "-");
+        if (!good)
+            outcome.status = reader.failure.status == FieldStatus::OutOfRange ? "range" : "bad";
+    }
+    return outcome;
+}
+
+Outcome ReadListRow(const std::string& types, const std::string& text) {
+    const std::vector<std::string_view> records = Records(text);
+    std::size_t used = 1;
+    ListScanner scanner;
+    BeginList(scanner, records[0]);
+    Outcome outcome;
+    for (const char type : types) {
+        std::int32_t integer = 0;
+        double real = 0.0;
+        ListStatus status = ListStatus::NeedRecord;
+        for (;;) {
+            status = type == 'i' ? NextListInteger(scanner, integer) : NextListReal(scanner, real);
+            if (status != ListStatus::NeedRecord || used == records.size())
+                break;
+            ContinueList(scanner, records[used++]);
+        }
+        const bool read = status == ListStatus::Value && outcome.status == "ok";
+        outcome.values.push_back(!read ? "-"
+                                       : (type == 'i' ? "i:" + std::to_string(integer) : RealBits(real)));
+        if (outcome.status == "ok")
+            outcome.status = status == ListStatus::NeedRecord   ? "eof"
+                             : status == ListStatus::NotANumber ? "bad"
+                             : status == ListStatus::OutOfRange ? "range"
+                                                                : "ok";
+    }
+    return outcome;
+}
+
+// A digit, a blank or an asterisk that differs from what Fortran writes.
+TEST(FormatTable, WritesWhatFortranWrites) {
+    const std::vector<std::vector<std::string>> rows = ReadTable("format_write.tsv");
+    ASSERT_GE(rows.size(), 2000u);
+    for (const std::vector<std::string>& row : rows) {
+        ASSERT_EQ(row.size(), 3u);
+        EXPECT_EQ(WriteRow(row[0], Split(row[1], ' ')), Unescape(row[2]) + "\n") << row[0] << " " << row[1];
+    }
+}
+
+// A field or an item that is read as another value, accepted where Fortran refuses it, or the other way round.
+TEST(FormatTable, ReadsWhatFortranReads) {
+    const std::vector<std::vector<std::string>> fixedRows = ReadTable("format_read_fixed.tsv");
+    const std::vector<std::vector<std::string>> listRows = ReadTable("format_read_list.tsv");
+    ASSERT_GE(fixedRows.size(), 1000u);
+    ASSERT_GE(listRows.size(), 500u);
+    for (const std::vector<std::string>& row : fixedRows) {
+        ASSERT_EQ(row.size(), 4u);
+        const Outcome wanted = Expected(row[2], row[3]);
+        EXPECT_EQ(Joined(ReadFixedRow(row[0], Unescape(row[1]), wanted.values.size())), Joined(wanted))
+            << row[0] << row[1];
+    }
+    for (const std::vector<std::string>& row : listRows) {
+        ASSERT_EQ(row.size(), 4u);
+        const Outcome wanted = Expected(row[2], row[3]);
+        EXPECT_EQ(Joined(ReadListRow(row[0], Unescape(row[1]))), Joined(wanted)) << row[0] << row[1];
+    }
+}
+
+} // namespace
