@@ -1,9 +1,9 @@
 // Jacobian, global derivatives and surface scale of the isoparametric families at one point.
 //
-// The shape values of the point come from elements/shape_functions.h, either made for the point (ShapeAndJacobian...)
-// or kept in a table by a Gauss loop (JacobianVolume and its like); both ways give the same bits. CORE holds the coordinates of the
-// element's active nodes in compressed order, one row for x, y and z, in the mesh's unit of length; the plane
-// family reads x and y alone, the line lies in space and reads all three.
+// The shape values of the point come from elements/shape_functions.h, either made for the point (ShapeAndJacobian3D
+// and its like) or kept in a table by a Gauss loop (JacobianVolume and its like); both ways give the same bits. CORE
+// holds the coordinates of the element's active nodes in compressed order, one row for x, y and z, in the mesh's
+// unit of length; the plane family reads x and y alone, the line lies in space and reads all three.
 // Every function returns whether the point is sound. When it is not, the caller ends the run with the message of
 // elements/jacobian_failure.h. A determinant that is not a number never counts as sound.
 #pragma once
