@@ -1,0 +1,106 @@
+#include "model/time_steps.h"
+
+#include "core/format.h"
+#include "job/echo.h"
+
+#include <limits>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+constexpr const char* kStepCountDescriptor = "I10";
+constexpr const char* kStepSizeDescriptor = "D10.4";
+
+constexpr CardField kStepCountFields[] = {
+    ZURT_INTEGER(StepCountCard, NKDT, kStepCountDescriptor,
+                 "steps of each of the NPER periods; below 1: no step"),
+};
+
+constexpr CardField kStepSizeFields[] = {
+    ZURT_REAL(StepSizeCard, DTDT, kStepSizeDescriptor, "step size of each of the NPER periods"),
+};
+
+void ReadPeriodCards(Run& run) {
+    const std::int32_t INDFOR = run.control.header.INDFOR;
+    const std::int32_t firstCard = run.deck.CardCounter + 1;
+    ReadIntegerCards(run.deck, INDFOR, kStepCountCards.group, kStepCountFields[0].name, kStepCountDescriptor,
+                     kPeriodsPerCard, PeriodStepCounts(run));
+    ReadRealCards(run.deck, INDFOR, kStepSizeCards.group, kStepSizeFields[0].name, kStepSizeDescriptor,
+                  kPeriodsPerCard, PeriodStepSizes(run));
+    if (EchoInput(run)) // heads the report, written here because the card counter moves on
+        PrintCardNumber(run, firstCard, 1);
+}
+
+void CountSteps(Run& run) {
+    const IntArray NKDT = PeriodStepCounts(run);
+    std::int64_t total = 0;
+    for (Word period = 1; period <= NKDT.length; ++period)
+        if (NKDT(period) > 0)
+            total += NKDT(period);
+    if (total > std::numeric_limits<std::int32_t>::max())
+        DeckError(run.deck, kStepCountCards.group, kStepCountFields[0].name, std::to_string(total),
+                  "the periods have more steps than can be counted");
+    run.control.state.NDT = static_cast<std::int32_t>(total);
+}
+
+void ExpandPeriods(Run& run) {
+    const IntArray NKDT = PeriodStepCounts(run);
+    const RealArray DTDT = PeriodStepSizes(run);
+    const RealArray steps = StepSizes(run);
+    double total = 0.0;
+    Word step = 0;
+    for (Word period = 1; period <= NKDT.length; ++period) {
+        for (std::int32_t k = 1; k <= NKDT(period); ++k) {
+            steps(++step) = DTDT(period);
+            total += DTDT(period);
+        }
+    }
+    run.control.state.TIME = total;
+}
+
+void WriteStepReport(Run& run) {
+    static const Format line("(11X,I10,32X,I10,25X,D10.4)");
+    TextUnit& listing = run.units.listing;
+    const IntArray NKDT = PeriodStepCounts(run);
+    const RealArray DTDT = PeriodStepSizes(run);
+    Write(listing, "(6X,A///11X,A/)",
+          Say(run, "P O D A C I   O   V R E M E N S K I M   K O R A C I M A",
+              "D A T A   F O R   T I M E   S T E P S"),
+          Say(run, " PERIOD RESAVANJA       BROJ VREM. KORAKA         VREM. KORAK",
+              " SOLUTION PERIOD        NUM. OF TIME STEPS         TIME STEP"));
+    for (Word period = 1; period <= NKDT.length; ++period)
+        Write(listing, line, period, NKDT(period), DTDT(period));
+    Write(listing, "(/11X,60('-'))");
+    if (run.control.state.Language == kSerbian)
+        Write(listing, "(11X,' BROJ VREMENSKIH KORAKA NDT =',I4,5X,'UKUPNO VREME =',1PE12.5)",
+              run.control.state.NDT, run.control.state.TIME);
+    else
+        Write(listing, "(11X,' TOTAL NUMBER OF TIME STEPS    NDT =',I10,5X,'TOTAL TIME =',D12.5)",
+              run.control.state.NDT, run.control.state.TIME);
+}
+
+} // namespace
+
+const CardLayout kStepCountCards = Layout("Step count cards", kStepCountFields);
+const CardLayout kStepSizeCards = Layout("Step size cards", kStepSizeFields);
+
+void ReadTimeSteps(Run& run, std::int32_t mode) {
+    if (mode < 0)
+        return;
+    if (mode == 0) {
+        const std::int32_t NPER = run.control.header.NPER;
+        if (NPER < 0)
+            DeckError(run.deck, "Basic data card", "NPER", std::to_string(NPER),
+                      "a transient problem needs a count of periods");
+        ReadPeriodCards(run);
+        CountSteps(run);
+        return;
+    }
+    ExpandPeriods(run);
+    if (EchoInput(run))
+        WriteStepReport(run);
+}
+
+} // namespace zurt
