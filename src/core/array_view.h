@@ -41,7 +41,8 @@ template <class T> struct TableView {
     Word columns = 0;
 
     TableView() = default;
-    TableView(T* first, Word rowCount, Word columnCount) : data(first), rows(rowCount), columns(columnCount) {}
+    TableView(T* first, Word rowCount, Word columnCount)
+        : data(first), rows(rowCount), columns(columnCount) {}
     template <class U, class = std::enable_if_t<std::is_same_v<const U, T>>>
     TableView(TableView<U> other) : data(other.data), rows(other.rows), columns(other.columns) {}
 

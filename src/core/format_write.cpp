@@ -1,4 +1,5 @@
 #include "core/format.h"
+#include "core/real_digits.h"
 
 #include <charconv>
 #include <cmath>
@@ -200,21 +201,13 @@ void AppendExponent(std::string& record, const EditDescriptor& item, double valu
     if (significant < 1 || scale > item.decimals + 1)
         ReportFormatFault("E or D without a digit, or with a scale out of range");
     char digits[kDigitRoom];
-    const char* end = std::to_chars(digits, digits + sizeof digits, std::fabs(value),
-                                    std::chars_format::scientific, significant - 1)
-                          .ptr;
-    char* mark = digits + significant + (significant > 1 ? 1 : 0); // the 'e'
-    int power = 0;
-    std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, power);
-    if (significant > 1) // take the point out by moving the first digit up to the others
-        digits[1] = digits[0];
-    const char* first = significant > 1 ? digits + 1 : digits;
+    const int power = WriteSignificantDigits(std::fabs(value), significant, digits);
 
     RealParts parts;
-    parts.before = first;
+    parts.before = digits;
     parts.beforeCount = scale > 0 ? scale : 0;
     parts.zeros = scale < 0 ? -scale : 0;
-    parts.after = first + parts.beforeCount;
+    parts.after = digits + parts.beforeCount;
     parts.afterCount = significant - parts.beforeCount;
     if (!WriteExponent(parts, item, value == 0.0 ? 0 : power + 1 - scale)) {
         AppendField(record, item.width, '*');

@@ -12,7 +12,8 @@ namespace {
 // Ends without destructors or handlers of other libraries: every stream is flushed here, and nothing else is held.
 [[noreturn]] void EndProcess(int status) {
     if (std::fflush(nullptr) != 0 && status == 0) {
-        std::fputs("zurt: error: what was written could not be stored completely; is the disk full?\n", stderr);
+        std::fputs("zurt: error: what was written could not be stored completely; is the disk full?\n",
+                   stderr);
         status = kLibraryErrorStatus;
     }
     std::exit(status);

@@ -7,6 +7,14 @@
 
 namespace zurt {
 
+/// A lookup at the exact end of a curve gives no value: the variable keeps what the group's lookup before gave it.
+struct HeldCurveValues {
+    double K[3] = {};  // conductivity curves of the three directions
+    double CP = 0.0;   // capacity curve
+    double QV = 0.0;   // volume source
+    double rate = 0.0; // the source function of a mean rate, at the end of the step
+};
+
 struct ElementGroup {
     std::int32_t NGE = 0; // number of the group, from 1
 
@@ -38,6 +46,9 @@ struct ElementGroup {
     Word LTHIC = 0; // NET: thickness (2D), area (1D)
     bool hasMaterials = false, hasSources = false, hasValueFlags = false, hasCoordinateFlags = false;
     bool hasThickness = false;
+
+    bool indicesChecked = false; // numbers that could not be checked at reading have been checked since
+    HeldCurveValues held;
 };
 
 /// Packed upper triangle of an element matrix.

@@ -7,17 +7,17 @@ namespace zurt {
 
 /// First card of the fibre data, after its normalisation.
 struct HomogenizationCard {
-    std::int32_t NSETS = 0;   // fibre sets
-    std::int32_t IEHM = 0;    // equivalent homogeneous medium
-    std::int32_t NFIT = 0;    // homogenization
-    std::int32_t NFSTEP = 0;  // steps of one run of the fit
-    std::int32_t NFITMAX = 0; // iteration limit
-    double FITERR = 0.0;      // relative tolerance on mass
+    std::int32_t NSETS = 0;                             // fibre sets
+    std::int32_t IEHM = 0;                              // equivalent homogeneous medium
+    std::int32_t NFIT = 0;                              // homogenization
+    std::int32_t NFSTEP = 0;                            // steps of one run of the fit
+    std::int32_t NFITMAX = 0;                           // iteration limit
+    double FITERR = 0.0;                                // relative tolerance on mass
     std::int32_t INDFITX = 0, INDFITY = 0, INDFITZ = 0; // directions to fit
-    std::int32_t INDDEG = 0;  // main diffusion direction
-    std::int32_t IHEQ = 0;    // fit HEQ after the D-C curve
-    std::int32_t IDCC = 0;    // fit the D-C curve
-    std::int32_t IDIAM = 0;   // subtract the molecule's radius from wall distances
+    std::int32_t INDDEG = 0;                            // main diffusion direction
+    std::int32_t IHEQ = 0;                              // fit HEQ after the D-C curve
+    std::int32_t IDCC = 0;                              // fit the D-C curve
+    std::int32_t IDIAM = 0;                             // subtract the molecule's radius from wall distances
     std::int32_t IDCSF = 0;
     double D1D = 0.0, D2D = 0.0; // curve ends to start from, when their card is read
 };

@@ -19,7 +19,8 @@ constexpr CardField kHomogenizationFields[] = {
     ZURT_INTEGER(HomogenizationCard, INDFITX, "I5", "1: homogenize for diffusion in X"),
     ZURT_INTEGER(HomogenizationCard, INDFITY, "I5", "1: homogenize for diffusion in Y"),
     ZURT_INTEGER(HomogenizationCard, INDFITZ, "I5", "1: homogenize for diffusion in Z"),
-    ZURT_INTEGER(HomogenizationCard, INDDEG, "I5", "main diffusion direction: below 1 becomes 1, above 3 becomes 3"),
+    ZURT_INTEGER(HomogenizationCard, INDDEG, "I5",
+                 "main diffusion direction: below 1 becomes 1, above 3 becomes 3"),
     ZURT_INTEGER(HomogenizationCard, IHEQ, "I5", "1: fit HEQ after the D-C curve; 0 without a fit"),
     ZURT_INTEGER(HomogenizationCard, IDCC, "I5", "1: fit the D-C curve; 0 without a fit"),
     ZURT_INTEGER(HomogenizationCard, IDIAM, "I5", "1: subtract the molecule's radius from wall distances"),
@@ -79,8 +80,8 @@ void EchoHomogenizationCard(Run& run) {
                                 "/11X,'INDICATOR FOR INCLUDING MOL. DIAMETER IN SF. IDIAM   =',I5)");
     const HomogenizationCard& card = run.fit.card;
     const Format& format = run.control.state.Language == kSerbian ? serbian : english;
-    Write(run.units.listing, format, card.NSETS, card.IEHM, card.NFIT, card.NFITMAX, card.NFSTEP, 0.0, card.INDFITY,
-          card.INDFITZ, card.INDDEG, card.IHEQ, card.IDCC, card.IDIAM);
+    Write(run.units.listing, format, card.NSETS, card.IEHM, card.NFIT, card.NFITMAX, card.NFSTEP, 0.0,
+          card.INDFITY, card.INDFITZ, card.INDDEG, card.IHEQ, card.IDCC, card.IDIAM);
 }
 
 } // namespace

@@ -8,11 +8,16 @@ namespace {
 
 // Ten lines of block letters, each drawn with copies of itself.
 constexpr const char* kBlockLetters[10] = {
-    "ZZZZZZZZZZZ   UU       UU   RRRRRRRRR     TTTTTTTTTTT", "ZZZZZZZZZZZ   UU       UU   RRRRRRRRRR    TTTTTTTTTTT",
-    "        ZZZ   UU       UU   RR      RR        TTT    ", "       ZZZ    UU       UU   RR      RR        TTT    ",
-    "      ZZZ     UU       UU   RRRRRRRRRR        TTT    ", "     ZZZ      UU       UU   RRRRRRRRR         TTT    ",
-    "    ZZZ       UU       UU   RR    RR          TTT    ", "   ZZZ        UUU     UUU   RR     RR         TTT    ",
-    "ZZZZZZZZZZZ    UUUUUUUUU    RR      RR        TTT    ", "ZZZZZZZZZZZ     UUUUUUU     RR       RR       TTT    ",
+    "ZZZZZZZZZZZ   UU       UU   RRRRRRRRR     TTTTTTTTTTT",
+    "ZZZZZZZZZZZ   UU       UU   RRRRRRRRRR    TTTTTTTTTTT",
+    "        ZZZ   UU       UU   RR      RR        TTT    ",
+    "       ZZZ    UU       UU   RR      RR        TTT    ",
+    "      ZZZ     UU       UU   RRRRRRRRRR        TTT    ",
+    "     ZZZ      UU       UU   RRRRRRRRR         TTT    ",
+    "    ZZZ       UU       UU   RR    RR          TTT    ",
+    "   ZZZ        UUU     UUU   RR     RR         TTT    ",
+    "ZZZZZZZZZZZ    UUUUUUUUU    RR      RR        TTT    ",
+    "ZZZZZZZZZZZ     UUUUUUU     RR       RR       TTT    ",
 };
 
 constexpr const char* kVersionDashes = "---------------------------";
@@ -20,7 +25,8 @@ constexpr const char* kVersionDashes = "---------------------------";
 void WriteClock(Run& run, const char* label, int moment) {
     static const Format line("(11X,A,I2,':',I2,':',I2,'.',I2)");
     const auto& table = run.control.state.TimingTable;
-    Write(run.units.listing, line, label, table[0][moment], table[1][moment], table[2][moment], table[3][moment]);
+    Write(run.units.listing, line, label, table[0][moment], table[1][moment], table[2][moment],
+          table[3][moment]);
 }
 
 } // namespace
@@ -41,7 +47,8 @@ void WriteBanner(Run& run) {
     for (const char* line : kBlockLetters)
         Write(listing, "(12X,A)", line);
     Write(listing, "(5(/))");
-    Write(listing, "(5X,A,A,A)", kVersionDashes, Say(run, "  VERZIJA  1.00  ", "  VERSION  1.00  "), kVersionDashes);
+    Write(listing, "(5X,A,A,A)", kVersionDashes, Say(run, "  VERZIJA  1.00  ", "  VERSION  1.00  "),
+          kVersionDashes);
 }
 
 void WriteExecutionReport(Run& run) {

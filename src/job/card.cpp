@@ -20,7 +20,8 @@ struct CardPlace {
     const char* hint; // "" or a sentence that goes behind the reason
 };
 
-[[noreturn]] void ReportField(const CardPlace& place, const char* field, std::string_view found, const char* reason) {
+[[noreturn]] void ReportField(const CardPlace& place, const char* field, std::string_view found,
+                              const char* reason) {
     DeckError(place.deck, place.group, field, found, std::string(reason) + place.hint);
 }
 
@@ -58,13 +59,14 @@ void ReadIntegerColumns(const CardPlace& place, const char* name, const FieldDes
     CheckFieldStatus(place, name, descriptor, text, ReadIntegerField(text, value));
 }
 
-void ReadRealColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor, std::string_view text,
-                     double& value) {
+void ReadRealColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
+                     std::string_view text, double& value) {
     CheckFieldStatus(place, name, descriptor, text, ReadRealField(text, descriptor.decimals, value));
     CheckReal(place, name, text, value);
 }
 
-void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, const CardBuffer& card, char* record) {
+void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, const CardBuffer& card,
+                         char* record) {
     int column = 0;
     for (int f = 0; f < layout.fieldCount; ++f) {
         const CardField& field = layout.fields[f];
@@ -164,8 +166,8 @@ void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, 
     ReadFieldsByColumns({deck, layout.group, hint}, layout, card, static_cast<char*>(record));
 }
 
-void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field, const char* descriptor,
-                      int perCard, IntArray values) {
+void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                      const char* descriptor, int perCard, IntArray values) {
     CardBuffer card;
     const FieldDescriptor form = Descriptor(descriptor);
     if (INDFOR == 1) {
@@ -180,13 +182,14 @@ void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const 
             const Word last = std::min(values.length, first + perCard - 1);
             for (Word i = first; i <= last; ++i)
                 ReadIntegerColumns({deck, group, ""}, field, form,
-                                   ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width), values(i));
+                                   ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
+                                   values(i));
         }
     }
 }
 
-void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field, const char* descriptor,
-                   int perCard, RealArray values) {
+void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                   const char* descriptor, int perCard, RealArray values) {
     CardBuffer card;
     const FieldDescriptor form = Descriptor(descriptor);
     if (INDFOR == 1) {
@@ -201,7 +204,8 @@ void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const cha
             const Word last = std::min(values.length, first + perCard - 1);
             for (Word i = first; i <= last; ++i)
                 ReadRealColumns({deck, group, ""}, field, form,
-                                ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width), values(i));
+                                ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
+                                values(i));
         }
     }
 }

@@ -51,21 +51,22 @@ struct CardField {
 };
 
 /// A row of a layout. MEMBER may be an array: its elements are fields that follow one another.
-#define ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT)                                               \
-    ::zurt::CardField {                                                                                              \
-        #MEMBER, ::zurt::Descriptor(DESCRIPTOR), offsetof(RECORD, MEMBER),                                           \
-            static_cast<int>(sizeof(RECORD::MEMBER) / (DESCRIPTOR[0] == 'I' ? 4 : 8)), LEAST, MEANING, EFFECT        \
+#define ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT)                                       \
+    ::zurt::CardField {                                                                                      \
+#MEMBER, ::zurt::Descriptor(DESCRIPTOR), offsetof(RECORD, MEMBER),                                   \
+            static_cast < int>(sizeof(RECORD::MEMBER) / (DESCRIPTOR[0] == 'I' ? 4 : 8)), LEAST, MEANING,     \
+            EFFECT                                                                                           \
     }
-#define ZURT_INTEGER(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                            \
+#define ZURT_INTEGER(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                    \
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "")
 #define ZURT_COUNT(RECORD, MEMBER, DESCRIPTOR, MEANING) ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, 0, MEANING, "")
-#define ZURT_REAL(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                               \
+#define ZURT_REAL(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                       \
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "")
-#define ZURT_DORMANT(RECORD, MEMBER, DESCRIPTOR, MEANING, EFFECT)                                                    \
+#define ZURT_DORMANT(RECORD, MEMBER, DESCRIPTOR, MEANING, EFFECT)                                            \
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, EFFECT)
-#define ZURT_BLANKS(DESCRIPTOR)                                                                                      \
-    ::zurt::CardField {                                                                                              \
-        "", ::zurt::Descriptor(DESCRIPTOR), 0, 1, ::zurt::kAnyInteger, "", ""                                        \
+#define ZURT_BLANKS(DESCRIPTOR)                                                                              \
+    ::zurt::CardField {                                                                                      \
+        "", ::zurt::Descriptor(DESCRIPTOR), 0, 1, ::zurt::kAnyInteger, "", ""                                \
     }
 
 struct CardLayout {
@@ -87,10 +88,10 @@ void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, v
 void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record);
 
 /// values.length numbers: list-directed in one statement, or `perCard` to a card under `descriptor`.
-void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field, const char* descriptor,
-                      int perCard, IntArray values);
-void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field, const char* descriptor,
-                   int perCard, RealArray values);
+void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                      const char* descriptor, int perCard, IntArray values);
+void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                   const char* descriptor, int perCard, RealArray values);
 
 /// Ends the run with a deck error when an index from the deck lies outside 1..limit.
 void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit);

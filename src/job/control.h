@@ -26,12 +26,12 @@ struct HeaderFields {
     std::int32_t SolverSelector = 0; // 2 selects the sparse solver
 
     // Device cards.
-    double ELFIB = 0.0, DFIB = 0.0, WFIB = 0.0; // box of the fibres, X, Y, Z
-    double ELPCL = 0.0;                         // read and echoed only
-    double AMOLAR = 0.0;                        // factor on nodal mass fluxes
-    double DMOLECULE = 0.0;                     // diameter of the diffusing molecules
+    double ELFIB = 0.0, DFIB = 0.0, WFIB = 0.0;              // box of the fibres, X, Y, Z
+    double ELPCL = 0.0;                                      // read and echoed only
+    double AMOLAR = 0.0;                                     // factor on nodal mass fluxes
+    double DMOLECULE = 0.0;                                  // diameter of the diffusing molecules
     std::int32_t NXFIB = 0, NYFIB = 0, NZFIB = 0, NXPCL = 0; // divisions of the regular grid
-    std::int32_t INDDEGR = 0;                   // 1: a degradation card follows
+    std::int32_t INDDEGR = 0;                                // 1: a degradation card follows
 
     // Degradation card.
     double DEGALPHA = 0.0, DEGIPOR = 0.0, DEGPART = 0.0, DEGRATEK = 0.0, DEGRATEKW = 0.0;
@@ -96,7 +96,7 @@ struct Pointers {
     Word LNPMAT = 0, LDCT = 0;
     Word LNANO[6] = {}; // LNANO1 to LNANO5
     Word LFIT = 0, LFIBN = 0;
-    Word LMAT[10] = {}; // LMAT1 to LMAT9
+    Word LMAT[10] = {};        // LMAT1 to LMAT9
     Word LOUT1 = 0, LOUT2 = 0; // outlet pairs, time multiplier pairs
     Word LPRES = 1, LRES1 = 1, LRES2 = 1;
     Word LTFT1 = 0, LTFT2 = 0; // time functions: table, points per function
@@ -111,30 +111,31 @@ struct Pointers {
 struct RunState {
     std::int32_t Language = kEnglish; // set at start-up, nothing changes it
     std::int32_t ListingOpen = 0, GraphicsOpen = 0, CardListingDone = 0;
-    std::int32_t PassCounter = 1;          // pass of a direct calculation
-    std::int32_t ResultsPhaseFlag = 0;     // 1 while groups are visited for results
-    std::int32_t NonlinearFlag = 0;        // 1: the problem iterates within a step
+    std::int32_t PassCounter = 1;      // pass of a direct calculation
+    std::int32_t ResultsPhaseFlag = 0; // 1 while groups are visited for results
+    std::int32_t NonlinearFlag = 0;    // 1: the problem iterates within a step
     std::int32_t ConductivityNonlinear = 0, CapacityNonlinear = 0;
-    std::int32_t GraphicsEnabled = 0;      // 1: this pass may write steps to the graphics file
-    std::int32_t SparseMode = 0;           // 1 when SolverSelector is 2
-    std::int32_t SourcePresent = 0;        // some group has IZIP positive
-    std::int32_t ConcentrationSource = 0;  // some group has IZIP equal to 2
-    std::int32_t SubstructurePresent = 0;  // some group has ISUB4 positive
-    std::int32_t LastISUB4 = 0;            // ISUB4 of the last group card read
+    std::int32_t GraphicsEnabled = 0;         // 1: this pass may write steps to the graphics file
+    std::int32_t SparseMode = 0;              // 1 when SolverSelector is 2
+    std::int32_t SourcePresent = 0;           // some group has IZIP positive
+    std::int32_t ConcentrationSource = 0;     // some group has IZIP equal to 2
+    std::int32_t SubstructurePresent = 0;     // some group has ISUB4 positive
+    std::int32_t LastISUB4 = 0;               // ISUB4 of the last group card read
     std::int32_t GatherByPrescribedValue = 0; // selects the second form of the gather; nothing sets it
 
     double TIME = 0.0;      // end of the current step
     double StartTime = 0.0; // start of the current step
     double TimeStep = 0.0;
     std::int32_t KOR = 0, ITER = 0;
-    std::int32_t NDT = 0;   // number of steps
-    std::int32_t JEDN = 0;  // number of equations
-    Word NWK = 0;           // length of SkylineMatrix
-    std::int32_t NCZZ = 0;  // steps held in the step file
+    std::int32_t NDT = 0;  // number of steps
+    std::int32_t JEDN = 0; // number of equations
+    Word NWK = 0;          // length of SkylineMatrix
+    std::int32_t NCZZ = 0; // steps held in the step file
 
     double OutletStart = 0.0; // value of nodes without an equation at the start of the step
     double OutletEnd = 0.0;   // and at its end
-    double OutletStartOfRun = 0.0; // OutletStart as the input left it; every new run of the time loop begins with it
+    double OutletStartOfRun =
+        0.0; // OutletStart as the input left it; every new run of the time loop begins with it
 
     double GraphicsInterval = 0.0;    // IGRAF times TimeStep
     std::int32_t GraphicsLimit = 0;   // NDT / IGRAF, formed by transient passes only
@@ -142,9 +143,9 @@ struct RunState {
     std::int32_t GraphicsWritten = 0; // graphics outputs of this pass
     std::int32_t PrintCounter = 0;    // steps since the last listing output
 
-    std::int32_t FactorFlag = 0;  // 1: assemble and factor the matrix
-    double ReferenceNorm = 0.0;   // TREF
-    double IncrementNorm = 0.0;   // DTMOD
+    std::int32_t FactorFlag = 0; // 1: assemble and factor the matrix
+    double ReferenceNorm = 0.0;  // TREF
+    double IncrementNorm = 0.0;  // DTMOD
 
     double POROSITY = 1.0;
 

@@ -66,9 +66,10 @@ void TakeImage(std::string_view line, CardBuffer& buffer) {
 void GuardAgainstRepetition(Deck& deck, const char* group) {
     if (deck.returnedLine == deck.nextLine) {
         if (++deck.timesReturned > kLargestRepeat)
-            DeckError(deck, group, "", "",
-                      "the same card is presented again and again: under this format indicator (INDFOR) no read "
-                      "consumes it");
+            DeckError(
+                deck, group, "", "",
+                "the same card is presented again and again: under this format indicator (INDFOR) no read "
+                "consumes it");
         return;
     }
     deck.returnedLine = deck.nextLine;
@@ -102,7 +103,8 @@ Word LineCount(const Deck& deck) {
 std::string_view LineText(const Deck& deck, Word line) {
     const std::size_t at = static_cast<std::size_t>(line - 1);
     const Word begin = deck.lineStart[at];
-    std::string_view text(deck.bytes.data() + begin, static_cast<std::size_t>(deck.lineStart[at + 1] - begin));
+    std::string_view text(deck.bytes.data() + begin,
+                          static_cast<std::size_t>(deck.lineStart[at + 1] - begin));
     if (!text.empty() && text.back() == '\n')
         text.remove_suffix(1);
     if (!text.empty() && text.back() == '\r')

@@ -56,10 +56,10 @@ void StartUp(Run& run, std::FILE* consoleInput, std::FILE* consoleOutput, Word s
 void OpenOutputs(Run& run) {
     const HeaderFields& header = run.control.header;
     if (header.NULAZ < 0)
-        Write(run.units.console, "(A,A,'\"',A,'\"')",
-              Say(run, " NE STAMPAJU SE ULAZNI PODACI ZA PROBLEM POD NASLOVOM ",
-                  " NO PRINTOUT INPUT DATA FOR PROBLEM UNDER TITLE "),
-              "", std::string_view(header.title, 78));
+        Write(run.units.console, "(1X,A,' \"',A,'\"')",
+              Say(run, "NE STAMPAJU SE ULAZNI PODACI ZA PROBLEM POD NASLOVOM",
+                  "NO PRINTOUT INPUT DATA FOR PROBLEM UNDER TITLE"),
+              std::string_view(header.title, 78));
     if ((header.NULAZ >= 0 || header.NPRINT >= 0) && run.control.state.ListingOpen == 0) {
         OpenListing(run);
         WriteBanner(run);
@@ -180,7 +180,8 @@ void ReadMaterialData(Run& run) {
     if (header.NANOCH > 0 || header.NDS != 0)
         ReadDiffusionCurves(run);
     if (header.NANOCH > 0)
-        StopNotBuilt(run, "nanochannels (NANOCH above 0: correction factor table, outlet and reservoir cards) are");
+        StopNotBuilt(
+            run, "nanochannels (NANOCH above 0: correction factor table, outlet and reservoir cards) are");
     TakeMaterialTables(run);
     if (header.NDS == 0)
         ReadMaterials(run);
@@ -200,8 +201,9 @@ void DecideKindOfProblem(Run& run) {
     RunState& state = run.control.state;
     state.ConductivityNonlinear = counts.NANLK > 0 || counts.MAXTK > 1;
     state.CapacityNonlinear = counts.NANLC > 0 || counts.MAXTC > 1;
-    state.NonlinearFlag = state.ConductivityNonlinear != 0 || state.CapacityNonlinear != 0 || counts.MAXTHP > 1 ||
-                          (counts.MAXTQE > 1 && state.ConcentrationSource != 0) || counts.MAXTHR > 0;
+    state.NonlinearFlag = state.ConductivityNonlinear != 0 || state.CapacityNonlinear != 0 ||
+                          counts.MAXTHP > 1 || (counts.MAXTQE > 1 && state.ConcentrationSource != 0) ||
+                          counts.MAXTHR > 0;
 }
 
 void ReadBoundaryData(Run& run) {
@@ -228,9 +230,11 @@ void ReadBoundaryData(Run& run) {
     Write(unit, "(///11X,A)",
           Say(run, "UCITAVANJE I GENERISANJE ULAZNIH PODATAKA JE ZAVRSENO",
               "READING AND GENERATING OF INPUT DATA IS OVER"));
-    Write(unit, "(/11X,A)", Say(run, "ULAZNI PODACI SU BEZ FORMALNE GRESKE", "INPUT DATA ARE WITHOUT FORMAL ERROR"));
     Write(unit, "(/11X,A)",
-          Say(run, "ZA IZVRSAVANJE PROGRAMA UNETI:   IREST = 1", "FOR EXECUTION OF PROGRAM ENTER:   IREST = 1"));
+          Say(run, "ULAZNI PODACI SU BEZ FORMALNE GRESKE", "INPUT DATA ARE WITHOUT FORMAL ERROR"));
+    Write(unit, "(/11X,A)",
+          Say(run, "ZA IZVRSAVANJE PROGRAMA UNETI:   IREST = 1",
+              "FOR EXECUTION OF PROGRAM ENTER:   IREST = 1"));
     StopRun();
 }
 
@@ -239,11 +243,13 @@ void ReadBoundaryData(Run& run) {
 // Behaviour that is required and yet bound to surprise.
 void WriteProblemNotes(const Run& run) {
     if (run.control.header.NSTAC != 0 && run.control.state.NonlinearFlag == 0)
-        WriteNote("a transient problem with constant coefficients takes one solve a step, and its solution is not "
-                  "the concentration: give a curve two points (of equal value), so that the steps iterate");
+        WriteNote(
+            "a transient problem with constant coefficients takes one solve a step, and its solution is not "
+            "the concentration: give a curve two points (of equal value), so that the steps iterate");
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (run.groups[NGE].IZIP == 2)
-            WriteNote("group " + std::to_string(NGE) + ": volume sources by concentration (IZIP 2) add no load");
+            WriteNote("group " + std::to_string(NGE) +
+                      ": volume sources by concentration (IZIP 2) add no load");
 }
 
 void SolveProblem(Run& run) {
@@ -290,7 +296,7 @@ void ReadProblem(Run& run) {
 } // namespace
 
 void JobDriver(std::FILE* consoleInput, std::FILE* consoleOutput, Word size) {
-    static Run run;
+    Run run;
     StartUp(run, consoleInput, consoleOutput, size);
     do {
         ReadProblem(run);

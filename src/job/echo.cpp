@@ -88,9 +88,10 @@ void ListCards(Run& run) {
         Write(listing, cardLine, line, LineText(deck, line).substr(0, kListedColumns));
     }
     WriteListingFoot(run);
-    Write(listing, "(//6X,19('*'),A,A)",
-          Say(run, " K R A J   U L A Z N O G   L I S T I N G A ", " E N D   O F   I N P U T   L I S T I N G "),
-          Say(run, "*************", "***************"));
+    Write(
+        listing, "(//6X,19('*'),A,A)",
+        Say(run, " K R A J   U L A Z N O G   L I S T I N G A ", " E N D   O F   I N P U T   L I S T I N G "),
+        Say(run, "*************", "***************"));
     // Back behind the last card read, by its number: a list-directed read that has run over a line end leaves the
     // counter short of the true position, and the deck then stands some lines too far back.
     deck.nextLine = std::min<Word>(deck.CardCounter, LineCount(deck));

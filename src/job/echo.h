@@ -16,12 +16,18 @@ struct EchoLine {
     std::size_t offset; // of the value in the record
 };
 
-#define ZURT_ECHO_INTEGER(RECORD, MEMBER, SERBIAN, ENGLISH)                                                          \
-    ::zurt::EchoLine { SERBIAN, ENGLISH, ::zurt::EchoKind::Integer, offsetof(RECORD, MEMBER) }
-#define ZURT_ECHO_REAL(RECORD, MEMBER, SERBIAN, ENGLISH)                                                             \
-    ::zurt::EchoLine { SERBIAN, ENGLISH, ::zurt::EchoKind::Real, offsetof(RECORD, MEMBER) }
-#define ZURT_ECHO_REMARK(SERBIAN, ENGLISH)                                                                           \
-    ::zurt::EchoLine { SERBIAN, ENGLISH, ::zurt::EchoKind::Remark, 0 }
+#define ZURT_ECHO_INTEGER(RECORD, MEMBER, SERBIAN, ENGLISH)                                                  \
+    ::zurt::EchoLine {                                                                                       \
+        SERBIAN, ENGLISH, ::zurt::EchoKind::Integer, offsetof(RECORD, MEMBER)                                \
+    }
+#define ZURT_ECHO_REAL(RECORD, MEMBER, SERBIAN, ENGLISH)                                                     \
+    ::zurt::EchoLine {                                                                                       \
+        SERBIAN, ENGLISH, ::zurt::EchoKind::Real, offsetof(RECORD, MEMBER)                                   \
+    }
+#define ZURT_ECHO_REMARK(SERBIAN, ENGLISH)                                                                   \
+    ::zurt::EchoLine {                                                                                       \
+        SERBIAN, ENGLISH, ::zurt::EchoKind::Remark, 0                                                        \
+    }
 
 /// Writes the lines of a table: a label and its value (I5 or 1PE10.3), remarks indented below.
 void WriteEchoLines(Run& run, const EchoLine* lines, std::size_t count, const void* record);

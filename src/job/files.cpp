@@ -133,8 +133,8 @@ void OpenMessages(Run& run) {
 
 void FlushUnits(Run& run) {
     Units& units = run.units;
-    for (TextUnit* unit : {&units.listing, &units.console, &units.graphics, &units.massX, &units.massY, &units.massZ,
-                           &units.messages})
+    for (TextUnit* unit : {&units.listing, &units.console, &units.graphics, &units.massX, &units.massY,
+                           &units.massZ, &units.messages})
         FlushTextUnit(*unit);
 }
 

@@ -19,8 +19,10 @@ constexpr std::int32_t kDefaultMAXIT = 15;
 constexpr CardField kFormatFields[] = {
     ZURT_INTEGER(HeaderFields, INDFOR, "I5", "format of all further cards: 0 or 1 free, 2 fixed"),
     ZURT_INTEGER(HeaderFields, NDS, "I5", "device modelling: 0 none, 1, 2 or 3"),
-    ZURT_INTEGER(HeaderFields, NANOCH, "I5", "nanochannel: 0 none, 1 without, 2 with left, 3 with both reservoirs"),
-    ZURT_INTEGER(HeaderFields, SolverSelector, "I5", "2 selects the sparse solver, any other value the skyline"),
+    ZURT_INTEGER(HeaderFields, NANOCH, "I5",
+                 "nanochannel: 0 none, 1 without, 2 with left, 3 with both reservoirs"),
+    ZURT_INTEGER(HeaderFields, SolverSelector, "I5",
+                 "2 selects the sparse solver, any other value the skyline"),
 };
 
 constexpr CardField kFirstDeviceFields[] = {
@@ -79,13 +81,15 @@ constexpr CardField kControlFields[] = {
 constexpr CardField kExecutionFields[] = {
     ZURT_INTEGER(HeaderFields, IREST, "I5", "0 check of input data, any other value execution"),
     ZURT_INTEGER(HeaderFields, NCZK, "I5", "last steps to keep in the step file; 0 all"),
-    ZURT_DORMANT(HeaderFields, NCZR, "I5", "steps on the disk before a restart", "echoed only: nothing restarts"),
+    ZURT_DORMANT(HeaderFields, NCZR, "I5", "steps on the disk before a restart",
+                 "echoed only: nothing restarts"),
     ZURT_DORMANT(HeaderFields, VREM0, "E15.8", "time of a restart", "echoed only: nothing restarts"),
     ZURT_COUNT(HeaderFields, PotentialFunctionSize, "I5", "words for the potential under ITOR 2"),
 };
 
 constexpr CardField kGroupFields[] = {
-    ZURT_INTEGER(ElementGroup, NETIP, "I5", "element type: 1, 2, 3 by dimension, any other the radial fibre element"),
+    ZURT_INTEGER(ElementGroup, NETIP, "I5",
+                 "element type: 1, 2, 3 by dimension, any other the radial fibre element"),
     ZURT_COUNT(ElementGroup, NET, "I10", "number of elements"),
     ZURT_INTEGER(ElementGroup, INDAX, "I5", "1: axisymmetric"),
     ZURT_INTEGER(ElementGroup, IZIP, "I5", "volume source: 0 none, 1 by time, 2 by concentration"),
@@ -138,7 +142,8 @@ const CardLayout kControlCard = Layout("Control card", kControlFields);
 const CardLayout kExecutionCard = Layout("Execution card", kExecutionFields);
 const CardLayout kGroupCard = Layout("Element group card", kGroupFields);
 const CardLayout kMaterialHeaderCard = Layout("Material header card", kMaterialHeaderFields);
-const CardLayout kDeviceMaterialHeaderCard = Layout("Material header card under NDS", kDeviceMaterialHeaderFields);
+const CardLayout kDeviceMaterialHeaderCard =
+    Layout("Material header card under NDS", kDeviceMaterialHeaderFields);
 const CardLayout kBoundaryCard = Layout("General boundary card", kBoundaryFields);
 
 void ReadTitle(Run& run) {
@@ -176,7 +181,8 @@ void ReadBasicData(Run& run) {
         Write(unit, "(A)", Say(run, " A MORA BITI VECI OD NULE |", " MUST BE GREATER THAN ZERO!"));
         StopRun();
     }
-    for (std::int32_t* field : {&header.NGET, &header.NMATT, &header.NPER, &header.NPRINT, &header.NULAZ, &header.IGRAF})
+    for (std::int32_t* field :
+         {&header.NGET, &header.NMATT, &header.NPER, &header.NPRINT, &header.NULAZ, &header.IGRAF})
         if (*field == 0)
             *field = 1;
 }

@@ -18,7 +18,8 @@ void WriteInputOverflow(Run& run) {
               "PODATAKA",
               " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA"));
     Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAX=", " REQUIRED DIMENSION, LMAX ="), run.A.LMAX);
-    Write(unit, "(A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA, NTOTA=", " AVAILABLE DIMENSION, NTOTA="), run.A.NTOTA);
+    Write(unit, "(A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA, NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
+          run.A.NTOTA);
 }
 
 // Nine vectors of NP words, one after the other.
@@ -135,8 +136,8 @@ void TakeMaterialTables(Run& run) {
     StopIfInputOverflows(run);
 }
 
-void TakeFunctionTable(Run& run, const char* name, std::int32_t functions, std::int32_t points, Word& countsAt,
-                       Word& tableAt) {
+void TakeFunctionTable(Run& run, const char* name, std::int32_t functions, std::int32_t points,
+                       Word& countsAt, Word& tableAt) {
     countsAt = TakeWords(run.A, name, functions);
     tableAt = TakeWords(run.A, name, 2 * Word{functions} * points);
     StopIfInputOverflows(run);
@@ -203,14 +204,17 @@ void StopIfSystemOverflows(Run& run) {
     Write(unit, "(A)",
           Say(run, "NEDOVOLJNA DIMENZIJA ZA SMESTANJE MATRICA I VEKTORASISTEMA :",
               " UNSUFFICIENT DIMENSION OF WORKING VECTOR:"));
-    Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAXM=", " REQUIRED DIMENSION LMAXM ="), run.A.LMAXM);
-    Write(unit, "(A,I10)", Say(run, "RASPOLOZIVADIMENZIJA, NTOTA =", " AVAILABLE DIMENSION NTOT ="), run.A.NTOTA);
+    Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAXM=", " REQUIRED DIMENSION LMAXM ="),
+          run.A.LMAXM);
+    Write(unit, "(A,I10)", Say(run, "RASPOLOZIVADIMENZIJA, NTOTA =", " AVAILABLE DIMENSION NTOT ="),
+          run.A.NTOTA);
     if (run.control.header.NDS > 0) {
         TextUnit& messages = run.units.messages;
         Write(messages, "(' UNSUFFICIENT DIMENSION OF WORKING ARRAY:')");
         Write(messages, "(' REQUIRED DIMENSION LMAXM =',I10)", run.A.LMAXM);
         Write(messages, "(' AVAILABLE DIMENSION NTOT =',I10)", run.A.NTOTA);
-        Write(messages, "(/' ** CONTACT THE SOFTWARE ZUR-T DEVELOPER TO INCREASE THE SIZE',' OF TH WORKING ARRAY')");
+        Write(messages,
+              "(/' ** CONTACT THE SOFTWARE ZUR-T DEVELOPER TO INCREASE THE SIZE',' OF TH WORKING ARRAY')");
         Write(messages, "(' ** OR USE COARSER MESH'/)");
         Write(messages, "('  PROGRAM STOPS')");
     }

@@ -38,8 +38,8 @@ void TakeSolutionVectors(Run& run);
 void TakeSolverVectors(Run& run);
 
 /// One function table (rows 25 to 29): points per function, then (argument, value) pairs.
-void TakeFunctionTable(Run& run, const char* name, std::int32_t functions, std::int32_t points, Word& countsAt,
-                       Word& tableAt);
+void TakeFunctionTable(Run& run, const char* name, std::int32_t functions, std::int32_t points,
+                       Word& countsAt, Word& tableAt);
 
 /// The report of sizes on the listing.
 void WriteSizeReport(Run& run);

@@ -11,13 +11,13 @@ namespace zurt {
 constexpr int kNameLength = 20;
 
 struct Units {
-    TextUnit listing;     // 3
-    TextUnit console;     // 6
-    TextUnit graphics;    // 18
-    TextUnit massX;       // 57
-    TextUnit massY;       // 0: no number is ever assigned to it
-    TextUnit massZ;       // 59
-    TextUnit messages;    // 62, MESSAGES.LST
+    TextUnit listing;                  // 3
+    TextUnit console;                  // 6
+    TextUnit graphics;                 // 18
+    TextUnit massX;                    // 57
+    TextUnit massY;                    // 0: no number is ever assigned to it
+    TextUnit massZ;                    // 59
+    TextUnit messages;                 // 62, MESSAGES.LST
     std::FILE* consoleInput = nullptr; // 5
     std::FILE* scratch15 = nullptr;    // opened, never used
     std::FILE* restart19 = nullptr;    // "ZITEMP": opened, never written, never read

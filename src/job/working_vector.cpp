@@ -18,7 +18,8 @@ namespace {
 // Sizes from a deck are products of two 32-bit counts; beyond this a sum of them could overflow.
 constexpr Word kLargestLMAX = Word{1} << 60;
 
-void AllowWords([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] Word first, [[maybe_unused]] Word end) {
+void AllowWords([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] Word first,
+                [[maybe_unused]] Word end) {
 #ifdef ZURT_SANITIZE
     const Word last = std::min(end, A.NTOTA + 1);
     if (last > first)
@@ -35,8 +36,8 @@ void ForbidWordsFrom([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] W
 
 void RequireWithin(const WorkingVector& A, Word first, Word n) {
     if (n > 0 && (first < 1 || first + n - 1 > A.NTOTA))
-        StopWithLibraryError("a section of the working vector lies outside it: word " + std::to_string(first) +
-                             ", length " + std::to_string(n));
+        StopWithLibraryError("a section of the working vector lies outside it: word " +
+                             std::to_string(first) + ", length " + std::to_string(n));
 }
 
 } // namespace

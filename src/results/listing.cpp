@@ -32,7 +32,8 @@ void WriteConcentrations(Run& run) {
         Write(listing, "(A)", " CVOR  TEMPERATURA CVOR  TEMPERATURA CVOR  TEMPERATURA CVOR  TEMPERATURA");
     } else {
         Write(listing, "(A/)", "                 N O D A L    C O N C E N T R A T I O N S");
-        Write(listing, "(' NODE  CONCENTRAT',4X,'NODE  CONCENTRAT',3X,'NODE  CONCENTRAT',2X,' NODE CONCENTRAT')");
+        Write(listing,
+              "(' NODE  CONCENTRAT',4X,'NODE  CONCENTRAT',3X,'NODE  CONCENTRAT',2X,' NODE CONCENTRAT')");
     }
     const RealArray values = NodalValues(run);
     SetNegligibleToZero(values);

@@ -16,7 +16,7 @@ constexpr std::int32_t kParabolicBrick = 116;
 // Columns of the connectivity in the order of the file: the face t = -1 first, its normal towards t = +1; the
 // parabolic brick goes round each face, corners and mid-sides in turn, with the four upright edges in between.
 constexpr std::int32_t kLinearOrder[8] = {5, 6, 7, 8, 1, 2, 3, 4};
-constexpr std::int32_t kParabolicOrder[20] = {5,  13, 6,  14, 7, 15, 8, 16, 17, 18,
+constexpr std::int32_t kParabolicOrder[20] = {5,  13, 6, 14, 7, 15, 8, 16, 17, 18,
                                               19, 20, 1, 9,  2, 10, 3, 11, 4,  12};
 
 std::int32_t LabelsBefore(const Run& run, const ElementGroup& group) {

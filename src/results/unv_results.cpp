@@ -11,12 +11,14 @@ namespace {
 
 struct DatasetHead {
     const char* name;
-    const char* constants; // model type, analysis type, data characteristic, specific data type, data type, components
+    const char*
+        constants; // model type, analysis type, data characteristic, specific data type, data type, components
 };
 
 constexpr DatasetHead kConcentrations = {"CVORNE KONCENTRACIJE",
                                          "         2         1         1         5         2         1"};
-constexpr DatasetHead kMassFlux = {"MASS FLUX", "         2         1         1         7         2         1"};
+constexpr DatasetHead kMassFlux = {"MASS FLUX",
+                                   "         2         1         1         7         2         1"};
 constexpr DatasetHead kMassFluxPerSurface = {"MASS FLUX PER UNIT TIME AND SURFACE",
                                              "         2         1         1         9         2         1"};
 constexpr DatasetHead kCoefficients = {"DIFFUSION COEFFICIENT",

@@ -12,9 +12,9 @@ constexpr double kSmallestNorm = 1e-10;
 constexpr double kTOLABS = 1e-8;
 
 struct IterationReport {
-    double ratio = 0.0;          // increment over the step's reference
+    double ratio = 0.0;           // increment over the step's reference
     double ratioToSolution = 0.0; // increment over the solution
-    bool belowAbsolute = false;  // converged by TOLABS alone
+    bool belowAbsolute = false;   // converged by TOLABS alone
 };
 
 bool FitRunIsSilent(const Run& run) {
@@ -24,7 +24,8 @@ bool FitRunIsSilent(const Run& run) {
 void WriteAbsoluteToleranceMessage(Run& run) {
     TextUnit& messages = run.units.messages;
     const RunState& state = run.control.state;
-    Write(messages, "(A,A)", " CONVERGENCE REACHED FOR INCREMENT SMALLER", " THAN NUMERICAL TOLERANCE IN ZUR-T  ");
+    Write(messages, "(A,A)", " CONVERGENCE REACHED FOR INCREMENT SMALLER",
+          " THAN NUMERICAL TOLERANCE IN ZUR-T  ");
     Write(messages, "(A,1PE12.5)", " TIME=", state.TIME);
     Write(messages, "(A,I10)", " STEP NO. =", state.KOR);
     Write(messages, "(A,I5)", " ITERATION NO. =", state.ITER);
@@ -78,7 +79,8 @@ bool IncrementIsSmall(const HeaderFields& header, double increment, double ratio
 
 } // namespace
 
-IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray reference, ConstRealArray solution) {
+IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray reference,
+                                     ConstRealArray solution) {
     double sumIncrement = 0.0, sumReference = 0.0, sumSolution = 0.0;
     for (Word i = 1; i <= increment.length; ++i) {
         sumIncrement += increment(i) * increment(i);

@@ -13,7 +13,8 @@ struct IterationNorms {
 };
 
 /// One sweep over 1..n: square roots of sums of squares.
-IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray reference, ConstRealArray solution);
+IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray reference,
+                                     ConstRealArray solution);
 
 /// Tests the increment of iteration state.ITER (RHS after the solve) against the tolerances, reports on the console
 /// and, in steps that are going to be printed, on the listing. Returns ConvergedFlag. `reference` is StepIncrement

@@ -42,7 +42,8 @@ void SolveSystem(Run& run) {
 
 // The increments add up over the step and the solution is the start value plus their sum.
 void UpdateBySum(Run& run) {
-    const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run), T0 = StepStart(run);
+    const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run),
+                    T0 = StepStart(run);
     const bool first = run.control.state.ITER == 0;
     for (Word i = 1; i <= R.length; ++i) {
         DT(i) = first ? R(i) : DT(i) + R(i);
@@ -52,7 +53,8 @@ void UpdateBySum(Run& run) {
 
 // The first solve gives the solution itself, later ones its corrections.
 void UpdateByCorrection(Run& run) {
-    const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run), T0 = StepStart(run);
+    const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run),
+                    T0 = StepStart(run);
     const bool first = run.control.state.ITER == 0;
     for (Word i = 1; i <= R.length; ++i) {
         T(i) = first ? R(i) : T(i) + R(i);
@@ -71,18 +73,22 @@ void UpdateSolution(Run& run) {
 void WriteIterationLimitToListing(Run& run, double EPST) {
     TextUnit& unit = MessageUnit(run);
     const RunState& state = run.control.state;
-    Write(unit, "(//A)", Say(run, " DOSTIGNUT MAKSIMALAN BROJ ITERACIJA", " MAXIMUM NUMBER OF ITERATION ACHIEVED"));
+    Write(unit, "(//A)",
+          Say(run, " DOSTIGNUT MAKSIMALAN BROJ ITERACIJA", " MAXIMUM NUMBER OF ITERATION ACHIEVED"));
     Write(unit, "(A,I5)", Say(run, "KORAK BROJ =", " STEP NO. ="), state.KOR);
     Write(unit, "(A,I5)", Say(run, "BROJ ITERACIJA, ITER =", " NUMBER OF ITERATION, ITER ="), state.ITER);
     if (state.Language == kSerbian) {
-        Write(unit, "(A,A,1PE12.5)", "DOZV. GRESKA U ODNOSU NA ", "POCETNI PRIRASTAJ TEMP. U KORAKU (%), EPST =", EPST);
+        Write(unit, "(A,A,1PE12.5)", "DOZV. GRESKA U ODNOSU NA ",
+              "POCETNI PRIRASTAJ TEMP. U KORAKU (%), EPST =", EPST);
     } else {
         Write(unit, "(A,A)", " ALLOWED ERROR IN REGARD TO", " INITIAL INCREASE OF TEMPERATURE WITHIN STEP,");
         Write(unit, "(A,1PE12.5)", " (%) EPST =", EPST);
     }
-    Write(unit, "(A,1PE12.5)", Say(run, "REFERENTNA VREDNOST, TREF =", " REF. VALUE, TREF ="), state.ReferenceNorm);
+    Write(unit, "(A,1PE12.5)", Say(run, "REFERENTNA VREDNOST, TREF =", " REF. VALUE, TREF ="),
+          state.ReferenceNorm);
     Write(unit, "(A,A,1PE12.5)", Say(run, "DOSTIGNUTA VREDNOST ", " ACHIEVED VELUE OF "),
-          Say(run, "MODULA PRIRASTAJA TEMP., DTMOD =", "TEMPERATURE INCREASE MODULE, DTMOD ="), state.IncrementNorm);
+          Say(run, "MODULA PRIRASTAJA TEMP., DTMOD =", "TEMPERATURE INCREASE MODULE, DTMOD ="),
+          state.IncrementNorm);
 }
 
 void WriteIterationLimitToMessages(Run& run, double EPST) {
@@ -94,7 +100,8 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
     Write(unit, "(A,I5)", " STEP NO. =", state.KOR);
     Write(unit, "(A,I5)", " NUMBER OF ITERATIONS, ITER =", state.ITER);
     Write(unit, "(A,1PE12.5)", " CURRENT REFERENCE CONCENTRATION, CREFFERENCE=", state.ReferenceNorm);
-    Write(unit, "(A,A,1PE12.5)", " ALLOWED PERCENTAGE ERROR WITH RESPECT TO CREFFERENCE,", " ERRORPERCENT =", EPST);
+    Write(unit, "(A,A,1PE12.5)", " ALLOWED PERCENTAGE ERROR WITH RESPECT TO CREFFERENCE,",
+          " ERRORPERCENT =", EPST);
     Write(unit, "(A,1PE12.5/)", " UNBALANCED RIGHT-HAND SIDE, UNBALANCE =", state.IncrementNorm);
     Write(unit, "(A)", " Use smaller time step, or");
     Write(unit, "(A,A)", " Refine the mesh (particularly in regions of high gradients),", " or");
@@ -120,7 +127,8 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
 void StopIfEndless(const Run& run) {
     const RunState& state = run.control.state;
     if (run.control.header.MAXIT < 0 && (!std::isfinite(state.IncrementNorm) || state.ITER == kLastIteration))
-        StopWithLibraryError("step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER) +
+        StopWithLibraryError("step " + std::to_string(state.KOR) + ", iteration " +
+                             std::to_string(state.ITER) +
                              ": no equilibrium will be found, and MAXIT is negative");
 }
 

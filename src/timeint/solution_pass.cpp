@@ -40,8 +40,8 @@ void FillNodalValues(Run& run) {
     const Word NZADC = control.counts.NZADC;
     const RealArray prescribedValues = RealSection(run.A, control.at.LZAD2, NZADC);
     const IntArray prescribedNodes = IntSection(run.A, control.at.LPRES, NZADC);
-    ExpandToNodes(EquationNumbers(run), NodalValues(run), StepSolution(run), prescribedValues, prescribedNodes,
-                  control.state.OutletEnd);
+    ExpandToNodes(EquationNumbers(run), NodalValues(run), StepSolution(run), prescribedValues,
+                  prescribedNodes, control.state.OutletEnd);
     // In a linear problem the solution is taken over only now: nodal values show the step before.
     if (control.state.NonlinearFlag != 1)
         Copy<double>(RightHandSide(run), StepSolution(run));
@@ -63,7 +63,8 @@ void WriteGraphicsStep(Run& run) {
     if (IGRAF <= 0 || (state.GraphicsCounter != IGRAF && state.KOR != state.NDT))
         return;
     ++state.GraphicsWritten;
-    if ((state.GraphicsWritten <= state.GraphicsLimit || state.KOR == state.NDT) && state.GraphicsEnabled == 1)
+    if ((state.GraphicsWritten <= state.GraphicsLimit || state.KOR == state.NDT) &&
+        state.GraphicsEnabled == 1)
         WriteUnvResults(run);
     state.GraphicsCounter = 0;
 }
@@ -89,7 +90,8 @@ void EndStep(Run& run) {
     ++state.GraphicsCounter;
     FillNodalValues(run);
     EvaluateNodalResults(run);
-    SaveStep(state.KOR, state.TIME, StepSolution(run), run.control.header.NCZK, state.NCZZ, run.units.stepFile);
+    SaveStep(state.KOR, state.TIME, StepSolution(run), run.control.header.NCZK, state.NCZZ,
+             run.units.stepFile);
     WriteGraphicsStep(run);
     WriteListingStep(run);
     FlushUnits(run);
@@ -97,8 +99,8 @@ void EndStep(Run& run) {
 
 } // namespace
 
-void ExpandToNodes(ConstIntArray ID, RealArray nodalValues, ConstRealArray solution, ConstRealArray prescribedValues,
-                   ConstIntArray prescribedNodes, double defaultValue) {
+void ExpandToNodes(ConstIntArray ID, RealArray nodalValues, ConstRealArray solution,
+                   ConstRealArray prescribedValues, ConstIntArray prescribedNodes, double defaultValue) {
     for (Word i = 1; i <= ID.length; ++i)
         nodalValues(i) = ID(i) > 0 ? solution(ID(i)) : (ID(i) == 0 ? defaultValue : 0.0);
     for (Word k = prescribedNodes.length; k >= 1; --k) { // downward: the first match wins

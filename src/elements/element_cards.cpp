@@ -1,0 +1,248 @@
+#include "elements/element_cards.h"
+
+#include "core/stop.h"
+#include "elements/group_views.h"
+
+#include <limits>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+// Source and print fields before any card has given a value.
+constexpr std::int32_t kNoneBefore = -1;
+
+// The group while its cards are read: the card in hand, the element being made, and what the element before had.
+struct ElementReader {
+    Run& run;
+    const ElementGroup& group;
+    const FamilyCards& family;
+    IntTable NEL;
+    IntArray materials, sources, valueFlags, coordinateFlags; // empty when absent
+    bool echo = false;
+    ElementCard card{};
+    std::int32_t number = 0;              // of the element being made
+    std::int32_t nodes[kMaxColumns] = {}; // and its nodes
+    Word count = 0;                       // elements made
+    std::int32_t previousMaterial = 1;
+    std::int32_t previousSource = kNoneBefore;
+    std::int32_t previousValueFlag = kNoneBefore;
+    std::int32_t previousCoordinateFlag = kNoneBefore;
+};
+
+// --- checks -------------------------------------------------------------------------------------------------------
+
+[[noreturn]] void StopOnElementNumber(ElementReader& reader, Word number) {
+    Run& run = reader.run;
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(3A)", Say(run, " GRESKA U ULAZNIM PODACIMA ZA GRUPU ", " ERROR IN INPUT DATA FOR "),
+          reader.family.name, Say(run, " ELEMENATA:", " ELEMENT GROUP:"));
+    Write(unit, "(A)",
+          Say(run, " UCITANI BROJ ELEMENTA JE VECI OD UKUPNOG BROJA U GRUPI",
+              " INPUT ELEMENT NUMBER IS GREATER THANTHE TOTAL NUMBER WITHIN THE GROUP"));
+    Write(unit, "(A,I8)", Say(run, " UCITANI BROJ ELEMENTA  NN=", " INPUT ELEMENT NUMBER  NN="), number);
+    Write(
+        unit, "(A,I8)",
+        Say(run, " UKUPAN BROJ ELEMENATA U GRUPI, NET=", " TOTAL NUMBER OF ELEMENTS WITHIN THE GROUP, NET="),
+        reader.group.NET);
+    Write(unit, "(A)", " S T O P");
+    StopRun();
+}
+
+void CheckElementNumber(ElementReader& reader, Word number) {
+    if (number < 1)
+        DeckError(reader.run.deck, reader.family.elementCard.group, "NN", std::to_string(number),
+                  "element numbers begin with 1");
+    if (number > reader.group.NET)
+        StopOnElementNumber(reader, number);
+}
+
+// `what` says which number is wrong; the card may be one that this element was generated from.
+[[noreturn]] void ReportElementField(const ElementReader& reader, const CardLayout& layout,
+                                     const std::string& field, Word found, const std::string& reason) {
+    std::string element = "element " + std::to_string(reader.number);
+    if (reader.number != reader.card.NN)
+        element += ", generated from the card of element " + std::to_string(reader.card.NN);
+    DeckError(reader.run.deck, layout.group, field.c_str(), std::to_string(found), element + ": " + reason);
+}
+
+void CheckNode(const ElementReader& reader, int column, Word node) {
+    const FamilyCards& family = reader.family;
+    const std::int32_t NP = reader.run.control.header.NP;
+    const bool corner = column < family.corners;
+    if (node <= NP && (node >= 1 || (node == 0 && !corner)))
+        return;
+    ReportElementField(
+        reader, corner ? family.elementCard : family.midSideCard, "node " + std::to_string(column + 1), node,
+        "node numbers lie between " + std::string(corner ? "1" : "0") + " and " + std::to_string(NP));
+}
+
+// --- field rules --------------------------------------------------------------------------------------------------
+
+// The element's material; the arrays of absent fields are empty.
+std::int32_t ElementMaterial(ElementReader& reader) {
+    Run& run = reader.run;
+    const std::int32_t NMATT = run.control.header.NMATT;
+    const std::int32_t field = reader.card.MAT;
+    if (run.control.header.NDS != 0) {
+        if (field < 0)
+            ReportElementField(reader, reader.family.elementCard, "MAT", field,
+                               "a material number can't be negative");
+        const std::int32_t material = field == 0 ? reader.group.MATDD : field;
+        if (material > NMATT)
+            StopOnMaterial(run, reader.family.elementMaterial, material);
+        return material;
+    }
+    if (NMATT == 1)
+        return 1;
+    if (reader.group.NMAT < 2)
+        return reader.group.MAT;
+    return field == 0 ? reader.previousMaterial : field;
+}
+
+// A field that is stored per element: 0 takes the value before, a negative value counts as 0 but is carried on.
+std::int32_t CarriedField(std::int32_t field, std::int32_t& previous) {
+    if (field != 0)
+        previous = field;
+    return previous < 0 ? 0 : previous;
+}
+
+struct ElementFields {
+    std::int32_t material, source, valueFlag, coordinateFlag;
+};
+
+ElementFields ResolveFields(ElementReader& reader) {
+    const ElementGroup& group = reader.group;
+    const ElementCard& card = reader.card;
+    ElementFields fields{};
+    fields.material = ElementMaterial(reader);
+    reader.previousMaterial = fields.material;
+    fields.source = group.hasSources ? CarriedField(card.ISRC, reader.previousSource) : 0;
+    fields.valueFlag = group.hasValueFlags ? CarriedField(card.IPT, reader.previousValueFlag) : group.IPRTG;
+    fields.coordinateFlag =
+        group.hasCoordinateFlags ? CarriedField(card.IPC, reader.previousCoordinateFlag) : group.IPRDC;
+    return fields;
+}
+
+// --- storing and echo ---------------------------------------------------------------------------------------------
+
+void StoreElement(ElementReader& reader, const ElementFields& fields) {
+    const Word n = reader.number;
+    for (int column = 0; column < reader.group.NDMAX; ++column) {
+        CheckNode(reader, column, reader.nodes[column]);
+        reader.NEL(n, column + 1) = reader.nodes[column];
+    }
+    if (reader.group.hasMaterials)
+        reader.materials(n) = fields.material;
+    if (reader.group.hasSources)
+        reader.sources(n) = fields.source;
+    if (reader.group.hasValueFlags)
+        reader.valueFlags(n) = fields.valueFlag;
+    if (reader.group.hasCoordinateFlags)
+        reader.coordinateFlags(n) = fields.coordinateFlag;
+}
+
+void EchoTableHead(ElementReader& reader) {
+    Run& run = reader.run;
+    const FamilyCards& family = reader.family;
+    TextUnit& listing = run.units.listing;
+    Write(listing, "(///6X,A/)", Say(run, family.tableTitle.serbian, family.tableTitle.english));
+    Write(listing, *family.tableHead, " ELEMENT ", Say(run, "CVOROVI", " NODES "),
+          Say(run, "MAT. IZV. KOO. KONC.", "MAT. SOU. COO. CONC."));
+}
+
+void EchoElement(ElementReader& reader, const ElementFields& fields) {
+    TextUnit& listing = reader.run.units.listing;
+    const FamilyCards& family = reader.family;
+    Write(listing, *family.tableRow, reader.number, IntArray(reader.nodes, family.corners), fields.material,
+          fields.source, fields.coordinateFlag, fields.valueFlag);
+    if (reader.group.NDMAX > family.corners)
+        Write(listing, *family.tableMidSides,
+              IntArray(reader.nodes + family.corners, reader.group.NDMAX - family.corners));
+}
+
+// --- one card and the elements made from it -----------------------------------------------------------------------
+
+void ReadMidSideCard(ElementReader& reader) {
+    ReadCardFields(reader.run.deck, reader.run.control.header.INDFOR, reader.family.midSideCard,
+                   &reader.card);
+    for (int column = reader.family.corners; column < reader.group.NDMAX; ++column)
+        reader.nodes[column] = reader.card.nodes[column];
+}
+
+void MakeElement(ElementReader& reader) {
+    const ElementFields fields = ResolveFields(reader);
+    if (reader.number == reader.card.NN && reader.group.NDMAX > reader.family.corners)
+        ReadMidSideCard(reader);
+    StoreElement(reader, fields);
+    if (reader.echo)
+        EchoElement(reader, fields);
+    ++reader.count;
+}
+
+// The next element of a generated run: KG on every node number, an absent mid-side node stays absent.
+void StepToNextElement(ElementReader& reader) {
+    ++reader.number;
+    CheckElementNumber(reader, reader.number);
+    for (int column = 0; column < reader.group.NDMAX; ++column) {
+        if (reader.nodes[column] == 0)
+            continue;
+        const Word node = Word{reader.nodes[column]} + reader.card.KG;
+        CheckNode(reader, column, node);
+        reader.nodes[column] = static_cast<std::int32_t>(node);
+    }
+}
+
+void ReadElementRun(ElementReader& reader) {
+    const ElementCard& card = reader.card;
+    ReadCardFields(reader.run.deck, reader.run.control.header.INDFOR, reader.family.elementCard,
+                   &reader.card);
+    CheckElementNumber(reader, card.NN);
+    reader.number = card.NN;
+    for (int column = 0; column < reader.family.corners; ++column)
+        reader.nodes[column] = card.nodes[column];
+    MakeElement(reader);
+    if (card.KG == 0 && card.KGEN == 0)
+        return;
+    const Word last = Word{card.NN} + card.KGEN;
+    while (reader.count < reader.group.NET && reader.number < last) {
+        StepToNextElement(reader);
+        MakeElement(reader);
+    }
+}
+
+} // namespace
+
+void StopOnMaterial(Run& run, const TwinText& label, std::int32_t material) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(A)", Say(run, " G R E S K A", " E R R O R"));
+    Write(unit, "(A)",
+          Say(run, "BROJ MATERIJALA JE VECI OD UKUPNOG BROJA MATERIJALA",
+              "MATERIAL NUMBER IS GREATER THAN THE TOTAL NUMBER OF MATERIALS"));
+    Write(unit, "(A,I5)", Say(run, label.serbian, label.english), material);
+    Write(unit, "(A,I5)",
+          Say(run, "   UKUPAN BROJ MATERIJALA, NMATT=", "   TOTAL NUMBER OF MATERIALS, NMATT="),
+          run.control.header.NMATT);
+    Write(unit, "(A)", "   S T O P");
+    StopRun();
+}
+
+void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& family) {
+    const Word NET = group.NET;
+    ElementReader reader{run,
+                         group,
+                         family,
+                         Connectivity(run, group),
+                         ElementMaterials(run, group),
+                         ElementSources(run, group),
+                         IntSection(run.A, group.LIPT, group.hasValueFlags ? NET : 0),
+                         IntSection(run.A, group.LIPC, group.hasCoordinateFlags ? NET : 0)};
+    reader.echo = EchoInput(run) && IsOpen(run.units.listing);
+    if (EchoInput(run))
+        EchoTableHead(reader);
+    while (reader.count < NET)
+        ReadElementRun(reader);
+}
+
+} // namespace zurt

@@ -1,0 +1,18 @@
+// The element cards of a group of the isoparametric families: numbers, generation, field rules, echo.
+//
+// Called by ReadIsoparametricGroup alone, with the group's data block laid out and cleared.
+#pragma once
+
+#include "elements/family_cards.h"
+#include "job/run.h"
+
+namespace zurt {
+
+/// Reads cards until as many elements as the group has have been read or generated; a group of 0 elements has no
+/// cards. A card writes into the row of its number; numbers may repeat and leave gaps, only the count ends the reading.
+void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& family);
+
+/// Ends the run with the message of a material number above NMATT; `label` is the family's text for the number.
+[[noreturn]] void StopOnMaterial(Run& run, const TwinText& label, std::int32_t material);
+
+} // namespace zurt

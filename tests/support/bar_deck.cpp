@@ -1,0 +1,233 @@
+#include "support/bar_deck.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace zurt_test {
+
+namespace {
+
+// Grid of node places: corners only, or corners and edge middles (twice as fine, places with two odd indices empty).
+struct Grid {
+    int stride; // grid steps to an element
+    int mx, my, mz;
+    std::vector<int> number; // 0: no node there
+};
+
+std::string Print(const char* format, ...) {
+    char text[256];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+int& NumberAt(Grid& grid, int i, int j, int k) {
+    return grid.number[static_cast<std::size_t>((k * grid.my + j) * grid.mx + i)];
+}
+
+Grid MakeGrid(const BarDeck& bar) {
+    const int stride = bar.nodes == 20 ? 2 : 1;
+    Grid grid{stride, bar.nx * stride + 1, bar.ny * stride + 1, bar.nz * stride + 1, {}};
+    grid.number.assign(static_cast<std::size_t>(grid.mx) * grid.my * grid.mz, 0);
+    int next = 0;
+    for (int k = 0; k < grid.mz; ++k)
+        for (int j = 0; j < grid.my; ++j)
+            for (int i = 0; i < grid.mx; ++i)
+                if (stride == 1 || i % 2 + j % 2 + k % 2 <= 1)
+                    NumberAt(grid, i, j, k) = ++next;
+    return grid;
+}
+
+struct Writer {
+    const BarDeck& bar;
+    std::string text;
+
+    void Integers(const std::vector<int>& values, const std::vector<int>& widths = {}) {
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const int width = i < widths.size() ? widths[i] : (widths.empty() ? 5 : widths.back());
+            text += bar.fixedFormat ? Print("%*d", width, values[i]) : Print("%d ", values[i]);
+        }
+        text += '\n';
+    }
+    void Reals(const std::vector<double>& values, int width, int digits) {
+        for (double value : values)
+            text += bar.fixedFormat ? Print("%*.*e", width, digits, value) : Print("%.17g ", value);
+        text += '\n';
+    }
+    void Node(int number, int indicator, double x, double y, double z, int step) {
+        if (bar.fixedFormat)
+            text += Print("%10d%5d     %15.8e%15.8e%15.8e%15.8e%5d\n", number, indicator, x, y, z, 0.0, step);
+        else
+            text += Print("%d %d %.17g %.17g %.17g 0.0 %d\n", number, indicator, x, y, z, step);
+    }
+};
+
+void WriteNodes(Writer& writer, Grid& grid) {
+    const BarDeck& bar = writer.bar;
+    const double dx = bar.length / (bar.nx * grid.stride);
+    const double dy = (bar.width > 0.0 ? bar.width : bar.length / bar.nx) / grid.stride;
+    for (int k = 0; k < grid.mz; ++k)
+        for (int j = 0; j < grid.my; ++j) {
+            const int last = grid.mx - 1;
+            const bool run = bar.generate && grid.stride == 1 && last >= 3;
+            for (int i = 0; i <= last; ++i) {
+                const int number = NumberAt(grid, i, j, k);
+                if (number == 0 || (run && i > 1 && i < last - 1))
+                    continue;
+                const bool held = bar.hold && (i == 0 || i == last);
+                writer.Node(number, held ? 1 : 0, i * dx, j * dy, k * dy, run && i == 1 ? 1 : 0);
+            }
+        }
+}
+
+// Corners and then mid-sides of the brick whose low corner stands at (i, j, k), all in grid steps.
+std::vector<int> ElementNodes(Grid& grid, int i, int j, int k) {
+    static const int corner[8][3] = {{1, 1, 1}, {0, 1, 1}, {0, 0, 1}, {1, 0, 1},
+                                     {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {1, 0, 0}};
+    static const int ends[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
+                                    {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
+    const int s = grid.stride;
+    std::vector<int> nodes;
+    for (const auto& c : corner)
+        nodes.push_back(NumberAt(grid, i + s * c[0], j + s * c[1], k + s * c[2]));
+    if (s == 2)
+        for (const auto& e : ends)
+            nodes.push_back(NumberAt(grid, i + corner[e[0]][0] + corner[e[1]][0],
+                                     j + corner[e[0]][1] + corner[e[1]][1],
+                                     k + corner[e[0]][2] + corner[e[1]][2]));
+    return nodes;
+}
+
+void WriteElement(Writer& writer, Grid& grid, int number, int i, int j, int k, int generated) {
+    std::vector<int> nodes = ElementNodes(grid, i * grid.stride, j * grid.stride, k * grid.stride);
+    std::vector<int> card = {number};
+    card.insert(card.end(), nodes.begin(), nodes.begin() + 8);
+    for (int field : {0, writer.bar.source ? 1 : 0, generated > 0 ? 1 : 0, generated, 0, 0})
+        card.push_back(field);
+    const std::vector<int> widths = {8, 8, 8, 8, 8, 8, 8, 8, 8, 3};
+    writer.Integers(card, widths);
+    if (grid.stride == 2) {
+        std::vector<int> middles(nodes.begin() + 8, nodes.end());
+        middles.push_back(0);
+        writer.Integers(middles, widths);
+    }
+}
+
+void WriteGroups(Writer& writer, Grid& grid) {
+    const BarDeck& bar = writer.bar;
+    for (int g = 0; g < bar.groups; ++g) {
+        const int from = bar.nx * g / bar.groups, to = bar.nx * (g + 1) / bar.groups;
+        writer.Integers({3, (to - from) * bar.ny * bar.nz, 0, bar.source ? 1 : 0, 0, 0}, {5, 10, 5});
+        if (bar.NDS == 0)
+            writer.Integers({1, 1, bar.nodes, 0, 0, 0, 0, 0});
+        else if (bar.fixedFormat)
+            writer.text += Print("%5d     %5d%5d%5d%5d%5d%5d\n", 1, bar.nodes, 0, 0, 0, 0, 0);
+        else
+            writer.Integers({1, bar.nodes, 0, 0, 0, 0, 0});
+        int number = 0;
+        for (int k = 0; k < bar.nz; ++k)
+            for (int j = 0; j < bar.ny; ++j) {
+                const int count = to - from;
+                const bool run = bar.generate && grid.stride == 1 && count > 1 && count <= 1000;
+                for (int i = from; i < to; i += run ? count : 1) {
+                    WriteElement(writer, grid, number + 1, i, j, k, run ? count - 1 : 0);
+                    number += run ? count : 1;
+                }
+            }
+    }
+}
+
+// The cards of diffusion curves are always taken by columns.
+void WriteDeviceMaterials(Writer& writer) {
+    const BarDeck& bar = writer.bar;
+    const int points = static_cast<int>(bar.diffusion.size());
+    writer.Integers({points, 0, 0, 0, 0, 0});
+    writer.text += Print("%5d%5d\n", 1, points);
+    for (const auto& [c, D] : bar.diffusion)
+        writer.text += Print("%20.10e%20.10e\n", c, D);
+    if (bar.NDS != 2)
+        writer.Integers({0, 0});
+}
+
+void WriteMaterials(Writer& writer) {
+    const BarDeck& bar = writer.bar;
+    const int points = static_cast<int>(bar.diffusion.size());
+    writer.Integers({0, 1, points, 0, 1, 1});
+    if (bar.fixedFormat)
+        writer.text +=
+            Print("%5d%5d%5d%10.1f%10.1f%10.1f%10.1f%10.1f%10.1f\n", 1, 0, 0, 1., 1., 1., 1., 1e6, -1e6);
+    else
+        writer.text += "1 0 0 1. 1. 1. 1. 1e6 -1e6\n";
+    writer.Integers({1, points});
+    for (const auto& [c, D] : bar.diffusion)
+        writer.Reals({c, D}, 20, 10);
+    writer.Integers({1, 1});
+    if (bar.fixedFormat)
+        writer.text += Print("%10.1f%10.4f\n", 0.0, bar.capacity);
+    else
+        writer.Reals({0.0, bar.capacity}, 0, 0);
+}
+
+void WriteBoundary(Writer& writer) {
+    const BarDeck& bar = writer.bar;
+    const int points = static_cast<int>(bar.sourceCurve.size());
+    writer.Integers({1, 0, 0, 0, 0, 0, 0, bar.source ? 1 : 0, bar.source ? points : 0, 0, 0});
+    if (bar.source) {
+        writer.Integers({1, points});
+        for (const auto& [t, Q] : bar.sourceCurve)
+            writer.Reals({t, Q}, 10, 3);
+    }
+    const bool nonlinear = bar.diffusion.size() > 1;
+    if (!bar.steady || nonlinear)
+        writer.Reals({bar.start}, 10, 3);
+}
+
+} // namespace
+
+int GridNode(const BarDeck& bar, int i, int j, int k) {
+    return (k * (bar.ny + 1) + j) * (bar.nx + 1) + i + 1;
+}
+
+std::string Build(const BarDeck& bar) {
+    Grid grid = MakeGrid(bar);
+    int NP = 0;
+    for (int number : grid.number)
+        NP = number > NP ? number : NP;
+    Writer writer{bar, ""};
+    writer.text = bar.title + "\n" + Print("%d %d 0 0\n", bar.fixedFormat ? 2 : 1, bar.NDS);
+    const int NPER = static_cast<int>(bar.periods.size());
+    writer.Integers({NP, bar.groups, 1, bar.steady ? 0 : 1, bar.steady ? 1 : NPER, bar.NPRINT, 0, bar.NULAZ,
+                     0, bar.IGRAF, 0},
+                    {10, 5});
+    if (bar.fixedFormat)
+        writer.text += Print("%5d%5d%5d%5d%10.2e%10.2e%5d%5d\n", bar.INTEB, 0, bar.IFORM, bar.MAXIT,
+                             bar.EPSTA, bar.EPSTR, bar.NJRAP, 0);
+    else
+        writer.text += Print("%d 0 %d %d %.17g %.17g %d 0\n", bar.INTEB, bar.IFORM, bar.MAXIT, bar.EPSTA,
+                             bar.EPSTR, bar.NJRAP);
+    writer.text += bar.fixedFormat ? Print("%5d%5d\n", bar.IREST, bar.NCZK)
+                                   : Print("%d %d 0 0. 0\n", bar.IREST, bar.NCZK);
+    if (!bar.steady) {
+        std::vector<int> steps;
+        std::vector<double> sizes;
+        for (const auto& [count, size] : bar.periods) {
+            steps.push_back(count);
+            sizes.push_back(size);
+        }
+        writer.Integers(steps, {10});
+        writer.Reals(sizes, 10, 3);
+    }
+    WriteNodes(writer, grid);
+    writer.text += bar.fixedFormat ? "\n\n" : "0 0 0 0 0 0. 0 0 0 0 0 0 0 0\n0. 0.\n";
+    WriteGroups(writer, grid);
+    if (bar.NDS == 0)
+        WriteMaterials(writer);
+    else
+        WriteDeviceMaterials(writer);
+    WriteBoundary(writer);
+    return writer.text + bar.end;
+}
+
+} // namespace zurt_test

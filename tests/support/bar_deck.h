@@ -1,0 +1,42 @@
+// Decks of rectangular blocks of bricks, in free or fixed format, with or without generation cards.
+#pragma once
+
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zurt_test {
+
+/// A block nx x ny x nz of bricks along x, both end faces x = 0 and x = length held (or free), uniform start.
+struct BarDeck {
+    int nx = 4, ny = 1, nz = 1;
+    double length = 1.0; // in x
+    double width = 0.0;  // element size in y and z; 0: as in x
+    bool fixedFormat = false;
+    bool generate = true;
+    int NDS = 0;
+    bool hold = true; // end faces have no equation
+    bool steady = false;
+    std::vector<std::pair<int, double>> periods = {{10, 0.01}}; // steps, size
+    double start = 1.0;
+    std::vector<std::pair<double, double>> diffusion = {{-1000.0, 1.0}, {1000.0, 1.0}};
+    double capacity = 1.0;
+    bool source = false; // uniform volume source by time (IZIP 1)
+    std::vector<std::pair<double, double>> sourceCurve = {{0.0, 1.0}};
+    int NPRINT = 1, NULAZ = 3, IGRAF = 1, IFORM = 0;
+    int INTEB = 1, MAXIT = 30, NJRAP = 1;
+    double EPSTA = 0.0, EPSTR = 1e-8;
+    int IREST = 1, NCZK = 0;
+    int groups = 1; // the block is cut along x into this many groups
+    int nodes = 8;  // 8 or 20 to an element
+    std::string title = "Block of bricks";
+    std::string end = "STOP\n";
+};
+
+std::string Build(const BarDeck& bar);
+
+/// Node number at grid position (i, j, k), from 0, of a block of 8-node bricks.
+int GridNode(const BarDeck& bar, int i, int j, int k);
+
+} // namespace zurt_test

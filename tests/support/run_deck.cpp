@@ -1,0 +1,156 @@
+#include "support/run_deck.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace zurt_test {
+
+namespace {
+
+struct TemporaryFolders {
+    std::vector<std::string> names;
+    ~TemporaryFolders() {
+        std::error_code ignored;
+        for (const std::string& name : names)
+            std::filesystem::remove_all(name, ignored);
+    }
+};
+
+void Redirect(const std::string& name, int flags, int descriptor) {
+    const int file = open(name.c_str(), flags, 0644);
+    if (file < 0)
+        _exit(126);
+    dup2(file, descriptor);
+    close(file);
+}
+
+int WaitFor(pid_t child, int secondsAllowed) {
+    using clock = std::chrono::steady_clock;
+    const auto end = clock::now() + std::chrono::seconds(secondsAllowed);
+    int status = 0;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (clock::now() > end) {
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            return -1;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+} // namespace
+
+std::string MakeTemporaryFolder() {
+    static TemporaryFolders folders;
+    std::string name = std::filesystem::temp_directory_path().string() + "/zurt-test-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr)
+        throw std::runtime_error("no temporary folder");
+    folders.names.push_back(name);
+    return name;
+}
+
+std::string ReadFile(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void WriteFile(const std::string& name, const std::string& text) {
+    std::ofstream(name, std::ios::binary) << text;
+}
+
+RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed) {
+    WriteFile(folder + "/answers", answers);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (chdir(folder.c_str()) != 0)
+            _exit(126);
+        Redirect("answers", O_RDONLY, 0);
+        Redirect("console", O_WRONLY | O_CREAT | O_TRUNC, 1);
+        Redirect("errors", O_WRONLY | O_CREAT | O_TRUNC, 2);
+        execl(ZURT_BINARY, "zurt", static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    RunResult result;
+    result.status = WaitFor(child, secondsAllowed);
+    result.folder = folder;
+    result.console = ReadFile(folder + "/console");
+    result.errors = ReadFile(folder + "/errors");
+    result.listing = ReadFile(folder + "/zurt.lst");
+    result.graphics = ReadFile(folder + "/zurt.unv");
+    result.messages = ReadFile(folder + "/MESSAGES.LST");
+    result.mass = ReadFile(folder + "/MASS-X.LST");
+    return result;
+}
+
+RunResult RunDeck(const std::string& deck, int secondsAllowed) {
+    const std::string folder = MakeTemporaryFolder();
+    WriteFile(folder + "/zurt.dat", deck);
+    return RunInFolder(folder, "\n\n\n", secondsAllowed);
+}
+
+std::vector<double> LastConcentrations(const std::string& listing) {
+    std::vector<double> values;
+    const std::size_t at = listing.rfind("N O D A L    C O N C E N T R A T I O N S");
+    const std::size_t end = listing.find("N O D A L   M A S S", at == std::string::npos ? 0 : at);
+    if (at == std::string::npos || end == std::string::npos)
+        return values;
+    std::istringstream rows(listing.substr(at, end - at));
+    std::string line;
+    for (int head = 0; head < 3; ++head)
+        std::getline(rows, line);
+    while (std::getline(rows, line)) {
+        std::istringstream items(line);
+        long node = 0;
+        double value = 0.0;
+        while (items >> node >> value)
+            values.push_back(value);
+    }
+    return values;
+}
+
+std::vector<double> LastUnvValues(const std::string& graphics, int which) {
+    static const char* const names[] = {"CVORNE KONCENTRACIJE\n", "MASS FLUX\n",
+                                        "MASS FLUX PER UNIT TIME AND SURFACE\n", "DIFFUSION COEFFICIENT\n"};
+    std::vector<double> values;
+    const std::size_t at = graphics.rfind(names[which - 1]);
+    if (at == std::string::npos)
+        return values;
+    std::istringstream rows(graphics.substr(at));
+    std::string line;
+    for (int head = 0; head < 7; ++head)
+        std::getline(rows, line);
+    while (std::getline(rows, line) && line != "    -1" && std::getline(rows, line)) {
+        for (char& c : line)
+            c = c == 'D' ? 'E' : c;
+        std::istringstream items(line);
+        double value = 0.0;
+        while (items >> value)
+            values.push_back(value);
+    }
+    return values;
+}
+
+std::string ResultsOfListing(const std::string& listing) {
+    const std::size_t at = listing.find(" S T E P  NUMBER =");
+    return at == std::string::npos ? "" : listing.substr(at);
+}
+
+int CountOf(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
+} // namespace zurt_test

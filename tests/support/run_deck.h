@@ -1,0 +1,41 @@
+// Runs the real binary on a deck in a folder of its own, through the console dialogue, and keeps all that it wrote.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zurt_test {
+
+struct RunResult {
+    int status = -1;     // exit status; 128 + signal when a signal ended the run; -1 after the time limit
+    std::string console; // standard output
+    std::string errors;  // standard error
+    std::string listing, graphics, messages, mass;
+    std::string folder;
+};
+
+/// A new empty folder under the system's temporary folder; removed when the test process ends.
+std::string MakeTemporaryFolder();
+
+std::string ReadFile(const std::string& name);
+void WriteFile(const std::string& name, const std::string& text);
+
+/// Runs the binary in `folder` with `answers` on its console input.
+RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed = 120);
+
+/// Puts the deck into a new folder as zurt.dat and runs it with the default names.
+RunResult RunDeck(const std::string& deck, int secondsAllowed = 120);
+
+/// Nodal concentrations of the last table of the listing, one a node.
+std::vector<double> LastConcentrations(const std::string& listing);
+
+/// Values of dataset `which` (1 to 4) of the last result step in the graphics file, `components` to a node.
+std::vector<double> LastUnvValues(const std::string& graphics, int which);
+
+/// The part of the listing from the first result table on.
+std::string ResultsOfListing(const std::string& listing);
+
+/// How often `part` stands in `text`.
+int CountOf(const std::string& text, const std::string& part);
+
+} // namespace zurt_test
