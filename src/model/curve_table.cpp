@@ -34,8 +34,8 @@ void EchoPairs(Run& run, const FunctionHeaderCard& header, ConstRealTable pairs)
 
 void ReadPoints(Run& run, const FunctionHeaderCard& header, RealTable pairs) {
     const Word row = 2 * Word{header.F};
-    FunctionPointCard point;
     for (Word p = 1; p <= header.N; ++p) {
+        FunctionPointCard point{pairs(row - 1, p), pairs(row, p)};
         ReadCardFields(run.deck, run.control.header.INDFOR, kFunctionPointCard, &point);
         pairs(row - 1, p) = point.ARGUMENT;
         pairs(row, p) = point.VALUE;

@@ -26,6 +26,12 @@ struct SpecificHeatHeaderCard {
     std::int32_t P = 0; // points
 };
 
+/// A point of either kind of curve.
+struct MaterialPointCard {
+    double ARGUMENT = 0.0;
+    double VALUE = 0.0;
+};
+
 extern const CardLayout kMaterialCard;
 extern const CardLayout kConductionHeaderCard;
 extern const CardLayout kConductionPointCard;
