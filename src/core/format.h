@@ -1,7 +1,8 @@
 // Writing and reading by edit descriptors.
 //
 // Every record of the program carries its format exactly as it is documented, for example
-// "(11X,I10,10X,I5,3(3X,D15.6))". A format is parsed once into a Format and then drives any number of records.
+// "(11X,I10,10X,I5,3(3X,D15.6))". A format is parsed once into a Format and then drives any number of records: one
+// that serves many statements is a constant of its own, a text handed to Write is parsed with every call.
 // The reference for every digit is a Fortran compiler; tests/data holds a table made with one.
 //
 // Descriptors: Iw, Iw.m, Fw.d, Ew.d, Ew.dEe, Dw.d, kP, A, Aw, nX, repeat counts, groups, '/', ':' and literals in

@@ -121,20 +121,18 @@ void AppendNonFinite(std::string& record, const EditDescriptor& item, double val
         place[-1] = '-';
 }
 
-/// Puts the parts right-justified. The zero ahead of a bare point is written only when the field has room for it.
+/// Puts the parts right-justified. The zero ahead of a bare point is written only when the field has room for it, or
+/// when there is no other digit.
 void AppendReal(std::string& record, int fieldWidth, bool negative, const RealParts& parts) {
-    int length =
-        (negative ? 1 : 0) + parts.beforeCount + 1 + parts.zeros + parts.afterCount + parts.exponentCount;
-    const bool bare = parts.beforeCount + parts.zeros + parts.afterCount == 0;
-    if (fieldWidth == 0 && bare)
-        ++length;
+    const int digits = parts.beforeCount + parts.zeros + parts.afterCount;
+    int length = (negative ? 1 : 0) + (digits == 0 ? 1 : digits) + 1 + parts.exponentCount;
     const int width = fieldWidth == 0 ? length : fieldWidth;
-    if (length > width || (bare && length + 1 > width && fieldWidth != 0)) {
+    if (length > width) {
         AppendField(record, width, '*');
         return;
     }
-    const bool leadingZero = parts.beforeCount == 0 && (length < width || (fieldWidth == 0 && bare));
-    if (leadingZero && !(fieldWidth == 0 && bare))
+    const bool leadingZero = digits == 0 || (parts.beforeCount == 0 && length < width);
+    if (leadingZero && digits != 0)
         ++length;
     char* place = AppendField(record, width, ' ') + (width - length);
     if (negative)

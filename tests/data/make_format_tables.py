@@ -3,7 +3,7 @@
 
     python3 make_format_tables.py [directory [seed]]     (default: the directory of this script and its seed)
 
-Cases are drawn from a generator with a fixed seed, handed to a small Fortran program, and come back with gfortran's
+Cases are drawn from a generator with a fixed seed, handed to make_format_tables.f90, and come back with gfortran's
 own text or value. The tables:
 
     format_write.tsv        format, values, |text|
@@ -12,9 +12,9 @@ own text or value. The tables:
 
 Values are i:DECIMAL, r:BITS (hexadecimal, of the double) or s:TEXT with '_' for a blank; '-' is a variable that was
 left alone. Line ends, tabs and carriage returns inside bars are \\n, \\t, \\r. The status is ok, eof, bad (no number)
-or range (overflow). Cases are left out where the program departs from gfortran on purpose: an exponent without a point under
-a format with decimals, an exponent of five digits in a fixed field (no number to gfortran, out of range here), and an
-r*c that gives both integers and reals.
+or range (overflow). Cases are left out where the program departs from gfortran on purpose: an exponent without a
+point under a format with decimals, an exponent of five digits in a fixed field (no number to gfortran, out of range
+here), and an r*c that gives both integers and reals.
 """
 
 import os
@@ -26,8 +26,6 @@ import sys
 import tempfile
 
 SEED = 20240229
-UNTOUCHED_INTEGER = -777777777
-UNTOUCHED_REAL = "FEDCBA9876543210"
 
 
 def bits(value):
@@ -170,141 +168,35 @@ def type_at(form, types, index):
 
 # --- the Fortran side ---------------------------------------------------------------------------------------------
 
-WRITER = """\
-program writer
-  implicit none
-  integer, parameter :: most = 64
-  integer :: status, count, k
-  integer(8) :: i(most)
-  real(8) :: r(most)
-  character(64) :: s(most)
-  integer :: n(most)
-  character(200) :: form, types
-  open (10, file='cases.txt', action='read')
-  open (20, file='texts.txt', action='write')
-  do
-    read (10, '(A)', iostat=status) form
-    if (status /= 0) exit
-    read (10, '(A)') types
-    count = len_trim(types)
-    do k = 1, count
-      select case (types(k:k))
-      case ('i'); read (10, *) i(k)
-      case ('r'); read (10, '(Z16)') r(k)
-      case default; read (10, '(I4,A)') n(k), s(k)
-      end select
-    end do
-    select case (types)
-%s
-    case default; stop 'unknown types'
-    end select
-    write (20, '(A,I0)') '@@@@', status
-  end do
-end program writer
-"""
-
-FIXED_READER = """\
-program fixed_reader
-  implicit none
-  integer :: status, k
-  integer :: i(64)
-  real(8) :: r(64)
-  integer(8) :: untouched
-  character(200) :: form, types, record, message
-  untouched = int(z'%s', 8)
-  open (10, file='cases.txt', action='read')
-  open (20, file='texts.txt', action='write')
-  do
-    read (10, '(A)', iostat=status) form
-    if (status /= 0) exit
-    read (10, '(A)') types
-    read (10, '(A)') record
-    i = %d
-    r = transfer(untouched, r(1))
-    message = ''
-    select case (types)
-%s
-    case default; stop 'unknown types'
-    end select
-    do k = 1, len_trim(types)
-      if (types(k:k) == 'i') then
-        write (20, '(I0)') i(k)
-      else
-        write (20, '(Z16.16)') r(k)
-      end if
-    end do
-    write (20, '(I0,1X,A)') status, trim(message)
-  end do
-end program fixed_reader
-"""
-
-LIST_READER = """\
-program list_reader
-  implicit none
-  integer :: status, k, lines, spot, length
-  integer :: i(64)
-  real(8) :: r(64)
-  integer(8) :: untouched
-  character(200) :: types, record, message
-  untouched = int(z'%s', 8)
-  open (10, file='cases.txt', action='read')
-  open (20, file='texts.txt', action='write')
-  do
-    read (10, '(A)', iostat=status) types
-    if (status /= 0) exit
-    read (10, *) lines
-    open (30, status='scratch', form='formatted')
-    do k = 1, lines
-      read (10, '(A)') record
-      length = len_trim(record)
-      do spot = 1, length
-        if (record(spot:spot) == '^') record(spot:spot) = char(9)
-        if (record(spot:spot) == '%%') record(spot:spot) = char(13)
-        if (record(spot:spot) == '_') record(spot:spot) = ' '
-      end do
-      write (30, '(A)') record(1:length)
-    end do
-    rewind (30)
-    i = %d
-    r = transfer(untouched, r(1))
-    message = ''
-    select case (types)
-%s
-    case default; stop 'unknown types'
-    end select
-    close (30)
-    do k = 1, len_trim(types)
-      if (types(k:k) == 'i') then
-        write (20, '(I0)') i(k)
-      else
-        write (20, '(Z16.16)') r(k)
-      end if
-    end do
-    write (20, '(I0,1X,A)') status, trim(message)
-  end do
-end program list_reader
-"""
-
-
 def branches(patterns, statement, target):
-    """One case per sequence of types, since a Fortran list of items is fixed when it is compiled."""
-    lines = []
+    """A select over the sequences of types, with one statement for each."""
+    lines = ["select case (types)"]
     for types in sorted(patterns):
-        items = ",&\n        ".join(target(kind, k + 1) for k, kind in enumerate(types))
-        lines.append("    case ('%s'); %s%s" % (types, statement, " &\n        " + items if items else ""))
-    return "\n".join(lines)
+        items = ",&\n    ".join(target(kind, k + 1) for k, kind in enumerate(types))
+        lines.append("case ('%s'); %s%s" % (types, statement, " &\n    " + items if items else ""))
+    return "\n".join(lines + ["case default; stop 'unknown types'", "end select", ""])
 
 
-def run_fortran(program, lines):
-    """Compiles and runs `program` on the case lines; returns the lines of its output."""
-    with tempfile.TemporaryDirectory() as place:
-        with open(os.path.join(place, "program.f90"), "w") as file:
-            file.write(program)
-        with open(os.path.join(place, "cases.txt"), "w", newline="") as file:
-            file.write("".join(line + "\n" for line in lines))
-        subprocess.run(["gfortran", "-O0", "-w", "-o", "program", "program.f90"], cwd=place, check=True)
-        subprocess.run(["./program"], cwd=place, check=True)
-        with open(os.path.join(place, "texts.txt"), newline="") as file:
+def write_target(kind, k):
+    return "s(%d)(1:n(%d))" % (k, k) if kind == "s" else "%s(%d)" % ("i8" if kind == "i" else kind, k)
+
+
+def read_target(kind, k):
+    return "%s(%d)" % (kind, k)
+
+
+def run_fortran(table, patterns, statement, target, lines):
+    """Compiles the program with the statements of one table and runs it on the case lines; returns its answers."""
+    source = os.path.join(os.path.dirname(os.path.abspath(__file__)), "make_format_tables.f90")
+    with tempfile.TemporaryDirectory() as directory:
+        for name in ("write", "fixed", "list"):
+            with open(os.path.join(directory, name + ".inc"), "w") as file:
+                file.write(branches(patterns, statement, target) if name == table else "status = 0\n")
+        with open(os.path.join(directory, "cases.txt"), "w", newline="") as file:
+            file.write("".join(line + "\n" for line in [table] + lines))
+        subprocess.run(["gfortran", "-O0", "-I", directory, "-o", "program", source], cwd=directory, check=True)
+        subprocess.run(["./program"], cwd=directory, check=True)
+        with open(os.path.join(directory, "answers.txt"), newline="") as file:
             return file.read().split("\n")[:-1]
 
 
@@ -324,13 +216,12 @@ def make_write_table(rng):
             cases[index] = (form, [v if v[0] == kind else draw(rng, kind) for v, kind in zip(values, kinds)])
     lines = []
     for form, values in cases:
-        lines += [form, "".join(kind for kind, _ in values)]
+        lines += ["".join(kind for kind, _ in values), form]
         for kind, content in values:
             lines.append("%d" % content if kind == "i" else bits(content) if kind == "r" else
                          "%4d%s" % (len(content), content))
     patterns = {"".join(kind for kind, _ in values) for _, values in cases}
-    target = lambda kind, k: "s(%d)(1:n(%d))" % (k, k) if kind == "s" else "%s(%d)" % (kind, k)
-    output = run_fortran(WRITER % branches(patterns, "write (20, form, iostat=status)", target), lines)
+    output = run_fortran("write", patterns, "write (20, form, iostat=status)", write_target, lines)
     rows, records = [], []
     for line in output:
         if not line.startswith("@@@@"):
@@ -508,13 +399,7 @@ def status_of(line):
 
 def results(output, types):
     """Takes the lines of one case off the output: its values and its status."""
-    shown_values = []
-    for kind in types:
-        line = output.pop(0)
-        if line in ("%d" % UNTOUCHED_INTEGER, UNTOUCHED_REAL):
-            shown_values.append("-")
-        else:
-            shown_values.append(("i:" if kind == "i" else "r:") + line)
+    shown_values = [output.pop(0) for _ in types]
     line = output.pop(0)
     failed = re.search(r"item (\d+)", line) if not line.startswith("0") else None
     if failed:  # what a failed item holds is nobody's promise
@@ -527,10 +412,9 @@ def results(output, types):
 
 def make_fixed_table(rng):
     cases = fixed_cases(rng)
-    lines = [line for form, types, record in cases for line in (form, types, record)]
-    target = lambda kind, k: "%s(%d)" % (kind, k)
-    body = branches({types for _, types, _ in cases}, "read (record, form, iostat=status, iomsg=message)", target)
-    output = run_fortran(FIXED_READER % (UNTOUCHED_REAL, UNTOUCHED_INTEGER, body), lines)
+    lines = [line for form, types, record in cases for line in (types, form, record)]
+    patterns = {types for _, types, _ in cases}
+    output = run_fortran("fixed", patterns, "read (record, form, iostat=status, iomsg=message)", read_target, lines)
     return ["%s\t|%s|\t%s\t%s" % ((form, record) + results(output, types)) for form, types, record in cases]
 
 
@@ -540,9 +424,8 @@ def make_list_table(rng):
     for types, text in cases:
         records = text.split("\n")
         lines += [types, "%d" % len(records)] + [record.replace(" ", "_") for record in records]
-    target = lambda kind, k: "%s(%d)" % (kind, k)
-    body = branches({types for types, _ in cases}, "read (30, *, iostat=status, iomsg=message)", target)
-    output = run_fortran(LIST_READER % (UNTOUCHED_REAL, UNTOUCHED_INTEGER, body), lines)
+    patterns = {types for types, _ in cases}
+    output = run_fortran("list", patterns, "read (30, *, iostat=status, iomsg=message)", read_target, lines)
     shown_records = [text.replace("\n", "\\n").replace("^", "\\t").replace("%", "\\r") for _, text in cases]
     rows = [(types, records) + results(output, types) for (types, _), records in zip(cases, shown_records)]
     return ["%s\t|%s|\t%s\t%s" % row for row in rows if row[3] != "mixed"]

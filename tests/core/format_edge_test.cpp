@@ -1,0 +1,245 @@
+// What the tables made with a Fortran compiler can't show: units that are not open, damaged records, the places
+// where reading departs from Fortran on purpose, and the quick way to digits against the slow one.
+#include "core/format.h"
+#include "core/real_digits.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+
+namespace {
+
+using namespace zurt;
+
+/// Bytes on the heap without a spare byte behind them, so that a sanitizer sees one step too far.
+struct TightRecord {
+    std::unique_ptr<char[]> bytes;
+    std::string_view view;
+};
+
+TightRecord MakeTight(const std::string& text) {
+    TightRecord record;
+    record.bytes = std::make_unique<char[]>(text.size());
+    std::memcpy(record.bytes.get(), text.data(), text.size());
+    record.view = {record.bytes.get(), text.size()};
+    return record;
+}
+
+struct RealRead {
+    FieldStatus status;
+    double value;
+};
+
+RealRead ReadReal(std::string_view field, int decimals) {
+    RealRead read{FieldStatus::Good, -1.0};
+    read.status = ReadRealField(field, decimals, read.value);
+    return read;
+}
+
+// Formatting, or crashing on, output that nobody will see.
+TEST(FormatEdge, WritesToAUnitThatIsNotOpenAreDropped) {
+    TextUnit unit;
+    Write(unit, "(I5,/,D13.5)", 1, 2.0);
+    RecordWriter writer;
+    const Format format("(I5)");
+    BeginWrite(writer, unit, format);
+    for (int i = 0; i < 3; ++i)
+        Put(writer, i);
+    EndWrite(writer);
+    EXPECT_TRUE(writer.dropped);
+    EXPECT_TRUE(writer.record.empty());
+}
+
+// Records lost, doubled or left over when a writer serves one statement after another.
+TEST(FormatEdge, RecordsReachTheUnitInOrder) {
+    TextUnit unit;
+    std::FILE* stream = std::tmpfile();
+    ASSERT_NE(stream, nullptr);
+    AttachTextUnit(unit, stream, "scratch");
+    const Format format("(2I3,2X)");
+    double reals[2] = {0.5, -1.0};
+    RecordWriter writer;
+    for (const int first : {1, 4}) {
+        BeginWrite(writer, unit, format);
+        for (int i = 0; i < 3; ++i)
+            Put(writer, first + i);
+        EndWrite(writer);
+    }
+    Write(unit, "('x',2F5.1,1X,A)", RealArray(reals, 2), "end");
+    std::rewind(stream);
+    char text[200] = {};
+    const std::size_t size = std::fread(text, 1, sizeof text, stream);
+    EXPECT_EQ(std::string(text, size), "  1  2\n  3\n  4  5\n  6\nx  0.5 -1.0 end\n");
+    CloseTextUnit(unit);
+}
+
+// A slip in a format, or a value of the wrong kind, that goes unnoticed.
+TEST(FormatEdgeDeathTest, FaultsOfTheProgramAbort) {
+    EXPECT_DEATH(Format("(I5"), "closing parenthesis");
+    EXPECT_DEATH(Format("(Q5)"), "unknown descriptor");
+    EXPECT_DEATH(Format("(F10)"), "decimals missing");
+    EXPECT_DEATH(Format("('abc)"), "literal without an end");
+    EXPECT_DEATH(Format("(I5)x"), "behind the closing parenthesis");
+    EXPECT_DEATH(FormatText("(I5)", 1.0), "another kind");
+    EXPECT_DEATH(FormatText("('text')", 1), "takes none");
+    EXPECT_DEATH(FormatText("(I5,(' '))", 1, 2), "takes none");
+}
+
+// 1E3 under F10.2 read as 10, as Fortran has it: with an exponent and no point the number stands as written.
+TEST(FormatEdge, AnExponentWithoutAPointStandsAsWritten) {
+    EXPECT_EQ(ReadReal("       1E3", 2).value, 1000.0);
+    EXPECT_EQ(ReadReal("15-1", 6).value, 1.5);
+    EXPECT_EQ(ReadReal(" -25D0 ", 4).value, -25.0);
+    EXPECT_EQ(ReadReal("12 q 2", 1).value, 1200.0);
+    EXPECT_EQ(ReadReal("1500", 2).value, 15.0);
+    EXPECT_EQ(ReadReal("15.E1", 2).value, 150.0);
+}
+
+// The two other departures: an exponent of five digits is out of range, and r*c may give integers and reals.
+TEST(FormatEdge, DeparturesFromTheReferenceCompiler) {
+    EXPECT_EQ(ReadReal("1.0E10000", 0).status, FieldStatus::OutOfRange);
+    EXPECT_EQ(ReadReal("1.0E-99999999999", 0).status, FieldStatus::OutOfRange);
+    EXPECT_EQ(ReadReal("1.0E9999", 0).value, HUGE_VAL);
+    ListScanner scanner;
+    std::int32_t integer = 0;
+    double real = 0.0;
+    BeginList(scanner, "2*7 2*1.5");
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Value);
+    EXPECT_EQ(NextListReal(scanner, real), ListStatus::Value);
+    EXPECT_EQ(integer, 7);
+    EXPECT_EQ(real, 7.0);
+    EXPECT_EQ(NextListReal(scanner, real), ListStatus::Value);
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::NotANumber);
+    EXPECT_EQ(scanner.text, "1.5");
+    // a comma between two record ends is one separator of its own, and a further comma makes a null value
+    BeginList(scanner, "1");
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Value);
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::NeedRecord);
+    ContinueList(scanner, ",");
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::NeedRecord);
+    ContinueList(scanner, ",2");
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Null);
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Value);
+    EXPECT_EQ(integer, 2);
+}
+
+// A failure that names the wrong field, or a value changed behind it.
+TEST(FormatEdge, AFailureNamesItsFieldAndLeavesTheRestAlone) {
+    std::int32_t first = 0, second = -1, third = -1;
+    double real = -1.0;
+    const ReadFailure failure =
+        ReadFixed("   12 1.5   3x4    7", "(I5,F4.1,3X,I3,I5)", first, real, second, third);
+    EXPECT_EQ(failure.status, FieldStatus::NotANumber);
+    EXPECT_EQ(failure.item, 3);
+    EXPECT_EQ(failure.column, 13);
+    EXPECT_EQ(failure.text, "3x4");
+    EXPECT_EQ(first, 12);
+    EXPECT_EQ(real, 1.5);
+    EXPECT_EQ(second, -1);
+    EXPECT_EQ(third, -1);
+    ListScanner scanner;
+    BeginList(scanner, "1 ,2x,3");
+    EXPECT_EQ(NextListInteger(scanner, first), ListStatus::Value);
+    EXPECT_EQ(NextListInteger(scanner, first), ListStatus::NotANumber);
+    EXPECT_EQ(scanner.text, "2x");
+    EXPECT_EQ(scanner.itemColumn, 3u);
+    EXPECT_EQ(first, 1);
+}
+
+// More values than one record has places for must end as a failure: the count may come from a deck.
+TEST(FormatEdge, OneRecordGivesNoMoreThanItsFormat) {
+    double values[9] = {};
+    EXPECT_EQ(ReadFixed("1.", "(8D10.4)", RealArray(values, 8)).status, FieldStatus::Good);
+    EXPECT_EQ(ReadFixed("1.", "(8D10.4)", RealArray(values, 9)).item, 9);
+    EXPECT_EQ(ReadFixed("1.", "(D10.4/D10.4)", values[0], values[1]).status, FieldStatus::NotANumber);
+    std::string name, rest;
+    EXPECT_EQ(ReadFixed("ab", "(A4,2X,A)", name, rest).status, FieldStatus::Good);
+    EXPECT_EQ(name, "ab  ");
+    EXPECT_EQ(rest, "");
+}
+
+// Steps behind the record, overflowing counts, digits without end.
+TEST(FormatEdge, DamagedRecordsAreRefusedOrReadWithinTheirBytes) {
+    const std::string zeroBytes("1\0 2", 4);
+    std::int32_t integer = -1;
+    double real = -1.0;
+    EXPECT_EQ(ReadIntegerField(zeroBytes, integer), FieldStatus::NotANumber);
+    EXPECT_EQ(ReadReal(zeroBytes, 0).status, FieldStatus::NotANumber);
+    const std::string digits(10000, '7');
+    EXPECT_EQ(ReadIntegerField(digits, integer), FieldStatus::OutOfRange);
+    EXPECT_EQ(ReadReal(digits, 0).value, HUGE_VAL);
+    EXPECT_EQ(ReadReal("0." + std::string(9000, '0') + "1E9001", 0).value, 1.0);
+    EXPECT_EQ(ReadReal("-." + std::string(9000, '0') + "1", 0).value, 0.0);
+
+    ListScanner scanner;
+    BeginList(scanner, "999999999*1");
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::OutOfRange);
+    const std::string overflowing = digits + "*1";
+    BeginList(scanner, overflowing);
+    EXPECT_EQ(NextListReal(scanner, real), ListStatus::OutOfRange);
+    BeginList(scanner, "200000000*1");
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Value);
+    EXPECT_EQ(scanner.repeatsLeft, 199999999);
+    EXPECT_EQ(real, -1.0);
+    const std::string commas(10000, ',');
+    BeginList(scanner, commas);
+    for (int i = 0; i < 10000; ++i)
+        ASSERT_EQ(NextListInteger(scanner, integer), ListStatus::Null);
+    EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::NeedRecord);
+}
+
+// Any bytes: every read ends, and under a sanitizer stays within its record.
+TEST(FormatEdge, RandomBytesEndEveryRead) {
+    std::mt19937 random(20240229);
+    const std::string likely = "0123456789019.+-eEdDqQ*,;/ \t\r()infanINFA";
+    const Format format("(I5,F8.2,2X,1PD12.4,I3,A4,F60.1)");
+    for (int round = 0; round < 20000; ++round) {
+        std::string text;
+        for (std::size_t length = random() % 90; length > 0; --length)
+            text += random() % 30 == 0 ? static_cast<char>(random() % 256) : likely[random() % likely.size()];
+        const TightRecord record = MakeTight(text);
+        std::int32_t integer = 0;
+        double real = 0.0;
+        std::string name;
+        ReadFixed(record.view, format, integer, real, real, integer, name, real);
+        ListScanner scanner;
+        BeginList(scanner, record.view);
+        std::size_t items = 0;
+        ListStatus status = ListStatus::Null;
+        while (status == ListStatus::Null || status == ListStatus::Value) {
+            scanner.repeatsLeft = std::min(scanner.repeatsLeft, 3);
+            status = items % 2 == 0 ? NextListReal(scanner, real) : NextListInteger(scanner, integer);
+            ASSERT_LE(++items, 4 * text.size() + 4);
+        }
+    }
+}
+
+// A last digit that the quick way to digits rounds otherwise than the exact way.
+TEST(FormatEdge, QuickDigitsAreTheExactDigits) {
+    std::mt19937_64 random(7);
+    for (int round = 0; round < 300000; ++round) {
+        const int count = 1 + static_cast<int>(random() % 17);
+        double value =
+            std::ldexp(static_cast<double>(random() >> (random() % 60)), -static_cast<int>(random() % 100));
+        if (round % 3 == 0) // a tie in decimals, or the double next to one
+            value = (static_cast<double>(random() % 1000000) + 0.5) /
+                    std::pow(10.0, static_cast<double>(random() % 9));
+        if (round % 3 == 1) // about a power of ten
+            value = std::pow(10.0, static_cast<double>(random() % 40) - 20.0);
+        for (std::uint64_t step = random() % 3; step > 0; --step)
+            value = std::nextafter(value, 0.0);
+        char digits[40], exact[40];
+        const int power = WriteSignificantDigits(value, count, digits);
+        *std::to_chars(exact, exact + 40, value, std::chars_format::scientific, count - 1).ptr = '\0';
+        std::string expected(exact, 1);
+        expected.append(exact + (count > 1 ? 2 : 1), static_cast<std::size_t>(count - 1));
+        ASSERT_EQ(std::string(digits, static_cast<std::size_t>(count)), expected) << value << " " << exact;
+        ASSERT_EQ(power, std::atoi(std::strchr(exact, 'e') + 1)) << exact;
+    }
+}
+
+} // namespace
