@@ -9,10 +9,36 @@
 
 namespace zurt {
 
-/// Sets the nine vectors and all counters to zero; the first group's visit of the results phase does so.
+/// What one element contributes to one of its nodes, by axis.
+struct NodalResult {
+    double flux[3] = {};
+    double coefficient[3] = {};
+};
+
+/// The sums while the groups are visited.
+struct NodalSums {
+    RealArray flux[3];                     // 1..NP
+    RealArray coefficient[3];              // 1..NP
+    std::int32_t* contributions = nullptr; // 1..NP at 0..NP-1
+};
+
+/// Sets the nine vectors and all counters to zero: ahead of the first group's visit of the results phase.
 void ClearNodalResults(Run& run);
 
-/// Divides the sums of every node by the number of contributions that the node has had, when that is above 1.
+/// The sums of a run whose NDS is not 0, after ClearNodalResults.
+NodalSums NodalSumsOf(Run& run);
+
+/// Adds an element's contribution to node 1..NP.
+inline void AddNodalResult(const NodalSums& sums, std::int32_t node, const NodalResult& result) {
+    for (int axis = 0; axis < 3; ++axis) {
+        sums.flux[axis](node) += result.flux[axis];
+        sums.coefficient[axis](node) += result.coefficient[axis];
+    }
+    ++sums.contributions[node - 1];
+}
+
+/// Divides the sums of every node by the number of contributions that the node has had, when that is above 1, and
+/// fills the mass fluxes from the fluxes.
 void AverageNodalResults(Run& run);
 
 } // namespace zurt

@@ -1,0 +1,64 @@
+// Coefficients of an element at a Gauss point: diffusion (conduction) in the three axes and capacity.
+//
+// With NDS not 0 the diffusion curve of the material is looked up at the absolute concentration and the capacity is 1.
+// With NDS 0 coefficients are constants of the material, or come from its curves or from the built-in polynomials at the
+// concentration. Forming and results go through the same tree. Units are those of the deck.
+#pragma once
+
+#include "job/run.h"
+
+namespace zurt {
+
+struct Coefficients {
+    double KX = 0.0, KY = 0.0, KZ = 0.0;
+    double CP = 0.0;
+};
+
+/// Where coefficients come from in one visit of a group.
+struct CoefficientTables {
+    bool device = false;    // NDS not 0
+    bool transient = false; // capacity takes part
+    bool anisotropic = false;
+    bool conductivityNonlinear = false, capacityNonlinear = false;
+    ConstRealTable diffusionCurves; // NDS not 0: model/material_tables.h has the layouts
+    ConstIntArray diffusionPoints;
+    ConstIntTable functions; // the rest with NDS 0
+    ConstRealTable multipliers;
+    ConstRealArray densities, maxima, minima;
+    ConstRealTable conductionPairs;
+    ConstIntArray conductionPoints;
+    ConstRealTable capacityPairs;
+    ConstIntArray capacityPoints;
+};
+
+CoefficientTables CoefficientTablesOf(const Run& run);
+
+/// What holds for all Gauss points of an element.
+struct MaterialInHand {
+    std::int32_t MATE = 0;         // 0: none chosen yet
+    double A[3] = {1.0, 1.0, 1.0}; // multipliers of the axes; without a card for them 1
+    std::int32_t function[3] = {}; // conduction functions, 0 none
+};
+
+enum class CoefficientStatus { Good, DiffusionRange, CapacityRange, AboveMaximum, BelowMinimum };
+
+/// Why there are no coefficients: the curve (or material) and the argument that it was asked for.
+struct CoefficientFailure {
+    CoefficientStatus status = CoefficientStatus::Good;
+    std::int32_t number = 0;
+    double argument = 0.0;
+};
+
+/// Takes material MATE in hand and sets those coefficients that don't depend on the concentration.
+void ChooseMaterial(const CoefficientTables& tables, std::int32_t MATE, HeldCurveValues& held,
+                    MaterialInHand& material, Coefficients& coefficients);
+
+/// The coefficients that depend on the concentration TG; the others are left alone. False when there are none: `failure`
+/// then says why.
+bool EvaluateCoefficients(const CoefficientTables& tables, const MaterialInHand& material, double TG,
+                          HeldCurveValues& held, Coefficients& coefficients, CoefficientFailure& failure);
+
+/// Ends the run with the message of a failure.
+[[noreturn]] void StopOnCoefficients(Run& run, const CoefficientFailure& failure);
+
+} // namespace zurt

@@ -1,0 +1,21 @@
+// Forming and results of the 3D family, bricks of 8 to 21 nodes.
+//
+// The discrete equation of an element is (K + C/dt) dT = Q + (C/dt) T0 - (K + C/dt) T at the last iterate T: Euler
+// backward, with the secant matrix. Called for every group at every iteration, and once a step for the nodal results.
+#pragma once
+
+#include "job/run.h"
+
+namespace zurt {
+
+/// One visit of a group: the element work block behind LMAXM, then all elements, which go to the system, or, while
+/// state.ResultsPhaseFlag is 1, add to the nodal results. Only Euler backward exists: under an INTEB other than 1
+/// nothing is formed and nothing said.
+void FormGroup3D(Run& run, ElementGroup& group);
+
+/// Forms elements 1..NET and adds them to SkylineMatrix (while state.FactorFlag is not 0) and to the right-hand side.
+/// `conduction` is the place of the packed element matrix in `A`. Stops the run on an element without a positive
+/// Jacobian and on curves asked for values outside their range.
+void FormElements3D(Run& run, ElementGroup& group, Word conduction);
+
+} // namespace zurt
