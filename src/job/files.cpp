@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace zurt {
 
@@ -44,7 +45,8 @@ bool FileExists(const std::string& name) {
 
 void DeriveDefaultNames(Run& run, const std::string& name) {
     const bool capitals = name[0] >= 'A' && name[0] <= 'Z';
-    const std::string base = name.substr(0, std::min(name.find('.'), name.find(' ')));
+    const std::size_t point = name.find('.');
+    const std::string base = name.substr(0, point != std::string::npos ? point : name.find(' '));
     run.units.DefaultListingName = base + (capitals ? ".LST" : ".lst");
     run.units.DefaultGraphicsName = base + (capitals ? ".UNV" : ".unv");
 }
@@ -89,7 +91,7 @@ void OpenOutput(Run& run, TextUnit& unit, const char* prompt, const std::string&
         if (FileExists(name)) {
             if (!AskToDelete(run, name))
                 continue;
-            if (std::remove(name.c_str()) != 0)
+            if (unlink(name.c_str()) != 0) // refuses a folder of that name
                 StopWithLibraryError("can't delete " + name + ": " + std::strerror(errno));
         }
         OpenTextUnit(unit, name);
