@@ -240,8 +240,7 @@ void ReadBoundaryCard(Run& run) {
         counts.NPOC = 1;
     if (run.control.state.SourcePresent != 0 && counts.NQE == 0) {
         TextUnit& unit = MessageUnit(run);
-        Write(unit, "(A)", " ERROR IN INPUTE DATA:");
-        Write(unit, "(A)", " THERE IS SOURCE TERM FOR ELEMENT GROUP, IZIP.GT.0");
+        Write(unit, "(2A)", " ERROR IN INPUTE DATA:", " THERE IS SOURCE TERM FOR ELEMENT GROUP, IZIP.GT.0");
         Write(unit, "(A)", " TIME FUNCTIONS MUST BE INPUT AND NQE MUST BE GT.0");
         Write(unit, "(A,I5)", " INPUT DATA FOR NQE IS NQE=", counts.NQE);
         Write(unit, "(A)", " S T O P");
