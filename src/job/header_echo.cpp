@@ -81,7 +81,6 @@ constexpr EchoLine kBasicDataEcho[] = {
     ZURT_ECHO_REMARK("EQ.0; POSTAJE \"1\"", "EQ.0; DEFAULT SET \"1\""),
     ZURT_ECHO_INTEGER(HeaderFields, NMATT, "BROJ RAZLICITIH MATERIJALA ..................... NMATT =",
                       "NUMBER OF DIFERENT MATERIALS ................... NMATT ="),
-    ZURT_ECHO_REMARK("EQ.0; POSTAJE \"1\"", "EQ.0; DEFAULT SET \"1\""),
     ZURT_ECHO_INTEGER(HeaderFields, NSTAC, " INDIKATOR STACIONARNOSTI....................... NSTAC =",
                       " INDICATOR FOR STEADY FLOW...................... NSTAC ="),
     ZURT_ECHO_REMARK("EQ.0; STACIONARNO STANJE", "EQ.0; STEADY STATE"),
