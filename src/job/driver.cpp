@@ -123,8 +123,8 @@ void ReadTimeData(Run& run) {
 void ReadNodes(Run& run) {
     TakeNodeArrays(run);
     ReadNodalData(run);
-    TakeDiagonalPositions(run);
     WriteUnvNodes(run);
+    TakeDiagonalPositions(run);
 }
 
 void ReadFibreData(Run& run) {
