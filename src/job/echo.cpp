@@ -3,6 +3,7 @@
 #include "core/format.h"
 
 #include <algorithm>
+#include <string>
 
 namespace zurt {
 
@@ -85,7 +86,9 @@ void ListCards(Run& run) {
             WriteListingHead(run);
             onPage = 1;
         }
-        Write(listing, cardLine, line, LineText(deck, line).substr(0, kListedColumns));
+        std::string image(LineText(deck, line).substr(0, kListedColumns));
+        image.resize(kListedColumns, ' ');
+        Write(listing, cardLine, line, image);
     }
     WriteListingFoot(run);
     Write(
