@@ -28,12 +28,12 @@ std::int32_t LabelsBefore(const Run& run, const ElementGroup& group) {
 
 void WarnOfNodeCount(Run& run, const ElementGroup& group) {
     TextUnit& listing = run.units.listing;
-    const char* package = " \"IDEAS\"";
+    const char* package = "\"IDEAS\"";
     Write(listing, "(/A,A)", Say(run, " GRAFICKI PAKET   ", " GRAPHIC PACKAGE   "), package);
-    Write(listing, "(A)",
+    Write(listing, "(2A,I5)",
           Say(run, " DOZVOLJAVA SAMO 3/D ELEMENTE SA 8 ILI 20 CVOROVA PO ELEMENTU U",
-              " PERMITS ONLY 3/D ELEMENTS WITH 8 OR 20 NODES PER ELEMENT IN"));
-    Write(listing, "(A,I5)", Say(run, " GRUPI   NGE =", " GROUP   NGE ="), group.NGE);
+              " PERMITS ONLY 3/D ELEMENTS WITH 8 OR 20 NODES PER ELEMENT IN"),
+          Say(run, " GRUPI   NGE =", " GROUP   NGE ="), group.NGE);
 }
 
 bool HasAllMidSides(const IntTable& NEL, Word element) {
