@@ -185,6 +185,8 @@ void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const 
                                    ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
                                    values(i));
         }
+    } else {
+        ReadCard(deck, INDFOR, group, card); // counted, and no field is read from it
     }
 }
 
@@ -207,6 +209,8 @@ void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const cha
                                 ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
                                 values(i));
         }
+    } else {
+        ReadCard(deck, INDFOR, group, card);
     }
 }
 
