@@ -9,7 +9,7 @@ namespace zurt {
 
 namespace {
 
-// Ends without destructors or handlers of other libraries: every stream is flushed here, and nothing else is held.
+// Every stream is flushed here, so that a failure to store what was written shows in the status.
 [[noreturn]] void EndProcess(int status) {
     if (std::fflush(nullptr) != 0 && status == 0) {
         std::fputs("zurt: error: what was written could not be stored completely; is the disk full?\n",
