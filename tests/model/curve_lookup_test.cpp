@@ -1,0 +1,147 @@
+#include "model/curve_lookup.h"
+
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace zurt {
+namespace {
+
+constexpr double kUntouched = -321.0;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// Three curves of up to four points: (1, 10) (2, 20) (4, 0); one point (5, 50); a jump (0, 1) (1, 2) (1, 5) (3, 9).
+struct PairTable {
+    double words[24] = {1, 10, 5, 50, 0, 1, 2, 20, -9, -9, 1, 2, 4, 0, -9, -9, 1, 5, -9, -9, -9, -9, 3, 9};
+    std::int32_t points[3] = {3, 1, 4};
+    ConstRealTable Pairs() const { return {words, 6, 4}; }
+    ConstIntArray Points() const { return {points, 3}; }
+};
+
+struct Answer {
+    double y;
+    std::int32_t n, error;
+};
+
+Answer Lookup(std::int32_t curve, double x) {
+    const PairTable table;
+    Answer answer{kUntouched, -1, -1};
+    answer.error = CurveLookup(table.Pairs(), table.Points(), curve, x, answer.y, answer.n);
+    return answer;
+}
+
+// The same curves 1 and 2 in the layout of diffusion curves.
+Answer Diffusion(std::int32_t curve, double x) {
+    const double words[12] = {1, 5, 10, 50, 2, -9, 20, -9, 4, -9, 0, -9};
+    const std::int32_t points[2] = {3, 1};
+    Answer answer{kUntouched, 0, -1};
+    answer.error = DiffusionLookup(ConstRealTable(words, 2, 6), ConstIntArray(points, 2), curve, x, answer.y);
+    return answer;
+}
+
+// A stride of the wrong length, an interval closed at its upper end, the wrong side of a jump.
+TEST(CurveLookup, InterpolatesInTheIntervalThatBeginsAtThePoint) {
+    for (auto lookup : {Lookup, Diffusion}) {
+        EXPECT_EQ(lookup(1, 1.0).y, 10.0);
+        EXPECT_EQ(lookup(1, 1.5).y, 15.0);
+        EXPECT_EQ(lookup(1, 2.0).y, 20.0);
+        EXPECT_EQ(lookup(1, 3.5).y, 5.0);
+        EXPECT_EQ(lookup(1, 3.5).error, 0);
+    }
+    EXPECT_EQ(Lookup(1, 3.5).n, 3);
+    EXPECT_EQ(Lookup(3, 0.5).y, 1.5);
+    EXPECT_EQ(Lookup(3, 1.0).y, 5.0); // not 2: an interval of no length holds nothing
+    EXPECT_EQ(Lookup(3, 2.0).y, 7.0);
+}
+
+// A range test on constants.
+TEST(CurveLookup, OnePointIsAConstant) {
+    for (auto lookup : {Lookup, Diffusion}) {
+        for (const double x : {-1e300, 0.0, 5.0, 1e300, kNaN}) {
+            EXPECT_EQ(lookup(2, x).y, 50.0);
+            EXPECT_EQ(lookup(2, x).error, 0);
+        }
+    }
+    EXPECT_EQ(Lookup(2, 0.0).n, 1);
+}
+
+// An end value given where the caller's own must stay.
+TEST(CurveLookup, LeavesTheCallersValueAtAnEndThatNoIntervalHolds) {
+    for (const double x : {4.0, 4.0 + 0.9e-10, 1.0 - 0.9e-10}) {
+        EXPECT_EQ(Lookup(1, x).error, 0) << x;
+        EXPECT_EQ(Lookup(1, x).y, kUntouched) << x;
+        EXPECT_EQ(Lookup(1, x).n, 3) << x;
+    }
+}
+
+TEST(DiffusionLookup, TakesTheEndValues) {
+    EXPECT_EQ(Diffusion(1, 4.0).y, 0.0);
+    EXPECT_EQ(Diffusion(1, 4.0 + 0.9e-10).y, 0.0);
+    EXPECT_EQ(Diffusion(1, 1.0 - 0.9e-10).y, 10.0);
+    EXPECT_EQ(Diffusion(1, 1.0 - 0.9e-10).error, 0);
+}
+
+// Extrapolation, or a value written together with the error.
+TEST(CurveLookup, ReportsArgumentsOutsideAndLeavesTheValue) {
+    for (auto lookup : {Lookup, Diffusion}) {
+        for (const double x : {4.0 + 1.1e-10, 1.0 - 1.1e-10, -3.0, 1e9, kNaN}) {
+            EXPECT_EQ(lookup(1, x).error, 1) << x;
+            EXPECT_EQ(lookup(1, x).y, kUntouched) << x;
+        }
+    }
+}
+
+TEST(TimeMultiplierLookup, HoldsTheLastValueAndNeverReadsAheadOfTheFirst) {
+    const double words[8] = {-999.0, -999.0, 0.0, 2.0, 1.0, 4.0, 3.0, 1.0};
+    const ConstRealArray pairs(words + 2, 6);
+    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 0.25), 2.5);
+    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 1.0), 4.0);
+    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 2.0), 2.5);
+    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 3.0), 1.0);
+    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 50.0), 1.0);
+    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, -1.0), 2.0);
+    EXPECT_EQ(TimeMultiplierLookup(pairs, 1, 7.0), 2.0);
+}
+
+// Functions 1 and 2 of the table above, asked at TIME through entries of multiplier 2.
+struct Evaluation {
+    double out[4] = {kUntouched, kUntouched, kUntouched, kUntouched};
+    std::int32_t undefined = 0;
+};
+
+Evaluation Evaluate(double TIME, const std::int32_t (&active)[4], const std::int32_t (&functions)[4]) {
+    const PairTable table;
+    const double multipliers[4] = {2.0, 2.0, 2.0, 2.0};
+    Evaluation evaluation;
+    evaluation.undefined = TimeFunctionValues(table.Pairs(), table.Points(), TIME, ConstIntArray(active, 4),
+                                              ConstIntArray(functions, 4), ConstRealArray(multipliers, 4), 4,
+                                              RealArray(evaluation.out, 4));
+    return evaluation;
+}
+
+TEST(TimeFunctionValues, PassesOverInactiveEntries) {
+    const Evaluation at = Evaluate(1.5, {1, 0, -3, 0}, {1, 1, 2, 1});
+    EXPECT_EQ(at.out[0], 30.0);
+    EXPECT_EQ(at.out[1], kUntouched);
+    EXPECT_EQ(at.out[2], 100.0);
+    EXPECT_EQ(at.out[3], kUntouched);
+}
+
+// A value set back to 0 between entries, or the curve's end value read where the running value must stand.
+TEST(TimeFunctionValues, EntryAtTheEndOfItsFunctionTakesTheValueBefore) {
+    const Evaluation at = Evaluate(4.0, {1, 1, 0, 1}, {1, 2, 2, 1});
+    EXPECT_EQ(at.undefined, 0);
+    EXPECT_EQ(at.out[0], 0.0);
+    EXPECT_EQ(at.out[1], 100.0);
+    EXPECT_EQ(at.out[3], 100.0);
+}
+
+TEST(TimeFunctionValues, NamesTheFunctionThatIsNotDefined) {
+    EXPECT_EQ(Evaluate(0.5, {1, 1, 1, 1}, {2, 3, 1, 2}).undefined, 1);
+    EXPECT_EQ(Evaluate(0.5, {1, 1, 0, 1}, {2, 3, 1, 2}).undefined, 0);
+    EXPECT_EQ(Evaluate(3.5, {1, 1, 1, 1}, {2, 1, 3, 2}).undefined, 3);
+}
+
+} // namespace
+} // namespace zurt

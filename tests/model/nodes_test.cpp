@@ -1,0 +1,203 @@
+#include "model/nodes.h"
+
+#include "job/partition.h"
+#include "model/model_run.h"
+
+#include <cmath>
+
+namespace zurt {
+namespace {
+
+using test::Contains;
+using test::Line;
+using test::ListingOf;
+using test::MakeRun;
+using test::RunPointer;
+
+RunPointer ReadNodes(const std::string& deck, std::int32_t NP, std::int32_t INDFOR = 1) {
+    RunPointer run = MakeRun(deck, INDFOR, NP);
+    TakeNodeArrays(*run);
+    ReadNodalData(*run);
+    return run;
+}
+
+std::string FixedCard(int N, int IND, double X, double Y, double Z, double value, int K) {
+    return Line("%10d%5d%5s%15.6E%15.6E%15.6E%15.6E%5d", N, IND, "", X, Y, Z, value, K);
+}
+
+// Cards for nodes first, first + step, ... last, at x equal to 100 times the number.
+std::string SingleCards(int first, int step, int last) {
+    std::string deck;
+    for (int N = first; N <= last; N += step)
+        deck += Line("%d 0 %d 0 0 0 0", N, 100 * N);
+    return deck;
+}
+
+TEST(Nodes, WithoutStepsAreNumberedInOrder) {
+    const RunPointer run = ReadNodes("3 0 30 31 32 33 0\n1 0 10 11 12 13 0\n2 0 20 21 22 23 0\n", 3);
+    EXPECT_EQ(run->control.state.JEDN, 3);
+    for (int N = 1; N <= 3; ++N) {
+        EXPECT_EQ(EquationNumbers(*run)(N), N);
+        EXPECT_EQ(CoordinateColumn(*run, 1)(N), 10.0 * N);
+        EXPECT_EQ(CoordinateColumn(*run, 2)(N), 10.0 * N + 1);
+        EXPECT_EQ(CoordinateColumn(*run, 3)(N), 10.0 * N + 2);
+        EXPECT_EQ(NodeCardValues(*run)(N), 10.0 * N + 3);
+    }
+}
+
+// Coordinates by multiplication differ from a running sum in their last digits; so would a step that is not turned.
+TEST(Nodes, GenerationUpAndDownAddsItsIncrementAgainAndAgain) {
+    const double X1 = 0.1, X11 = 1.3;
+    const std::string ends[2] = {"1 5 0.1 -1 3 7.5 2\n11 0 1.3 1 3 8.5 0\n",
+                                 "11 5 0.1 -1 3 7.5 2\n1 0 1.3 1 3 8.5 0\n"};
+    for (int down = 0; down < 2; ++down) {
+        const RunPointer run = ReadNodes(ends[down] + SingleCards(2, 2, 10), 11);
+        const double DX = (2.0 / 10.0) * (X11 - X1);
+        double X = X1;
+        for (int k = 1; k <= 4; ++k) {
+            const int N = down == 1 ? 11 - 2 * k : 1 + 2 * k;
+            X += DX;
+            EXPECT_EQ(CoordinateColumn(*run, 1)(N), X) << N;
+            EXPECT_NEAR(CoordinateColumn(*run, 2)(N), -1 + 0.4 * k, 1e-15);
+            EXPECT_EQ(CoordinateColumn(*run, 3)(N), 3.0);
+            EXPECT_EQ(NodeCardValues(*run)(N), 7.5) << "generated nodes copy the opening card";
+            EXPECT_EQ(EquationNumbers(*run)(N), 0) << "the indicator of the opening card goes with the run";
+        }
+        const int closing = down == 1 ? 1 : 11;
+        EXPECT_GT(EquationNumbers(*run)(closing), 0);
+        EXPECT_EQ(NodeCardValues(*run)(closing), 8.5);
+        EXPECT_EQ(run->control.state.JEDN, 6);
+    }
+}
+
+// A last node reached by a step that does not divide, or counted as covered.
+TEST(Nodes, StepThatDoesNotDivideLeavesTheRestAlone) {
+    const std::string deck = SingleCards(9, 1, 9) + "1 0 0 0 0 0 4\n10 0 9 0 0 0 0\n" + SingleCards(2, 1, 4) +
+                             SingleCards(6, 1, 8) + "777\n";
+    const RunPointer run = ReadNodes(deck, 10);
+    EXPECT_DOUBLE_EQ(CoordinateColumn(*run, 1)(5), 4.0);
+    EXPECT_EQ(CoordinateColumn(*run, 1)(9), 900.0);
+    EXPECT_EQ(run->deck.nextLine, 9) << "reading ends with the tenth node covered";
+}
+
+TEST(Nodes, ClosingCardMayOpenTheNextRun) {
+    const RunPointer run =
+        ReadNodes("1 0 0 0 0 0 1\n4 0 3 0 0 0 2\n8 0 5 0 0 0 0\n5 0 1 0 0 0 0\n7 0 7 0 0 0 0\n", 8);
+    EXPECT_EQ(CoordinateColumn(*run, 1)(3), 2.0);
+    EXPECT_EQ(CoordinateColumn(*run, 1)(6), 4.0);
+}
+
+// Division by zero, overflow of a step's sign, or a loop that never ends.
+TEST(Nodes, RunsOfNoLengthAndAbsurdStepsGenerateNothing) {
+    const RunPointer same = ReadNodes("1 0 5 0 0 0 1\n1 0 6 0 0 0 0\n2 0 7 0 0 0 0\n", 2);
+    EXPECT_EQ(CoordinateColumn(*same, 1)(1), 6.0);
+    const RunPointer huge = ReadNodes("2 0 5 0 0 0 2147483647\n1 0 6 0 0 0 -2147483648\n"
+                                      "3 0 7 0 0 0 0\n1 0 1 0 0 0 0\n2 0 2 0 0 0 0\n",
+                                      3);
+    EXPECT_EQ(CoordinateColumn(*huge, 1)(2), 2.0);
+    EXPECT_EQ(CoordinateColumn(*huge, 1)(3), 7.0);
+    // A closing card may open a run with a negative step, which only a falling run turns: here it takes two nodes
+    // back from the count, and four more cards are needed.
+    const RunPointer back =
+        ReadNodes("1 0 5 0 0 0 1\n2 0 6 0 0 0 -1\n4 0 8 0 0 0 0\n" + SingleCards(1, 1, 4), 4);
+    EXPECT_EQ(CoordinateColumn(*back, 1)(4), 400.0);
+}
+
+// Indicators of an earlier problem left in `A`.
+TEST(Nodes, WithoutACardAreFree) {
+    const RunPointer run = ReadNodes("1 0 5 0 0 0 0\n1 0 5 0 0 0 0\n1 1 5 0 0 0 0\n", 3);
+    EXPECT_EQ(EquationNumbers(*run)(1), 0);
+    EXPECT_EQ(EquationNumbers(*run)(2), 1);
+    EXPECT_EQ(EquationNumbers(*run)(3), 2);
+}
+
+TEST(Nodes, NegativeIndicatorsAreFreeAndListed) {
+    RunPointer run = MakeRun("4 -1 0 0 0 0 0\n1 1 0 0 0 0 0\n2 -7 0 0 0 0 0\n3 0 0 0 0 0 0\n", 1, 4);
+    run->control.counts.NZADC = 9;
+    TakeNodeArrays(*run);
+    ReadNodalData(*run);
+    const std::int32_t expected[4] = {0, 1, 2, 3};
+    for (int N = 1; N <= 4; ++N)
+        EXPECT_EQ(EquationNumbers(*run)(N), expected[N - 1]);
+    ASSERT_EQ(run->control.counts.NZADP4, 2);
+    EXPECT_EQ(SharedNodes(*run)(1), 2);
+    EXPECT_EQ(SharedNodes(*run)(2), 4);
+    EXPECT_EQ(run->A.LMAX, run->control.at.LSUBS + 2);
+    EXPECT_EQ(run->control.counts.NZADC, 0);
+}
+
+// A list that is written although its place lies beyond the end of `A`.
+TEST(Nodes, ListThatDoesNotFitIsLeftToTheNextOverflowTest) {
+    RunPointer run = MakeRun("1 -1 0 0 0 0 1\n4 -1 0 0 0 0 0\n", 1, 4, 22);
+    TakeNodeArrays(*run);
+    ReadNodalData(*run);
+    EXPECT_EQ(run->control.counts.NZADP4, 4);
+    EXPECT_EQ(run->A.LMAX, 25);
+}
+
+// Columns that are off by one, comments that are counted as nodes.
+TEST(Nodes, FreeAndFixedFormsAgree) {
+    const std::string fixed = "C first\n" + FixedCard(1, 1, 0.5, -2.25, 1e-3, 7, 2) + "C* between\nC-\n" +
+                              FixedCard(5, -1, 8.5, 2, 3, 4, 0) + FixedCard(2, 0, 1, 1, 1, 1, 2) +
+                              FixedCard(4, 0, 2, 2, 2, 2, 0);
+    const std::string free =
+        "C first\n1 1 0.5 -2.25 1e-3 7 2\nC* between\nC-\n5 -1 8.5, 2 3\n4 0\n2 0 4*1 2\n4 0 4*2 0\n";
+    const RunPointer one = ReadNodes(fixed, 5, 2);
+    const RunPointer other = ReadNodes(free, 5, 1);
+    for (int N = 1; N <= 5; ++N) {
+        EXPECT_EQ(EquationNumbers(*one)(N), EquationNumbers(*other)(N));
+        EXPECT_EQ(NodeCardValues(*one)(N), NodeCardValues(*other)(N));
+        for (int axis = 1; axis <= 3; ++axis)
+            EXPECT_EQ(CoordinateColumn(*one, axis)(N), CoordinateColumn(*other, axis)(N)) << N;
+    }
+    EXPECT_EQ(CoordinateColumn(*one, 1)(3), 4.5);
+    EXPECT_EQ(NodeCardValues(*one)(1), 7.0);
+    EXPECT_EQ(one->control.counts.NZADP4, 1);
+}
+
+// An item left out in free form must not become 0, nor the value of the card before.
+TEST(Nodes, ItemsLeftOutKeepWhatTheNodeHeld) {
+    const RunPointer run = ReadNodes("1 0 0 0 0 2 1\n5 0 8 4 0 2 0\n3 1 /\n4,,,9,,5/\n6 0 1 1 1 1 0\n", 8);
+    EXPECT_EQ(CoordinateColumn(*run, 1)(3), 4.0);
+    EXPECT_EQ(EquationNumbers(*run)(3), 0);
+    EXPECT_EQ(CoordinateColumn(*run, 1)(4), 6.0);
+    EXPECT_EQ(CoordinateColumn(*run, 2)(4), 9.0);
+    EXPECT_EQ(NodeCardValues(*run)(4), 5.0);
+}
+
+TEST(Nodes, EchoShowsCardsThenNodesThenTheList) {
+    RunPointer run = MakeRun("1 1 0 0 0 0 1\n3 -1 2 0 0.5 0 0\n", 1, 3);
+    run->control.header.NULAZ = 3;
+    TakeNodeArrays(*run);
+    ReadNodalData(*run);
+    const std::string listing = ListingOf(*run);
+    EXPECT_TRUE(Contains(listing, "I N P U T   N O D A L   D A T A"));
+    EXPECT_TRUE(
+        Contains(listing, "\n" + std::string(11, ' ') + "         3" + std::string(10, ' ') + "   -1" +
+                              std::string(15, ' ') +
+                              "   0.200000D+01      0.000000D+00      0.500000D+00                0\n"));
+    EXPECT_TRUE(Contains(listing, " CARD FROM NUMBER     1 TO    2\n"));
+    EXPECT_TRUE(Contains(listing, "\n" + std::string(11, ' ') + "         2" + std::string(12, ' ') +
+                                      "         0" + std::string(15, ' ') +
+                                      "   0.100000D+01      0.000000D+00      0.250000D+00\n"));
+    EXPECT_TRUE(Contains(listing, "NUMBER OF NODES, NZADP4=    1\n"));
+    EXPECT_TRUE(Contains(listing, "\n       3\n"));
+}
+
+TEST(NodesDeathTest, BadCardsAreDeckErrors) {
+    EXPECT_EXIT(ReadNodes("1 0 0 0 0 0 0\n4 0 0 0 0 0 0\n", 3), testing::ExitedWithCode(2),
+                "line 2, Node card, field N: \"4\"");
+    EXPECT_EXIT(ReadNodes("C\n0 0 0 0 0 0 0\n", 3), testing::ExitedWithCode(2),
+                "line 2, Node card, field N: \"0\"");
+    EXPECT_EXIT(ReadNodes("1 0 0 abc 0 0 0\n", 3), testing::ExitedWithCode(2),
+                "line 1, Node card, field Y: \"abc\"");
+    EXPECT_EXIT(ReadNodes("1 0 0 0 0 0 0\n2 0 0 0 0 0 0\n", 3), testing::ExitedWithCode(2),
+                "Node card.*deck ends");
+    // Two nodes were asked for, the run covers three: only meeting NP ends the reading.
+    EXPECT_EXIT(ReadNodes("1 0 0 0 0 0 0\n1 0 0 0 0 0 1\n2 0 0 0 0 0 1\n1 0 0 0 0 0 0\n", 2),
+                testing::ExitedWithCode(2), "deck ends");
+    EXPECT_EXIT(ReadNodes("1 0 0 0 0 0 0\n", 3, 3), testing::ExitedWithCode(2), "field N: \"0\"");
+}
+
+} // namespace
+} // namespace zurt
