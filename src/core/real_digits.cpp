@@ -39,8 +39,8 @@ ScaledValue Scale(double magnitude, int power) {
 std::int64_t RoundScaled(const ScaledValue& scaled) {
     const std::int64_t whole = static_cast<std::int64_t>(scaled.value);
     const double overHalf = (scaled.value - static_cast<double>(whole)) - 0.5;
-    const bool tie = overHalf == 0.0 && scaled.rest == 0.0;
-    const bool up = tie ? whole % 2 != 0 : overHalf > 0.0 || (overHalf == 0.0 && scaled.rest > 0.0);
+    const bool up =
+        overHalf > 0.0 || (overHalf == 0.0 && (scaled.rest > 0.0 || (scaled.rest == 0.0 && whole % 2 != 0)));
     return up ? whole + 1 : whole;
 }
 
@@ -53,12 +53,12 @@ bool QuickDigits(double magnitude, int count, char* digits, int& power) {
     if (power - (count - 1) > kLargestExactPower - 1 || count - 1 - power > kLargestExactPower)
         return false;
     ScaledValue scaled = Scale(magnitude, count - 1 - power);
-    if (scaled.value > kPower[count] || (scaled.value == kPower[count] && scaled.rest >= 0.0)) {
+    if (scaled.value > kPower[count]) {
         ++power;
         scaled = Scale(magnitude, count - 1 - power);
     }
     std::int64_t number = RoundScaled(scaled);
-    if (number == static_cast<std::int64_t>(kPower[count])) { // 9.96 became 10.0
+    if (number == static_cast<std::int64_t>(kPower[count])) { // 9.96 became 10.0, or 10.0 stood there
         number /= 10;
         ++power;
     }
