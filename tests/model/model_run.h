@@ -26,7 +26,8 @@ __attribute__((format(printf, 1, 2))) inline std::string Line(const char* form, 
 struct CloseRun {
     void operator()(Run* run) const {
         DestroyWorkingVector(run->A);
-        CloseTextUnit(run->units.listing);
+        if (run->units.listing.file != stderr)
+            CloseTextUnit(run->units.listing);
         delete run;
     }
 };
