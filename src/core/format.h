@@ -106,7 +106,8 @@ FieldStatus ReadIntegerField(std::string_view field, std::int32_t& value);
 
 /// A fixed field read under Fw.d, Ew.d or Dw.d (they read alike). An all-blank field is 0. Without a point and
 /// without an exponent the last `decimals` digits are decimals; with an exponent and no point the number stands as
-/// written. Exponents may begin with E, D, Q or with a sign alone. Infinity and NaN are read as Fortran reads them.
+/// written. Exponents may begin with E, D, Q or with a sign alone. Infinity and NaN are read as Fortran reads them. A
+/// number above the range of a double reads as an infinity; an exponent of five digits is out of range.
 FieldStatus ReadRealField(std::string_view field, int decimals, double& value);
 
 /// Where a read under a format failed: nothing when status is Good.
@@ -146,9 +147,9 @@ ReadFailure ReadFixed(std::string_view record, const Format& format, Values&&...
 }
 
 /// List-directed reading of a sequence of records: blanks, tabs and commas separate, r*c repeats a value, r* and
-/// adjacent commas leave values as they are, '/' ends the statement.
+/// adjacent commas leave values as they are, '/' ends the statement; semicolons separate as commas do.
 struct ListScanner {
-    std::string_view record;
+    std::string_view record; // the caller's bytes: they stay until the next record or the last value
     std::size_t position = 0;
     int repeatsLeft = 0;        // values still to come from r*c
     std::string repeated;       // the constant of r*c; empty: a null value
