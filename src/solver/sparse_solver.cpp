@@ -1,0 +1,153 @@
+#include "solver/sparse_solver.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+#include "solver/sparse_assembler.h"
+#include "solver/sparse_solver_instance.h"
+
+#include <mpi.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace zurt {
+
+namespace {
+
+static_assert(sizeof(MUMPS_INT) == sizeof(std::int32_t), "the solver's integers are 32-bit");
+
+// Values of the field JOB.
+constexpr MUMPS_INT kCreateInstance = -1;
+constexpr MUMPS_INT kAnalyse = 1;
+constexpr MUMPS_INT kFactorise = 2;
+constexpr MUMPS_INT kSubstitute = 3;
+constexpr MUMPS_INT kEndInstance = -2;
+
+// The C interface takes this for "all processes of the layer", whatever number the layer itself gives them.
+constexpr MUMPS_INT kWorldCommunicator = -987654;
+constexpr MUMPS_INT kUnsymmetric = 0;
+constexpr MUMPS_INT kHostWorks = 1;
+
+constexpr std::int32_t kReport = 1; // of SolverReportFlag
+constexpr std::int32_t kSilent = 0; // verbosity of the assembler
+
+void ReportStage(TextUnit& console, std::int32_t SolverReportFlag, const char* text) {
+    if (SolverReportFlag == kReport)
+        Write(console, "(1X,A)", text);
+}
+
+void CallSolver(DMUMPS_STRUC_C& instance, MUMPS_INT job) {
+    instance.job = job;
+    dmumps_c(&instance);
+}
+
+template <class T> T* TakeArray(std::int32_t count) {
+    // One element at least: an array without any is told from one that could not be had.
+    void* array = std::calloc(static_cast<std::size_t>(std::max(count, 1)), sizeof(T));
+    if (array == nullptr)
+        StopWithLibraryError("no memory left for the arrays of the sparse solver");
+    return static_cast<T*>(array);
+}
+
+template <class T> void FreeArray(T*& array) {
+    std::free(array);
+    array = nullptr;
+}
+
+[[noreturn]] void StopAfterFailure(DMUMPS_STRUC_C& instance, TextUnit& console, TextUnit& listing,
+                                   std::int32_t SolverReportFlag) {
+    struct ReportLine {
+        const char* onConsole;
+        const char* onListing;
+        MUMPS_INT value;
+    };
+    const MUMPS_INT* INFO = instance.info - 1;
+    const ReportLine lines[] = {
+        {"INFO1:", "INFO1  :", INFO[1]},   {"INFO2:", "INFO2  :", INFO[2]},
+        {"INFO3:", "INFO3  :", INFO[3]},   {"INFO7:", "INFO7  :", INFO[7]},
+        {"INFO8:", "INFO8  :", INFO[8]},   {"INFO9:", "INFO9  :", INFO[9]},
+        {"INFO15:", "INFO15 :", INFO[15]}, {"ICNTL14:", "ICNTL14:", instance.icntl[13]},
+    };
+    const Format line = "(1X,A,I12)";
+    for (const ReportLine& report : lines)
+        Write(console, line, report.onConsole, report.value);
+    for (const ReportLine& report : lines)
+        Write(listing, line, report.onListing, report.value);
+    SolverStop(instance, console, SolverReportFlag);
+    Write(console, "(' ERROR IN SOLVER EXECUTION - STOPPING CALCULATION')");
+    StopRun();
+}
+
+} // namespace
+
+void SolverStart(DMUMPS_STRUC_C& instance, std::int32_t N, std::int32_t NZ, TextUnit& console,
+                 std::int32_t SolverReportFlag) {
+    ReportStage(console, SolverReportFlag, "Initializing solver...");
+    MPI_Init(nullptr, nullptr);
+    instance.comm_fortran = kWorldCommunicator;
+    instance.sym = kUnsymmetric;
+    instance.par = kHostWorks;
+    CallSolver(instance, kCreateInstance);
+    instance.n = N;
+    instance.nz = NZ;
+    instance.irn = TakeArray<MUMPS_INT>(NZ);
+    instance.jcn = TakeArray<MUMPS_INT>(NZ);
+    instance.a = TakeArray<double>(NZ);
+    instance.rhs = TakeArray<double>(N);
+}
+
+void SetSolverControls(DMUMPS_STRUC_C& instance) {
+    MUMPS_INT* ICNTL = instance.icntl - 1;
+    ICNTL[4] = 0;
+    ICNTL[1] = -1;
+    ICNTL[2] = -1;
+    ICNTL[14] = 120;
+    ICNTL[3] = -1;
+}
+
+void SolverFactor(DMUMPS_STRUC_C& instance, TextUnit& console, TextUnit& listing,
+                  std::int32_t SolverReportFlag) {
+    SetSolverControls(instance);
+    ReportStage(console, SolverReportFlag, "Starting analysis...");
+    CallSolver(instance, kAnalyse);
+    ReportStage(console, SolverReportFlag, "Starting factorization...");
+    CallSolver(instance, kFactorise);
+    if (instance.info[0] != 0)
+        StopAfterFailure(instance, console, listing, SolverReportFlag);
+}
+
+void SolverBackSolve(DMUMPS_STRUC_C& instance, RealArray R) {
+    const RealArray RHS{instance.rhs, instance.n};
+    Copy<double>(R, RHS);
+    CallSolver(instance, kSubstitute);
+    Copy<double>(RHS, Section(R, 1, instance.n));
+}
+
+void SolverStop(DMUMPS_STRUC_C& instance, TextUnit& console, std::int32_t SolverReportFlag) {
+    ReportStage(console, SolverReportFlag, "Killing solver...");
+    CallSolver(instance, kEndInstance);
+    FreeArray(instance.irn);
+    FreeArray(instance.jcn);
+    FreeArray(instance.a);
+    FreeArray(instance.rhs);
+    MPI_Finalize();
+}
+
+void SolveSparseSystem(RealArray R, std::int32_t JEDN, std::int32_t /*reserved*/, TextUnit& console,
+                       TextUnit& listing, std::int32_t SolverReportFlag) {
+    std::int32_t NZ = 0;
+    SparseNonzeroCount(NZ);
+    DMUMPS_STRUC_C instance{};
+    SolverStart(instance, JEDN, NZ, console, SolverReportFlag);
+    SparseExtract(NZ, {instance.irn, NZ}, {instance.jcn, NZ}, {instance.a, NZ}, kSilent);
+    SparseKill(kSilent);
+    if (JEDN < 1 || NZ < 1) {
+        Write(console, "(' Error in solver calling!')");
+        StopRun();
+    }
+    SolverFactor(instance, console, listing, SolverReportFlag);
+    SolverBackSolve(instance, R);
+    SolverStop(instance, console, SolverReportFlag);
+}
+
+} // namespace zurt
