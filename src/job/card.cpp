@@ -123,8 +123,11 @@ bool NextReal(ListRead& read, const char* name, double& value) {
         ReportField(place, name, read.scanner.text, "a number is expected");
     if (status == ListStatus::OutOfRange)
         ReportField(place, name, read.scanner.text, "the number is too large");
-    if (status == ListStatus::Value)
-        CheckReal(place, name, read.scanner.text, value);
+    if (status == ListStatus::Value) {
+        const ListScanner& scanner = read.scanner;
+        CheckReal(place, name,
+                  scanner.record.substr(scanner.itemColumn, scanner.position - scanner.itemColumn), value);
+    }
     return status != ListStatus::Ended;
 }
 
