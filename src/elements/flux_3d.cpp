@@ -13,9 +13,12 @@ constexpr std::int32_t kResultOrders[3] = {2, 2, 2};
 // The corner, from 0, in whose octant each point of the 2 x 2 x 2 rule lies.
 constexpr int kCornerOfPoint[kCorners<3>] = {6, 2, 5, 1, 7, 3, 4, 0};
 
-// The two corners, from 0, between which mid-side nodes 9 to 20 lie.
-constexpr int kEnds[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
-                              {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
+// The two corners, from 0, between which mid-side node `number` (9 to 20) lies: nodes 9 to 16 go round the two faces of
+// constant t, 17 to 20 join them.
+void EndsOfEdge(int number, int (&ends)[2]) {
+    ends[0] = number <= 16 ? number - 9 : number - 17;
+    ends[1] = number > 16 ? number - 13 : number % 4 == 0 ? number - 12 : number - 8;
+}
 
 // Flux and coefficients of all active nodes of the element in hand, corners by their Gauss points.
 void EvaluateCorners(BrickVisit& visit, NodalResult (&results)[kMaxNodes<3>]) {
@@ -59,8 +62,10 @@ void SpreadToMidSides(const ActiveNodes& active, NodalResult (&results)[kMaxNode
     constexpr int corners = kCorners<3>;
     for (int i = 0; i < active.midSideCount; ++i) {
         const int number = active.midSide[i];
-        results[corners + i] = number == kMaxNodes<3> ? MeanOf(results, kCornerOfPoint, corners)
-                                                      : MeanOf(results, kEnds[number - corners - 1], 2);
+        int ends[2];
+        EndsOfEdge(number, ends);
+        results[corners + i] =
+            number == kMaxNodes<3> ? MeanOf(results, kCornerOfPoint, corners) : MeanOf(results, ends, 2);
     }
 }
 

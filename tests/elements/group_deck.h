@@ -1,0 +1,87 @@
+// Group cards given as text, read by the reader of the 3D family: for the tests of element groups.
+#pragma once
+
+#include "elements/element_dispatch.h"
+#include "job/partition.h"
+#include "job/run.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+
+namespace zurt::testmodel {
+
+inline std::string TemporaryName(const std::string& kind) {
+    return (std::filesystem::temp_directory_path() / ("zurt_group_" + std::to_string(getpid()) + kind))
+        .string();
+}
+
+inline std::string TextOf(const std::string& name) {
+    std::ostringstream text;
+    text << std::ifstream(name).rdbuf();
+    return text.str();
+}
+
+// The header data that the group readers look at.
+struct GroupProblem {
+    int INDFOR = 1, NP = 200, NMATT = 3, NDS = 0, NGET = 1, NULAZ = -1;
+    int NET = 1, IZIP = 0;
+    Word size = 20000;
+};
+
+// A run that stands in front of the cards of group 1, all nodes free. Its files go with it.
+struct GroupRun {
+    Run run;
+    ~GroupRun() {
+        DestroyWorkingVector(run.A);
+        std::filesystem::remove(TemporaryName(".dat"));
+    }
+};
+
+inline void PrepareGroup(Run& run, const GroupProblem& problem, const std::string& cards) {
+    std::ofstream(TemporaryName(".dat")) << cards;
+    OpenDeck(run.deck, TemporaryName(".dat"));
+    CreateWorkingVector(run.A, problem.size);
+    HeaderFields& header = run.control.header;
+    header.INDFOR = problem.INDFOR;
+    header.NP = problem.NP;
+    header.NMATT = problem.NMATT;
+    header.NDS = problem.NDS;
+    header.NGET = problem.NGET;
+    header.NULAZ = problem.NULAZ;
+    header.INTEB = 1;
+    TakeNodeArrays(run);
+    run.control.state.JEDN = problem.NP;
+    for (std::int32_t n = 1; n <= problem.NP; ++n)
+        EquationNumbers(run)(n) = n;
+    TakeDiagonalPositions(run);
+    ElementGroup& group = run.groups[1];
+    group.NGE = 1;
+    group.NETIP = 3;
+    group.NET = problem.NET;
+    group.IZIP = problem.IZIP;
+}
+
+inline void ReadGroup(Run& run) {
+    DispatchElementPhase(run, run.groups[1], run.groups[1].NETIP, kReadPhase);
+}
+
+// The listing of a run that `act` ended with status 0.
+template <class Act> std::string ListingOfStop(Act act) {
+    const std::string name = TemporaryName(".lst");
+    const auto child = [&] {
+        TextUnit listing;
+        OpenTextUnit(listing, name);
+        act(listing);
+    };
+    EXPECT_EXIT(child(), testing::ExitedWithCode(0), "");
+    const std::string text = TextOf(name);
+    std::filesystem::remove(name);
+    return text;
+}
+
+} // namespace zurt::testmodel
