@@ -1,0 +1,147 @@
+#include "model/initial_conditions.h"
+
+#include "job/partition.h"
+#include "model/model_run.h"
+
+namespace zurt {
+namespace {
+
+using test::Contains;
+using test::Line;
+using test::ListingOf;
+using test::MakeRun;
+using test::RunPointer;
+
+// Nodes 1..NP with equations in falling order; node 2 is held at 5.0 and node 3 lies outside the model.
+RunPointer StartRun(const std::string& deck, std::int32_t NPOC, std::int32_t INDFOR = 2,
+                    std::int32_t NP = 40) {
+    RunPointer run = MakeRun(deck, INDFOR, NP);
+    TakeNodeArrays(*run);
+    for (std::int32_t N = 1; N <= NP; ++N) {
+        EquationNumbers (*run)(N) = N == 1 ? NP - 2 : N - 3;
+        NodeCardValues (*run)(N) = N == 2 ? 5.0 : 0.25;
+    }
+    EquationNumbers (*run)(2) = 0;
+    EquationNumbers (*run)(3) = -1;
+    run->control.state.JEDN = NP - 2;
+    run->control.counts.NPOC = NPOC;
+    TakeSolutionVectors(*run);
+    return run;
+}
+
+void ReadListed(const RunPointer& run) {
+    test::ListOnStandardError(*run);
+    ReadInitialConditions(*run);
+}
+
+double StartOf(const Run& run, std::int32_t N) {
+    return StepSolution(run)(EquationNumbers(run)(N));
+}
+
+std::string Group(double value, int K1, int K2) {
+    return Line("%10.4f%5d%5d", value, K1, K2);
+}
+
+std::string Range(int N1, int KOR, int N2) {
+    return Line("%5d%5d%5d", N1, KOR, N2);
+}
+
+// Both forms; a free card of one item must not take the next line along.
+TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
+    const std::pair<const char*, std::int32_t> decks[] = {
+        {"C\n2.5\n777\n", 1}, {"C\n2.5 1 1\n777\n", 1}, {"C\n   2.5\n777\n", 2}};
+    for (const auto& [deck, INDFOR] : decks) {
+        for (const std::int32_t NPOC : {-1, 0, 1}) {
+            const RunPointer run = StartRun(deck, NPOC, INDFOR);
+            run->control.header.NULAZ = 1;
+            ReadInitialConditions(*run);
+            for (Word equation = 1; equation <= run->control.state.JEDN; ++equation)
+                EXPECT_EQ(StepSolution(*run)(equation), 2.5);
+            EXPECT_EQ(run->control.state.OutletStart, 2.5);
+            EXPECT_EQ(run->control.state.OutletEnd, 0.0);
+            EXPECT_EQ(run->deck.nextLine, 2);
+            EXPECT_TRUE(Contains(ListingOf(*run),
+                                 "ALL POINTS HAVE SAME INITIAL CONCENTRATION.. CINITAL =0.2500D+01\n"));
+        }
+    }
+}
+
+TEST(InitialConditions, EchoOfReservoirModelsDiffersAndWithoutEchoIsSilent) {
+    const RunPointer run = StartRun("1.0\n", 1);
+    run->control.header.NULAZ = 3;
+    run->control.header.NANOCH = 2;
+    ReadInitialConditions(*run);
+    EXPECT_TRUE(Contains(ListingOf(*run),
+                         " POINTS IN NANOCHANNEL HAVE INTIAL CONCENTRATION,  ...CINITAL =0.1000D+01\n"));
+    const RunPointer silent = StartRun("1.0\n", 1);
+    ReadInitialConditions(*silent);
+    EXPECT_EQ(ListingOf(*silent), "");
+}
+
+// Lists over several cards, ranges up, down and of one node, and the order lists before ranges.
+TEST(InitialConditions, GroupsOfListsAndRanges) {
+    std::string list;
+    for (int N = 4; N <= 17; ++N)
+        list += Line("%5d", N).substr(0, 5);
+    const std::string deck = Group(1.5, 1, 0) + list + "\nC between\n" + Line("%5d%5d%5d", 18, 1, 0) +
+                             Group(2.5, 1, 1) + Line("%5d%5d", 40, 0) + Range(4, 2, 8) + Range(39, -1, 20) +
+                             Range(19, 0, 19) + "\n" + Group(5.0, 0, 1) + Range(1, 1, 3) + "\n" + "777\n";
+    const RunPointer run = StartRun(deck, 3);
+    run->control.state.OutletStart = 9.0;
+    ReadInitialConditions(*run);
+    for (int N = 4; N <= 40; ++N)
+        EXPECT_EQ(StartOf(*run, N), N == 4 || N == 6 || N == 8 || N >= 19 ? 2.5 : 1.5) << N;
+    EXPECT_EQ(StartOf(*run, 1), 5.0);
+    EXPECT_EQ(run->control.state.OutletStart, 9.0) << "only the one value becomes CINITAL";
+    EXPECT_EQ(run->deck.nextLine, LineCount(run->deck) - 1);
+    const std::string listing = ListingOf(*run); // printed although the echo is off
+    EXPECT_TRUE(Contains(listing, "POINTS ARE WITH DIFERENT TEMPERATURES:\n"));
+    EXPECT_TRUE(Contains(listing, "POJEDINACNO ZADATI CVOROVI:\n"));
+    EXPECT_TRUE(Contains(listing, "FIRST NODE ,N1=   39  STEP= -1  LAST NODEN2=   20\n"));
+    EXPECT_TRUE(Contains(listing, "\n    1  0.5000E+01    2  0.5000E+01    3  0.2500E+00    4  0.2500E+01"
+                                  "    5  0.1500E+01    6  0.2500E+01    7  0.1500E+01\n    8  0.2500E+01"));
+    EXPECT_TRUE(Contains(listing, "POCETNE TEMPER. I KONSTANTNE TEMPER. CVOROVA - UCITANE I GENERISANE :\n"));
+}
+
+TEST(InitialConditionsDeathTest, HeldNodeTakesNoOtherValue) {
+    const RunPointer close = StartRun(Group(5.0, 1, 0) + "    2    0\n", 2 - 1 + 1, 2);
+    NodeCardValues (*close)(2) = 5.0 + 0.9e-10;
+    close->control.counts.NPOC = 2;
+    EXPECT_EXIT(
+        ReadListed(StartRun(Group(4.0, 1, 0) + "    4    2    0\n", 2)), testing::ExitedWithCode(0),
+        "GRESKA U ULAZNIM PODACIMA:\n.*CVOT BROJ=    2\n.*UCITANA KONSTANTNA TEMPERATURA=  0.5000E\\+01\n"
+        ".*UCITANA POCETNA    TEMPERATURA=  0.4000E\\+01\n.*NISU JEDNAKE\n.*NE TREBA UCITAVATI");
+}
+
+TEST(InitialConditionsDeathTest, RangeMustMeetItsLastNode) {
+    const char* message = "POSLEDNJI CVOR MORA SE DOBITI SABIRANJEM KORAKA KOR POCEVSI OD PRVOG CVORA N1";
+    for (const std::string& range : {Range(4, 3, 9), Range(4, 0, 9), Range(4, -1, 9), Range(9, 1, 4),
+                                     Range(9, -3, 4), Range(4, 99999, 9)})
+        EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + range, 2)), testing::ExitedWithCode(0), message)
+            << range;
+    // Nodes are collected fourteen at a time: a held node of the batch that goes astray is not reached, one of an
+    // earlier batch is.
+    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(2, 2, 11), 2)), testing::ExitedWithCode(0),
+                message);
+    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(2, 2, 39), 2)), testing::ExitedWithCode(0),
+                "CVOT BROJ=");
+}
+
+TEST(InitialConditionsDeathTest, NumbersOutsideTheNodesAreDeckErrors) {
+    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 1, 0) + "    4   41\n", 2)), testing::ExitedWithCode(2),
+                "line 2, Initial value node list, field NODE: \"41\"");
+    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 1, 0) + "   -4\n", 2)), testing::ExitedWithCode(2),
+                "field NODE: \"-4\"");
+    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(41, 1, 42), 2)), testing::ExitedWithCode(2),
+                "line 2, Initial value range, field N1: \"41\"");
+    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(1, 1, 41), 2)), testing::ExitedWithCode(2),
+                "field N2: \"41\"");
+    // In a free deck the card that opens the group is also its list, and never ends.
+    EXPECT_EXIT(ReadListed(StartRun(
+                    "    4    4    4    4    4    4    4    4    4    4    4    4    4    4\n", 2, 1)),
+                testing::ExitedWithCode(2), "Initial value node list: .*fixed format decks");
+    EXPECT_EXIT(ReadListed(StartRun("    4    0    0    1\n", 2, 1)), testing::ExitedWithCode(2), "deck");
+}
+
+} // namespace
+} // namespace zurt
