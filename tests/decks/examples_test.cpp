@@ -1,0 +1,148 @@
+// Every example through the real binary, against the closed form that its README states.
+#include "support/run_deck.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace zurt_test;
+
+// A bar of bricks with four nodes to a section, section after section.
+constexpr std::size_t kNodesOfSection = 4;
+
+// Half a unit of the fifth digit of a value below 1, and a little more.
+constexpr double kPrinted = 6e-6;
+
+using Table = std::vector<double>; // concentrations by node
+
+struct ExampleResult {
+    RunResult run;
+    std::vector<Table> tables; // one a printed step
+};
+
+ExampleResult RunExample(const std::string& name) {
+    const std::string folder = MakeTemporaryFolder();
+    WriteFile(folder + "/zurt.dat", ReadFile(ZURT_SOURCE_DIR "/examples/" + name + "/zurt.dat"));
+    ExampleResult result;
+    result.run = RunInFolder(folder, "\n\n\n");
+    EXPECT_EQ(result.run.status, 0) << result.run.errors;
+    EXPECT_EQ(result.run.errors, "") << "an example earns no notes";
+    const std::string& listing = result.run.listing;
+    const std::string head = " S T E P  NUMBER =";
+    std::size_t at = listing.find(head);
+    while (at != std::string::npos) {
+        const std::size_t next = listing.find(head, at + head.size());
+        result.tables.push_back(LastConcentrations(listing.substr(at, next - at)));
+        at = next;
+    }
+    return result;
+}
+
+// The largest departure from `exact` over the bar from x = 0 to `length`; all four nodes of a section count.
+template <typename Function> double LargestError(const Table& table, double length, Function exact) {
+    const std::size_t sections = table.size() / kNodesOfSection;
+    double largest = 0.0;
+    for (std::size_t node = 0; node < table.size(); ++node) {
+        const auto section = static_cast<double>(node / kNodesOfSection);
+        const double x = length * section / static_cast<double>(sections - 1);
+        largest = std::max(largest, std::fabs(table[node] - exact(x)));
+    }
+    return largest;
+}
+
+double FractionReleased(const Table& table) {
+    double held = 0.0;
+    for (std::size_t node = 0; node < table.size(); node += kNodesOfSection) // the end sections are zero
+        held += table[node];
+    return 1.0 - held / (static_cast<double>(table.size() / kNodesOfSection) - 1.0);
+}
+
+// The time steps are those of a first look; the error of Euler backward stays below 0.003.
+TEST(Examples, FirstReleasesWhatTheSeriesSays) {
+    const ExampleResult result = RunExample("first");
+    ASSERT_EQ(result.tables.size(), 5U);
+    const double series[] = {0.252313, 0.356823, 0.504088, 0.763950};
+    for (std::size_t i = 0; i < 4; ++i) {
+        ASSERT_EQ(result.tables[i + 1].size(), 260U);
+        EXPECT_NEAR(FractionReleased(result.tables[i + 1]), series[i], 0.003);
+    }
+    // Four result steps in the graphics file, each with four datasets.
+    EXPECT_EQ(CountOf(result.run.graphics, "SLUCAJ OPTERECENJA:"), 16);
+}
+
+TEST(Examples, SteadyNonlinearMeetsTheSquareRoot) {
+    const ExampleResult result = RunExample("steady_nonlinear");
+    ASSERT_EQ(result.tables.size(), 1U);
+    ASSERT_EQ(result.tables[0].size(), 84U);
+    EXPECT_LT(LargestError(result.tables[0], 1.0,
+                           [](double x) { return -1.0 + std::sqrt(1.0 + 8.0 * x * (1.0 - x)); }),
+              kPrinted);
+}
+
+// Faults: mid-side nodes in a wrong place, multipliers of the axes not applied, an indicator not handed on.
+TEST(Examples, TwentyNodeBricksFollowAParabola) {
+    const ExampleResult result = RunExample("brick20");
+    ASSERT_EQ(result.tables.size(), 1U);
+    ASSERT_EQ(result.tables[0].size(), 56U);
+    for (std::size_t node = 0; node < 56; ++node) {
+        const double x = 0.25 * static_cast<double>(node / 12) + (node % 12 >= 8 ? 0.125 : 0.0);
+        EXPECT_NEAR(result.tables[0][node], 1.0 - x * x, kPrinted) << "node " << node + 1;
+    }
+    EXPECT_EQ(CountOf(result.run.graphics, "       116       116         1         1         7        20"),
+              4);
+}
+
+// Faults: a separator card too many or too few, state of the first problem left in the second.
+TEST(Examples, TwoProblemsSolveTheSameSlabInTwoWays) {
+    const ExampleResult result = RunExample("two_problems");
+    ASSERT_EQ(result.tables.size(), 3U);
+    const auto parabola = [](double x) { return 4.0 * x * (1.0 - x); };
+    EXPECT_EQ(LargestError(result.tables[0], 1.0, [](double) { return 0.0; }), 0.0) << "the step before";
+    EXPECT_LT(LargestError(result.tables[1], 1.0, parabola), kPrinted);
+    EXPECT_LT(LargestError(result.tables[2], 1.0, parabola), kPrinted);
+}
+
+// Steady at the end: what dissolves behind a section passes through it. Nodal fluxes are means over the elements round a
+// node, which the bar has on both sides of a section between its ends.
+TEST(Examples, DeviceCarriesWhatDissolvesBehindASection) {
+    const ExampleResult result = RunExample("device");
+    ASSERT_EQ(result.tables.size(), 4U);
+    const auto exact = [](double x) { return -1.0 + std::sqrt(1.0 + 8.0 * (1.0 - x * x)); };
+    EXPECT_LT(LargestError(result.tables.back(), 1.0, exact), 1e-4);
+    const std::vector<double> flux = LastUnvValues(result.run.graphics, 2);
+    const std::vector<double> coefficient = LastUnvValues(result.run.graphics, 4);
+    ASSERT_EQ(flux.size(), 252U);
+    ASSERT_EQ(coefficient.size(), 252U);
+    for (std::size_t section = 4; section <= 16; ++section) {
+        const double x = static_cast<double>(section) / 20.0;
+        const std::size_t node = kNodesOfSection * section;
+        EXPECT_NEAR(flux[3 * node], 4.0 * x, 0.004 * 4.0 * x) << "x = " << x;
+        EXPECT_NEAR(flux[3 * node + 1], 0.0, 1e-9);
+        EXPECT_NEAR(coefficient[3 * node], 0.5 * (1.0 + exact(x)), 0.002) << "x = " << x;
+    }
+}
+
+// An example without a test above, or without the two files that make one.
+TEST(Examples, EachHasADeckAReadmeAndATest) {
+    const std::set<std::string> tested = {"brick20", "device", "first", "steady_nonlinear", "two_problems"};
+    std::size_t found = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples")) {
+        if (!entry.is_directory())
+            continue;
+        ++found;
+        const std::string name = entry.path().filename().string();
+        EXPECT_EQ(tested.count(name), 1U) << name;
+        EXPECT_TRUE(std::filesystem::exists(entry.path() / "zurt.dat")) << name;
+        EXPECT_TRUE(std::filesystem::exists(entry.path() / "README.md")) << name;
+    }
+    EXPECT_EQ(found, tested.size());
+}
+
+} // namespace
