@@ -104,9 +104,16 @@ TEST(InitialConditions, GroupsOfListsAndRanges) {
 }
 
 TEST(InitialConditionsDeathTest, HeldNodeTakesNoOtherValue) {
-    const RunPointer close = StartRun(Group(5.0, 1, 0) + "    2    0\n", 2 - 1 + 1, 2);
-    NodeCardValues (*close)(2) = 5.0 + 0.9e-10;
-    close->control.counts.NPOC = 2;
+    const std::string deck = Group(5.0, 1, 0) + "    2    0\n" + Group(1.0, 0, 0);
+    for (const double within : {5.0 + 0.9e-10, 5.0 - 0.9e-10}) {
+        const RunPointer run = StartRun(deck, 2);
+        NodeCardValues (*run)(2) = within;
+        ReadInitialConditions(*run); // passes without a word
+        EXPECT_FALSE(Contains(ListingOf(*run), "GRESKA"));
+    }
+    const RunPointer beyond = StartRun(deck, 2);
+    NodeCardValues (*beyond)(2) = 5.0 + 1.1e-10;
+    EXPECT_EXIT(ReadListed(beyond), testing::ExitedWithCode(0), "NISU JEDNAKE");
     EXPECT_EXIT(
         ReadListed(StartRun(Group(4.0, 1, 0) + "    4    2    0\n", 2)), testing::ExitedWithCode(0),
         "GRESKA U ULAZNIM PODACIMA:\n.*CVOT BROJ=    2\n.*UCITANA KONSTANTNA TEMPERATURA=  0.5000E\\+01\n"
@@ -140,7 +147,8 @@ TEST(InitialConditionsDeathTest, NumbersOutsideTheNodesAreDeckErrors) {
     EXPECT_EXIT(ReadListed(StartRun(
                     "    4    4    4    4    4    4    4    4    4    4    4    4    4    4\n", 2, 1)),
                 testing::ExitedWithCode(2), "Initial value node list: .*fixed format decks");
-    EXPECT_EXIT(ReadListed(StartRun("    4    0    0    1\n", 2, 1)), testing::ExitedWithCode(2), "deck");
+    EXPECT_EXIT(ReadListed(StartRun("    4    1    5    1\n", 2, 1)), testing::ExitedWithCode(2),
+                "Initial value range: .*fixed format decks");
 }
 
 } // namespace
