@@ -10,19 +10,14 @@ namespace zurt {
 
 namespace {
 
-constexpr const char* kImageHint =
-    "; this card is always taken by columns and, under INDFOR 1, is presented again to the next reader: "
-    "decks with such cards are fixed format decks";
-
 struct CardPlace {
     const Deck& deck;
     const char* group;
-    const char* hint; // "" or a sentence that goes behind the reason
 };
 
 [[noreturn]] void ReportField(const CardPlace& place, const char* field, std::string_view found,
                               const char* reason) {
-    DeckError(place.deck, place.group, field, found, std::string(reason) + place.hint);
+    DeckError(place.deck, place.group, field, found, reason);
 }
 
 const char* Expected(const FieldDescriptor& descriptor) {
@@ -106,7 +101,7 @@ bool NextInteger(ListRead& read, const char* name, std::int32_t& value) {
     ListStatus status;
     while ((status = NextListInteger(read.scanner, value)) == ListStatus::NeedRecord)
         ContinueList(read.scanner, NextRecord(read.deck, read.group));
-    const CardPlace place{read.deck, read.group, ""};
+    const CardPlace place{read.deck, read.group};
     if (status == ListStatus::NotANumber)
         ReportField(place, name, read.scanner.text, "an integer is expected");
     if (status == ListStatus::OutOfRange)
@@ -118,7 +113,7 @@ bool NextReal(ListRead& read, const char* name, double& value) {
     ListStatus status;
     while ((status = NextListReal(read.scanner, value)) == ListStatus::NeedRecord)
         ContinueList(read.scanner, NextRecord(read.deck, read.group));
-    const CardPlace place{read.deck, read.group, ""};
+    const CardPlace place{read.deck, read.group};
     if (status == ListStatus::NotANumber)
         ReportField(place, name, read.scanner.text, "a number is expected");
     if (status == ListStatus::OutOfRange)
@@ -143,7 +138,7 @@ void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
                 std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
                 if (!NextInteger(read, field.name, value))
                     return;
-                CheckInteger({deck, layout.group, ""}, field, value);
+                CheckInteger({deck, layout.group}, field, value);
             } else if (!NextReal(read, field.name, reinterpret_cast<double*>(record + field.offset)[k])) {
                 return;
             }
@@ -159,14 +154,15 @@ void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, v
     if (INDFOR == 1)
         ReadFieldsByList(deck, layout, static_cast<char*>(record));
     else if (INDFOR == 2)
-        ReadFieldsByColumns({deck, layout.group, ""}, layout, card, static_cast<char*>(record));
+        ReadFieldsByColumns({deck, layout.group}, layout, card, static_cast<char*>(record));
 }
 
 void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
     CardBuffer card;
     ReadCard(deck, INDFOR, layout.group, card);
-    const char* hint = INDFOR == 2 ? "" : kImageHint;
-    ReadFieldsByColumns({deck, layout.group, hint}, layout, card, static_cast<char*>(record));
+    if (INDFOR != 2)
+        deck.imageLine = deck.lineInHand; // a failure on this card brings a hint
+    ReadFieldsByColumns({deck, layout.group}, layout, card, static_cast<char*>(record));
 }
 
 void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
@@ -184,7 +180,7 @@ void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const 
             ReadCard(deck, INDFOR, group, card);
             const Word last = std::min(values.length, first + perCard - 1);
             for (Word i = first; i <= last; ++i)
-                ReadIntegerColumns({deck, group, ""}, field, form,
+                ReadIntegerColumns({deck, group}, field, form,
                                    ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
                                    values(i));
         }
@@ -208,7 +204,7 @@ void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const cha
             ReadCard(deck, INDFOR, group, card);
             const Word last = std::min(values.length, first + perCard - 1);
             for (Word i = first; i <= last; ++i)
-                ReadRealColumns({deck, group, ""}, field, form,
+                ReadRealColumns({deck, group}, field, form,
                                 ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
                                 values(i));
         }

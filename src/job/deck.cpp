@@ -16,6 +16,10 @@ namespace {
 // ever. No reader that ends asks for one card this often.
 constexpr Word kLargestRepeat = 1000000;
 
+constexpr const char* kImageHint = "; some cards are always taken by columns, and under INDFOR 1 such a card "
+                                   "is presented again to the next reader: "
+                                   "decks with such cards are fixed format decks";
+
 // Longest piece of a card shown in an error report.
 constexpr std::size_t kLongestExcerpt = 60;
 
@@ -140,6 +144,8 @@ void DeckError(const Deck& deck, const char* group, const char* field, std::stri
     if (!found.empty())
         text += ": \"" + Excerpt(found) + "\"";
     text += ": " + reason;
+    if (deck.imageLine > 0 && deck.imageLine == deck.lineInHand)
+        text += kImageHint;
     if (deck.lineInHand > 0 && deck.lineInHand <= LineCount(deck))
         text += "\n  card: " + Excerpt(LineText(deck, deck.lineInHand));
     StopWithLibraryError(text);

@@ -24,6 +24,7 @@ struct Deck {
     Word nextLine = 0;           // zero-based index of the record that is read next
     Word lineInHand = 0;         // one-based number of the record read last
     std::int32_t CardCounter = 0;
+    Word imageLine = 0;     // card taken by columns last while the deck has stepped back ahead of it
     Word returnedLine = -1; // record returned last by ReadCard, and how often in a row
     Word timesReturned = 0;
 };

@@ -32,11 +32,13 @@ Grid MakeGrid(const BarDeck& bar) {
     Grid grid{stride, bar.nx * stride + 1, bar.ny * stride + 1, bar.nz * stride + 1, {}};
     grid.number.assign(static_cast<std::size_t>(grid.mx) * grid.my * grid.mz, 0);
     int next = 0;
-    for (int k = 0; k < grid.mz; ++k)
-        for (int j = 0; j < grid.my; ++j)
-            for (int i = 0; i < grid.mx; ++i)
-                if (stride == 1 || i % 2 + j % 2 + k % 2 <= 1)
-                    NumberAt(grid, i, j, k) = ++next;
+    const int slices = bar.across ? grid.mx : 1, sliceLength = bar.across ? 1 : grid.mx;
+    for (int s = 0; s < slices; ++s)
+        for (int k = 0; k < grid.mz; ++k)
+            for (int j = 0; j < grid.my; ++j)
+                for (int i = s; i < s + sliceLength; ++i)
+                    if (stride == 1 || i % 2 + j % 2 + k % 2 <= 1)
+                        NumberAt(grid, i, j, k) = ++next;
     return grid;
 }
 
@@ -77,7 +79,8 @@ void WriteNodes(Writer& writer, Grid& grid) {
                 if (number == 0 || (run && i > 1 && i < last - 1))
                     continue;
                 const bool held = bar.hold && (i == 0 || i == last);
-                writer.Node(number, held ? 1 : 0, i * dx, j * dy, k * dy, run && i == 1 ? 1 : 0);
+                writer.Node(number, held ? 1 : 0, i * dx, j * dy, k * dy,
+                            run && i == 1 ? (bar.across ? grid.my * grid.mz : 1) : 0);
             }
         }
 }
@@ -100,11 +103,13 @@ std::vector<int> ElementNodes(Grid& grid, int i, int j, int k) {
     return nodes;
 }
 
+// Generated elements lie one step along x apart.
 void WriteElement(Writer& writer, Grid& grid, int number, int i, int j, int k, int generated) {
     std::vector<int> nodes = ElementNodes(grid, i * grid.stride, j * grid.stride, k * grid.stride);
     std::vector<int> card = {number};
     card.insert(card.end(), nodes.begin(), nodes.begin() + 8);
-    for (int field : {0, writer.bar.source ? 1 : 0, generated > 0 ? 1 : 0, generated, 0, 0})
+    const int step = NumberAt(grid, 1, 0, 0) - NumberAt(grid, 0, 0, 0);
+    for (int field : {0, writer.bar.source ? 1 : 0, generated > 0 ? step : 0, generated, 0, 0})
         card.push_back(field);
     const std::vector<int> widths = {8, 8, 8, 8, 8, 8, 8, 8, 8, 3};
     writer.Integers(card, widths);
@@ -187,6 +192,8 @@ void WriteBoundary(Writer& writer) {
 } // namespace
 
 int GridNode(const BarDeck& bar, int i, int j, int k) {
+    if (bar.across)
+        return (i * (bar.nz + 1) + k) * (bar.ny + 1) + j + 1;
     return (k * (bar.ny + 1) + j) * (bar.nx + 1) + i + 1;
 }
 

@@ -15,6 +15,7 @@ struct BarDeck {
     double width = 0.0;  // element size in y and z; 0: as in x
     bool fixedFormat = false;
     bool generate = true;
+    bool across = false; // nodes numbered across the bar first, for a narrow band; else along x
     int NDS = 0;
     bool hold = true; // end faces have no equation
     bool steady = false;

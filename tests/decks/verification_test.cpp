@@ -1,0 +1,274 @@
+// Whole runs against closed forms: orders of convergence, the fixed-point iteration, one problem in many guises.
+#include "support/bar_deck.h"
+#include "support/run_deck.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using namespace zurt_test;
+
+// Release from a slab held at zero on both faces (Crank 1975), a = 1/2: amount released over all, centre over start.
+constexpr double kReleasedAt02 = 0.504088;
+constexpr double kCentreAt02 = 0.772312;
+
+struct SlabResult {
+    double released = 0.0;
+    double centre = 0.0;
+};
+
+SlabResult RunSlab(int elements, int steps) {
+    BarDeck bar;
+    bar.nx = elements;
+    bar.across = true;
+    bar.periods = {{steps, 0.05 / steps}}; // Fo = t / a^2 = 0.2
+    bar.NPRINT = 100000;
+    bar.IGRAF = 100000;
+    const RunResult run = RunDeck(Build(bar));
+    EXPECT_EQ(run.status, 0) << run.errors;
+    const std::vector<double> c = LastConcentrations(run.listing);
+    SlabResult result;
+    if (c.size() != static_cast<std::size_t>(GridNode(bar, elements, 1, 1))) {
+        ADD_FAILURE() << "no table of results";
+        return result;
+    }
+    const auto at = [&](int i) { return c[static_cast<std::size_t>(GridNode(bar, i, 0, 0) - 1)]; };
+    double left = 0.0;
+    for (int i = 0; i < elements; ++i) // the exact integral of the linear interpolation
+        left += (at(i) + at(i + 1)) / (2.0 * elements);
+    result.released = 1.0 - left;
+    result.centre = at(elements / 2);
+    return result;
+}
+
+// Without the first-order error of the step.
+SlabResult ExtrapolateInStep(int elements, int steps) {
+    const SlabResult coarse = RunSlab(elements, steps), fine = RunSlab(elements, 2 * steps);
+    return {2.0 * fine.released - coarse.released, 2.0 * fine.centre - coarse.centre};
+}
+
+double Order(double coarseError, double fineError) {
+    return std::log2(std::fabs(coarseError) / std::fabs(fineError));
+}
+
+void Report(const char* what, int parameter, double value, double error, double order) {
+    std::printf("%-28s %6d %12.6f %12.3e %8.2f\n", what, parameter, value, error, order);
+}
+
+TEST(Verification, SlabReleaseIsOfFirstOrderInTheStep) {
+    double before = 0.0;
+    for (int steps : {20, 40, 80, 160}) {
+        const SlabResult slab = RunSlab(160, steps);
+        const double error = slab.centre - kCentreAt02;
+        const double order = before == 0.0 ? 0.0 : Order(before, error);
+        Report("slab, steps to Fo 0.2", steps, slab.centre, error, order);
+        if (before != 0.0) {
+            EXPECT_NEAR(order, 1.0, 0.12) << steps;
+        }
+        before = error;
+    }
+    EXPECT_LT(std::fabs(before), 4e-4);
+}
+
+TEST(Verification, SlabReleaseIsOfSecondOrderInTheMesh) {
+    double before = 0.0, releasedBefore = 0.0;
+    for (int elements : {8, 16, 32}) {
+        const SlabResult slab = ExtrapolateInStep(elements, 400);
+        const double error = slab.centre - kCentreAt02, releasedError = slab.released - kReleasedAt02;
+        const double order = before == 0.0 ? 0.0 : Order(before, error);
+        Report("slab, elements: centre", elements, slab.centre, error, order);
+        Report("slab, elements: released", elements, slab.released, releasedError,
+               releasedBefore == 0.0 ? 0.0 : Order(releasedBefore, releasedError));
+        if (before != 0.0) {
+            EXPECT_NEAR(order, 2.0, 0.15) << elements;
+            EXPECT_NEAR(Order(releasedBefore, releasedError), 2.0, 0.15) << elements;
+        }
+        before = error;
+        releasedBefore = releasedError;
+    }
+}
+
+// D = 1 + c, source Q, both faces at zero: c = -1 + sqrt(1 + Q x (L - x)).
+BarDeck SteadyNonlinearBar(int elements, int nodes) {
+    BarDeck bar;
+    bar.nx = elements;
+    bar.nodes = nodes;
+    bar.steady = true;
+    bar.source = true;
+    bar.sourceCurve = {{0.0, 8.0}};
+    bar.start = 0.0;
+    bar.diffusion = {{0.0, 1.0}, {10.0, 11.0}};
+    bar.EPSTR = 1e-9; // below 1e-10 the default would stand in its place
+    bar.MAXIT = 60;
+    return bar;
+}
+
+double ExactSteady(double x) {
+    return -1.0 + std::sqrt(1.0 + 8.0 * x * (1.0 - x));
+}
+
+// Linear elements are exact at the nodes here (the integral of D over an element is the difference of its primitive), so
+// the error is taken in the middle of the elements; quadratic ones have nodes there.
+double LargestSteadyError(int elements, int nodes) {
+    const RunResult run = RunDeck(Build(SteadyNonlinearBar(elements, nodes)));
+    EXPECT_EQ(run.status, 0) << run.errors;
+    const std::vector<double> c = LastConcentrations(run.listing);
+    const std::size_t row = static_cast<std::size_t>(nodes == 20 ? 2 * elements + 1 : elements + 1);
+    if (c.size() < row) {
+        ADD_FAILURE() << "no table of results";
+        return 0.0;
+    }
+    double largest = 0.0;
+    for (int e = 0; e < elements; ++e) {
+        const std::size_t i = static_cast<std::size_t>(e);
+        const double middle = nodes == 20 ? c[2 * i + 1] : 0.5 * (c[i] + c[i + 1]);
+        largest = std::max(largest, std::fabs(middle - ExactSteady((e + 0.5) / elements)));
+    }
+    return largest;
+}
+
+TEST(Verification, SteadyNonlinearSourceIsOfSecondOrderInTheMesh) {
+    double before = 0.0;
+    for (int elements : {8, 16, 32, 64}) {
+        const double error = LargestSteadyError(elements, 8);
+        Report("steady 1 + c, elements", elements, 0.0, error, before == 0.0 ? 0.0 : Order(before, error));
+        if (elements > 16) {
+            EXPECT_NEAR(Order(before, error), 2.0, 0.25) << elements;
+        }
+        before = error;
+    }
+    EXPECT_LT(before, 1e-3);
+    const double coarse = LargestSteadyError(8, 20), fine = LargestSteadyError(16, 20);
+    Report("steady 1 + c, 20 nodes", 16, 0.0, fine, Order(coarse, fine));
+    EXPECT_GT(Order(coarse, fine), 2.6);
+}
+
+// Numbers behind ": INCREMENT       = " on the listing.
+std::vector<double> IncrementsOf(const std::string& listing) {
+    std::vector<double> values;
+    const std::string mark = ": INCREMENT       = ";
+    for (std::size_t at = listing.find(mark); at != std::string::npos; at = listing.find(mark, at + 1))
+        values.push_back(std::strtod(listing.c_str() + at + mark.size(), nullptr));
+    return values;
+}
+
+// The iteration on a bar of linear elements in one dimension: K(c) assembled with two Gauss points, K(c) dc = q - K(c) c.
+std::vector<double> FixedPointIncrements(int elements, double Q, int count) {
+    const double h = 1.0 / elements, g = 0.5773502588272095;
+    std::vector<double> c(static_cast<std::size_t>(elements) + 1, 0.0), increments;
+    for (int iteration = 0; iteration < count; ++iteration) {
+        const std::size_t n = static_cast<std::size_t>(elements) + 1;
+        std::vector<double> diagonal(n, 0.0), upper(n, 0.0), residual(n, 0.0);
+        for (std::size_t e = 0; e + 1 < n; ++e) {
+            double k = 0.0;
+            for (double r : {-g, g})
+                k += (1.0 + 0.5 * (1.0 - r) * c[e] + 0.5 * (1.0 + r) * c[e + 1]) / (2.0 * h);
+            diagonal[e] += k;
+            diagonal[e + 1] += k;
+            upper[e] = -k;
+            residual[e] += 0.5 * Q * h - k * (c[e] - c[e + 1]);
+            residual[e + 1] += 0.5 * Q * h - k * (c[e + 1] - c[e]);
+        }
+        // Thomas algorithm over the inner nodes.
+        for (std::size_t i = 2; i + 1 < n; ++i) {
+            const double factor = upper[i - 1] / diagonal[i - 1];
+            diagonal[i] -= factor * upper[i - 1];
+            residual[i] -= factor * residual[i - 1];
+        }
+        double norm = 0.0, next = 0.0;
+        for (std::size_t i = n - 2; i >= 1; --i) {
+            next = (residual[i] - (i + 2 < n ? upper[i] * next : 0.0)) / diagonal[i];
+            c[i] += next;
+            norm += 4.0 * next * next; // four nodes of the bar share each place
+        }
+        increments.push_back(std::sqrt(norm));
+    }
+    return increments;
+}
+
+TEST(Verification, IterationHistoryIsThatOfTheFixedPoint) {
+    const RunResult run = RunDeck(Build(SteadyNonlinearBar(8, 8)));
+    const std::vector<double> listed = IncrementsOf(run.listing);
+    ASSERT_GT(listed.size(), 8u);
+    const std::vector<double> expected = FixedPointIncrements(8, 8.0, static_cast<int>(listed.size()));
+    for (std::size_t i = 0; i < listed.size() && expected[i] > 1e-7; ++i)
+        EXPECT_NEAR(listed[i], expected[i], 1e-4 * expected[i] + 1e-12) << "iteration " << i;
+    // The method field changes nothing.
+    BarDeck newton = SteadyNonlinearBar(8, 8);
+    newton.NJRAP = 2;
+    EXPECT_EQ(ResultsOfListing(RunDeck(Build(newton)).listing), ResultsOfListing(run.listing));
+}
+
+// Catches readers of the two formats or of generated cards that drift apart.
+TEST(Verification, FreeFixedAndGeneratedDecksGiveTheSameResults) {
+    BarDeck bar;
+    bar.nx = 8;
+    bar.ny = 2;
+    bar.diffusion = {{0.0, 1.0}, {2.0, 3.0}};
+    bar.periods = {{3, 0.01}, {2, 0.02}};
+    const std::string reference = ResultsOfListing(RunDeck(Build(bar)).listing);
+    ASSERT_NE(reference, "");
+    for (bool fixedFormat : {false, true})
+        for (bool generate : {false, true}) {
+            bar.fixedFormat = fixedFormat;
+            bar.generate = generate;
+            EXPECT_EQ(ResultsOfListing(RunDeck(Build(bar)).listing), reference) << fixedFormat << generate;
+        }
+}
+
+// Catches groups that disturb each other's data blocks, heights or curves.
+TEST(Verification, SeveralGroupsGiveTheResultsOfOne) {
+    BarDeck bar;
+    bar.nx = 9;
+    bar.diffusion = {{0.0, 1.0}, {2.0, 3.0}};
+    const std::vector<double> one = LastConcentrations(RunDeck(Build(bar)).listing);
+    bar.groups = 3;
+    const std::vector<double> three = LastConcentrations(RunDeck(Build(bar)).listing);
+    ASSERT_EQ(one.size(), three.size());
+    for (std::size_t i = 0; i < one.size(); ++i)
+        EXPECT_NEAR(one[i], three[i], 1e-5) << i;
+}
+
+// With NDS the same material comes from a diffusion curve and the capacity is 1: results must not differ.
+TEST(Verification, DeviceCurvesGiveTheResultsOfMaterials) {
+    BarDeck bar;
+    bar.nx = 8;
+    bar.diffusion = {{0.0, 1.0}, {2.0, 3.0}};
+    const std::vector<double> materials = LastConcentrations(RunDeck(Build(bar)).listing);
+    bar.NDS = 1;
+    bar.fixedFormat = true; // cards of diffusion curves are always taken by columns
+    const RunResult device = RunDeck(Build(bar));
+    EXPECT_EQ(LastConcentrations(device.listing), materials) << device.errors;
+    // The averaged coefficient of a node between equal neighbours is D at the mean of its elements' Gauss points; at the
+    // plane of symmetry the flux along x vanishes and the coefficient lies between D(0) and D(1).
+    const std::vector<double> flux = LastUnvValues(device.graphics, 2), D = LastUnvValues(device.graphics, 4);
+    ASSERT_EQ(flux.size(), 3u * materials.size());
+    const std::size_t middle = 3u * static_cast<std::size_t>(GridNode(bar, 4, 0, 0) - 1);
+    EXPECT_NEAR(flux[middle], 0.0, 1e-4);
+    EXPECT_GT(flux[middle + 6], 0.0); // towards the right face
+    EXPECT_GT(D[middle], 1.0);
+    EXPECT_LT(D[middle], 2.0);
+}
+
+// A linear problem shows the step before, a steady linear one zero: required, and easy to mend by mistake.
+TEST(Verification, LinearProblemsShowTheStepBefore) {
+    BarDeck bar;
+    bar.diffusion = {{0.0, 1.0}};
+    bar.steady = true;
+    bar.source = true;
+    for (double value : LastConcentrations(RunDeck(Build(bar)).listing))
+        EXPECT_EQ(value, 0.0);
+    bar.steady = false;
+    bar.source = false;
+    bar.periods = {{1, 0.01}};
+    const std::vector<double> first = LastConcentrations(RunDeck(Build(bar)).listing);
+    ASSERT_FALSE(first.empty());
+    EXPECT_EQ(first[1], 1.0); // the initial value
+    EXPECT_EQ(first[0], 0.0); // held
+}
+
+} // namespace
