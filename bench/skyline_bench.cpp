@@ -53,7 +53,12 @@ void TimeSubstitution(benchmark::State& state, Substitute substitute) {
 
 #define ZURT_CUBES ->Arg(15)->Arg(20)->Arg(25)->Arg(30)->Unit(benchmark::kMillisecond)
 
-BENCHMARK_CAPTURE(TimeFactor, solver, zurt::FactorSkyline) ZURT_CUBES;
+Word FactorPortable(RealArray store, zurt::ConstIntArray MAXA, Word NN) {
+    return zurt::FactorSkyline(store, MAXA, NN, zurt::SkylineKernel::Portable);
+}
+
+BENCHMARK_CAPTURE(TimeFactor, solver, static_cast<Factor>(zurt::FactorSkyline)) ZURT_CUBES;
+BENCHMARK_CAPTURE(TimeFactor, portable, FactorPortable) ZURT_CUBES;
 BENCHMARK_CAPTURE(TimeFactor, plain, zurt_test::ReferenceFactor) ZURT_CUBES;
 BENCHMARK_CAPTURE(TimeSubstitution, solver, zurt::SubstituteSkyline) ZURT_CUBES;
 BENCHMARK_CAPTURE(TimeSubstitution, plain, zurt_test::ReferenceSubstitute) ZURT_CUBES;

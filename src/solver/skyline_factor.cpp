@@ -1,10 +1,16 @@
 #include "solver/skyline_factor.h"
 
+#include "solver/skyline_panel.h"
+
 #include <algorithm>
+#include <new>
 
 namespace zurt {
 
 namespace {
+
+// A panel of more rows than this is left to the plain loops: the scratch ends at 128 MB.
+constexpr Word kMostPanelRows = 1 << 20;
 
 // Reduces column n by the finished columns before it, then divides it and forms its diagonal. `store` and `pointers`
 // are zero-based.
@@ -33,15 +39,104 @@ void FinishColumn(double* store, const std::int32_t* pointers, Word n) {
     column[0] -= sum;
 }
 
-} // namespace
+// Whether the panel is cheaper than its columns one by one, in cycles as measured: a row of the panel takes a start
+// and then less time a step than the sum of one column alone; columns of very different heights leave lanes idle.
+bool PanelPays(const SkylinePanel& panel) {
+    const double rows = static_cast<double>(panel.first + panel.columns - panel.top);
+    if (rows > static_cast<double>(kMostPanelRows))
+        return false;
+    double single = 0.0;
+    for (Word lane = 0; lane < panel.columns; ++lane) {
+        const double height = static_cast<double>(panel.first + lane - panel.laneTop[lane]);
+        single += height * (height + 15.0);
+    }
+    return rows * (1.25 * rows + 90.0) < single;
+}
 
-Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN) {
-    for (Word n = 0; n < NN; ++n) {
-        FinishColumn(SkylineMatrix.data, MAXA.data, n);
-        if (0.0 >= SkylineMatrix(MAXA(n + 1)))
-            return n + 1;
+// The rows of scratch that the largest panel of the layout takes; 0 when no panel pays.
+Word ScratchRows(SkylinePanel& panel, Word NN) {
+    Word rows = 0;
+    for (panel.first = 0; panel.first < NN; panel.first += kPanelLanes) {
+        panel.columns = std::min(kPanelLanes, NN - panel.first);
+        PlacePanel(panel);
+        if (PanelPays(panel))
+            rows = std::max(rows, panel.bottom - panel.top + 1);
+    }
+    return rows;
+}
+
+// All columns, panel by panel. Without scratch every column goes alone.
+template <int kWidth> ZURT_INLINE Word FactorColumns(SkylinePanel& panel, Word NN) {
+    for (panel.first = 0; panel.first < NN; panel.first += kPanelLanes) {
+        panel.columns = std::min(kPanelLanes, NN - panel.first);
+        PlacePanel(panel);
+        if (panel.reduced != nullptr && PanelPays(panel)) {
+            const Word failed = FactorPanel<kWidth>(panel);
+            if (failed != 0)
+                return failed;
+            continue;
+        }
+        for (Word n = panel.first; n < panel.first + panel.columns; ++n) {
+            FinishColumn(panel.store, panel.pointers, n);
+            if (0.0 >= panel.store[panel.pointers[n] - 1])
+                return n + 1;
+        }
     }
     return 0;
+}
+
+Word FactorPortable(SkylinePanel& panel, Word NN) {
+    return FactorColumns<2>(panel, NN);
+}
+
+#ifdef __x86_64__
+__attribute__((target("avx2"))) Word FactorAvx2(SkylinePanel& panel, Word NN) {
+    return FactorColumns<4>(panel, NN);
+}
+
+__attribute__((target("avx512f"))) Word FactorAvx512(SkylinePanel& panel, Word NN) {
+    return FactorColumns<8>(panel, NN);
+}
+#endif
+
+} // namespace
+
+SkylineKernel WidestSkylineKernel() {
+#ifdef __x86_64__
+    if (__builtin_cpu_supports("avx512f"))
+        return SkylineKernel::Avx512;
+    if (__builtin_cpu_supports("avx2"))
+        return SkylineKernel::Avx2;
+#endif
+    return SkylineKernel::Portable;
+}
+
+Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, SkylineKernel kernel) {
+    SkylinePanel panel = {};
+    panel.store = SkylineMatrix.data;
+    panel.pointers = MAXA.data;
+    const Word rows = ScratchRows(panel, NN);
+    if (rows > 0)
+        panel.reduced = new (std::nothrow) PanelRow[static_cast<std::size_t>(rows)];
+    Word failed = 0;
+    switch (kernel) {
+#ifdef __x86_64__
+    case SkylineKernel::Avx512:
+        failed = FactorAvx512(panel, NN);
+        break;
+    case SkylineKernel::Avx2:
+        failed = FactorAvx2(panel, NN);
+        break;
+#endif
+    default:
+        failed = FactorPortable(panel, NN);
+    }
+    delete[] panel.reduced;
+    return failed;
+}
+
+Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN) {
+    return FactorSkyline(SkylineMatrix, MAXA, NN, WidestSkylineKernel());
 }
 
 double SkylineFactorOperations(ConstIntArray MAXA, Word NN) {

@@ -1,10 +1,14 @@
-// The inner part of the skyline factorisation: a panel of neighbouring columns reduced side by side.
+// The inner part of the skyline factorisation: a panel of neighbouring columns, reduced side by side.
 //
-// Within one column every entry waits for the whole sum of the entry above it, so the only independent sums are those
-// of different columns. A panel therefore takes kLanes columns at once, lane by lane, and walks down their rows
-// together: in each row the sums of all lanes run from the diagonal outward over the same finished column.
-// The diagonal is one more lane of its own row, since its sum is of the same products in the same order.
-// Included by solver/skyline_factor.cpp alone, which makes one copy for each instruction set.
+// Within a column each sum begins with the entry that the sum before it has given, so the only sums that can run at
+// the same time are those of different columns. A panel takes 16 columns as the lanes of two vectors and walks down
+// their rows together. In row K the sums of all lanes run over the finished column K, from the diagonal outward, as
+// the plain loops do; what lies above the top of a lane stays out of its sum. The diagonal is one more lane of its
+// own row, for its sum is of the same products in the same order.
+//
+// More lanes are no gain: 16 cover the latency of an addition, and their reduced rows still fit the innermost cache
+// for heights up to about 350.
+// Included by solver/skyline_factor.cpp alone, which makes one copy of this code for each instruction set.
 #pragma once
 
 #include "core/array_view.h"
@@ -13,138 +17,151 @@
 
 namespace zurt {
 
-/// Eight lanes; the compiler splits them where registers are narrower.
-typedef double LaneVector __attribute__((vector_size(64)));
-constexpr Word kVectorLanes = 8;
-
 #define ZURT_INLINE inline __attribute__((always_inline))
 
-/// One panel. Rows and columns are counted from zero.
-template <int kVectors> struct SkylinePanel {
-    static constexpr Word kLanes = kVectors * kVectorLanes;
+constexpr Word kPanelLanes = 16;
 
-    double* store;                // the whole store, entry 0 first
-    const std::int32_t* pointers; // MAXA, entry 0 first
-    LaneVector* reduced;          // row r of all lanes at (r - top) * kVectors: entries before division by the pivot
-    Word first;                   // column of lane 0
-    Word columns;                 // lanes in use
-    Word top;                     // highest row of any lane
-    Word allTop;                  // from this row down every lane in use has entries
-    double* entry[kLanes];        // entry (r, lane) stands at entry[lane] - r
-    Word laneTop[kLanes];         // highest row of the lane
-    LaneVector laneTops[kVectors];
+/// kWidth lanes in one register.
+template <int kWidth> struct Lanes {
+    typedef double Vector __attribute__((vector_size(kWidth * sizeof(double)), may_alias));
+    static constexpr int kVectors = kPanelLanes / kWidth;
 };
 
-template <int kVectors>
-ZURT_INLINE void BeginPanel(SkylinePanel<kVectors>& panel) {
+/// One row of a panel.
+struct alignas(64) PanelRow {
+    double lane[kPanelLanes];
+};
+
+/// Columns first .. first + columns - 1; rows and columns are counted from zero.
+struct SkylinePanel {
+    double* store;                // the whole skyline store
+    const std::int32_t* pointers; // MAXA; the diagonal of column c is store[pointers[c] - 1]
+    PanelRow* reduced;            // entries before the division by the pivot: row r at bottom - r
+    Word first;
+    Word columns;              // lanes in use, 1..16
+    Word bottom;               // row of the last lane's diagonal
+    Word top;                  // highest row of any lane
+    Word allTop;               // from this row down every lane in use has entries
+    Word entry[kPanelLanes];   // entry (r, lane) is store[entry[lane] - r]
+    Word laneTop[kPanelLanes]; // highest row of the lane; below bottom for a lane that is not in use
+    PanelRow laneTops;         // the same as reals, to compare vectors with
+};
+
+/// Sets all that follows from `first` and `columns`.
+ZURT_INLINE void PlacePanel(SkylinePanel& panel) {
+    panel.bottom = panel.first + kPanelLanes - 1;
     panel.top = panel.first;
     panel.allTop = 0;
-    double* tops = reinterpret_cast<double*>(panel.laneTops);
-    for (Word lane = 0; lane < panel.kLanes; ++lane) {
-        const Word column = panel.first + lane;
-        panel.laneTop[lane] = column;
+    for (Word lane = 0; lane < kPanelLanes; ++lane) {
+        panel.entry[lane] = 0;
+        panel.laneTop[lane] = panel.bottom + 1;
         if (lane < panel.columns) {
-            panel.entry[lane] = panel.store + (panel.pointers[column] - 1) + column;
+            const Word column = panel.first + lane;
+            panel.entry[lane] = panel.pointers[column] - 1 + column;
             panel.laneTop[lane] = column - (panel.pointers[column + 1] - panel.pointers[column] - 1);
             panel.top = std::min(panel.top, panel.laneTop[lane]);
             panel.allTop = std::max(panel.allTop, panel.laneTop[lane]);
         }
-        tops[lane] = static_cast<double>(panel.laneTop[lane]);
+        panel.laneTops.lane[lane] = static_cast<double>(panel.laneTop[lane]);
     }
 }
 
-/// The sums of row K: for each lane the products of column K and the lane, rows K-1 and up.
-template <int kVectors>
-ZURT_INLINE void SumRow(const SkylinePanel<kVectors>& panel, Word K, LaneVector* result) {
-    const double* __restrict other = panel.store + (panel.pointers[K] - 1) + K;
-    const Word otherTop = K - (panel.pointers[K + 1] - panel.pointers[K] - 1);
-    const Word last = std::max(panel.top, otherTop);
-    const Word lastCommon = std::max(last, panel.allTop);
-    const LaneVector* __restrict rows = panel.reduced + (panel.first + panel.kLanes - 1) * kVectors;
-    LaneVector sum[kVectors];
-#pragma GCC unroll 16
+/// The sums of row K: for each lane the products with column K, rows K - 1 and up, as far as both columns reach.
+template <int kWidth> ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, PanelRow& result) {
+    using Vector = typename Lanes<kWidth>::Vector;
+    constexpr int kVectors = Lanes<kWidth>::kVectors;
+    const double* __restrict column = panel.store + (panel.pointers[K] - 1);
+    const PanelRow* __restrict reduced = panel.reduced + (panel.bottom - K);
+    const Word height = panel.pointers[K + 1] - panel.pointers[K] - 1;
+    const Word common = std::min(height, K - panel.allTop);
+    const Word count = std::min(height, K - panel.top);
+    Vector sum[kVectors];
+#pragma GCC unroll 8
     for (int v = 0; v < kVectors; ++v)
-        sum[v] = LaneVector{};
-    Word r = K - 1;
-    for (; r >= lastCommon; --r) {
-        const double factor = other[-r];
-#pragma GCC unroll 16
+        sum[v] = Vector{};
+    Word i = 1;
+    for (; i <= common; ++i) {
+        const Vector* row = reinterpret_cast<const Vector*>(reduced[i].lane);
+        const double factor = column[i];
+#pragma GCC unroll 8
         for (int v = 0; v < kVectors; ++v)
-            sum[v] += factor * rows[v - r * kVectors];
+            sum[v] += factor * row[v];
     }
-    for (; r >= last; --r) {
-        const double factor = other[-r];
-        const double row = static_cast<double>(r);
-#pragma GCC unroll 16
+    const Vector* tops = reinterpret_cast<const Vector*>(panel.laneTops.lane);
+    for (; i <= count; ++i) {
+        const Vector* row = reinterpret_cast<const Vector*>(reduced[i].lane);
+        const double factor = column[i];
+        const double r = static_cast<double>(K - i);
+#pragma GCC unroll 8
         for (int v = 0; v < kVectors; ++v)
-            sum[v] = panel.laneTops[v] <= row ? sum[v] + factor * rows[v - r * kVectors] : sum[v];
+            sum[v] = tops[v] <= r ? sum[v] + factor * row[v] : sum[v];
     }
-#pragma GCC unroll 16
+    Vector* results = reinterpret_cast<Vector*>(result.lane);
+#pragma GCC unroll 8
     for (int v = 0; v < kVectors; ++v)
-        result[v] = sum[v];
+        results[v] = sum[v];
 }
 
-/// Row K: sums, subtraction, pivot of lane K - first if that is in the panel, division by the pivot. Returns false
-/// when the pivot is not above zero.
-template <int kVectors>
-ZURT_INLINE bool FinishRow(const SkylinePanel<kVectors>& panel, Word K) {
-    LaneVector value[kVectors], sum[kVectors];
-    double* values = reinterpret_cast<double*>(value);
-    const double* sums = reinterpret_cast<const double*>(sum);
-    const bool common = K > panel.allTop && K < panel.first && panel.columns == panel.kLanes;
-    const Word otherHeight = panel.pointers[K + 1] - panel.pointers[K] - 1;
-    SumRow(panel, K, sum);
-    if (common && otherHeight > 0) {
-#pragma GCC unroll 64
-        for (Word lane = 0; lane < panel.kLanes; ++lane)
-            values[lane] = panel.entry[lane][-K];
-#pragma GCC unroll 16
-        for (int v = 0; v < kVectors; ++v)
-            value[v] -= sum[v];
-    } else {
-        for (Word lane = 0; lane < panel.kLanes; ++lane) {
-            values[lane] = 0.0;
-            if (lane < panel.columns && panel.laneTop[lane] <= K && K <= panel.first + lane) {
-                values[lane] = panel.entry[lane][-K];
-                if (otherHeight > 0 && panel.laneTop[lane] < K)
-                    values[lane] -= sums[lane];
-            }
-        }
-    }
-#pragma GCC unroll 16
-    for (int v = 0; v < kVectors; ++v)
-        panel.reduced[(panel.first + panel.kLanes - 1 - K) * kVectors + v] = value[v];
+/// Row K of a panel: sums, subtraction, pivot if the row's own column is a lane, division by the pivot. `kWhole` says
+/// that the row lies above the panel's diagonals and below the tops of all sixteen lanes. Returns false when the
+/// pivot is not above zero.
+template <int kWidth, bool kWhole> ZURT_INLINE bool FinishRow(const SkylinePanel& panel, Word K) {
+    using Vector = typename Lanes<kWidth>::Vector;
+    constexpr int kVectors = Lanes<kWidth>::kVectors;
+    PanelRow sum;
+    SumRow<kWidth>(panel, K, sum);
 
-    Word lane = 0;
-    if (K >= panel.first) {
-        lane = K - panel.first;
-        panel.entry[lane][-K] = values[lane];
-        if (0.0 >= values[lane])
+    double idle = 0.0; // stands in for entries outside the profile
+    double* place[kPanelLanes];
+    PanelRow& value = panel.reduced[panel.bottom - K];
+#pragma GCC unroll 16
+    for (Word lane = 0; lane < kPanelLanes; ++lane) {
+        const bool inside = kWhole || (panel.laneTop[lane] <= K && K <= panel.first + lane);
+        place[lane] = inside ? panel.store + (panel.entry[lane] - K) : &idle;
+        value.lane[lane] = *place[lane];
+    }
+    Vector* values = reinterpret_cast<Vector*>(value.lane);
+    const Vector* sums = reinterpret_cast<const Vector*>(sum.lane);
+    const Vector* tops = reinterpret_cast<const Vector*>(panel.laneTops.lane);
+    // Where there was nothing to sum, nothing is subtracted: even a zero would flush a denormal entry.
+    if (panel.pointers[K + 1] - panel.pointers[K] > 1) {
+        const double r = static_cast<double>(K);
+#pragma GCC unroll 8
+        for (int v = 0; v < kVectors; ++v)
+            values[v] = kWhole || tops[v] < r ? values[v] - sums[v] : values[v];
+    }
+
+    double& pivot = panel.store[panel.pointers[K] - 1];
+    if (!kWhole && K >= panel.first) {
+        pivot = value.lane[K - panel.first];
+        if (0.0 >= pivot)
             return false;
-        ++lane;
+        place[K - panel.first] = &idle;
     }
-    const double pivot = panel.store[panel.pointers[K] - 1];
-#pragma GCC unroll 16
+    PanelRow quotient;
+    Vector* quotients = reinterpret_cast<Vector*>(quotient.lane);
+#pragma GCC unroll 8
     for (int v = 0; v < kVectors; ++v)
-        value[v] = value[v] / pivot;
-    if (common) {
-#pragma GCC unroll 64
-        for (lane = 0; lane < panel.kLanes; ++lane)
-            panel.entry[lane][-K] = values[lane];
-    } else {
-        for (; lane < panel.columns; ++lane)
-            if (panel.laneTop[lane] <= K)
-                panel.entry[lane][-K] = values[lane];
-    }
+        quotients[v] = values[v] / pivot;
+#pragma GCC unroll 16
+    for (Word lane = 0; lane < kPanelLanes; ++lane)
+        *place[lane] = quotient.lane[lane];
     return true;
 }
 
-/// Reduces, divides and tests the panel's columns. Returns 0, or the one-based number of the failed pivot.
-template <int kVectors>
-ZURT_INLINE Word FactorPanel(SkylinePanel<kVectors>& panel) {
-    BeginPanel(panel);
-    for (Word K = panel.top; K < panel.first + panel.columns; ++K)
-        if (!FinishRow(panel, K))
+/// Reduces, divides and tests the columns of a placed panel. Returns 0, or the one-based number of the pivot that
+/// failed.
+template <int kWidth> ZURT_INLINE Word FactorPanel(const SkylinePanel& panel) {
+    const Word last = panel.first + panel.columns - 1;
+    const Word firstWhole =
+        panel.columns == kPanelLanes ? std::min(panel.allTop + 1, panel.first) : panel.first;
+    Word K = panel.top;
+    for (; K < firstWhole; ++K)
+        FinishRow<kWidth, false>(panel, K);
+    for (; K < panel.first; ++K)
+        FinishRow<kWidth, true>(panel, K);
+    for (; K <= last; ++K)
+        if (!FinishRow<kWidth, false>(panel, K))
             return K + 1;
     return 0;
 }

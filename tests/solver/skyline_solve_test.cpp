@@ -34,24 +34,40 @@ Word FirstDifference(const Reals& a, const Reals& b) {
     return 0;
 }
 
-// Factor and solve must give the bits of the plain loops, in every part that each of the two calls touches.
+using zurt::SkylineKernel;
+
+// The kernels that this machine runs.
+std::vector<SkylineKernel> Kernels() {
+    std::vector<SkylineKernel> kernels;
+    for (const SkylineKernel kernel : {SkylineKernel::Portable, SkylineKernel::Avx2, SkylineKernel::Avx512})
+        if (kernel <= zurt::WidestSkylineKernel())
+            kernels.push_back(kernel);
+    return kernels;
+}
+
+// Every kernel must give the bits of the plain loops, and the substitution with its factors too.
 void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std::string& what) {
     SkylineSystem reference = system;
-    SkylineSystem solved = system;
     const Word failed = zurt_test::ReferenceFactor(reference.Store(), reference.Pointers(), reference.NN);
-    ASSERT_EQ(zurt::FactorSkyline(solved.Store(), solved.Pointers(), solved.NN), failed) << what;
-    if (failed != 0) {
-        const Word diagonal = reference.Pointers()(failed);
-        EXPECT_EQ(solved.Store()(diagonal), reference.Store()(diagonal)) << what;
-        return;
+    for (const SkylineKernel kernel : Kernels()) {
+        const std::string where = what + " kernel " + std::to_string(static_cast<int>(kernel));
+        SkylineSystem solved = system;
+        ASSERT_EQ(zurt::FactorSkyline(solved.Store(), solved.Pointers(), solved.NN, kernel), failed) << where;
+        if (failed != 0) {
+            const Word diagonal = reference.Pointers()(failed);
+            EXPECT_EQ(solved.Store()(diagonal), reference.Store()(diagonal)) << where;
+        } else {
+            EXPECT_EQ(FirstDifference(solved.store, reference.store), 0) << where;
+        }
     }
-    ASSERT_EQ(FirstDifference(solved.store, reference.store), 0) << what;
-
+    if (failed != 0)
+        return;
     std::uniform_real_distribution<double> entry(-1.0, 1.0);
     Reals V(static_cast<std::size_t>(system.NN));
     for (double& v : V)
         v = entry(random);
     Reals expected = V;
+    SkylineSystem solved = reference;
     zurt_test::ReferenceSubstitute(reference.Store(), View(expected), reference.Pointers(), reference.NN);
     zurt::SubstituteSkyline(solved.Store(), View(V), solved.Pointers(), solved.NN);
     EXPECT_EQ(FirstDifference(V, expected), 0) << what;
