@@ -1,0 +1,321 @@
+#include "job/partition.h"
+
+#include "core/format.h"
+
+#include "support/small_run.h"
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <string>
+
+namespace zurt {
+namespace {
+
+using zurt_test::SmallRun;
+using zurt_test::Written;
+using zurt_test::WrittenByStop;
+
+// Faults: a section of another size or in another place; words taken for tables that this problem has not; NTABK 0
+// taking no word; LNDS pointers that don't stand at LDIRD without NDS; a first pointer of 0.
+TEST(Partition, SteadyProblemWithoutDevice) {
+    SmallRun small;
+    zurt::Run& run = small.run;
+    Control& control = run.control;
+    Pointers& at = control.at;
+    control.header.NP = 4;
+    control.header.NMATT = 2;
+    control.counts.MAXTK = 3;
+    control.counts.MAXTC = 5; // takes nothing: the problem is steady
+    control.counts.NQE = 1;
+    control.counts.MAXTQE = 2;
+    control.header.PotentialFunctionSize = 9; // takes nothing: ITOR is 0
+    control.state.NDT = 3;
+    TakeNodeArrays(run);
+    TakeSharedNodeList(run, 0);
+    control.state.JEDN = 3;
+    TakeDiagonalPositions(run);
+    TakeDiffusionCurves(run);
+    TakeMaterialTables(run);
+    TakeFunctionTable(run, "LQE", control.counts.NQE, control.counts.MAXTQE, at.LQE1, at.LQE2);
+    TakeSolutionVectors(run);
+    control.state.NWK = 5;
+    TakeSolverVectors(run);
+    EXPECT_EQ(at.LCORD, 1);
+    EXPECT_EQ(at.LID, 13);
+    EXPECT_EQ(at.LNODEV, 17);
+    EXPECT_EQ(at.LPOT, 21);
+    EXPECT_EQ(at.LDIRD, 21);
+    for (int i = 1; i <= 9; ++i)
+        EXPECT_EQ(at.LNDS[i], 21);
+    EXPECT_EQ(at.LSUBS, 21);
+    EXPECT_EQ(at.LMAXA, 21);
+    EXPECT_EQ(at.LNPMAT, 25);
+    EXPECT_EQ(at.LDCT, 27);
+    const Word materials[10] = {0, 27, 33, 39, 41, 43, 45, 46, 52, 52};
+    for (int i = 1; i <= 9; ++i)
+        EXPECT_EQ(at.LMAT[i], materials[i]) << i;
+    EXPECT_EQ(at.LQE1, 52);
+    EXPECT_EQ(at.LQE2, 53);
+    EXPECT_EQ(at.LTT1, 57);
+    EXPECT_EQ(at.LTT2, 60);
+    EXPECT_EQ(at.LTT3, 63);
+    EXPECT_EQ(at.LZAD1, 66);
+    EXPECT_EQ(at.LNODAL, 66);
+    EXPECT_EQ(at.LEQV, 70);
+    EXPECT_EQ(at.LSK, 73);
+    EXPECT_EQ(at.LRHS, 78);
+    EXPECT_EQ(run.A.LMAX, 81);
+    EXPECT_EQ(run.A.LMAXM, 81);
+}
+
+// Faults: the step list taken behind its room for counting, the gap of NP words forgotten or cleared, nodal vectors not
+// cleared, material tables taken under NDS, NWK kept in sparse mode.
+TEST(Partition, TransientDeviceProblemInSparseMode) {
+    SmallRun small;
+    zurt::Run& run = small.run;
+    Control& control = run.control;
+    Pointers& at = control.at;
+    Fill(RealArray(run.A.words, run.A.NTOTA), 7.0);
+    control.header.NP = 2;
+    control.header.NPER = 2;
+    control.header.NDS = 1;
+    control.header.NMATT = 1;
+    control.header.NSTAC = 1;
+    control.header.ITOR = 2;
+    control.header.PotentialFunctionSize = 3;
+    control.header.IDIRECTD = 1;
+    control.counts.MAXPMAT = 4;
+    control.counts.MAXTC = 5;
+    control.state.SparseMode = 1;
+    TakePeriodTables(run);
+    EXPECT_EQ(run.A.LMAX, 7); // room for one step a period
+    control.state.NDT = 5;
+    TakeStepList(run);
+    EXPECT_EQ(at.LNKDT, 1);
+    EXPECT_EQ(at.LDTDT, 3);
+    EXPECT_EQ(at.LDT, 5);
+    TakeNodeArrays(run);
+    EXPECT_EQ(at.LCORD, 10);
+    EXPECT_EQ(at.LID, 16);
+    EXPECT_EQ(at.LNODEV, 18);
+    EXPECT_EQ(at.LPOT, 20);
+    EXPECT_EQ(at.LDIRD, 23);
+    EXPECT_EQ(at.LNDS[1], 35);
+    EXPECT_EQ(at.LNDS[9], 51);
+    EXPECT_EQ(run.A.words[34 - 1], 7.0); // the gap
+    EXPECT_EQ(run.A.words[35 - 1], 0.0);
+    EXPECT_EQ(run.A.words[52 - 1], 0.0);
+    EXPECT_EQ(run.A.words[53 - 1], 7.0);
+    TakeSharedNodeList(run, 2);
+    EXPECT_EQ(at.LSUBS, 53);
+    control.state.JEDN = 2;
+    TakeDiagonalPositions(run);
+    EXPECT_EQ(at.LMAXA, 55);
+    EXPECT_EQ(run.A.words[57 - 1], 0.0);
+    TakeDiffusionCurves(run);
+    TakeNanochannelVectors(run);
+    TakeFitColumn(run);
+    TakeFibreNodes(run);
+    EXPECT_EQ(at.LNPMAT, 58);
+    EXPECT_EQ(at.LDCT, 59);
+    EXPECT_EQ(at.LNANO[4], 67);
+    EXPECT_EQ(at.LNANO[5], 73);
+    EXPECT_EQ(at.LFIT, 75);
+    EXPECT_EQ(at.LFIBN, 79);
+    TakeMaterialTables(run);
+    for (int i = 1; i <= 9; ++i)
+        EXPECT_EQ(at.LMAT[i], 81) << i;
+    TakeSolutionVectors(run);
+    EXPECT_EQ(run.A.words[86 - 1], 0.0);
+    control.state.NWK = 1000;
+    TakeSolverVectors(run);
+    EXPECT_EQ(control.state.NWK, 0);
+    EXPECT_EQ(at.LSK, 91);
+    EXPECT_EQ(at.LRHS, 91);
+    EXPECT_EQ(run.A.LMAXM, 93);
+}
+
+// Faults: capacity tables missing in a transient problem or taken when NSTAC is negative; no room for shared nodes
+// under the ISUB4 that the problem before has left.
+TEST(Partition, TablesByCondition) {
+    SmallRun small;
+    zurt::Run& run = small.run;
+    run.control.header.NMATT = 2;
+    run.control.counts.NTABK = 2;
+    run.control.counts.MAXTK = 3;
+    run.control.counts.MAXTC = 4;
+    run.control.header.NSTAC = 1;
+    TakeMaterialTables(run);
+    EXPECT_EQ(run.control.at.LMAT[8], 33);
+    EXPECT_EQ(run.control.at.LMAT[9], 35);
+    EXPECT_EQ(run.A.LMAX, 51);
+    RestartWorkingVector(run.A);
+    run.control.header.NSTAC = -1;
+    TakeMaterialTables(run);
+    EXPECT_EQ(run.A.LMAX, 33);
+    run.control.header.NP = 5;
+    run.control.state.LastISUB4 = 1;
+    TakeSharedNodeList(run, 0);
+    EXPECT_EQ(run.A.LMAX, 38);
+    TakeSharedNodeList(run, 2);
+    EXPECT_EQ(run.A.LMAX, 40);
+    run.control.counts.NFO = 3;
+    TakeShapeFactors(run);
+    EXPECT_EQ(run.control.at.LFO, 40);
+    EXPECT_EQ(run.A.LMAX, 43);
+}
+
+// A problem of 4 nodes, 3 equations, one transient material, one source function; every count is small.
+void PrepareSmallProblem(Run& run) {
+    run.control.header.NP = 4;
+    run.control.header.NPER = 2;
+    run.control.header.NMATT = 1;
+    run.control.header.NSTAC = 1;
+    run.control.state.NDT = 2;
+    run.control.state.JEDN = 3;
+    run.control.state.NWK = 6;
+    run.control.counts.MAXPMAT = 2;
+    run.control.counts.MAXTK = 1;
+    run.control.counts.MAXTC = 1;
+    run.control.counts.NQE = 1;
+    run.control.counts.MAXTQE = 1;
+}
+
+struct Step {
+    const char* name;
+    void (*take)(Run&);
+    bool fullIsRefused; // where a section that leaves no free word is refused already
+};
+
+const Step kSteps[] = {
+    {"period tables", TakePeriodTables, false},
+    {"step list", TakeStepList, false},
+    {"node arrays", TakeNodeArrays, true},
+    {"MAXA", TakeDiagonalPositions, false},
+    {"diffusion curves", TakeDiffusionCurves, false},
+    {"material tables", TakeMaterialTables, false},
+    {"source functions",
+     [](Run& run) { TakeFunctionTable(run, "LQE", 1, 1, run.control.at.LQE1, run.control.at.LQE2); }, false},
+    {"solution vectors", TakeSolutionVectors, false},
+};
+
+// Takes the steps up to number `last` in a working vector of `size` words; returns LMAX behind them.
+Word TakeUpTo(SmallRun& small, std::size_t last) {
+    PrepareSmallProblem(small.run);
+    for (std::size_t k = 0; k <= last; ++k)
+        kSteps[k].take(small.run);
+    return small.run.A.LMAX;
+}
+
+// Faults: a test for overflow missing at its place, or one word too sharp or too lax there; another message; the node
+// arrays' second test forgotten, by which LMAX equal to NTOTA is refused.
+TEST(Partition, OverflowIsTestedAtItsPlaces) {
+    for (std::size_t k = 0; k < std::size(kSteps); ++k) {
+        SmallRun large;
+        const Word LMAX = TakeUpTo(large, k);
+        SmallRun fits("", kSteps[k].fullIsRefused ? LMAX + 1 : LMAX);
+        EXPECT_EQ(TakeUpTo(fits, k), LMAX) << kSteps[k].name;
+        EXPECT_EQ(Written(fits.run.units.listing), "") << kSteps[k].name;
+        for (const Word size : {fits.run.A.NTOTA - 1, Word{1}}) {
+            SmallRun tight("", size);
+            const std::string listing =
+                WrittenByStop(tight, tight.run.units.listing, [&] { TakeUpTo(tight, k); });
+            SCOPED_TRACE(kSteps[k].name);
+            EXPECT_EQ(listing.substr(0, 67),
+                      " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA\n");
+            if (size > 1) {
+                EXPECT_EQ(listing.substr(67), FormatText("(' REQUIRED DIMENSION, LMAX =',I10/"
+                                                         "' AVAILABLE DIMENSION, NTOTA=',I10)",
+                                                         LMAX, size));
+            }
+        }
+    }
+}
+
+// Faults: absurd counts that wrap around and pass for small ones.
+TEST(Partition, AbsurdCountsOverflowToo) {
+    SmallRun small;
+    PrepareSmallProblem(small.run);
+    CurveCounts& counts = small.run.control.counts;
+    counts.NTABK = counts.MAXTK = counts.MAXPMAT = 2147483647;
+    small.run.control.header.NMATT = 2147483647;
+    WrittenByStop(small, small.run.units.listing, [&] { TakeDiffusionCurves(small.run); });
+    WrittenByStop(small, small.run.units.listing, [&] { TakeMaterialTables(small.run); });
+    small.run.control.header.NP = 2147483647;
+    WrittenByStop(small, small.run.units.listing, [&] { TakeNodeArrays(small.run); });
+}
+
+Word TakeSystem(SmallRun& small) {
+    PrepareSmallProblem(small.run);
+    TakeSolverVectors(small.run);
+    StopIfSystemOverflows(small.run);
+    return small.run.A.LMAXM;
+}
+
+// Faults: LMAXM equal to NTOTA refused, one more let through; MESSAGES.LST written without NDS or not under it.
+TEST(Partition, SystemMustFit) {
+    SmallRun large;
+    const Word LMAXM = TakeSystem(large);
+    EXPECT_EQ(LMAXM, 1 + 4 + 3 + 6 + 3);
+    SmallRun fits("", LMAXM);
+    EXPECT_EQ(TakeSystem(fits), LMAXM);
+    for (const std::int32_t NDS : {0, 2, -1}) {
+        SmallRun tight("", LMAXM - 1);
+        tight.run.control.header.NDS = NDS;
+        EXPECT_EQ(WrittenByStop(tight, tight.run.units.listing, [&] { TakeSystem(tight); }),
+                  " UNSUFFICIENT DIMENSION OF WORKING VECTOR:\n"
+                  " REQUIRED DIMENSION LMAXM =        17\n"
+                  " AVAILABLE DIMENSION NTOT =        16\n");
+        EXPECT_EQ(Written(tight.run.units.messages),
+                  NDS <= 0 ? ""
+                           : " UNSUFFICIENT DIMENSION OF WORKING ARRAY:\n"
+                             " REQUIRED DIMENSION LMAXM =        17\n"
+                             " AVAILABLE DIMENSION NTOT =        16\n"
+                             "\n"
+                             " ** CONTACT THE SOFTWARE ZUR-T DEVELOPER TO INCREASE THE SIZE"
+                             " OF TH WORKING ARRAY\n"
+                             " ** OR USE COARSER MESH\n"
+                             "\n"
+                             "  PROGRAM STOPS\n");
+    }
+}
+
+// Faults: a number in another field or under another label, entries without their three empty lines.
+TEST(Partition, SizeReport) {
+    SmallRun small;
+    small.run.control.state.JEDN = 12;
+    small.run.control.state.NWK = 345;
+    small.run.A.LMAXM = 678;
+    WriteSizeReport(small.run);
+    EXPECT_EQ(Written(small.run.units.listing),
+              "1\n\n\n      DATA ABOUT DIMENSIONS OF SYSTEM MATRIX AND WORKING VECTOR\n"
+              "\n\n\n           NUMBER OF EQUATIONS ......................... JEDN =       12\n"
+              "\n\n\n           NUMBER OF ELEMENTS INTO MATRIX OF SYSTEM ..... NWK =      345\n"
+              "\n\n\n           REQUIRED DIMENSION INTO WORKING VECTOR ..... LMAXM =      678\n"
+              "\n\n\n           MAXIMUM TOTAL STORAGE AVAILABLE ............. MTOT =     4000\n");
+}
+
+// Faults: old contents lost or LMAX kept between problems; words given back that a later section still holds.
+TEST(WorkingVector, RestartsAndReleases) {
+    SmallRun small("", 20);
+    WorkingVector& A = small.run.A;
+    EXPECT_EQ(TakeWords(A, "first", 5), 1);
+    EXPECT_EQ(TakeWords(A, "none", -3), 6);
+    EXPECT_EQ(TakeWords(A, "second", 4), 6);
+    RealSection(A, 1, 5)(5) = 2.5;
+    IntSection(A, 6, 4)(3) = 77; // the low half of word 7
+    ReleaseFrom(A, 6);
+    EXPECT_EQ(A.LMAX, 6);
+    EXPECT_TRUE(WordsAvailable(A, 15));
+    EXPECT_FALSE(WordsAvailable(A, 16));
+    RestartWorkingVector(A);
+    EXPECT_EQ(TakeWords(A, "again", 9), 1);
+    EXPECT_EQ(RealSection(A, 1, 9)(5), 2.5);
+    EXPECT_EQ(IntSection(A, 6, 4)(3), 77);
+    EXPECT_EXIT(RealSection(A, 20, 2), testing::ExitedWithCode(2), "outside it: word 20, length 2");
+    EXPECT_EXIT(IntSection(A, 0, 1), testing::ExitedWithCode(2), "outside it");
+}
+
+} // namespace
+} // namespace zurt
