@@ -1,0 +1,241 @@
+// Right-hand side of the brick: time term and residual, values of nodes without an equation, sources, and where the
+// coefficients come from.
+#include "elements/gather.h"
+#include "form_model.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace zurt {
+namespace {
+
+using namespace testmodel;
+
+constexpr double kQuadrature = 2e-7;
+
+struct Model {
+    zurt::Run run;
+    Model(const Mesh& mesh, const Problem& problem) { BuildModel(run, mesh, problem); }
+    ~Model() { DestroyWorkingVector(run.A); }
+};
+
+Mesh Block(std::vector<int> held = {}) {
+    Mesh mesh = BlockOfBricks(2, 1, 1, [](int i, int j, int k) {
+        return Point{1.0 * i, 2.0 * j + 0.1 * i, 3.0 * k};
+    });
+    mesh.held = std::move(held);
+    return mesh;
+}
+constexpr double kVolume = 12.0;
+
+double Sum(RealArray values) {
+    double sum = 0.0;
+    for (Word i = 1; i <= values.length; ++i)
+        sum += values(i);
+    return sum;
+}
+
+void SetSolution(Run& run) {
+    for (Word i = 1; i <= run.control.state.JEDN; ++i) {
+        StepSolution(run)(i) = std::sin(2.0 * static_cast<double>(i));
+        StepStart(run)(i) = std::cos(5.0 * static_cast<double>(i));
+    }
+}
+
+// R = (C/dt) T0 - (K + C/dt) T on the nodes with an equation, held ones at the outlet pair. The full matrices come from
+// models without held nodes. Faults: a term of the residual lost or with the wrong sign, the capacity not divided, start
+// and end of the outlet pair exchanged, a held node left at zero.
+TEST(FormTerms, TimeTermAndResidual) {
+    Problem problem;
+    problem.NSTAC = 1;
+    problem.NonlinearFlag = 1;
+    problem.TimeStep = 0.2;
+    problem.OutletStart = 0.75;
+    problem.OutletEnd = -1.5;
+    problem.capacity = {{{0.0, 3.0}}};
+    Problem steady = problem;
+    steady.NSTAC = 0;
+    Model all(Block(), problem), conduction(Block(), steady), held(Block({2, 5, 12}), problem);
+    testmodel::FormSystem(all.run);
+    testmodel::FormSystem(conduction.run);
+    SetSolution(held.run);
+    testmodel::FormSystem(held.run);
+
+    const IntArray ID = EquationNumbers(held.run);
+    for (Word i = 1; i <= ID.length; ++i) {
+        if (ID(i) == 0)
+            continue;
+        double expected = 0.0;
+        for (Word j = 1; j <= ID.length; ++j) {
+            const double T = ID(j) > 0 ? StepSolution(held.run)(ID(j)) : -1.5;
+            const double T0 = ID(j) > 0 ? StepStart(held.run)(ID(j)) : 0.75;
+            const double capacity = SystemEntry(all.run, i, j) - SystemEntry(conduction.run, i, j);
+            expected += capacity * T0 - SystemEntry(all.run, i, j) * T;
+        }
+        EXPECT_NEAR(RightHandSide(held.run)(ID(i)), expected, 1e-12);
+    }
+}
+
+// Faults: a steady linear problem that reads the solution vector, so that its one solve is not the solution; a steady
+// one divided by a step of 0.
+TEST(FormTerms, SteadyLinearTakesTheLoadAlone) {
+    Problem problem;
+    problem.TimeStep = 0.0;
+    problem.OutletEnd = 2.0;
+    Model model(Block({1}), problem);
+    SetSolution(model.run);
+    testmodel::FormSystem(model.run);
+    Model full(Block(), problem);
+    testmodel::FormSystem(full.run);
+    for (Word i = 1; i <= model.run.control.state.JEDN; ++i)
+        EXPECT_NEAR(RightHandSide(model.run)(i), -2.0 * SystemEntry(full.run, i + 1, 1), 1e-14);
+}
+
+// Faults: the order of precedence of list, equation and outlet; the second form of the gather taken for the first.
+TEST(FormTerms, GatherOfOneNode) {
+    std::int32_t ID[4] = {3, 0, -1, 1}, list[2] = {4, 4};
+    double T[3] = {1.0, 2.0, 3.0}, T0[3] = {10.0, 20.0, 30.0}, card[4] = {5.0, 6.0, 7.0, 8.0};
+    double end[2] = {-1.0, -2.0}, start[2] = {-10.0, -20.0};
+    NodalViews views;
+    views.ID = ConstIntArray(ID, 4);
+    views.T = ConstRealArray(T, 3);
+    views.T0 = ConstRealArray(T0, 3);
+    views.nodeValues = ConstRealArray(card, 4);
+    views.solutionRead = true;
+    views.outletStart = 0.5;
+    views.outletEnd = 0.25;
+    const auto expect = [&](std::int32_t node, double value, double valueAtStart) {
+        double TE1 = 99.0, TE0 = 99.0;
+        GatherNodeValue(views, node, TE1, TE0);
+        EXPECT_EQ(TE1, value) << node;
+        EXPECT_EQ(TE0, valueAtStart) << node;
+    };
+    expect(1, 3.0, 30.0);
+    expect(2, 0.25, 0.5);
+    expect(3, 0.0, 0.0);
+    expect(4, 1.0, 10.0);
+    views.prescribedNodes = ConstIntArray(list, 2);
+    views.prescribedStart = ConstRealArray(start, 2);
+    views.prescribedEnd = ConstRealArray(end, 2);
+    expect(4, -1.0, -10.0);
+    views.byPrescribedValue = true;
+    expect(2, 6.0, 6.0);
+    expect(3, 7.0, 7.0);
+    expect(4, 1.0, 10.0);
+    views.solutionRead = false;
+    expect(1, 0.0, 0.0);
+}
+
+// The load of a group at one time; the total over all nodes is QV times the volume.
+double Load(Problem problem, double StartTime, double TIME) {
+    problem.StartTime = StartTime;
+    problem.TIME = TIME;
+    Model model(Block(), problem);
+    testmodel::FormSystem(model.run);
+    return Sum(RightHandSide(model.run)) / kVolume;
+}
+
+// Faults: one source function taken by its plain value or several by their mean rate; a step of no length divided by;
+// an element's curve mistaken; a load under IZIP 0 or 2; a source number 0 that loads.
+TEST(FormTerms, Sources) {
+    Problem one;
+    one.IZIP = 1;
+    one.sources = {{{0.0, 1.0}, {2.0, 5.0}, {9.0, 5.0}}};
+    EXPECT_NEAR(Load(one, 0.5, 1.5), 2.0, kQuadrature); // slope, not value
+    EXPECT_NEAR(Load(one, 1.0, 3.0), 1.0, kQuadrature); // (5 - 3) / 2
+    EXPECT_NEAR(Load(one, 1.0, 1.0), 3.0, kQuadrature); // no length
+    Problem several = one;
+    several.sources.push_back({{0.0, 10.0}});
+    EXPECT_NEAR(Load(several, 0.5, 1.5), 4.0, kQuadrature);
+    several.elementSources = {2, 0};
+    EXPECT_NEAR(Load(several, 0.5, 1.5), 5.0, kQuadrature); // half the volume
+    for (int IZIP : {0, 2}) {
+        several.IZIP = IZIP;
+        EXPECT_EQ(Load(several, 0.5, 1.5), 0.0);
+    }
+}
+
+// At its exact end a curve gives no value, and the one before holds. Faults: a load of zero, or of the mean rate from
+// zero, in the last step of a run.
+TEST(FormTerms, SourceAtTheEndOfItsCurve) {
+    Problem problem;
+    problem.IZIP = 1;
+    problem.sources = {{{0.0, 4.0}, {1.0, 6.0}}, {{0.0, 0.0}, {9.0, 0.0}}};
+    problem.TIME = 0.5;
+    Model model(Block(), problem);
+    testmodel::FormSystem(model.run);
+    model.run.control.state.TIME = 1.0;
+    testmodel::FormSystem(model.run);
+    EXPECT_NEAR(Sum(RightHandSide(model.run)), 5.0 * kVolume, kQuadrature * kVolume);
+}
+
+// Sum of the system's diagonal, in units of the same with coefficient 1.
+double Stiffness(const Problem& problem, double concentration) {
+    Problem unit;
+    unit.conduction = {{{0.0, 1.0}}};
+    double sum[2] = {0.0, 0.0};
+    const Problem* problems[2] = {&problem, &unit};
+    for (int which = 0; which < 2; ++which) {
+        Model model(Block(), *problems[which]);
+        Fill(StepSolution(model.run), concentration);
+        testmodel::FormSystem(model.run);
+        for (Word i = 1; i <= model.run.control.state.JEDN; ++i)
+            sum[which] += SystemEntry(model.run, i, i);
+    }
+    return sum[0] / sum[1];
+}
+
+// Faults: the sign of a concentration kept, the material of an element ignored, multipliers applied under NDS, the end of
+// a diffusion curve out of range.
+TEST(FormTerms, DiffusionCurvesUnderNDS) {
+    Problem problem;
+    problem.NDS = 1;
+    problem.NonlinearFlag = 1;
+    problem.IANIZ = 1;
+    problem.multipliers = {9.0, 9.0, 9.0};
+    problem.conduction = {{{0.0, 1.0}, {2.0, 5.0}}, {{0.0, 7.0}}};
+    EXPECT_NEAR(Stiffness(problem, 0.5), 2.0, 1e-12);
+    EXPECT_NEAR(Stiffness(problem, -0.5), 2.0, 1e-12);
+    EXPECT_NEAR(Stiffness(problem, 2.0 + 5e-11), 5.0, 1e-12);
+    problem.elementMaterials = {1, 2};
+    EXPECT_NEAR(Stiffness(problem, 0.5), 0.5 * (2.0 + 7.0), 1e-12);
+}
+
+// Faults: a curve asked at 0 instead of the concentration, the polynomial of another material or used beside a function,
+// limits of the polynomial ignored, density left out.
+TEST(FormTerms, NonlinearMaterialTables) {
+    Problem problem;
+    problem.NonlinearFlag = 1;
+    problem.conduction = {{{0.0, 1.0}, {2.0, 5.0}}};
+    EXPECT_NEAR(Stiffness(problem, 1.5), 4.0, 1e-12);
+    problem.NANLK = 1;
+    problem.functions = {{0, 0, 0}};
+    problem.maximum = 500.0;
+    const double T = 400.0;
+    const double K1 = (T * T * 2.38e-07 + 3.140000104904175) * T + (-471.8699951171875 - T * T * 0.00483);
+    EXPECT_NEAR(Stiffness(problem, T) / K1, 1.0, 1e-12);
+
+    problem.conduction = {{{0.0, 0.0}, {1000.0, 0.0}}}; // nothing but capacity
+    problem.functions = {{1, 0, 0}};
+    problem.NSTAC = 1;
+    problem.TimeStep = 1.0;
+    problem.density = 2.0;
+    problem.NANLC = 1;
+    for (bool table : {false, true}) {
+        problem.capacity = table ? std::vector<Curve>{{{300.0, 6.0}, {500.0, 8.0}}} : std::vector<Curve>{{}};
+        Model model(Block(), problem);
+        if (!table) {
+            model.run.control.counts.MAXTC = 0;
+            Fill(SpecificHeatPoints(model.run), 0);
+        }
+        Fill(StepSolution(model.run), T);
+        testmodel::FormSystem(model.run);
+        const double c =
+            2.0 * ((-1.1699999570846558 - T * T * 7.49e-07) * T + T * T * 0.00253 + 1016.47998046875);
+        EXPECT_NEAR(-Sum(RightHandSide(model.run)) / ((table ? 7.0 : c) * kVolume * T), 1.0, kQuadrature);
+    }
+}
+
+} // namespace
+} // namespace zurt
