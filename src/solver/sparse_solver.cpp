@@ -27,6 +27,10 @@ constexpr MUMPS_INT kEndInstance = -2;
 constexpr MUMPS_INT kWorldCommunicator = -987654;
 constexpr MUMPS_INT kUnsymmetric = 0;
 constexpr MUMPS_INT kHostWorks = 1;
+// PORD is the ordering that the solver chooses of itself when it is built without others. Distributions build it with
+// SCOTCH, which it then prefers, and which orders in threads: the digits of a solution would differ from run to run,
+// and the solve takes longer, since the analysis is done anew each time.
+constexpr MUMPS_INT kOrderByPord = 4;
 
 constexpr std::int32_t kReport = 1; // of SolverReportFlag
 constexpr std::int32_t kSilent = 0; // verbosity of the assembler
@@ -103,6 +107,7 @@ void SetSolverControls(DMUMPS_STRUC_C& instance) {
     ICNTL[2] = -1;
     ICNTL[14] = 120;
     ICNTL[3] = -1;
+    ICNTL[7] = kOrderByPord;
 }
 
 void SolverFactor(DMUMPS_STRUC_C& instance, TextUnit& console, TextUnit& listing,
