@@ -183,6 +183,7 @@ TEST(FormMatrices, BoxAgainstClosedForm) {
     const std::vector<Case> cases = {{0, {2, 0, 0}, {3.0, 3.0, 3.0}},
                                      {1, {2, 0, 0}, {6.0, 15.0, 21.0}},
                                      {1, {2, 3, -1}, {6.0, 15.0, 21.0}},
+                                     {1, {2, 0, 3}, {6.0, 15.0, 21.0}},
                                      {1, {2, 3, 1}, {3.0, 5.0, 7.0}}};
     for (const Case& expected : cases)
         for (int NSTAC : {0, 1}) {

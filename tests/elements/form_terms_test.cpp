@@ -46,10 +46,10 @@ void SetSolution(Run& run) {
 // R = (C/dt) T0 - (K + C/dt) T on the nodes with an equation, held ones at the outlet pair. The full matrices come from
 // models without held nodes. Faults: a term of the residual lost or with the wrong sign, the capacity not divided, start
 // and end of the outlet pair exchanged, a held node left at zero.
-TEST(FormTerms, TimeTermAndResidual) {
+void CheckResidual(int NonlinearFlag) {
     Problem problem;
     problem.NSTAC = 1;
-    problem.NonlinearFlag = 1;
+    problem.NonlinearFlag = NonlinearFlag;
     problem.TimeStep = 0.2;
     problem.OutletStart = 0.75;
     problem.OutletEnd = -1.5;
@@ -75,6 +75,11 @@ TEST(FormTerms, TimeTermAndResidual) {
         }
         EXPECT_NEAR(RightHandSide(held.run)(ID(i)), expected, 1e-12);
     }
+}
+
+TEST(FormTerms, TimeTermAndResidual) {
+    CheckResidual(1);
+    CheckResidual(0); // a linear transient problem reads the solution all the same
 }
 
 // Faults: a steady linear problem that reads the solution vector, so that its one solve is not the solution; a steady

@@ -29,12 +29,12 @@ std::string Corners(int first) {
 // Faults: a default lost; NMAT3D or MAT3D of the card acting; a group material that acts without NDS.
 TEST(GroupCards, DefaultsAndReplacedFields) {
     GroupRun plain;
-    PrepareGroup(plain.run, {}, "3 2 0 0 0 0 5 0\n1" + Corners(1) + " 3 0 0 0 0 0\n");
+    PrepareGroup(plain.run, {}, "3 2 0 1 1 0 5 0\n1" + Corners(1) + " 3 0 0 0 0 0\n");
     ReadGroup(plain.run);
     const ElementGroup& group = plain.run.groups[1];
     EXPECT_EQ(group.NMAT, 1);
     EXPECT_EQ(group.MAT, 1);
-    EXPECT_FALSE(group.hasMaterials);
+    EXPECT_EQ(plain.run.A.LMAX, group.LNEL + 8); // neither materials nor print flags by element
     EXPECT_EQ(group.NPDMX, 8);
     EXPECT_EQ(group.NDMAX, 8);
     EXPECT_EQ(group.NGAUS[0], 2);
