@@ -1,0 +1,183 @@
+// The manual's card tables against the layouts by which cards are read: the two can't drift apart.
+#include "elements/group_3d.h"
+#include "homogenization/homogenization_card.h"
+#include "job/header_cards.h"
+#include "model/curve_table.h"
+#include "model/diffusion_curves.h"
+#include "model/function_tables.h"
+#include "model/initial_conditions.h"
+#include "model/materials.h"
+#include "model/nodes.h"
+#include "model/time_functions.h"
+#include "model/time_steps.h"
+
+#include "support/run_deck.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace zurt {
+namespace {
+
+struct Row {
+    std::string name; // "" for blank columns
+    std::string descriptor;
+    std::string text; // the whole line
+};
+using Table = std::vector<Row>;
+
+// The tables of cards under each heading of the third level, in their order.
+using Manual = std::map<std::string, std::vector<Table>>;
+
+// The text of cell `number` (from 1) of a table line, without outer blanks and back quotes.
+std::string Cell(const std::string& line, int number) {
+    std::size_t begin = 0;
+    for (int i = 0; i < number; ++i)
+        begin = line.find('|', begin) + 1;
+    std::string cell = line.substr(begin, line.find('|', begin) - begin);
+    const std::string outer = " `";
+    cell.erase(0, std::min(cell.find_first_not_of(outer), cell.size()));
+    cell.erase(cell.find_last_not_of(outer) + 1);
+    return cell;
+}
+
+Manual ReadManual() {
+    Manual manual;
+    std::istringstream lines(zurt_test::ReadFile(ZURT_SOURCE_DIR "/docs/manual.md"));
+    std::string line, heading;
+    bool inTable = false;
+    while (std::getline(lines, line)) {
+        if (line.rfind("### ", 0) == 0)
+            heading = line.substr(4);
+        const bool isRow = line.rfind("| `", 0) == 0 || line.rfind("| (blank)", 0) == 0;
+        if (isRow && !inTable)
+            manual[heading].emplace_back();
+        inTable = isRow;
+        if (!isRow)
+            continue;
+        const std::string name = Cell(line, 1);
+        manual[heading].back().push_back({name == "(blank)" ? "" : name, Cell(line, 2), line});
+    }
+    return manual;
+}
+
+std::string DescriptorText(const CardField& field) {
+    const FieldDescriptor& descriptor = field.descriptor;
+    if (descriptor.kind == 'X')
+        return std::to_string(descriptor.width) + "X";
+    std::string text = field.count > 1 ? std::to_string(field.count) : "";
+    text += descriptor.kind + std::to_string(descriptor.width);
+    if (descriptor.kind != 'I')
+        text += "." + std::to_string(descriptor.decimals);
+    return text;
+}
+
+void ExpectTable(const Table& table, const CardLayout& layout) {
+    ASSERT_EQ(table.size(), static_cast<std::size_t>(layout.fieldCount));
+    for (int f = 0; f < layout.fieldCount; ++f) {
+        const CardField& field = layout.fields[f];
+        const Row& row = table[static_cast<std::size_t>(f)];
+        EXPECT_EQ(row.name, field.name);
+        EXPECT_EQ(row.descriptor, DescriptorText(field)) << field.name;
+        EXPECT_NE(row.text.find(field.effect), std::string::npos)
+            << field.name << " decides nothing, and the manual must say: " << field.effect;
+    }
+}
+
+struct NamedLayout {
+    const char* name;
+    const CardLayout& layout;
+};
+
+#define ZURT_NAMED(LAYOUT)                                                                                   \
+    NamedLayout {                                                                                            \
+#LAYOUT, LAYOUT                                                                                      \
+    }
+
+const NamedLayout kLayouts[] = {
+    ZURT_NAMED(kFormatCard),
+    ZURT_NAMED(kFirstDeviceCard),
+    ZURT_NAMED(kSecondDeviceCard),
+    ZURT_NAMED(kDegradationCard),
+    ZURT_NAMED(kBasicDataCard),
+    ZURT_NAMED(kControlCard),
+    ZURT_NAMED(kExecutionCard),
+    ZURT_NAMED(kGroupCard),
+    ZURT_NAMED(kMaterialHeaderCard),
+    ZURT_NAMED(kDeviceMaterialHeaderCard),
+    ZURT_NAMED(kBoundaryCard),
+    ZURT_NAMED(kNodeCard),
+    ZURT_NAMED(kStepCountCards),
+    ZURT_NAMED(kStepSizeCards),
+    ZURT_NAMED(kTimeFunctionCountCard),
+    ZURT_NAMED(kFunctionHeaderCard),
+    ZURT_NAMED(kFunctionPointCard),
+    ZURT_NAMED(kRadiationCard),
+    ZURT_NAMED(kShapeFactorCards),
+    ZURT_NAMED(kMaterialCard),
+    ZURT_NAMED(kConductionHeaderCard),
+    ZURT_NAMED(kConductionPointCard),
+    ZURT_NAMED(kSpecificHeatHeaderCard),
+    ZURT_NAMED(kSpecificHeatPointCard),
+    ZURT_NAMED(kDiffusionHeaderCard),
+    ZURT_NAMED(kDiffusionPointCard),
+    ZURT_NAMED(kInitialValueCard),
+    ZURT_NAMED(kInitialGroupCard),
+    ZURT_NAMED(kInitialNodeListCard),
+    ZURT_NAMED(kInitialRangeCard),
+    ZURT_NAMED(kHomogenizationCard),
+    ZURT_NAMED(kCurveEndsCard),
+};
+
+// The cards of one family of elements; the two forms of its group card stand under one heading, without NDS first.
+void ExpectFamily(const Manual& manual, const FamilyCards& family) {
+    for (const CardLayout* layout :
+         {&family.groupCard, &family.deviceGroupCard, &family.elementCard, &family.midSideCard}) {
+        SCOPED_TRACE(layout->group);
+        const auto found = manual.find(layout->group);
+        ASSERT_NE(found, manual.end()) << "no such heading in the manual";
+        const std::size_t which = layout == &family.deviceGroupCard ? 1 : 0;
+        ASSERT_GT(found->second.size(), which) << "no table under the heading";
+        ExpectTable(found->second[which], *layout);
+    }
+}
+
+// Faults: a field added, moved, renamed or resized in the code alone, or a dormant field whose row keeps silent.
+TEST(Manual, CardTablesAreTheLayoutsOfTheCode) {
+    const Manual manual = ReadManual();
+    for (const NamedLayout& named : kLayouts) {
+        SCOPED_TRACE(named.layout.group);
+        const auto found = manual.find(named.layout.group);
+        ASSERT_NE(found, manual.end()) << "no such heading in the manual";
+        ASSERT_EQ(found->second.size(), 1U) << "one table under the heading";
+        ExpectTable(found->second[0], named.layout);
+    }
+    ExpectFamily(manual, BrickCards());
+}
+
+// A layout that some header declares and no test compares.
+TEST(Manual, EveryLayoutOfTheHeadersIsCompared) {
+    std::set<std::string> compared, declared;
+    for (const NamedLayout& named : kLayouts)
+        compared.insert(named.name);
+    const std::regex declaration("extern const CardLayout (k\\w+);");
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(ZURT_SOURCE_DIR "/src")) {
+        if (entry.path().extension() != ".h")
+            continue;
+        const std::string text = zurt_test::ReadFile(entry.path().string());
+        for (std::sregex_iterator at(text.begin(), text.end(), declaration), end; at != end; ++at)
+            declared.insert((*at)[1]);
+    }
+    EXPECT_EQ(declared, compared);
+}
+
+} // namespace
+} // namespace zurt
