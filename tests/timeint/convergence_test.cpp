@@ -1,0 +1,218 @@
+#include "timeint/convergence.h"
+
+#include "support/small_run.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace zurt {
+namespace {
+
+using zurt_test::SmallRun;
+using zurt_test::Written;
+
+// One iteration of a problem with two equations; every vector holds (3, 4) times its norm over 5.
+struct Iteration {
+    double increment = 1.0, reference = 1.0, solution = 1.0; // norms
+    double EPSTA = 0.0, EPSTR = 1e-3;
+    std::int32_t ITER = 1;
+    double before = 0.0; // ReferenceNorm of the iterations before
+    std::int32_t NFIT = 0, IFINALRUN = 1;
+};
+
+struct Outcome {
+    bool converged = false;
+    double ReferenceNorm = 0.0, IncrementNorm = 0.0;
+    std::string console, listing, messages;
+};
+
+Outcome TestIteration(const Iteration& iteration) {
+    SmallRun small;
+    zurt::Run& run = small.run;
+    RunState& state = run.control.state;
+    state.ITER = iteration.ITER;
+    state.KOR = 2;
+    state.NDT = 3;
+    state.TIME = 0.5;
+    state.ReferenceNorm = iteration.before;
+    run.control.header.NPRINT = 1;
+    run.control.header.EPSTA = iteration.EPSTA;
+    run.control.header.EPSTR = iteration.EPSTR;
+    run.fit.card.NFIT = iteration.NFIT;
+    run.fit.IFINALRUN = iteration.IFINALRUN;
+    double vectors[3][2];
+    const double norms[3] = {iteration.increment, iteration.reference, iteration.solution};
+    for (int k = 0; k < 3; ++k) {
+        vectors[k][0] = norms[k] * 0.6;
+        vectors[k][1] = -norms[k] * 0.8;
+    }
+    Outcome outcome;
+    outcome.converged = ConvergenceTest(run, ConstRealArray(vectors[0], 2), ConstRealArray(vectors[1], 2),
+                                        ConstRealArray(vectors[2], 2));
+    outcome.ReferenceNorm = state.ReferenceNorm;
+    outcome.IncrementNorm = state.IncrementNorm;
+    outcome.console = Written(run.units.console);
+    outcome.listing = Written(run.units.listing);
+    outcome.messages = Written(run.units.messages);
+    return outcome;
+}
+
+// Faults: a mean instead of a Euclidean norm, norms of the wrong vectors, the last entry left out.
+TEST(Convergence, NormsAreEuclidean) {
+    const double increment[3] = {1, 2, 2}, reference[3] = {2, 3, 6}, solution[3] = {0, 0, -5};
+    const IterationNorms norms = ComputeIterationNorms(
+        ConstRealArray(increment, 3), ConstRealArray(reference, 3), ConstRealArray(solution, 3));
+    EXPECT_EQ(norms.increment, 3.0);
+    EXPECT_EQ(norms.reference, 7.0);
+    EXPECT_EQ(norms.solution, 5.0);
+}
+
+// Faults: the reference of the step before kept at iteration 0, the smaller reference taken later on.
+TEST(Convergence, ReferenceIsTheLargestOfTheStep) {
+    Iteration iteration;
+    iteration.before = 7.0;
+    iteration.reference = 2.0;
+    EXPECT_DOUBLE_EQ(TestIteration(iteration).ReferenceNorm, 7.0);
+    iteration.reference = 9.0;
+    EXPECT_DOUBLE_EQ(TestIteration(iteration).ReferenceNorm, 9.0);
+    iteration.ITER = 0;
+    iteration.reference = 2.0;
+    const Outcome first = TestIteration(iteration);
+    EXPECT_DOUBLE_EQ(first.ReferenceNorm, 2.0);
+    EXPECT_DOUBLE_EQ(first.IncrementNorm, 1.0);
+}
+
+// Faults: a division by a reference of no size; such a step reported with another ratio, or as unfinished.
+TEST(Convergence, NothingToCompareWithIsConverged) {
+    Iteration iteration;
+    iteration.ITER = 0;
+    iteration.reference = 0.9e-10;
+    iteration.increment = 5.0; // whatever it is
+    const Outcome outcome = TestIteration(iteration);
+    EXPECT_TRUE(outcome.converged);
+    EXPECT_EQ(outcome.console, "\n\n ITERATIONS FOR STEP:         2 /      3\n"
+                               " ITERATION =  0: INCREMENT      =   5.0000E+00  NORM     =   1.0000E+00\n"
+                               "   ICR/ICREMSTEP  =  1.0000E-10  ICR/NORM =   5.0000E+00\n");
+    EXPECT_EQ(outcome.messages, "");
+    iteration.reference = 1.1e-10;
+    EXPECT_FALSE(TestIteration(iteration).converged);
+}
+
+struct Branch {
+    double increment, EPSTA, EPSTR;
+    bool converged, message;
+};
+
+// Faults: a tolerance compared with < or taken when it must not be; EPSTA of 1e-10 or less taking part; the message of
+// the absolute tolerance written for a step that has converged already, or below 1e-10; no convergence below 1e-8.
+TEST(Convergence, EachToleranceInItsRange) {
+    const Branch branches[] = {
+        {1e-3, 0.0, 1.1e-3, true, false},    // relative
+        {1e-3, 0.0, 0.9e-3, false, false},   //
+        {1e-3, 1.1e-3, 1e-9, true, false},   // absolute alone
+        {1e-3, 0.9e-3, 1e-9, false, false},  //
+        {1e-3, 1.1e-3, 0.0, true, false},    // EPSTR 0
+        {2e-9, 0.9e-10, 0.0, true, true},    // an EPSTA of no size takes no part
+        {2e-9, 1e-8, 0.0, true, false},      // absolute, not the message
+        {2e-9, 0.0, 3e-9, true, false},      // relative, not the message
+        {2e-10, 1e-10, 1e-12, true, true},   //
+        {0.9e-8, 0.0, 1e-12, true, true},    //
+        {1.1e-8, 0.0, 1e-12, false, false},  //
+        {1.1e-10, 0.0, 1e-12, true, true},   //
+        {0.9e-10, 0.0, 1e-12, true, false},  // silent
+        {0.0, 0.0, 0.0, true, false},        //
+        {0.9e-10, 0.5e-10, 0.0, true, false} //
+    };
+    for (const Branch& branch : branches) {
+        Iteration iteration;
+        iteration.increment = branch.increment;
+        iteration.EPSTA = branch.EPSTA;
+        iteration.EPSTR = branch.EPSTR;
+        const Outcome outcome = TestIteration(iteration);
+        SCOPED_TRACE(branch.increment);
+        SCOPED_TRACE(branch.EPSTA);
+        EXPECT_EQ(outcome.converged, branch.converged);
+        EXPECT_EQ(!outcome.messages.empty(), branch.message);
+        const char* mark = " UNBALANCED NORM.LT.ABS-TOLERANCE =   1.0000E-08\n";
+        EXPECT_EQ(zurt_test::CountOf(outcome.console, mark), branch.message ? 1 : 0);
+        EXPECT_EQ(zurt_test::CountOf(outcome.listing, mark), branch.message ? 1 : 0);
+    }
+}
+
+// Faults: the lines of the message, their order or spelling.
+TEST(Convergence, AbsoluteToleranceMessage) {
+    Iteration iteration;
+    iteration.increment = 5e-9;
+    iteration.EPSTR = 1e-12;
+    iteration.ITER = 4;
+    EXPECT_EQ(TestIteration(iteration).messages,
+              " CONVERGENCE REACHED FOR INCREMENT SMALLER THAN NUMERICAL TOLERANCE IN ZUR-T  \n"
+              " TIME= 5.00000E-01\n STEP NO. =         2\n ITERATION NO. =    4\n INCERMENT = 5.00000E-09\n"
+              " NUMERICAL TOLERANCE IN ZUR-T, TOLABS= 1.00000E-08\n");
+}
+
+// Faults: a run of a fit reports its iterations, or takes the absolute tolerance; the run that ends it is silent too.
+TEST(Convergence, RunsOfAFitAreSilent) {
+    Iteration iteration;
+    iteration.NFIT = 1;
+    iteration.IFINALRUN = 0;
+    iteration.increment = 2e-9;
+    iteration.EPSTR = 1e-12;
+    Outcome outcome = TestIteration(iteration);
+    EXPECT_FALSE(outcome.converged);
+    EXPECT_EQ(outcome.console + outcome.listing + outcome.messages, "");
+    iteration.EPSTR = 1.0;
+    EXPECT_TRUE(TestIteration(iteration).converged);
+    iteration.reference = 0.0; // the one branch that does report, without the second ratio
+    outcome = TestIteration(iteration);
+    EXPECT_TRUE(outcome.converged);
+    EXPECT_EQ(zurt_test::CountOf(outcome.console, "ICR/NORM =   0.0000E+00\n"), 1);
+    iteration.reference = 1.0;
+    iteration.EPSTR = 1e-12;
+    iteration.IFINALRUN = 1;
+    outcome = TestIteration(iteration);
+    EXPECT_TRUE(outcome.converged);
+    EXPECT_NE(outcome.messages, "");
+}
+
+// Faults: a division by a solution of no size, the head written at later iterations, the spacing of the console line
+// used on the listing.
+TEST(Convergence, ReportLines) {
+    Iteration iteration;
+    iteration.solution = 0.9e-10;
+    iteration.reference = 4.0;
+    const Outcome outcome = TestIteration(iteration);
+    EXPECT_EQ(outcome.console, " ITERATION =  1: INCREMENT      =   1.0000E+00  NORM     =   9.0000E-11\n"
+                               "   ICR/ICREMSTEP  =  2.5000E-01  ICR/NORM =   0.0000E+00\n");
+    EXPECT_EQ(outcome.listing,
+              " ITERATION =  1: INCREMENT       =   1.0000E+00   NORM        =   9.0000E-11\n"
+              "   ICR/ICREMSTEP =  2.5000E-01   ICR/NORM =   0.0000E+00\n");
+}
+
+struct PrintCase {
+    std::int32_t NPRINT, KOR, PrintCounter;
+    bool listed;
+};
+
+// Faults: iterations on the listing of steps that are not printed, or none in those that are.
+TEST(Convergence, ListingShowsStepsThatWillBePrinted) {
+    const PrintCase cases[] = {{1, 4, 0, true}, {-1, 4, 2, true}, {5, 1, 0, true},  {5, 2, 1, false},
+                               {5, 5, 4, true}, {5, 6, 5, false}, {5, 20, 0, true}, {5, 19, 3, false},
+                               {2, 7, 1, true}, {2, 8, 0, false}};
+    for (const PrintCase& test : cases) {
+        SmallRun small;
+        zurt::Run& run = small.run;
+        run.control.header.NPRINT = test.NPRINT;
+        run.control.state.KOR = test.KOR;
+        run.control.state.NDT = 20;
+        run.control.state.PrintCounter = test.PrintCounter;
+        const double one[1] = {1.0};
+        ConvergenceTest(run, ConstRealArray(one, 1), ConstRealArray(one, 1), ConstRealArray(one, 1));
+        EXPECT_EQ(!Written(run.units.listing).empty(), test.listed) << test.NPRINT << " " << test.KOR;
+        EXPECT_NE(Written(run.units.console), "");
+    }
+}
+
+} // namespace
+} // namespace zurt
