@@ -27,12 +27,12 @@ struct ElementGroup {
     std::int32_t IND4N = 0;
 
     // The family's group card, defaults applied (NMAT1D, NMAT2D, NMAT3D and so on).
-    std::int32_t NMAT = 0;     // number of materials of the family
-    std::int32_t MAT = 0;      // one material number
-    std::int32_t MATDD = 0;    // group material under NDS
-    std::int32_t NPDMX = 0;    // largest node count of an element
-    std::int32_t IPRDC = 0;    // Gauss coordinate print flag
-    std::int32_t IPRTG = 0;    // Gauss value print flag
+    std::int32_t NMAT = 0;      // number of materials of the family
+    std::int32_t MAT = 0;       // one material number
+    std::int32_t MATDD = 0;     // group material under NDS
+    std::int32_t NPDMX = 0;     // largest node count of an element
+    std::int32_t IPRDC = 0;     // Gauss coordinate print flag
+    std::int32_t IPRTG = 0;     // Gauss value print flag
     std::int32_t NGAUS[3] = {}; // Gauss orders by direction
 
     std::int32_t NDMAX = 0; // columns of the connectivity

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace zurt {
 
@@ -20,6 +21,15 @@ void WriteInputOverflow(Run& run) {
     Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAX=", " REQUIRED DIMENSION, LMAX ="), run.A.LMAX);
     Write(unit, "(A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA, NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
           run.A.NTOTA);
+}
+
+// The specified messages don't say what did not fit.
+void NoteSectionOutside(const Run& run) {
+    const SectionRecord* section = FirstSectionOutside(run.A);
+    if (section != nullptr)
+        WriteNote(std::string("the working vector has ") + std::to_string(run.A.NTOTA) + " words; " +
+                  section->name + " takes " + std::to_string(section->length) + " behind word " +
+                  std::to_string(section->first - 1));
 }
 
 // Nine vectors of NP words, one after the other.
@@ -38,6 +48,7 @@ void StopIfInputOverflows(Run& run) {
     if (run.A.LMAX <= run.A.NTOTA)
         return;
     WriteInputOverflow(run);
+    NoteSectionOutside(run);
     StopRun();
 }
 
@@ -218,6 +229,7 @@ void StopIfSystemOverflows(Run& run) {
         Write(messages, "(' ** OR USE COARSER MESH'/)");
         Write(messages, "('  PROGRAM STOPS')");
     }
+    NoteSectionOutside(run);
     StopRun();
 }
 

@@ -78,9 +78,16 @@ Word TakeWords(WorkingVector& A, const char* name, Word n) {
 
 void ReleaseFrom(WorkingVector& A, Word first) {
     A.LMAX = first;
-    while (!A.sections.empty() && A.sections.back().first >= first && A.sections.back().length > 0)
+    while (!A.sections.empty() && A.sections.back().first >= first)
         A.sections.pop_back();
     ForbidWordsFrom(A, first);
+}
+
+const SectionRecord* FirstSectionOutside(const WorkingVector& A) {
+    for (const SectionRecord& section : A.sections)
+        if (section.first + section.length - 1 > A.NTOTA)
+            return &section;
+    return nullptr;
 }
 
 bool WordsAvailable(const WorkingVector& A, Word n) {

@@ -42,6 +42,9 @@ Word TakeWords(WorkingVector& A, const char* name, Word n);
 /// Gives back everything from `first` up.
 void ReleaseFrom(WorkingVector& A, Word first);
 
+/// The first section that does not lie within `A`, null when all do.
+const SectionRecord* FirstSectionOutside(const WorkingVector& A);
+
 /// True when the first n words from LMAX on lie within `A`.
 bool WordsAvailable(const WorkingVector& A, Word n);
 

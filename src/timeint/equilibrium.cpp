@@ -123,13 +123,16 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
     StopRun();
 }
 
-// A negative MAXIT never ends the iteration by count, and a solution that is no longer finite never converges.
-void StopIfEndless(const Run& run) {
+// The test's comparisons all fail on a solution that is not a number: it would pass as converged, or never. Neither does a
+// negative MAXIT end the iteration by count.
+void StopIfMeaningless(const Run& run) {
     const RunState& state = run.control.state;
-    if (run.control.header.MAXIT < 0 && (!std::isfinite(state.IncrementNorm) || state.ITER == kLastIteration))
-        StopWithLibraryError("step " + std::to_string(state.KOR) + ", iteration " +
-                             std::to_string(state.ITER) +
-                             ": no equilibrium will be found, and MAXIT is negative");
+    const std::string where =
+        "step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER);
+    if (std::isnan(state.IncrementNorm))
+        StopWithLibraryError(where + ": the solution is not a number; look for absurd sizes in the deck");
+    if (state.ITER == kLastIteration)
+        StopWithLibraryError(where + ": no equilibrium, and MAXIT is negative");
 }
 
 } // namespace
@@ -146,11 +149,12 @@ void IterateStep(Run& run) {
             return;
         UpdateSolution(run);
         const RealArray reference = header.INTEB == 1 ? StepIncrement(run) : StepSolution(run);
-        if (ConvergenceTest(run, RightHandSide(run), reference, StepSolution(run)))
+        const bool converged = ConvergenceTest(run, RightHandSide(run), reference, StepSolution(run));
+        StopIfMeaningless(run);
+        if (converged)
             return;
         if (state.ITER == header.MAXIT)
             StopWithoutEquilibrium(run);
-        StopIfEndless(run);
         ++state.ITER;
     }
 }
