@@ -1,0 +1,229 @@
+#include "results/unv_mesh.h"
+#include "results/unv_results.h"
+
+#include "job/partition.h"
+#include "support/bar_deck.h"
+#include "support/small_run.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace zurt {
+namespace {
+
+using zurt_test::BarDeck;
+using zurt_test::CountOf;
+using zurt_test::Lines;
+using zurt_test::RunResult;
+using zurt_test::SmallRun;
+using zurt_test::Written;
+
+void Prepare(zurt::Run& run, std::int32_t NP, std::int32_t NDS) {
+    run.control.header.NP = NP;
+    run.control.header.NDS = NDS;
+    run.control.header.IGRAF = 1;
+    const std::string title = "A title" + std::string(73, ' ');
+    std::memcpy(run.control.header.title, title.data(), kTitleLength);
+    run.control.state.GraphicsWritten = 7;
+    run.control.state.TIME = 0.25;
+    TakeNodeArrays(run);
+    TakeSolverVectors(run);
+}
+
+std::string Head(const std::string& name, const std::string& constants) {
+    return "    -1\n    55\nA title" + std::string(73, ' ') + "\n" + name +
+           "\nDATUM\nPRAZNA\nSLUCAJ OPTERECENJA:         7\n" + constants +
+           "\n         1         1         7\n  0.25000D+00\n";
+}
+
+// Faults: a line of the head missing, out of order or in another format; datasets in another order; vectors taken from
+// the wrong nodal vectors; small values left, or set to 0 in the last two datasets, which show them as they are.
+TEST(UnvResults, FourDatasetsLineByLine) {
+    SmallRun small;
+    zurt::Run& run = small.run;
+    Prepare(run, 2, 1);
+    NodalValues(run)(1) = 1.5;
+    NodalValues(run)(2) = -1e-16;
+    for (int k = 1; k <= 9; ++k)
+        for (int i = 1; i <= 2; ++i)
+            RealSection(run.A, run.control.at.LNDS[k], 2)(i) = i == 1 ? k : 1e-16;
+    WriteUnvResults(run);
+    const std::string zeros = "  0.00000D+00  0.00000D+00  0.00000D+00\n";
+    const std::string smallest = "  0.10000D-15  0.10000D-15  0.10000D-15\n";
+    EXPECT_EQ(
+        Written(run.units.graphics),
+        Head("CVORNE KONCENTRACIJE", "         2         1         1         5         2         1") +
+            "         1\n  0.15000D+01\n         2\n  0.00000D+00\n    -1\n" +
+            Head("MASS FLUX", "         2         1         1         7         2         1") +
+            "         1\n  0.10000D+01  0.20000D+01  0.30000D+01\n         2\n" + zeros + "    -1\n" +
+            Head("MASS FLUX PER UNIT TIME AND SURFACE",
+                 "         2         1         1         9         2         1") +
+            "         1\n  0.40000D+01  0.50000D+01  0.60000D+01\n         2\n" + smallest + "    -1\n" +
+            Head("DIFFUSION COEFFICIENT", "         2         1         1        14         2         1") +
+            "         1\n  0.70000D+01  0.80000D+01  0.90000D+01\n         2\n" + smallest + "    -1\n");
+    EXPECT_EQ(NodalValues(run)(2), 0.0);
+    EXPECT_EQ(RealSection(run.A, run.control.at.LNDS[3], 2)(2), 0.0);
+    EXPECT_EQ(RealSection(run.A, run.control.at.LNDS[4], 2)(2), 1e-16);
+}
+
+// Faults: nodal vectors read in a model that has none.
+TEST(UnvResults, VectorsAreZeroWithoutDevice) {
+    SmallRun small;
+    Prepare(small.run, 3, 0);
+    Fill(RealArray(small.run.A.words, small.run.A.NTOTA), 7.0);
+    WriteUnvResults(small.run);
+    const std::string graphics = Written(small.run.units.graphics);
+    EXPECT_EQ(CountOf(graphics, "\n  0.00000D+00  0.00000D+00  0.00000D+00\n"), 9);
+    EXPECT_EQ(CountOf(graphics, "0.70000D+01"), 3);
+}
+
+// One group of one element whose nodes are numbered by their place; `nodes` of them are there.
+ElementGroup& MakeGroup(zurt::Run& run, std::int32_t NPDMX, int nodes) {
+    ElementGroup& group = run.groups[2];
+    group.NGE = 2;
+    group.NETIP = 3;
+    group.NET = 1;
+    group.NPDMX = group.NDMAX = NPDMX;
+    group.LNEL = TakeWords(run.A, "LNEL", NPDMX);
+    for (int k = 1; k <= NPDMX; ++k)
+        Connectivity(run, group)(1, k) = k <= nodes ? 100 + k : 0;
+    run.groups[1].NGE = 1;
+    run.groups[1].NET = 40;
+    return group;
+}
+
+struct Brick {
+    std::int32_t NPDMX;
+    int nodes;
+    bool warned, parabolic;
+};
+
+// Faults: labels that begin anew in each group; a group of 9 to 19 nodes not written as 8, one of 21 not as 20; an
+// element without all of its mid-sides written with node 0; the warning missing or given to good groups.
+TEST(UnvMesh, BricksOfEightOrTwentyNodes) {
+    for (const Brick& brick :
+         {Brick{8, 8, false, false}, Brick{20, 20, false, true}, Brick{13, 13, true, false},
+          Brick{21, 21, true, true}, Brick{20, 19, false, false}, Brick{21, 20, true, true}}) {
+        SCOPED_TRACE(brick.NPDMX);
+        SmallRun small;
+        Prepare(small.run, 2, 0);
+        WriteUnvElements3D(small.run, MakeGroup(small.run, brick.NPDMX, brick.nodes));
+        const std::string linear =
+            "    -1\n    71\n        41       115       115         1         1         7"
+            "         8\n       105       106       107       108       101       102"
+            "       103       104\n    -1\n";
+        const std::string parabolic =
+            "    -1\n    71\n        41       116       116         1         1         7        20\n"
+            "       105       113       106       114       107       115       108       116\n"
+            "       117       118       119       120       101       109       102       110\n"
+            "       103       111       104       112\n    -1\n";
+        EXPECT_EQ(Written(small.run.units.graphics), brick.parabolic ? parabolic : linear);
+        EXPECT_EQ(Written(small.run.units.listing),
+                  brick.warned
+                      ? "\n GRAPHIC PACKAGE   \"IDEAS\"\n PERMITS ONLY 3/D ELEMENTS WITH 8 OR 20 NODES "
+                        "PER ELEMENT IN GROUP   NGE =    2\n"
+                      : "");
+    }
+}
+
+// Faults: the mesh written although this problem asks for no graphics, after an earlier one has opened the file.
+TEST(UnvMesh, NothingUnderANegativeInterval) {
+    SmallRun small;
+    Prepare(small.run, 2, 0);
+    ElementGroup& group = MakeGroup(small.run, 8, 8);
+    small.run.control.header.IGRAF = -1;
+    WriteUnvNodes(small.run);
+    WriteUnvElements3D(small.run, group);
+    EXPECT_EQ(Written(small.run.units.graphics), "");
+    small.run.control.header.IGRAF = 2;
+    CoordinateColumn(small.run, 1)(2) = 1.5;
+    CoordinateColumn(small.run, 3)(1) = -2.0;
+    WriteUnvNodes(small.run);
+    EXPECT_EQ(
+        Written(small.run.units.graphics),
+        "    -1\n    15\n         1         0         0         8  0.00000D+00  0.00000D+00 -0.20000D+01\n"
+        "         2         0         0         8  0.15000D+01  0.00000D+00  0.00000D+00\n    -1\n");
+}
+
+using Point = std::array<double, 3>;
+
+Point Minus(const Point& a, const Point& b) {
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+
+Point Middle(const Point& a, const Point& b) {
+    return {0.5 * (a[0] + b[0]), 0.5 * (a[1] + b[1]), 0.5 * (a[2] + b[2])};
+}
+
+double Triple(const Point& a, const Point& b, const Point& c) {
+    return a[0] * (b[1] * c[2] - b[2] * c[1]) + a[1] * (b[2] * c[0] - b[0] * c[2]) +
+           a[2] * (b[0] * c[1] - b[1] * c[0]);
+}
+
+// Elements of the graphics file, each as the places of its nodes in the order of the file.
+std::vector<std::vector<Point>> ReadMesh(std::string graphics) {
+    for (char& c : graphics)
+        c = c == 'D' ? 'E' : c;
+    std::istringstream stream(graphics);
+    std::map<int, Point> nodes;
+    int mark = 0, kind = 0, label = 0, skip = 0;
+    stream >> mark >> kind;
+    EXPECT_EQ(kind, 15);
+    while (stream >> label && label != -1) {
+        Point& p = nodes[label];
+        stream >> skip >> skip >> skip >> p[0] >> p[1] >> p[2];
+    }
+    stream >> mark >> kind;
+    EXPECT_EQ(kind, 71);
+    std::vector<std::vector<Point>> elements;
+    while (stream >> label && label != -1) {
+        int count = 0;
+        stream >> skip >> skip >> skip >> skip >> skip >> count;
+        elements.emplace_back();
+        for (int k = 0, node = 0; k < count && stream >> node; ++k)
+            elements.back().push_back(nodes.at(node));
+    }
+    return elements;
+}
+
+// Faults: bricks that a reader of the file takes for turned inside out: the face that comes first must be the bottom of
+// a right-handed brick, the other face above it corner by corner, and every mid-side node on its own edge.
+TEST(UnvMesh, WrittenBricksAreRightHandedFromTheBottom) {
+    for (const int nodes : {8, 20}) {
+        BarDeck bar;
+        bar.nx = 2;
+        bar.nodes = nodes;
+        bar.steady = true;
+        const RunResult result = zurt_test::RunDeck(zurt_test::Build(bar));
+        ASSERT_EQ(result.status, 0) << result.errors;
+        const auto elements = ReadMesh(result.graphics);
+        ASSERT_EQ(elements.size(), 2u);
+        for (const std::vector<Point>& places : elements) {
+            ASSERT_EQ(places.size(), static_cast<std::size_t>(nodes));
+            const std::size_t step = nodes == 20 ? 2 : 1, top = nodes == 20 ? 12 : 4;
+            for (std::size_t k = 0; k < 4; ++k) {
+                const std::size_t next = (k + 1) % 4, before = (k + 3) % 4;
+                const Point& corner = places[step * k];
+                const Point& above = places[top + step * k];
+                const double volume = Triple(Minus(places[step * next], corner),
+                                             Minus(places[step * before], corner), Minus(above, corner));
+                EXPECT_NEAR(volume, 0.125, 1e-12);
+                if (nodes == 8)
+                    continue;
+                EXPECT_EQ(places[2 * k + 1], Middle(corner, places[2 * next]));
+                EXPECT_EQ(places[8 + k], Middle(corner, above));
+                EXPECT_EQ(places[top + 2 * k + 1], Middle(above, places[top + 2 * next]));
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace zurt
