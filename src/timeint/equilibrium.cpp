@@ -125,14 +125,22 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
 
 // The test's comparisons all fail on a solution that is not a number: it would pass as converged, or never. Neither does a
 // negative MAXIT end the iteration by count.
-void StopIfMeaningless(const Run& run) {
+void StopIfMeaningless(const Run& run, double increment) {
     const RunState& state = run.control.state;
     const std::string where =
         "step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER);
-    if (std::isnan(state.IncrementNorm))
+    if (std::isnan(increment))
         StopWithLibraryError(where + ": the solution is not a number; look for absurd sizes in the deck");
     if (state.ITER == kLastIteration)
         StopWithLibraryError(where + ": no equilibrium, and MAXIT is negative");
+}
+
+// Not a number as soon as one entry is none.
+double SumOfEntries(ConstRealArray vector) {
+    double sum = 0.0;
+    for (Word i = 1; i <= vector.length; ++i)
+        sum += vector(i);
+    return sum;
 }
 
 } // namespace
@@ -145,12 +153,14 @@ void IterateStep(Run& run) {
         ClearSystem(run);
         FormSystem(run);
         SolveSystem(run);
-        if (state.NonlinearFlag == 0)
+        if (state.NonlinearFlag == 0) {
+            StopIfMeaningless(run, SumOfEntries(RightHandSide(run)));
             return;
+        }
         UpdateSolution(run);
         const RealArray reference = header.INTEB == 1 ? StepIncrement(run) : StepSolution(run);
         const bool converged = ConvergenceTest(run, RightHandSide(run), reference, StepSolution(run));
-        StopIfMeaningless(run);
+        StopIfMeaningless(run, state.IncrementNorm);
         if (converged)
             return;
         if (state.ITER == header.MAXIT)
