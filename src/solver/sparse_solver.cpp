@@ -27,10 +27,6 @@ constexpr MUMPS_INT kEndInstance = -2;
 constexpr MUMPS_INT kWorldCommunicator = -987654;
 constexpr MUMPS_INT kUnsymmetric = 0;
 constexpr MUMPS_INT kHostWorks = 1;
-// PORD is the ordering that the solver chooses of itself when it is built without others. Distributions build it with
-// SCOTCH, which it then prefers, and which orders in threads: the digits of a solution would differ from run to run,
-// and the solve takes longer, since the analysis is done anew each time.
-constexpr MUMPS_INT kOrderByPord = 4;
 
 constexpr std::int32_t kReport = 1; // of SolverReportFlag
 constexpr std::int32_t kSilent = 0; // verbosity of the assembler
@@ -87,6 +83,9 @@ template <class T> void FreeArray(T*& array) {
 void SolverStart(DMUMPS_STRUC_C& instance, std::int32_t N, std::int32_t NZ, TextUnit& console,
                  std::int32_t SolverReportFlag) {
     ReportStage(console, SolverReportFlag, "Initializing solver...");
+    // Distributions build the solver with SCOTCH, which orders large systems in as many threads as there are processors
+    // and then differently each time. One thread gives the same digits in every run.
+    setenv("SCOTCH_PTHREAD_NUMBER", "1", 1);
     MPI_Init(nullptr, nullptr);
     instance.comm_fortran = kWorldCommunicator;
     instance.sym = kUnsymmetric;
@@ -107,7 +106,6 @@ void SetSolverControls(DMUMPS_STRUC_C& instance) {
     ICNTL[2] = -1;
     ICNTL[14] = 120;
     ICNTL[3] = -1;
-    ICNTL[7] = kOrderByPord;
 }
 
 void SolverFactor(DMUMPS_STRUC_C& instance, TextUnit& console, TextUnit& listing,

@@ -18,8 +18,8 @@ namespace zurt {
 void SolverStart(DMUMPS_STRUC_C& instance, std::int32_t N, std::int32_t NZ, TextUnit& console,
                  std::int32_t SolverReportFlag);
 
-/// The settings that depart from the solver's defaults: its own output off, 120 percent of added working space, the
-/// PORD ordering. The instance must exist.
+/// The settings that depart from the solver's defaults: its own output off, 120 percent of added working space. The
+/// ordering stays the solver's own choice. The instance must exist.
 void SetSolverControls(DMUMPS_STRUC_C& instance);
 
 /// Analysis and factorisation of the matrix in IRN, JCN and A. Any INFO(1) but 0 behind the factorisation is reported
