@@ -1,5 +1,6 @@
 #include "elements/brick_visit.h"
 
+#include "core/format.h"
 #include "elements/group_checks.h"
 #include "elements/group_views.h"
 #include "elements/jacobian_failure.h"
@@ -7,6 +8,15 @@
 #include <algorithm>
 
 namespace zurt {
+
+namespace {
+
+void PrintElementLine(Run& run, std::int32_t n) {
+    static const Format line("(' ELEMENT....................',I8)");
+    Write(run.units.listing, line, n);
+}
+
+} // namespace
 
 void BeginBrickVisit(BrickVisit& visit, const std::int32_t (&NGAUS)[3]) {
     CheckGroupIndices(visit.run, visit.group);
@@ -19,6 +29,8 @@ void BeginBrickVisit(BrickVisit& visit, const std::int32_t (&NGAUS)[3]) {
 
 void TakeBrick(BrickVisit& visit, std::int32_t n) {
     visit.number = n;
+    if (visit.run.control.header.ITOR == 3)
+        PrintElementLine(visit.run, n);
     ActiveNodes active;
     ListActiveNodes<3>(visit.NEL, n, active);
     if (!ServesNodes(visit.points, active))

@@ -27,6 +27,7 @@ struct BrickVisit {
 void BeginBrickVisit(BrickVisit& visit, const std::int32_t (&NGAUS)[3]);
 
 /// Takes element n in hand: nodal data, material, and the shape table when its nodes differ from the element's before.
+/// Under ITOR 3 the listing gets a line for it.
 void TakeBrick(BrickVisit& visit, std::int32_t n);
 
 /// Ends the run: the Jacobian `DET` at point `at` of the element in hand is not positive.

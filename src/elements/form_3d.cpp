@@ -1,6 +1,5 @@
 #include "elements/form_3d.h"
 
-#include "core/format.h"
 #include "elements/brick_kernel.h"
 #include "elements/brick_visit.h"
 #include "elements/element_work.h"
@@ -66,18 +65,12 @@ template <int Nodes> void FormBrick(FormVisit& visit) {
                       ConstIntArray(element.LM, ND), ND, visit.matrixFlag);
 }
 
-void PrintElementLine(Run& run, std::int32_t n) {
-    static const Format line("(' ELEMENT....................',I8)");
-    Write(run.units.listing, line, n);
-}
-
 } // namespace
 
 void FormElements3D(Run& run, ElementGroup& group, Word conduction) {
-    const HeaderFields& header = run.control.header;
     const RunState& state = run.control.state;
     FormVisit visit{{run, group}};
-    visit.transient = header.NSTAC != 0;
+    visit.transient = run.control.header.NSTAC != 0;
     visit.dt = state.TimeStep;
     visit.packed = RealSection(run.A, conduction, PackedLength(group.NDMAX));
     visit.SkylineMatrix = SkylineStore(run);
@@ -88,8 +81,6 @@ void FormElements3D(Run& run, ElementGroup& group, Word conduction) {
     visit.source = BeginVolumeSource(run, group);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         // Elements that a fibre model leaves out are passed over here.
-        if (header.ITOR == 3)
-            PrintElementLine(run, n);
         TakeBrick(visit.brick, n);
         if (visit.brick.points.active.ND == kCorners<3>)
             FormBrick<kCorners<3>>(visit);
