@@ -27,10 +27,12 @@ void AllowWords([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] Word f
 #endif
 }
 
-void ForbidWordsFrom([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] Word first) {
+void ForbidWords([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] Word first,
+                 [[maybe_unused]] Word end) {
 #ifdef ZURT_SANITIZE
-    if (first <= A.NTOTA)
-        ASAN_POISON_MEMORY_REGION(A.words + (first - 1), static_cast<std::size_t>(A.NTOTA - first + 1) * 8);
+    const Word last = std::min(end, A.NTOTA + 1);
+    if (last > first)
+        ASAN_POISON_MEMORY_REGION(A.words + (first - 1), static_cast<std::size_t>(last - first) * 8);
 #endif
 }
 
@@ -49,6 +51,7 @@ void CreateWorkingVector(WorkingVector& A, Word size) {
         StopWithLibraryError("no address space for a working vector of " + std::to_string(size) + " words");
     A.words = static_cast<double*>(block);
     A.NTOTA = size;
+    ForbidWords(A, 1, A.NTOTA + 1);
     RestartWorkingVector(A);
 }
 
@@ -61,10 +64,10 @@ void DestroyWorkingVector(WorkingVector& A) {
 }
 
 void RestartWorkingVector(WorkingVector& A) {
+    ForbidWords(A, 1, A.LMAX);
     A.LMAX = 1;
     A.LMAXM = 1;
     A.sections.clear();
-    ForbidWordsFrom(A, 1);
 }
 
 Word TakeWords(WorkingVector& A, const char* name, Word n) {
@@ -77,10 +80,10 @@ Word TakeWords(WorkingVector& A, const char* name, Word n) {
 }
 
 void ReleaseFrom(WorkingVector& A, Word first) {
+    ForbidWords(A, first, A.LMAX);
     A.LMAX = first;
     while (!A.sections.empty() && A.sections.back().first >= first)
         A.sections.pop_back();
-    ForbidWordsFrom(A, first);
 }
 
 const SectionRecord* FirstSectionOutside(const WorkingVector& A) {
