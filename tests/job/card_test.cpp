@@ -115,7 +115,7 @@ TEST(Card, ImageCardsIgnoreTheIndicator) {
     SmallRun bad("x\n");
     Sample sample;
     EXPECT_EXIT(ReadImageFields(bad.run.deck, 1, kSample, &sample), testing::ExitedWithCode(2),
-                "an integer is expected; this card is always taken by columns");
+                "an integer is expected; some cards are always taken by columns");
     EXPECT_EXIT(ReadImageFields(bad.run.deck, 2, kSample, &sample), testing::ExitedWithCode(2),
                 "an integer is expected\n");
 }
