@@ -99,8 +99,6 @@ void ReadHeaderCards(Run& run) {
 // What the header cards may ask for and this program does not have yet.
 void StopOnHeaderNotBuilt(Run& run) {
     const HeaderFields& header = run.control.header;
-    if (run.control.state.SparseMode == 1)
-        StopNotBuilt(run, "the sparse solver (SolverSelector 2) is");
     if (header.IDIRECTD == 1)
         StopNotBuilt(run, "the direct effective coefficient (IDIRECTD 1) is");
     if (header.ITOR == 1)

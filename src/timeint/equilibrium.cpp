@@ -4,6 +4,8 @@
 #include "core/stop.h"
 #include "elements/element_dispatch.h"
 #include "solver/skyline_solve.h"
+#include "solver/sparse_assembler.h"
+#include "solver/sparse_solver.h"
 #include "timeint/convergence.h"
 
 #include <cmath>
@@ -17,7 +19,14 @@ namespace {
 
 constexpr std::int32_t kLastIteration = std::numeric_limits<std::int32_t>::max();
 
+// In sparse mode the tree begins anew; symmetry flag 0, both triangles of every element go in.
 void ClearSystem(Run& run) {
+    if (run.control.state.SparseMode == 1) {
+        SparseInit(0, 0);
+        SparseZeroValues();
+        Fill(RightHandSide(run), 0.0);
+        return;
+    }
     const RealArray store = SkylineStore(run);
     std::memset(store.data, 0, static_cast<std::size_t>(store.length) * sizeof(double));
     Fill(RightHandSide(run), 0.0);
@@ -31,6 +40,11 @@ void FormSystem(Run& run) {
 
 void SolveSystem(Run& run) {
     const RunState& state = run.control.state;
+    if (state.SparseMode == 1) {
+        SolveSparseSystem(RightHandSide(run), state.JEDN, 0, run.units.console, MessageUnit(run),
+                          state.SolverReportFlag);
+        return;
+    }
     const auto NWK = static_cast<std::int32_t>(state.NWK);
     const RealArray store = SkylineStore(run);
     const RealArray R = RightHandSide(run);
