@@ -117,6 +117,7 @@ struct RunState {
     std::int32_t ConductivityNonlinear = 0, CapacityNonlinear = 0;
     std::int32_t GraphicsEnabled = 0;         // 1: this pass may write steps to the graphics file
     std::int32_t SparseMode = 0;              // 1 when SolverSelector is 2
+    std::int32_t SolverReportFlag = 1;        // 1: the sparse solver reports its stages on the console
     std::int32_t SourcePresent = 0;           // some group has IZIP positive
     std::int32_t ConcentrationSource = 0;     // some group has IZIP equal to 2
     std::int32_t SubstructurePresent = 0;     // some group has ISUB4 positive

@@ -23,7 +23,7 @@ void WriteInputOverflow(Run& run) {
           run.A.NTOTA);
 }
 
-// The specified messages don't say what did not fit.
+// The messages give sizes alone; this says what did not fit.
 void NoteSectionOutside(const Run& run) {
     const SectionRecord* section = FirstSectionOutside(run.A);
     if (section != nullptr)
