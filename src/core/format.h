@@ -154,6 +154,7 @@ struct ListScanner {
     int repeatsLeft = 0;        // values still to come from r*c
     std::string repeated;       // the constant of r*c; empty: a null value
     bool separatorSeen = true;  // a value has been ended by a comma, or none has been read yet
+    bool recordOpened = true;   // only blanks of the record have been passed so far
     bool ended = false;         // '/' was met
     std::string text;           // the item of the last failure
     std::size_t itemColumn = 0; // zero-based column of the last item

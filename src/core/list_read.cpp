@@ -41,23 +41,17 @@ std::string_view TakeItem(ListScanner& scanner) {
         ++scanner.position;
     scanner.itemColumn = start;
     scanner.separatorSeen = false;
+    scanner.recordOpened = false;
     return scanner.record.substr(start, scanner.position - start);
-}
-
-/// Only blanks stand ahead of the scanner's place in its record.
-bool OpensRecord(const ListScanner& scanner) {
-    for (std::size_t i = 0; i < scanner.position; ++i)
-        if (!IsBlank(scanner.record[i]))
-            return false;
-    return true;
 }
 
 /// Takes a comma or semicolon; true when it ends a value that is not there. Behind a record end that already parts
 /// two values a comma parts the same two, but a semicolon parts anew.
 bool EndsNullValue(ListScanner& scanner) {
     const char separator = scanner.record[scanner.position];
-    const bool null = scanner.separatorSeen || (separator == ';' && OpensRecord(scanner));
+    const bool null = scanner.separatorSeen || (separator == ';' && scanner.recordOpened);
     scanner.separatorSeen = true;
+    scanner.recordOpened = false;
     return null;
 }
 
@@ -140,12 +134,14 @@ void BeginList(ListScanner& scanner, std::string_view record) {
     scanner.position = 0;
     scanner.repeatsLeft = 0;
     scanner.separatorSeen = true;
+    scanner.recordOpened = true;
     scanner.ended = false;
 }
 
 void ContinueList(ListScanner& scanner, std::string_view record) {
     scanner.record = record;
     scanner.position = 0;
+    scanner.recordOpened = true;
 }
 
 ListStatus NextListInteger(ListScanner& scanner, std::int32_t& value) {
