@@ -10,8 +10,9 @@ namespace zurt {
 
 namespace {
 
-[[noreturn]] void Refuse(const ElementGroup& group, const std::string& what) {
-    StopWithLibraryError("element group " + std::to_string(group.NGE) + ": " + what);
+[[noreturn]] void Refuse(const Run& run, const ElementGroup& group, const std::string& what) {
+    StopWithLibraryError("deck " + run.deck.name + ", element group " + std::to_string(group.NGE) + ": " +
+                         what);
 }
 
 // Cards write corners only inside 1..NP, so a first corner of 0 is a row that no card has written.
@@ -19,7 +20,7 @@ void RequireCards(const Run& run, const ElementGroup& group) {
     const ConstIntTable NEL = Connectivity(run, group);
     for (Word n = 1; n <= group.NET; ++n)
         if (NEL(n, 1) == 0)
-            Refuse(group,
+            Refuse(run, group,
                    "element " + std::to_string(n) + " has no card; its number is left out between the cards");
 }
 
@@ -28,8 +29,9 @@ void RequireSources(const Run& run, const ElementGroup& group) {
     const std::int32_t NQE = run.control.counts.NQE;
     for (Word n = 1; n <= sources.length; ++n)
         if (sources(n) > NQE)
-            Refuse(group, "element " + std::to_string(n) + " asks for source curve " +
-                              std::to_string(sources(n)) + ", but there are " + std::to_string(NQE));
+            Refuse(run, group,
+                   "element " + std::to_string(n) + " asks for source curve " + std::to_string(sources(n)) +
+                       ", but there are " + std::to_string(NQE));
 }
 
 // A coefficient that comes from functions needs one for the first axis; all numbers lie within the table.
@@ -39,14 +41,16 @@ void RequireConductionFunctions(const Run& run, const ElementGroup& group, std::
     for (Word axis = 1; axis <= 3; ++axis) {
         any = any || functions(material, axis) != 0;
         if (functions(material, axis) > ConductionDimension(run))
-            Refuse(group, "material " + std::to_string(material) + " asks for conduction function " +
-                              std::to_string(functions(material, axis)) + ", but there are " +
-                              std::to_string(ConductionDimension(run)));
+            Refuse(run, group,
+                   "material " + std::to_string(material) + " asks for conduction function " +
+                       std::to_string(functions(material, axis)) + ", but there are " +
+                       std::to_string(ConductionDimension(run)));
     }
     if (any && (functions(material, 1) < 1 || run.control.counts.MAXTK < 1))
-        Refuse(group, "material " + std::to_string(material) +
-                          " has no conduction function for its first axis; built-in polynomials serve only "
-                          "materials without any function, in problems that iterate on the conduction");
+        Refuse(run, group,
+               "material " + std::to_string(material) +
+                   " has no conduction function for its first axis; built-in polynomials serve only "
+                   "materials without any function, in problems that iterate on the conduction");
 }
 
 // Nonlinear capacity of a material without a curve comes from the built-in polynomials.
@@ -55,13 +59,14 @@ void RequireCapacity(const Run& run, const ElementGroup& group, std::int32_t mat
     if (header.NSTAC == 0)
         return;
     if (header.NSTAC < 0)
-        Refuse(group,
+        Refuse(run, group,
                "a transient problem without device modelling needs capacity curves, and a negative NSTAC "
                "leaves no room for them");
     const bool analytic = run.control.state.CapacityNonlinear != 0 && SpecificHeatPoints(run)(material) == 0;
     if (!analytic && !HasSpecificHeatTable(run))
-        Refuse(group, "material " + std::to_string(material) +
-                          " has no capacity curve, which a transient problem needs (MAXTC is 0)");
+        Refuse(run, group,
+               "material " + std::to_string(material) +
+                   " has no capacity curve, which a transient problem needs (MAXTC is 0)");
 }
 
 void RequireMaterialCurves(const Run& run, const ElementGroup& group) {
