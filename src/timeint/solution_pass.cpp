@@ -117,7 +117,9 @@ void SolutionPass(Run& run) {
     state.OutletStart = state.OutletStartOfRun;
     state.GraphicsWritten = 0;
     state.GraphicsCounter = 0;
-    for (state.KOR = 1; state.KOR <= state.NDT; ++state.KOR) {
+    state.KOR = 0;
+    while (state.KOR < state.NDT) { // the last step may have the largest number there is
+        ++state.KOR;
         if (run.control.header.NSTAC != 0)
             AdvanceTime(run);
         BeginStep(run);
