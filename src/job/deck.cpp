@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <sys/stat.h>
 
 namespace zurt {
 
@@ -23,10 +24,18 @@ constexpr const char* kImageHint = "; some cards are always taken by columns, an
 // Longest piece of a card shown in an error report.
 constexpr std::size_t kLongestExcerpt = 60;
 
+// Many a device gives bytes without end.
+bool IsDevice(std::FILE* file) {
+    struct stat status;
+    return fstat(fileno(file), &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
+}
+
 void ReadWholeFile(Deck& deck) {
     std::FILE* file = std::fopen(deck.name.c_str(), "rb");
     if (file == nullptr)
         StopWithLibraryError("can't open the deck " + deck.name + ": " + std::strerror(errno));
+    if (IsDevice(file))
+        StopWithLibraryError("can't read the deck " + deck.name + ": it is a device");
     if (std::fseek(file, 0, SEEK_END) == 0) {
         const long size = std::ftell(file);
         if (size > 0 && size < std::numeric_limits<long>::max())
