@@ -65,6 +65,8 @@ std::string MakeTemporaryFolder() {
 }
 
 std::string ReadFile(const std::string& name) {
+    if (std::filesystem::is_directory(name))
+        return "";
     std::ifstream file(name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

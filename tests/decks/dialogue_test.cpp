@@ -1,0 +1,253 @@
+// The console dialogue and the files of a run, through the real binary.
+#include "support/bar_deck.h"
+#include "support/run_deck.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace zurt_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ShortDeck(int NULAZ = 3, int NPRINT = 1, int IGRAF = 1) {
+    BarDeck bar;
+    bar.nx = 2;
+    bar.periods = {{1, 0.5}};
+    bar.NULAZ = NULAZ;
+    bar.NPRINT = NPRINT;
+    bar.IGRAF = IGRAF;
+    return Build(bar);
+}
+
+// A folder with a short deck in a file of this name.
+std::string FolderWith(const std::string& deckName, const std::string& deck = ShortDeck()) {
+    const std::string folder = MakeTemporaryFolder();
+    WriteFile(folder + "/" + deckName, deck);
+    return folder;
+}
+
+struct NameCase {
+    const char *answer, *deck, *listing, *graphics;
+};
+
+// Faults: extensions in the wrong case, the base cut at the last point or kept whole, a blank ahead of the point taken
+// for the end of the name, the name or its default cut or padded at 20 characters.
+TEST(Dialogue, DefaultNamesFollowTheDeck) {
+    const NameCase cases[] = {
+        {"", "zurt.dat", "zurt.lst", "zurt.unv"},
+        {"   ", "zurt.dat", "zurt.lst", "zurt.unv"},
+        {"deck.txt", "deck.txt", "deck.lst", "deck.unv"},
+        {"DECK", "DECK", "DECK.LST", "DECK.UNV"},
+        {"Deck.a.b", "Deck.a.b", "Deck.LST", "Deck.UNV"},
+        {"1DECK.DAT", "1DECK.DAT", "1DECK.lst", "1DECK.unv"},
+        {"abcdefghijklmnopqrst", "abcdefghijklmnopqrst", "abcdefghijklmnopqrst.lst",
+         "abcdefghijklmnopqrst.unv"},
+        {"Abcdefghijklmnopqrstuvw", "Abcdefghijklmnopqrst", "Abcdefghijklmnopqrst.LST",
+         "Abcdefghijklmnopqrst.UNV"},
+        {"my deck.dat  ", "my deck.dat", "my deck.lst", "my deck.unv"},
+        {"my deck", "my deck", "my.lst", "my.unv"},
+        {"deck.txt\r", "deck.txt", "deck.lst", "deck.unv"},
+    };
+    for (const NameCase& test : cases) {
+        const std::string folder = FolderWith(test.deck);
+        const RunResult result = RunInFolder(folder, std::string(test.answer) + "\n\n\n");
+        EXPECT_EQ(result.status, 0) << test.answer << result.errors;
+        EXPECT_EQ(result.console.find("   INPUT FILE NAME   <zurt.dat>\n   OUTPUT FILE NAME   <" +
+                                      std::string(test.listing) + ">\n   OUTPUT GRAPHICS FILE NAME   <" +
+                                      test.graphics + ">\n"),
+                  0u)
+            << result.console;
+        EXPECT_TRUE(fs::exists(folder + "/" + test.listing)) << test.answer;
+        EXPECT_TRUE(fs::exists(folder + "/" + test.graphics)) << test.answer;
+    }
+}
+
+// Faults: a file that exists replaced without asking or after another answer than D, d or ENTER; the name not asked
+// again; the question worded otherwise.
+TEST(Dialogue, OverwriteQuestion) {
+    const std::string question = "   FILE    zurt.lst ALREADY EXISTS\n\n"
+                                 "                 PRESS \"ENTER\" TO DELETE OR\n"
+                                 "                 KEY   \"N\"     TO BYPASS\n";
+    for (const char* answer : {"", "D", "d", "  ", "delete"}) {
+        const std::string folder = FolderWith("zurt.dat");
+        WriteFile(folder + "/zurt.lst", "precious\n");
+        const RunResult result = RunInFolder(folder, "\n\n" + std::string(answer) + "\n\n");
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(CountOf(result.console, question), 1);
+        EXPECT_EQ(CountOf(result.listing, "precious"), 0) << answer;
+        EXPECT_EQ(CountOf(result.listing, "VERSION  1.00"), 1) << answer;
+    }
+    for (const char* answer : {"N", "n", "x", "ND"}) {
+        const std::string folder = FolderWith("zurt.dat");
+        WriteFile(folder + "/zurt.lst", "precious\n");
+        const RunResult result =
+            RunInFolder(folder, "\n\n" + std::string(answer) + "\n\n" + answer + "\nother.lst\n\n");
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(CountOf(result.console, question), 2);
+        EXPECT_EQ(CountOf(result.console, "   OUTPUT FILE NAME   <zurt.lst>\n"), 3);
+        EXPECT_EQ(result.listing, "precious\n");
+        EXPECT_EQ(CountOf(ReadFile(folder + "/other.lst"), "VERSION  1.00"), 1);
+    }
+}
+
+// Faults: the graphics file without a question of its own, or with the listing's default.
+TEST(Dialogue, OverwriteQuestionForGraphics) {
+    const std::string folder = FolderWith("zurt.dat");
+    WriteFile(folder + "/zurt.unv", "precious\n");
+    const RunResult kept = RunInFolder(folder, "\n\n\nN\nmine\n");
+    EXPECT_EQ(kept.status, 0) << kept.errors;
+    EXPECT_EQ(CountOf(kept.console, "   FILE    zurt.unv ALREADY EXISTS\n"), 1);
+    EXPECT_EQ(kept.graphics, "precious\n");
+    EXPECT_EQ(CountOf(ReadFile(folder + "/mine"), "CVORNE KONCENTRACIJE"), 1);
+    const RunResult replaced = RunInFolder(folder, "\n\nD\n\nD\n");
+    EXPECT_EQ(replaced.status, 0) << replaced.errors;
+    EXPECT_EQ(CountOf(replaced.graphics, "precious"), 0);
+}
+
+// Faults: names asked or the banner written again, files begun anew by the second problem; its card not read again as
+// the title under free format; card numbers or messages that start anew.
+TEST(Dialogue, SecondProblemAsksNothing) {
+    BarDeck bar;
+    bar.nx = 2;
+    bar.periods = {{1, 0.5}};
+    bar.title = "First of two";
+    bar.end = "";
+    bar.NULAZ = 1;
+    std::string deck = Build(bar);
+    bar.title = "Second of two";
+    bar.end = "STOPPED\n";
+    deck += Build(bar);
+    const RunResult result = RunDeck(deck);
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(CountOf(result.console, " FILE NAME "), 3);
+    EXPECT_EQ(CountOf(result.listing, "VERSION  1.00"), 1);
+    EXPECT_EQ(CountOf(result.listing, "\n Second of two  "), 1);
+    EXPECT_EQ(CountOf(result.listing, "E X E C U T I O N    T I M I N G"), 2);
+    EXPECT_EQ(CountOf(result.listing, "E N D   O F   I N P U T"), 1); // the whole deck, once
+    EXPECT_EQ(CountOf(result.listing, " Second of two  "), 2);
+    EXPECT_EQ(CountOf(result.graphics, "First of two  "), 4);
+    EXPECT_EQ(CountOf(result.graphics, "Second of two  "), 4);
+    EXPECT_EQ(result.messages, "      \n      \n");
+}
+
+// Faults: the separator card of a fixed deck read again as a title; "STOP" looked for beyond the first four columns, in
+// small letters or as a whole word.
+TEST(Dialogue, CardBehindAProblem) {
+    BarDeck bar;
+    bar.nx = 2;
+    bar.periods = {{1, 0.5}};
+    bar.fixedFormat = true;
+    bar.title = "First of two";
+    bar.end = " STOP and stop\n";
+    std::string deck = Build(bar);
+    bar.title = "Second of two";
+    bar.NULAZ = 1; // the deck is listed and put back in the midst of the second problem
+    bar.end = "STOP\nno card of the deck\n";
+    const RunResult result = RunDeck(deck + Build(bar));
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(CountOf(result.listing, "\n First of two  "), 1);
+    EXPECT_EQ(CountOf(result.listing, "\n    1 First of two  "), 1);
+    EXPECT_EQ(CountOf(result.listing, "\n Second of two  "), 1);
+    EXPECT_EQ(CountOf(result.listing, "E X E C U T I O N    T I M I N G"), 2);
+
+    bar.NULAZ = 3;
+    bar.end = "stop\n";
+    const RunResult small = RunDeck(Build(bar));
+    EXPECT_EQ(small.status, 2);
+    EXPECT_NE(small.errors.find("Title card: the deck ends here"), std::string::npos) << small.errors;
+    EXPECT_EQ(CountOf(small.listing, "E X E C U T I O N    T I M I N G"), 1);
+}
+
+// Faults: a listing opened or asked for when neither input nor results are to be printed, a failure for want of it;
+// none opened when one of the two is; echoes in spite of a negative NULAZ.
+TEST(Dialogue, RunsWithoutAListing) {
+    const RunResult none = RunDeck(ShortDeck(-1, -1));
+    EXPECT_EQ(none.status, 0) << none.errors;
+    EXPECT_EQ(none.console.find("   INPUT FILE NAME   <zurt.dat>\n"
+                                " NO PRINTOUT INPUT DATA FOR PROBLEM UNDER TITLE \"Block of bricks" +
+                                std::string(78 - 15, ' ') +
+                                "\"\n   OUTPUT GRAPHICS FILE NAME   <zurt.unv>\n"),
+              0u)
+        << none.console;
+    EXPECT_FALSE(fs::exists(none.folder + "/zurt.lst"));
+    EXPECT_EQ(CountOf(none.graphics, "CVORNE KONCENTRACIJE"), 1);
+    const RunResult results = RunDeck(ShortDeck(-1, 1));
+    EXPECT_EQ(results.status, 0) << results.errors;
+    EXPECT_EQ(CountOf(results.listing, "N O D A L    C O N C E N T R A T I O N S"), 1);
+    EXPECT_EQ(CountOf(results.listing, "CARD NUMBER"), 0);
+    EXPECT_EQ(CountOf(results.listing, "MTOT =120000000"), 1);
+    const RunResult input = RunDeck(ShortDeck(2, -1, -1));
+    EXPECT_EQ(input.status, 0) << input.errors;
+    EXPECT_EQ(CountOf(input.listing, "C A R D   I M A G E"), 1);
+    EXPECT_EQ(CountOf(input.listing, "CARD NUMBER"), 0);
+    EXPECT_FALSE(fs::exists(input.folder + "/zurt.unv"));
+    for (const RunResult& result : {none, results, input})
+        EXPECT_EQ(CountOf(result.console + result.listing, "NO PRINTOUT RESULTS"), 0);
+}
+
+// Faults: an endless dialogue or a normal end where the console has no more answers.
+TEST(Dialogue, EndOfTheConsoleInput) {
+    const std::string taken = FolderWith("zurt.dat");
+    WriteFile(taken + "/zurt.lst", "precious\n");
+    for (const char* answers : {"", "\n", "zurt.dat\n\n", "\n\nN\n", "\nnew.lst\n"}) {
+        const RunResult result = RunInFolder(taken, answers, 20);
+        EXPECT_EQ(result.status, 2) << answers;
+        EXPECT_NE(result.errors.find("zurt: error: the console input ended"), std::string::npos) << answers;
+        EXPECT_EQ(result.listing, "precious\n") << answers;
+    }
+    EXPECT_EQ(RunInFolder(FolderWith("zurt.dat"), "\n\nlast", 20).status, 0); // a line without its end
+}
+
+// Faults: a status of 0, a crash or silence for a deck that is not there.
+TEST(Dialogue, MissingDeck) {
+    const RunResult missing = RunInFolder(MakeTemporaryFolder(), "\n\n\n");
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_NE(missing.errors.find("zurt: error: can't open the deck zurt.dat"), std::string::npos);
+    const RunResult folder = RunInFolder(FolderWith("zurt.dat"), ".\n\n\n");
+    EXPECT_EQ(folder.status, 2);
+    EXPECT_NE(folder.errors.find("zurt: error: can't read the deck ."), std::string::npos);
+    const RunResult empty = RunDeck("");
+    EXPECT_EQ(empty.status, 2);
+    EXPECT_NE(empty.errors.find("Title card: the deck ends here"), std::string::npos);
+}
+
+// Faults: a file that can't be written goes unnoticed or ends the run as a normal end; a folder in its way deleted.
+TEST(Dialogue, FilesThatCantBeWritten) {
+    for (const char* name : {"zurt.lst", "zurt.unv", "MESSAGES.LST", "ZITEMP", "MASS-X.LST"}) {
+        const std::string folder = FolderWith("zurt.dat");
+        fs::create_directory(folder + "/" + name);
+        const RunResult result = RunInFolder(folder, "\n\n\n\n\n");
+        EXPECT_EQ(result.status, 2) << name;
+        EXPECT_NE(result.errors.find(name), std::string::npos) << result.errors;
+        EXPECT_TRUE(fs::is_directory(folder + "/" + name)) << name;
+    }
+    const RunResult nowhere = RunInFolder(FolderWith("zurt.dat"), "\n/no/such/file.lst\n\n");
+    EXPECT_EQ(nowhere.status, 2);
+    EXPECT_NE(nowhere.errors.find("zurt: error: can't open /no/such/file.lst"), std::string::npos);
+    const RunResult full = RunInFolder(FolderWith("zurt.dat"), "\n/dev/full\nN\nx.lst\n/dev/full\nN\nx\n");
+    EXPECT_EQ(full.status, 0) << full.errors; // it exists, and is not taken against the user's will
+}
+
+// Faults: "ZITEMP" written or emptied, the scratch files left behind, old messages kept.
+TEST(Dialogue, FilesOfARun) {
+    const std::string folder = FolderWith("zurt.dat");
+    WriteFile(folder + "/ZITEMP", "as it was");
+    WriteFile(folder + "/MESSAGES.LST", "old\nmessages\n");
+    const RunResult result = RunInFolder(folder, "\n\n\n");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(ReadFile(folder + "/ZITEMP"), "as it was");
+    EXPECT_EQ(result.messages, "      \n");
+    EXPECT_EQ(CountOf(result.mass, "         1   0.10000D+01\n"), 1);
+    int files = 0;
+    for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder))
+        ++files;
+    EXPECT_EQ(files,
+              9); // deck, listing, graphics, messages, mass, ZITEMP; answers, console, errors of the test
+    EXPECT_EQ(ReadFile(RunDeck(ShortDeck()).folder + "/ZITEMP"), "");
+}
+
+} // namespace
+} // namespace zurt_test
