@@ -39,42 +39,70 @@ void FinishColumn(double* store, const std::int32_t* pointers, Word n) {
     column[0] -= sum;
 }
 
-// Whether the panel is cheaper than its columns one by one, in cycles as measured: a row of the panel takes a start
-// and then less time a step than the sum of one column alone; columns of very different heights leave lanes idle.
-bool PanelPays(const SkylinePanel& panel) {
-    const double rows = static_cast<double>(panel.first + panel.columns - panel.top);
-    if (rows > static_cast<double>(kMostPanelRows))
+// Processor cycles, as measured on cubes and on ragged columns: a step of a panel's sums for all lanes where every
+// lane has entries, the same where some lanes are masked out, the start of a panel's row, a step of the sum of one
+// column alone, and the start of that sum.
+struct StepCosts {
+    double whole;
+    double masked;
+    double row = 60.0;
+    double single = 2.2;
+    double singleStart = 15.0;
+};
+
+StepCosts CostsOf(SkylineKernel kernel) {
+    switch (kernel) {
+    case SkylineKernel::Avx512:
+        return {3.0, 5.0};
+    case SkylineKernel::Avx2:
+        return {4.0, 8.0};
+    default:
+        return {9.0, 27.0};
+    }
+}
+
+// Whether the panel takes less time than its columns one by one; columns of very different heights leave lanes idle.
+bool PanelPays(const SkylinePanel& panel, const StepCosts& cost) {
+    const Word rows = panel.first + panel.columns - panel.top;
+    if (rows > kMostPanelRows)
         return false;
+    const double steps = 0.5 * static_cast<double>(rows * rows);
+    const Word wholeRows = panel.first + panel.columns - panel.allTop;
+    const double wholeSteps = 0.5 * static_cast<double>(wholeRows * wholeRows);
     double single = 0.0;
     for (Word lane = 0; lane < panel.columns; ++lane) {
         const double height = static_cast<double>(panel.first + lane - panel.laneTop[lane]);
-        single += height * (height + 15.0);
+        single += height * (0.5 * height * cost.single + cost.singleStart);
     }
-    return rows * (1.25 * rows + 90.0) < single;
+    const double together =
+        wholeSteps * cost.whole + (steps - wholeSteps) * cost.masked + static_cast<double>(rows) * cost.row;
+    return together < single;
 }
 
 // The rows of scratch that the largest panel of the layout takes; 0 when no panel pays.
-Word ScratchRows(SkylinePanel& panel, Word NN) {
+Word ScratchRows(SkylinePanel& panel, Word NN, const StepCosts& cost) {
     Word rows = 0;
     for (panel.first = 0; panel.first < NN; panel.first += kPanelLanes) {
         panel.columns = std::min(kPanelLanes, NN - panel.first);
         PlacePanel(panel);
-        if (PanelPays(panel))
+        if (PanelPays(panel, cost))
             rows = std::max(rows, panel.bottom - panel.top + 1);
     }
     return rows;
 }
 
 // All columns, panel by panel. Without scratch every column goes alone.
-template <int kWidth> ZURT_INLINE Word FactorColumns(SkylinePanel& panel, Word NN) {
+template <int kWidth> ZURT_INLINE Word FactorColumns(SkylinePanel& panel, Word NN, const StepCosts& cost) {
     for (panel.first = 0; panel.first < NN; panel.first += kPanelLanes) {
         panel.columns = std::min(kPanelLanes, NN - panel.first);
-        PlacePanel(panel);
-        if (panel.reduced != nullptr && PanelPays(panel)) {
-            const Word failed = FactorPanel<kWidth>(panel);
-            if (failed != 0)
-                return failed;
-            continue;
+        if (panel.reduced != nullptr) {
+            PlacePanel(panel);
+            if (PanelPays(panel, cost)) {
+                const Word failed = FactorPanel<kWidth>(panel);
+                if (failed != 0)
+                    return failed;
+                continue;
+            }
         }
         for (Word n = panel.first; n < panel.first + panel.columns; ++n) {
             FinishColumn(panel.store, panel.pointers, n);
@@ -85,17 +113,17 @@ template <int kWidth> ZURT_INLINE Word FactorColumns(SkylinePanel& panel, Word N
     return 0;
 }
 
-Word FactorPortable(SkylinePanel& panel, Word NN) {
-    return FactorColumns<2>(panel, NN);
+Word FactorPortable(SkylinePanel& panel, Word NN, const StepCosts& cost) {
+    return FactorColumns<2>(panel, NN, cost);
 }
 
 #ifdef __x86_64__
-__attribute__((target("avx2"))) Word FactorAvx2(SkylinePanel& panel, Word NN) {
-    return FactorColumns<4>(panel, NN);
+__attribute__((target("avx2"))) Word FactorAvx2(SkylinePanel& panel, Word NN, const StepCosts& cost) {
+    return FactorColumns<4>(panel, NN, cost);
 }
 
-__attribute__((target("avx512f"))) Word FactorAvx512(SkylinePanel& panel, Word NN) {
-    return FactorColumns<8>(panel, NN);
+__attribute__((target("avx512f"))) Word FactorAvx512(SkylinePanel& panel, Word NN, const StepCosts& cost) {
+    return FactorColumns<8>(panel, NN, cost);
 }
 #endif
 
@@ -115,21 +143,22 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, Skyline
     SkylinePanel panel = {};
     panel.store = SkylineMatrix.data;
     panel.pointers = MAXA.data;
-    const Word rows = ScratchRows(panel, NN);
+    const StepCosts cost = CostsOf(kernel);
+    const Word rows = ScratchRows(panel, NN, cost);
     if (rows > 0)
         panel.reduced = new (std::nothrow) PanelRow[static_cast<std::size_t>(rows)];
     Word failed = 0;
     switch (kernel) {
 #ifdef __x86_64__
     case SkylineKernel::Avx512:
-        failed = FactorAvx512(panel, NN);
+        failed = FactorAvx512(panel, NN, cost);
         break;
     case SkylineKernel::Avx2:
-        failed = FactorAvx2(panel, NN);
+        failed = FactorAvx2(panel, NN, cost);
         break;
 #endif
     default:
-        failed = FactorPortable(panel, NN);
+        failed = FactorPortable(panel, NN, cost);
     }
     delete[] panel.reduced;
     return failed;

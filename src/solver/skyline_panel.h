@@ -103,7 +103,7 @@ template <int kWidth> ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K,
 }
 
 /// Row K of a panel: sums, subtraction, pivot if the row's own column is a lane, division by the pivot. `kWhole` says
-/// that the row lies above the panel's diagonals and below the tops of all sixteen lanes. Returns false when the
+/// that all sixteen lanes have an entry above their diagonal in the row. Returns false when the
 /// pivot is not above zero.
 template <int kWidth, bool kWhole> ZURT_INLINE bool FinishRow(const SkylinePanel& panel, Word K) {
     using Vector = typename Lanes<kWidth>::Vector;
@@ -122,13 +122,11 @@ template <int kWidth, bool kWhole> ZURT_INLINE bool FinishRow(const SkylinePanel
     }
     Vector* values = reinterpret_cast<Vector*>(value.lane);
     const Vector* sums = reinterpret_cast<const Vector*>(sum.lane);
-    const Vector* tops = reinterpret_cast<const Vector*>(panel.laneTops.lane);
-    // Where there was nothing to sum, nothing is subtracted: even a zero would flush a denormal entry.
+    // Without a sum nothing is subtracted: even a zero would flush a denormal diagonal.
     if (panel.pointers[K + 1] - panel.pointers[K] > 1) {
-        const double r = static_cast<double>(K);
 #pragma GCC unroll 8
         for (int v = 0; v < kVectors; ++v)
-            values[v] = kWhole || tops[v] < r ? values[v] - sums[v] : values[v];
+            values[v] -= sums[v];
     }
 
     double& pivot = panel.store[panel.pointers[K] - 1];
@@ -153,8 +151,7 @@ template <int kWidth, bool kWhole> ZURT_INLINE bool FinishRow(const SkylinePanel
 /// failed.
 template <int kWidth> ZURT_INLINE Word FactorPanel(const SkylinePanel& panel) {
     const Word last = panel.first + panel.columns - 1;
-    const Word firstWhole =
-        panel.columns == kPanelLanes ? std::min(panel.allTop + 1, panel.first) : panel.first;
+    const Word firstWhole = panel.columns == kPanelLanes ? std::min(panel.allTop, panel.first) : panel.first;
     Word K = panel.top;
     for (; K < firstWhole; ++K)
         FinishRow<kWidth, false>(panel, K);

@@ -31,13 +31,14 @@ void ReduceVector(const double* store, const std::int32_t* pointers, double* val
     }
 }
 
+// V(r) -= l(r,n) V(n) for the columns from the last to the second. Columns and their entries are taken from the end
+// of the store to its beginning, one stream that the memory system can run ahead of.
 void SubstituteBack(const double* __restrict store, const std::int32_t* __restrict pointers,
                     double* __restrict values, Word NN) {
     for (Word n = NN - 1; n >= 1; --n) {
         const double* __restrict column = store + (pointers[n] - 1);
-        const Word height = pointers[n + 1] - pointers[n] - 1;
         const double value = values[n];
-        for (Word i = 1; i <= height; ++i)
+        for (Word i = pointers[n + 1] - pointers[n] - 1; i >= 1; --i)
             values[n - i] -= column[i] * value;
     }
 }
