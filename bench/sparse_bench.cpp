@@ -1,0 +1,105 @@
+// Sparse assembly and the sparse solver on cubes of eight-node bricks.
+//
+// Argument: elements a side. Assembly is one whole pass: all element matrices, count, extraction, release. The stages of
+// the solver are timed on the same system; "entries" counts those of the factors.
+#include "solver/sparse_assembler.h"
+#include "solver/sparse_solver_instance.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using zurt::Word;
+using Clock = std::chrono::steady_clock;
+
+/// Conduction of a brick of sides 1: the difference of two nodes enters with their distance.
+std::vector<double> BrickMatrix() {
+    std::vector<double> S(64);
+    for (int i = 0; i < 8; ++i)
+        for (int j = 0; j < 8; ++j) {
+            const int different = i ^ j;
+            const int axes = (different & 1) + (different >> 1 & 1) + (different >> 2);
+            const double byAxes[] = {4.1 / 12.0, 0.0, -1.0 / 12.0, -1.0 / 12.0};
+            S[static_cast<std::size_t>(8 * i + j)] = axes == 1 ? -1e-3 : byAxes[axes];
+        }
+    return S;
+}
+
+void AddElements(std::int32_t side, const std::vector<double>& S) {
+    const std::int32_t row = side + 1;
+    std::int32_t LM[8];
+    for (std::int32_t z = 0; z < side; ++z)
+        for (std::int32_t y = 0; y < side; ++y)
+            for (std::int32_t x = 0; x < side; ++x) {
+                for (std::int32_t corner = 0; corner < 8; ++corner)
+                    LM[corner] = 1 + x + (corner & 1) + row * (y + (corner >> 1 & 1)) +
+                                 row * row * (z + (corner >> 2));
+                zurt::SparseAddElement(8, {LM, 8}, {S.data(), 8, 8});
+            }
+}
+
+void BM_Assembly(benchmark::State& state) {
+    const std::vector<double> S = BrickMatrix();
+    std::int32_t count = 0;
+    for (auto _ : state) {
+        zurt::SparseInit(0, 0);
+        AddElements(static_cast<std::int32_t>(state.range(0)), S);
+        zurt::SparseNonzeroCount(count);
+        const std::size_t size = static_cast<std::size_t>(count);
+        std::vector<std::int32_t> IRN(size), JCN(size);
+        std::vector<double> A(size);
+        zurt::SparseExtract(count, {IRN.data(), count}, {JCN.data(), count}, {A.data(), count}, 0);
+        zurt::SparseKill(0);
+        benchmark::DoNotOptimize(A.data());
+    }
+    state.counters["entries"] = count;
+}
+
+// Which stage is timed.
+enum Stage { Analysis, Factorisation, Substitution };
+
+double CallTimed(DMUMPS_STRUC_C& instance, MUMPS_INT job) {
+    const Clock::time_point start = Clock::now();
+    instance.job = job;
+    dmumps_c(&instance);
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+void BM_Solver(benchmark::State& state, Stage stage) {
+    const std::int32_t side = static_cast<std::int32_t>(state.range(0));
+    const std::int32_t N = (side + 1) * (side + 1) * (side + 1);
+    zurt::TextUnit closed;
+    zurt::SparseInit(0, 0);
+    AddElements(side, BrickMatrix());
+    std::int32_t NZ = 0;
+    zurt::SparseNonzeroCount(NZ);
+    DMUMPS_STRUC_C instance{};
+    zurt::SolverStart(instance, N, NZ, closed, 0);
+    zurt::SparseExtract(NZ, {instance.irn, NZ}, {instance.jcn, NZ}, {instance.a, NZ}, 0);
+    zurt::SparseKill(0);
+    zurt::SetSolverControls(instance);
+    for (auto _ : state) {
+        for (std::int32_t i = 0; i < N; ++i)
+            instance.rhs[i] = 1.0;
+        const double seconds[] = {CallTimed(instance, 1), CallTimed(instance, 2), CallTimed(instance, 3)};
+        if (instance.info[0] != 0)
+            state.SkipWithError("the system was not solved");
+        state.SetIterationTime(seconds[stage]);
+    }
+    state.counters["entries"] = 1e6 * -std::min(instance.infog[28], 0) + std::max(instance.infog[28], 0);
+    zurt::SolverStop(instance, closed, 0);
+}
+
+#define ZURT_CUBES ->Arg(20)->Arg(30)->Arg(40)->Unit(benchmark::kMillisecond)
+
+BENCHMARK(BM_Assembly) ZURT_CUBES;
+BENCHMARK_CAPTURE(BM_Solver, analysis, Analysis) ZURT_CUBES->UseManualTime();
+BENCHMARK_CAPTURE(BM_Solver, factorisation, Factorisation) ZURT_CUBES->UseManualTime();
+BENCHMARK_CAPTURE(BM_Solver, substitution, Substitution) ZURT_CUBES->UseManualTime();
+
+} // namespace

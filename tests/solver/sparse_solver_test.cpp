@@ -1,0 +1,235 @@
+#include "solver/sparse_solver.h"
+
+#include "core/text_unit.h"
+#include "solver/skyline_reference.h"
+#include "solver/sparse_assembler.h"
+#include "solver/sparse_solver_instance.h"
+#include "support/run_deck.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using zurt::Word;
+using Reals = std::vector<double>;
+
+zurt::RealArray View(Reals& values) {
+    return {values.data(), static_cast<Word>(values.size())};
+}
+
+/// Both triangles of a skyline system.
+void AssembleSystem(zurt_test::SkylineSystem& system) {
+    zurt::SparseInit(0, 0);
+    for (std::int32_t column = 1; column <= system.NN; ++column) {
+        const std::int32_t diagonal = system.Pointers()(column);
+        zurt::SparseAddEntry(column, column, system.Store()(diagonal));
+        for (std::int32_t i = 1; diagonal + i < system.Pointers()(column + 1); ++i) {
+            zurt::SparseAddEntry(column - i, column, system.Store()(diagonal + i));
+            zurt::SparseAddEntry(column, column - i, system.Store()(diagonal + i));
+        }
+    }
+}
+
+/// Solves what is assembled; returns what was written to the console.
+std::string Solve(Reals& R, std::int32_t SolverReportFlag) {
+    zurt::TextUnit console, listing;
+    zurt::AttachTextUnit(console, stdout, "the console");
+    testing::internal::CaptureStdout();
+    zurt::SolveSparseSystem(View(R), static_cast<std::int32_t>(R.size()), 0, console, listing,
+                            SolverReportFlag);
+    return testing::internal::GetCapturedStdout();
+}
+
+Reals RandomVector(Word size, std::mt19937& random) {
+    std::uniform_real_distribution<double> entry(-1.0, 1.0);
+    Reals vector(static_cast<std::size_t>(size));
+    for (double& value : vector)
+        value = entry(random);
+    return vector;
+}
+
+zurt_test::SkylineSystem RandomSystem(Word NN, std::mt19937& random) {
+    std::vector<std::int32_t> heights;
+    for (std::int32_t c = 0; c < NN; ++c)
+        heights.push_back(std::min<std::int32_t>(c, static_cast<std::int32_t>(random() % 30)));
+    zurt_test::SkylineSystem system = zurt_test::MakeSystem(heights);
+    FillDominant(system, random);
+    return system;
+}
+
+// Faults: a triangle missing, indices from zero, the solution not copied back.
+TEST(SparseSolver, AgreesWithTheSkylineSolver) {
+    std::mt19937 random(1);
+    for (const Word NN : {1, 2, 5, 40, 300, 2000}) {
+        zurt_test::SkylineSystem system = RandomSystem(NN, random);
+        Reals R = RandomVector(NN, random);
+        Reals expected = R;
+        AssembleSystem(system);
+        EXPECT_EQ(Solve(R, 0), "");
+        zurt_test::ReferenceFactor(system.Store(), system.Pointers(), NN);
+        zurt_test::ReferenceSubstitute(system.Store(), View(expected), system.Pointers(), NN);
+        for (std::size_t i = 0; i < R.size(); ++i)
+            ASSERT_NEAR(R[i], expected[i], 1e-12) << NN << " equations, equation " << i + 1;
+    }
+}
+
+// Fault: the system handed over as a symmetric or a transposed one.
+TEST(SparseSolver, TakesAnUnsymmetricSystem) {
+    zurt::SparseInit(0, 0);
+    const double K[3][3] = {{0, 2, 0}, {1, 0, 4}, {0, 3, 5}};
+    for (std::int32_t r = 1; r <= 3; ++r)
+        for (std::int32_t c = 1; c <= 3; ++c)
+            zurt::SparseAddEntry(r, c, K[r - 1][c - 1]);
+    Reals R = {4, 13, 21};
+    Solve(R, 0);
+    EXPECT_NEAR(R[0], 1.0, 1e-14);
+    EXPECT_NEAR(R[1], 2.0, 1e-14);
+    EXPECT_NEAR(R[2], 3.0, 1e-14);
+}
+
+TEST(SparseSolver, ReportsItsStagesUnderFlagOneOnly) {
+    for (const std::int32_t flag : {0, 1, 2}) {
+        zurt::SparseInit(0, 0);
+        zurt::SparseAddEntry(1, 1, 4.0);
+        Reals R = {2.0};
+        EXPECT_EQ(Solve(R, flag), flag != 1 ? ""
+                                            : " Initializing solver...\n Starting analysis...\n Starting "
+                                              "factorization...\n Killing solver...\n");
+        EXPECT_EQ(R[0], 0.5);
+    }
+}
+
+// The settings as the solver's documents number them, the rest as the solver set it.
+TEST(SparseSolver, TouchesFewSettings) {
+    zurt::TextUnit closed;
+    DMUMPS_STRUC_C instance{};
+    zurt::SolverStart(instance, 1, 1, closed, 0);
+    EXPECT_EQ(instance.sym, 0);
+    EXPECT_EQ(instance.par, 1);
+    const DMUMPS_STRUC_C before = instance;
+    zurt::SetSolverControls(instance);
+    const std::vector<std::pair<int, int>> changed = {{1, -1}, {2, -1}, {3, -1}, {4, 0}, {14, 120}};
+    for (int i = 1; i <= 60; ++i) {
+        int expected = before.icntl[i - 1];
+        for (const auto& [index, value] : changed)
+            if (index == i)
+                expected = value;
+        EXPECT_EQ(instance.icntl[i - 1], expected) << "ICNTL(" << i << ")";
+    }
+    zurt::SolverStop(instance, closed, 0);
+    EXPECT_EQ(instance.irn, nullptr);
+    EXPECT_EQ(instance.rhs, nullptr);
+}
+
+/// Runs a solve that stops; console on standard error, listing in a file. The listing is returned.
+std::string ExpectStop(std::int32_t N, std::int32_t SolverReportFlag, const std::string& console) {
+    const std::string name = zurt_test::MakeTemporaryFolder() + "/listing";
+    Reals R(static_cast<std::size_t>(std::max(N, 1)), 1.0);
+    EXPECT_EXIT(
+        {
+            zurt::TextUnit units[2];
+            zurt::AttachTextUnit(units[0], stderr, "the console");
+            zurt::OpenTextUnit(units[1], name);
+            zurt::SolveSparseSystem(View(R), N, 0, units[0], units[1], SolverReportFlag);
+        },
+        testing::ExitedWithCode(0), console);
+    return zurt_test::ReadFile(name);
+}
+
+/// A cube of side^3 bricks, each pair of its nodes coupled; returns the number of equations.
+Word AssembleCube(std::int32_t side) {
+    Reals S(64, -1.0);
+    for (std::size_t i = 0; i < 8; ++i)
+        S[9 * i] = 7.25;
+    const std::int32_t row = side + 1;
+    zurt::SparseInit(0, 0);
+    for (std::int32_t z = 0; z < side; ++z)
+        for (std::int32_t y = 0; y < side; ++y)
+            for (std::int32_t x = 0; x < side; ++x) {
+                std::int32_t LM[8];
+                for (std::int32_t corner = 0; corner < 8; ++corner)
+                    LM[corner] =
+                        1 + x + (corner & 1) + row * (y + (corner >> 1 & 1) + row * (z + (corner >> 2)));
+                zurt::SparseAddElement(8, {LM, 8}, {S.data(), 8, 8});
+            }
+    return Word{row} * row * row;
+}
+
+// Fault: an ordering in threads, whose outcome differs from run to run. The system is large enough for the solver to
+// leave its ordering for small ones.
+TEST(SparseSolverDeathTest, SameBitsInEveryProcess) {
+    std::mt19937 random(4);
+    const Reals vector = RandomVector(AssembleCube(19), random);
+    zurt::SparseKill(0);
+    const std::string folder = zurt_test::MakeTemporaryFolder();
+    std::string first;
+    for (const char* name : {"/1", "/2", "/3", "/4"}) {
+        EXPECT_EXIT(
+            {
+                Reals R = vector;
+                AssembleCube(19);
+                Solve(R, 0);
+                zurt_test::WriteFile(folder + name, std::string(reinterpret_cast<const char*>(R.data()),
+                                                                R.size() * sizeof(double)));
+                std::exit(0);
+            },
+            testing::ExitedWithCode(0), "");
+        const std::string solution = zurt_test::ReadFile(folder + name);
+        EXPECT_EQ(solution.size(), vector.size() * sizeof(double));
+        if (first.empty())
+            first = solution;
+        EXPECT_TRUE(solution == first) << name;
+    }
+}
+
+// Fault: an empty system that reaches the solver.
+TEST(SparseSolverDeathTest, StopsWithoutEquationsOrEntries) {
+    zurt::SparseInit(0, 0);
+    EXPECT_EQ(ExpectStop(3, 0, "^ Error in solver calling!\n$"), "");
+    EXPECT_EQ(ExpectStop(3, 1, "^ Initializing solver...\n Error in solver calling!\n$"), "");
+    zurt::SparseAddEntry(1, 1, 1.0);
+    EXPECT_EQ(ExpectStop(0, 0, "^ Error in solver calling!\n$"), "");
+    zurt::SparseKill(0);
+}
+
+const std::string kReport =
+    " INFO1: +-10\n INFO2: +[0-9]+\n INFO3: +[0-9]+\n INFO7: +[0-9]+\n INFO8: +[0-9]+\n"
+    " INFO9: +-?[0-9]+\n INFO15: +[0-9]+\n ICNTL14: {9}120\n";
+
+// Faults: a singular system that passes, the report lost, shortened or without its stop.
+TEST(SparseSolverDeathTest, ReportsASingularSystemAndStops) {
+    zurt::SparseInit(0, 0);
+    for (const std::int32_t r : {1, 2})
+        for (const std::int32_t c : {1, 2})
+            zurt::SparseAddEntry(r, c, 1.0);
+    const std::string end = " ERROR IN SOLVER EXECUTION - STOPPING CALCULATION\n$";
+    const std::string listing = ExpectStop(2, 0, "^" + kReport + end);
+    EXPECT_EQ(listing.substr(0, 22), " INFO1  :         -10\n");
+    EXPECT_EQ(zurt_test::CountOf(listing, "\n"), 8);
+    for (const char* text : {" INFO2  :", " INFO3  :", " INFO7  :", " INFO8  :", " INFO9  :", " INFO15 :",
+                             " ICNTL14:         120\n"})
+        EXPECT_EQ(zurt_test::CountOf(listing, text), 1) << text;
+    ExpectStop(2, 1,
+               "^ Initializing solver...\n Starting analysis...\n Starting factorization...\n" + kReport +
+                   " Killing solver...\n" + end);
+    zurt::SparseKill(0);
+}
+
+// Faults: a row without entries that crashes the solver or passes; the factorisation not asked for after the analysis has
+// failed.
+TEST(SparseSolverDeathTest, StopsAtARowWithoutEntries) {
+    zurt::SparseInit(0, 0);
+    zurt::SparseAddEntry(1, 1, 1.0);
+    zurt::SparseAddEntry(2, 2, 1.0);
+    ExpectStop(4, 1, "Starting factorization...\n INFO1: +-[0-9]+\n(.|\n)*STOPPING CALCULATION\n$");
+    zurt::SparseKill(0);
+}
+
+} // namespace
