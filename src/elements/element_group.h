@@ -13,6 +13,11 @@ struct HeldCurveValues {
     double CP = 0.0;   // capacity curve
     double QV = 0.0;   // volume source
     double rate = 0.0; // the source function of a mean rate, at the end of the step
+    double QS = 0.0;   // surface flux
+    double TE = 0.0;   // environment
+    double HC = 0.0;   // convection coefficient
+    double EM = 0.0;   // emissivity
+    double FR = 0.0;   // radiation coefficient of the surface point before
 };
 
 struct ElementGroup {
@@ -46,6 +51,11 @@ struct ElementGroup {
     Word LTHIC = 0; // NET: thickness (2D), area (1D)
     bool hasMaterials = false, hasSources = false, hasValueFlags = false, hasCoordinateFlags = false;
     bool hasThickness = false;
+
+    // Surface block in `A`, read behind the function tables; of use only while the problem has any of them.
+    Word LNSURF = 0;                 // NET: number of the element's surface record, 0 none
+    Word LISURF = 0;                 // records of five integers a side
+    std::int32_t surfaceRecords = 0; // in use
 
     bool indicesChecked = false; // numbers that could not be checked at reading have been checked since
     HeldCurveValues held;
