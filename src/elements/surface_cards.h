@@ -48,13 +48,10 @@ template <int Dimension> IntTable SurfaceRecords(const Run& run, const ElementGr
     return IntTableSection(run.A, group.LISURF, kSurfaceRecordWords<Dimension>, group.NET);
 }
 
-/// Takes the surface block of the group and reads its cards up to the one with element 0, with echo; returns the count
-/// of records. Corners that are no side of the element stop the run; element and curve numbers outside their tables are
-/// deck errors.
-template <int Dimension> std::int32_t ReadBoundary(Run& run, ElementGroup& group);
-
-/// The cards of all groups in their order: NETIP 1 by the line's reader, 2 by the quadrilateral's, any other by the
-/// brick's. Groups whose records have no effect get a note.
+/// Takes the surface block of every group and reads its cards up to the one with element 0, with echo: NETIP 1 by the
+/// cards of the line, 2 by those of the quadrilateral, any other by those of the brick. Corners that are no side of
+/// their element stop the run; element and curve numbers outside their tables are deck errors. Groups whose records
+/// have no effect get a note.
 void ReadSurfaceData(Run& run);
 
 } // namespace zurt

@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "elements/element_dispatch.h"
+#include "elements/surface_cards.h"
 #include "homogenization/homogenization_card.h"
 #include "homogenization/mass_files.h"
 #include "job/banner.h"
@@ -17,6 +18,7 @@
 #include "model/initial_conditions.h"
 #include "model/materials.h"
 #include "model/nodes.h"
+#include "model/prescribed_values.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
 #include "results/unv_mesh.h"
@@ -101,8 +103,6 @@ void StopOnHeaderNotBuilt(Run& run) {
     const HeaderFields& header = run.control.header;
     if (header.IDIRECTD == 1)
         StopNotBuilt(run, "the direct effective coefficient (IDIRECTD 1) is");
-    if (header.ITOR == 1)
-        StopNotBuilt(run, "the torsion analogue (ITOR 1) is");
 }
 
 // --- model data ---------------------------------------------------------------------------------------------------
@@ -191,6 +191,8 @@ void ReadTimeDependence(Run& run) {
         return;
     if (header.NDS != 2 && header.NANOCH == 0)
         ReadTimeFunctions(run);
+    if (header.NDS == 0)
+        ReadPrescribedValues(run);
 }
 
 // Which curves make the problem iterate within a step.
@@ -220,7 +222,7 @@ void ReadBoundaryData(Run& run) {
         Copy<double>(StepSolution(run), StepIncrement(run));
     }
     if (counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0)
-        StopNotBuilt(run, "surface data (NQP, NHP, NTOK or NHR above 0) are");
+        ReadSurfaceData(run);
 }
 
 [[noreturn]] void EndCheckRun(Run& run) {
@@ -259,6 +261,7 @@ void SolveProblem(Run& run) {
     state.OutletStartOfRun = state.OutletStart;
     state.GraphicsEnabled = 1;
     state.POROSITY = 1.0; // no fibres
+    StartPrescribedValues(run);
     WriteProblemNotes(run);
     WritePlainMassFile(run);
     SolutionPass(run);

@@ -24,9 +24,12 @@ extern const CardLayout kPrescribedCard;
 void ReadPrescribedValues(Run& run);
 
 /// Values at the current TIME: the end values of the step before become the start values, the functions give the end
-/// values, increments are their difference. Nothing happens without entries. Called at time 0 ahead of the run and in
-/// every step once time has advanced. A function that is not defined at TIME stops the run.
+/// values, increments are their difference. Nothing happens without entries. Called in every step once time has
+/// advanced. A function that is not defined at TIME stops the run.
 void EvaluatePrescribedValues(Run& run);
+
+/// The same ahead of the first step, at time 0: what the vectors held before counts as 0.
+void StartPrescribedValues(Run& run);
 
 /// Entries 1..NZADC: nodes, and ahead of them in `A` function numbers and factors.
 inline IntArray PrescribedNodes(const Run& run) {

@@ -5,7 +5,9 @@
 #include "elements/nodal_averaging.h"
 #include "job/banner.h"
 #include "job/files.h"
+#include "model/prescribed_values.h"
 #include "results/listing.h"
+#include "results/torsion.h"
 #include "results/unv_results.h"
 #include "timeint/equilibrium.h"
 #include "timeint/step_file.h"
@@ -82,6 +84,8 @@ void WriteListingStep(Run& run) {
     static const Format stepLine("(' *** END OF TIME STEP NUMBER',I10,' /',I7,' ***')");
     Write(run.units.console, stepLine, state.KOR, state.NDT);
     PrintNodalResults(run);
+    if (run.control.header.ITOR == 1)
+        PrintTorsion(run);
 }
 
 void EndStep(Run& run) {
@@ -122,6 +126,7 @@ void SolutionPass(Run& run) {
         ++state.KOR;
         if (run.control.header.NSTAC != 0)
             AdvanceTime(run);
+        EvaluatePrescribedValues(run);
         BeginStep(run);
         IterateStep(run);
         EndStep(run);
