@@ -1,5 +1,6 @@
 // The manual's card tables against the layouts by which cards are read: the two can't drift apart.
 #include "elements/group_3d.h"
+#include "elements/surface_cards.h"
 #include "homogenization/homogenization_card.h"
 #include "job/header_cards.h"
 #include "model/curve_table.h"
@@ -8,6 +9,7 @@
 #include "model/initial_conditions.h"
 #include "model/materials.h"
 #include "model/nodes.h"
+#include "model/prescribed_values.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
 
@@ -135,6 +137,10 @@ const NamedLayout kLayouts[] = {
     ZURT_NAMED(kInitialRangeCard),
     ZURT_NAMED(kHomogenizationCard),
     ZURT_NAMED(kCurveEndsCard),
+    ZURT_NAMED(kSurfaceCard1D),
+    ZURT_NAMED(kSurfaceCard2D),
+    ZURT_NAMED(kSurfaceCard3D),
+    ZURT_NAMED(kPrescribedCard),
 };
 
 // The cards of one family of elements; the two forms of its group card stand under one heading, without NDS first.
