@@ -65,7 +65,7 @@ std::string MakeTemporaryFolder() {
 }
 
 std::string ReadFile(const std::string& name) {
-    if (std::filesystem::is_directory(name))
+    if (!std::filesystem::is_regular_file(name)) // a folder or a device has no text
         return "";
     std::ifstream file(name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
