@@ -1,0 +1,34 @@
+// Fibres in the box of the device cards: clipping, and their volumes.
+//
+// Lengths are in the mesh's unit. Called by the fibre step.
+#pragma once
+
+#include "microscale/fibre_set.h"
+
+namespace zurt {
+
+/// Lengths and coordinates up to this size can be multiplied and squared without leaving the range of a double.
+constexpr double kLargestLength = 1.0e50;
+
+/// Forms in which fibre operations exist: `dim` 1 in the plane, 2 in space.
+constexpr int kPlaneFibres = 1;
+constexpr int kSpaceFibres = 2;
+
+/// A fibre by the numbers of its set and of itself, both from 1; set 0: none.
+struct FibrePlace {
+    Word set = 0;
+    Word fibre = 0;
+};
+
+/// Brings the two points of every line fibre into the box [0, size] (in the plane z has the range [0, 0]) and sums the
+/// clipped lengths into totalLength of each set. A point outside a face is put on it, and its two other coordinates are
+/// shifted along the fibre's direction as read: always up on a low face and always down on a high one. The clipped
+/// points replace the fibre's. Clipping once more changes nothing for points that lie in the box.
+///   size  the box, x, y, z (input)
+/// Returns the first fibre that is left without a length (it lies outside the box), set 0 when all is well.
+FibrePlace ClipFibresToBox(FibreModel& model, const double (&size)[3], int dim);
+
+/// Volume of each set and of all fibres; in the plane areas. totalLength has been set by the clip.
+void FibreVolumes(FibreModel& model, int dim);
+
+} // namespace zurt
