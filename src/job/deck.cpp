@@ -30,6 +30,19 @@ bool IsDevice(std::FILE* file) {
     return fstat(fileno(file), &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
 }
 
+// Lines are found while their bytes are still in the processor's cache.
+void AppendBlock(Deck& deck, const char* block, std::size_t count) {
+    const Word first = static_cast<Word>(deck.bytes.size());
+    deck.bytes.append(block, count);
+    const char* const end = block + count;
+    const void* stop = nullptr;
+    for (const char* at = block;
+         (stop = std::memchr(at, '\n', static_cast<std::size_t>(end - at))) != nullptr;) {
+        at = static_cast<const char*>(stop) + 1;
+        deck.lineStart.push_back(first + (at - block));
+    }
+}
+
 void ReadWholeFile(Deck& deck) {
     std::FILE* file = std::fopen(deck.name.c_str(), "rb");
     if (file == nullptr)
@@ -44,26 +57,17 @@ void ReadWholeFile(Deck& deck) {
     }
     std::vector<char> block(std::size_t{1} << 20);
     std::size_t count = 0;
+    deck.lineStart.push_back(0);
     while ((count = std::fread(block.data(), 1, block.size(), file)) > 0)
-        deck.bytes.append(block.data(), count);
+        AppendBlock(deck, block.data(), count);
     const bool failed = std::ferror(file) != 0;
     const int reason = errno;
     std::fclose(file);
     if (failed)
         StopWithLibraryError("can't read the deck " + deck.name + ": " + std::strerror(reason));
-}
-
-void IndexLines(Deck& deck) {
-    const char* const begin = deck.bytes.data();
-    const char* const end = begin + deck.bytes.size();
-    deck.lineStart.reserve(static_cast<std::size_t>(std::count(begin, end, '\n')) + 2);
-    const char* at = begin;
-    while (at < end) {
-        deck.lineStart.push_back(at - begin);
-        const void* stop = std::memchr(at, '\n', static_cast<std::size_t>(end - at));
-        at = stop == nullptr ? end : static_cast<const char*>(stop) + 1;
-    }
-    deck.lineStart.push_back(end - begin);
+    const Word size = static_cast<Word>(deck.bytes.size());
+    if (deck.lineStart.back() != size) // the last line has no end
+        deck.lineStart.push_back(size);
 }
 
 bool IsComment(const CardBuffer& card) {
@@ -106,7 +110,6 @@ void OpenDeck(Deck& deck, const std::string& name) {
     deck = Deck();
     deck.name = name;
     ReadWholeFile(deck);
-    IndexLines(deck);
 }
 
 Word LineCount(const Deck& deck) {
