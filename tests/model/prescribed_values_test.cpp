@@ -1,0 +1,144 @@
+#include "model/prescribed_values.h"
+
+#include "job/partition.h"
+#include "model/model_run.h"
+#include "model/time_functions.h"
+
+#include <vector>
+
+namespace zurt {
+namespace {
+
+using test::Contains;
+using test::Line;
+using test::RunPointer;
+
+// Two time functions: f1 = 10 t up to 10, f2 the constant 7; NZADC entries.
+RunPointer MakePrescribed(const std::string& deck, std::int32_t NZADC, std::int32_t INDFOR = 1,
+                          Word words = 2000) {
+    RunPointer run = test::MakeRun(deck, INDFOR, 100, words);
+    CurveCounts& counts = run->control.counts;
+    counts.NTABFT = counts.MAXTFT = 2;
+    counts.NZADC = NZADC;
+    run->control.at.LTFT1 = TakeWords(run->A, "functions", 8);
+    run->control.at.LTFT2 = TakeWords(run->A, "points", 2);
+    const RealTable pairs = TimeFunctionPairs(*run);
+    pairs(1, 1) = pairs(2, 1) = 0.0;
+    pairs(1, 2) = 10.0;
+    pairs(2, 2) = 100.0;
+    pairs(4, 1) = 7.0;
+    TimeFunctionPoints (*run)(1) = 2;
+    TimeFunctionPoints (*run)(2) = 1;
+    return run;
+}
+
+struct Entry {
+    std::int32_t node, function;
+    double factor;
+    bool operator==(const Entry& other) const {
+        return node == other.node && function == other.function && factor == other.factor;
+    }
+};
+void PrintTo(const Entry& entry, std::ostream* out) {
+    *out << entry.node << " " << entry.function << " " << entry.factor;
+}
+
+std::vector<Entry> EntriesOf(const Run& run) {
+    std::vector<Entry> entries;
+    for (Word i = 1; i <= run.control.counts.NZADC; ++i)
+        entries.push_back({PrescribedNodes(run)(i), PrescribedFunctions(run)(i), PrescribedFactors(run)(i)});
+    return entries;
+}
+
+std::vector<Entry> Read(const std::string& deck, std::int32_t NZADC, std::int32_t INDFOR = 1) {
+    RunPointer run = MakePrescribed(deck, NZADC, INDFOR);
+    ReadPrescribedValues(*run);
+    return EntriesOf(*run);
+}
+
+// Faults: factors between those of the two cards instead of beyond the closing one, entries ahead of the closing card's,
+// a count tested where a run opens, a step on the closing card that opens nothing.
+TEST(PrescribedValues, RunsOfEntries) {
+    EXPECT_EQ(Read("4 1 2.5 0\n", 1), (std::vector<Entry>{{4, 1, 2.5}}));
+    EXPECT_EQ(Read("10 1 1. 5\n20 2 3. 0\n", 3),
+              (std::vector<Entry>{{10, 1, 1.0}, {20, 2, 3.0}, {15, 2, 4.0}}));
+    EXPECT_EQ(Read("10 1 1. 5\n30 1 3. 0\n3 2 8. 0\n", 6),
+              (std::vector<Entry>{
+                  {10, 1, 1.0}, {30, 1, 3.0}, {15, 1, 3.5}, {20, 1, 4.0}, {25, 1, 4.5}, {3, 2, 8.0}}));
+    // The closing card opens the next run, by a step that need not divide the distance.
+    EXPECT_EQ(
+        Read("1 1 2. 1\n3 1 2. 4\n16 1 2. 0\n", 6),
+        (std::vector<Entry>{{1, 1, 2.0}, {3, 1, 2.0}, {2, 1, 2.0}, {16, 1, 2.0}, {7, 1, 2.0}, {11, 1, 2.0}}));
+    // Downward nothing is generated, unless a closing card brings a negative step.
+    EXPECT_EQ(Read("20 1 1. 5\n10 1 1. 0\n", 2), (std::vector<Entry>{{20, 1, 1.0}, {10, 1, 1.0}}));
+    EXPECT_EQ(Read("20 1 1. 5\n21 1 1. -2\n15 1 1. 0\n", 5),
+              (std::vector<Entry>{{20, 1, 1.0}, {21, 1, 1.0}, {15, 1, 1.0}, {19, 1, 1.0}, {17, 1, 1.0}}));
+    // A negative step alone opens no run; an entry for node 0 needs no function.
+    EXPECT_EQ(Read("9 1 1. -2\n0 0 1. 0\n", 2), (std::vector<Entry>{{9, 1, 1.0}, {0, 0, 1.0}}));
+    EXPECT_EQ(Read(Line("%5d%5d%10s%5d", 5, 2, "150", 0), 1, 2), (std::vector<Entry>{{5, 2, 1.5}}));
+}
+
+// Faults: entries written behind their arrays, nodes and functions that become indices unchecked.
+TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
+    const auto refuse = [](const char* deck, std::int32_t NZADC, const char* report) {
+        RunPointer run = MakePrescribed(deck, NZADC);
+        EXPECT_EXIT(ReadPrescribedValues(*run), testing::ExitedWithCode(2), report);
+    };
+    refuse("101 1 1. 0\n", 1, "Prescribed value card, field N: \"101\"");
+    refuse("-1 1 1. 0\n", 1, "field N: \"-1\"");
+    refuse("1 3 1. 0\n", 1, "field F: \"3\"");
+    refuse("1 0 1. 0\n", 1, "field F: \"0\"");
+    refuse("1 1 1. 1\n9 1 1. 0\n", 5, "more entries than NZADC, which is 5");
+    refuse("1 1 1. 1\n2 1 1. 0\n", 1, "more entries than NZADC"); // a run is never open at the end
+    refuse("1 1 1. 1\n2 1 1. 0\n", 3, "the deck ends here");
+    RunPointer full = MakePrescribed("", 2000);
+    test::ListOnStandardError(*full);
+    EXPECT_EXIT(ReadPrescribedValues(*full), testing::ExitedWithCode(0), "UNSUFFICIENT DIMENSION");
+}
+
+// Faults: arrays in another order, and the echo.
+TEST(PrescribedValues, StorageAndEcho) {
+    RunPointer run = MakePrescribed("4 2 2.5 3\n4 1 1. 0\n", 2);
+    const Word first = run->A.LMAX;
+    run->control.header.NULAZ = 3;
+    ReadPrescribedValues(*run);
+    EXPECT_EQ(run->A.LMAX, first + 6);
+    EXPECT_EQ(run->control.at.LPRES, first + 4);
+    EXPECT_EQ(RealSection(run->A, first, 2)(1), 2.5);
+    EXPECT_EQ(IntSection(run->A, first + 2, 2)(1), 2);
+    const std::string listing = test::ListingOf(*run);
+    EXPECT_TRUE(Contains(listing, "NODE     FUNCTION NO   PROP FACTOR   INCR GENER")) << listing;
+    EXPECT_TRUE(Contains(listing, "                 4                 2             2.50000E+00       3\n"))
+        << listing;
+}
+
+// Faults: a start value that is not the last end value, stale words that survive the start, a dead entry that gets one.
+TEST(PrescribedValues, ValuesOverTheSteps) {
+    RunPointer run = MakePrescribed("4 1 2. 0\n0 1 1. 0\n6 2 3. 0\n", 3);
+    ReadPrescribedValues(*run);
+    TakeSolverVectors(*run);
+    const Pointers& at = run->control.at;
+    const auto expect = [&](Word i, double start, double end, double increment) {
+        EXPECT_EQ(RealSection(run->A, at.LZAD1, 3)(i), start);
+        EXPECT_EQ(RealSection(run->A, at.LZAD2, 3)(i), end);
+        EXPECT_EQ(RealSection(run->A, at.LZAD3, 3)(i), increment);
+    };
+    run->control.state.TIME = 0.0;
+    StartPrescribedValues(*run);
+    expect(1, 0.0, 0.0, 0.0);
+    expect(3, 0.0, 21.0, 21.0);
+    run->control.state.TIME = 1.0;
+    EvaluatePrescribedValues(*run);
+    expect(1, 0.0, 20.0, 20.0);
+    run->control.state.TIME = 4.0;
+    EvaluatePrescribedValues(*run);
+    expect(1, 20.0, 80.0, 60.0);
+    expect(2, 0.0, 0.0, 0.0);
+    expect(3, 21.0, 21.0, 0.0);
+    run->control.state.TIME = 11.0;
+    test::ListOnStandardError(*run);
+    EXPECT_EXIT(EvaluatePrescribedValues(*run), testing::ExitedWithCode(0), "TIME FUNCTION NO. =    1");
+}
+
+} // namespace
+} // namespace zurt
