@@ -36,6 +36,17 @@ void ForbidWords([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] Word 
 #endif
 }
 
+// Words ahead of LMAX that are poisoned in sanitizer builds: 32 MB.
+constexpr Word kForbiddenAhead = Word{1} << 22;
+
+void ForbidWordsAhead(WorkingVector& A) {
+    const Word end = std::min(A.LMAX + kForbiddenAhead, A.NTOTA + 1);
+    if (end <= A.forbiddenEnd)
+        return;
+    ForbidWords(A, std::max(A.LMAX, A.forbiddenEnd), end);
+    A.forbiddenEnd = end;
+}
+
 void RequireWithin(const WorkingVector& A, Word first, Word n) {
     if (n > 0 && (first < 1 || first + n - 1 > A.NTOTA))
         StopWithLibraryError("a section of the working vector lies outside it: word " +
@@ -51,7 +62,7 @@ void CreateWorkingVector(WorkingVector& A, Word size) {
         StopWithLibraryError("no address space for a working vector of " + std::to_string(size) + " words");
     A.words = static_cast<double*>(block);
     A.NTOTA = size;
-    ForbidWords(A, 1, A.NTOTA + 1);
+    A.forbiddenEnd = 1;
     RestartWorkingVector(A);
 }
 
@@ -68,6 +79,7 @@ void RestartWorkingVector(WorkingVector& A) {
     A.LMAX = 1;
     A.LMAXM = 1;
     A.sections.clear();
+    ForbidWordsAhead(A);
 }
 
 Word TakeWords(WorkingVector& A, const char* name, Word n) {
@@ -76,6 +88,7 @@ Word TakeWords(WorkingVector& A, const char* name, Word n) {
     A.LMAX = std::min(first + taken, kLargestLMAX);
     A.sections.push_back({name, first, taken});
     AllowWords(A, first, A.LMAX);
+    ForbidWordsAhead(A);
     return first;
 }
 

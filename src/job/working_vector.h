@@ -3,7 +3,8 @@
 // Sections are known by their first word (one-based) and are handed out as views; this module holds the only cast of
 // words to 32-bit integers. LMAX is the first free word. A section may be taken beyond the end of `A`: the tests for
 // overflow stand at fixed places of the input (job/partition.h), and no view is made before the next of them.
-// Pages cost nothing until they are touched. Sanitizer builds poison everything from LMAX up.
+// Pages cost nothing until they are touched. Sanitizer builds poison what lies from LMAX up, as far as a stray index may
+// well reach: to poison all of it would take longer than most runs.
 #pragma once
 
 #include "core/array_view.h"
@@ -26,6 +27,7 @@ struct WorkingVector {
     Word NTOTA = 0;
     Word LMAX = 1;
     Word LMAXM = 1;
+    Word forbiddenEnd = 1; // sanitizer builds: the first word that has never been poisoned
     std::vector<SectionRecord> sections;
 };
 
