@@ -1,0 +1,426 @@
+// Decks with one fault each: every fault ends the run with the message that belongs to it, where there is one with
+// status 0 and on the listing, else with status 2 and a report on standard error that says where the deck is wrong.
+#include "orderly_end.h"
+#include "support/bar_deck.h"
+#include "support/mutate.h"
+#include "support/small_decks.h"
+
+#include <filesystem>
+#include <random>
+
+namespace {
+
+using namespace zurt_test;
+
+struct Fault {
+    const char* deck; // a small deck
+    const char* good; // stands once in it
+    const char* bad;  // what stands there instead
+    int status;
+    const char* words; // on the listing for status 0, else on standard error
+};
+
+std::string Damaged(const Fault& fault) {
+    std::string deck = SmallDeckText(fault.deck);
+    const std::string good = fault.good;
+    EXPECT_EQ(CountOf(deck, good), 1) << fault.deck << ": " << good;
+    return deck.replace(deck.find(good), good.size(), fault.bad);
+}
+
+void ExpectFault(const Fault& fault) {
+    const RunResult run = RunDeck(Damaged(fault), kSecondsToEnd);
+    const std::string what = std::string(fault.deck) + ": " + fault.bad;
+    ExpectOrderlyEnd(run, what);
+    EXPECT_EQ(run.status, fault.status) << what << "\n" << run.errors;
+    const std::string& report = fault.status == 0 ? run.listing : run.errors;
+    EXPECT_NE(report.find(fault.words), std::string::npos)
+        << what << "\n"
+        << run.errors
+        << run.listing.substr(run.listing.size() - std::min<std::size_t>(run.listing.size(), 600));
+}
+
+template <std::size_t N> void ExpectFaults(const Fault (&faults)[N]) {
+    for (const Fault& fault : faults)
+        ExpectFault(fault);
+    ExpectLittleMemory();
+}
+
+constexpr const char* kOverflow = "UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA";
+
+// --- files --------------------------------------------------------------------------------------------------------
+
+// Faults: memory without end for a deck that has none.
+TEST(Damaged, DevicesAreNoDecks) {
+    for (const char* name : {"/dev/zero", "/proc/self/mem"}) {
+        const RunResult run = RunInFolder(MakeTemporaryFolder(), std::string(name) + "\n", kSecondsToEnd);
+        EXPECT_EQ(run.status, 2) << name;
+        EXPECT_NE(run.errors.find("can't read the deck " + std::string(name)), std::string::npos)
+            << run.errors;
+    }
+    ExpectLittleMemory();
+}
+
+// --- the end of the deck ------------------------------------------------------------------------------------------
+
+bool BeginsWith(const std::string& text, const std::string& head) {
+    return text.compare(0, head.size(), head) == 0;
+}
+
+/// Cuts a deck behind every line and in the middle of every line. What a cut run lists is the head of what the whole
+/// deck lists, and with each line there is no less of it.
+void ExpectCutsReported(const std::string& name) {
+    const std::vector<std::string> lines = SplitDeck(SmallDeckText(name));
+    const std::string whole = RunDeck(SmallDeckText(name), kSecondsToEnd).listing;
+    std::string head;
+    std::size_t listed = 0;
+    for (std::size_t n = 0; n < lines.size(); ++n) {
+        const std::string where = name + ", " + std::to_string(n) + " lines";
+        const RunResult run = RunDeck(head, kSecondsToEnd);
+        ExpectOrderlyEnd(run, where);
+        EXPECT_EQ(run.status, 2) << where;
+        EXPECT_NE(run.errors.find("deck zurt.dat, line " + std::to_string(n) + ", "), std::string::npos)
+            << run.errors;
+        EXPECT_NE(run.errors.find("the deck ends here"), std::string::npos) << run.errors;
+        EXPECT_TRUE(BeginsWith(whole, run.listing)) << where;
+        EXPECT_GE(run.listing.size(), listed) << where;
+        listed = run.listing.size();
+        ExpectOrderlyEnd(RunDeck(head + lines[n].substr(0, lines[n].size() / 2), kSecondsToEnd),
+                         where + " and a half");
+        head += lines[n];
+    }
+    EXPECT_GT(2 * listed, whole.size()) << "results of the last problem are listed ahead of its end";
+}
+
+TEST(Damaged, FreeDeckCutAnywhere) {
+    ExpectCutsReported("free");
+}
+
+TEST(Damaged, FixedDeckCutAnywhere) {
+    ExpectCutsReported("device lists");
+}
+
+TEST(Damaged, BuiltInMaterialsCutAnywhere) {
+    ExpectCutsReported("built-in");
+}
+
+// The echo of the cards ahead of the bad one is there, and the bad card's is not.
+TEST(Damaged, ListingHoldsWhatWasReadBefore) {
+    const RunResult run =
+        RunDeck(Damaged({"free", "6 0 0.33333333333333331 ", "6 0 0.3e333 ", 2, ""}), kSecondsToEnd);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.errors.find("deck zurt.dat, line 13, Node card, field X: \"0.3e333\": a finite number"),
+              std::string::npos)
+        << run.errors;
+    EXPECT_NE(run.listing.find("\n                    5              1                  0.000000D+00      "
+                               "0.333333D+00      0.000000D+00                0\n"),
+              std::string::npos);
+    EXPECT_EQ(run.listing.find("\n                    6 "), std::string::npos);
+}
+
+// --- fields -------------------------------------------------------------------------------------------------------
+
+/// Calls for every item of the deck but those of the title, of the last line and of most lines that follow others like
+/// them (node cards); sanitized runs, which take long, for some of them.
+template <class Action> void ForEachItem(const std::vector<std::string>& lines, const Action& action) {
+    constexpr std::size_t stride = kSanitized ? 3 : 1;
+    std::size_t seen = 0, alike = 0;
+    for (std::size_t n = 1; n + 1 < lines.size(); ++n) {
+        const std::vector<DeckItem> items = ItemsOf(lines[n]);
+        alike = ItemsOf(lines[n - 1]).size() == items.size() ? alike + 1 : 0;
+        if (alike > 2)
+            continue;
+        for (const DeckItem& item : items)
+            if (seen++ % stride == 0)
+                action(n, item);
+    }
+}
+
+std::string WithItemOfLine(std::vector<std::string> lines, std::size_t n, const DeckItem& item,
+                           const char* text) {
+    lines[n] = WithItem(lines[n], item, text);
+    return JoinDeck(lines);
+}
+
+/// A field that takes a letter for a number, or names another line.
+void ExpectLettersRefused(const std::string& name) {
+    const std::vector<std::string> lines = SplitDeck(SmallDeckText(name));
+    ForEachItem(lines, [&](std::size_t n, const DeckItem& item) {
+        const RunResult run = RunDeck(WithItemOfLine(lines, n, item, "x"), kSecondsToEnd);
+        ExpectOrderlyEnd(run, name + ": " + lines[n]);
+        EXPECT_EQ(run.status, 2) << lines[n];
+        EXPECT_NE(run.errors.find("deck zurt.dat, line " + std::to_string(n + 1) + ", "), std::string::npos)
+            << run.errors;
+        EXPECT_NE(run.errors.find(", field "), std::string::npos) << run.errors;
+        EXPECT_NE(run.errors.find("x\""), std::string::npos) << run.errors;
+    });
+}
+
+TEST(Damaged, LettersInFreeFields) {
+    ExpectLettersRefused("free");
+    ExpectLettersRefused("functions");
+}
+
+TEST(Damaged, LettersInFixedFields) {
+    ExpectLettersRefused("device lists");
+}
+
+/// A count that is believed: endless loops, memory without end, sizes that overflow.
+void ExpectHugeNumbersSurvived(const std::string& name) {
+    const std::vector<std::string> lines = SplitDeck(SmallDeckText(name));
+    ForEachItem(lines, [&](std::size_t n, const DeckItem& item) {
+        ExpectOrderlyEnd(RunDeck(WithItemOfLine(lines, n, item, "2000000000"), kSecondsToEnd),
+                         name + ": " + lines[n]);
+    });
+    ExpectLittleMemory();
+}
+
+TEST(Damaged, HugeNumbersInFreeFields) {
+    ExpectHugeNumbersSurvived("built-in");
+    ExpectHugeNumbersSurvived("functions");
+}
+
+TEST(Damaged, HugeNumbersInFixedFields) {
+    ExpectHugeNumbersSurvived("device lists");
+}
+
+// --- counts -------------------------------------------------------------------------------------------------------
+
+TEST(Damaged, Counts) {
+    constexpr const char* kBasic = "16 1 1 1 2 1 0 3 0 1 0 ";
+    constexpr const char* kMaterials = "0 1 2 0 1 1 ";
+    constexpr const char* kBoundary = "1 0 0 0 0 0 0 1 3 0 0 ";
+    constexpr const char* kNegative = "a negative count has no meaning here";
+    ExpectFaults({
+        {"free", kBasic, "2000000000 1 1 1 2 1 0 3 0 1 0 ", 0, kOverflow},
+        {"free", kBasic, "17 1 1 1 2 1 0 3 0 1 0 ", 2, "line 24, Node card, field N: \"0\""},
+        {"free", kBasic, "16 -1 1 1 2 1 0 3 0 1 0 ", 2, "field NGET: \"-1\": a negative count"},
+        {"free", kBasic, "16 1 2000000000 1 2 1 0 3 0 1 0 ", 0, kOverflow},
+        {"free", kBasic, "16 1 -1 1 2 1 0 3 0 1 0 ", 2, "field NMATT: \"-1\""},
+        {"free", kBasic, "16 1 1 1 2000000000 1 0 3 0 1 0 ", 0, kOverflow},
+        {"free", kBasic, "16 1 1 1 -2 1 0 3 0 1 0 ", 2, "field NPER: \"-2\""},
+        {"free", "2 1 \n", "2000000000 1 \n", 0, kOverflow},
+        {"free", "2 1 \n", "2000000000 2000000000\n", 2, "the periods have more steps than can be counted"},
+        {"free", "1 0 0 0. 0\n", "1 0 0 0. -1\n", 2, "field PotentialFunctionSize: \"-1\""},
+        {"free", "3 3 0 0 0 0 ", "3 2000000000 0 0 0 0 ", 0, kOverflow},
+        {"free", "3 3 0 0 0 0 ", "3 -3 0 0 0 0 ", 2, "Element group card, field NET: \"-3\""},
+        {"free", kMaterials, "0 2000000000 2 0 1 1 ", 0, kOverflow},
+        {"free", kMaterials, "0 1 2000000000 0 1 1 ", 0, kOverflow},
+        {"free", kMaterials, "0 2000000000 2000000000 0 1 2000000000 ", 0, kOverflow},
+        {"free", kMaterials, "0 1 2 0 1 2000000000 ", 0, kOverflow},
+        {"free", kMaterials, "0 -1 2 0 1 1 ", 2, kNegative},
+        {"sources", kBoundary, "1 0 0 0 0 0 0 2000000000 2000000000 0 0 ", 0, kOverflow},
+        {"sources", kBoundary, "1 0 0 0 0 0 0 1 -3 0 0 ", 2, "field MAXTQE: \"-3\""},
+        {"sources", kBoundary, "2000000000 0 0 0 0 0 0 1 3 0 0 ", 2, "Initial value "},
+        {"functions", "5.67e-8 2\n", "5.67e-8 2000000000\n", 0, kOverflow},
+        {"device", "    2    0    0    0    0    0\n", "99999    0    0    0    0    0\n", 0, "END OF JOB"},
+        {"device", "    2    0    0    0    0    0\n", "   -2    0    0    0    0    0\n", 2,
+         "field MAXPMAT"},
+        {"device lists", "    2    0    0    0    0    0    0    2    2    0    0\n",
+         "99999    0    0    0    0    0    0    2    2    0    0\n", 2, "Initial value group"},
+        {"device lists", "    6    1   10\n", "    6    1   17\n", 2,
+         "Initial value range, field N2: \"17\""},
+        {"device lists", "    6    1   10\n", "    6    3   10\n", 0, "POSLEDNJI CVOR MORA SE"},
+        {"device lists", "    6    1   10\n", "    6    0   10\n", 0, "POSLEDNJI CVOR MORA SE"},
+        {"device lists", "    1    2    3    4    5    0\n", "    1    2   -3    4    5    0\n", 2,
+         "field NODE: \"-3\""},
+    });
+}
+
+// --- nodes and elements -------------------------------------------------------------------------------------------
+
+TEST(Damaged, NodesAndElements) {
+    constexpr const char* kElement = "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ";
+    constexpr const char* kFailed = "JAKOBIJAN JEDNAK ILI MANJI OD NULE";
+    ExpectFaults({
+        {"free", "16 1 1 0.3", "17 1 1 0.3", 2,
+         "line 23, Node card, field N: \"17\": the number must lie between 1 and 16"},
+        {"free", "16 1 1 0.3", "0 1 1 0.3", 2, "line 23, Node card, field N: \"0\""},
+        {"free", "16 1 1 0.3", "-16 1 1 0.3", 2, "line 23, Node card, field N: \"-16\""},
+        {"free", "15 0 0.66666666666666663 0.33333333333333331 0.33333333333333331 0.0 0",
+         "15 0 0.66666666666666663 0.33333333333333331 0.33333333333333331 0.0 -2000000000", 2, "Node card"},
+        {"free", kElement, "1 14 13 9 10 6 5 1 0 0 0 1 2 0 0 ", 2,
+         "3D element card, field node 8: \"0\": element 1"},
+        {"free", kElement, "1 17 13 9 10 6 5 1 2 0 0 1 2 0 0 ", 2, "field node 1: \"17\""},
+        {"free", kElement, "1 14 13 9 10 6 5 -1 2 0 0 1 2 0 0 ", 2, "field node 7: \"-1\""},
+        {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 2 2 0 0 ", 2,
+         "field node 1: \"18\": element 3, generated from the card of element 1"},
+        {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 -1 2 0 0 ", 2, "field node 7: \"0\": element 2"},
+        {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 2147483647 2 0 0 ", 2, "\"2147483661\""},
+        {"free", kElement, "0 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ", 2, "field NN: \"0\""},
+        {"free", kElement, "4 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ", 0, "INPUT ELEMENT NUMBER  NN=       4"},
+        {"free", kElement, "1 14 13 9 10 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
+        {"free", kElement, "1 1 1 1 1 1 1 1 1 0 0 1 2 0 0 ", 0, kFailed},
+        {"free", kElement, "1 6 5 1 2 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
+        {"free", "1 1 8 0 0 0 0 0 ", "1 1 8 0 0 0 6 0 ", 2, "3D group card, field NGAUSY: \"6\""},
+        {"free", "1 1 8 0 0 0 0 0 ", "1 1 8 0 0 -2000000000 0 0 ", 2, "field NGAUSX"},
+        {"free", "1 1 8 0 0 0 0 0 ", "1 1 2000000000 0 0 0 0 0 ", 2, "3D mid-side node card"},
+        {"fixed", "       2      15      14", "       1      15      14", 2,
+         "element group 1: element 2 has no card"},
+        {"steady free", "29 25 21 26 10 6 2 7 18 17 14 15 0 ", "29 25 21 26 10 6 2 7 18 17 14 33 0 ", 2,
+         "3D mid-side node card, field node 20: \"33\""},
+        {"steady free", "29 25 21 26 10 6 2 7 18 17 14 15 0 ", "29 25 21 26 10 6 2 7 18 17 14 15 -1 ", 2,
+         "field node 21: \"-1\""},
+        {"device", "       2  0  1  1  2  0  0", "       2  2  1  1  2  0  0", 0,
+         "MATERIAL NUMBER FOR 3D ELEMENT, NMAT=    2"},
+        {"device", "       2  0  1  1  2  0  0", "       2 -1  1  1  2  0  0", 2, "field MAT: \"-1\""},
+        {"device", "    1         8    0    0    0    0    0", "    2         8    0    0    0    0    0", 0,
+         "MATERIAL NUMBER FOR 3D ELEMENTS, MAT3D=    2"},
+    });
+}
+
+TEST(Damaged, GroupWithoutElements) {
+    std::string deck = Damaged({"free", "3 3 0 0 0 0 ", "3 0 0 0 0 0 ", 0, ""});
+    const std::string card = "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 \n";
+    deck.replace(deck.find(card), card.size(), "");
+    const RunResult run = RunDeck(deck, kSecondsToEnd);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_NE(run.listing.find("PIVOT NIJE POZITIVAN ZA JEDNACINU BR.   1"), std::string::npos);
+}
+
+// --- curves and functions -----------------------------------------------------------------------------------------
+
+TEST(Damaged, Materials) {
+    constexpr const char* kHeader = "1 3 2 1 1 2\n";
+    constexpr const char* kFirst = "1 2 3 1. 1.";
+    ExpectFaults({
+        {"built-in", kFirst, "4 2 3 1. 1.", 2, "Material card, field NFUN: \"4\": there is no such function"},
+        {"built-in", kFirst, "1 2 4 1. 1.", 2, "field NFUN: \"4\""},
+        {"built-in", kFirst, "-1 2 3 1. 1.", 2, "field NFUN: \"-1\""},
+        {"built-in", kFirst, "0 2 3 1. 1.", 2, "material 1 has no conduction function for its first axis"},
+        {"built-in", "1 2 3 1. 1. 1. 1. 1e6", "0 0 0 1. 1. 1. 1. 0.5", 0, "PREKORACENA MAXIMALNA VREDNOST"},
+        {"built-in", kHeader, "1 3 0 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  0"},
+        {"built-in", kHeader, "1 3 1 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  1"},
+        {"built-in", kHeader, "1 3 2 1 1 0\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTC =  0"},
+        {"built-in", kHeader, "1 2 2 1 1 2\n", 2, "field NFUN: \"3\""},
+        {"built-in", kHeader, "1 3 2 1 2 2\n", 2, "Specific heat curve header, field N: \"0\""},
+        {"built-in", "3 1\n0. 3.", "4 1\n0. 3.", 2, "Conduction function header, field N: \"4\""},
+        {"built-in", "3 1\n0. 3.", "0 1\n0. 3.", 2, "field N: \"0\""},
+        {"built-in", "3 1\n0. 3.", "3 -1\n0. 3.", 2, "field P: \"-1\""},
+        {"built-in", "2 2\n-9. 2.\n9. 2.\n3", "2 2\n-9. 2.\n.5 2.\n3", 0,
+         "DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    2"},
+        {"built-in", "2 2\n-9. 2.\n9. 2.\n0", "3 2\n-9. 2.\n9. 2.\n0", 2,
+         "Specific heat curve header, field N: \"3\""},
+        {"built-in", "16 1 2 1 2 1 1 3", "16 1 2 -1 2 1 1 3", 2, "a negative NSTAC leaves no room for them"},
+        {"free", "0 1 2 0 1 1 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n1 1 \n0 1 \n",
+         "0 1 2 0 0 0 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n", 2,
+         "material 1 has no capacity curve"},
+        {"device", "    1    2\n   -1.0", "    2    2\n   -1.0", 2, "Diffusion curve header, field N: \"2\""},
+        {"device", "    1    2\n   -1.0", "    1    3\n   -1.0", 2, "MAXPMAT = 2 points a curve"},
+        {"device", "    1    2\n   -1.0", "   -1    2\n   -1.0", 2, "field N: \"-1\""},
+        {"device", "    1.0000000000e+03    1.0000000000e+00\n", "    0.5000000000e+00    1.0000000000e+00\n",
+         0, "CURVE ARGUMENT IS OUT OF RANGE"},
+    });
+}
+
+TEST(Damaged, Functions) {
+    constexpr const char* kBoundary = "1 0 0 0 0 0 0 1 3 0 0 ";
+    constexpr const char* kCurve = "1 3 \n0 1 \n";
+    ExpectFaults({
+        {"sources", kBoundary, "1 0 0 0 0 0 0 1 2 0 0 ", 0, "NUMBER OF POINTS READ IN, IMAX=    3"},
+        {"sources", kBoundary, "1 0 0 0 0 0 0 1 0 0 0 ", 0, "PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    0"},
+        {"sources", kCurve, "2 3 \n0 1 \n", 2, "Function header card, field F: \"2\""},
+        {"sources", kCurve, "0 3 \n0 1 \n", 2, "field F: \"0\""},
+        {"sources", kCurve, "1 0 \n0 1 \n", 2, "a function needs at least one point"},
+        {"sources", kCurve, "1 -2000000000 \n0 1 \n", 2, "a function needs at least one point"},
+        {"sources", kCurve, "1 3 \n.005 1 \n", 0, "CURVE HEAT SOURCE - TIME,  No. =    1"},
+        {"sources", "0.02 2 \n1 1 ", "0.02 2 \n0.03 1 ", 0,
+         "TIME FUNCTION IS NOT DEFINED WITHIN THE WHOLE RANGE"},
+        {"sources", "1 14 13 9 10 6 5 1 2 0 1 ", "1 14 13 9 10 6 5 1 2 0 2 ", 2,
+         "element group 1: element 1 asks for source curve 2, but there are 1"},
+        {"device lists", "    2    2\n    1    2\n       0.0       1.0\n       1.0       1.0\n",
+         "    2    1\n    1    2\n       0.0       1.0\n       1.0       1.0\n", 0,
+         "UCITAN BROJ TACAKA, IMAX=    2"},
+        {"device lists", "       9.0       1.0\n", "       0.0       1.0\n", 0,
+         "VREMENSKA FUNKCIJA NIJE DEFINISANA U CELOM INREVALU"},
+        {"device lists", "    2    1\n       9.0", "    3    1\n       9.0", 2,
+         "Function header card, field F: \"3\""},
+    });
+}
+
+// --- no deck at all -----------------------------------------------------------------------------------------------
+
+TEST(Damaged, Rubbish) {
+    std::mt19937 random(1);
+    std::string noise;
+    for (int i = 0; i < 20000; ++i)
+        noise += static_cast<char>(random() & 255U);
+    const std::string good = SmallDeckText("free");
+    const std::string title = "Block of bricks\n";
+    const std::string longLine(10000, '7');
+    const std::string decks[] = {"",
+                                 "\n",
+                                 "STOP\n",
+                                 noise,
+                                 std::string(5000, '\0'),
+                                 std::string(5000, '\n'),
+                                 "\xef\xbb\xbf" + good,
+                                 title + noise,
+                                 title + longLine + "\n",
+                                 title + "1 " + longLine + "\n",
+                                 title + "1 0 0 0" + longLine + "\n" + longLine,
+                                 title + std::string(10000, ',') + "\n" + std::string(10000, ';'),
+                                 title + "4*1\n200000000*1\n",
+                                 title + "4*1\n200000001*1\n",
+                                 title + "4*1\n99999999999999999999*1\n",
+                                 title + "1 0 0 0\n11*\n",
+                                 title + "/\n/\n/\n/\n/\n/\n",
+                                 title + "1 0 0 0\n16 1 1 1 /\n/\n/\n",
+                                 std::string(300000, 'C') + "\n" + good};
+    int number = 0;
+    for (const std::string& deck : decks) {
+        const RunResult run = RunDeck(deck, kSecondsToEnd);
+        ExpectOrderlyEnd(run, "deck " + std::to_string(++number));
+        EXPECT_LT(run.errors.size(), 500U) << "a report shows no more than a piece of a line";
+    }
+    ExpectLittleMemory();
+}
+
+// Faults: a read that waits for a card which no read consumes; the fields of the problem before taken for indices.
+TEST(Damaged, UnknownFormatIndicator) {
+    for (const char* format : {"3 0 0 0\n", "-1 1 0 0\n", "2000000000 3 1 2\n"}) {
+        RunResult run = RunDeck(Damaged({"free", "1 0 0 0\n", format, 0, ""}), kSecondsToEnd);
+        ExpectOrderlyEnd(run, format);
+        const std::string first = SmallDeckText("two free");
+        const std::string head = "Second block\n1 0 0 0\n";
+        ASSERT_EQ(CountOf(first, head), 1);
+        std::string deck = first;
+        deck.replace(deck.find(head), head.size(), "Second block\n" + std::string(format));
+        run = RunDeck(deck, kSecondsToEnd);
+        ExpectOrderlyEnd(run, format);
+        EXPECT_EQ(run.status, 2) << run.errors;
+        EXPECT_EQ(CountOf(run.listing, "E X E C U T I O N    T I M I N G"), 1);
+    }
+}
+
+// --- problems -----------------------------------------------------------------------------------------------------
+
+TEST(Damaged, ExecutionIndicator) {
+    constexpr const char* kExecution = "1 0 0 0. 0\n";
+    ExpectFaults({{"free", kExecution, "-5 0 2000000000 1e300 0\n", 0, "END OF JOB"},
+                  {"free", kExecution, "1 -3 0 0. 0\n", 0, "END OF JOB"},
+                  {"free", kExecution, "1 2000000000 0 0. 2000000000\n", 0, "END OF JOB"}});
+}
+
+// Faults: results of a good problem lost with the bad one behind it; a report without the line in the whole deck.
+TEST(Damaged, SecondProblem) {
+    const std::string good = SmallDeckText("two fixed");
+    const std::size_t second = good.find("Second block");
+    ASSERT_NE(second, std::string::npos);
+    std::vector<std::string> lines = SplitDeck(good);
+    const int ahead = CountOf(good.substr(0, second), "\n");
+    lines[static_cast<std::size_t>(ahead) + 8] = "       999\n";
+    const RunResult run = RunDeck(JoinDeck(lines), kSecondsToEnd);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(
+        run.errors.find("deck zurt.dat, line " + std::to_string(ahead + 9) + ", Node card, field N: \"999\""),
+        std::string::npos)
+        << run.errors;
+    const RunResult whole = RunDeck(good, kSecondsToEnd);
+    EXPECT_EQ(whole.status, 0) << whole.errors;
+    EXPECT_TRUE(BeginsWith(whole.listing, run.listing));
+    EXPECT_TRUE(BeginsWith(whole.graphics, run.graphics));
+    EXPECT_EQ(CountOf(run.listing, "E X E C U T I O N    T I M I N G"), 1);
+    EXPECT_EQ(CountOf(whole.listing, "E X E C U T I O N    T I M I N G"), 2);
+}
+
+} // namespace

@@ -1,0 +1,31 @@
+// Damaged decks: what a slip of the hand, a broken transfer or a wrong file makes of a good deck.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zurt_test {
+
+/// The lines of a deck, each with its line end.
+std::vector<std::string> SplitDeck(const std::string& deck);
+std::string JoinDeck(const std::vector<std::string>& lines);
+
+/// Where the items of a line stand: runs of characters between blanks and commas.
+struct DeckItem {
+    std::size_t begin = 0;
+    std::size_t length = 0;
+};
+std::vector<DeckItem> ItemsOf(const std::string& line);
+
+/// Puts `text` in the place of an item. What is longer than the item takes the blanks ahead of it, as far as there are
+/// more than one, so that the columns behind it stay.
+std::string WithItem(const std::string& line, const DeckItem& item, std::string_view text);
+
+/// One of the decks with one to four faults, the same for the same seed on every machine: bytes changed, taken out and
+/// put in, numbers replaced by others, items exchanged, lines deleted, repeated and exchanged, the end cut off, the
+/// head of one deck joined to the tail of another. No number becomes so large that a legal deck asks for hours of work.
+std::string MutateDeck(const std::vector<std::string>& decks, std::uint32_t seed);
+
+} // namespace zurt_test

@@ -1,0 +1,177 @@
+#include "support/small_decks.h"
+
+#include "support/bar_deck.h"
+
+#include <stdexcept>
+
+namespace zurt_test {
+
+namespace {
+
+BarDeck Bar(bool fixedFormat, int NDS) {
+    BarDeck bar;
+    bar.nx = 3;
+    bar.periods = {{2, 0.01}, {1, 0.02}};
+    bar.fixedFormat = fixedFormat;
+    bar.NDS = NDS;
+    bar.MAXIT = 9;
+    return bar;
+}
+
+/// The deck with other cards from the material header on.
+std::string WithTail(const BarDeck& bar, const std::string& header, const std::string& tail) {
+    const std::string deck = Build(bar);
+    const std::size_t at = deck.rfind(header);
+    if (at == std::string::npos)
+        throw std::logic_error("the deck has no such material header");
+    return deck.substr(0, at) + tail;
+}
+
+std::string Replaced(std::string deck, const std::string& old, const std::string& text) {
+    const std::size_t at = deck.find(old);
+    if (at == std::string::npos)
+        throw std::logic_error("the deck has no such card");
+    return deck.replace(at, old.size(), text);
+}
+
+std::string TwoGroupsWithSources() {
+    BarDeck bar = Bar(false, 0);
+    bar.groups = 2;
+    bar.source = true;
+    bar.sourceCurve = {{0.0, 1.0}, {0.02, 2.0}, {1.0, 1.0}};
+    bar.hold = false;
+    bar.start = 0.0;
+    return Build(bar);
+}
+
+/// Bricks of 20 nodes without generation; the coefficient is a curve, so the steady steps iterate.
+std::string SteadyWithMidSideNodes(bool fixedFormat) {
+    BarDeck bar = Bar(fixedFormat, 0);
+    bar.nx = 2;
+    bar.nodes = 20;
+    bar.steady = true;
+    bar.source = true;
+    bar.diffusion = {{-10.0, 1.0}, {0.0, 1.0}, {10.0, 2.0}};
+    return Build(bar);
+}
+
+std::string TwoProblems(bool fixedFormat) {
+    BarDeck first = Bar(fixedFormat, 0), second = Bar(fixedFormat, fixedFormat ? 1 : 0);
+    first.end = fixedFormat ? "NEXT PROBLEM\n" : "";
+    first.diffusion = {{0.0, 1.0}};
+    second.nx = 2;
+    second.title = "Second block";
+    return Build(first) + Build(second);
+}
+
+/// Time functions of a device, sources of two functions, start values by lists and by ranges of nodes.
+std::string DeviceWithLists() {
+    BarDeck bar = Bar(true, 3);
+    bar.source = true;
+    bar.hold = false;
+    return WithTail(bar, "    2    0    0    0    0    0\n",
+                    "    2    0    0    0    0    0\n"
+                    "    1    2\n"
+                    "                 0.0                 1.0\n"
+                    "                10.0                 2.0\n"
+                    "    2    2\n"
+                    "    1    2\n"
+                    "       0.0       1.0\n"
+                    "       1.0       1.0\n"
+                    "    2    1\n"
+                    "       9.0       1.0\n"
+                    "    2    0    0    0    0    0    0    2    2    0    0\n"
+                    "    1    2\n"
+                    "       0.0       1.0\n"
+                    "       1.0       3.0\n"
+                    "    2    1\n"
+                    "       1.0       0.0\n"
+                    "       1.0    1    1\n"
+                    "    1    2    3    4    5    0\n"
+                    "    6    1   10\n"
+                    "    0    0    0\n"
+                    "       2.0    0    1\n"
+                    "   16   -1   11\n"
+                    "    0\n"
+                    "STOP\n");
+}
+
+/// Built-in polynomials and functions by axis, two materials, all five families of functions, shape factors.
+std::string BuiltInMaterials() {
+    BarDeck bar = Bar(false, 0);
+    const std::string deck = WithTail(bar, "0 1 2 0 1 1 \n",
+                                      "1 3 2 1 1 2\n"
+                                      "1 2 3 1. 1. 1. 1. 1e6 -1e6\n"
+                                      "0 0 0 1. 1. 1. 1. 1e6 -1e6\n"
+                                      "1 1\n0. 1.\n"
+                                      "2 2\n-9. 2.\n9. 2.\n"
+                                      "3 1\n0. 3.\n"
+                                      "2 2\n-9. 2.\n9. 2.\n"
+                                      "0 0 0 0 0 0 0 1 1 0 0\n"
+                                      "1 1\n9. 1.\n"
+                                      "1.\nSTOP\n");
+    return Replaced(deck, "16 1 1 1 2 1 0 3", "16 1 2 1 2 1 1 3");
+}
+
+std::string FunctionTables() {
+    BarDeck bar = Bar(false, 0);
+    return WithTail(bar, "0 1 2 0 1 1 \n",
+                    "0 1 1 0 1 1\n"
+                    "1 0 0 1. 1. 1. 1. 1e6 -1e6\n"
+                    "1 1\n0. 1.\n"
+                    "1 1\n0. 1.\n"
+                    "1 1 2 1 2 1 2 1 2 1 2\n"
+                    "1 2\n0. 1.\n1. 1.\n"
+                    "1 2\n0. 1.\n1. 1.\n"
+                    "1 2\n0. 1.\n1. 1.\n"
+                    "1 2\n0. 1.\n1. 1.\n"
+                    "1 2\n0. 1.\n1. 1.\n"
+                    "5.67e-8 2\n0.5 1.\n"
+                    "1.\nSTOP\n");
+}
+
+/// Device, degradation, nanochannel cards.
+std::string DeviceCards() {
+    return Replaced(Build(Bar(true, 1)), "2 1 0 0\n",
+                    "2 1 1 0\n"
+                    "       1.0       1.0       1.0       0.0       1.0       0.1\n"
+                    "    3    1    1    0    1\n"
+                    "       0.5       0.5       0.5       0.1       0.1       0.5       0.5\n");
+}
+
+std::vector<SmallDeck> MakeSmallDecks() {
+    BarDeck listed = Bar(true, 0);
+    listed.generate = false;
+    listed.NULAZ = 1;
+    BarDeck device = Bar(true, 1);
+    device.source = true;
+    device.sourceCurve = {{0.0, 1.0}, {1.0, 1.0}};
+    return {{"free", Build(Bar(false, 0))},
+            {"fixed", Build(listed)},
+            {"device", Build(device)},
+            {"device lists", DeviceWithLists()},
+            {"sources", TwoGroupsWithSources()},
+            {"steady free", SteadyWithMidSideNodes(false)},
+            {"steady fixed", SteadyWithMidSideNodes(true)},
+            {"two free", TwoProblems(false)},
+            {"two fixed", TwoProblems(true)},
+            {"built-in", BuiltInMaterials()},
+            {"functions", FunctionTables()},
+            {"device cards", DeviceCards()}};
+}
+
+} // namespace
+
+const std::vector<SmallDeck>& SmallDecks() {
+    static const std::vector<SmallDeck> decks = MakeSmallDecks();
+    return decks;
+}
+
+const std::string& SmallDeckText(const std::string& name) {
+    for (const SmallDeck& deck : SmallDecks())
+        if (name == deck.name)
+            return deck.text;
+    throw std::logic_error("no small deck is called " + name);
+}
+
+} // namespace zurt_test

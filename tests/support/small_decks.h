@@ -1,0 +1,20 @@
+// Small good decks that among them reach every reader of cards. Each runs in a few milliseconds.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zurt_test {
+
+struct SmallDeck {
+    const char* name;
+    std::string text;
+};
+
+/// Free and fixed format, with and without devices, steady and transient, one problem and two.
+const std::vector<SmallDeck>& SmallDecks();
+
+/// The text of the deck of that name.
+const std::string& SmallDeckText(const std::string& name);
+
+} // namespace zurt_test
