@@ -77,7 +77,7 @@ TEST(UnvResults, FourDatasetsLineByLine) {
 TEST(UnvResults, VectorsAreZeroWithoutDevice) {
     SmallRun small;
     Prepare(small.run, 3, 0);
-    Fill(RealArray(small.run.A.words, small.run.A.NTOTA), 7.0);
+    Fill(RealArray(small.run.A.words, small.run.A.LMAX - 1), 7.0);
     WriteUnvResults(small.run);
     const std::string graphics = Written(small.run.units.graphics);
     EXPECT_EQ(CountOf(graphics, "\n  0.00000D+00  0.00000D+00  0.00000D+00\n"), 9);
