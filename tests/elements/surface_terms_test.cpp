@@ -1,0 +1,307 @@
+#include "elements/surface_terms.h"
+
+#include "elements/form_model.h"
+#include "model/model_run.h"
+
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+namespace zurt {
+namespace {
+
+using test::RunPointer;
+using Curves = std::vector<testmodel::Curve>;
+
+// One element, all of whose sides may have a record; functions of the four kinds.
+struct Model {
+    Curves flux, convection, environment, emissivity;
+    std::vector<double> shapeFactors;
+    double SBC = 1.0, TIME = 0.0;
+    int NonlinearFlag = 1, INDAX = 0;
+    std::array<int, 3> NGAUS = {2, 2, 2};
+};
+
+void TakeCurves(Run& run, const Curves& curves, std::int32_t& functions, std::int32_t& largest,
+                Word& countsAt, Word& tableAt) {
+    functions = static_cast<std::int32_t>(curves.size());
+    largest = testmodel::MostPoints(curves);
+    TakeFunctionTable(run, "curves", functions, largest, countsAt, tableAt);
+    const FunctionTable table = FunctionTableAt(run, functions, largest, countsAt, tableAt);
+    testmodel::SetPairs(curves, table.points, table.pairs);
+}
+
+template <int Dimension> struct Terms {
+    RunPointer run;
+    ActiveNodes active;
+    ElementNodes<Dimension> element{};
+    double K[kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2] = {};
+    double FE[kMaxNodes<Dimension>] = {};
+
+    explicit Terms(const Model& model) : run(test::MakeRun("", 1)) {
+        CurveCounts& counts = run->control.counts;
+        Pointers& at = run->control.at;
+        TakeCurves(*run, model.flux, counts.NQP, counts.MAXTQP, at.LQP1, at.LQP2);
+        TakeCurves(*run, model.convection, counts.NHP, counts.MAXTHP, at.LHP1, at.LHP2);
+        TakeCurves(*run, model.environment, counts.NTOK, counts.MAXTOK, at.LTOK1, at.LTOK2);
+        TakeCurves(*run, model.emissivity, counts.NHR, counts.MAXTHR, at.LHR1, at.LHR2);
+        counts.SBC = model.SBC;
+        counts.NFO = static_cast<std::int32_t>(model.shapeFactors.size());
+        TakeShapeFactors(*run);
+        for (std::size_t i = 0; i < model.shapeFactors.size(); ++i)
+            ShapeFactors (*run)(static_cast<Word>(i) + 1) = model.shapeFactors[i];
+        run->control.state.TIME = model.TIME;
+        run->control.state.NonlinearFlag = model.NonlinearFlag;
+        ElementGroup& group = run->groups[1];
+        group.NET = 1;
+        group.INDAX = model.INDAX;
+        std::copy(model.NGAUS.begin(), model.NGAUS.end(), group.NGAUS);
+        group.LNSURF = TakeWords(run->A, "NSURF", 1);
+        group.LISURF = TakeWords(run->A, "ISURF", 10 * Dimension);
+        ClearWords(run->A, group.LNSURF, run->A.LMAX - 1);
+        SurfaceRecordNumbers(*run, group)(1) = 1;
+        active.ND = kCorners<Dimension>;
+    }
+    void SetSide(int side, const std::array<std::int32_t, 5>& fields) {
+        for (std::size_t f = 0; f < 5; ++f)
+            SurfaceRecords<Dimension>(*run, run->groups[1])(5 * (side - 1) + static_cast<Word>(f) + 1, 1) =
+                fields[f];
+    }
+    // Node k where the point of the reference element goes, by its natural signs.
+    template <class Place> void SetCorners(Place place, double value) {
+        static const int r[] = {1, -1, -1, 1, 1, -1, -1, 1}, s[] = {1, 1, -1, -1, 1, 1, -1, -1};
+        for (int k = 0; k < kCorners<Dimension>; ++k) {
+            const std::array<double, 3> x = place(r[k], Dimension > 1 ? s[k] : 0, k < 4 ? 1 : -1);
+            for (std::size_t c = 0; c < 3; ++c)
+                element.CORE[c][k] = x[c];
+            element.TE1[k] = value;
+        }
+    }
+    void Add() {
+        const int ND = active.ND;
+        std::fill(std::begin(K), std::end(K), 0.0);
+        std::fill(std::begin(FE), std::end(FE), 0.0);
+        SurfaceTerms<Dimension>(*run, run->groups[1], SurfaceTablesOf<Dimension>(*run, run->groups[1]), 1,
+                                active, element, RealArray(K, ND * (ND + 1) / 2), RealArray(FE, ND));
+    }
+    double Load() const { return std::accumulate(FE, FE + active.ND, 0.0); }
+    double MatrixSum() const {
+        double sum = 0.0;
+        for (int i = 0, entry = 0; i < active.ND; ++i)
+            for (int j = i; j < active.ND; ++j, ++entry)
+                sum += (i == j ? 1.0 : 2.0) * K[entry];
+        return sum;
+    }
+};
+
+std::array<double, 3> Skewed(double r, double s, double t) {
+    return {1.5 * r + 0.5 * s + 7.0, 2.0 * s + 0.25 * t, t};
+}
+
+// The length or area of the sides 2d-1 and 2d of the skewed element, by the edges of its parallelepiped.
+const double kEdges[] = {std::sqrt(0.25 + 4.0) * 2.0, 3.0};
+const double kFaces[] = {4.0 * std::sqrt(4.0 + 0.25 + 0.0625 * 0.25),
+                         4.0 * std::sqrt(1.5 * 1.5 * (1.0 + 0.0625)), 4.0 * 3.0};
+
+// Loads all sides one by one with a flux, and gives the extents that their loads tell.
+template <int Dimension> std::vector<double> ExtentsByFlux(double q) {
+    std::vector<double> extents;
+    for (int side = 1; side <= kSides<Dimension>; ++side) {
+        Model model;
+        model.flux = {{{0.0, 99.0}}, {{0.0, 0.0}, {10.0, 10.0 * q}}};
+        model.TIME = 1.0;
+        model.NGAUS = {1, 2, 3};
+        Terms<Dimension> terms(model);
+        terms.SetCorners(Skewed, 5.0);
+        terms.SetSide(side, {2, 0, 0, 0, 0});
+        terms.Add();
+        int loaded = 0;
+        for (double load : terms.FE)
+            loaded += load != 0.0;
+        EXPECT_EQ(loaded, kSideCorners<Dimension>) << "side " << side;
+        EXPECT_EQ(terms.MatrixSum(), 0.0);
+        extents.push_back(terms.Load() / q);
+    }
+    return extents;
+}
+
+// Faults: a side's points on another side, a scale other than the side's, a load beside its corners, a value of another
+// function or time. Ends of lines have no extent.
+TEST(SurfaceTerms, FluxGivesItsIntegralToTheNodesOfTheSide) {
+    const std::vector<double> ends = ExtentsByFlux<1>(2.5), edges = ExtentsByFlux<2>(2.5),
+                              faces = ExtentsByFlux<3>(2.5);
+    EXPECT_EQ(ends, (std::vector<double>{1.0, 1.0}));
+    for (std::size_t side = 0; side < 4; ++side)
+        EXPECT_NEAR(edges[side], kEdges[side / 2], 1e-14) << side;
+    for (std::size_t side = 0; side < 6; ++side)
+        EXPECT_NEAR(faces[side], kFaces[side / 2], 1e-6) << side; // weights in single precision
+}
+
+// Faults: the order of another direction (one point would give 0, 1, 0), mid-side nodes left out.
+TEST(SurfaceTerms, ParabolicEdgeUnderConstantFlux) {
+    Model model;
+    model.flux = {{{0.0, 6.0}}};
+    model.NGAUS = {1, 3, 1};
+    Terms<2> terms(model);
+    terms.SetCorners([](double r, double s, double) { return std::array<double, 3>{r, s, 0.0}; }, 0.0);
+    terms.active.ND = 5;
+    terms.active.midSideCount = 1;
+    terms.active.midSide[0] = 8;
+    terms.element.CORE[0][4] = 1.0;
+    terms.SetSide(1, {1, 0, 0, 0, 0});
+    terms.Add();
+    const double expected[] = {2.0, 0.0, 0.0, 2.0, 8.0};
+    for (int k = 0; k < 5; ++k)
+        EXPECT_NEAR(terms.FE[k], expected[k], 1e-6) << k + 1;
+}
+
+template <int Dimension> void ExpectConvection(double extent) {
+    Model model;
+    model.convection = {{{0.0, 0.0}, {10.0, 20.0}}, {{0.0, 3.0}}};
+    model.environment = {{{0.0, 7.0}}};
+    Terms<Dimension> terms(model);
+    terms.SetCorners(Skewed, 4.0);
+    terms.SetSide(kSides<Dimension>, {0, 1, 1, 0, 0}); // h = 8 at the surface value 4
+    terms.Add();
+    EXPECT_NEAR(terms.MatrixSum(), 8.0 * extent, 1e-13);
+    EXPECT_NEAR(terms.Load(), 8.0 * extent * (7.0 - 4.0), 1e-12);
+    if (Dimension == 1) {
+        EXPECT_EQ(terms.K[2], 8.0); // all of it at end 2
+    }
+    terms.run->control.state.NonlinearFlag = 0;
+    terms.SetSide(kSides<Dimension>, {0, 2, 1, 0, 0});
+    terms.Add();
+    EXPECT_NEAR(terms.MatrixSum(), 3.0 * extent, 1e-13);
+    EXPECT_NEAR(terms.Load(), 3.0 * extent * 7.0, 1e-12);
+}
+
+// Faults: the full form where the incremental one is due and the other way round, a coefficient at another value.
+TEST(SurfaceTerms, ConvectionInBothForms) {
+    ExpectConvection<1>(1.0);
+    ExpectConvection<2>(kEdges[1]);
+    ExpectConvection<3>(kFaces[2]);
+}
+
+// N and load of convection node by node on a unit edge: h/6 (2 1; 1 2) at the edge's nodes, TE - T linear along it.
+// Faults: an entry of the packed triangle in another place, a difference taken at the node instead of the point.
+TEST(SurfaceTerms, ConvectionMatrixOfAnEdge) {
+    Model model;
+    model.convection = {{{0.0, 6.0}}};
+    model.environment = {{{0.0, 1.0}}};
+    Terms<2> terms(model);
+    terms.SetCorners([](double r, double s, double) { return std::array<double, 3>{0.5 * r, s, 0.0}; }, 0.0);
+    terms.element.TE1[3] = 6.0; // node 4, edge 4 is 4-3
+    terms.SetSide(4, {0, 1, 1, 0, 0});
+    terms.Add();
+    const double expected[10] = {0, 0, 0, 0, 0, 0, 0, 2, 1, 2};
+    for (int entry = 0; entry < 10; ++entry)
+        EXPECT_NEAR(terms.K[entry], expected[entry], 1e-6) << entry;
+    EXPECT_NEAR(terms.FE[2], 3.0 - 6.0 * 1.0, 1e-5);
+    EXPECT_NEAR(terms.FE[3], 3.0 - 6.0 * 2.0, 1e-5);
+    EXPECT_EQ(terms.FE[0], 0.0);
+}
+
+// Faults: a tangent instead of the secant, a shape factor chosen by its own field, radiation in a linear problem, a
+// radiation matrix that is left out without convection.
+TEST(SurfaceTerms, RadiationByTheSecant) {
+    Model model;
+    model.emissivity = {{{0.0, 0.5}}, {{0.0, 0.0}, {1000.0, 1.0}}};
+    model.environment = {{{0.0, 300.0}}};
+    model.SBC = 5.67e-8;
+    for (const bool factors : {false, true}) {
+        if (factors)
+            model.shapeFactors = {0.1, 0.75, 0.2};
+        const double F = factors ? 0.75 : 1.0, e = 0.4, T = 400.0, E = 300.0;
+        Terms<3> terms(model);
+        terms.SetCorners(Skewed, T);
+        terms.SetSide(3, {0, 0, 1, 2, 3});
+        terms.Add();
+        const double scale = e * model.SBC * F * kFaces[1];
+        EXPECT_NEAR(terms.Load(), scale * (std::pow(E, 4) - std::pow(T, 4)), 1e-9);
+        EXPECT_NEAR(terms.MatrixSum(), scale * (T * T + E * E) * (T + E), 1e-11);
+        terms.run->control.state.NonlinearFlag = 0;
+        terms.Add();
+        EXPECT_EQ(terms.Load(), 0.0);
+        EXPECT_EQ(terms.MatrixSum(), 0.0);
+    }
+}
+
+// Faults: a radius from the second coordinate, or of one point for the whole edge.
+TEST(SurfaceTerms, EdgesOfAxisymmetricElementsTakeTheFirstCoordinateAsRadius) {
+    Model model;
+    model.flux = {{{0.0, 2.0}}};
+    model.INDAX = 1;
+    const auto place = [](double r, double s, double t) {
+        return std::array<double, 3>{r + 3.0, 5.0 * s + 50.0, t};
+    };
+    Terms<2> plane(model);
+    plane.SetCorners(place, 0.0);
+    plane.SetSide(1, {1, 0, 0, 0, 0}); // x = 4, 10 long
+    plane.Add();
+    EXPECT_NEAR(plane.Load(), 2.0 * 10.0 * 4.0, 1e-12);
+    plane.SetSide(1, {0, 0, 0, 0, 0});
+    plane.SetSide(3, {1, 0, 0, 0, 0}); // x from 4 to 2, 2 long; node 1 lies outside
+    plane.Add();
+    EXPECT_NEAR(plane.FE[0], 2.0 * (3.0 + 1.0 / 3.0), 1e-6);
+    EXPECT_NEAR(plane.FE[1], 2.0 * (3.0 - 1.0 / 3.0), 1e-6);
+}
+
+// Faults: values that are reset from side to side. A side without environment takes that of the side before, a curve at
+// its exact end the value before; both for a later element too.
+TEST(SurfaceTerms, ValuesOfTheSideBefore) {
+    Model model;
+    model.flux = {{{0.0, 5.0}, {8.0, 5.0}}};
+    model.convection = {{{0.0, 3.0}}};
+    model.emissivity = {{{0.0, 1.0}}};
+    model.environment = {{{0.0, 7.0}}};
+    Terms<1> terms(model);
+    terms.SetCorners(Skewed, 4.0);
+    terms.SetSide(2, {0, 1, 0, 0, 0});
+    terms.Add();
+    EXPECT_EQ(terms.FE[1], 3.0 * (0.0 - 4.0)); // nothing came before
+    terms.SetSide(1, {0, 1, 1, 1, 0});
+    terms.SetSide(2, {0, 1, 0, 1, 0});
+    terms.Add();
+    EXPECT_EQ(terms.FE[1], (3.0 + 65.0 * 11.0) * 3.0);
+    terms.SetSide(1, {1, 0, 0, 0, 0});
+    terms.SetSide(2, {0, 0, 0, 0, 0});
+    terms.run->control.state.TIME = 8.0;
+    terms.Add();
+    EXPECT_EQ(terms.FE[0], 0.0);
+    terms.run->control.state.TIME = 4.0;
+    terms.Add();
+    terms.run->control.state.TIME = 8.0;
+    terms.Add();
+    EXPECT_EQ(terms.FE[0], 5.0);
+}
+
+// Faults: a curve out of range that goes on, words of another curve, a collapsed side that goes on.
+TEST(SurfaceTerms, MessagesThatStop) {
+    Model model;
+    model.flux = model.convection = model.environment =
+        model.emissivity = {{{0.0, 1.0}}, {{0.0, 1.0}, {2.0, 1.0}}};
+    model.TIME = 2.5;
+    const auto stop = [&](const std::array<std::int32_t, 5>& fields, const std::string& lines,
+                          double width = 1.0) {
+        Terms<2> terms(model);
+        terms.SetCorners(
+            [=](double r, double s, double) {
+                return std::array<double, 3>{width * r, s, 0.0};
+            },
+            -3.0);
+        terms.SetSide(3, fields);
+        test::ListOnStandardError(*terms.run);
+        EXPECT_EXIT(terms.Add(), testing::ExitedWithCode(0), lines);
+    };
+    const std::string head = "^ CURVE ARGUMENT IS OUT OF RANGE\n CURVE ";
+    const std::string time = "    2\n ARGUMENT TIME, TIME =  2.5000E\\+00\n$";
+    const std::string value = "    2\n ARGUMENT TEMPERATURE, TEMP = -3.0000E\\+00\n$";
+    stop({2, 0, 0, 0, 0}, head + "SURFACE FLUX - TIME,  No. =" + time);
+    stop({0, 0, 2, 0, 0}, head + "ENVIRONMENT TEMPERATURE - TIME,  No. =" + time);
+    stop({0, 2, 0, 0, 0}, head + "CONVECTION COEFICIENT - TEMPERATURE,  No. =" + value);
+    stop({0, 0, 0, 2, 0}, head + "RADIATION COEFICIENT - TEMPERATURE,  No. =" + value);
+    stop({1, 0, 0, 0, 0}, "JACOBIAN EQUAL OR LESS THEN ZERO FOR ELEMENT No.         1\n", 0.0);
+}
+
+} // namespace
+} // namespace zurt
