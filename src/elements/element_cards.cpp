@@ -1,9 +1,10 @@
 #include "elements/element_cards.h"
 
 #include "core/stop.h"
+#include "elements/assembly.h"
 #include "elements/group_views.h"
 
-#include <limits>
+#include <cmath>
 #include <string>
 
 namespace zurt {
@@ -18,9 +19,14 @@ struct ElementReader {
     Run& run;
     const ElementGroup& group;
     const FamilyCards& family;
-    IntTable NEL;
-    IntArray materials, sources, valueFlags, coordinateFlags; // empty when absent
+    const CardLayout& layout; // of the element card
+    int columnsOnCard;        // node columns of the element card; the others stand on the mid-side card
+    double previousThickness;
+    IntTable NEL{};
+    IntArray materials{}, sources{}, valueFlags{}, coordinateFlags{}; // empty when absent
+    RealArray thickness{};                                            // likewise
     bool echo = false;
+    Format row{}; // of the listed elements
     ElementCard card{};
     std::int32_t number = 0;              // of the element being made
     std::int32_t nodes[kMaxColumns] = {}; // and its nodes
@@ -52,7 +58,7 @@ struct ElementReader {
 
 void CheckElementNumber(ElementReader& reader, Word number) {
     if (number < 1)
-        DeckError(reader.run.deck, reader.family.elementCard.group, "NN", std::to_string(number),
+        DeckError(reader.run.deck, reader.layout.group, "NN", std::to_string(number),
                   "element numbers begin with 1");
     if (number > reader.group.NET)
         StopOnElementNumber(reader, number);
@@ -68,14 +74,41 @@ void CheckElementNumber(ElementReader& reader, Word number) {
 }
 
 void CheckNode(const ElementReader& reader, int column, Word node) {
-    const FamilyCards& family = reader.family;
     const std::int32_t NP = reader.run.control.header.NP;
-    const bool corner = column < family.corners;
+    const bool corner = column < reader.family.corners;
     if (node <= NP && (node >= 1 || (node == 0 && !corner)))
         return;
-    ReportElementField(
-        reader, corner ? family.elementCard : family.midSideCard, "node " + std::to_string(column + 1), node,
-        "node numbers lie between " + std::string(corner ? "1" : "0") + " and " + std::to_string(NP));
+    ReportElementField(reader, column < reader.columnsOnCard ? reader.layout : reader.family.midSideCard,
+                       "node " + std::to_string(column + 1), node,
+                       "node numbers lie between " + std::string(corner ? "1" : "0") + " and " +
+                           std::to_string(NP));
+}
+
+// The sparse assembler takes elements of so many nodes and no more.
+void CheckSparseNodes(const ElementReader& reader) {
+    if (reader.run.control.state.SparseMode == 0)
+        return;
+    Word count = 0;
+    for (int column = 0; column < reader.group.NDMAX; ++column)
+        count += reader.nodes[column] != 0;
+    if (count > kMaxSparseNodes)
+        ReportElementField(reader, reader.family.midSideCard, "number of nodes", count,
+                           "with the sparse solver (SolverSelector 2) an element has at most " +
+                               std::to_string(kMaxSparseNodes) + " nodes");
+}
+
+// Under ITOR 2 a source of a quadrilateral asks for the potential of the element's nodes.
+void CheckPotential(const ElementReader& reader, std::int32_t source) {
+    const HeaderFields& header = reader.run.control.header;
+    if (header.ITOR != 2 || reader.family.dimension != 2 || source <= 0)
+        return;
+    for (int column = 0; column < reader.group.NDMAX; ++column)
+        if (reader.nodes[column] > header.PotentialFunctionSize)
+            ReportElementField(reader, reader.layout, "node " + std::to_string(column + 1),
+                               reader.nodes[column],
+                               "its source under ITOR 2 needs the potential at its nodes, and "
+                               "PotentialFunctionSize on the execution card is " +
+                                   std::to_string(header.PotentialFunctionSize));
 }
 
 // --- field rules --------------------------------------------------------------------------------------------------
@@ -87,8 +120,7 @@ std::int32_t ElementMaterial(ElementReader& reader) {
     const std::int32_t field = reader.card.MAT;
     if (run.control.header.NDS != 0) {
         if (field < 0)
-            ReportElementField(reader, reader.family.elementCard, "MAT", field,
-                               "a material number can't be negative");
+            ReportElementField(reader, reader.layout, "MAT", field, "a material number can't be negative");
         const std::int32_t material = field == 0 ? reader.group.MATDD : field;
         if (material > NMATT)
             StopOnMaterial(run, reader.family.elementMaterial, material);
@@ -108,8 +140,16 @@ std::int32_t CarriedField(std::int32_t field, std::int32_t& previous) {
     return previous < 0 ? 0 : previous;
 }
 
+// A thickness or area that is stored per element: none takes the one before.
+double CarriedThickness(double field, double& previous) {
+    if (!(std::fabs(field) < kNoThickness))
+        previous = field;
+    return previous;
+}
+
 struct ElementFields {
     std::int32_t material, source, valueFlag, coordinateFlag;
+    double thickness;
 };
 
 ElementFields ResolveFields(ElementReader& reader) {
@@ -122,6 +162,8 @@ ElementFields ResolveFields(ElementReader& reader) {
     fields.valueFlag = group.hasValueFlags ? CarriedField(card.IPT, reader.previousValueFlag) : group.IPRTG;
     fields.coordinateFlag =
         group.hasCoordinateFlags ? CarriedField(card.IPC, reader.previousCoordinateFlag) : group.IPRDC;
+    fields.thickness =
+        group.hasThickness ? CarriedThickness(card.THIC, reader.previousThickness) : group.THIC;
     return fields;
 }
 
@@ -141,6 +183,8 @@ void StoreElement(ElementReader& reader, const ElementFields& fields) {
         reader.valueFlags(n) = fields.valueFlag;
     if (reader.group.hasCoordinateFlags)
         reader.coordinateFlags(n) = fields.coordinateFlag;
+    if (reader.group.hasThickness)
+        reader.thickness(n) = fields.thickness;
 }
 
 void EchoTableHead(ElementReader& reader) {
@@ -148,18 +192,22 @@ void EchoTableHead(ElementReader& reader) {
     const FamilyCards& family = reader.family;
     TextUnit& listing = run.units.listing;
     Write(listing, "(///6X,A/)", Say(run, family.tableTitle.serbian, family.tableTitle.english));
-    Write(listing, *family.tableHead, " ELEMENT ", Say(run, "CVOROVI", " NODES "),
-          Say(run, "MAT. IZV. KOO. KONC.", "MAT. SOU. COO. CONC."));
+    Write(listing, "(A/)", Say(run, family.tableHead.serbian, family.tableHead.english));
 }
 
 void EchoElement(ElementReader& reader, const ElementFields& fields) {
+    static const Format midSides("(9X,8I8)");
     TextUnit& listing = reader.run.units.listing;
-    const FamilyCards& family = reader.family;
-    Write(listing, *family.tableRow, reader.number, IntArray(reader.nodes, family.corners), fields.material,
-          fields.source, fields.coordinateFlag, fields.valueFlag);
-    if (reader.group.NDMAX > family.corners)
-        Write(listing, *family.tableMidSides,
-              IntArray(reader.nodes + family.corners, reader.group.NDMAX - family.corners));
+    const IntArray nodes(reader.nodes, reader.columnsOnCard);
+    if (reader.family.dimension == 3)
+        Write(listing, reader.row, reader.number, nodes, fields.material, fields.source,
+              fields.coordinateFlag, fields.valueFlag);
+    else
+        Write(listing, reader.row, reader.number, nodes, fields.material, fields.source,
+              fields.coordinateFlag, fields.valueFlag, fields.thickness);
+    if (reader.group.NDMAX > reader.columnsOnCard)
+        Write(listing, midSides,
+              IntArray(reader.nodes + reader.columnsOnCard, reader.group.NDMAX - reader.columnsOnCard));
 }
 
 // --- one card and the elements made from it -----------------------------------------------------------------------
@@ -167,15 +215,17 @@ void EchoElement(ElementReader& reader, const ElementFields& fields) {
 void ReadMidSideCard(ElementReader& reader) {
     ReadCardFields(reader.run.deck, reader.run.control.header.INDFOR, reader.family.midSideCard,
                    &reader.card);
-    for (int column = reader.family.corners; column < reader.group.NDMAX; ++column)
+    for (int column = reader.columnsOnCard; column < reader.group.NDMAX; ++column)
         reader.nodes[column] = reader.card.nodes[column];
 }
 
 void MakeElement(ElementReader& reader) {
     const ElementFields fields = ResolveFields(reader);
-    if (reader.number == reader.card.NN && reader.group.NDMAX > reader.family.corners)
+    if (reader.number == reader.card.NN && reader.group.NDMAX > reader.columnsOnCard)
         ReadMidSideCard(reader);
     StoreElement(reader, fields);
+    CheckSparseNodes(reader);
+    CheckPotential(reader, fields.source);
     if (reader.echo)
         EchoElement(reader, fields);
     ++reader.count;
@@ -196,11 +246,10 @@ void StepToNextElement(ElementReader& reader) {
 
 void ReadElementRun(ElementReader& reader) {
     const ElementCard& card = reader.card;
-    ReadCardFields(reader.run.deck, reader.run.control.header.INDFOR, reader.family.elementCard,
-                   &reader.card);
+    ReadCardFields(reader.run.deck, reader.run.control.header.INDFOR, reader.layout, &reader.card);
     CheckElementNumber(reader, card.NN);
     reader.number = card.NN;
-    for (int column = 0; column < reader.family.corners; ++column)
+    for (int column = 0; column < reader.columnsOnCard; ++column)
         reader.nodes[column] = card.nodes[column];
     MakeElement(reader);
     if (card.KG == 0 && card.KGEN == 0)
@@ -230,17 +279,25 @@ void StopOnMaterial(Run& run, const TwinText& label, std::int32_t material) {
 
 void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& family) {
     const Word NET = group.NET;
+    const bool full = group.NDMAX > family.corners && family.fullElementCard.fieldCount > 0;
     ElementReader reader{run,
                          group,
                          family,
-                         Connectivity(run, group),
-                         ElementMaterials(run, group),
-                         ElementSources(run, group),
-                         IntSection(run.A, group.LIPT, group.hasValueFlags ? NET : 0),
-                         IntSection(run.A, group.LIPC, group.hasCoordinateFlags ? NET : 0)};
+                         full ? family.fullElementCard : family.elementCard,
+                         full ? group.NDMAX : family.corners,
+                         group.THIC};
+    reader.NEL = Connectivity(run, group);
+    reader.materials = ElementMaterials(run, group);
+    reader.sources = ElementSources(run, group);
+    reader.valueFlags = IntSection(run.A, group.LIPT, group.hasValueFlags ? NET : 0);
+    reader.coordinateFlags = IntSection(run.A, group.LIPC, group.hasCoordinateFlags ? NET : 0);
+    reader.thickness = ElementThickness(run, group);
     reader.echo = EchoInput(run) && IsOpen(run.units.listing);
-    if (EchoInput(run))
+    if (reader.echo) {
+        const std::string nodes = std::to_string(reader.columnsOnCard);
+        reader.row = Format(("(I8,1X," + nodes + "I8,2X," + family.tableFields + ")").c_str());
         EchoTableHead(reader);
+    }
     while (reader.count < NET)
         ReadElementRun(reader);
 }

@@ -1,6 +1,8 @@
 #include "elements/element_dispatch.h"
 
-#include "elements/form_3d.h"
+#include "elements/form_elements.h"
+#include "elements/group_1d.h"
+#include "elements/group_2d.h"
 #include "elements/group_3d.h"
 #include "elements/group_cards.h"
 #include "elements/nodal_averaging.h"
@@ -11,20 +13,20 @@ namespace zurt {
 namespace {
 
 void ReadGroup(Run& run, ElementGroup& group, std::int32_t NETIP) {
-    if (run.control.state.SparseMode != 0)
-        StopNotBuilt(run, "element groups for the sparse solver are");
     switch (NETIP) {
     case 1:
-        StopNotBuilt(run, "1D element groups are");
+        ReadGroup1D(run, group);
+        break;
     case 2:
-        StopNotBuilt(run, "2D element groups are");
+        ReadGroup2D(run, group);
+        break;
     case 3:
         ReadGroup3D(run, group);
         break;
     default:
         StopNotBuilt(run, "radial fibre element groups are");
     }
-    if (group.NGE >= run.control.header.NGET)
+    if (group.NGE >= run.control.header.NGET && run.control.state.SparseMode == 0)
         FinishColumnPointers(run);
 }
 
@@ -35,7 +37,11 @@ void FormGroup(Run& run, ElementGroup& group, std::int32_t NETIP) {
         if (group.NGE == 1)
             ClearNodalResults(run);
     }
-    if (NETIP == 3)
+    if (NETIP == 1)
+        FormGroup1D(run, group);
+    else if (NETIP == 2)
+        FormGroup2D(run, group);
+    else if (NETIP == 3)
         FormGroup3D(run, group);
 }
 

@@ -39,6 +39,8 @@ struct ElementGroup {
     std::int32_t IPRDC = 0;     // Gauss coordinate print flag
     std::int32_t IPRTG = 0;     // Gauss value print flag
     std::int32_t NGAUS[3] = {}; // Gauss orders by direction
+    std::int32_t NTHIC = 0;     // 2D: 0 one thickness, else by element
+    double THIC = 0.0;          // 2D: thickness; 1D: the area before any card has given one
 
     std::int32_t NDMAX = 0; // columns of the connectivity
 

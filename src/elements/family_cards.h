@@ -28,6 +28,8 @@ struct FamilyGroupCard {
     std::int32_t IPRDC = 0;     // Gauss coordinate print flag
     std::int32_t IPRTG = 0;     // Gauss value print flag
     std::int32_t NGAUS[3] = {}; // Gauss orders by direction
+    std::int32_t NTHIC = 0;     // 2D: thickness by element
+    double THIC = 0.0;          // 2D: thickness of the group
 };
 
 /// Fields of an element card and of the card of mid-side nodes behind it.
@@ -40,6 +42,7 @@ struct ElementCard {
     std::int32_t KGEN = 0; // how many elements to generate
     std::int32_t IPC = 0;  // Gauss coordinate print
     std::int32_t IPT = 0;  // Gauss value print
+    double THIC = 0.0;     // thickness (2D), area (1D)
 };
 
 /// What one isoparametric family has of its own in reading.
@@ -50,7 +53,8 @@ struct FamilyCards {
     CardLayout groupCard;       // NDS 0
     CardLayout deviceGroupCard; // NDS not 0
     CardLayout elementCard;     // with the corners
-    CardLayout midSideCard;     // the columns behind the corners, on a card of their own
+    CardLayout midSideCard;     // the columns behind the corners, on a card of their own; or, without fields:
+    CardLayout fullElementCard; // an element card with all columns
     const char* gaussNames[3];  // of the orders, one for each dimension
     const char* name;           // "3D", in messages
     TwinText groupMaterial;     // label of the group's material in the message
@@ -59,11 +63,10 @@ struct FamilyCards {
     std::size_t echoCount;
     const EchoLine* deviceEcho; // group card under NDS
     std::size_t deviceEchoCount;
-    TwinText heading;            // of the echoed group card
-    TwinText tableTitle;         // of the listed elements
-    const Format* tableHead;     // two texts: over the nodes, over the four fields
-    const Format* tableRow;      // NN, corners, MAT, SOU, COO, CONC
-    const Format* tableMidSides; // the mid-side nodes of the row above
+    TwinText heading;        // of the echoed group card
+    TwinText tableTitle;     // of the listed elements
+    TwinText tableHead;      // over their columns
+    const char* tableFields; // descriptors behind the nodes: MAT, SOU, COO, CONC, and thickness or area
 };
 
 } // namespace zurt

@@ -6,6 +6,7 @@
 #include "job/partition.h"
 #include "solver/skyline_layout.h"
 
+#include <cmath>
 #include <string>
 
 namespace zurt {
@@ -21,6 +22,15 @@ void CheckGaussOrders(Run& run, const FamilyCards& family, const CardLayout& car
             DeckError(run.deck, card.group, family.gaussNames[d], std::to_string(group.NGAUS[d]),
                       "the order of a Gauss rule must lie between 1 and " + std::to_string(kMaxGaussOrder));
     }
+}
+
+// Lines have an area each, quadrilaterals a thickness each when the card says so.
+void SetThickness(const FamilyCards& family, const FamilyGroupCard& card, ElementGroup& group) {
+    group.NTHIC = card.NTHIC;
+    group.THIC = card.THIC;
+    group.hasThickness = family.dimension == 1 || card.NTHIC != 0;
+    if (family.dimension == 1 || (card.NTHIC == 0 && std::fabs(card.THIC) < kNoThickness))
+        group.THIC = 1.0;
 }
 
 void ReadFamilyGroupCard(Run& run, ElementGroup& group, const FamilyCards& family) {
@@ -41,6 +51,7 @@ void ReadFamilyGroupCard(Run& run, ElementGroup& group, const FamilyCards& famil
     group.NMAT = device ? group.MATDD : 1;
     group.NDMAX = group.NPDMX > family.corners ? family.columns : family.corners;
 
+    SetThickness(family, card, group);
     CheckGaussOrders(run, family, layout, group);
     if (device && group.MATDD < 0)
         RequireIndex(run.deck, layout.group, layout.fields[0].name, group.MATDD, header.NMATT);
@@ -93,7 +104,6 @@ void RaiseHeightsOfGroup(Run& run, const ElementGroup& group) {
 
 void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family) {
     const std::int32_t first = run.deck.CardCounter + 1;
-    group.hasThickness = false;
     group.indicesChecked = false;
     group.held = HeldCurveValues();
     ReadFamilyGroupCard(run, group, family);

@@ -15,4 +15,9 @@ inline IntArray ElementSources(const Run& run, const ElementGroup& group) {
     return IntSection(run.A, group.LISRC, group.hasSources ? group.NET : 0);
 }
 
+/// Thickness (2D) or area (1D) 1..NET.
+inline RealArray ElementThickness(const Run& run, const ElementGroup& group) {
+    return RealSection(run.A, group.LTHIC, group.hasThickness ? group.NET : 0);
+}
+
 } // namespace zurt

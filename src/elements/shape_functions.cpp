@@ -81,9 +81,10 @@ void AddMidSideNodes(const DirectionFactors (&factors)[Dimension], const ActiveN
             for (int k = corners; k < corners + last; ++k)
                 TakeShare(2.0 / corners, corners + last, k, shape);
         for (int i = 0; i < onSides; ++i) {
-            const auto& ends = ReferenceElement<Dimension>::kEnds[active.midSide[i] - corners - 1];
-            TakeShare(0.5, corners + i, ends[0] - 1, shape);
-            TakeShare(0.5, corners + i, ends[1] - 1, shape);
+            int ends[2];
+            EndsOfEdge<Dimension>(active.midSide[i], ends);
+            TakeShare(0.5, corners + i, ends[0], shape);
+            TakeShare(0.5, corners + i, ends[1], shape);
         }
     }
 }
@@ -110,6 +111,14 @@ template <int Dimension> void ListActiveNodes(ConstIntTable NEL, Word n, ActiveN
 template void ListActiveNodes<1>(ConstIntTable NEL, Word n, ActiveNodes& active);
 template void ListActiveNodes<2>(ConstIntTable NEL, Word n, ActiveNodes& active);
 template void ListActiveNodes<3>(ConstIntTable NEL, Word n, ActiveNodes& active);
+
+template <int Dimension> void EndsOfEdge(int number, int (&ends)[2]) {
+    for (int i = 0; i < 2; ++i)
+        ends[i] = ReferenceElement<Dimension>::kEnds[number - kCorners<Dimension> - 1][i] - 1;
+}
+
+template void EndsOfEdge<2>(int number, int (&ends)[2]);
+template void EndsOfEdge<3>(int number, int (&ends)[2]);
 
 void ShapeFunctions3D(double r, double s, double t, const ActiveNodes& active, ShapeValues<3>& shape) {
     const DirectionFactors factors[3] = {FactorsAt(r), FactorsAt(s), FactorsAt(t)};

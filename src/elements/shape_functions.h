@@ -41,6 +41,10 @@ template <int Dimension> struct ShapeValues {
 /// a further column counts if its node number is not 0.
 template <int Dimension> void ListActiveNodes(ConstIntTable NEL, Word n, ActiveNodes& active);
 
+/// The two corners, from 0, between which mid-side node `number` of a quadrilateral or a brick lies; not for the
+/// centre node.
+template <int Dimension> void EndsOfEdge(int number, int (&ends)[2]);
+
 /// H and HR at the point (r, s, t). Where the centre node is present, its function is first taken out of the corners
 /// and the other mid-side functions; then half of every mid-side function is taken out of its two corners.
 void ShapeFunctions3D(double r, double s, double t, const ActiveNodes& active, ShapeValues<3>& shape);

@@ -2,8 +2,7 @@
 //
 // Gauss abscissae carry single precision, so a quadratic integrand is off by some 4e-8 of its size; what holds
 // without it is held to rounding.
-#include "elements/brick_kernel.h"
-#include "elements/brick_points.h"
+#include "elements/element_kernel.h"
 #include "form_model.h"
 
 #include <gtest/gtest.h>
@@ -246,19 +245,18 @@ TEST(FormMatrices, FixedAndRunTimeCountsGiveTheSameBits) {
         for (int d = 0; d < 3; ++d)
             HX[d][i] = std::sin(7.0 * i + d);
     }
-    BrickSums<8> fixed;
-    BrickSums<0> any;
-    const auto form = [&](auto& sums, auto nodes) {
-        constexpr int Nodes = decltype(nodes)::value;
-        ClearSums<Nodes>(sums, 8);
-        AddConduction<Nodes>(HX, 1.1, 2.3, 0.7, 0.3, 8, sums);
-        AddCapacity<Nodes>(H, 1.7, 0.3, 8, sums);
-        AddSource<Nodes>(H, 0.9, 0.3, 8, sums);
-        AddTimeTerm<Nodes>(0.3, TE, 8, sums);
-        TakeResidual<Nodes>(H, 8, sums);
+    ElementSums<3, 8> fixed;
+    ElementSums<3, 0> any;
+    const auto form = [&](auto& sums) {
+        ClearSums(sums, 8);
+        AddConduction(HX, {1.1, 2.3, 0.7}, 0.3, 8, sums);
+        AddCapacity(H, 1.7, 0.3, 8, sums);
+        AddSource(H, 0.9, 0.3, 8, sums);
+        AddTimeTerm(0.3, TE, 8, sums);
+        TakeResidual(H, 8, sums);
     };
-    form(fixed, std::integral_constant<int, 8>());
-    form(any, std::integral_constant<int, 0>());
+    form(fixed);
+    form(any);
     for (int i = 0; i < 8; ++i) {
         EXPECT_EQ(fixed.FE[i], any.FE[i]);
         for (int j = 0; j < 8; ++j)

@@ -1,0 +1,40 @@
+// What one visit of an isoparametric group holds, and the steps that forming and results share: nodes, material, Gauss
+// points.
+#pragma once
+
+#include "elements/coefficients.h"
+#include "elements/element_points.h"
+#include "elements/gather.h"
+#include "elements/jacobian.h"
+#include "job/run.h"
+
+namespace zurt {
+
+template <int Dimension> struct ElementVisit {
+    Run& run;
+    ElementGroup& group;
+    ConstIntTable NEL{};
+    ConstIntArray materials{}; // empty when all elements have the group's
+    NodalViews nodes{};
+    CoefficientTables tables{};
+    std::int32_t NGAUS[Dimension] = {};
+    ElementPoints<Dimension> points{};
+    MaterialInHand material{};
+    Coefficients coefficients{};
+    std::int32_t number = 0; // of the element in hand
+    ElementNodes<Dimension> element{};
+};
+
+/// Views, tables and orders (1..5 each) for a visit of `group`; `element` and `points` are filled element by element.
+template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders);
+
+/// Takes element n in hand: nodal data, material, and the shape table when its nodes differ from the element's before.
+/// Under ITOR 3 the listing gets a line for it.
+template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n);
+
+/// Ends the run: the Jacobian `DET` at point `at` of the element in hand is not positive.
+template <int Dimension>
+[[noreturn]] void StopOnElementJacobian(const ElementVisit<Dimension>& visit,
+                                        const ElementPoint<Dimension>& at, double DET);
+
+} // namespace zurt

@@ -1,0 +1,186 @@
+#include "elements/form_elements.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+#include "elements/assembly.h"
+#include "elements/element_fluxes.h"
+#include "elements/element_kernel.h"
+#include "elements/element_visit.h"
+#include "elements/element_work.h"
+#include "elements/group_views.h"
+#include "elements/surface_terms.h"
+#include "elements/volume_source.h"
+
+namespace zurt {
+
+namespace {
+
+template <int Dimension> struct FormVisit {
+    ElementVisit<Dimension> elements;
+    VolumeSource source{};
+    bool transient = false;
+    double dt = 0.0;
+    bool axisymmetric = false;
+    ConstRealArray areas{};     // lines: 1..NET
+    ConstRealArray potential{}; // quadrilaterals under ITOR 2, by node; empty: sources stand as they are
+    SurfaceTables surfaces{};   // quadrilaterals
+    RealArray packed{};         // the element matrix that is assembled
+    SystemTarget system{};
+};
+
+// --- what the families have of their own --------------------------------------------------------------------------
+
+// Radius of the point on hand: lines take it from the first coordinate, quadrilaterals from the second.
+template <int Dimension, int Nodes>
+double RadiusAt(const FormVisit<Dimension>& visit, const ElementPoint<Dimension>& point, int ND) {
+    if (!visit.axisymmetric)
+        return 1.0;
+    return Interpolate<Nodes>(point.shape.H, visit.elements.element.CORE[Dimension - 1], ND);
+}
+
+// The w of a point: what of the element's volume it stands for. (The thickness of a quadrilateral has no effect.)
+template <int Dimension, int Nodes>
+double PointMeasure(const FormVisit<Dimension>& visit, const ElementPoint<Dimension>& point, double DET,
+                    int ND) {
+    double measure = point.weight;
+    if constexpr (Dimension == 1)
+        measure *= visit.areas(visit.elements.number);
+    if constexpr (Dimension < 3)
+        measure *= RadiusAt<Dimension, Nodes>(visit, point, ND);
+    return measure * DET;
+}
+
+// Under ITOR 2 a source heats by the square of the gradient of the stored potential.
+template <int Dimension, int Nodes>
+double SourceAt(const FormVisit<Dimension>& visit, const JacobianValues<Dimension>& jacobian, int ND) {
+    const double QV = visit.elements.group.held.QV;
+    if (Dimension != 2 || visit.potential.length == 0)
+        return QV;
+    double squares = 0.0;
+    for (int axis = 0; axis < Dimension; ++axis) {
+        double slope = 0.0;
+        for (int i = 0; i < ND; ++i)
+            slope += jacobian.HX[axis][i] * visit.potential(visit.elements.element.node[i]);
+        squares += slope * slope;
+    }
+    return QV * squares;
+}
+
+// --- one element --------------------------------------------------------------------------------------------------
+
+// The sums over the Gauss points of the element in hand; ISRC 0: no load.
+template <int Dimension, int Nodes>
+void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<Dimension, Nodes>& sums) {
+    ElementVisit<Dimension>& elements = visit.elements;
+    Coefficients& coefficients = elements.coefficients;
+    const ElementNodes<Dimension>& element = elements.element;
+    const int ND = NodeCount<Nodes>(elements.points.active.ND);
+    for (int p = 0; p < elements.points.count; ++p) {
+        const ElementPoint<Dimension>& point = elements.points.point[p];
+        JacobianValues<Dimension> jacobian;
+        if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
+            StopOnElementJacobian(elements, point, jacobian.DET);
+        const double TG = Interpolate<Nodes>(point.shape.H, element.TE1, ND);
+        CoefficientFailure failure;
+        if (!EvaluateCoefficients(elements.tables, elements.material, TG, elements.group.held, coefficients,
+                                  failure))
+            StopOnCoefficients(elements.run, failure);
+        const double w = PointMeasure<Dimension, Nodes>(visit, point, jacobian.DET, ND);
+        AddConduction(jacobian.HX, {coefficients.KX, coefficients.KY, coefficients.KZ}, w, ND, sums);
+        if (visit.transient)
+            AddCapacity(point.shape.H, coefficients.CP, w, ND, sums);
+        if (ISRC != 0)
+            AddSource(point.shape.H, SourceAt<Dimension, Nodes>(visit, jacobian, ND), w, ND, sums);
+    }
+}
+
+// Matrix and right-hand side of the element in hand, and into the system with them. (The scaling of the first group by a
+// fibre model belongs ahead of the assembly.)
+template <int Dimension, int Nodes> void FormElement(FormVisit<Dimension>& visit) {
+    ElementVisit<Dimension>& elements = visit.elements;
+    const ElementNodes<Dimension>& element = elements.element;
+    const ActiveNodes& active = elements.points.active;
+    const int ND = NodeCount<Nodes>(active.ND);
+    ElementSums<Dimension, Nodes> sums;
+    ClearSums(sums, ND);
+    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
+    SumOverPoints(visit, ISRC, sums);
+    if (visit.transient)
+        AddTimeTerm(visit.dt, element.TE0, ND, sums);
+    TakeResidual(element.TE1, ND, sums);
+    PackUpper(sums, ND, visit.packed.data);
+    if constexpr (Dimension == 2)
+        SurfaceTerms<2>(elements.run, elements.group, visit.surfaces, elements.number, active, element,
+                        visit.packed, RealArray(sums.FE, ND));
+    AddElement(visit.system, visit.packed, ConstRealArray(sums.FE, ND), ConstIntArray(element.LM, ND), ND);
+}
+
+// --- one group ----------------------------------------------------------------------------------------------------
+
+template <int Dimension> void BeginFamilyData(FormVisit<Dimension>& visit) {
+    const Run& run = visit.elements.run;
+    const ElementGroup& group = visit.elements.group;
+    visit.axisymmetric = group.INDAX != 0;
+    if constexpr (Dimension == 1)
+        visit.areas = ElementThickness(run, group);
+    if constexpr (Dimension == 2) {
+        visit.surfaces = SurfaceTablesOf<2>(run, group);
+        if (run.control.header.ITOR == 2)
+            visit.potential =
+                RealSection(run.A, run.control.at.LPOT, run.control.header.PotentialFunctionSize);
+    }
+}
+
+template <int Dimension> void VisitElements(Run& run, ElementGroup& group, const ElementWork& work) {
+    if (run.control.header.INTEB != 1)
+        return;
+    if (run.control.state.ResultsPhaseFlag == 1)
+        AddElementFluxes<Dimension>(run, group);
+    else
+        FormElements<Dimension>(run, group, work.conduction);
+}
+
+} // namespace
+
+template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction) {
+    FormVisit<Dimension> visit{{run, group}};
+    visit.transient = run.control.header.NSTAC != 0;
+    visit.dt = run.control.state.TimeStep;
+    visit.packed = RealSection(run.A, conduction, PackedLength(group.NDMAX));
+    visit.system = SystemTargetOf(run);
+    BeginElementVisit(visit.elements, group.NGAUS);
+    BeginFamilyData(visit);
+    visit.source = BeginVolumeSource(run, group);
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        // Elements that a fibre model leaves out are passed over here.
+        TakeElement(visit.elements, n);
+        if (visit.elements.points.active.ND == kCorners<Dimension>)
+            FormElement<Dimension, kCorners<Dimension>>(visit);
+        else
+            FormElement<Dimension, 0>(visit);
+    }
+}
+
+template void FormElements<1>(Run&, ElementGroup&, Word);
+template void FormElements<2>(Run&, ElementGroup&, Word);
+template void FormElements<3>(Run&, ElementGroup&, Word);
+
+void FormGroup1D(Run& run, ElementGroup& group) {
+    if (run.control.header.INTEB == 2) {
+        Write(run.units.console, "(1X,A)", "NIJE UGRADJENA ALFA INTEGRACIJA");
+        StopRun();
+    }
+    VisitElements<1>(run, group, LayOutElementWork(run, group.NDMAX));
+}
+
+void FormGroup2D(Run& run, ElementGroup& group) {
+    const ElementWork work = LayOutElementWork(run, group.NDMAX);
+    VisitElements<2>(run, group, work);
+    ReleaseFrom(run.A, work.first);
+}
+
+void FormGroup3D(Run& run, ElementGroup& group) {
+    VisitElements<3>(run, group, LayOutElementWork(run, group.NDMAX));
+}
+
+} // namespace zurt

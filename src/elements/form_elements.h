@@ -1,0 +1,25 @@
+// Forming and results of the isoparametric families: lines, quadrilaterals, bricks.
+//
+// The discrete equation of an element is (K + C/dt) dT = Q + (C/dt) T0 - (K + C/dt) T at the last iterate T: Euler
+// backward, with the secant matrix. The families differ in the measure of a Gauss point, in their surface terms, and in
+// what they do besides. Called for every group at every iteration, and once a step for the nodal results.
+#pragma once
+
+#include "job/run.h"
+
+namespace zurt {
+
+/// One visit of a group: the element work block behind LMAXM, then all elements, which go to the system, or, while
+/// state.ResultsPhaseFlag is 1, add to the nodal results. Only Euler backward exists: under an INTEB other than 1
+/// nothing is formed and nothing said, but that under INTEB 2 a group of lines ends the run.
+void FormGroup1D(Run& run, ElementGroup& group);
+/// Likewise; gives the work block back.
+void FormGroup2D(Run& run, ElementGroup& group);
+void FormGroup3D(Run& run, ElementGroup& group);
+
+/// Forms elements 1..NET and adds them to the system (elements/assembly.h). `conduction` is the place of the packed
+/// element matrix in `A`. Stops the run on an element without a positive Jacobian and on curves asked for values outside
+/// their range.
+template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction);
+
+} // namespace zurt
