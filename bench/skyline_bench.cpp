@@ -1,7 +1,7 @@
 // Factor and solve of the skyline store on cubes of eight-node bricks, with the plain loops beside them.
 //
-// Argument: elements a side. Factor figures are operations a second, counted from the column heights; solve figures
-// are bytes a second of the store, which is read twice.
+// Argument: elements a side. Factor figures are operations a second, counted from the column heights; solve
+// figures are bytes a second of the store, which is read twice.
 #include "solver/skyline_factor.h"
 #include "solver/skyline_solve.h"
 

@@ -1,8 +1,9 @@
 // Adding element matrices and vectors to the system, and the product of the system matrix with a vector.
 //
-// The store is the one of solver/skyline_layout.h. An element matrix is a packed upper triangle by rows, S(1,1),
-// S(1,2) .. S(1,ND), S(2,2) .. S(ND,ND). LM holds the equation number of each element degree of freedom, 0 for none.
-// Callers: the matrix passes of all element families; in sparse mode they use AddElementVector alone.
+// The store is the one of solver/skyline_layout.h. An element matrix is a packed upper triangle by rows,
+// S(1,1), S(1,2) .. S(1,ND), S(2,2) .. S(ND,ND). LM holds the equation number of each element degree of
+// freedom, 0 for none. Callers: the matrix passes of all element families; in sparse mode they use
+// AddElementVector alone.
 #pragma once
 
 #include "core/array_view.h"
@@ -12,8 +13,8 @@ namespace zurt {
 /// R(LM(i)) += F(i) for i = 1..ND wherever LM(i) is above 0.
 void AddElementVector(RealArray R, ConstRealArray F, ConstIntArray LM, Word ND);
 
-/// Adds an element to the system. The heights of the same connectivity guarantee that every position lies within
-/// its column; no test is made.
+/// Adds an element to the system. The heights of the same connectivity guarantee that every position lies
+/// within its column; no test is made.
 ///   SkylineMatrix  1..NWK, in and out; left alone when matrixFlag is 0
 ///   MAXA           1..JEDN+1, in
 ///   R              1..JEDN, in and out: takes F whatever matrixFlag is

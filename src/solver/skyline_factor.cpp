@@ -12,8 +12,8 @@ namespace {
 // A panel of more rows than this is left to the plain loops: the scratch ends at 128 MB.
 constexpr Word kMostPanelRows = 1 << 20;
 
-// Reduces column n by the finished columns before it, then divides it and forms its diagonal. `store` and `pointers`
-// are zero-based.
+// Reduces column n by the finished columns before it, then divides it and forms its diagonal. `store` and
+// `pointers` are zero-based.
 void FinishColumn(double* store, const std::int32_t* pointers, Word n) {
     double* column = store + (pointers[n] - 1);
     const Word height = pointers[n + 1] - pointers[n] - 1;
@@ -39,9 +39,9 @@ void FinishColumn(double* store, const std::int32_t* pointers, Word n) {
     column[0] -= sum;
 }
 
-// Processor cycles, as measured on cubes and on ragged columns: a step of a panel's sums for all lanes where every
-// lane has entries, the same where some lanes are masked out, the start of a panel's row, a step of the sum of one
-// column alone, and the start of that sum.
+// Processor cycles, as measured on cubes and on ragged columns: a step of a panel's sums for all lanes where
+// every lane has entries, the same where some lanes are masked out, the start of a panel's row, a step of the
+// sum of one column alone, and the start of that sum.
 struct StepCosts {
     double whole;
     double masked;
@@ -61,7 +61,8 @@ StepCosts CostsOf(SkylineKernel kernel) {
     }
 }
 
-// Whether the panel takes less time than its columns one by one; columns of very different heights leave lanes idle.
+// Whether the panel takes less time than its columns one by one; columns of very different heights leave
+// lanes idle.
 bool PanelPays(const SkylinePanel& panel, const StepCosts& cost) {
     const Word rows = panel.first + panel.columns - panel.top;
     if (rows > kMostPanelRows)

@@ -1,7 +1,7 @@
 // Factorisation of the skyline store in place, K = L D L-transposed, column by column without pivoting.
 //
-// Every sum runs from the diagonal outward, one product after the other, whatever instructions the machine offers:
-// the digits of the factors are the same everywhere. Callers: SkylineSolve; the benchmarks.
+// Every sum runs from the diagonal outward, one product after the other, whatever instructions the machine
+// offers: the digits of the factors are the same everywhere. Callers: SkylineSolve; the benchmarks.
 #pragma once
 
 #include "core/array_view.h"
@@ -14,8 +14,9 @@ enum class SkylineKernel { Portable, Avx2, Avx512 };
 /// The widest kernel that this machine runs.
 SkylineKernel WidestSkylineKernel();
 
-/// Factorises the store. Returns 0, or the number of the first equation whose pivot is not above zero (a pivot that is
-/// not a number passes); that pivot then stands on its diagonal and the rest of the store is spent.
+/// Factorises the store. Returns 0, or the number of the first equation whose pivot is not above zero (a
+/// pivot that is not a number passes); that pivot then stands on its diagonal and the rest of the store is
+/// spent.
 ///   SkylineMatrix  1..MAXA(NN+1)-1, in: K; out: d(c) on the diagonals, l(r,c) above them
 ///   MAXA           1..NN+1, in: solver/skyline_layout.h
 ///   kernel         one that the machine runs

@@ -1,13 +1,13 @@
 // The inner part of the skyline factorisation: a panel of neighbouring columns, reduced side by side.
 //
-// Within a column each sum begins with the entry that the sum before it has given, so the only sums that can run at
-// the same time are those of different columns. A panel takes 16 columns as the lanes of two vectors and walks down
-// their rows together. In row K the sums of all lanes run over the finished column K, from the diagonal outward, as
-// the plain loops do; what lies above the top of a lane stays out of its sum. The diagonal is one more lane of its
-// own row, for its sum is of the same products in the same order.
+// Within a column each sum begins with the entry that the sum before it has given, so the only sums that can
+// run at the same time are those of different columns. A panel takes 16 columns as vector lanes and walks
+// down their rows together. In row K the sums of all lanes run over the finished column K, from the diagonal
+// outward, as the plain loops do; what lies above the top of a lane stays out of its sum. The diagonal is one
+// more lane of its own row, for its sum is of the same products in the same order.
 //
-// More lanes are no gain: 16 cover the latency of an addition, and their reduced rows still fit the innermost cache
-// for heights up to about 350.
+// More lanes are no gain: 16 cover the latency of an addition, and their reduced rows still fit the innermost
+// cache for heights up to about 350.
 // Included by solver/skyline_factor.cpp alone, which makes one copy of this code for each instruction set.
 #pragma once
 
@@ -66,8 +66,10 @@ ZURT_INLINE void PlacePanel(SkylinePanel& panel) {
     }
 }
 
-/// The sums of row K: for each lane the products with column K, rows K - 1 and up, as far as both columns reach.
-template <int kWidth> ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, PanelRow& result) {
+/// The sums of row K, lane by lane: the products with column K, rows K - 1 and up, as far as both columns
+/// reach.
+template <int kWidth>
+ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, typename Lanes<kWidth>::Vector* sum) {
     using Vector = typename Lanes<kWidth>::Vector;
     constexpr int kVectors = Lanes<kWidth>::kVectors;
     const double* __restrict column = panel.store + (panel.pointers[K] - 1);
@@ -75,7 +77,6 @@ template <int kWidth> ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K,
     const Word height = panel.pointers[K + 1] - panel.pointers[K] - 1;
     const Word common = std::min(height, K - panel.allTop);
     const Word count = std::min(height, K - panel.top);
-    Vector sum[kVectors];
 #pragma GCC unroll 8
     for (int v = 0; v < kVectors; ++v)
         sum[v] = Vector{};
@@ -96,32 +97,27 @@ template <int kWidth> ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K,
         for (int v = 0; v < kVectors; ++v)
             sum[v] = tops[v] <= r ? sum[v] + factor * row[v] : sum[v];
     }
-    Vector* results = reinterpret_cast<Vector*>(result.lane);
-#pragma GCC unroll 8
-    for (int v = 0; v < kVectors; ++v)
-        results[v] = sum[v];
 }
 
-/// Row K of a panel: sums, subtraction, pivot if the row's own column is a lane, division by the pivot. `kWhole` says
-/// that all sixteen lanes have an entry above their diagonal in the row. Returns false when the
+/// Row K of a panel: sums, subtraction, pivot if the row's own column is a lane, division by the pivot.
+/// `kWhole` says that all sixteen lanes have an entry above their diagonal in the row. Returns false when the
 /// pivot is not above zero.
 template <int kWidth, bool kWhole> ZURT_INLINE bool FinishRow(const SkylinePanel& panel, Word K) {
     using Vector = typename Lanes<kWidth>::Vector;
     constexpr int kVectors = Lanes<kWidth>::kVectors;
-    PanelRow sum;
-    SumRow<kWidth>(panel, K, sum);
-
     double idle = 0.0; // stands in for entries outside the profile
     double* place[kPanelLanes];
     PanelRow& value = panel.reduced[panel.bottom - K];
+    // Fetched ahead of the sums, which hide the time that this takes.
 #pragma GCC unroll 16
     for (Word lane = 0; lane < kPanelLanes; ++lane) {
         const bool inside = kWhole || (panel.laneTop[lane] <= K && K <= panel.first + lane);
         place[lane] = inside ? panel.store + (panel.entry[lane] - K) : &idle;
         value.lane[lane] = *place[lane];
     }
+    Vector sums[kVectors];
+    SumRow<kWidth>(panel, K, sums);
     Vector* values = reinterpret_cast<Vector*>(value.lane);
-    const Vector* sums = reinterpret_cast<const Vector*>(sum.lane);
     // Without a sum nothing is subtracted: even a zero would flush a denormal diagonal.
     if (panel.pointers[K + 1] - panel.pointers[K] > 1) {
 #pragma GCC unroll 8
@@ -147,8 +143,8 @@ template <int kWidth, bool kWhole> ZURT_INLINE bool FinishRow(const SkylinePanel
     return true;
 }
 
-/// Reduces, divides and tests the columns of a placed panel. Returns 0, or the one-based number of the pivot that
-/// failed.
+/// Reduces, divides and tests the columns of a placed panel. Returns 0, or the one-based number of the pivot
+/// that failed.
 template <int kWidth> ZURT_INLINE Word FactorPanel(const SkylinePanel& panel) {
     const Word last = panel.first + panel.columns - 1;
     const Word firstWhole = panel.columns == kPanelLanes ? std::min(panel.allTop, panel.first) : panel.first;

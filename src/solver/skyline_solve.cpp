@@ -16,8 +16,8 @@ namespace {
     StopRun();
 }
 
-// V(n) -= sum of l(r,n) V(r), from the diagonal outward. Each sum begins with the value found last, so the additions
-// follow one another and their latency is the bound.
+// V(n) -= sum of l(r,n) V(r), from the diagonal outward. Each sum begins with the value found last, so the
+// additions follow one another and their latency is the bound.
 void ReduceVector(const double* store, const std::int32_t* pointers, double* values, Word NN) {
     for (Word n = 0; n < NN; ++n) {
         const double* column = store + (pointers[n] - 1);
@@ -31,8 +31,8 @@ void ReduceVector(const double* store, const std::int32_t* pointers, double* val
     }
 }
 
-// V(r) -= l(r,n) V(n) for the columns from the last to the second. Columns and their entries are taken from the end
-// of the store to its beginning, one stream that the memory system can run ahead of.
+// V(r) -= l(r,n) V(n) for the columns from the last to the second. Columns and their entries are taken from
+// the end of the store to its beginning, one stream that the memory system can run ahead of.
 void SubstituteBack(const double* __restrict store, const std::int32_t* __restrict pointers,
                     double* __restrict values, Word NN) {
     for (Word n = NN - 1; n >= 1; --n) {

@@ -13,11 +13,12 @@ using zurt::Word;
 
 using Dense = std::vector<std::vector<double>>;
 
-// Elements of 4 degrees of freedom over 6 equations: descending, with gaps, one twice in the same element, all empty.
+// Elements of 4 degrees of freedom over 6 equations: descending, with gaps, one twice in the same element,
+// all empty.
 const std::int32_t kElements[][4] = {{1, 2, 5, 6}, {6, 3, 0, 2}, {0, 0, 0, 0}, {4, 0, 3, 4}, {5, -1, 4, 1}};
 
-// Faults: an upper entry added to the wrong column when the equations descend, the packed index left behind on a row
-// without equation, F skipped.
+// Faults: an upper entry added to the wrong column when the equations descend, the packed index left behind
+// on a row without equation, F skipped.
 TEST(SkylineAssembly, AgreesWithADenseSumAndLeavesTheMatrixAloneWithoutTheFlag) {
     zurt_test::SkylineSystem system = zurt_test::MakeSystem({0, 1, 2, 3, 4, 5});
     Dense K(6, std::vector<double>(6, 0.0));

@@ -27,8 +27,8 @@ struct Layout {
     }
 };
 
-// Faults: a node without equation or an empty place counted as equation 0, heights replaced instead of raised, the
-// element table walked by rows.
+// Faults: a node without equation or an empty place counted as equation 0, heights replaced instead of
+// raised, the element table walked by rows.
 TEST(SkylineLayout, HeightsComeFromTheLowestEquationOfEachElement) {
     Layout layout;
     layout.Add({1, 4, 3, 7, 0, 6}, 2, false); // equations 3 5 -, none 4 6

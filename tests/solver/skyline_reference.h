@@ -1,5 +1,5 @@
-// The plain loops of the skyline solver, one product after the other, and systems to try it on. The solver must give
-// the same bits on every machine; the benchmarks time these loops beside it.
+// The plain loops of the skyline solver, one product after the other, and systems to try it on. The solver
+// must give the same bits on every machine; the benchmarks time these loops beside it.
 #pragma once
 
 #include "core/array_view.h"

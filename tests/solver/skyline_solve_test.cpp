@@ -121,8 +121,9 @@ TEST(SkylineSolve, SameBitsAsThePlainLoopsOnShapedSkylines) {
 }
 
 #ifdef __x86_64__
-// A run flushes denormal numbers to zero, so that a sum may become -0.0, which a further product of zero turns into
-// 0.0. Faults: a product with what lies above a column, a subtraction where the plain loops have none.
+// A run flushes denormal numbers to zero, so that a sum may become -0.0, which a further product of zero
+// turns into 0.0. Faults: a product with what lies above a column, a subtraction where the plain loops have
+// none.
 TEST(SkylineSolve, SameBitsAsThePlainLoopsWhenDenormalsAreFlushed) {
     const unsigned int state = _mm_getcsr();
     _mm_setcsr(state | _MM_FLUSH_ZERO_ON | 0x0040u);
@@ -148,7 +149,8 @@ TEST(SkylineSolve, SameBitsAsThePlainLoopsWhenDenormalsAreFlushed) {
 }
 #endif
 
-// Solutions against the residual of the matrix itself, so that the plain loops and the solver can't be wrong together.
+// Solutions against the residual of the matrix itself, so that the plain loops and the solver can't be wrong
+// together.
 TEST(SkylineSolve, SolvesTheSystemToRounding) {
     std::mt19937 random(3);
     SkylineSystem system = MakeSystem(RandomHeights(200, 60, random));
@@ -176,7 +178,8 @@ TEST(SkylineSolve, SolvesTheSystemToRounding) {
     }
 }
 
-// Faults: a pivot reported for another equation, a later pivot reported first, a pivot that is not a number stopped.
+// Faults: a pivot reported for another equation, a later pivot reported first, a pivot that is not a number
+// stopped.
 TEST(SkylineSolve, PivotsFailWhereThePlainLoopsFail) {
     std::mt19937 random(4);
     for (const Word equation : {1, 2, 40, 41, 64, 99, 100})
