@@ -261,8 +261,9 @@ TEST(SurfaceTerms, ValuesOfTheSideBefore) {
     EXPECT_EQ(terms.FE[1], 3.0 * (0.0 - 4.0)); // nothing came before
     terms.SetSide(1, {0, 1, 1, 1, 0});
     terms.SetSide(2, {0, 1, 0, 1, 0});
+    terms.element.TE1[1] = 2.0;
     terms.Add();
-    EXPECT_EQ(terms.FE[1], (3.0 + 65.0 * 11.0) * 3.0);
+    EXPECT_EQ(terms.FE[1], (3.0 + 65.0 * 11.0) * (7.0 - 2.0)); // radiation's coefficient, too
     terms.SetSide(1, {1, 0, 0, 0, 0});
     terms.SetSide(2, {0, 0, 0, 0, 0});
     terms.run->control.state.TIME = 8.0;
