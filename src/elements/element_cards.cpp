@@ -100,7 +100,7 @@ void CheckSparseNodes(const ElementReader& reader) {
 // Under ITOR 2 a source of a quadrilateral asks for the potential of the element's nodes.
 void CheckPotential(const ElementReader& reader, std::int32_t source) {
     const HeaderFields& header = reader.run.control.header;
-    if (header.ITOR != 2 || reader.family.dimension != 2 || source <= 0)
+    if (header.ITOR != 2 || reader.family.dimension != 2 || reader.group.IZIP != 1 || source <= 0)
         return;
     for (int column = 0; column < reader.group.NDMAX; ++column)
         if (reader.nodes[column] > header.PotentialFunctionSize)

@@ -143,7 +143,11 @@ void ReadFibreData(Run& run) {
 }
 
 void WriteGroupToGraphics(Run& run, const ElementGroup& group) {
-    if (group.NETIP == 3)
+    if (group.NETIP == 1)
+        WriteUnvElements1D(run, group);
+    else if (group.NETIP == 2)
+        WriteUnvElements2D(run, group);
+    else if (group.NETIP == 3)
         WriteUnvElements3D(run, group);
 }
 
