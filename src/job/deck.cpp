@@ -15,7 +15,7 @@ namespace {
 
 // Under an INDFOR other than 1 and 2 no read consumes a card, so a reader that waits for the next card would wait for
 // ever. No reader that ends asks for one card this often.
-constexpr Word kLargestRepeat = 1000000;
+constexpr Word kLargestRepeat = 100000;
 
 constexpr const char* kImageHint = "; some cards are always taken by columns, and under INDFOR 1 such a card "
                                    "is presented again to the next reader: "
