@@ -27,6 +27,14 @@ struct FitState {
     std::int32_t activeDirection[4] = {}; // flags at 1..3
     std::int32_t NACTDIR = 0;             // how many of them are 1
     std::int32_t IFINALRUN = 1;           // 1: this run writes results
+
+    std::int32_t ISFOFF = 0;  // 1: correction factors are off
+    std::int32_t ITERFIT = 0; // iteration of the fit in work; runs with fibres do not count
+    double HEQ = 0.0;         // wall distance at which the homogeneous medium reads its factors now
+    double HEQ0 = 0.0;        // its start value, from the geometry of the fibres (space models)
+    double HEQDIR[4] = {};    // by direction 1..3
+    double D1DIR[4] = {};     // first value of the D-C curve by direction 1..3, for the final run
+    double D2DIR[4] = {};     // last value
 };
 
 } // namespace zurt

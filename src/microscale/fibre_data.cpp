@@ -138,7 +138,7 @@ void CheckFibreSet(const Run& run, const FibreSet& set) {
     if (set.NTYPE != kLineFibres && set.NTYPE != kSphereFibres)
         DeckError(run.deck, group, "NTYPE", std::to_string(set.NTYPE), "0 is a line, 1 a sphere");
     RequireSaneLength(run, kFibreSetCard, "DIAM", set.DIAM);
-    if (!(set.DIAM > 0.0))
+    if (!(set.DIAM >= kSmallestLength))
         DeckError(run.deck, group, "DIAM", std::to_string(set.DIAM), "fibres have a diameter above 0");
 }
 
@@ -152,7 +152,7 @@ void CheckPoints(const Run& run, const FibreSet& set, const Fibre& fibre) {
 void CheckLine(const Run& run, const Fibre& fibre) {
     const double* p = fibre.points.data();
     const double a[3] = {p[3] - p[0], p[4] - p[1], p[5] - p[2]};
-    if (!(VectorLength(a) > 0.0))
+    if (!(VectorLength(a) >= kSmallestLength))
         DeckError(run.deck, kFibrePointCard.group, "POINT", "",
                   "the first two points of fibre " + std::to_string(fibre.NFIBID) +
                       " are equal; a line has a direction");

@@ -37,7 +37,7 @@ bool IsSane(const double p[3]) {
     return true;
 }
 
-// The clipped length; 0 or below, or not a number, when nothing sensible is left.
+// The clipped length; 0 when nothing sensible is left.
 double ClipLine(double* points, const double limit[3]) {
     double* const p1 = points;
     double* const p2 = points + 3;
@@ -72,7 +72,7 @@ FibrePlace ClipFibresToBox(FibreModel& model, const double (&size)[3], int dim) 
             continue;
         for (std::size_t i = 0; i < set.fibres.size(); ++i) {
             const double length = ClipLine(set.fibres[i].points.data(), limit);
-            if (!(length > 0.0))
+            if (!(length >= kSmallestLength))
                 return {static_cast<Word>(s) + 1, static_cast<Word>(i) + 1};
             set.totalLength += length;
         }

@@ -7,8 +7,9 @@
 
 namespace zurt {
 
-/// Lengths and coordinates up to this size can be multiplied and squared without leaving the range of a double.
+/// Lengths and coordinates between these can be multiplied and squared without leaving the range of a double.
 constexpr double kLargestLength = 1.0e50;
+constexpr double kSmallestLength = 1.0e-50;
 
 /// Forms in which fibre operations exist: `dim` 1 in the plane, 2 in space.
 constexpr int kPlaneFibres = 1;
@@ -25,10 +26,15 @@ struct FibrePlace {
 /// shifted along the fibre's direction as read: always up on a low face and always down on a high one. The clipped
 /// points replace the fibre's. Clipping once more changes nothing for points that lie in the box.
 ///   size  the box, x, y, z (input)
-/// Returns the first fibre that is left without a length (it lies outside the box), set 0 when all is well.
+/// Returns the first fibre that is left without a length (it lies outside the box); set 0 when all have one.
 FibrePlace ClipFibresToBox(FibreModel& model, const double (&size)[3], int dim);
 
 /// Volume of each set and of all fibres; in the plane areas. totalLength has been set by the clip.
 void FibreVolumes(FibreModel& model, int dim);
+
+/// The part of a domain that fluid fills; 1 for a domain without volume.
+inline double Porosity(double VOLFLUID, double volume) {
+    return volume == 0.0 ? 1.0 : VOLFLUID / volume;
+}
 
 } // namespace zurt

@@ -8,7 +8,7 @@ namespace zurt {
 namespace {
 
 SearchFibre FibreForSearch(const FibreSet& set, const Fibre& fibre, std::int32_t number, int dimension,
-                           bool endless) {
+                           LineEnds ends) {
     SearchFibre out{};
     const double* const p1 = fibre.points.data();
     const double* const p2 = set.NTYPE == kLineFibres ? p1 + 3 : p1;
@@ -20,14 +20,14 @@ SearchFibre FibreForSearch(const FibreSet& set, const Fibre& fibre, std::int32_t
     out.length = std::sqrt(out.a[0] * out.a[0] + out.a[1] * out.a[1] + out.a[2] * out.a[2]);
     out.radius = set.DIAM / 2.0;
     out.set = number;
-    out.shape = set.NTYPE == kSphereFibres ? FibreShape::Sphere
-                : endless                  ? FibreShape::EndlessLine
-                : fibre.NPOINTS == 2       ? FibreShape::Line
-                                           : FibreShape::LongLine;
+    out.shape = set.NTYPE == kSphereFibres  ? FibreShape::Sphere
+                : ends == LineEnds::Endless ? FibreShape::EndlessLine
+                : fibre.NPOINTS == 2        ? FibreShape::Line
+                                            : FibreShape::LongLine;
     return out;
 }
 
-void AddSet(const FibreModel& model, std::size_t s, int dimension, bool endless, FibreSearch& search) {
+void AddSet(const FibreModel& model, std::size_t s, int dimension, LineEnds ends, FibreSearch& search) {
     const FibreSet& set = model.sets[s];
     const double radius = set.DIAM / 2.0;
     const auto number = static_cast<std::int32_t>(search.boxes.size());
@@ -40,7 +40,7 @@ void AddSet(const FibreModel& model, std::size_t s, int dimension, bool endless,
     if (std::find(search.radii.begin(), search.radii.end(), radius) == search.radii.end())
         search.radii.push_back(radius);
     for (const Fibre& fibre : set.fibres) {
-        search.fibres.push_back(FibreForSearch(set, fibre, number, dimension, endless));
+        search.fibres.push_back(FibreForSearch(set, fibre, number, dimension, ends));
         search.fibres.back().radiiSoFar = static_cast<std::int32_t>(search.radii.size());
     }
     search.firstOfSet.push_back(static_cast<Word>(search.fibres.size()));
@@ -163,13 +163,13 @@ FibreSearch EmptySearch() {
     return search;
 }
 
-FibreSearch SearchOfAllSets(const FibreModel& model, int dimension) {
+FibreSearch SearchOfAllSets(const FibreModel& model, int dimension, LineEnds ends) {
     FibreSearch search = EmptySearch();
     search.planar = dimension == 2;
     search.boxesCount = true;
     search.tolerance = kDistanceTolerance;
     for (std::size_t s = 0; s < model.sets.size(); ++s)
-        AddSet(model, s, dimension, false, search);
+        AddSet(model, s, dimension, ends, search);
     return search;
 }
 
@@ -177,7 +177,7 @@ FibreSearch SearchOfOneSet(const FibreModel& model, Word set, int dimension, dou
     FibreSearch search = EmptySearch();
     search.planar = dimension == 2;
     search.tolerance = tolerance;
-    AddSet(model, static_cast<std::size_t>(set - 1), dimension, true, search);
+    AddSet(model, static_cast<std::size_t>(set - 1), dimension, LineEnds::Endless, search);
     return search;
 }
 

@@ -25,9 +25,11 @@ constexpr double kNoDistance = 1.0e10;
 /// A search without fibres.
 FibreSearch EmptySearch();
 
-/// All sets, for the classification of points: distances to lines end at their ends, and a set is seen only from inside
-/// its box grown by half its diameter. `dimension` 2 or 3.
-FibreSearch SearchOfAllSets(const FibreModel& model, int dimension);
+enum class LineEnds { Count, Endless };
+
+/// All sets, a set being seen only from inside its box grown by half its diameter. `dimension` 2 or 3. Points are
+/// classified with lines that end; endless ones serve the factors that are made directly from coordinates.
+FibreSearch SearchOfAllSets(const FibreModel& model, int dimension, LineEnds ends);
 
 /// One set (from 1) alone, for mean wall distances: lines are endless, the box does not count, `tolerance` decides between
 /// fibres.

@@ -1,0 +1,133 @@
+#include "microscale/fibre_step.h"
+
+#include "core/stop.h"
+#include "job/partition.h"
+#include "microscale/fibre_geometry.h"
+#include "microscale/fibre_search.h"
+#include "microscale/gauss_records.h"
+#include "microscale/gauss_walk.h"
+#include "microscale/heq_start.h"
+#include "microscale/marked_nodes.h"
+#include "microscale/merged_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+bool HasGaussPoints(const ElementGroup& group) {
+    return group.NETIP == 2 || group.NETIP == 3;
+}
+
+// The first group that counts, 0 when there is none.
+std::int32_t FirstGroup(const Run& run) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (HasGaussPoints(run.groups[NGE]))
+            return NGE;
+    return 0;
+}
+
+void ClipFibres(const Run& run, FibreModel& model) {
+    const HeaderFields& header = run.control.header;
+    const double size[3] = {header.ELFIB, header.DFIB, header.WFIB};
+    if (model.dimension == 3 && !(header.WFIB > 0.0))
+        StopWithLibraryError("deck " + run.deck.name +
+                             ": the box of the fibres on the device cards has no depth (WFIB)");
+    const FibrePlace outside =
+        ClipFibresToBox(model, size, model.dimension == 2 ? kPlaneFibres : kSpaceFibres);
+    if (outside.set != 0)
+        StopWithLibraryError("deck " + run.deck.name + ", fibre set " + std::to_string(outside.set) +
+                             ", fibre " + std::to_string(outside.fibre) +
+                             ": nothing of this line lies in the box of the fibres on the device cards");
+}
+
+// Where points can see fibres: the part of the mesh inside the sets' boxes. Without any, low lies above high.
+struct Region {
+    double low[3] = {}, high[3] = {};
+};
+
+Region RegionOfFibres(const Run& run, const FibreModel& model, const FibreSearch& search) {
+    Region region;
+    for (int axis = 0; axis < model.dimension; ++axis) {
+        const ConstRealArray X = CoordinateColumn(run, axis + 1);
+        double low = HUGE_VAL, high = -HUGE_VAL;
+        for (const SearchBox& box : search.boxes) {
+            low = std::min(low, box.low[axis]);
+            high = std::max(high, box.high[axis]);
+        }
+        region.low[axis] = std::max(low, *std::min_element(X.data, X.data + X.length));
+        region.high[axis] = std::min(high, *std::max_element(X.data, X.data + X.length));
+    }
+    return region;
+}
+
+Word GaussPointsUnderFibres(const Run& run) {
+    Word points = 0;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        if (HasGaussPoints(group))
+            points +=
+                group.NET * (group.NETIP == 2 ? PointsPerElement<2>(group) : PointsPerElement<3>(group));
+    }
+    return points;
+}
+
+void ClassifyGroup(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group,
+                   IntArray nodeMarks) {
+    if (group.NETIP == 2)
+        ClassifyGaussPoints<2>(run, model, search, group, nodeMarks);
+    else
+        ClassifyGaussPoints<3>(run, model, search, group, nodeMarks);
+}
+
+void StartHeq(Run& run, FibreModel& model, const ElementGroup& group, IntArray nodeMarks,
+              const Region& region) {
+    if (group.NETIP == 2)
+        ComputeHeqStart<2>(run, model, group, nodeMarks, region.low, region.high);
+    else
+        ComputeHeqStart<3>(run, model, group, nodeMarks, region.low, region.high);
+}
+
+void ClassifyGroups(Run& run, FibreModel& model, std::int32_t first, IntArray nodeMarks) {
+    FibreSearch search = SearchOfAllSets(model, model.dimension, LineEnds::Count);
+    const Region region = RegionOfFibres(run, model, search);
+    MakeFibreCells(search, region.low, region.high, GaussPointsUnderFibres(run));
+    model.groups.resize(static_cast<std::size_t>(run.control.header.NGET) + 1);
+    model.VOLFLUID = model.totalVolume = 0.0;
+    for (std::int32_t NGE = first; NGE <= run.control.header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        if (!HasGaussPoints(group))
+            continue;
+        ClassifyGroup(run, model, search, group, nodeMarks);
+        if (NGE == first && run.fit.card.IEHM == 1)
+            StartHeq(run, model, group, nodeMarks, region);
+    }
+}
+
+} // namespace
+
+void ApplyFibres(Run& run, FibreModel& model) {
+    TakeFibreNodes(run);
+    StopIfInputOverflows(run); // the marks are written at once
+    const std::int32_t first = FirstGroup(run);
+    if (first == 0)
+        return;
+    const HomogenizationCard& card = run.fit.card;
+    const IntArray nodeMarks = IntSection(run.A, run.control.at.LFIBN, run.control.header.NP);
+    Fill(nodeMarks, 0);
+    model.dimension = run.groups[first].NETIP;
+    ClipFibres(run, model);
+    ClassifyGroups(run, model, first, nodeMarks);
+    if (card.IEHM == 1)
+        MergeCorrectionTables(model);
+    if ((card.IEHM != 1 || card.NFIT != 0) &&
+        LeaveOutUnmarkedNodes(EquationNumbers(run), nodeMarks, run.control.state.JEDN))
+        FormKeptLayout(run, model);
+    if (card.NFIT == 0) // a fit keeps that of its first group
+        run.control.state.POROSITY = Porosity(model.VOLFLUID, model.totalVolume);
+}
+
+} // namespace zurt

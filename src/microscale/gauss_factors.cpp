@@ -1,0 +1,80 @@
+#include "microscale/gauss_factors.h"
+
+#include "core/vector.h"
+#include "microscale/correction_lookup.h"
+#include "microscale/gauss_records.h"
+#include "microscale/merged_tables.h"
+
+#include <algorithm>
+
+namespace zurt {
+
+namespace {
+
+void SetAll(double (&factor)[3], double value) {
+    factor[0] = factor[1] = factor[2] = value;
+}
+
+// The diagonal of the sum over n of e_n k_n e_n, with the axes of the record made units.
+void TurnIntoMeshAxes(const GaussFibreRecord& record, double k1, double k2, double k3, double (&factor)[3]) {
+    double e1[3], e2[3], e3[3];
+    std::copy(record.axis1, record.axis1 + 3, e1);
+    std::copy(record.axis2, record.axis2 + 3, e2);
+    VectorCross(e1, e2, e3);
+    VectorNormalize(e1);
+    VectorNormalize(e2);
+    VectorNormalize(e3);
+    for (int axis = 0; axis < 3; ++axis)
+        factor[axis] = e1[axis] * k1 * e1[axis] + e2[axis] * k2 * e2[axis] + e3[axis] * k3 * e3[axis];
+}
+
+void RaiseToSmallest(double (&factor)[3]) {
+    for (double& f : factor)
+        f = std::max(f, kSmallestFactor);
+}
+
+} // namespace
+
+void GaussFactorCached(const FibreModel& model, const GaussFibreRecord& record, bool factorsOn, double c,
+                       double (&factor)[3]) {
+    if (record.wall <= 0.0) {
+        SetAll(factor, kSmallestFactor);
+        return;
+    }
+    if (!factorsOn || record.set == 0)
+        return;
+    const FibreSet& set = model.sets[static_cast<std::size_t>(record.set - 1)];
+    const double k1 = LookupCorrectionFactor(set.table, c, record.wall);
+    const double k3 = set.IANISY >= 1 ? LookupCorrectionFactor(set.tableY, c, record.wall) : k1;
+    TurnIntoMeshAxes(record, k1, k1, k3, factor);
+    RaiseToSmallest(factor);
+}
+
+void GaussFactorDirect(const FibreModel& model, const FibreSearch& endless, const double (&X)[3],
+                       bool factorsOn, double c, double (&factor)[3]) {
+    GaussFibreRecord record;
+    FillGaussRecord(endless, SearchAllFibres(endless, X), X, record);
+    GaussFactorCached(model, record, factorsOn, c, factor);
+}
+
+void GaussFactorEhm(const FibreModel& model, double HEQ, bool factorsOn, double c, double (&factor)[3]) {
+    if (!factorsOn)
+        return;
+    const double k1 = LookupCorrectionFactor(EhmTableX(model), c, HEQ);
+    const double k3 = LookupCorrectionFactor(EhmTableY(model), c, HEQ);
+    factor[0] = factor[1] = k1;
+    factor[2] = k3;
+    RaiseToSmallest(factor);
+}
+
+void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, Word NGE, Word n, Word p,
+                  double c, double (&factor)[3]) {
+    const bool factorsOn = FactorsOn(fit);
+    if (fit.card.IEHM == 0 || direct)
+        GaussFactorCached(model, RecordOf(model.groups[static_cast<std::size_t>(NGE)], n, p), factorsOn, c,
+                          factor);
+    else
+        GaussFactorEhm(model, fit.HEQ, factorsOn, c, factor);
+}
+
+} // namespace zurt

@@ -1,0 +1,100 @@
+#include "microscale/gauss_records.h"
+
+#include "core/stop.h"
+#include "core/vector.h"
+#include "microscale/gauss_walk.h"
+
+#include <algorithm>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+constexpr double kParallelLimit = 9.999999960041972e-13; // 1.E-12 as a single-precision literal, widened
+constexpr Word kMostRecords = Word{1} << 25;
+
+// Some direction across v.
+void Across(const double v[3], double across[3]) {
+    const double x[3] = {1.0, 0.0, 0.0};
+    const double y[3] = {0.0, 1.0, 0.0};
+    VectorCross(v, x, across);
+    if (VectorLength(across) < kParallelLimit)
+        VectorCross(v, y, across);
+}
+
+void SetAxes(const SearchFibre& fibre, const double (&X)[3], GaussFibreRecord& record) {
+    const double v[3] = {X[0] - fibre.P1[0], X[1] - fibre.P1[1], X[2] - fibre.P1[2]};
+    if (fibre.shape == FibreShape::Sphere) {
+        Across(v, record.axis2);
+        VectorCross(record.axis2, v, record.axis1);
+        return;
+    }
+    std::copy(fibre.a, fibre.a + 3, record.axis1);
+    VectorCross(v, fibre.a, record.axis2);
+    // Ahead of an end and exactly on the axis no direction around the fibre is marked out.
+    if (!(VectorLength(record.axis2) > 0.0))
+        Across(fibre.a, record.axis2);
+}
+
+void RequireRoomForRecords(const Run& run, const ElementGroup& group, Word records) {
+    if (records > kMostRecords)
+        StopWithLibraryError("deck " + run.deck.name + ", element group " + std::to_string(group.NGE) + ": " +
+                             std::to_string(records) + " Gauss points are too many under fibres (at most " +
+                             std::to_string(kMostRecords) + ")");
+}
+
+} // namespace
+
+void FillGaussRecord(const FibreSearch& search, const NearestFibre& nearest, const double (&X)[3],
+                     GaussFibreRecord& record) {
+    record = GaussFibreRecord{};
+    const double wall = WallDistance(nearest);
+    if (wall <= kDistanceTolerance) {
+        record.wall = kInFibre;
+        return;
+    }
+    record.wall = wall;
+    if (nearest.fibre < 0)
+        return;
+    const SearchFibre& fibre = search.fibres[static_cast<std::size_t>(nearest.fibre)];
+    record.set = fibre.set + 1;
+    SetAxes(fibre, X, record);
+}
+
+template <int Dimension>
+void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group,
+                         IntArray nodeMarks) {
+    FibreGroup& marks = model.groups[static_cast<std::size_t>(group.NGE)];
+    marks.points = PointsPerElement<Dimension>(group);
+    RequireRoomForRecords(run, group, marks.points * group.NET);
+    marks.elementMark.assign(static_cast<std::size_t>(group.NET), 0);
+    marks.records.resize(static_cast<std::size_t>(marks.points * group.NET));
+    GaussFibreRecord* record = marks.records.data();
+    GaussWalk<Dimension> walk{run, group};
+    BeginWalk(walk);
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        TakeWalkElement(walk, n);
+        bool fluid = false;
+        for (int p = 0; p < marks.points; ++p, ++record) {
+            double X[3], w;
+            PlaceWalkPoint(walk, p, X, w);
+            FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
+            if (record->wall > 0.0) {
+                model.VOLFLUID += w;
+                fluid = true;
+            }
+            model.totalVolume += w;
+        }
+        if (!fluid)
+            continue;
+        marks.elementMark[static_cast<std::size_t>(n - 1)] = 1;
+        for (int k = 0; k < walk.points.active.ND; ++k)
+            ++nodeMarks(walk.element.node[k]);
+    }
+}
+
+template void ClassifyGaussPoints<2>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&, IntArray);
+template void ClassifyGaussPoints<3>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&, IntArray);
+
+} // namespace zurt

@@ -1,0 +1,146 @@
+#include "microscale/heq_start.h"
+
+#include "microscale/fibre_geometry.h"
+#include "microscale/fibre_search.h"
+#include "microscale/gauss_walk.h"
+
+#include <vector>
+
+namespace zurt {
+
+namespace {
+
+constexpr double kMillionth = 9.999999974752427e-07; // 1.E-6 as a single-precision literal, widened
+
+template <int Dimension> double HeqTolerance(const HeaderFields& header) {
+    if (Dimension == 2)
+        return header.ELFIB * kMillionth * header.DFIB;
+    return header.ELFIB * header.DFIB * header.WFIB * kMillionth;
+}
+
+// The pass of one set: what it adds to the nodes of the element in hand, and the nodes' means.
+template <int Dimension> struct HeqPass {
+    const FibreSearch& search;
+    double tolerance = 0.0;
+    double wallCut = 0.0;
+    double moleculeRadius = 0.0;         // 0 unless IDIAM is 1
+    double A[kMaxNodes<Dimension>] = {}; // of the element in hand: sum of w N
+    double B[kMaxNodes<Dimension>] = {}; // sum of w N d
+    std::vector<double> sum{};           // by node: mean distances of its elements
+    std::vector<std::int32_t> count{};
+};
+
+template <int Dimension>
+void AddPoint(HeqPass<Dimension>& pass, const double (&H)[kMaxNodes<Dimension>], int ND, const double (&X)[3],
+              double w) {
+    double d = WallDistance(SearchNearestFibre(pass.search, X));
+    if (d > pass.wallCut)
+        return;
+    d -= pass.moleculeRadius;
+    if (!(d > pass.tolerance))
+        return;
+    for (int k = 0; k < ND; ++k) {
+        pass.A[k] += w * H[k];
+        pass.B[k] += w * H[k] * d;
+    }
+}
+
+// Nodes that several marked elements share are passed over.
+template <int Dimension>
+void AddElementMeans(HeqPass<Dimension>& pass, const GaussWalk<Dimension>& walk, ConstIntArray nodeMarks) {
+    for (int k = 0; k < walk.points.active.ND; ++k) {
+        const std::int32_t node = walk.element.node[k];
+        if (!(pass.A[k] > pass.tolerance) || nodeMarks(node) != 1)
+            continue;
+        pass.sum[static_cast<std::size_t>(node - 1)] += pass.B[k] / pass.A[k];
+        ++pass.count[static_cast<std::size_t>(node - 1)];
+    }
+}
+
+template <int Dimension> double MeanOverNodes(const HeqPass<Dimension>& pass, ConstIntArray nodeMarks) {
+    double total = 0.0;
+    Word nodes = 0;
+    for (std::size_t i = 0; i < pass.sum.size(); ++i) {
+        if (pass.count[i] == 0 || nodeMarks(static_cast<Word>(i) + 1) != 1)
+            continue;
+        total += pass.count[i] > 1 ? pass.sum[i] / pass.count[i] : pass.sum[i];
+        ++nodes;
+    }
+    return nodes == 0 ? pass.wallCut : total / static_cast<double>(nodes);
+}
+
+// Mean wall distance of one set; domainVolume gets the weights of all points.
+template <int Dimension>
+double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& group, ConstIntArray nodeMarks,
+                       HeqPass<Dimension>& pass, double& domainVolume) {
+    pass.sum.assign(static_cast<std::size_t>(nodeMarks.length), 0.0);
+    pass.count.assign(static_cast<std::size_t>(nodeMarks.length), 0);
+    GaussWalk<Dimension> walk{run, group};
+    BeginWalk(walk);
+    domainVolume = 0.0;
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        TakeWalkElement(walk, n);
+        const int ND = walk.points.active.ND;
+        for (int k = 0; k < ND; ++k)
+            pass.A[k] = pass.B[k] = 0.0;
+        for (int p = 0; p < walk.points.count; ++p) {
+            double X[3], w;
+            PlaceWalkPoint(walk, p, X, w);
+            domainVolume += w;
+            if (ElementMarked(marks, n))
+                AddPoint(pass, walk.points.point[p].shape.H, ND, X, w);
+        }
+        AddElementMeans(pass, walk, nodeMarks);
+    }
+    return MeanOverNodes(pass, nodeMarks);
+}
+
+void SetSpaceHeq(FitState& fit, const FibreModel& model, double moleculeRadius) {
+    double weighted = 0.0;
+    for (const FibreSet& set : model.sets)
+        weighted += set.volume * set.meanDistance;
+    const double HEQ = weighted / model.fibreVolume + moleculeRadius;
+    fit.HEQ = fit.HEQ0 = HEQ;
+    for (int direction = 1; direction <= 3; ++direction)
+        fit.HEQDIR[direction] = HEQ;
+}
+
+void SetPlaneHeq(FitState& fit, const FibreModel& model, double moleculeRadius) {
+    fit.HEQ = 0.0;
+    for (const FibreSet& set : model.sets)
+        fit.HEQ += set.meanDistance;
+    if (model.sets.size() > 1)
+        fit.HEQ /= static_cast<double>(model.sets.size());
+    fit.HEQ += moleculeRadius;
+}
+
+} // namespace
+
+template <int Dimension>
+void ComputeHeqStart(Run& run, FibreModel& model, const ElementGroup& group, ConstIntArray nodeMarks,
+                     const double (&low)[3], const double (&high)[3]) {
+    const HeaderFields& header = run.control.header;
+    const FibreGroup& marks = model.groups[static_cast<std::size_t>(group.NGE)];
+    const double tolerance = HeqTolerance<Dimension>(header);
+    const double moleculeRadius = run.fit.card.IDIAM == 1 ? header.DMOLECULE / 2.0 : 0.0;
+    double domainVolume = 0.0;
+    FibreVolumes(model, Dimension == 2 ? kPlaneFibres : kSpaceFibres);
+    for (std::size_t s = 0; s < model.sets.size(); ++s) {
+        FibreSearch search = SearchOfOneSet(model, static_cast<Word>(s) + 1, Dimension, tolerance);
+        MakeFibreCells(search, low, high, marks.points * group.NET);
+        HeqPass<Dimension> pass{search, tolerance, model.sets[s].WALLCUT, moleculeRadius};
+        model.sets[s].meanDistance = SetMeanDistance(run, marks, group, nodeMarks, pass, domainVolume);
+    }
+    run.control.state.POROSITY = Porosity(model.VOLFLUID, domainVolume);
+    if constexpr (Dimension == 2)
+        SetPlaneHeq(run.fit, model, moleculeRadius);
+    else
+        SetSpaceHeq(run.fit, model, moleculeRadius);
+}
+
+template void ComputeHeqStart<2>(Run&, FibreModel&, const ElementGroup&, ConstIntArray, const double (&)[3],
+                                 const double (&)[3]);
+template void ComputeHeqStart<3>(Run&, FibreModel&, const ElementGroup&, ConstIntArray, const double (&)[3],
+                                 const double (&)[3]);
+
+} // namespace zurt
