@@ -1,0 +1,277 @@
+#include "microscale/fibre_search.h"
+
+#include "microscale/fibre_models.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+
+namespace zurt {
+namespace {
+
+using namespace testfibres;
+
+// --- the rules, written another way: projections instead of cross products, in extended precision ------------------
+
+using Real = long double;
+
+struct Candidate {
+    Real distance = 1.0e10L;
+    Real radius = -1.0L; // none yet
+    int number = -1;
+};
+
+Real Dot(const Real (&a)[3], const Real (&b)[3]) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+Real ReferenceDistance(const FibreSet& set, const Fibre& fibre, const Point& X, Real R) {
+    const double* p = fibre.points.data();
+    Real v[3], a[3] = {};
+    for (std::size_t k = 0; k < 3; ++k) {
+        v[k] = static_cast<Real>(X[k]) - p[k];
+        if (set.NTYPE == kLineFibres)
+            a[k] = static_cast<Real>(p[3 + k]) - p[k];
+    }
+    const Real toFirst = std::sqrt(Dot(v, v));
+    if (set.NTYPE == kSphereFibres)
+        return toFirst;
+    const Real length = std::sqrt(Dot(a, a)), s = Dot(v, a) / length;
+    Real foot[3], last[3];
+    for (std::size_t k = 0; k < 3; ++k) {
+        foot[k] = v[k] - s * a[k] / length;
+        last[k] = v[k] - a[k];
+    }
+    const Real h = std::sqrt(Dot(foot, foot)), toLast = std::sqrt(Dot(last, last));
+    if (s < 0.0L)
+        return R <= h ? R + toFirst : R - s;
+    if (s > length)
+        return fibre.NPOINTS > 2 ? toLast : R <= h ? R + toLast : R + s - length;
+    return h;
+}
+
+bool ReferenceSees(const FibreSet& set, const Point& X) {
+    for (std::size_t k = 0; k < 3; ++k)
+        if (X[k] < set.low[k] - set.DIAM / 2 || X[k] > set.high[k] + set.DIAM / 2)
+            return false;
+    return true;
+}
+
+Candidate ReferenceSearch(const FibreModel& model, const Point& X) {
+    Candidate best;
+    int number = 0;
+    for (const FibreSet& set : model.sets)
+        for (const Fibre& fibre : set.fibres) {
+            const Real own = static_cast<Real>(set.DIAM) / 2;
+            const Real d = ReferenceDistance(set, fibre, X, best.number < 0 ? own : best.radius);
+            if (ReferenceSees(set, X) && best.distance - d > 1.0e-10L)
+                best = {d, own, number};
+            ++number;
+        }
+    return best;
+}
+
+// --- random models ------------------------------------------------------------------------------------------------
+
+struct Random {
+    std::mt19937 engine;
+    double Between(double low, double high) {
+        return std::uniform_real_distribution<double>(low, high)(engine);
+    }
+    int Below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(engine); }
+    Point In(double low, double high) { return {Between(low, high), Between(low, high), Between(low, high)}; }
+};
+
+Fibre RandomFibre(Random& random, double length) {
+    const Point p = random.In(0.0, 1.0);
+    const Point q = {p[0] + random.Between(-length, length), p[1] + random.Between(-length, length),
+                     p[2] + random.Between(-length, length)};
+    return random.Below(4) == 0 ? FibreThrough({p, q, random.In(0.0, 1.0)}) : FibreThrough({p, q});
+}
+
+FibreSet RandomSet(Random& random, int fibres, double length) {
+    std::vector<Fibre> made;
+    for (int i = 0; i < fibres; ++i)
+        made.push_back(RandomFibre(random, length));
+    FibreSet set =
+        MakeSet(random.Below(3) == 0 ? kSphereFibres : kLineFibres, random.Between(0.01, 0.08), made);
+    if (random.Below(2) == 0)
+        for (int axis = 0; axis < 3; ++axis) {
+            set.low[axis] = random.Between(0.0, 0.3);
+            set.high[axis] = random.Between(0.6, 1.0);
+        }
+    return set;
+}
+
+void ExpectSameBits(const NearestFibre& plain, const NearestFibre& fast) {
+    EXPECT_EQ(plain.fibre, fast.fibre);
+    EXPECT_EQ(std::memcmp(&plain.distance, &fast.distance, sizeof plain.distance), 0);
+    EXPECT_EQ(plain.radius, fast.radius);
+}
+
+// Whether the finest cells list only a part of the fibres, so that a comparison of the two searches says something.
+void ExpectShortLists(const FibreSearch& search) {
+    ASSERT_FALSE(search.divisions.empty());
+    const FibreCells& finest = search.divisions.back();
+    EXPECT_LT(2 * finest.listed.size(), search.fibres.size() * finest.reach.size());
+}
+
+// Faults: a wrong branch past an end, its radius taken from the fibre in hand, a set seen outside its box, a later fibre
+// of the same distance preferred.
+TEST(FibreSearch, TenThousandPointsAgainstAnotherCalculation) {
+    Random random{std::mt19937(11)};
+    for (int round = 0; round < 100; ++round) {
+        std::vector<FibreSet> sets;
+        for (int s = 1 + random.Below(3); s > 0; --s)
+            sets.push_back(RandomSet(random, 1 + random.Below(15), 0.4));
+        const FibreModel model = MakeModel(sets);
+        const FibreSearch search = SearchOfAllSets(model, 3, LineEnds::Count);
+        for (int i = 0; i < 100; ++i) {
+            const Point at = random.In(-0.1, 1.1);
+            const NearestFibre found = SearchAllFibres(search, {at[0], at[1], at[2]});
+            const Candidate expected = ReferenceSearch(model, at);
+            EXPECT_EQ(found.fibre, expected.number);
+            EXPECT_NEAR(found.distance, static_cast<double>(expected.distance), 1e-12);
+        }
+    }
+}
+
+// One line from (0,0,0) to (1,0,0) of radius 0.1. Faults: the wall distance past an end taken to the axis, or the radius
+// taken off twice; a point of a fibre with more than two points treated like one with two.
+TEST(FibreSearch, PointsAtAndPastEnds) {
+    FibreModel model = MakeModel({MakeSet(kLineFibres, 0.2, {FibreThrough({{0, 0, 0}, {1, 0, 0}})})});
+    const FibreSearch line = SearchOfAllSets(model, 3, LineEnds::Count);
+    // Beside the end's face: the distance to the end face; beyond the radius: to the end point.
+    EXPECT_NEAR(WallDistance(SearchAllFibres(line, {-0.3, 0.05, 0.0})), 0.3, 1e-15);
+    EXPECT_NEAR(WallDistance(SearchAllFibres(line, {-0.3, 0.4, 0.0})), 0.5, 1e-15);
+    EXPECT_NEAR(WallDistance(SearchAllFibres(line, {1.3, 0.05, 0.0})), 0.3, 1e-15);
+    EXPECT_NEAR(WallDistance(SearchAllFibres(line, {1.3, 0.4, 0.0})), 0.5, 1e-15);
+    // At the end itself and within the tolerance ahead of it the foot lies on the line.
+    EXPECT_EQ(WallDistance(SearchAllFibres(line, {1.0, 0.4, 0.0})), 0.4 - 0.1);
+    EXPECT_EQ(WallDistance(SearchAllFibres(line, {-0.9e-10, 0.4, 0.0})), 0.4 - 0.1);
+    EXPECT_NEAR(WallDistance(SearchAllFibres(line, {-1.1e-10, 0.4, 0.0})), 0.4, 1e-9);
+    // On the wall.
+    EXPECT_LE(WallDistance(SearchAllFibres(line, {0.5, 0.0, 0.1})), kDistanceTolerance);
+    model.sets[0].fibres[0] = FibreThrough({{0, 0, 0}, {1, 0, 0}, {1, 5, 5}});
+    const FibreSearch more = SearchOfAllSets(model, 3, LineEnds::Count);
+    EXPECT_NEAR(WallDistance(SearchAllFibres(more, {1.3, 0.4, 0.0})), 0.5 - 0.1, 1e-15);
+    EXPECT_NEAR(WallDistance(SearchAllFibres(more, {-0.3, 0.4, 0.0})), 0.5, 1e-15);
+}
+
+// The radius past an end is that of the best fibre so far: of the other set if one of its fibres came first.
+TEST(FibreSearch, RadiusPastAnEndIsThatOfTheBestSoFar) {
+    const FibreSet thin = MakeSet(kLineFibres, 0.2, {FibreThrough({{0, 0, 0}, {1, 0, 0}})});
+    const FibreSet thick = MakeSet(kSphereFibres, 1.0, {FibreThrough({{-5, 0, 0}})});
+    const FibreSearch thinFirst = SearchOfAllSets(MakeModel({thin, thick}), 3, LineEnds::Count);
+    const FibreSearch thickFirst = SearchOfAllSets(MakeModel({thick, thin}), 3, LineEnds::Count);
+    EXPECT_NEAR(SearchAllFibres(thinFirst, {-0.3, 0.4, 0.0}).distance, 0.1 + 0.5, 1e-15);
+    EXPECT_NEAR(SearchAllFibres(thickFirst, {-0.3, 0.4, 0.0}).distance, 0.5 + 0.3, 1e-15); // R above h
+    EXPECT_NEAR(SearchAllFibres(thickFirst, {-0.3, 0.4, 0.0}).radius, 0.1, 0.0);
+}
+
+// Faults: bounds of the box taken exclusively or not grown; the nearer fibre of a box that does not hold the point.
+TEST(FibreSearch, BoxFacesBelongToTheBox) {
+    FibreSet near = MakeSet(kSphereFibres, 0.5, {FibreThrough({{2, 0, 0}})});
+    near.low[0] = 1.0;
+    near.high[0] = 3.0;
+    const FibreSet far = MakeSet(kSphereFibres, 0.1, {FibreThrough({{-5, 0, 0}})});
+    const FibreSearch search = SearchOfAllSets(MakeModel({near, far}), 3, LineEnds::Count);
+    EXPECT_EQ(SearchAllFibres(search, {0.75, 0, 0}).fibre, 0);
+    EXPECT_EQ(SearchAllFibres(search, {3.25, 0, 0}).fibre, 0);
+    EXPECT_EQ(SearchAllFibres(search, {0.7499999, 0, 0}).fibre, 1);
+    EXPECT_EQ(SearchAllFibres(search, {3.2500001, 0, 0}).fibre, 1);
+    EXPECT_EQ(SearchAllFibres(search, {11, 0, 0}).fibre, -1);
+}
+
+// Faults: a fibre that is nearer by less than 1e-10 replaces the first one, or one nearer by more does not.
+TEST(FibreSearch, FirstOfEqualFibresStays) {
+    for (const double nearer : {0.9e-10, 1.1e-10}) {
+        const FibreModel model = MakeModel({MakeSet(
+            kSphereFibres, 0.1, {FibreThrough({{1.0, 0, 0}}), FibreThrough({{-1.0 + nearer, 0, 0}})})});
+        const FibreSearch search = SearchOfAllSets(model, 3, LineEnds::Count);
+        EXPECT_EQ(SearchAllFibres(search, {0, 0, 0}).fibre, nearer < 1.0e-10 ? 0 : 1);
+    }
+}
+
+// Faults of the cells: a fibre missing from a list, a reach too far, a state of the full visit guessed.
+TEST(FibreSearch, CellsGiveTheSameBitsInRandomModels) {
+    Random random{std::mt19937(12)};
+    for (int round = 0; round < 12; ++round) {
+        std::vector<FibreSet> sets;
+        for (int s = 1 + round % 4; s > 0; --s)
+            sets.push_back(RandomSet(random, 60 + random.Below(100), round % 3 == 0 ? 1.0 : 0.1));
+        FibreSearch search = SearchOfAllSets(MakeModel(sets), 3, LineEnds::Count);
+        MakeFibreCells(search, {0, 0, 0}, {1, 1, round % 2 == 0 ? 1.0 : 0.2}, 20000);
+        ExpectShortLists(search);
+        for (int i = 0; i < 2000; ++i) {
+            const Point at = random.In(-0.1, 1.1);
+            const double X[3] = {at[0], at[1], at[2]};
+            ExpectSameBits(SearchAllFibres(search, X), SearchNearestFibre(search, X));
+        }
+    }
+}
+
+// Fibres on a lattice and points on its symmetry planes: ties everywhere, and chains of distances that differ by parts
+// of the tolerance, where the order of the visits decides.
+TEST(FibreSearch, CellsGiveTheSameBitsAmongTies) {
+    Random random{std::mt19937(13)};
+    for (int round = 0; round < 8; ++round) {
+        std::vector<FibreSet> sets;
+        for (int s = 0; s < 1 + round % 3; ++s) {
+            std::vector<Fibre> fibres;
+            for (int i = 0; i < 144; ++i) {
+                const double shift = 0.3e-10 * random.Below(8);
+                const double x = 0.125 * (i % 12) - 0.25 + shift, y = 0.125 * (i / 12) - 0.25;
+                const double low = round % 2 == 0 ? -1.0 : 0.25;
+                fibres.push_back(FibreThrough({{x, y, low}, {x, y, 0.75 + shift}}));
+            }
+            std::shuffle(fibres.begin(), fibres.end(), random.engine);
+            sets.push_back(MakeSet(kLineFibres, 0.02 * (1 + s), fibres));
+        }
+        FibreSearch search = SearchOfAllSets(MakeModel(sets), 3, LineEnds::Count);
+        MakeFibreCells(search, {0, 0, 0}, {1, 1, 1}, 50000);
+        ExpectShortLists(search);
+        for (int i = 0; i < 2000; ++i) {
+            const double X[3] = {random.Below(17) / 16.0, random.Below(17) / 16.0, random.Below(17) / 16.0};
+            ExpectSameBits(SearchAllFibres(search, X), SearchNearestFibre(search, X));
+        }
+    }
+}
+
+// The search of one set has endless lines and a tolerance of any size; in the plane z does not count.
+TEST(FibreSearch, CellsGiveTheSameBitsWithEndlessLinesAndInThePlane) {
+    Random random{std::mt19937(14)};
+    for (const double tolerance : {1e-12, 1e-3, 0.2}) {
+        for (const int dimension : {2, 3}) {
+            const FibreModel model = MakeModel({RandomSet(random, 200, 0.2), RandomSet(random, 200, 0.2)});
+            FibreSearch search = SearchOfOneSet(model, 2, dimension, tolerance);
+            MakeFibreCells(search, {0, 0, 0}, {1, 1, dimension == 2 ? 0.0 : 1.0}, 100000);
+            ASSERT_FALSE(search.divisions.empty());
+            for (int i = 0; i < 1000; ++i) {
+                const Point at = random.In(0.0, 1.0);
+                const double X[3] = {at[0], at[1], dimension == 2 ? 0.0 : at[2]};
+                ExpectSameBits(SearchAllFibres(search, X), SearchNearestFibre(search, X));
+            }
+        }
+    }
+}
+
+// Faults: an index made of a coordinate that is no number or lies far outside.
+TEST(FibreSearch, StrangePointsAndRegions) {
+    Random random{std::mt19937(15)};
+    FibreSearch search = SearchOfAllSets(MakeModel({RandomSet(random, 100, 0.2)}), 3, LineEnds::Count);
+    MakeFibreCells(search, {0, 0, 0}, {1, 1, 1}, 1000);
+    for (const double x : {-1e300, 1e300, 1.0, 0.0, HUGE_VAL, std::nan("")})
+        ExpectSameBits(SearchAllFibres(search, {x, 0.5, 0.5}), SearchNearestFibre(search, {x, 0.5, 0.5}));
+    MakeFibreCells(search, {0, 0, 0}, {1, 1, -1}, 1000);
+    EXPECT_TRUE(search.divisions.empty());
+    MakeFibreCells(search, {0, 0, 0}, {1, 0, 1}, 1000);
+    EXPECT_TRUE(search.divisions.empty());
+    const FibreSearch none = EmptySearch();
+    EXPECT_EQ(SearchNearestFibre(none, {0.5, 0.5, 0.5}).fibre, -1);
+}
+
+} // namespace
+} // namespace zurt
