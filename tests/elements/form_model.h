@@ -1,5 +1,5 @@
-// Small models built in memory, for the tests and benchmarks of the element families: nodes, bricks, coefficients, and
-// the system that a forming visit leaves.
+// Small models built in memory, for the tests and benchmarks of the element families: nodes, elements of one dimension,
+// coefficients, and the system that a forming visit leaves.
 #pragma once
 
 #include "elements/element_dispatch.h"
@@ -8,6 +8,7 @@
 #include "model/function_tables.h"
 #include "model/material_tables.h"
 #include "solver/skyline_layout.h"
+#include "solver/sparse_assembler.h"
 
 #include <array>
 #include <utility>
@@ -20,12 +21,14 @@ using Curve = std::vector<std::pair<double, double>>;
 
 struct Mesh {
     std::vector<Point> nodes;
-    std::vector<std::vector<int>> elements; // node numbers from 1, 8 to 21 columns, 0 absent
+    std::vector<std::vector<int>> elements; // node numbers from 1, 0 absent
     std::vector<int> held;                  // nodes without an equation
 };
 
 // Everything besides the mesh; the defaults are a steady linear problem of one material with coefficient 1.
 struct Problem {
+    int dimension = 3, SparseMode = 0, INDAX = 0;
+    std::vector<double> thickness; // thickness or area by element; empty: lines have area 1
     int NDS = 0, NSTAC = 0, IANIZ = 0, NonlinearFlag = 0, INTEB = 1, IZIP = 0, ITOR = 0;
     double TIME = 0.0, StartTime = 0.0, TimeStep = 1.0;
     double OutletStart = 0.0, OutletEnd = 0.0;
@@ -83,7 +86,8 @@ inline void SetNodes(Run& run, const Mesh& mesh) {
 inline void SetGroup(Run& run, const Mesh& mesh, const Problem& problem) {
     ElementGroup& group = run.groups[1];
     group.NGE = 1;
-    group.NETIP = 3;
+    group.NETIP = problem.dimension;
+    group.INDAX = problem.INDAX;
     group.NET = static_cast<std::int32_t>(mesh.elements.size());
     group.IZIP = problem.IZIP;
     group.NMAT = group.MAT = group.MATDD = 1;
@@ -95,6 +99,9 @@ inline void SetGroup(Run& run, const Mesh& mesh, const Problem& problem) {
     group.hasSources = problem.IZIP > 0;
     group.LMATE = TakeWords(run.A, "materials", group.NET);
     group.LISRC = TakeWords(run.A, "sources", group.NET);
+    group.LTHIC = TakeWords(run.A, "thickness", group.NET);
+    group.hasThickness = problem.dimension == 1 || !problem.thickness.empty();
+    Fill(RealSection(run.A, group.LTHIC, group.NET), 1.0);
     const IntArray materials = IntSection(run.A, group.LMATE, group.NET);
     const IntArray sources = IntSection(run.A, group.LISRC, group.NET);
     const IntTable NEL = Connectivity(run, group);
@@ -104,6 +111,8 @@ inline void SetGroup(Run& run, const Mesh& mesh, const Problem& problem) {
             NEL(n, k) = mesh.elements[at][static_cast<std::size_t>(k) - 1];
         materials(n) = problem.elementMaterials.empty() ? 1 : problem.elementMaterials[at];
         sources(n) = problem.elementSources.empty() ? 1 : problem.elementSources[at];
+        if (!problem.thickness.empty())
+            RealSection(run.A, group.LTHIC, group.NET)(n) = problem.thickness[at];
     }
     std::int32_t LM[21];
     ComputeColumnHeights(DiagonalPositions(run), EquationNumbers(run), NEL, IntArray(LM, 21), group.NET,
@@ -179,6 +188,7 @@ inline void BuildModel(Run& run, const Mesh& mesh, const Problem& problem) {
     header.ITOR = problem.ITOR;
     header.AMOLAR = problem.AMOLAR;
     state.NonlinearFlag = problem.NonlinearFlag;
+    state.SparseMode = problem.SparseMode;
     state.TIME = problem.TIME;
     state.StartTime = problem.StartTime;
     state.TimeStep = problem.TimeStep;
@@ -194,9 +204,11 @@ inline void BuildModel(Run& run, const Mesh& mesh, const Problem& problem) {
 
 // What one forming visit adds to a cleared system.
 inline void FormSystem(Run& run) {
+    if (run.control.state.SparseMode == 1)
+        SparseInit(0, 0);
     Fill(SkylineStore(run), 0.0);
     Fill(RightHandSide(run), 0.0);
-    DispatchElementPhase(run, run.groups[1], 3, kFormPhase);
+    DispatchElementPhase(run, run.groups[1], run.groups[1].NETIP, kFormPhase);
 }
 
 // Entry (i, j) of the system matrix, by equation.
@@ -205,6 +217,15 @@ inline double SystemEntry(const Run& run, Word i, Word j) {
     const Word row = std::min(i, j), column = std::max(i, j);
     const Word position = MAXA(column) + column - row;
     return position < MAXA(column + 1) ? SkylineStore(run)(position) : 0.0;
+}
+
+// Sum of all entries of the system matrix: of a matrix of capacities alone, what the volume holds.
+inline double SystemSum(const Run& run) {
+    double sum = 0.0;
+    for (Word i = 1; i <= run.control.state.JEDN; ++i)
+        for (Word j = 1; j <= run.control.state.JEDN; ++j)
+            sum += SystemEntry(run, i, j);
+    return sum;
 }
 
 // A block of nx * ny * nz bricks of 8 nodes with its corners moved by `place` from the unit spacing.

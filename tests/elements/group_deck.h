@@ -1,4 +1,4 @@
-// Group cards given as text, read by the reader of the 3D family: for the tests of element groups.
+// Group cards given as text, read by the reader of a family: for the tests of element groups.
 #pragma once
 
 #include "elements/element_dispatch.h"
@@ -29,7 +29,8 @@ inline std::string TextOf(const std::string& name) {
 // The header data that the group readers look at.
 struct GroupProblem {
     int INDFOR = 1, NP = 200, NMATT = 3, NDS = 0, NGET = 1, NULAZ = -1;
-    int NET = 1, IZIP = 0;
+    int NETIP = 3, NET = 1, IZIP = 0;
+    int SparseMode = 0, ITOR = 0, PotentialFunctionSize = 0;
     Word size = 20000;
 };
 
@@ -54,6 +55,9 @@ inline void PrepareGroup(Run& run, const GroupProblem& problem, const std::strin
     header.NGET = problem.NGET;
     header.NULAZ = problem.NULAZ;
     header.INTEB = 1;
+    header.ITOR = problem.ITOR;
+    header.PotentialFunctionSize = problem.PotentialFunctionSize;
+    run.control.state.SparseMode = problem.SparseMode;
     TakeNodeArrays(run);
     run.control.state.JEDN = problem.NP;
     for (std::int32_t n = 1; n <= problem.NP; ++n)
@@ -61,7 +65,7 @@ inline void PrepareGroup(Run& run, const GroupProblem& problem, const std::strin
     TakeDiagonalPositions(run);
     ElementGroup& group = run.groups[1];
     group.NGE = 1;
-    group.NETIP = 3;
+    group.NETIP = problem.NETIP;
     group.NET = problem.NET;
     group.IZIP = problem.IZIP;
 }

@@ -88,18 +88,11 @@ TEST(GroupErrors, FullWorkingVector) {
 }
 
 // Faults: a family that is silently passed over.
-TEST(GroupErrors, FamiliesNotBuilt) {
-    const auto visit = [](int NETIP, int SparseMode) {
-        zurt::Run run;
-        PrepareGroup(run, {}, "");
-        run.control.state.SparseMode = SparseMode;
-        DispatchElementPhase(run, run.groups[1], NETIP, kReadPhase);
-    };
-    const auto libraryError = testing::ExitedWithCode(2);
-    EXPECT_EXIT(visit(1, 0), libraryError, "1D element groups are not built yet");
-    EXPECT_EXIT(visit(2, 0), libraryError, "2D element groups are not built yet");
-    EXPECT_EXIT(visit(7, 0), libraryError, "radial fibre element groups are not built yet");
-    EXPECT_EXIT(visit(3, 1), libraryError, "sparse solver are not built yet");
+TEST(GroupErrors, FamilyNotBuilt) {
+    GroupProblem problem;
+    problem.NETIP = 7;
+    EXPECT_EXIT(ReadCards(problem, ""), testing::ExitedWithCode(2),
+                "radial fibre element groups are not built yet");
 }
 
 // Faults: phase 3 that acts, an unknown phase that does not act as reading.

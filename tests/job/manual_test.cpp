@@ -1,4 +1,6 @@
 // The manual's card tables against the layouts by which cards are read: the two can't drift apart.
+#include "elements/group_1d.h"
+#include "elements/group_2d.h"
 #include "elements/group_3d.h"
 #include "elements/surface_cards.h"
 #include "homogenization/homogenization_card.h"
@@ -143,14 +145,18 @@ const NamedLayout kLayouts[] = {
     ZURT_NAMED(kPrescribedCard),
 };
 
-// The cards of one family of elements; the two forms of its group card stand under one heading, without NDS first.
+// The cards of one family of elements. Two forms of a card stand under one heading: the group card without NDS and with
+// it, the element card with the corners alone and with all columns.
 void ExpectFamily(const Manual& manual, const FamilyCards& family) {
-    for (const CardLayout* layout :
-         {&family.groupCard, &family.deviceGroupCard, &family.elementCard, &family.midSideCard}) {
+    std::map<std::string, std::size_t> seen;
+    for (const CardLayout* layout : {&family.groupCard, &family.deviceGroupCard, &family.elementCard,
+                                     &family.fullElementCard, &family.midSideCard}) {
+        if (layout->fieldCount == 0)
+            continue;
         SCOPED_TRACE(layout->group);
         const auto found = manual.find(layout->group);
         ASSERT_NE(found, manual.end()) << "no such heading in the manual";
-        const std::size_t which = layout == &family.deviceGroupCard ? 1 : 0;
+        const std::size_t which = seen[layout->group]++;
         ASSERT_GT(found->second.size(), which) << "no table under the heading";
         ExpectTable(found->second[which], *layout);
     }
@@ -166,7 +172,8 @@ TEST(Manual, CardTablesAreTheLayoutsOfTheCode) {
         ASSERT_EQ(found->second.size(), 1U) << "one table under the heading";
         ExpectTable(found->second[0], named.layout);
     }
-    ExpectFamily(manual, BrickCards());
+    for (const FamilyCards* family : {&LineCards(), &QuadrilateralCards(), &BrickCards()})
+        ExpectFamily(manual, *family);
 }
 
 // A layout that some header declares and no test compares.
