@@ -194,14 +194,14 @@ void StoreSide(BoundaryReader& reader) {
         record = ++reader.records;
     CarryFields(reader);
     RequireCurves(reader);
-    const Word sides = 2 * reader.family.dimension;
+    const Word sides = 2 * Word{reader.family.dimension};
     const Word first = kSurfaceFields * (sides * (record - 1) + side - 1) + 1;
     Copy<std::int32_t>(ConstIntArray(reader.carried, kSurfaceFields),
                        Section(reader.ISURF, first, kSurfaceFields));
 }
 
 void ReadBoundary(Run& run, ElementGroup& group, const BoundaryFamily& family) {
-    const Word recordWords = kSurfaceFields * 2 * family.dimension;
+    const Word recordWords = Word{kSurfaceFields} * 2 * family.dimension;
     TakeSurfaceBlock(run, group, recordWords);
     BoundaryReader reader{run,
                           group,
