@@ -37,6 +37,16 @@ std::vector<std::string> TextsOfSmallDecks() {
     return decks;
 }
 
+// A deck that is not good reaches few readers.
+TEST(Fuzz, SmallDecksAreGood) {
+    for (const SmallDeck& deck : SmallDecks()) {
+        const RunResult run = RunDeck(deck.text, kSecondsToEnd);
+        if (run.errors.find("not built yet") == std::string::npos) {
+            EXPECT_EQ(run.status, 0) << deck.name << "\n" << run.errors;
+        }
+    }
+}
+
 TEST(Fuzz, SmallDecks1) {
     RunMutations(TextsOfSmallDecks(), 10000);
 }

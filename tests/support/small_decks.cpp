@@ -113,6 +113,7 @@ std::string BuiltInMaterials() {
     return Replaced(deck, "16 1 1 1 2 1 0 3", "16 1 2 1 2 1 1 3");
 }
 
+/// Bricks with surface records, which have no effect.
 std::string FunctionTables() {
     BarDeck bar = Bar(false, 0);
     return WithTail(bar, "0 1 2 0 1 1 \n",
@@ -127,7 +128,99 @@ std::string FunctionTables() {
                     "1 2\n0. 1.\n1. 1.\n"
                     "1 2\n0. 1.\n1. 1.\n"
                     "5.67e-8 2\n0.5 1.\n"
-                    "1.\nSTOP\n");
+                    "1.\n"
+                    "1 14 10 2 6 1 1 1 1 1\n"
+                    "0 0 0 0 0 0 0 0 0 0\n"
+                    "STOP\n");
+}
+
+/// Two axisymmetric quadrilaterals with sources, thickness, flux, convection and radiation.
+std::string Quadrilaterals() {
+    return "Two quadrilaterals\n"
+           "1 0 0 0\n"
+           "6 1 1 1 2 1 0 3 0 1 0\n"
+           "1 0 0 9 0 1e-8 1 0\n"
+           "1 0 0 0. 0\n"
+           "2 1\n0.01 0.02\n"
+           "1 0 0. 1. 0. 0. 1\n3 0 1. 1. 0. 0. 0\n4 0 0. 2. 0. 0. 1\n6 0 1. 2. 0. 0. 0\n"
+           "0 0 0 0 0 0. 0 0 0 0 0 0 0 0\n0. 0.\n"
+           "2 2 1 1 0 0\n"
+           "1 1 4 1 1 2 3 1 0.5\n"
+           "1 5 4 1 2 0 1 1 1 0 0 0.1\n"
+           "0 1 2 0 1 1\n"
+           "1 0 0 1. 1. 1. 1. 1e6 -1e6\n"
+           "1 2\n-100. 1.\n100. 2.\n"
+           "1 1\n0. 1.\n"
+           "1 1 2 1 2 1 2 1 1 1 2\n"
+           "1 1\n9. 1.\n"
+           "1 2\n0. 1.\n1. 1.\n"
+           "1 2\n0. 2.\n1. 2.\n"
+           "1 2\n-100. 1.\n100. 2.\n"
+           "1 2\n-100. .5\n100. .6\n"
+           "5.67e-8 1\n1.\n"
+           "1.\n"
+           "1 4 1 1 1 1 1 0\n2 3 6 0 0 0 0 0\n0 0 0 0 0 0 0 0\n"
+           "STOP\n";
+}
+
+/// A square shaft of one quadrilateral with nine nodes, in fixed format.
+std::string Torsion() {
+    return "Shaft\n"
+           "2 0 0 0\n"
+           "         9    1    1    0    1    1    0    1    1    1    0\n"
+           "    1    0    0    9\n"
+           "    1\n"
+           "         1    1            1.             1.             0.             0.    0\n"
+           "         2    1           -1.             1.             0.             0.    0\n"
+           "         3    1           -1.            -1.             0.             0.    0\n"
+           "         4    1            1.            -1.             0.             0.    0\n"
+           "         5    1            0.             1.             0.             0.    0\n"
+           "         6    1           -1.             0.             0.             0.    0\n"
+           "         7    1            0.            -1.             0.             0.    0\n"
+           "         8    1            1.             0.             0.             0.    0\n"
+           "         9    0            0.             0.             0.             0.    0\n"
+           "\n\n"
+           "    2         1    0    1    0    0\n"
+           "    1    1    9    2    2    3    3    0    0.0\n"
+           "       1       1       2       3       4    0    1    0    0    1    1       0.0\n"
+           "       5       6       7       8       9\n"
+           "    0    1    2    0    1    1\n"
+           "    1    0    0       1.0       1.0       1.0       1.0       1E6      -1E6\n"
+           "    1    2\n"
+           "               -99.0                 1.0\n"
+           "                99.0                 1.0\n"
+           "    1    1\n"
+           "       0.0       1.0\n"
+           "    1    0    0    0    0    0    0    1    1    0    0\n"
+           "    1    1\n"
+           "       9.0       2.0\n"
+           "       0.0\n"
+           "STOP\n";
+}
+
+/// Lines of two nodes and of three, solved by the sparse solver.
+std::string Lines() {
+    return "Lines\n"
+           "1 0 0 2\n"
+           "5 2 1 1 1 1 0 3 0 1 0\n"
+           "1 0 0 9 0 1e-8 1 0\n"
+           "1 0 0 0. 0\n"
+           "2\n0.1\n"
+           "1 1 0. 0. 0. 0. 0\n2 0 1. 0. 0. 0. 1\n5 0 4. 0. 0. 0. 0\n"
+           "0 0 0 0 0 0. 0 0 0 0 0 0 0 0\n0. 0.\n"
+           "1 2 0 0 0 0\n"
+           "1 1 2 0 0 2\n"
+           "1 2 1 0 0 1 1 0 0 0.5\n"
+           "1 1 0 0 0 0\n"
+           "1 1 3 0 0 3\n"
+           "1 5 3 4 0 0 0 0 0 0 0.25\n"
+           "0 1 2 0 1 1\n"
+           "1 0 0 1. 1. 1. 1. 1e6 -1e6\n"
+           "1 2\n-100. 1.\n100. 2.\n"
+           "1 1\n0. 1.\n"
+           "1 0 0 0 0 0 0 0 0 0 0\n"
+           "1.\n"
+           "STOP\n";
 }
 
 /// Device, degradation, nanochannel cards.
@@ -157,7 +250,11 @@ std::vector<SmallDeck> MakeSmallDecks() {
             {"two fixed", TwoProblems(true)},
             {"built-in", BuiltInMaterials()},
             {"functions", FunctionTables()},
-            {"device cards", DeviceCards()}};
+            {"device cards", DeviceCards()},
+            {"quadrilaterals", Quadrilaterals()},
+            {"torsion", Torsion()},
+            {"lines", Lines()},
+            {"sparse", Replaced(Build(device), "2 1 0 0\n", "2 1 0 2\n")}};
 }
 
 } // namespace
