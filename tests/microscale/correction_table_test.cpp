@@ -1,0 +1,183 @@
+#include "microscale/correction_table.h"
+
+#include "microscale/correction_lookup.h"
+#include "microscale/fibre_models.h"
+#include "support/small_run.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace zurt {
+namespace {
+
+using testfibres::MakeTable;
+using zurt_test::Lines;
+using zurt_test::SmallRun;
+using zurt_test::Written;
+
+constexpr int kLibraryError = 2;
+
+// Faults: the boundary of a row or column on the wrong side, distance extrapolated, the last row looked up.
+TEST(CorrectionLookup, RowsAndColumns) {
+    const CorrectionTable table =
+        MakeTable({1.0, 2.0, 4.0}, {10.0, 20.0, 40.0}, {{0.1, 0.2, 0.3}, {0.5, 0.6, 0.7}, {0.9, 0.8, 0.4}});
+    const auto at = [&](double c, double d) { return LookupCorrectionFactor(table, c, d); };
+    EXPECT_EQ(at(15.0, 4.0), 1.0); // the last row, and beyond
+    EXPECT_EQ(at(15.0, 1e9), 1.0);
+    EXPECT_DOUBLE_EQ(at(10.0, 3.9999999999999996), 0.9); // just ahead of it
+    EXPECT_DOUBLE_EQ(at(10.0, 2.0), 0.5);
+    EXPECT_DOUBLE_EQ(at(10.0, 1.5), 0.3);
+    EXPECT_DOUBLE_EQ(at(10.0, 3.0), 0.7);
+    EXPECT_DOUBLE_EQ(at(-5.0, 1.5), 0.3); // held at the nearest column
+    EXPECT_DOUBLE_EQ(at(40.0, 1.5), 0.5);
+    EXPECT_DOUBLE_EQ(at(99.0, 1.5), 0.5);
+    EXPECT_DOUBLE_EQ(at(20.0, 1.5), 0.4);
+    EXPECT_DOUBLE_EQ(at(25.0, 1.5), 0.4 + 0.25 * 0.1);
+    for (const double d : {1.0, 0.5, 0.0, -3.0}) // at or below the first row
+        EXPECT_DOUBLE_EQ(at(30.0, d), 0.25);
+}
+
+// Faults: a search that stops at the first column, a hole between columns, a table of one row or one column.
+TEST(CorrectionLookup, OddTables) {
+    const CorrectionTable column = MakeTable({1.0, 2.0}, {10.0}, {{0.2}, {0.4}});
+    EXPECT_DOUBLE_EQ(LookupCorrectionFactor(column, 99.0, 1.5), 0.3);
+    const CorrectionTable row = MakeTable({1.0}, {10.0, 20.0}, {{0.2, 0.4}});
+    EXPECT_DOUBLE_EQ(LookupCorrectionFactor(row, 15.0, 0.5), 0.3);
+    EXPECT_EQ(LookupCorrectionFactor(row, 15.0, 1.0), 1.0);
+    // Columns out of order: 12 lies in the first and in the third interval, 35 in none.
+    const CorrectionTable mixed =
+        MakeTable({1.0, 2.0}, {0.0, 30.0, 10.0, 20.0, 40.0}, {{0, 3, 5, 7, 9}, {0, 3, 5, 7, 9}});
+    EXPECT_DOUBLE_EQ(LookupCorrectionFactor(mixed, 12.0, 1.5), 5.4);
+    const CorrectionTable hole =
+        MakeTable({1.0, 2.0}, {0.0, -1.0, 40.0, 30.0, 50.0}, {{0, 1, 2, 3, 4}, {0, 1, 2, 3, 4}});
+    EXPECT_DOUBLE_EQ(LookupCorrectionFactor(hole, 45.0, 1.5), 3.75);
+    const CorrectionTable none =
+        MakeTable({1.0, 2.0}, {0.0, 50.0, 20.0, 20.0, 60.0}, {{0, 5, 2, 2, 6}, {0, 5, 2, 2, 6}});
+    EXPECT_DOUBLE_EQ(LookupCorrectionFactor(none, 10.0, 1.5), 1.0 * 1.0);
+    EXPECT_EQ(LookupCorrectionFactor(CorrectionTable{}, 1.0, 1.0), 1.0);
+}
+
+// Nine distances and three concentrations, by columns and list-directed.
+std::string NineRows(bool fixed) {
+    std::string deck = fixed ? "    9    3\n" : "9 3\n";
+    deck +=
+        fixed
+            ? "       0.1       1.0       2.0       3.0       4.0       5.0       6.0       7.0\n    8000.0\n"
+            : "0.1 1 2 3 4 5 6 7\n8000.\n";
+    deck += fixed ? "       0.5       1.0       2.0\n" : "0.5 1. 2.\n";
+    for (int i = 1; i <= 9; ++i)
+        deck += fixed ? "       0." + std::to_string(i) + "     1.0E0   0.00002\n"
+                      : "0." + std::to_string(i) + " 1. 2D-5\n";
+    return deck + "next\n";
+}
+
+// Faults: distances left in nanometres, the remainder of the cards of eight left out, factors stored row by row.
+TEST(CorrectionTableCards, CardsOfEightInBothFormats) {
+    for (const int INDFOR : {1, 2}) {
+        SmallRun small(NineRows(INDFOR == 2));
+        small.run.control.header.INDFOR = INDFOR;
+        CorrectionTable table;
+        ReadCorrectionTable(small.run, CorrectionTableOwner::FibreSet, table);
+        ASSERT_EQ(table.NDIST, 9);
+        ASSERT_EQ(table.NCONC, 3);
+        EXPECT_DOUBLE_EQ(table.distance[0], 0.0001);
+        EXPECT_DOUBLE_EQ(table.distance[8], 8.0);
+        EXPECT_DOUBLE_EQ(table.concentration[2], 2.0);
+        for (Word i = 1; i <= 9; ++i) {
+            EXPECT_DOUBLE_EQ(Factors(table)(i, 1), 0.1 * static_cast<double>(i));
+            EXPECT_DOUBLE_EQ(Factors(table)(i, 3), 2e-5);
+        }
+        EXPECT_EQ(small.run.deck.nextLine, 13); // the card behind the table comes next
+        EXPECT_EQ(Written(small.run.units.listing), "");
+    }
+}
+
+// Faults: a heading, a format of the echo, distances echoed in the mesh's unit.
+TEST(CorrectionTableCards, EchoOfAllThreeOwners) {
+    const char* const headings[] = {" FIBRE SET - DATA  FOR  CORRECTION  FACTORS",
+                                    " FIBRE SET - DATA FOR CORRECTION FACTORS - Y",
+                                    "  D A T A   FOR   C O R R E C T I O N   F A C T O R S"};
+    for (int owner = 0; owner < 3; ++owner) {
+        SmallRun small(NineRows(true));
+        small.run.control.header.INDFOR = 2;
+        small.run.control.header.NULAZ = 1;
+        CorrectionTable table;
+        ReadCorrectionTable(small.run, static_cast<CorrectionTableOwner>(owner), table);
+        std::vector<std::string> lines;
+        for (const std::string& line : Lines(Written(small.run.units.listing)))
+            if (!line.empty())
+                lines.push_back(line);
+        ASSERT_EQ(lines.size(), 8U + 2 * 9);
+        EXPECT_EQ(lines[0], headings[owner]);
+        EXPECT_EQ(lines[1], "     DISTANCE FROM THE WALL (NANOMETERS)");
+        EXPECT_EQ(lines[2].substr(0, 22), " 0.1000D+00 0.1000D+01");
+        EXPECT_EQ(lines[3], " 0.8000D+04");
+        EXPECT_EQ(lines[4], "     CONCENTRATIONS (MOLAR)");
+        EXPECT_EQ(lines[5], " 0.5000D+00 0.1000D+01 0.2000D+01");
+        EXPECT_EQ(lines[6], " TABLE OF CORRECTION FACTORS OF DIFFUSION COEFFICIENT");
+        EXPECT_EQ(lines[7], " ROW NO       DIST WALL(NM)/ COEFFICIENTS");
+        EXPECT_EQ(lines[8], "    1     0.100E+00");
+        EXPECT_EQ(lines[9], std::string(19, ' ') + " 0.1000D+00 0.1000D+01 0.2000D-04");
+        EXPECT_EQ(lines[24], "    9     0.800E+04");
+    }
+}
+
+// Faults: storage for a table that the deck can't hold, a size without a meaning taken.
+TEST(CorrectionTableCards, DeckErrors) {
+    const struct {
+        const char* deck;
+        const char* words;
+    } cases[] = {{"0 3\n1\n1\n", "NDIST"},
+                 {"2 0\n1\n1\n", "NCONC"},
+                 {"-2 1\n1\n1\n", "NDIST"},
+                 {"2000000000 2000000000\n1\n1\n", "lines left"},
+                 {"3 1\n.1 .2 .3\n1.\n.5\n.6\n", "lines left"},
+                 {"2 1\n.1 x\n1.\n.5\n.6\n", "DISTANCE"},
+                 {"2 1\n.1 .2\n1.\n.5\nnan\n", "FACTOR"}};
+    for (const auto& test : cases) {
+        SmallRun small(test.deck);
+        small.run.control.header.INDFOR = 1;
+        CorrectionTable table;
+        EXPECT_EXIT(ReadCorrectionTable(small.run, CorrectionTableOwner::FibreSet, table),
+                    testing::ExitedWithCode(kLibraryError), test.words)
+            << test.deck;
+    }
+}
+
+// Rows that fall are taken as they stand, and said so.
+TEST(CorrectionTableCards, RowsThatFallGetANote) {
+    SmallRun small("3 1\n1. 3. 2.\n1.\n.1\n.2\n.3\n");
+    small.run.control.header.INDFOR = 1;
+    CorrectionTable table;
+    testing::internal::CaptureStderr();
+    ReadCorrectionTable(small.run, CorrectionTableOwner::FibreSet, table);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("from row 2 to row 3"), std::string::npos);
+    EXPECT_DOUBLE_EQ(LookupCorrectionFactor(table, 1.0, 0.0015), 0.125);
+    EXPECT_EQ(LookupCorrectionFactor(table, 1.0, 0.0025), 1.0);
+}
+
+// Faults: another order of the three sections in `A`, a gap between them, the overflow test left out.
+TEST(NanochannelTable, StandsInTheWorkingVector) {
+    SmallRun small(NineRows(false), 1000);
+    zurt::Run& run = small.run;
+    run.control.header.INDFOR = 1;
+    TakeWords(run.A, "before", 5);
+    ReadNanochannelTable(run);
+    EXPECT_EQ(run.control.at.LNANO[1], 6);
+    EXPECT_EQ(run.control.at.LNANO[2], 15);
+    EXPECT_EQ(run.control.at.LNANO[3], 18);
+    EXPECT_EQ(run.A.LMAX, 45);
+    EXPECT_DOUBLE_EQ(RealSection(run.A, 6, 9)(9), 8.0);
+    EXPECT_DOUBLE_EQ(RealTableSection(run.A, 18, 9, 3)(9, 1), 0.9);
+
+    SmallRun tight(NineRows(false), 30);
+    tight.run.control.header.INDFOR = 1;
+    const std::string written =
+        WrittenByStop(tight, tight.run.units.listing, [&] { ReadNanochannelTable(tight.run); });
+    EXPECT_NE(written.find("REQUIRED DIMENSION, LMAX =        40"), std::string::npos);
+}
+
+} // namespace
+} // namespace zurt
