@@ -85,10 +85,10 @@ TEST(UnvResults, VectorsAreZeroWithoutDevice) {
 }
 
 // One group of one element whose nodes are numbered by their place; `nodes` of them are there.
-ElementGroup& MakeGroup(zurt::Run& run, std::int32_t NPDMX, int nodes) {
+ElementGroup& MakeGroup(zurt::Run& run, std::int32_t NPDMX, int nodes, std::int32_t NETIP = 3) {
     ElementGroup& group = run.groups[2];
     group.NGE = 2;
-    group.NETIP = 3;
+    group.NETIP = NETIP;
     group.NET = 1;
     group.NPDMX = group.NDMAX = NPDMX;
     group.LNEL = TakeWords(run.A, "LNEL", NPDMX);
@@ -130,6 +130,44 @@ TEST(UnvMesh, BricksOfEightOrTwentyNodes) {
                       ? "\n GRAPHIC PACKAGE   \"IDEAS\"\n PERMITS ONLY 3/D ELEMENTS WITH 8 OR 20 NODES "
                         "PER ELEMENT IN GROUP   NGE =    2\n"
                       : "");
+    }
+}
+
+// Faults: descriptors of another shape; a middle node written behind the ends; quadrilaterals of 5 to 7 nodes not written as
+// 4, of 9 not as 8; the warning given to lines, or with the words of bricks.
+TEST(UnvMesh, LinesAndQuadrilaterals) {
+    struct Case {
+        std::int32_t NETIP, NPDMX;
+        int nodes;
+        bool warned;
+        const char* rows;
+    };
+    const char* const plane = "        44        44         1         1         7         4\n"
+                              "       101       102       103       104\n";
+    const char* const wide =
+        "        45        45         1         1         7         8\n"
+        "       101       105       102       106       103       107       104       108\n";
+    const char* const line = "        21        21         1         1         7         2\n"
+                             "       101       102\n";
+    const char* const curved = "        24        24         1         1         7         3\n"
+                               "       101       103       102\n";
+    for (const Case& one :
+         {Case{2, 4, 4, false, plane}, Case{2, 5, 5, true, plane}, Case{2, 8, 8, false, wide},
+          Case{2, 8, 7, false, plane}, Case{2, 9, 9, true, wide}, Case{1, 2, 2, false, line},
+          Case{1, 3, 3, false, curved}, Case{1, 3, 2, false, line}}) {
+        SmallRun small;
+        Prepare(small.run, 2, 0);
+        ElementGroup& group = MakeGroup(small.run, one.NPDMX, one.nodes, one.NETIP);
+        if (one.NETIP == 1)
+            WriteUnvElements1D(small.run, group);
+        else
+            WriteUnvElements2D(small.run, group);
+        EXPECT_EQ(Written(small.run.units.graphics),
+                  "    -1\n    71\n        41" + std::string(one.rows) + "    -1\n");
+        EXPECT_EQ(Written(small.run.units.listing),
+                  one.warned ? "\n GRAPHIC PACKAGE   \"IDEAS\"\n PERMITS ONLY 2/D ELEMENTS WITH 4 OR 8 NODES "
+                               "PER ELEMENT IN GROUP   NGE =    2\n"
+                             : "");
     }
 }
 
