@@ -1,0 +1,316 @@
+#include "microscale/fibre_step.h"
+
+#include "../elements/form_model.h"
+#include "microscale/fibre_models.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace zurt {
+namespace {
+
+using testfibres::FibreThrough;
+using testfibres::MakeModel;
+using testfibres::MakeSet;
+using testfibres::MakeTable;
+using testmodel::BlockOfBricks;
+using testmodel::Mesh;
+using testmodel::Point;
+using testmodel::Problem;
+
+constexpr int kLibraryError = 2;
+
+// A mesh under fibres, with the box of the device cards around it.
+struct Medium {
+    zurt::Run run;
+    FibreModel model;
+
+    Medium(const Mesh& mesh, FibreModel fibres, Problem problem = {}) : model(std::move(fibres)) {
+        problem.size = 12000000;
+        problem.NDS = 1;
+        BuildModel(run, mesh, problem);
+        HeaderFields& header = run.control.header;
+        for (const Point& node : mesh.nodes) {
+            header.ELFIB = std::max(header.ELFIB, node[0]);
+            header.DFIB = std::max(header.DFIB, node[1]);
+            header.WFIB = std::max(header.WFIB, node[2]);
+        }
+        run.fit.card.NSETS = static_cast<std::int32_t>(model.sets.size());
+        for (FibreSet& set : model.sets)
+            if (set.table.NDIST == 0)
+                set.table = MakeTable({0.0, 1.0}, {1.0}, {{0.5}, {1.0}});
+    }
+    ~Medium() { DestroyWorkingVector(run.A); }
+    Medium(const Medium&) = delete;
+    Medium& operator=(const Medium&) = delete;
+
+    ConstIntArray NodeMarks() const { return IntSection(run.A, run.control.at.LFIBN, run.control.header.NP); }
+};
+
+Mesh UnitCube(int n) {
+    return BlockOfBricks(n, n, n, [n](int i, int j, int k) {
+        return Point{1.0 * i / n, 1.0 * j / n, 1.0 * k / n};
+    });
+}
+
+FibreModel OneSphere(const Point& centre, double DIAM) {
+    return MakeModel({MakeSet(kSphereFibres, DIAM, {FibreThrough({centre})})});
+}
+
+const double kPi = std::acos(-1.0);
+
+// Faults: weights that do not add up to the domain, points of the fibre counted as fluid.
+TEST(FibreStep, PorosityConvergesToTheVolumeOfFluid) {
+    const struct {
+        FibreModel model;
+        double exact;
+    } cases[] = {
+        {MakeModel({MakeSet(kLineFibres, 0.5, {FibreThrough({{-0.3, 0.5, 0.45}, {1.4, 0.5, 0.45}})})}),
+         1 - kPi / 4 * 0.25},
+        {OneSphere({0.5, 0.52, 0.47}, 0.8), 1 - kPi / 6 * 0.512}};
+    for (const auto& test : cases) {
+        double error[2];
+        for (const int fine : {0, 1}) {
+            Medium medium(UnitCube(fine == 0 ? 5 : 20), test.model);
+            ApplyFibres(medium.run, medium.model);
+            EXPECT_NEAR(medium.model.totalVolume, 1.0, 1e-6); // the weights of the rule are single precision
+            error[fine] = std::fabs(medium.run.control.state.POROSITY - test.exact);
+        }
+        EXPECT_LT(error[0], 0.05);
+        EXPECT_LT(error[1], 0.004);
+    }
+}
+
+// In the plane a line is a strip and a sphere a circle, and z does not count. (The nearest fibre is the one with the
+// nearest axis or centre: the thin strip lies so far off that it is not nearer than the circle's to any point in there.)
+TEST(FibreStep, PorosityInThePlane) {
+    Mesh mesh;
+    const int n = 40;
+    for (int j = 0; j <= n; ++j)
+        for (int i = 0; i <= n; ++i)
+            mesh.nodes.push_back({1.0 * i / n, 1.0 * j / n, 0.0});
+    const auto number = [&](int i, int j) { return 1 + i + (n + 1) * j; };
+    for (int j = 0; j < n; ++j)
+        for (int i = 0; i < n; ++i)
+            mesh.elements.push_back({number(i + 1, j + 1), number(i, j + 1), number(i, j), number(i + 1, j)});
+    Problem problem;
+    problem.dimension = 2;
+    Medium medium(mesh,
+                  MakeModel({MakeSet(kLineFibres, 0.1, {FibreThrough({{0, 0.9, 0}, {1, 0.9, 0}})}),
+                             MakeSet(kSphereFibres, 0.5, {FibreThrough({{0.5, 0.4, 0.7}})})}),
+                  problem);
+    for (FibreSet& set : medium.model.sets)
+        set.WALLCUT = 10.0;
+    medium.run.fit.card.IEHM = 1;
+    ApplyFibres(medium.run, medium.model);
+    EXPECT_NEAR(medium.run.control.state.POROSITY, 1 - 0.1 - kPi / 4 * 0.25, 0.004);
+    EXPECT_NEAR(medium.model.sets[0].volume, 0.1, 1e-15);
+    EXPECT_EQ(medium.run.fit.HEQ0, 0.0); // HEQ alone is set in the plane, the plain mean of the sets
+    EXPECT_DOUBLE_EQ(medium.run.fit.HEQ,
+                     (medium.model.sets[0].meanDistance + medium.model.sets[1].meanDistance) / 2);
+    EXPECT_GT(medium.run.fit.HEQ, 0.0);
+}
+
+// --- nodes and layout ---------------------------------------------------------------------------------------------
+
+Mesh Bar(int n) {
+    Mesh mesh = BlockOfBricks(n, 1, 1, [](int i, int j, int k) { return Point{1.0 * i, 1.0 * j, 1.0 * k}; });
+    mesh.held = {1, 4, n + 2};
+    return mesh;
+}
+
+// Six bricks in a row; a sphere swallows the third and the fourth. Node i + 7 (j + 2 k) + 1 lies at (i, j, k).
+FibreModel SphereInTheBar() {
+    return OneSphere({3.0, 0.5, 0.5}, 3.0);
+}
+
+// The layout that the kept elements need, by looking at all pairs of equations.
+std::vector<std::int32_t> ExpectedMAXA(const Medium& medium, const Mesh& mesh, const std::vector<int>& kept) {
+    const ConstIntArray ID = EquationNumbers(medium.run);
+    std::vector<std::int32_t> MAXA = {1};
+    for (std::int32_t column = 1; column <= medium.run.control.state.JEDN; ++column) {
+        std::int32_t lowest = column;
+        for (const int e : kept)
+            for (const int a : mesh.elements[static_cast<std::size_t>(e - 1)])
+                for (const int b : mesh.elements[static_cast<std::size_t>(e - 1)])
+                    if (ID(a) == column && ID(b) > 0)
+                        lowest = std::min(lowest, ID(b));
+        MAXA.push_back(MAXA.back() + column - lowest + 1);
+    }
+    return MAXA;
+}
+
+void ExpectMAXA(const Medium& medium, const std::vector<std::int32_t>& expected) {
+    const IntArray MAXA = DiagonalPositions(medium.run);
+    ASSERT_EQ(MAXA.length, static_cast<Word>(expected.size()));
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_EQ(MAXA(static_cast<Word>(i) + 1), expected[i]);
+    EXPECT_EQ(medium.run.control.state.NWK, expected.back() - 1);
+}
+
+// Faults: held nodes freed or numbered, a node of some marked element taken out, heights of swallowed elements or of the
+// old numbers left in the layout.
+TEST(FibreStep, NodesOutsideTheFluidLeaveTheModel) {
+    const Mesh mesh = Bar(6);
+    Medium medium(mesh, SphereInTheBar());
+    ApplyFibres(medium.run, medium.model);
+    EXPECT_EQ(medium.model.groups[1].elementMark, (std::vector<std::int32_t>{1, 1, 0, 0, 1, 1}));
+    const ConstIntArray ID = EquationNumbers(medium.run), marks = medium.NodeMarks();
+    std::int32_t next = 0;
+    for (Word node = 1; node <= 28; ++node) {
+        const Word i = (node - 1) % 7;
+        const std::int32_t mark = i == 0 || i == 6 || i == 2 || i == 4 ? 1 : i == 3 ? 0 : 2;
+        EXPECT_EQ(marks(node), mark);
+        const bool held = std::count(mesh.held.begin(), mesh.held.end(), node) == 1;
+        EXPECT_EQ(ID(node), held ? 0 : mark == 0 ? -1 : ++next) << node;
+    }
+    EXPECT_EQ(medium.run.control.state.JEDN, next);
+    ExpectMAXA(medium, ExpectedMAXA(medium, mesh, {1, 2, 5, 6}));
+}
+
+// The equivalent medium keeps all nodes, unless a fit begins with fibres; a sparse run has no layout; where every node
+// touches fluid nothing is done.
+TEST(FibreStep, WhenNodesStayInTheModel) {
+    const Mesh mesh = Bar(6);
+    for (const int NFIT : {0, 1}) {
+        Medium medium(mesh, SphereInTheBar());
+        medium.run.fit.card.IEHM = 1;
+        medium.run.fit.card.NFIT = NFIT;
+        const std::int32_t before = medium.run.control.state.JEDN;
+        ApplyFibres(medium.run, medium.model);
+        EXPECT_EQ(medium.run.control.state.JEDN, NFIT == 0 ? before : before - 3); // node 4 is held
+    }
+    Problem sparse;
+    sparse.SparseMode = 1;
+    Medium medium(mesh, SphereInTheBar(), sparse);
+    const Word NWK = medium.run.control.state.NWK;
+    ApplyFibres(medium.run, medium.model);
+    EXPECT_EQ(medium.run.control.state.NWK, NWK);
+    Medium loose(mesh, OneSphere({3.0, 0.5, 0.5}, 0.1));
+    Fill(DiagonalPositions(loose.run), 77);
+    ApplyFibres(loose.run, loose.model);
+    EXPECT_EQ(DiagonalPositions(loose.run)(5), 77);
+}
+
+// Records of elements and points stand where the element loops look for them.
+TEST(FibreStep, RecordsByElementAndPoint) {
+    Problem problem;
+    problem.NGAUS = {1, 2, 3};
+    Medium medium(Bar(3), OneSphere({0.0, 0.0, 0.0}, 0.2), problem);
+    ApplyFibres(medium.run, medium.model);
+    const FibreGroup& group = medium.model.groups[1];
+    EXPECT_EQ(group.points, 6);
+    // KSI falls with x, ETA with y, ZETA with z: the last point of an element is the nearest to its low corner, but
+    // the nodes begin at the high one, so the first natural place is the low end of each axis.
+    const double y[2] = {0.5 - 0.5 / std::sqrt(3.0), 0.5 + 0.5 / std::sqrt(3.0)};
+    const double z[3] = {0.5 - 0.5 * std::sqrt(0.6), 0.5, 0.5 + 0.5 * std::sqrt(0.6)};
+    for (Word n = 1; n <= 3; ++n)
+        for (Word p = 1; p <= 6; ++p) {
+            const double x = static_cast<double>(n) - 0.5;
+            const double r =
+                std::sqrt(x * x + y[(p - 1) / 3] * y[(p - 1) / 3] + z[(p - 1) % 3] * z[(p - 1) % 3]);
+            EXPECT_NEAR(RecordOf(group, n, p).wall, r - 0.1, 1e-7);
+            EXPECT_EQ(RecordOf(group, n, p).set, 1);
+        }
+}
+
+// --- start value of HEQ -------------------------------------------------------------------------------------------
+
+struct HeqCase {
+    double WALLCUT;
+    double moleculeRadius;
+};
+
+// The mean over nodes of exactly one marked element, for unit bricks in a row and one sphere: shape functions and the
+// rule written out.
+double ExpectedHeq(int bricks, const Point& centre, double radius, const HeqCase& test) {
+    const double g = 0.5773502588272095;
+    double total = 0.0;
+    int nodes = 0;
+    for (int e = 0; e < bricks; ++e)
+        for (int corner = 0; corner < 8; ++corner) {
+            const int c[3] = {corner & 1, corner >> 1 & 1, corner >> 2};
+            if (c[0] == 0 ? e > 0 : e < bricks - 1)
+                continue; // shared with the next brick
+            double A = 0.0, B = 0.0;
+            for (int point = 0; point < 8; ++point) {
+                double N = 1.0, square = 0.0;
+                for (int axis = 0; axis < 3; ++axis) {
+                    const double local = 0.5 + 0.5 * ((point >> axis & 1) == 0 ? -g : g);
+                    N *= c[axis] == 1 ? local : 1.0 - local;
+                    const double away = local + (axis == 0 ? e : 0) - centre[static_cast<std::size_t>(axis)];
+                    square += away * away;
+                }
+                const double wall = std::sqrt(square) - radius;
+                if (wall > test.WALLCUT || wall - test.moleculeRadius <= 1e-6 * bricks)
+                    continue;
+                A += N / 8;
+                B += N / 8 * (wall - test.moleculeRadius);
+            }
+            if (A <= 1e-6 * bricks)
+                continue;
+            total += B / A;
+            ++nodes;
+        }
+    return (nodes == 0 ? test.WALLCUT : total / nodes) + test.moleculeRadius;
+}
+
+// Faults: nodes of several elements counted, distances beyond WALLCUT kept, the molecule's radius on the wrong side, a set
+// without a node given zero, sets weighted by count.
+TEST(HeqStart, OneSphereInARowOfBricks) {
+    const Point centre = {0.4, 0.45, 0.55};
+    for (const HeqCase& test :
+         {HeqCase{10.0, 0.0}, HeqCase{10.0, 0.05}, HeqCase{1.4, 0.0}, HeqCase{0.001, 0.02}}) {
+        Medium medium(Bar(3), OneSphere(centre, 0.6));
+        medium.model.sets[0].WALLCUT = test.WALLCUT;
+        FitState& fit = medium.run.fit;
+        fit.card.IEHM = 1;
+        fit.card.IDIAM = test.moleculeRadius > 0.0 ? 1 : 0;
+        medium.run.control.header.DMOLECULE = test.moleculeRadius > 0.0 ? 2 * test.moleculeRadius : 0.4;
+        ApplyFibres(medium.run, medium.model);
+        const double expected = ExpectedHeq(3, centre, 0.3, test);
+        EXPECT_NEAR(fit.HEQ0, expected, 1e-12) << test.WALLCUT;
+        EXPECT_EQ(fit.HEQ, fit.HEQ0);
+        for (int direction = 1; direction <= 3; ++direction)
+            EXPECT_EQ(fit.HEQDIR[direction], fit.HEQ0);
+    }
+}
+
+TEST(HeqStart, SetsWeighByTheirVolumes) {
+    Medium medium(Bar(3), MakeModel({MakeSet(kSphereFibres, 0.6, {FibreThrough({{0.4, 0.45, 0.55}})}),
+                                     MakeSet(kLineFibres, 0.2,
+                                             {FibreThrough({{0, 2, 0}, {2, 0.5, 0.5}}),
+                                              FibreThrough({{1.0, 0.2, 0.2}, {1.1, 0.2, 0.2}})})}));
+    medium.model.sets[0].WALLCUT = medium.model.sets[1].WALLCUT = 10.0;
+    medium.run.fit.card.IEHM = 1;
+    ApplyFibres(medium.run, medium.model);
+    const FibreSet &spheres = medium.model.sets[0], &lines = medium.model.sets[1];
+    EXPECT_NEAR(spheres.meanDistance, ExpectedHeq(3, {0.4, 0.45, 0.55}, 0.3, {10.0, 0.0}), 1e-12);
+    EXPECT_NEAR(medium.run.fit.HEQ0,
+                (spheres.meanDistance * spheres.volume + lines.meanDistance * lines.volume) /
+                    (spheres.volume + lines.volume),
+                1e-14);
+    EXPECT_NEAR(medium.model.sets[0].table.factor[1], 1.0, 1e-15); // merged
+}
+
+// --- what ends the run --------------------------------------------------------------------------------------------
+
+TEST(FibreStep, Errors) {
+    Medium flat(Bar(2), OneSphere({0.5, 0.5, 0.5}, 0.1));
+    flat.run.control.header.WFIB = 0.0;
+    EXPECT_EXIT(ApplyFibres(flat.run, flat.model), testing::ExitedWithCode(kLibraryError), "no depth");
+    Medium outside(Bar(2),
+                   MakeModel({MakeSet(kLineFibres, 0.1, {FibreThrough({{0, 0.5, 7}, {1, 0.5, 7}})})}));
+    EXPECT_EXIT(ApplyFibres(outside.run, outside.model), testing::ExitedWithCode(kLibraryError),
+                "fibre set 1, fibre 1");
+    Medium gap(Bar(2), OneSphere({0.5, 0.5, 0.5}, 0.1));
+    Connectivity(gap.run, gap.run.groups[1])(2, 1) = 0;
+    EXPECT_EXIT(ApplyFibres(gap.run, gap.model), testing::ExitedWithCode(kLibraryError),
+                "element 2 has no card");
+}
+
+} // namespace
+} // namespace zurt
