@@ -19,16 +19,19 @@ LARGEST_RUN = 999  # three columns for the count of elements that a card generat
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("deck")
-    parser.add_argument("sides", type=int, nargs=3, metavar=("NX", "NY", "NZ"))
+    for side in ("nx", "ny", "nz"):
+        parser.add_argument(side, type=int, help=f"bricks along {side[1]}")
     parser.add_argument("--format", choices=["free", "fixed"], default="free")
     parser.add_argument("--cards", choices=["single", "nodes", "rows"], default="single",
                         help="single: every node and element has a card of its own; nodes: every node, and a card "
                              "for each row of elements; rows: a card for each row of elements, two for each of nodes")
     parser.add_argument("--steps", type=int, default=0, help="time steps to run; 0: check of the input")
     parser.add_argument("--step-size", type=float, default=1.0)
-    parser.add_argument("--hold", type=int, default=0, metavar="N", help="hold every N-th section in z; 0: the lowest alone")
+    parser.add_argument("--hold", type=int, default=0, metavar="N",
+                        help="hold every N-th section in z too; 0: none")
     parser.add_argument("--results", action="store_true", help="write listing and graphics file at each step")
     arguments = parser.parse_args()
+    arguments.sides = (arguments.nx, arguments.ny, arguments.nz)
     if min(arguments.sides) < 1:
         parser.error("sides are 1 or more")
     if arguments.steps > 0 and arguments.format == "free":
