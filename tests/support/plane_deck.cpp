@@ -7,7 +7,6 @@ namespace zurt_test {
 
 namespace {
 
-// A number other than 0 of points asks for the family's cards.
 void WriteFunction(std::ostringstream& out, int number, const Points& points) {
     out << number << ' ' << points.size() << '\n';
     for (const auto& point : points)
