@@ -116,6 +116,11 @@ TEST(HeaderCards, NodesMustBePositive) {
     EXPECT_EQ(WrittenByStop(small, small.run.units.listing, [&] { ReadBasicData(small.run); }), text);
     CloseTextUnit(small.run.units.listing);
     EXPECT_EQ(WrittenByStop(small, small.run.units.console, [&] { ReadBasicData(small.run); }), text);
+    SmallRun none("0 1 1 1 1 1 1 1 1 1 1\n");
+    none.run.control.header.INDFOR = 1;
+    EXPECT_NE(
+        WrittenByStop(none, none.run.units.listing, [&] { ReadBasicData(none.run); }).find("NP =    0\n"),
+        std::string::npos);
     SmallRun negative("5 -2 1 1 1 1 1 1 1 1 1\n");
     negative.run.control.header.INDFOR = 1;
     EXPECT_EXIT(ReadBasicData(negative.run), testing::ExitedWithCode(2), "field NGET: \"-2\"");
