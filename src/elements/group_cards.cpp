@@ -29,7 +29,7 @@ void SetThickness(const FamilyCards& family, const FamilyGroupCard& card, Elemen
     group.NTHIC = card.NTHIC;
     group.THIC = card.THIC;
     group.hasThickness = family.dimension == 1 || card.NTHIC != 0;
-    if (family.dimension == 1 || (card.NTHIC == 0 && std::fabs(card.THIC) < kNoThickness))
+    if (card.NTHIC == 0 && std::fabs(card.THIC) < kNoThickness)
         group.THIC = 1.0;
 }
 
