@@ -11,7 +11,7 @@ namespace zurt {
 
 /// Most points of a rule: 5, 25, 125.
 template <int Dimension> constexpr int kMaxPoints = kMaxGaussOrder* kMaxPoints<Dimension - 1>;
-template <> constexpr int kMaxPoints<0> = 1;
+template <> inline constexpr int kMaxPoints<0> = 1;
 
 template <int Dimension> struct ElementPoint {
     ShapeValues<Dimension> shape;
