@@ -70,10 +70,13 @@ BarDeck NoEquilibrium() {
 // Faults: one solve more or fewer than MAXIT + 1, lines of the message, the count of saved steps missing, a message in
 // MESSAGES.LST without NDS, a status other than that of a normal end, results of the failed step.
 TEST(Messages, NoEquilibriumWithoutDevice) {
-    const RunResult result = RunDeck(Build(NoEquilibrium()));
+    BarDeck first = SmallBar(); // its two saved steps are not those of the second problem
+    first.NPRINT = first.NULAZ = first.IGRAF = -1;
+    first.end = "";
+    const RunResult result = RunDeck(Build(first) + Build(NoEquilibrium()));
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.messages, "      \n");
-    EXPECT_EQ(CountOf(result.console, " ITERATION =  1"), 1);
+    EXPECT_EQ(result.messages, "      \n      \n");
+    EXPECT_EQ(CountOf(result.console, " ITERATION =  1"), 2 + 1);
     EXPECT_EQ(CountOf(result.console, " ITERATION =  2"), 0);
     EXPECT_EQ(CountOf(result.listing, " S T E P  NUMBER ="), 1);
     const std::size_t at = result.listing.find(" MAXIMUM NUMBER OF ITERATION ACHIEVED\n");

@@ -78,7 +78,9 @@ TEST(StepOutput, GraphicsAtItsIntervalAndAtTheEnd) {
     EXPECT_EQ(GraphicsSteps(tens, 0.5), (Steps{3, 6, 9, 10}));
     EXPECT_EQ(ResultNumbers(tens), (Steps{1, 2, 3, 4}));
     EXPECT_EQ(GraphicsSteps(RunDeck(Build(SmallBar(4, 1, 9))), 0.5), Steps{4}); // limit 0
-    EXPECT_EQ(GraphicsSteps(RunDeck(Build(SmallBar(4, 1, 2))), 0.5), (Steps{2, 4}));
+    BarDeck without = SmallBar(3, 1, -1); // its steps count for no graphics of the next problem
+    without.end = "";
+    EXPECT_EQ(GraphicsSteps(RunDeck(Build(without) + Build(SmallBar(6, 1, 2))), 0.5), (Steps{2, 4, 6}));
 }
 
 // Faults: a graphics limit formed by steady problems; the limit of the problem before lost, by which a later steady
