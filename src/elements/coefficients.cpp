@@ -4,6 +4,7 @@
 #include "model/curve_lookup.h"
 #include "model/curve_messages.h"
 #include "model/material_tables.h"
+#include "model/outlet.h"
 
 #include <cmath>
 
@@ -95,22 +96,21 @@ bool ConductionAt(const CoefficientTables& tables, const MaterialInHand& materia
     return ConductionFromPolynomials(tables, material, TG, coefficients, failure);
 }
 
-// The diffusion curve of the material. The time multiplier of groups 1 and 2 belongs behind the lookup, and ahead of the
-// spreading over the axes belongs all that fibres change: the tabulated coefficient of a second direct pass, the curves
-// per direction of a fit, and the correction factors of the Gauss point.
+// The diffusion curve of the material. Ahead of the spreading over the axes belong the tabulated coefficient of a second
+// direct pass and the curves per direction of a fit.
 bool DeviceCoefficients(const CoefficientTables& tables, const MaterialInHand& material, double TG,
                         Coefficients& coefficients, CoefficientFailure& failure) {
     const double CABS = std::fabs(TG);
     double D = 0.0;
     if (DiffusionLookup(tables.diffusionCurves, tables.diffusionPoints, material.MATE, CABS, D) != 0)
         return Fail(failure, CoefficientStatus::DiffusionRange, material.MATE, CABS);
-    SpreadOverAxes(tables, material, D, coefficients);
+    SpreadOverAxes(tables, material, D * tables.timeMultiplier, coefficients);
     return true;
 }
 
 } // namespace
 
-CoefficientTables CoefficientTablesOf(const Run& run) {
+CoefficientTables CoefficientTablesOf(const Run& run, const ElementGroup& group) {
     const HeaderFields& header = run.control.header;
     CoefficientTables tables;
     tables.device = header.NDS != 0;
@@ -119,6 +119,7 @@ CoefficientTables CoefficientTablesOf(const Run& run) {
     tables.conductivityNonlinear = run.control.state.ConductivityNonlinear != 0;
     tables.capacityNonlinear = run.control.state.CapacityNonlinear != 0;
     if (tables.device) {
+        tables.timeMultiplier = TimeMultiplierOfGroup(run, group.NGE);
         tables.diffusionCurves = DiffusionTable(run);
         tables.diffusionPoints = DiffusionPoints(run);
         return tables;

@@ -1,6 +1,7 @@
 // Coefficients of an element at a Gauss point: diffusion (conduction) in the three axes and capacity.
 //
-// With NDS not 0 the diffusion curve of the material is looked up at the absolute concentration and the capacity is 1.
+// With NDS not 0 the diffusion curve of the material is looked up at the absolute concentration, times the time multiplier of the
+// group, and the capacity is 1; factors of fibres are the caller's (elements/element_visit.h).
 // With NDS 0 coefficients are constants of the material, or come from its curves or from the built-in polynomials at the
 // concentration. Forming and results go through the same tree. Units are those of the deck.
 #pragma once
@@ -19,6 +20,7 @@ struct CoefficientTables {
     bool device = false;    // NDS not 0
     bool transient = false; // capacity takes part
     bool anisotropic = false;
+    double timeMultiplier = 1.0; // on the diffusion curve
     bool conductivityNonlinear = false, capacityNonlinear = false;
     ConstRealTable diffusionCurves; // NDS not 0: model/material_tables.h has the layouts
     ConstIntArray diffusionPoints;
@@ -31,7 +33,7 @@ struct CoefficientTables {
     ConstIntArray capacityPoints;
 };
 
-CoefficientTables CoefficientTablesOf(const Run& run);
+CoefficientTables CoefficientTablesOf(const Run& run, const ElementGroup& group);
 
 /// What holds for all Gauss points of an element.
 struct MaterialInHand {

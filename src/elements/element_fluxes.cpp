@@ -36,16 +36,14 @@ template <int Dimension>
 void EvaluateCorners(ElementVisit<Dimension>& visit, ElementResults<Dimension>& results) {
     const ElementNodes<Dimension>& element = visit.element;
     const int ND = visit.points.active.ND;
-    Coefficients& K = visit.coefficients;
+    const Coefficients& K = visit.coefficients;
     for (int p = 0; p < visit.points.count; ++p) {
         const ElementPoint<Dimension>& point = visit.points.point[p];
         JacobianValues<Dimension> jacobian;
         if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
             StopOnElementJacobian(visit, point, jacobian.DET);
         const double TG = Interpolate<0>(point.shape.H, element.TE1, ND);
-        CoefficientFailure failure;
-        if (!EvaluateCoefficients(visit.tables, visit.material, TG, visit.group.held, K, failure))
-            StopOnCoefficients(visit.run, failure);
+        EvaluatePoint(visit, p + 1, TG);
         NodalResult& result = results[kCornerOfPoint<Dimension>[p]];
         const double byAxis[3] = {K.KX, K.KY, K.KZ};
         std::copy(byAxis, byAxis + Dimension, result.coefficient);
@@ -89,6 +87,8 @@ template <int Dimension> void AddElementFluxes(Run& run, ElementGroup& group) {
     BeginElementVisit(visit, kResultOrders);
     const NodalSums sums = NodalSumsOf(run);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
+        if (!TakesPart(visit, n))
+            continue;
         TakeElement(visit, n);
         ElementResults<Dimension> results;
         EvaluateCorners<Dimension>(visit, results);

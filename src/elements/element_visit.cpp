@@ -4,8 +4,10 @@
 #include "elements/group_checks.h"
 #include "elements/group_views.h"
 #include "elements/jacobian_failure.h"
+#include "microscale/gauss_factors.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace zurt {
 
@@ -23,8 +25,12 @@ template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, 
     visit.NEL = Connectivity(visit.run, visit.group);
     visit.materials = ElementMaterials(visit.run, visit.group);
     visit.nodes = NodalViewsOf(visit.run);
-    visit.tables = CoefficientTablesOf(visit.run);
+    visit.tables = CoefficientTablesOf(visit.run, visit.group);
     std::copy(orders, orders + Dimension, visit.NGAUS);
+    if (Dimension == 1 || visit.run.fit.card.NSETS < 1)
+        return;
+    visit.fibres = &visit.run.fibres.groups[static_cast<std::size_t>(visit.group.NGE)];
+    visit.skipsElements = visit.run.fit.card.IEHM == 0;
 }
 
 template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n) {
@@ -54,9 +60,23 @@ void StopOnElementJacobian(const ElementVisit<Dimension>& visit, const ElementPo
         StopOnJacobian3D(unit, Language, visit.number, 0, at.place[0], at.place[1], at.place[2], DET);
 }
 
+// Records are those of the points that form the element. The fluxes have a rule of their own and take them by the number
+// of the point all the same, and the last one where there are fewer.
+template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG) {
+    double factor[3] = {1.0, 1.0, 1.0};
+    const Run& run = visit.run;
+    const bool direct = run.control.header.IDIRECTD == 1;
+    GaussFactors(run.fibres, run.fit, direct, visit.group.NGE, visit.number,
+                 std::min<Word>(p, visit.fibres->points), std::fabs(TG), factor);
+    visit.coefficients.KX *= factor[0];
+    visit.coefficients.KY *= factor[1];
+    visit.coefficients.KZ *= factor[2];
+}
+
 #define ZURT_ELEMENT_VISIT(DIMENSION)                                                                        \
     template void BeginElementVisit(ElementVisit<DIMENSION>&, const std::int32_t*);                          \
     template void TakeElement(ElementVisit<DIMENSION>&, std::int32_t);                                       \
+    template void MultiplyByFibreFactors(ElementVisit<DIMENSION>&, int, double);                             \
     template void StopOnElementJacobian(const ElementVisit<DIMENSION>&, const ElementPoint<DIMENSION>&,      \
                                         double)
 ZURT_ELEMENT_VISIT(1);

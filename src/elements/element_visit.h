@@ -16,6 +16,8 @@ template <int Dimension> struct ElementVisit {
     ConstIntTable NEL{};
     ConstIntArray materials{}; // empty when all elements have the group's
     NodalViews nodes{};
+    const FibreGroup* fibres = nullptr; // of the group, when fibres lie under it
+    bool skipsElements = false;         // those that fibres fill take no part
     CoefficientTables tables{};
     std::int32_t NGAUS[Dimension] = {};
     ElementPoints<Dimension> points{};
@@ -36,5 +38,23 @@ template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::i
 template <int Dimension>
 [[noreturn]] void StopOnElementJacobian(const ElementVisit<Dimension>& visit,
                                         const ElementPoint<Dimension>& at, double DET);
+
+/// False for an element that lies in fibres as a whole: it is passed over.
+template <int Dimension> inline bool TakesPart(const ElementVisit<Dimension>& visit, std::int32_t n) {
+    return !visit.skipsElements || ElementMarked(*visit.fibres, n);
+}
+
+/// Puts the factors of fibres at point p (from 1) and concentration TG on the coefficients in hand.
+template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG);
+
+/// Coefficients of the element in hand at point p (from 1) and concentration TG. Stops the run when there are none.
+template <int Dimension> inline void EvaluatePoint(ElementVisit<Dimension>& visit, int p, double TG) {
+    CoefficientFailure failure;
+    if (!EvaluateCoefficients(visit.tables, visit.material, TG, visit.group.held, visit.coefficients,
+                              failure))
+        StopOnCoefficients(visit.run, failure);
+    if (Dimension > 1 && visit.fibres != nullptr)
+        MultiplyByFibreFactors(visit, p, TG);
+}
 
 } // namespace zurt

@@ -72,7 +72,7 @@ double SourceAt(const FormVisit<Dimension>& visit, const JacobianValues<Dimensio
 template <int Dimension, int Nodes>
 void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<Dimension, Nodes>& sums) {
     ElementVisit<Dimension>& elements = visit.elements;
-    Coefficients& coefficients = elements.coefficients;
+    const Coefficients& coefficients = elements.coefficients;
     const ElementNodes<Dimension>& element = elements.element;
     const int ND = NodeCount<Nodes>(elements.points.active.ND);
     for (int p = 0; p < elements.points.count; ++p) {
@@ -81,10 +81,7 @@ void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<D
         if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
             StopOnElementJacobian(elements, point, jacobian.DET);
         const double TG = Interpolate<Nodes>(point.shape.H, element.TE1, ND);
-        CoefficientFailure failure;
-        if (!EvaluateCoefficients(elements.tables, elements.material, TG, elements.group.held, coefficients,
-                                  failure))
-            StopOnCoefficients(elements.run, failure);
+        EvaluatePoint(elements, p + 1, TG);
         const double w = PointMeasure<Dimension, Nodes>(visit, point, jacobian.DET, ND);
         AddConduction(jacobian.HX, {coefficients.KX, coefficients.KY, coefficients.KZ}, w, ND, sums);
         if (visit.transient)
@@ -152,7 +149,8 @@ template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word c
     BeginFamilyData(visit);
     visit.source = BeginVolumeSource(run, group);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
-        // Elements that a fibre model leaves out are passed over here.
+        if (!TakesPart(visit.elements, n))
+            continue;
         TakeElement(visit.elements, n);
         if (visit.elements.points.active.ND == kCorners<Dimension>)
             FormElement<Dimension, kCorners<Dimension>>(visit);

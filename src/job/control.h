@@ -82,9 +82,17 @@ struct CurveCounts {
     std::int32_t NHR = 0, MAXTHR = 0;             // radiation
     double SBC = 0.0;                             // Stefan-Boltzmann constant
     std::int32_t NFO = 0;                         // shape factors
-    std::int32_t NPOUT2 = 0, NTMF = 0;            // outlet and time multiplier tables
     std::int32_t NZADC = 0;                       // prescribed concentrations; no card sets it
     std::int32_t NZADP4 = 0;                      // nodes shared with radial elements
+};
+
+/// Outlet and time multiplier cards of problems with a nanochannel.
+struct OutletFields {
+    std::int32_t NPOUT2 = 0;           // mode; above 1 the number of pairs, negative an analytic expression
+    double CONCOUT0 = 0.0;             // value of nodes without an equation
+    double coefficients[4] = {};       // A, B, D, E of the analytic expression; nothing evaluates it
+    std::int32_t ITMF1 = 0, ITMF2 = 0; // 1: the time multiplier acts in group 1, 2
+    std::int32_t NTMF = 0;             // its points
 };
 
 /// Word pointers into `A`, in the order of the partition.
@@ -156,6 +164,7 @@ struct RunState {
 struct Control {
     HeaderFields header;
     CurveCounts counts;
+    OutletFields outlet;
     Pointers at;
     RunState state;
 };

@@ -13,11 +13,15 @@
 #include "job/header_echo.h"
 #include "job/not_built.h"
 #include "job/partition.h"
+#include "microscale/correction_table.h"
+#include "microscale/fibre_data.h"
+#include "microscale/fibre_step.h"
 #include "model/diffusion_curves.h"
 #include "model/function_tables.h"
 #include "model/initial_conditions.h"
 #include "model/materials.h"
 #include "model/nodes.h"
+#include "model/outlet.h"
 #include "model/prescribed_values.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
@@ -125,10 +129,11 @@ void ReadNodes(Run& run) {
     TakeDiagonalPositions(run);
 }
 
-void ReadFibreData(Run& run) {
+void ReadMicroscaleData(Run& run) {
     ReadHomogenizationCard(run);
-    if (run.fit.card.NSETS > 0)
-        StopNotBuilt(run, "fibre sets (NSETS above 0) are");
+    if (run.fit.card.NFIT == 1)
+        StopNotBuilt(run, "homogenization (NFIT 1) is");
+    ReadFibreData(run, run.fibres);
 }
 
 [[noreturn]] void StopOnTooManyGroups(Run& run, std::int32_t NGE) {
@@ -172,6 +177,13 @@ void ReadElementGroups(Run& run) {
     }
 }
 
+// The fibre step stands ahead of the solution vectors: it may take equations away.
+void LayMeshOverFibres(Run& run) {
+    run.control.state.POROSITY = 1.0;
+    if (run.fit.card.NSETS > 0)
+        ApplyFibres(run, run.fibres);
+}
+
 void ReadMaterialData(Run& run) {
     const HeaderFields& header = run.control.header;
     const std::int32_t first = run.deck.CardCounter + 1;
@@ -181,9 +193,11 @@ void ReadMaterialData(Run& run) {
     TakeDiffusionCurves(run);
     if (header.NANOCH > 0 || header.NDS != 0)
         ReadDiffusionCurves(run);
-    if (header.NANOCH > 0)
-        StopNotBuilt(
-            run, "nanochannels (NANOCH above 0: correction factor table, outlet and reservoir cards) are");
+    if (header.NANOCH > 0) {
+        ReadNanochannelTable(run);
+        TakeNanochannelVectors(run);
+    }
+    LayMeshOverFibres(run);
     TakeMaterialTables(run);
     if (header.NDS == 0)
         ReadMaterials(run);
@@ -195,6 +209,8 @@ void ReadTimeDependence(Run& run) {
         return;
     if (header.NDS != 2 && header.NANOCH == 0)
         ReadTimeFunctions(run);
+    if (header.NDS != 0 && header.NDS != 2 && header.NANOCH > 0)
+        ReadOutletData(run);
     if (header.NDS == 0)
         ReadPrescribedValues(run);
 }
@@ -264,7 +280,6 @@ void SolveProblem(Run& run) {
     state.PrintCounter = 0;
     state.OutletStartOfRun = state.OutletStart;
     state.GraphicsEnabled = 1;
-    state.POROSITY = 1.0; // no fibres
     StartPrescribedValues(run);
     WriteProblemNotes(run);
     WritePlainMassFile(run);
@@ -273,6 +288,7 @@ void SolveProblem(Run& run) {
 
 // True when the deck holds another problem.
 bool EndProblem(Run& run) {
+    FreeFibreModel(run.fibres);
     WriteExecutionReport(run);
     FlushUnits(run);
     CardBuffer card;
@@ -286,7 +302,7 @@ void ReadProblem(Run& run) {
     StopOnHeaderNotBuilt(run);
     ReadTimeData(run);
     ReadNodes(run);
-    ReadFibreData(run);
+    ReadMicroscaleData(run);
     ReadElementGroups(run);
     ReadMaterialData(run);
     ReadTimeDependence(run);

@@ -154,6 +154,24 @@ void TakeFunctionTable(Run& run, const char* name, std::int32_t functions, std::
     StopIfInputOverflows(run);
 }
 
+void TakeOutletPairs(Run& run, std::int32_t pairs) {
+    run.control.at.LOUT1 = TakeWords(run.A, "outlet pairs", 2 * Word{pairs});
+    StopIfInputOverflows(run);
+}
+
+void TakeTimeMultiplierPairs(Run& run, std::int32_t pairs) {
+    run.control.at.LOUT2 = TakeWords(run.A, "time multiplier pairs", 2 * Word{pairs});
+    StopIfInputOverflows(run);
+}
+
+void TakeReservoirVectors(Run& run, bool gap) {
+    const Word NP = run.control.header.NP;
+    if (gap)
+        TakeWords(run.A, "gap of NP words ahead of LRES1", NP);
+    run.control.at.LRES1 = run.control.at.LRES2 = TakeWords(run.A, "LRES1", NP);
+    StopIfInputOverflows(run);
+}
+
 void TakeShapeFactors(Run& run) {
     run.control.at.LFO = TakeWords(run.A, "LFO", run.control.counts.NFO);
 }

@@ -30,6 +30,11 @@ void TakeFitColumn(Run& run);
 void TakeFibreNodes(Run& run);
 /// Row 21: material tables.
 void TakeMaterialTables(Run& run);
+/// Row 22: pairs of the outlet and of the time multiplier.
+void TakeOutletPairs(Run& run, std::int32_t pairs);
+void TakeTimeMultiplierPairs(Run& run, std::int32_t pairs);
+/// Row 24: reservoir node vector, behind a gap of NP words when `gap` is set. (Row 23 has NZADC words, which are none.)
+void TakeReservoirVectors(Run& run, bool gap);
 /// Row 30: shape factors.
 void TakeShapeFactors(Run& run);
 /// Row 31: the three solution vectors, cleared.

@@ -7,6 +7,7 @@
 #include "job/deck.h"
 #include "job/units.h"
 #include "job/working_vector.h"
+#include "microscale/fibre_set.h"
 
 #include <vector>
 
@@ -24,6 +25,7 @@ struct Run {
     WorkingVector A;
     ElementGroup groups[kMaxGroups + 1]; // 1..NGET
     FitState fit;
+    FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
 };
 

@@ -75,8 +75,6 @@ void ReadDiffusionCurves(Run& run) {
     Fill(RealArray(table.data, table.rows * table.columns), 0.0);
     for (std::int32_t m = 1; m <= run.control.header.NMATT; ++m)
         ReadCurve(run);
-    // ReadNanochannelTable: with NANOCH positive the table of correction factors stands in the deck right here, behind
-    // the last curve.
 }
 
 } // namespace zurt
