@@ -5,15 +5,6 @@
 
 namespace zurt_test {
 
-namespace {
-
-// Grid of node places: corners only, or corners and edge middles (twice as fine, places with two odd indices empty).
-struct Grid {
-    int stride; // grid steps to an element
-    int mx, my, mz;
-    std::vector<int> number; // 0: no node there
-};
-
 std::string Print(const char* format, ...) {
     char text[256];
     va_list arguments;
@@ -22,6 +13,19 @@ std::string Print(const char* format, ...) {
     va_end(arguments);
     return text;
 }
+
+std::string OutletCards(int NPOUT2, double CONCOUT0) {
+    return Print("%5d\n%13.5e\n%5d%5d%5d\n", NPOUT2, CONCOUT0, 0, 0, 0);
+}
+
+namespace {
+
+// Grid of node places: corners only, or corners and edge middles (twice as fine, places with two odd indices empty).
+struct Grid {
+    int stride; // grid steps to an element
+    int mx, my, mz;
+    std::vector<int> number; // 0: no node there
+};
 
 int& NumberAt(Grid& grid, int i, int j, int k) {
     return grid.number[static_cast<std::size_t>((k * grid.my + j) * grid.mx + i)];
@@ -152,8 +156,10 @@ void WriteDeviceMaterials(Writer& writer) {
     writer.text += Print("%5d%5d\n", 1, points);
     for (const auto& [c, D] : bar.diffusion)
         writer.text += Print("%20.10e%20.10e\n", c, D);
+    if (bar.NANOCH > 0)
+        writer.text += "    1    1\n 1.0000e+3\n 1.0000e+0\n 1.0000e+0\n"; // correction factor table
     if (bar.NDS != 2)
-        writer.Integers({0, 0});
+        writer.text += bar.NANOCH > 0 ? bar.outlet : std::string(bar.fixedFormat ? "    0    0\n" : "0 0\n");
 }
 
 void WriteMaterials(Writer& writer) {
@@ -203,7 +209,10 @@ std::string Build(const BarDeck& bar) {
     for (int number : grid.number)
         NP = number > NP ? number : NP;
     Writer writer{bar, ""};
-    writer.text = bar.title + "\n" + Print("%d %d 0 0\n", bar.fixedFormat ? 2 : 1, bar.NDS);
+    writer.text =
+        bar.title + "\n" + Print("%d %d %d %d\n", bar.fixedFormat ? 2 : 1, bar.NDS, bar.NANOCH, bar.solver);
+    if (bar.NANOCH > 0)
+        writer.text += Print("%10.4f%10.4f%10.4f\n\n", bar.box[0], bar.box[1], bar.box[2]);
     const int NPER = static_cast<int>(bar.periods.size());
     writer.Integers({NP, bar.groups, 1, bar.steady ? 0 : 1, bar.steady ? 1 : NPER, bar.NPRINT, 0, bar.NULAZ,
                      0, bar.IGRAF, 0},
@@ -227,7 +236,10 @@ std::string Build(const BarDeck& bar) {
         writer.Reals(sizes, 10, 3);
     }
     WriteNodes(writer, grid);
-    writer.text += bar.fixedFormat ? "\n\n" : "0 0 0 0 0 0. 0 0 0 0 0 0 0 0\n0. 0.\n";
+    if (!bar.fibres.empty())
+        writer.text += bar.fibres;
+    else
+        writer.text += bar.fixedFormat ? "\n\n" : "0 0 0 0 0 0. 0 0 0 0 0 0 0 0\n0. 0.\n";
     WriteGroups(writer, grid);
     if (bar.NDS == 0)
         WriteMaterials(writer);

@@ -8,6 +8,12 @@
 
 namespace zurt_test {
 
+/// Printf into a string of up to 255 characters.
+std::string Print(const char* format, ...);
+
+/// The cards of a constant outlet, without a time multiplier.
+std::string OutletCards(int NPOUT2, double CONCOUT0);
+
 /// A block nx x ny x nz of bricks along x, both end faces x = 0 and x = length held (or free), uniform start.
 struct BarDeck {
     int nx = 4, ny = 1, nz = 1;
@@ -17,7 +23,11 @@ struct BarDeck {
     bool generate = true;
     bool across = false; // nodes numbered across the bar first, for a narrow band; else along x
     int NDS = 0;
-    bool hold = true; // end faces have no equation
+    int NANOCH = 0, solver = 0;                  // with NANOCH above 0 a fixed format deck with NDS 1, 2 or 3
+    std::array<double, 3> box = {1.0, 1.0, 1.0}; // of the device cards
+    std::string fibres;                          // homogenization card and what follows; "": none
+    std::string outlet = OutletCards(1, 0.0);    // with NANOCH above 0 and NDS 1 or 3
+    bool hold = true;                            // end faces have no equation
     bool steady = false;
     std::vector<std::pair<int, double>> periods = {{10, 0.01}}; // steps, size
     double start = 1.0;
