@@ -22,7 +22,11 @@ constexpr CardField kSizesFields[] = {
     ZURT_COUNT(CorrectionTableSizes, NCONC, "I5", "concentrations: columns of the table"),
 };
 
+} // namespace
+
 const CardLayout kCorrectionTableSizesCard = Layout("Correction table sizes", kSizesFields);
+
+namespace {
 
 Word CardsFor(Word values) {
     return (values + kPerCard - 1) / kPerCard;

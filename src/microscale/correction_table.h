@@ -4,10 +4,13 @@
 // ReadFibreData and by the reader of the diffusion curves.
 #pragma once
 
+#include "job/card.h"
 #include "job/run.h"
 #include "microscale/fibre_set.h"
 
 namespace zurt {
+
+extern const CardLayout kCorrectionTableSizesCard;
 
 enum class CorrectionTableOwner { FibreSet, FibreSetY, Nanochannel };
 

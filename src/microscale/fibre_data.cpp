@@ -63,11 +63,15 @@ constexpr CardField kFibrePointFields[] = {
     ZURT_REAL(FibrePointCard, POINT, "F10.6", "x, y, z"),
 };
 
+} // namespace
+
 const CardLayout kFibreSetCard = Layout("Fibre set card", kFibreSetFields);
 const CardLayout kSearchBoxCard = Layout("Fibre search box card", kSearchBoxFields);
 const CardLayout kSearchGridCard = Layout("Fibre search grid card", kSearchGridFields);
 const CardLayout kFibreCard = Layout("Fibre card", kFibreFields);
 const CardLayout kFibrePointCard = Layout("Fibre point card", kFibrePointFields);
+
+namespace {
 
 constexpr EchoLine kFibreSetEcho[] = {
     ZURT_ECHO_INTEGER(FibreSet, NSETID, "OZNAKA SETA VLAKANA ............... NSETID  =",

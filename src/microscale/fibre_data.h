@@ -4,10 +4,17 @@
 // mesh's unit of length.
 #pragma once
 
+#include "job/card.h"
 #include "job/run.h"
 #include "microscale/fibre_set.h"
 
 namespace zurt {
+
+extern const CardLayout kFibreSetCard;
+extern const CardLayout kSearchBoxCard;
+extern const CardLayout kSearchGridCard;
+extern const CardLayout kFibreCard;
+extern const CardLayout kFibrePointCard;
 
 /// Reads NSETS fibre sets into model.sets, dropping what the model held, with their echo. Deck errors: fibre sets in a
 /// deck without device cards (which give the box of the fibres) or with a box without size; a set without fibres, of

@@ -5,12 +5,15 @@
 #include "elements/surface_cards.h"
 #include "homogenization/homogenization_card.h"
 #include "job/header_cards.h"
+#include "microscale/correction_table.h"
+#include "microscale/fibre_data.h"
 #include "model/curve_table.h"
 #include "model/diffusion_curves.h"
 #include "model/function_tables.h"
 #include "model/initial_conditions.h"
 #include "model/materials.h"
 #include "model/nodes.h"
+#include "model/outlet.h"
 #include "model/prescribed_values.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
@@ -143,6 +146,17 @@ const NamedLayout kLayouts[] = {
     ZURT_NAMED(kSurfaceCard2D),
     ZURT_NAMED(kSurfaceCard3D),
     ZURT_NAMED(kPrescribedCard),
+    ZURT_NAMED(kOutletModeCard),
+    ZURT_NAMED(kOutletConcentrationCard),
+    ZURT_NAMED(kOutletCoefficientsCard),
+    ZURT_NAMED(kTimeMultiplierCard),
+    ZURT_NAMED(kTimePairCard),
+    ZURT_NAMED(kFibreSetCard),
+    ZURT_NAMED(kSearchBoxCard),
+    ZURT_NAMED(kSearchGridCard),
+    ZURT_NAMED(kFibreCard),
+    ZURT_NAMED(kFibrePointCard),
+    ZURT_NAMED(kCorrectionTableSizesCard),
 };
 
 // The cards of one family of elements. Two forms of a card stand under one heading: the group card without NDS and with
