@@ -22,21 +22,6 @@ BarDeck ChannelDeck(int nx, int across) {
     return bar;
 }
 
-// The homogenization card of one set, its card of the curve ends, and a set with one fibre: a sphere of one point, a line
-// of two. The factor holds up to a distance that no point of the mesh reaches.
-std::string OneFibre(int IEHM, double diameter, const std::vector<std::array<double, 3>>& points,
-                     double factor) {
-    std::string cards = Print("%5d%5d\n\n", 1, IEHM);
-    cards += Print("%5d%5d%5d%5d%10.6f\n", 1, 1, 0, points.size() == 1 ? 1 : 0, diameter);
-    cards += Print("%10.4f%10.4f%10.4f%10.4f%10.4f%10.4f\n", 0., 0., 0., 0., 0., 0.);
-    cards += Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, 1., 1., 1.);
-    cards += Print("%5d%5d\n", 1, static_cast<int>(points.size()));
-    for (const auto& [x, y, z] : points)
-        cards += Print("%5d%10.6f%10.6f%10.6f\n", 1, x, y, z);
-    cards += Print("%5d%5d\n%10.2e%10.2e\n%10.4f\n", 2, 1, 1.0, 1.0e6, 1.0);
-    return cards + Print("%10.4f\n%10.4f\n", factor, factor);
-}
-
 std::vector<double> Concentrations(const BarDeck& bar) {
     const RunResult result = RunDeck(Build(bar));
     EXPECT_EQ(result.status, 0) << result.errors;

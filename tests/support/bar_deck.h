@@ -14,6 +14,11 @@ std::string Print(const char* format, ...);
 /// The cards of a constant outlet, without a time multiplier.
 std::string OutletCards(int NPOUT2, double CONCOUT0);
 
+/// The homogenization card of one set, its card of the curve ends, and a set with one fibre: a sphere of one point, a line
+/// of two. The factor holds up to a distance that no point of a mesh reaches.
+std::string OneFibre(int IEHM, double diameter, const std::vector<std::array<double, 3>>& points,
+                     double factor);
+
 /// A block nx x ny x nz of bricks along x, both end faces x = 0 and x = length held (or free), uniform start.
 struct BarDeck {
     int nx = 4, ny = 1, nz = 1;

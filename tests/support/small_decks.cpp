@@ -232,6 +232,16 @@ std::string DeviceCards() {
                     "       0.5       0.5       0.5       0.1       0.1       0.5       0.5\n");
 }
 
+// A sphere in a block, an outlet by pairs and a time multiplier.
+std::string Fibres() {
+    BarDeck bar = Bar(true, 1);
+    bar.NANOCH = 1;
+    bar.fibres = OneFibre(0, 0.1, {{0.5, 0.1, 0.1}}, 0.5);
+    bar.outlet = Print("%5d\n%20.6e%20.6e\n%20.6e%20.6e\n", 2, 0.0, 1.0, 1.0, 2.0) +
+                 Print("%5d%5d%5d\n%20.6e%20.6e\n%20.6e%20.6e\n", 1, 0, 2, 0.0, 1.0, 1.0, 0.5);
+    return Build(bar);
+}
+
 std::vector<SmallDeck> MakeSmallDecks() {
     BarDeck listed = Bar(true, 0);
     listed.generate = false;
@@ -254,6 +264,7 @@ std::vector<SmallDeck> MakeSmallDecks() {
             {"quadrilaterals", Quadrilaterals()},
             {"torsion", Torsion()},
             {"lines", Lines()},
+            {"fibres", Fibres()},
             {"sparse", Replaced(Build(device), "2 1 0 0\n", "2 1 0 2\n")}};
 }
 
