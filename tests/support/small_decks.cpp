@@ -225,8 +225,9 @@ std::string Lines() {
 
 /// Device, degradation, nanochannel cards.
 std::string DeviceCards() {
-    return Replaced(Build(Bar(true, 1)), "2 1 0 0\n",
-                    "2 1 1 0\n"
+    BarDeck bar = Bar(true, 1);
+    bar.NANOCH = 1;
+    return Replaced(Build(bar), "    1.0000    1.0000    1.0000\n\n",
                     "       1.0       1.0       1.0       0.0       1.0       0.1\n"
                     "    3    1    1    0    1\n"
                     "       0.5       0.5       0.5       0.1       0.1       0.5       0.5\n");
