@@ -91,25 +91,53 @@ void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<D
     }
 }
 
-// Matrix and right-hand side of the element in hand, and into the system with them. (The scaling of the first group by a
-// fibre model belongs ahead of the assembly.)
-template <int Dimension, int Nodes> void FormElement(FormVisit<Dimension>& visit) {
+// Matrix and right-hand side of the element in hand: volume terms, time term, residual.
+template <int Dimension, int Nodes>
+void SumElement(FormVisit<Dimension>& visit, ElementSums<Dimension, Nodes>& sums) {
     ElementVisit<Dimension>& elements = visit.elements;
     const ElementNodes<Dimension>& element = elements.element;
-    const ActiveNodes& active = elements.points.active;
-    const int ND = NodeCount<Nodes>(active.ND);
-    ElementSums<Dimension, Nodes> sums;
+    const int ND = NodeCount<Nodes>(elements.points.active.ND);
     ClearSums(sums, ND);
     const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
     SumOverPoints(visit, ISRC, sums);
     if (visit.transient)
         AddTimeTerm(visit.dt, element.TE0, ND, sums);
     TakeResidual(element.TE1, ND, sums);
+}
+
+// The element in hand into the system. (The scaling of the first group by a fibre model belongs ahead of the assembly.)
+template <int Dimension, int Nodes> void FormElement(FormVisit<Dimension>& visit) {
+    ElementVisit<Dimension>& elements = visit.elements;
+    const ElementNodes<Dimension>& element = elements.element;
+    const ActiveNodes& active = elements.points.active;
+    const int ND = NodeCount<Nodes>(active.ND);
+    ElementSums<Dimension, Nodes> sums;
+    SumElement(visit, sums);
     PackUpper(sums, ND, visit.packed.data);
     if constexpr (Dimension == 2)
         SurfaceTerms<2>(elements.run, elements.group, visit.surfaces, elements.number, active, element,
                         visit.packed, RealArray(sums.FE, ND));
     AddElement(visit.system, visit.packed, ConstRealArray(sums.FE, ND), ConstIntArray(element.LM, ND), ND);
+}
+
+// The residual of the element in hand to the sums of its nodes. Surface terms are added where the caller wants them; they
+// need the room of a packed matrix, which is of no use then.
+template <int Dimension, int Nodes>
+void AddResidual(FormVisit<Dimension>& visit, bool withSurfaces, RealArray nodalSums) {
+    ElementVisit<Dimension>& elements = visit.elements;
+    const ActiveNodes& active = elements.points.active;
+    const int ND = NodeCount<Nodes>(active.ND);
+    ElementSums<Dimension, Nodes> sums;
+    SumElement(visit, sums);
+    if (withSurfaces) {
+        double packed[kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2];
+        PackUpper(sums, ND, packed);
+        SurfaceTerms<Dimension>(elements.run, elements.group, visit.surfaces, elements.number, active,
+                                elements.element, RealArray(packed, ND * (ND + 1) / 2),
+                                RealArray(sums.FE, ND));
+    }
+    for (int i = 0; i < ND; ++i)
+        nodalSums(elements.element.node[i]) += sums.FE[i];
 }
 
 // --- one group ----------------------------------------------------------------------------------------------------
@@ -120,12 +148,21 @@ template <int Dimension> void BeginFamilyData(FormVisit<Dimension>& visit) {
     visit.axisymmetric = group.INDAX != 0;
     if constexpr (Dimension == 1)
         visit.areas = ElementThickness(run, group);
-    if constexpr (Dimension == 2) {
-        visit.surfaces = SurfaceTablesOf<2>(run, group);
+    visit.surfaces = SurfaceTablesOf<Dimension>(run, group);
+    if constexpr (Dimension == 2)
         if (run.control.header.ITOR == 2)
             visit.potential =
                 RealSection(run.A, run.control.at.LPOT, run.control.header.PotentialFunctionSize);
-    }
+}
+
+template <int Dimension> void BeginFormVisit(FormVisit<Dimension>& visit) {
+    Run& run = visit.elements.run;
+    ElementGroup& group = visit.elements.group;
+    visit.transient = run.control.header.NSTAC != 0;
+    visit.dt = run.control.state.TimeStep;
+    BeginElementVisit(visit.elements, group.NGAUS);
+    BeginFamilyData(visit);
+    visit.source = BeginVolumeSource(run, group);
 }
 
 template <int Dimension> void VisitElements(Run& run, ElementGroup& group, const ElementWork& work) {
@@ -141,13 +178,9 @@ template <int Dimension> void VisitElements(Run& run, ElementGroup& group, const
 
 template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction) {
     FormVisit<Dimension> visit{{run, group}};
-    visit.transient = run.control.header.NSTAC != 0;
-    visit.dt = run.control.state.TimeStep;
+    BeginFormVisit(visit);
     visit.packed = RealSection(run.A, conduction, PackedLength(group.NDMAX));
     visit.system = SystemTargetOf(run);
-    BeginElementVisit(visit.elements, group.NGAUS);
-    BeginFamilyData(visit);
-    visit.source = BeginVolumeSource(run, group);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit.elements, n))
             continue;
@@ -158,6 +191,26 @@ template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word c
             FormElement<Dimension, 0>(visit);
     }
 }
+
+template <int Dimension>
+void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
+                         RealArray nodalSums) {
+    FormVisit<Dimension> visit{{run, group}};
+    BeginFormVisit(visit);
+    for (Word k = 1; k <= elements.length; ++k) {
+        if (!TakesPart(visit.elements, elements(k)))
+            continue;
+        TakeElement(visit.elements, elements(k));
+        if (visit.elements.points.active.ND == kCorners<Dimension>)
+            AddResidual<Dimension, kCorners<Dimension>>(visit, withSurfaces, nodalSums);
+        else
+            AddResidual<Dimension, 0>(visit, withSurfaces, nodalSums);
+    }
+}
+
+template void AddElementResiduals<1>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
+template void AddElementResiduals<2>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
+template void AddElementResiduals<3>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
 
 template void FormElements<1>(Run&, ElementGroup&, Word);
 template void FormElements<2>(Run&, ElementGroup&, Word);

@@ -22,4 +22,13 @@ void FormGroup3D(Run& run, ElementGroup& group);
 /// their range.
 template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction);
 
+/// Adds the right-hand sides of the listed elements, load minus conduction and capacity at the solution in hand, to the
+/// sums of their nodes; the system is left alone. Elements that lie in fibres as a whole are passed over.
+///   elements      numbers from 1..NET (input)
+///   withSurfaces  flux, convection and radiation through their sides take part
+///   nodalSums     1..NP (in and out)
+template <int Dimension>
+void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
+                         RealArray nodalSums);
+
 } // namespace zurt
