@@ -10,8 +10,6 @@ namespace zurt {
 
 namespace {
 
-constexpr std::int32_t kResultOrders[3] = {2, 2, 2};
-
 // The corner, from 0, in whose half, quarter or octant each point of the rule lies.
 template <int Dimension> constexpr int kCornerOfPoint[kCorners<Dimension>] = {1, 0};
 template <> constexpr int kCornerOfPoint<2>[kCorners<2>] = {2, 1, 3, 0};
@@ -84,7 +82,7 @@ void SpreadToMidSides(const ActiveNodes& active, ElementResults<Dimension>& resu
 
 template <int Dimension> void AddElementFluxes(Run& run, ElementGroup& group) {
     ElementVisit<Dimension> visit{run, group};
-    BeginElementVisit(visit, kResultOrders);
+    BeginElementVisit(visit, kFluxOrders);
     const NodalSums sums = NodalSumsOf(run);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit, n))

@@ -5,6 +5,9 @@
 
 namespace zurt {
 
+/// Orders of the rule of the fluxes in each direction.
+constexpr std::int32_t kFluxOrders[3] = {2, 2, 2};
+
 /// Adds for every element of the group, node by node, the flux -K grad c and the coefficients K of the Gauss point that
 /// stands for the node to the nodal sums (elements/nodal_averaging.h). The rule has two points in each direction whatever
 /// the group's orders are: each of its points stands for the corner in whose part of the element it lies. A mid-side node

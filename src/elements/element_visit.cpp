@@ -18,6 +18,16 @@ void PrintElementLine(Run& run, std::int32_t n) {
     Write(run.units.listing, line, n);
 }
 
+// Of the forming visits, or of the fluxes where their rule is another one.
+template <int Dimension> void TakeFibreRecords(ElementVisit<Dimension>& visit) {
+    const bool own = std::equal(visit.NGAUS, visit.NGAUS + Dimension, visit.group.NGAUS);
+    const std::vector<GaussFibreRecord>& records = own ? visit.fibres->records : visit.fibres->fluxRecords;
+    visit.fibreRecords = {records.data(), static_cast<Word>(records.size())};
+    visit.pointsPerElement = 1;
+    for (const std::int32_t order : visit.NGAUS)
+        visit.pointsPerElement *= order;
+}
+
 } // namespace
 
 template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders) {
@@ -31,6 +41,7 @@ template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, 
         return;
     visit.fibres = &visit.run.fibres.groups[static_cast<std::size_t>(visit.group.NGE)];
     visit.skipsElements = visit.run.fit.card.IEHM == 0;
+    TakeFibreRecords(visit);
 }
 
 template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n) {
@@ -60,14 +71,12 @@ void StopOnElementJacobian(const ElementVisit<Dimension>& visit, const ElementPo
         StopOnJacobian3D(unit, Language, visit.number, 0, at.place[0], at.place[1], at.place[2], DET);
 }
 
-// Records are those of the points that form the element. The fluxes have a rule of their own and take them by the number
-// of the point all the same, and the last one where there are fewer.
 template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG) {
     double factor[3] = {1.0, 1.0, 1.0};
     const Run& run = visit.run;
     const bool direct = run.control.header.IDIRECTD == 1;
-    GaussFactors(run.fibres, run.fit, direct, visit.group.NGE, visit.number,
-                 std::min<Word>(p, visit.fibres->points), std::fabs(TG), factor);
+    const Word at = (visit.number - 1) * visit.pointsPerElement + p;
+    GaussFactors(run.fibres, run.fit, direct, visit.fibreRecords(at), std::fabs(TG), factor);
     visit.coefficients.KX *= factor[0];
     visit.coefficients.KY *= factor[1];
     visit.coefficients.KZ *= factor[2];

@@ -16,8 +16,10 @@ template <int Dimension> struct ElementVisit {
     ConstIntTable NEL{};
     ConstIntArray materials{}; // empty when all elements have the group's
     NodalViews nodes{};
-    const FibreGroup* fibres = nullptr; // of the group, when fibres lie under it
-    bool skipsElements = false;         // those that fibres fill take no part
+    const FibreGroup* fibres = nullptr;               // of the group, when fibres lie under it
+    ArrayView<const GaussFibreRecord> fibreRecords{}; // at the points of this visit, element by element
+    Word pointsPerElement = 0;                        // in fibreRecords
+    bool skipsElements = false;                       // those that fibres fill take no part
     CoefficientTables tables{};
     std::int32_t NGAUS[Dimension] = {};
     ElementPoints<Dimension> points{};

@@ -86,6 +86,8 @@ struct FibreGroup {
     std::vector<std::int32_t> elementMark; // 1..NET at 0..NET-1: 1 when some Gauss point lies in fluid
     Word points = 0;                       // Gauss points of an element
     std::vector<GaussFibreRecord> records; // of element n, point p (both from 1) at (n-1)*points + p-1
+    std::vector<GaussFibreRecord>
+        fluxRecords; // the same at the points of the fluxes, where their rule is another one
 };
 
 struct FibreModel {

@@ -77,10 +77,17 @@ Word GaussPointsUnderFibres(const Run& run) {
 
 void ClassifyGroup(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group,
                    IntArray nodeMarks) {
-    if (group.NETIP == 2)
+    const std::int32_t NDS = run.control.header.NDS;
+    const bool hasFluxes = NDS == 1 || NDS == 3;
+    if (group.NETIP == 2) {
         ClassifyGaussPoints<2>(run, model, search, group, nodeMarks);
-    else
+        if (hasFluxes)
+            FillFluxRecords<2>(run, model, search, group);
+    } else {
         ClassifyGaussPoints<3>(run, model, search, group, nodeMarks);
+        if (hasFluxes)
+            FillFluxRecords<3>(run, model, search, group);
+    }
 }
 
 void StartHeq(Run& run, FibreModel& model, const ElementGroup& group, IntArray nodeMarks,

@@ -67,12 +67,11 @@ void GaussFactorEhm(const FibreModel& model, double HEQ, bool factorsOn, double 
     RaiseToSmallest(factor);
 }
 
-void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, Word NGE, Word n, Word p,
+void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, const GaussFibreRecord& record,
                   double c, double (&factor)[3]) {
     const bool factorsOn = FactorsOn(fit);
     if (fit.card.IEHM == 0 || direct)
-        GaussFactorCached(model, RecordOf(model.groups[static_cast<std::size_t>(NGE)], n, p), factorsOn, c,
-                          factor);
+        GaussFactorCached(model, record, factorsOn, c, factor);
     else
         GaussFactorEhm(model, fit.HEQ, factorsOn, c, factor);
 }

@@ -34,9 +34,9 @@ void GaussFactorDirect(const FibreModel& model, const FibreSearch& endless, cons
 /// Factors of the equivalent medium at the distance HEQ: x and y by the merged table, z by the merged second one.
 void GaussFactorEhm(const FibreModel& model, double HEQ, bool factorsOn, double c, double (&factor)[3]);
 
-/// What the element loops ask for at point p (from 1) of element n of group NGE: records in a run with fibres and in
-/// both passes of the direct calculation, else the equivalent medium.
-void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, Word NGE, Word n, Word p,
+/// What the element loops ask for at a point: its record in a run with fibres and in both passes of the direct
+/// calculation, else the equivalent medium.
+void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, const GaussFibreRecord& record,
                   double c, double (&factor)[3]);
 
 } // namespace zurt

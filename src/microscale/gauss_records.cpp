@@ -2,6 +2,7 @@
 
 #include "core/stop.h"
 #include "core/vector.h"
+#include "elements/element_fluxes.h"
 #include "microscale/gauss_walk.h"
 
 #include <algorithm>
@@ -72,7 +73,7 @@ void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search,
     marks.records.resize(static_cast<std::size_t>(marks.points * group.NET));
     GaussFibreRecord* record = marks.records.data();
     GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk);
+    BeginWalk(walk, group.NGAUS);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
         bool fluid = false;
@@ -94,7 +95,31 @@ void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search,
     }
 }
 
+template <int Dimension>
+void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group) {
+    std::vector<GaussFibreRecord>& records = model.groups[static_cast<std::size_t>(group.NGE)].fluxRecords;
+    records.clear();
+    if (std::equal(kFluxOrders, kFluxOrders + Dimension, group.NGAUS))
+        return;
+    const Word points = Word{1} << Dimension;
+    RequireRoomForRecords(run, group, points * group.NET);
+    records.resize(static_cast<std::size_t>(points * group.NET));
+    GaussFibreRecord* record = records.data();
+    GaussWalk<Dimension> walk{run, group};
+    BeginWalk(walk, kFluxOrders);
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        TakeWalkElement(walk, n);
+        for (int p = 0; p < walk.points.count; ++p, ++record) {
+            double X[3], w;
+            PlaceWalkPoint(walk, p, X, w);
+            FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
+        }
+    }
+}
+
 template void ClassifyGaussPoints<2>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&, IntArray);
 template void ClassifyGaussPoints<3>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&, IntArray);
+template void FillFluxRecords<2>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&);
+template void FillFluxRecords<3>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&);
 
 } // namespace zurt

@@ -23,4 +23,9 @@ template <int Dimension>
 void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group,
                          IntArray nodeMarks);
 
+/// Records at the points where the group's fluxes are evaluated (elements/element_fluxes.h), if its own points are others:
+/// those of all elements, in the order of that rule. Ends the run likewise.
+template <int Dimension>
+void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group);
+
 } // namespace zurt

@@ -37,7 +37,8 @@ template <int Dimension> Word PointsPerElement(const ElementGroup& group) {
     return points;
 }
 
-template <int Dimension> void BeginWalk(GaussWalk<Dimension>& walk) {
+template <int Dimension> void BeginWalk(GaussWalk<Dimension>& walk, const std::int32_t* orders) {
+    walk.NGAUS = orders;
     walk.NEL = Connectivity(walk.run, walk.group);
     walk.nodes.ID = EquationNumbers(walk.run);
     walk.nodes.X = CoordinateColumn(walk.run, 1);
@@ -55,7 +56,7 @@ template <int Dimension> void TakeWalkElement(GaussWalk<Dimension>& walk, std::i
     ActiveNodes active;
     ListActiveNodes<Dimension>(walk.NEL, n, active);
     if (!ServesNodes(walk.points.active, active))
-        SetElementPoints(active, walk.group.NGAUS, walk.points);
+        SetElementPoints(active, walk.NGAUS, walk.points);
     GatherElement<Dimension>(walk.nodes, walk.NEL, n, active, walk.element);
 }
 
@@ -74,7 +75,7 @@ void PlaceWalkPoint(const GaussWalk<Dimension>& walk, int p, double (&X)[3], dou
 
 #define ZURT_GAUSS_WALK(DIMENSION)                                                                           \
     template Word PointsPerElement<DIMENSION>(const ElementGroup&);                                          \
-    template void BeginWalk(GaussWalk<DIMENSION>&);                                                          \
+    template void BeginWalk(GaussWalk<DIMENSION>&, const std::int32_t*);                                     \
     template void TakeWalkElement(GaussWalk<DIMENSION>&, std::int32_t);                                      \
     template void PlaceWalkPoint(const GaussWalk<DIMENSION>&, int, double(&)[3], double&)
 ZURT_GAUSS_WALK(2);

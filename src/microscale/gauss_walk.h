@@ -16,16 +16,18 @@ template <int Dimension> struct GaussWalk {
     const ElementGroup& group;
     ConstIntTable NEL{};
     NodalViews nodes{};
-    ElementPoints<Dimension> points{}; // for the nodes of the element in hand
-    std::int32_t number = 0;           // of the element in hand
+    const std::int32_t* NGAUS = nullptr; // orders of the rule
+    ElementPoints<Dimension> points{};   // for the nodes of the element in hand
+    std::int32_t number = 0;             // of the element in hand
     ElementNodes<Dimension> element{};
 };
 
 /// Gauss points of each element of the group.
 template <int Dimension> Word PointsPerElement(const ElementGroup& group);
 
-/// Views for a walk over walk.group.
-template <int Dimension> void BeginWalk(GaussWalk<Dimension>& walk);
+/// Views for a walk over walk.group, over the points of the rule with these orders (1..5 in each direction; they stay
+/// the caller's).
+template <int Dimension> void BeginWalk(GaussWalk<Dimension>& walk, const std::int32_t* orders);
 
 /// Takes element n in hand. An element without a card ends the run with a library error.
 template <int Dimension> void TakeWalkElement(GaussWalk<Dimension>& walk, std::int32_t n);

@@ -76,7 +76,7 @@ double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& gr
     pass.sum.assign(static_cast<std::size_t>(nodeMarks.length), 0.0);
     pass.count.assign(static_cast<std::size_t>(nodeMarks.length), 0);
     GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk);
+    BeginWalk(walk, group.NGAUS);
     domainVolume = 0.0;
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);

@@ -190,11 +190,83 @@ TEST(Examples, CubeBySparseSolver) {
     EXPECT_EQ(table[8], 0.0);
 }
 
+// Porosity from MASS-X.LST.
+double PorosityOf(const ExampleResult& result) {
+    std::string mass = result.run.mass;
+    std::replace(mass.begin(), mass.end(), 'D', 'E');
+    const std::size_t line = mass.find('\n');
+    return line == std::string::npos ? 0.0 : std::stod(mass.substr(line + 11));
+}
+
+// Faults: materials of groups exchanged, start values of the groups of nodes, mass lost where sections change.
+TEST(Examples, ReservoirsEqualiseAtTheRateOfTwoStirredOnes) {
+    const ExampleResult result = RunExample("nanochannel_reservoirs");
+    ASSERT_EQ(result.tables.size(), 15U);
+    const auto difference = [&](std::size_t table) {
+        return result.tables[table].front() - result.tables[table].back();
+    };
+    for (std::size_t table = 11; table < 14; ++table)
+        EXPECT_NEAR(difference(table) / difference(table - 1), std::pow(1.0 + 1.4132 * 0.05, -10), 1e-3);
+    for (const Table& table : result.tables) { // what both reservoirs and the channel hold
+        ASSERT_EQ(table.size(), 156U);
+        double channel = 0.5 * (table.front() + table.back());
+        for (std::size_t node = 48; node < 124; node += kNodesOfSection)
+            channel += table[node];
+        EXPECT_NEAR(0.018 * table.front() + 0.009 * table.back() + 0.01 * channel / 20.0, 0.01825, 1e-6);
+    }
+}
+
+// Faults: a fibre's direction or the second table taken for another axis, which spoils the symmetry.
+TEST(Examples, FibreBoxIsSymmetricAndSlowerThanASlab) {
+    const ExampleResult result = RunExample("fibre_box");
+    ASSERT_EQ(result.tables.size(), 10U);
+    EXPECT_NEAR(PorosityOf(result), 0.85863, 0.005);
+    const Table& last = result.tables.back();
+    ASSERT_EQ(last.size(), 2197U);
+    double held = 0.0;
+    for (std::size_t node = 0; node < last.size(); ++node) {
+        const std::size_t i = node % 13, row = node - i;
+        EXPECT_EQ(last[node], last[row + 12 - i]) << "node " << node + 1;
+        EXPECT_EQ(last[node], last[2196 - node]) << "node " << node + 1;
+        held += (i == 0 || i == 12 ? 0.5 : 1.0) * last[node] / (12.0 * 169.0);
+    }
+    EXPECT_NEAR(held, 0.777, 0.01);
+    EXPECT_LT(held, 0.887) << "the slab";
+}
+
+TEST(Examples, SpheresConductAsMaxwellSays) {
+    const ExampleResult result = RunExample("spheres");
+    ASSERT_EQ(result.tables.size(), 1U);
+    EXPECT_NEAR(PorosityOf(result), 1.0 - 0.05 / 0.55, 0.001);
+    EXPECT_NEAR(0.5 / result.tables[0].at(0), 0.9 / 1.05, 0.002);
+    EXPECT_NE(result.run.listing.find("JEDN =     2091"), std::string::npos);
+}
+
+// Faults: circles taken for strips, three points an element with the fluxes of two.
+TEST(Examples, FibrousSheetConductsAsPublished) {
+    const ExampleResult result = RunExample("fibrous_sheet");
+    ASSERT_EQ(result.tables.size(), 1U);
+    ASSERT_EQ(result.tables[0].size(), 962U);
+    EXPECT_NEAR(PorosityOf(result), 1.0 - 0.6 / 3.1, 0.001);
+    EXPECT_NEAR(3.0 / result.tables[0][0], 0.666531, 0.002);
+    const std::vector<double> flux = LastUnvValues(result.run.graphics, 3);
+    ASSERT_EQ(flux.size(), 3 * 962U);
+    for (std::size_t cell : {1U, 2U}) {
+        double through = 0.0;
+        for (std::size_t j = 0; j <= 12; ++j)
+            through += (j % 12 == 0 ? 0.5 : 1.0) * flux[3 * (13 * (1 + 24 * cell) + j)] / 12.0;
+        EXPECT_NEAR(through, 1.0, 1e-4) << "x = " << cell;
+    }
+}
+
 // An example without a test above, or without the two files that make one.
 TEST(Examples, EachHasADeckAReadmeAndATest) {
-    const std::set<std::string> tested = {"brick20",      "cube_sparse",    "device",      "first",
-                                          "line_network", "radiating_edge", "ring",        "steady_nonlinear",
-                                          "t4",           "torsion",        "two_problems"};
+    // clang-format off
+    const std::set<std::string> tested = {
+        "brick20", "cube_sparse", "device", "fibre_box", "fibrous_sheet", "first",
+        "line_network", "nanochannel_reservoirs", "radiating_edge", "ring", "spheres", "steady_nonlinear",
+        "t4", "torsion", "two_problems"};
+    // clang-format on
     std::size_t found = 0;
     for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples")) {
         if (!entry.is_directory())

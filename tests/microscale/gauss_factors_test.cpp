@@ -140,7 +140,7 @@ TEST(GaussFactors, ChoiceByTheStateOfTheFit) {
     FitState fit;
     const auto factors = [&](bool direct) {
         double factor[3] = {1.0, 1.0, 1.0};
-        GaussFactors(model, fit, direct, 2, 2, 2, 1.0, factor);
+        GaussFactors(model, fit, direct, RecordOf(model.groups[2], 2, 2), 1.0, factor);
         return Factors3{factor[0], factor[1], factor[2]};
     };
     ExpectFactors(factors(false), {0.1, 0.5, 0.5});
