@@ -141,8 +141,8 @@ def table(distances, concentrations, rows):
 def fibre_set(number, kind, diameter, high, fibres, tables):
     """Set, search box and search grid card, the fibres (lists of points), the tables (one or two)."""
     text = comment(f"---- Fibre set {number}: NSETID NUMFIB IANISY NTYPE DIAM DLENGTH WALLCUT; search box, low corner "
-                   "and base; counts and steps; for each fibre NFIBID NPOINTS and its points; correction factors: NDIST "
-                   "NCONC, distances (nm), concentrations, a row for each distance")
+                   "and base; counts and steps; for each fibre NFIBID NPOINTS and its points; correction factors: "
+                   "NDIST NCONC, distances (nm), concentrations, a row for each distance")
     text += integers(number, len(fibres), len(tables) - 1, kind).rstrip("\n") + reals([diameter, 0.0, 1.0], 10, 6)
     text += reals([0.0] * 6, 10, 6) + "    2    2    2" + reals(high, 10, 6)
     for i, points in enumerate(fibres):
