@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "elements/assembly.h"
+#include "elements/brick_kernel.h"
 #include "elements/element_fluxes.h"
 #include "elements/element_kernel.h"
 #include "elements/element_visit.h"
@@ -11,9 +12,18 @@
 #include "elements/surface_terms.h"
 #include "elements/volume_source.h"
 
+#include <algorithm>
+
 namespace zurt {
 
 namespace {
+
+// For bricks without mid-side nodes: what holds for all of them, and the one in hand.
+struct BrickForming {
+    InstructionSet instructions = InstructionSet::Portable;
+    BrickRule rule;
+    BrickValues values;
+};
 
 template <int Dimension> struct FormVisit {
     ElementVisit<Dimension> elements;
@@ -21,10 +31,11 @@ template <int Dimension> struct FormVisit {
     bool transient = false;
     double dt = 0.0;
     bool axisymmetric = false;
-    ConstRealArray areas{};     // lines: 1..NET
-    ConstRealArray potential{}; // quadrilaterals under ITOR 2, by node; empty: sources stand as they are
-    SurfaceTables surfaces{};   // quadrilaterals
-    RealArray packed{};         // the element matrix that is assembled
+    ConstRealArray areas{};        // lines: 1..NET
+    ConstRealArray potential{};    // quadrilaterals under ITOR 2, by node; empty: sources stand as they are
+    SurfaceTables surfaces{};      // quadrilaterals
+    BrickForming* brick = nullptr; // bricks
+    RealArray packed{};            // the element matrix that is assembled
     SystemTarget system{};
 };
 
@@ -140,6 +151,35 @@ void AddResidual(FormVisit<Dimension>& visit, bool withSurfaces, RealArray nodal
         nodalSums(elements.element.node[i]) += sums.FE[i];
 }
 
+// What FormElement does, for a brick without mid-side nodes.
+void FormBrick(FormVisit<3>& visit) {
+    ElementVisit<3>& elements = visit.elements;
+    const ElementNodes<3>& element = elements.element;
+    const Coefficients& coefficients = elements.coefficients;
+    const BrickRule& rule = visit.brick->rule;
+    BrickValues& brick = visit.brick->values;
+    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
+    std::fill(brick.FE, brick.FE + kBrickNodes, 0.0);
+    LocateBrickPoints(visit.brick->instructions, rule, element.CORE, element.TE1, brick);
+    for (int p = 0; p < rule.count; ++p) {
+        if (!(brick.DET[p] > kSmallestJacobian))
+            StopOnElementJacobian(elements, elements.points.point[p], brick.DET[p]);
+        EvaluatePoint(elements, p + 1, brick.TG[p]);
+        brick.measure[p] = rule.weight[p] * brick.DET[p];
+        brick.conduction[0][p] = coefficients.KX;
+        brick.conduction[1][p] = coefficients.KY;
+        brick.conduction[2][p] = coefficients.KZ;
+        brick.CP[p] = coefficients.CP;
+        if (ISRC != 0)
+            for (int i = 0; i < kBrickNodes; ++i)
+                brick.FE[i] += rule.H[p][i] * brick.measure[p] * elements.group.held.QV;
+    }
+    SumBrick(visit.brick->instructions, rule, visit.transient, visit.dt, element.TE0, element.TE1, brick,
+             visit.packed.data);
+    AddElement(visit.system, visit.packed, ConstRealArray(brick.FE, kBrickNodes),
+               ConstIntArray(element.LM, kBrickNodes), kBrickNodes);
+}
+
 // --- one group ----------------------------------------------------------------------------------------------------
 
 template <int Dimension> void BeginFamilyData(FormVisit<Dimension>& visit) {
@@ -165,6 +205,15 @@ template <int Dimension> void BeginFormVisit(FormVisit<Dimension>& visit) {
     visit.source = BeginVolumeSource(run, group);
 }
 
+void BeginBricks(FormVisit<3>& visit, BrickForming& brick) {
+    ActiveNodes corners;
+    corners.ND = kBrickNodes;
+    SetElementPoints(corners, visit.elements.NGAUS, visit.elements.points);
+    SetBrickRule(visit.elements.points, brick.rule);
+    brick.instructions = WidestInstructionSet();
+    visit.brick = &brick;
+}
+
 template <int Dimension> void VisitElements(Run& run, ElementGroup& group, const ElementWork& work) {
     if (run.control.header.INTEB != 1)
         return;
@@ -181,14 +230,19 @@ template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word c
     BeginFormVisit(visit);
     visit.packed = RealSection(run.A, conduction, PackedLength(group.NDMAX));
     visit.system = SystemTargetOf(run);
+    BrickForming brick;
+    if constexpr (Dimension == 3)
+        BeginBricks(visit, brick);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit.elements, n))
             continue;
         TakeElement(visit.elements, n);
-        if (visit.elements.points.active.ND == kCorners<Dimension>)
-            FormElement<Dimension, kCorners<Dimension>>(visit);
-        else
+        if (visit.elements.points.active.ND > kCorners<Dimension>)
             FormElement<Dimension, 0>(visit);
+        else if constexpr (Dimension == 3)
+            FormBrick(visit);
+        else
+            FormElement<Dimension, kCorners<Dimension>>(visit);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "elements/jacobian.h"
 
 #include "core/vector.h"
+#include "elements/invert_matrix.h"
 
 #include <cmath>
 
@@ -40,35 +41,6 @@ inline void FormGlobalDerivatives(const ShapeValues<Dimension>& shape, int ND,
     }
 }
 
-// Inverts m in place by cofactors and returns its determinant, developed along the first row. A singular matrix
-// leaves no numbers in m.
-inline double InvertMatrix(double (&m)[2][2]) {
-    const double determinant = m[0][0] * m[1][1] - m[0][1] * m[1][0];
-    const double scale = 1.0 / determinant;
-    const double first = m[0][0];
-    m[0][0] = scale * m[1][1];
-    m[1][1] = scale * first;
-    m[0][1] *= -scale;
-    m[1][0] *= -scale;
-    return determinant;
-}
-
-inline double InvertMatrix(double (&m)[3][3]) {
-    const double a = m[1][1] * m[2][2] - m[1][2] * m[2][1];
-    const double b = m[1][2] * m[2][0] - m[1][0] * m[2][2];
-    const double c = m[1][0] * m[2][1] - m[1][1] * m[2][0];
-    const double determinant = m[0][0] * a + m[0][1] * b + m[0][2] * c;
-    const double scale = 1.0 / determinant;
-    const double adjugate[3][3] = {
-        {a, m[0][2] * m[2][1] - m[0][1] * m[2][2], m[0][1] * m[1][2] - m[0][2] * m[1][1]},
-        {b, m[0][0] * m[2][2] - m[0][2] * m[2][0], m[0][2] * m[1][0] - m[0][0] * m[1][2]},
-        {c, m[0][1] * m[2][0] - m[0][0] * m[2][1], m[0][0] * m[1][1] - m[0][1] * m[1][0]}};
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j)
-            m[i][j] = scale * adjugate[i][j];
-    return determinant;
-}
-
 // DET, the inverse of XJ and HX, from XJ.
 template <int Dimension>
 inline void InvertJacobian(const ShapeValues<Dimension>& shape, int ND, JacobianValues<Dimension>& out) {
@@ -79,7 +51,7 @@ inline void InvertJacobian(const ShapeValues<Dimension>& shape, int ND, Jacobian
         for (int d = 0; d < Dimension; ++d)
             for (int c = 0; c < Dimension; ++c)
                 out.inverse[d][c] = out.XJ[d][c];
-        out.DET = InvertMatrix(out.inverse);
+        InvertMatrix(out.inverse, out.DET);
     }
     FormGlobalDerivatives(shape, ND, out);
 }

@@ -2,12 +2,16 @@
 //
 // Gauss abscissae carry single precision, so a quadratic integrand is off by some 4e-8 of its size; what holds
 // without it is held to rounding.
+#include "elements/brick_kernel.h"
 #include "elements/element_kernel.h"
+#include "elements/gather.h"
 #include "form_model.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
+#include <random>
 
 namespace zurt {
 namespace {
@@ -234,31 +238,68 @@ TEST(FormMatrices, MixedElementsOfOneGroup) {
                         1e-13);
 }
 
-// Faults: the kernel for 8 nodes and the one for any count drift apart.
-TEST(FormMatrices, FixedAndRunTimeCountsGiveTheSameBits) {
-    double HX[3][21], H[21], TE[21];
-    for (int i = 0; i < 21; ++i) {
-        H[i] = std::sin(i + 1.0);
-        TE[i] = std::cos(3.0 * i);
-        for (int d = 0; d < 3; ++d)
-            HX[d][i] = std::sin(7.0 * i + d);
-    }
-    ElementSums<3, 8> fixed;
-    ElementSums<3, 0> any;
-    const auto form = [&](auto& sums) {
-        ClearSums(sums, 8);
-        AddConduction(HX, {1.1, 2.3, 0.7}, 0.3, 8, sums);
-        AddCapacity(H, 1.7, 0.3, 8, sums);
-        AddSource(H, 0.9, 0.3, 8, sums);
-        AddTimeTerm(0.3, TE, 8, sums);
-        TakeResidual(H, 8, sums);
-    };
-    form(fixed);
-    form(any);
-    for (int i = 0; i < 8; ++i) {
-        EXPECT_EQ(fixed.FE[i], any.FE[i]);
-        for (int j = 0; j < 8; ++j)
-            EXPECT_EQ(fixed.K[i][j], any.K[i][j]);
+// Faults: the kernels for corner nodes alone drift apart from the ones for any count, or one set of instructions from
+// another: another order of a sum, rows or columns exchanged, points behind the last one of a rule summed as well.
+TEST(FormMatrices, KernelsForCornersGiveTheBitsOfTheGeneralOnes) {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> real(-1.0, 1.0);
+    const auto points = std::make_unique<ElementPoints<3>>();
+    const auto rule = std::make_unique<BrickRule>();
+    const auto brick = std::make_unique<BrickValues>();
+    ActiveNodes corners;
+    corners.ND = 8;
+    for (const std::array<std::int32_t, 3>& orders : {std::array{2, 2, 2}, {3, 3, 3}, {1, 2, 5}}) {
+        SetElementPoints(corners, orders.data(), *points);
+        SetBrickRule(*points, *rule);
+        ElementNodes<3>
+            nodes; // corners in an order that makes some DET negative, which only the caller judges
+        for (int k = 0; k < 8; ++k) {
+            for (int c = 0; c < 3; ++c)
+                nodes.CORE[c][k] = (k >> c & 1) + 0.2 * real(random);
+            nodes.TE0[k] = real(random);
+            nodes.TE1[k] = real(random);
+        }
+        double measures[125], conduction[125][3], CP[125], packed[36];
+        for (int p = 0; p < points->count; ++p)
+            for (double* value : {conduction[p], conduction[p] + 1, conduction[p] + 2, CP + p})
+                *value = 1.5 + real(random);
+        for (const bool transient : {false, true}) {
+            const auto general = std::make_unique<ElementSums<3, 0>>();
+            ClearSums(*general, 8);
+            for (int p = 0; p < points->count; ++p) {
+                const ElementPoint<3>& point = points->point[p];
+                JacobianValues<3> jacobian;
+                JacobianVolume<3>(point.shape, nodes.CORE, 8, jacobian);
+                measures[p] = point.weight * jacobian.DET;
+                AddConduction(jacobian.HX, conduction[p], measures[p], 8, *general);
+                AddCapacity(point.shape.H, CP[p], measures[p], 8, *general);
+            }
+            if (transient)
+                AddTimeTerm(0.3, nodes.TE0, 8, *general);
+            TakeResidual(nodes.TE1, 8, *general);
+            for (const InstructionSet set :
+                 {InstructionSet::Portable, InstructionSet::Avx2, InstructionSet::Avx512}) {
+                if (set > WidestInstructionSet())
+                    continue;
+                LocateBrickPoints(set, *rule, nodes.CORE, nodes.TE1, *brick);
+                for (int p = 0; p < points->count; ++p) {
+                    EXPECT_EQ(points->point[p].weight * brick->DET[p], measures[p]);
+                    EXPECT_EQ(brick->TG[p], Interpolate<0>(points->point[p].shape.H, nodes.TE1, 8));
+                    brick->measure[p] = measures[p];
+                    brick->CP[p] = CP[p];
+                    for (int c = 0; c < 3; ++c)
+                        brick->conduction[c][p] = conduction[p][c];
+                }
+                std::fill(brick->FE, brick->FE + 8, 0.0);
+                SumBrick(set, *rule, transient, 0.3, nodes.TE0, nodes.TE1, *brick, packed);
+                const double* entry = packed;
+                for (int i = 0; i < 8; ++i) {
+                    EXPECT_EQ(brick->FE[i], general->FE[i]);
+                    for (int j = i; j < 8; ++j)
+                        EXPECT_EQ(*entry++, general->K[i][j]) << i << " " << j;
+                }
+            }
+        }
     }
 }
 
