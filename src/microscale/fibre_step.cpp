@@ -114,6 +114,19 @@ void ClassifyGroups(Run& run, FibreModel& model, std::int32_t first, IntArray no
     }
 }
 
+// Without an equation there is nothing to solve, and the solvers say so each in its own way or not at all.
+void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray nodeMarks) {
+    std::int32_t& JEDN = run.control.state.JEDN;
+    if (!LeaveOutUnmarkedNodes(EquationNumbers(run), nodeMarks, JEDN))
+        return;
+    if (JEDN == 0)
+        StopWithLibraryError(
+            "deck " + run.deck.name +
+            ": no element with a Gauss point outside the fibres has a node that is not held; "
+            "there is nothing to solve");
+    FormKeptLayout(run, model);
+}
+
 } // namespace
 
 void ApplyFibres(Run& run, FibreModel& model) {
@@ -130,9 +143,8 @@ void ApplyFibres(Run& run, FibreModel& model) {
     ClassifyGroups(run, model, first, nodeMarks);
     if (card.IEHM == 1)
         MergeCorrectionTables(model);
-    if ((card.IEHM != 1 || card.NFIT != 0) &&
-        LeaveOutUnmarkedNodes(EquationNumbers(run), nodeMarks, run.control.state.JEDN))
-        FormKeptLayout(run, model);
+    if (card.IEHM != 1 || card.NFIT != 0)
+        LeaveOutNodesInFibres(run, model, nodeMarks);
     if (card.NFIT == 0) // a fit keeps that of its first group
         run.control.state.POROSITY = Porosity(model.VOLFLUID, model.totalVolume);
 }

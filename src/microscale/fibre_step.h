@@ -12,8 +12,8 @@ namespace zurt {
 /// In this order: takes a word per node in `A`; clips the fibres to the box of the device cards; classifies the Gauss
 /// points of every plane and space group; with IEHM 1 computes the start value of HEQ from the first group that has any,
 /// and merges the correction tables; otherwise, and in a fit, takes the nodes outside the fluid out of the model and forms
-/// the layout of the system matrix anew; sets POROSITY. A fibre that lies outside the box, or a box without depth under
-/// bricks, ends the run with a library error. A model without plane and space groups is left alone.
+/// the layout of the system matrix anew; sets POROSITY. A fibre that lies outside the box, a box without depth under
+/// bricks, and fibres that leave no equation end the run with a library error. A model without plane and space groups is left alone.
 void ApplyFibres(Run& run, FibreModel& model);
 
 } // namespace zurt

@@ -1,5 +1,6 @@
 #include "support/bar_deck.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 
@@ -46,7 +47,7 @@ int& NumberAt(Grid& grid, int i, int j, int k) {
 
 Grid MakeGrid(const BarDeck& bar) {
     const int stride = bar.nodes == 20 ? 2 : 1;
-    Grid grid{stride, bar.nx * stride + 1, bar.ny * stride + 1, bar.nz * stride + 1, {}};
+    Grid grid{stride, bar.nx * stride + 1, bar.ny * stride + 1, bar.plane ? 1 : bar.nz * stride + 1, {}};
     grid.number.assign(static_cast<std::size_t>(grid.mx) * grid.my * grid.mz, 0);
     int next = 0;
     const int slices = bar.across ? grid.mx : 1, sliceLength = bar.across ? 1 : grid.mx;
@@ -111,7 +112,7 @@ std::vector<int> ElementNodes(Grid& grid, int i, int j, int k) {
     const int s = grid.stride;
     std::vector<int> nodes;
     for (const auto& c : corner)
-        nodes.push_back(NumberAt(grid, i + s * c[0], j + s * c[1], k + s * c[2]));
+        nodes.push_back(NumberAt(grid, i + s * c[0], j + s * c[1], grid.mz == 1 ? 0 : k + s * c[2]));
     if (s == 2)
         for (const auto& e : ends)
             nodes.push_back(NumberAt(grid, i + corner[e[0]][0] + corner[e[1]][0],
@@ -124,11 +125,12 @@ std::vector<int> ElementNodes(Grid& grid, int i, int j, int k) {
 void WriteElement(Writer& writer, Grid& grid, int number, int i, int j, int k, int generated) {
     std::vector<int> nodes = ElementNodes(grid, i * grid.stride, j * grid.stride, k * grid.stride);
     std::vector<int> card = {number};
-    card.insert(card.end(), nodes.begin(), nodes.begin() + 8);
+    card.insert(card.end(), nodes.begin(), nodes.begin() + (writer.bar.plane ? 4 : 8));
     const int step = NumberAt(grid, 1, 0, 0) - NumberAt(grid, 0, 0, 0);
     for (int field : {0, writer.bar.source ? 1 : 0, generated > 0 ? step : 0, generated, 0, 0})
         card.push_back(field);
-    const std::vector<int> widths = {8, 8, 8, 8, 8, 8, 8, 8, 8, 3};
+    const std::vector<int> widths = writer.bar.plane ? std::vector<int>{8, 8, 8, 8, 8, 5}
+                                                     : std::vector<int>{8, 8, 8, 8, 8, 8, 8, 8, 8, 3};
     writer.Integers(card, widths);
     if (grid.stride == 2) {
         std::vector<int> middles(nodes.begin() + 8, nodes.end());
@@ -141,15 +143,18 @@ void WriteGroups(Writer& writer, Grid& grid) {
     const BarDeck& bar = writer.bar;
     for (int g = 0; g < bar.groups; ++g) {
         const int from = bar.nx * g / bar.groups, to = bar.nx * (g + 1) / bar.groups;
-        writer.Integers({3, (to - from) * bar.ny * bar.nz, 0, bar.source ? 1 : 0, 0, 0}, {5, 10, 5});
+        const int layers = bar.plane ? 1 : bar.nz, material = bar.groupFactors.empty() ? 1 : g + 1;
+        writer.Integers({bar.plane ? 2 : 3, (to - from) * bar.ny * layers, 0, bar.source ? 1 : 0, 0, 0},
+                        {5, 10, 5});
         if (bar.NDS == 0)
             writer.Integers({1, 1, bar.nodes, 0, 0, 0, 0, 0});
         else if (bar.fixedFormat)
-            writer.text += Print("%5d     %5d%5d%5d%5d%5d%5d\n", 1, bar.nodes, 0, 0, 0, 0, 0);
+            writer.text += Print("%5d     %5d%5d%5d%5d%5d%5d\n", material, bar.plane ? 4 : bar.nodes, 0, 0,
+                                 bar.gauss, bar.gauss, bar.plane ? 0 : bar.gauss);
         else
-            writer.Integers({1, bar.nodes, 0, 0, 0, 0, 0});
+            writer.Integers({material, bar.nodes, 0, 0, 0, 0, 0});
         int number = 0;
-        for (int k = 0; k < bar.nz; ++k)
+        for (int k = 0; k < layers; ++k)
             for (int j = 0; j < bar.ny; ++j) {
                 const int count = to - from;
                 const bool run = bar.generate && grid.stride == 1 && count > 1 && count <= 1000;
@@ -166,9 +171,13 @@ void WriteDeviceMaterials(Writer& writer) {
     const BarDeck& bar = writer.bar;
     const int points = static_cast<int>(bar.diffusion.size());
     writer.Integers({points, 0, 0, 0, 0, 0});
-    writer.text += Print("%5d%5d\n", 1, points);
-    for (const auto& [c, D] : bar.diffusion)
-        writer.text += Print("%20.10e%20.10e\n", c, D);
+    const std::vector<double> one = {1.0};
+    int material = 0;
+    for (const double factor : bar.groupFactors.empty() ? one : bar.groupFactors) {
+        writer.text += Print("%5d%5d\n", ++material, points);
+        for (const auto& [c, D] : bar.diffusion)
+            writer.text += Print("%20.10e%20.10e\n", c, factor * D);
+    }
     if (bar.NANOCH > 0)
         writer.text += "    1    1\n 1.0000e+3\n 1.0000e+0\n 1.0000e+0\n"; // correction factor table
     if (bar.NDS != 2)
@@ -194,17 +203,29 @@ void WriteMaterials(Writer& writer) {
         writer.Reals({0.0, bar.capacity}, 0, 0);
 }
 
+// As many groups as NPOC says, at least two; always taken by columns.
+void WriteStartRanges(Writer& writer) {
+    int first = 1;
+    for (const auto& [last, value] : writer.bar.startRanges) {
+        writer.text += Print("%10.6f%5d%5d\n%5d%5d%5d\n%5d\n", value, 0, 1, first, 1, last, 0);
+        first = last + 1;
+    }
+}
+
 void WriteBoundary(Writer& writer) {
     const BarDeck& bar = writer.bar;
     const int points = static_cast<int>(bar.sourceCurve.size());
-    writer.Integers({1, 0, 0, 0, 0, 0, 0, bar.source ? 1 : 0, bar.source ? points : 0, 0, 0});
+    const int NPOC = std::max<int>(1, static_cast<int>(bar.startRanges.size()));
+    writer.Integers({NPOC, 0, 0, 0, 0, 0, 0, bar.source ? 1 : 0, bar.source ? points : 0, 0, 0});
     if (bar.source) {
         writer.Integers({1, points});
         for (const auto& [t, Q] : bar.sourceCurve)
             writer.Reals({t, Q}, 10, 3);
     }
     const bool nonlinear = bar.diffusion.size() > 1;
-    if (!bar.steady || nonlinear)
+    if (!bar.startRanges.empty())
+        WriteStartRanges(writer);
+    else if (!bar.steady || nonlinear)
         writer.Reals({bar.start}, 10, 3);
 }
 
@@ -227,8 +248,9 @@ std::string Build(const BarDeck& bar) {
     if (bar.NANOCH > 0)
         writer.text += Print("%10.4f%10.4f%10.4f\n\n", bar.box[0], bar.box[1], bar.box[2]);
     const int NPER = static_cast<int>(bar.periods.size());
-    writer.Integers({NP, bar.groups, 1, bar.steady ? 0 : 1, bar.steady ? 1 : NPER, bar.NPRINT, 0, bar.NULAZ,
-                     0, bar.IGRAF, 0},
+    const int NMATT = std::max(1, static_cast<int>(bar.groupFactors.size()));
+    writer.Integers({NP, bar.groups, NMATT, bar.steady ? 0 : 1, bar.steady ? 1 : NPER, bar.NPRINT, 0,
+                     bar.NULAZ, 0, bar.IGRAF, 0},
                     {10, 5});
     if (bar.fixedFormat)
         writer.text += Print("%5d%5d%5d%5d%10.2e%10.2e%5d%5d\n", bar.INTEB, 0, bar.IFORM, bar.MAXIT,

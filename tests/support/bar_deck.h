@@ -26,6 +26,7 @@ struct BarDeck {
     double width = 0.0;  // element size in y and z; 0: as in x
     bool fixedFormat = false;
     bool generate = true;
+    bool plane = false;  // quadrilaterals instead of bricks: nz does not count; with NDS 1 and fixed format
     bool across = false; // nodes numbered across the bar first, for a narrow band; else along x
     int NDS = 0;
     int NANOCH = 0, solver = 0;                  // with NANOCH above 0 a fixed format deck with NDS 1, 2 or 3
@@ -36,6 +37,8 @@ struct BarDeck {
     bool steady = false;
     std::vector<std::pair<int, double>> periods = {{10, 0.01}}; // steps, size
     double start = 1.0;
+    std::vector<std::pair<int, double>>
+        startRanges; // up to which node, start value; instead of the one value
     std::vector<std::pair<double, double>> diffusion = {{-1000.0, 1.0}, {1000.0, 1.0}};
     double capacity = 1.0;
     bool source = false; // uniform volume source by time (IZIP 1)
@@ -45,7 +48,10 @@ struct BarDeck {
     double EPSTA = 0.0, EPSTR = 1e-8;
     int IREST = 1, NCZK = 0;
     int groups = 1; // the block is cut along x into this many groups
-    int nodes = 8;  // 8 or 20 to an element
+    std::vector<double>
+        groupFactors; // on the diffusion curve of each group, with NDS; empty: one material for all
+    int gauss = 0;    // order of the Gauss rule, with NDS and fixed format; 0: default
+    int nodes = 8;    // 8 or 20 to an element
     std::string title = "Block of bricks";
     std::string end = "STOP\n";
 };
