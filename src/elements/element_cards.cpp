@@ -39,29 +39,12 @@ struct ElementReader {
 
 // --- checks -------------------------------------------------------------------------------------------------------
 
-[[noreturn]] void StopOnElementNumber(ElementReader& reader, Word number) {
-    Run& run = reader.run;
-    TextUnit& unit = MessageUnit(run);
-    Write(unit, "(3A)", Say(run, " GRESKA U ULAZNIM PODACIMA ZA GRUPU ", " ERROR IN INPUT DATA FOR "),
-          reader.family.name, Say(run, " ELEMENATA:", " ELEMENT GROUP:"));
-    Write(unit, "(A)",
-          Say(run, " UCITANI BROJ ELEMENTA JE VECI OD UKUPNOG BROJA U GRUPI",
-              " INPUT ELEMENT NUMBER IS GREATER THANTHE TOTAL NUMBER WITHIN THE GROUP"));
-    Write(unit, "(A,I8)", Say(run, " UCITANI BROJ ELEMENTA  NN=", " INPUT ELEMENT NUMBER  NN="), number);
-    Write(
-        unit, "(A,I8)",
-        Say(run, " UKUPAN BROJ ELEMENATA U GRUPI, NET=", " TOTAL NUMBER OF ELEMENTS WITHIN THE GROUP, NET="),
-        reader.group.NET);
-    Write(unit, "(A)", " S T O P");
-    StopRun();
-}
-
 void CheckElementNumber(ElementReader& reader, Word number) {
     if (number < 1)
         DeckError(reader.run.deck, reader.layout.group, "NN", std::to_string(number),
                   "element numbers begin with 1");
     if (number > reader.group.NET)
-        StopOnElementNumber(reader, number);
+        StopOnElementNumber(reader.run, reader.family.name, number, reader.group.NET);
 }
 
 // `what` says which number is wrong; the card may be one that this element was generated from.
@@ -262,6 +245,22 @@ void ReadElementRun(ElementReader& reader) {
 }
 
 } // namespace
+
+void StopOnElementNumber(Run& run, const char* family, Word number, std::int32_t NET) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(3A)", Say(run, " GRESKA U ULAZNIM PODACIMA ZA GRUPU ", " ERROR IN INPUT DATA FOR "), family,
+          Say(run, " ELEMENATA:", " ELEMENT GROUP:"));
+    Write(unit, "(A)",
+          Say(run, " UCITANI BROJ ELEMENTA JE VECI OD UKUPNOG BROJA U GRUPI",
+              " INPUT ELEMENT NUMBER IS GREATER THANTHE TOTAL NUMBER WITHIN THE GROUP"));
+    Write(unit, "(A,I8)", Say(run, " UCITANI BROJ ELEMENTA  NN=", " INPUT ELEMENT NUMBER  NN="), number);
+    Write(
+        unit, "(A,I8)",
+        Say(run, " UKUPAN BROJ ELEMENATA U GRUPI, NET=", " TOTAL NUMBER OF ELEMENTS WITHIN THE GROUP, NET="),
+        NET);
+    Write(unit, "(A)", " S T O P");
+    StopRun();
+}
 
 void StopOnMaterial(Run& run, const TwinText& label, std::int32_t material) {
     TextUnit& unit = MessageUnit(run);

@@ -6,7 +6,8 @@
 #include "elements/group_3d.h"
 #include "elements/group_cards.h"
 #include "elements/nodal_averaging.h"
-#include "job/not_built.h"
+#include "elements/radial_cards.h"
+#include "elements/radial_form.h"
 
 namespace zurt {
 
@@ -24,7 +25,7 @@ void ReadGroup(Run& run, ElementGroup& group, std::int32_t NETIP) {
         ReadGroup3D(run, group);
         break;
     default:
-        StopNotBuilt(run, "radial fibre element groups are");
+        ReadGroupRadial(run, group);
     }
     if (group.NGE >= run.control.header.NGET && run.control.state.SparseMode == 0)
         FinishColumnPointers(run);
@@ -43,6 +44,8 @@ void FormGroup(Run& run, ElementGroup& group, std::int32_t NETIP) {
         FormGroup2D(run, group);
     else if (NETIP == 3)
         FormGroup3D(run, group);
+    else
+        FormGroupRadial(run, group);
 }
 
 } // namespace

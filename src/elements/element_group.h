@@ -20,6 +20,37 @@ struct HeldCurveValues {
     double FR = 0.0;   // radiation coefficient of the surface point before
 };
 
+/// Most sub-elements of one radial element.
+constexpr std::int32_t kMaxSubElements = 10;
+
+/// What a group of radial fibre elements has of its own. Lengths are in the mesh's unit, concentrations in the deck's.
+struct RadialGroup {
+    // Radial group card, defaults applied.
+    std::int32_t NSUBEL4MX = 0; // most sub-elements of an element, 1 to kMaxSubElements
+    std::int32_t NP4DMX = 0;    // 2; more reserves room and nothing else
+    double CFIBER0 = 0.0;       // initial concentration in the fibres
+    std::int32_t IPARTIT = 0;   // positive: partition values, 1: read from the cards
+
+    std::int32_t ND = 2;              // nodes of a sub-element in the reserved room: 2 or 3
+    std::int32_t NODEL4MX = 0;        // rows of the tables of nodes and values
+    std::int32_t CommonNodeCount = 1; // continuum nodes that share a fibre's flux: 1, 4 or 8
+    Word subElements = 0;             // of all cards; under ISUB4 1 also the inner nodes
+
+    // Data block in `A`; an absent array starts where the next one does.
+    Word LFLUX = 0;             // NET, ISUB4 1: FibreFlux, of the iteration in work
+    Word LNODES = 0;            // NODEL4MX x NET, else: RadialNodes
+    Word LCOUNT = 0;            // NET: RadialCount, sub-elements
+    Word LD = 0;                // NET: RadialD
+    Word LLENGTH = 0;           // NET: RadialLength
+    Word LRADIUS = 0;           // NET: RadialRadius
+    Word LVALUE = 0;            // NODEL4MX x NET, ISUB4 1: FibreValue, from the axis outward
+    Word LVALUE0 = 0;           // the same at the start of the step: FibreValue0
+    Word LCONTINUUM = 0;        // NET, ISUB4 1: ContinuumNode
+    Word LCOMMON = 0;           // NET x CommonNodeCount, ISUB4 1 with IND4N 1 or 2: CommonNodes
+    Word LPARTITION = 0;        // NET, IPARTIT positive: PartitionValue
+    bool substructured = false; // ISUB4 is 1: the inner nodes exist in the elements alone
+};
+
 struct ElementGroup {
     std::int32_t NGE = 0; // number of the group, from 1
 
@@ -61,7 +92,14 @@ struct ElementGroup {
 
     bool indicesChecked = false; // numbers that could not be checked at reading have been checked since
     HeldCurveValues held;
+
+    RadialGroup radial; // of use in groups of that family alone
 };
+
+/// Every element type but those of the three isoparametric families.
+inline bool IsRadial(const ElementGroup& group) {
+    return group.NETIP < 1 || group.NETIP > 3;
+}
 
 /// Packed upper triangle of an element matrix.
 inline Word PackedLength(std::int32_t NDMAX) {

@@ -2,6 +2,7 @@
 
 #include "core/stop.h"
 #include "elements/group_views.h"
+#include "elements/radial_views.h"
 #include "model/material_tables.h"
 
 #include <string>
@@ -15,11 +16,10 @@ namespace {
                          what);
 }
 
-// Cards write corners only inside 1..NP, so a first corner of 0 is a row that no card has written.
-void RequireCards(const Run& run, const ElementGroup& group) {
-    const ConstIntTable NEL = Connectivity(run, group);
+// Of each element a number that every card sets above 0: where it is 0, no card has written.
+void RequireCards(const Run& run, const ElementGroup& group, ConstIntArray numbers) {
     for (Word n = 1; n <= group.NET; ++n)
-        if (NEL(n, 1) == 0)
+        if (numbers(n) == 0)
             Refuse(run, group,
                    "element " + std::to_string(n) + " has no card; its number is left out between the cards");
 }
@@ -85,9 +85,15 @@ void RequireMaterialCurves(const Run& run, const ElementGroup& group) {
 void CheckGroupIndices(Run& run, ElementGroup& group) {
     if (group.indicesChecked)
         return;
-    RequireCards(run, group);
+    RequireCards(run, group, IntSection(run.A, group.LNEL, group.NET)); // first corners
     RequireSources(run, group);
     RequireMaterialCurves(run, group);
+    group.indicesChecked = true;
+}
+
+void CheckRadialCards(Run& run, ElementGroup& group) {
+    if (!group.indicesChecked)
+        RequireCards(run, group, RadialCount(run, group));
     group.indicesChecked = true;
 }
 

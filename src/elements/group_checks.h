@@ -11,4 +11,7 @@ namespace zurt {
 /// the kind of problem needs.
 void CheckGroupIndices(Run& run, ElementGroup& group);
 
+/// The same of a radial group: ends the run when one of its elements has no card.
+void CheckRadialCards(Run& run, ElementGroup& group);
+
 } // namespace zurt

@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "elements/element_dispatch.h"
+#include "elements/radial_nodes.h"
 #include "elements/surface_cards.h"
 #include "homogenization/homogenization_card.h"
 #include "homogenization/mass_files.h"
@@ -154,6 +155,8 @@ void WriteGroupToGraphics(Run& run, const ElementGroup& group) {
         WriteUnvElements2D(run, group);
     else if (group.NETIP == 3)
         WriteUnvElements3D(run, group);
+    else if (group.ISUB4 == 0)
+        WriteUnvElementsRadial(run, group);
 }
 
 void ReadElementGroups(Run& run) {
@@ -226,6 +229,12 @@ void DecideKindOfProblem(Run& run) {
                           counts.MAXTHR > 0;
 }
 
+void StartAssembledFibres(Run& run) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (run.groups[NGE].NETIP == 4 && run.groups[NGE].ISUB4 == 0)
+            SetFibreInitialValues(run, run.groups[NGE]);
+}
+
 void ReadBoundaryData(Run& run) {
     const CurveCounts& counts = run.control.counts;
     const std::int32_t first = run.deck.CardCounter + 1;
@@ -235,8 +244,10 @@ void ReadBoundaryData(Run& run) {
     ReadFunctionTables(run);
     DecideKindOfProblem(run);
     TakeSolutionVectors(run);
-    if (run.control.header.NSTAC != 0 || run.control.state.NonlinearFlag == 1)
+    if (run.control.header.NSTAC != 0 || run.control.state.NonlinearFlag == 1) {
         ReadInitialConditions(run);
+        StartAssembledFibres(run);
+    }
     if (run.control.header.NSTAC == 0 || run.control.state.NonlinearFlag == 1) {
         Copy<double>(StepSolution(run), StepStart(run));
         Copy<double>(StepSolution(run), StepIncrement(run));

@@ -1,6 +1,7 @@
 #include "microscale/fibre_step.h"
 
 #include "core/stop.h"
+#include "elements/radial_nodes.h"
 #include "job/partition.h"
 #include "microscale/fibre_geometry.h"
 #include "microscale/fibre_search.h"
@@ -141,6 +142,9 @@ void ApplyFibres(Run& run, FibreModel& model) {
     model.dimension = run.groups[first].NETIP;
     ClipFibres(run, model);
     ClassifyGroups(run, model, first, nodeMarks);
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (IsRadial(run.groups[NGE]))
+            MarkRadialNodes(run, run.groups[NGE], nodeMarks);
     if (card.IEHM == 1)
         MergeCorrectionTables(model);
     if (card.IEHM != 1 || card.NFIT != 0)

@@ -1,5 +1,6 @@
 #include "microscale/marked_nodes.h"
 
+#include "elements/radial_nodes.h"
 #include "elements/shape_functions.h"
 #include "solver/skyline_layout.h"
 
@@ -41,7 +42,9 @@ void FormKeptLayout(Run& run, const FibreModel& model) {
     const IntArray MAXA = DiagonalPositions(run);
     Fill(MAXA, 0);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        if (run.groups[NGE].NDMAX > 0)
+        if (IsRadial(run.groups[NGE]))
+            RaiseRadialHeights(run, run.groups[NGE], MAXA);
+        else
             RaiseGroupHeights(run, model.groups[static_cast<std::size_t>(NGE)], run.groups[NGE], MAXA);
     state.NWK = MakeColumnPointers(MAXA, state.JEDN);
 }

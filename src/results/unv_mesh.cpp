@@ -1,6 +1,7 @@
 #include "results/unv_mesh.h"
 
 #include "core/format.h"
+#include "elements/radial_views.h"
 
 namespace zurt {
 
@@ -43,10 +44,17 @@ constexpr UnvFamily kBricks = {{115, 8, kLinearBrick},
                                " DOZVOLJAVA SAMO 3/D ELEMENTE SA 8 ILI 20 CVOROVA PO ELEMENTU U",
                                " PERMITS ONLY 3/D ELEMENTS WITH 8 OR 20 NODES PER ELEMENT IN"};
 
+// A radial fibre stands in the file as its sub-elements, or not at all.
+std::int32_t ElementsInFile(const ElementGroup& group) {
+    if (!IsRadial(group))
+        return group.NET;
+    return group.ISUB4 == 0 ? static_cast<std::int32_t>(group.radial.subElements) : 0;
+}
+
 std::int32_t LabelsBefore(const Run& run, const ElementGroup& group) {
     std::int32_t labels = 0;
     for (std::int32_t NGE = 1; NGE < group.NGE; ++NGE)
-        labels += run.groups[NGE].NET;
+        labels += ElementsInFile(run.groups[NGE]);
     return labels;
 }
 
@@ -118,6 +126,20 @@ void WriteUnvElements2D(Run& run, const ElementGroup& group) {
 
 void WriteUnvElements3D(Run& run, const ElementGroup& group) {
     WriteUnvElements(run, group, kBricks);
+}
+
+void WriteUnvElementsRadial(Run& run, const ElementGroup& group) {
+    TextUnit& graphics = run.units.graphics;
+    if (!IsOpen(graphics) || run.control.header.IGRAF < 0)
+        return;
+    const IntTable nodes = RadialNodes(run, group);
+    const ConstIntArray counts = RadialCount(run, group);
+    std::int32_t label = LabelsBefore(run, group);
+    Write(graphics, "(I6/I6)", -1, 71);
+    for (Word n = 1; n <= nodes.columns; ++n)
+        for (Word i = 1; i <= counts(n); ++i) // two neighbours of the column as an element of its own
+            WriteElement(graphics, ++label, IntTable(&nodes(i, n), 1, 2), 1, kLines.linear);
+    Write(graphics, "(I6)", -1);
 }
 
 } // namespace zurt

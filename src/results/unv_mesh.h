@@ -16,4 +16,7 @@ void WriteUnvElements1D(Run& run, const ElementGroup& group);
 void WriteUnvElements2D(Run& run, const ElementGroup& group);
 void WriteUnvElements3D(Run& run, const ElementGroup& group);
 
+/// Dataset 71 of radial fibres whose nodes are nodes of the model (ISUB4 0): each sub-element is a linear beam.
+void WriteUnvElementsRadial(Run& run, const ElementGroup& group);
+
 } // namespace zurt

@@ -1,6 +1,7 @@
 #include "results/unv_results.h"
 
 #include "core/format.h"
+#include "elements/radial_views.h"
 #include "results/nodal_values.h"
 
 #include <string_view>
@@ -43,11 +44,29 @@ void WriteEnd(Run& run) {
     Write(run.units.graphics, "(I6)", -1);
 }
 
-void WriteScalars(Run& run, const DatasetHead& head, ConstRealArray values) {
+void WriteScalarRow(Run& run, Word node, double value) {
     static const Format row("(I10/D13.5)");
-    WriteHead(run, head);
+    Write(run.units.graphics, row, node, value);
+}
+
+// Rows of a substructured group: the inner nodes of each fibre, from its axis outward. Returns the last number.
+Word WriteRadialNodes(Run& run, const ElementGroup& group, Word number) {
+    const ConstRealTable values = FibreValue(run, group);
+    const ConstIntArray counts = RadialCount(run, group);
+    for (Word n = 1; n <= values.columns; ++n)
+        for (Word k = 1; k <= counts(n); ++k)
+            WriteScalarRow(run, ++number, values(k, n));
+    return number;
+}
+
+void WriteConcentrations(Run& run, ConstRealArray values) {
+    WriteHead(run, kConcentrations);
     for (Word i = 1; i <= values.length; ++i)
-        Write(run.units.graphics, row, i, values(i));
+        WriteScalarRow(run, i, values(i));
+    Word number = values.length;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (IsRadial(run.groups[NGE]) && run.groups[NGE].ISUB4 == 1)
+            number = WriteRadialNodes(run, run.groups[NGE], number);
     WriteEnd(run);
 }
 
@@ -70,7 +89,7 @@ void WriteUnvResults(Run& run) {
         return;
     const RealArray values = NodalValues(run);
     SetNegligibleToZero(values);
-    WriteScalars(run, kConcentrations, values);
+    WriteConcentrations(run, values);
     for (int k = 1; k <= 3; ++k)
         SetNegligibleToZero(NodalResultVector(run, k));
     WriteVectors(run, kMassFlux, 1);

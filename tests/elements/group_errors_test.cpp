@@ -87,14 +87,6 @@ TEST(GroupErrors, FullWorkingVector) {
     EXPECT_NE(text.find("REQUIRED DIMENSION, LMAX =2100001"), std::string::npos) << text;
 }
 
-// Faults: a family that is silently passed over.
-TEST(GroupErrors, FamilyNotBuilt) {
-    GroupProblem problem;
-    problem.NETIP = 7;
-    EXPECT_EXIT(ReadCards(problem, ""), testing::ExitedWithCode(2),
-                "radial fibre element groups are not built yet");
-}
-
 // Faults: phase 3 that acts, an unknown phase that does not act as reading.
 TEST(GroupErrors, Phases) {
     GroupRun model;

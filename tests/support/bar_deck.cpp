@@ -242,6 +242,7 @@ std::string Build(const BarDeck& bar) {
     int NP = 0;
     for (int number : grid.number)
         NP = number > NP ? number : NP;
+    NP += static_cast<int>(std::count(bar.moreNodes.begin(), bar.moreNodes.end(), '\n'));
     Writer writer{bar, ""};
     writer.text =
         bar.title + "\n" + Print("%d %d %d %d\n", bar.fixedFormat ? 2 : 1, bar.NDS, bar.NANOCH, bar.solver);
@@ -249,8 +250,8 @@ std::string Build(const BarDeck& bar) {
         writer.text += Print("%10.4f%10.4f%10.4f\n\n", bar.box[0], bar.box[1], bar.box[2]);
     const int NPER = static_cast<int>(bar.periods.size());
     const int NMATT = std::max(1, static_cast<int>(bar.groupFactors.size()));
-    writer.Integers({NP, bar.groups, NMATT, bar.steady ? 0 : 1, bar.steady ? 1 : NPER, bar.NPRINT, 0,
-                     bar.NULAZ, 0, bar.IGRAF, 0},
+    writer.Integers({NP, bar.groups + bar.moreGroupCount, NMATT, bar.steady ? 0 : 1, bar.steady ? 1 : NPER,
+                     bar.NPRINT, 0, bar.NULAZ, 0, bar.IGRAF, 0},
                     {10, 5});
     if (bar.fixedFormat)
         writer.text += Print("%5d%5d%5d%5d%10.2e%10.2e%5d%5d\n", bar.INTEB, 0, bar.IFORM, bar.MAXIT,
@@ -271,11 +272,13 @@ std::string Build(const BarDeck& bar) {
         writer.Reals(sizes, 10, 3);
     }
     WriteNodes(writer, grid);
+    writer.text += bar.moreNodes;
     if (!bar.fibres.empty())
         writer.text += bar.fibres;
     else
         writer.text += bar.fixedFormat ? "\n\n" : "0 0 0 0 0 0. 0 0 0 0 0 0 0 0\n0. 0.\n";
     WriteGroups(writer, grid);
+    writer.text += bar.moreGroups;
     if (bar.NDS == 0)
         WriteMaterials(writer);
     else

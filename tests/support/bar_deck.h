@@ -52,6 +52,8 @@ struct BarDeck {
         groupFactors; // on the diffusion curve of each group, with NDS; empty: one material for all
     int gauss = 0;    // order of the Gauss rule, with NDS and fixed format; 0: default
     int nodes = 8;    // 8 or 20 to an element
+    std::string moreNodes, moreGroups; // cards behind those of the block; the nodes one a card
+    int moreGroupCount = 0;
     std::string title = "Block of bricks";
     std::string end = "STOP\n";
 };

@@ -243,6 +243,26 @@ std::string Fibres() {
     return Build(bar);
 }
 
+// Two assembled fibres with partition values, and one that is substructured with four common nodes.
+std::string RadialFibres() {
+    BarDeck bar = Bar(true, 0);
+    bar.periods = {{3, 0.01}};
+    const int first = (bar.nx + 1) * (bar.ny + 1) * (bar.nz + 1);
+    for (int i = 1; i <= 5; ++i)
+        bar.moreNodes += Print("%10d    0     %15.6e\n", first + i, 0.1 * i);
+    bar.moreGroupCount = 2;
+    bar.moreGroups = Print("%5d%10d%5d%5d%5d%5d\n%5d%5d%10.2f%5d\n", 4, 2, 0, 0, 0, 0, 3, 2, 1.0, 1);
+    const char* element = "%8d       %10.4f%10.4f%10.4f%8d%8d%10.2f%10.2f%10.2f%10.2f\n";
+    bar.moreGroups += Print(element, 1, 0.1, 0.05, 0.02, 3, 0, 0., 0., 0., 0.5);
+    bar.moreGroups += Print("%8d%8d%8d%8d\n", first + 1, first + 2, first + 3, 2);
+    bar.moreGroups += Print(element, 2, 0.1, 0.05, 0.02, 2, 0, 0., 0., 0., 0.8);
+    bar.moreGroups += Print("%8d%8d%8d\n", first + 4, first + 5, 3);
+    bar.moreGroups += Print("%5d%10d%5d%5d%5d%5d\n%5d%5d%10.2f%5d\n", 4, 1, 0, 0, 1, 1, 4, 2, 1.0, 0);
+    bar.moreGroups += Print(element, 1, 0.1, 0.05, 0.02, 5, 2, 0.5, 0.1, 0.1, 0.);
+    bar.moreGroups += Print("%8d%8d%8d%8d\n", 2, 3, 4, 5);
+    return Build(bar);
+}
+
 std::vector<SmallDeck> MakeSmallDecks() {
     BarDeck listed = Bar(true, 0);
     listed.generate = false;
@@ -266,6 +286,7 @@ std::vector<SmallDeck> MakeSmallDecks() {
             {"torsion", Torsion()},
             {"lines", Lines()},
             {"fibres", Fibres()},
+            {"radial fibres", RadialFibres()},
             {"sparse", Replaced(Build(device), "2 1 0 0\n", "2 1 0 2\n")}};
 }
 
