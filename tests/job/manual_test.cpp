@@ -2,6 +2,7 @@
 #include "elements/group_1d.h"
 #include "elements/group_2d.h"
 #include "elements/group_3d.h"
+#include "elements/radial_cards.h"
 #include "elements/surface_cards.h"
 #include "homogenization/homogenization_card.h"
 #include "job/header_cards.h"
@@ -157,6 +158,9 @@ const NamedLayout kLayouts[] = {
     ZURT_NAMED(kFibreCard),
     ZURT_NAMED(kFibrePointCard),
     ZURT_NAMED(kCorrectionTableSizesCard),
+    ZURT_NAMED(kRadialGroupCard),
+    ZURT_NAMED(kRadialElementCard),
+    ZURT_NAMED(kRadialNodeCard),
 };
 
 // The cards of one family of elements. Two forms of a card stand under one heading: the group card without NDS and with
