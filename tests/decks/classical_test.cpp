@@ -366,7 +366,7 @@ TEST(Classical, SquareShaftMeetsTheSeries) {
 // The deck with the fourth number of every format card replaced; `cards` counts them. In the examples only a format card
 // is four single digits of this kind.
 std::string WithSolver(const std::string& deck, int solver, int& cards) {
-    static const std::regex formatCard("\n([12] [0-3] 0) [02](?=\n)");
+    static const std::regex formatCard("\n([12] [0-3] [0-3]) [02](?=\n)");
     cards = static_cast<int>(std::distance(std::sregex_iterator(deck.begin(), deck.end(), formatCard), {}));
     return std::regex_replace(deck, formatCard, "\n$1 " + std::to_string(solver));
 }
@@ -385,6 +385,8 @@ std::vector<std::vector<double>> Tables(const std::string& listing) {
 // Faults: a group, a term or a restart of the iteration that one of the two assemblies treats in its own way.
 TEST(Classical, BothSolversAgreeOnEveryExample) {
     for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples")) {
+        if (!entry.is_directory()) // the script that made some of them
+            continue;
         const std::string name = entry.path().filename().string();
         const std::string deck = ReadFile((entry.path() / "zurt.dat").string());
         int cards = 0;
