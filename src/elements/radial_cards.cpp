@@ -194,12 +194,14 @@ void StoreElement(const RadialReader& reader, std::int32_t count) {
     radial.subElements += count;
 }
 
-// `count` node numbers from a card of their own.
+// `count` node numbers, at most kNodesPerRadialCard, from a card of their own.
 void ReadNodeNumbers(const RadialReader& reader, std::int32_t count, RadialNodeCard& card) {
     Run& run = reader.run;
-    ReadImageFields(run.deck, run.control.header.INDFOR, kRadialNodeCard, &card);
+    const CardField& field = kNodeFields[0];
+    ReadIntegerCards(run.deck, run.control.header.INDFOR, kRadialNodeCard.group, field.name, "I8",
+                     kNodesPerRadialCard, IntArray(card.NODE, count));
     for (std::int32_t k = 0; k < count; ++k)
-        RequireIndex(run.deck, kRadialNodeCard.group, "NODE", card.NODE[k], run.control.header.NP);
+        RequireIndex(run.deck, kRadialNodeCard.group, field.name, card.NODE[k], run.control.header.NP);
 }
 
 // --- substructured fibres -----------------------------------------------------------------------------------------
@@ -281,7 +283,7 @@ void ReadRadialElements(Run& run, ElementGroup& group) {
     if (reader.graphics)
         Write(graphics, "(I6/I6)", -1, 15);
     for (Word cards = 0; cards < group.NET; ++cards) {
-        ReadImageFields(run.deck, run.control.header.INDFOR, kRadialElementCard, &reader.card);
+        ReadCardFields(run.deck, run.control.header.INDFOR, kRadialElementCard, &reader.card);
         CheckElementNumber(reader);
         if (inner)
             ReadSubstructuredElement(reader);

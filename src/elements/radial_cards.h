@@ -1,7 +1,7 @@
 // Cards of the radial fibre family: each element is a fibre, solved along its radius.
 //
-// Lengths are in the mesh's unit, concentrations in the deck's. All cards are taken by columns, so such decks are fixed
-// format decks. Called through DispatchElementPhase.
+// Lengths are in the mesh's unit, concentrations in the deck's. The group card is always taken by columns, so such
+// decks are fixed format decks. Called through DispatchElementPhase.
 #pragma once
 
 #include "job/card.h"
