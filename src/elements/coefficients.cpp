@@ -1,6 +1,7 @@
 #include "elements/coefficients.h"
 
 #include "core/stop.h"
+#include "microscale/direction_curves.h"
 #include "model/curve_lookup.h"
 #include "model/curve_messages.h"
 #include "model/material_tables.h"
@@ -96,16 +97,41 @@ bool ConductionAt(const CoefficientTables& tables, const MaterialInHand& materia
     return ConductionFromPolynomials(tables, material, TG, coefficients, failure);
 }
 
-// The diffusion curve of the material. Ahead of the spreading over the axes belong the tabulated coefficient of a second
-// direct pass and the curves per direction of a fit.
+// The diffusion curve of the material, which the table of a second direct pass or the curves by direction of a fit may
+// replace; the multipliers of the axes are no part of either.
 bool DeviceCoefficients(const CoefficientTables& tables, const MaterialInHand& material, double TG,
                         Coefficients& coefficients, CoefficientFailure& failure) {
     const double CABS = std::fabs(TG);
     double D = 0.0;
     if (DiffusionLookup(tables.diffusionCurves, tables.diffusionPoints, material.MATE, CABS, D) != 0)
         return Fail(failure, CoefficientStatus::DiffusionRange, material.MATE, CABS);
+    if (tables.tabulated) {
+        coefficients.KX = coefficients.KY = coefficients.KZ = tables.tabulatedD;
+        return true;
+    }
+    if (tables.fitted == material.MATE)
+        return CurveForDirection(tables.diffusionCurves, tables.diffusionPoints, material.MATE, tables.DBULK,
+                                 tables.fit->D1DIR, tables.fit->D2DIR, CABS, coefficients.KX, coefficients.KY,
+                                 coefficients.KZ) == 0 ||
+               Fail(failure, CoefficientStatus::DiffusionRange, material.MATE, CABS);
     SpreadOverAxes(tables, material, D * tables.timeMultiplier, coefficients);
     return true;
+}
+
+// What a fit or the direct calculation puts in place of a diffusion curve, in models with fibres.
+void ReplaceDiffusionCurve(const Run& run, CoefficientTables& tables) {
+    const RunState& state = run.control.state;
+    const HomogenizationCard& card = run.fit.card;
+    if (card.NSETS < 1)
+        return;
+    if (run.control.header.IDIRECTD == 1 && state.PassCounter == 2) {
+        tables.tabulated = true;
+        tables.tabulatedD = RealTableSection(run.A, run.control.at.LDIRD, 2, state.NDT)(2, state.KOR);
+    } else if (card.NFIT == 1 && run.fit.IFINALRUN == 1) {
+        tables.fitted = run.control.header.NMATT;
+        tables.DBULK = RealSection(run.A, run.control.at.LFIT, run.control.counts.MAXPMAT);
+        tables.fit = &run.fit;
+    }
 }
 
 } // namespace
@@ -122,6 +148,7 @@ CoefficientTables CoefficientTablesOf(const Run& run, const ElementGroup& group)
         tables.timeMultiplier = TimeMultiplierOfGroup(run, group.NGE);
         tables.diffusionCurves = DiffusionTable(run);
         tables.diffusionPoints = DiffusionPoints(run);
+        ReplaceDiffusionCurve(run, tables);
         return tables;
     }
     tables.functions = MaterialFunctions(run);

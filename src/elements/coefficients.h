@@ -22,8 +22,13 @@ struct CoefficientTables {
     bool anisotropic = false;
     double timeMultiplier = 1.0; // on the diffusion curve
     bool conductivityNonlinear = false, capacityNonlinear = false;
-    ConstRealTable diffusionCurves; // NDS not 0: model/material_tables.h has the layouts
+    RealTable diffusionCurves; // NDS not 0: model/material_tables.h has the layouts
     ConstIntArray diffusionPoints;
+    bool tabulated = false; // second direct pass: tabulatedD instead, in all axes
+    double tabulatedD = 0.0;
+    std::int32_t fitted = 0; // final run of a fit: the material whose curve goes by direction, 0 none
+    ConstRealArray DBULK;    // its saved curve
+    const FitState* fit = nullptr;
     ConstIntTable functions; // the rest with NDS 0
     ConstRealTable multipliers;
     ConstRealArray densities, maxima, minima;

@@ -39,8 +39,11 @@ template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, 
     std::copy(orders, orders + Dimension, visit.NGAUS);
     if (Dimension == 1 || visit.run.fit.card.NSETS < 1)
         return;
+    if (visit.tables.tabulated) // fibres are in the table
+        return;
+    const FitState& fit = visit.run.fit;
     visit.fibres = &visit.run.fibres.groups[static_cast<std::size_t>(visit.group.NGE)];
-    visit.skipsElements = visit.run.fit.card.IEHM == 0;
+    visit.skipsElements = fit.card.IEHM == 0 && fit.fullNumbering == 0;
     TakeFibreRecords(visit);
 }
 

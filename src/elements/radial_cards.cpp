@@ -311,7 +311,7 @@ void ReadGroupRadial(Run& run, ElementGroup& group) {
     SetSubstructureInitialValues(run, group);
     ReadRadialElements(run, group);
     if (!group.radial.substructured && run.control.state.SparseMode == 0)
-        RaiseRadialHeights(run, group, DiagonalPositions(run));
+        RaiseRadialHeights(run, group, EquationNumbers(run), run.control.state.JEDN, DiagonalPositions(run));
 }
 
 } // namespace zurt

@@ -37,12 +37,13 @@ void MarkRadialNodes(const Run& run, const ElementGroup& group, IntArray marks) 
                 ++marks(nodes(k, n));
 }
 
-void RaiseRadialHeights(const Run& run, const ElementGroup& group, IntArray MHT) {
+void RaiseRadialHeights(const Run& run, const ElementGroup& group, ConstIntArray ID, Word JEDN,
+                        IntArray MHT) {
     const IntTable nodes = RadialNodes(run, group);
     std::int32_t LM[kMostNodes];
     for (Word n = 1; n <= nodes.columns; ++n)
-        RaiseColumnHeights(MHT, EquationNumbers(run), ConstIntTable(&nodes(1, n), 1, nodes.rows), 1,
-                           IntArray(LM, kMostNodes), nodes.rows, run.control.state.JEDN);
+        RaiseColumnHeights(MHT, ID, ConstIntTable(&nodes(1, n), 1, nodes.rows), 1, IntArray(LM, kMostNodes),
+                           nodes.rows, JEDN);
 }
 
 Word InnerNodesBefore(const Run& run, std::int32_t NGE) {

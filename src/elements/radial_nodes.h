@@ -19,9 +19,9 @@ void SetSubstructureInitialValues(Run& run, const ElementGroup& group);
 /// their own and count none.
 void MarkRadialNodes(const Run& run, const ElementGroup& group, IntArray marks);
 
-/// Raises the column heights MHT (1..JEDN) so that the equations of each element couple. Nothing for substructured
-/// fibres.
-void RaiseRadialHeights(const Run& run, const ElementGroup& group, IntArray MHT);
+/// Raises the column heights MHT (1..JEDN) so that the equations of each element couple, under the equation numbers ID
+/// (1..NP). Nothing for substructured fibres.
+void RaiseRadialHeights(const Run& run, const ElementGroup& group, ConstIntArray ID, Word JEDN, IntArray MHT);
 
 /// Inner nodes of the substructured fibres in the groups ahead of group NGE: their numbers run on from NP.
 Word InnerNodesBefore(const Run& run, std::int32_t NGE);

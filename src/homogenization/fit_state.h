@@ -22,19 +22,43 @@ struct HomogenizationCard {
     double D1D = 0.0, D2D = 0.0; // curve ends to start from, when their card is read
 };
 
+/// The run state of a fit. One search at a time: on HEQ, or on the first value of the D-C curve. Element code reads
+/// card.IEHM (0 while the model with fibres runs), ISFOFF, ITERFIT, HEQ and IFINALRUN. All of it but the card begins anew
+/// with every problem.
 struct FitState {
     HomogenizationCard card;
     std::int32_t activeDirection[4] = {}; // flags at 1..3
     std::int32_t NACTDIR = 0;             // how many of them are 1
     std::int32_t IFINALRUN = 1;           // 1: this run writes results
+    std::int32_t fullNumbering = 0;       // 1: every node has an equation, those in fibres as well
 
-    std::int32_t ISFOFF = 0;  // 1: correction factors are off
+    double MASSFIB = 0.0; // mass through the inlet in the run with fibres
+    double MASSEHM = 0.0; // and in the last run of the equivalent medium
+    double DMASS = 0.0;   // MASSEHM - MASSFIB
+    double MASSREF = 0.0; // MASSFIB at iteration 2; ERRFIT is relative to it
+    double ERRFIT = 0.0;  // relative error of the iteration
+
     std::int32_t ITERFIT = 0; // iteration of the fit in work; runs with fibres do not count
-    double HEQ = 0.0;         // wall distance at which the homogeneous medium reads its factors now
-    double HEQ0 = 0.0;        // its start value, from the geometry of the fibres (space models)
-    double HEQDIR[4] = {};    // by direction 1..3
-    double D1DIR[4] = {};     // first value of the D-C curve by direction 1..3, for the final run
-    double D2DIR[4] = {};     // last value
+    std::int32_t IPHASE = 0;  // 0: a run with fibres stands next; 1: runs of the equivalent medium
+    std::int32_t ISFOFF = 0;  // 1: correction factors are off
+    std::int32_t IFITEND = 0; // 1: the fit of this direction has ended
+    std::int32_t IDCEND = 0;  // 1: the D-C curve has been found
+    std::int32_t SEENPOS = 0; // a DMASS above 0 has been seen in this stage
+    std::int32_t SEENNEG = 0; // one of 0 or below
+
+    double HEQ = 0.0;                   // wall distance at which the homogeneous medium reads its factors now
+    double HEQ0 = 0.0;                  // its start value, from the geometry of the fibres (space models)
+    double HEQDIR[4] = {};              // by direction 1..3
+    double HEQTRY = 0.0, HEQSTEP = 0.0; // value tried, relative step
+    double HEQPOS = 0.0, HEQNEG = 0.0;  // HEQ of the last run with DMASS above 0, and not above 0
+
+    double D1 = 0.0, D2 = 0.0;             // ends of the curve that the search on it refers to
+    double DCTRY = 0.0, DCSTEP = 0.0;      // first value tried, relative step
+    double DCPOS = 0.0, DCNEG = 0.0;       // DCTRY of the last run with DMASS above 0, and not above 0
+    double DMASSPOS = 0.0, DMASSNEG = 0.0; // DMASS there
+    double DCFIT1 = 0.0, DCFIT2 = 0.0;     // fitted curve ends
+    double D1DIR[4] = {}; // first value of the D-C curve by direction 1..3, for the final run
+    double D2DIR[4] = {}; // last value
 };
 
 } // namespace zurt

@@ -103,7 +103,6 @@ void ReadHomogenizationCard(Run& run) {
     }
     SetActiveDirections(run.fit);
     SwitchOffWithoutFibres(card);
-    run.fit.IFINALRUN = 1;
     if (EchoInput(run)) {
         PrintCardNumber(run, first, 0);
         EchoHomogenizationCard(run);

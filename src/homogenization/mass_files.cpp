@@ -4,14 +4,96 @@
 
 namespace zurt {
 
-void WritePlainMassFile(Run& run) {
-    TextUnit& unit = run.units.massX;
-    OpenTextUnit(unit, "MASS-X.LST");
+namespace {
+
+const char* const kFileNames[4] = {"", "MASS-X.LST", "MASS-Y.LST", "MASS-Z.LST"};
+
+TextUnit& MassUnit(Run& run, std::int32_t direction) {
+    return direction == 1 ? run.units.massX : direction == 2 ? run.units.massY : run.units.massZ;
+}
+
+TextUnit& MainUnit(Run& run) {
+    return MassUnit(run, run.fit.card.INDDEG);
+}
+
+void WriteTitle(TextUnit& unit) {
     Write(unit, "(' NUMBER OF TIME STEPS, POROSITY')");
-    Write(unit, "(I10,D14.5)", run.control.state.NDT, run.control.state.POROSITY);
+}
+
+void WriteCoefficientHead(TextUnit& unit) {
     Write(unit, "(' VALUES OF DIFFUSION COEFFICIENTS')");
     Write(unit, "(10X,'C',12X,'Dbulk(C)',9X,'Deqv(C)')");
+}
+
+void WriteDirectHeads(Run& run, std::int32_t direction) {
+    WriteTitle(MassUnit(run, direction));
+    if (direction == 1)
+        Write(run.units.massX, "(I10,D14.5)", run.control.state.NDT, run.control.state.POROSITY);
+    else
+        Write(run.units.massX, "(I10)", run.control.state.NDT);
+    WriteCoefficientHead(MassUnit(run, direction));
+}
+
+void WriteChangeTitle(TextUnit& unit) {
+    Write(unit, "(' CHANGE OF MASS AT INLET CROSS-SECTION WITH TIME')");
+}
+
+} // namespace
+
+void WritePlainMassFile(Run& run) {
+    TextUnit& unit = run.units.massX;
+    OpenTextUnit(unit, kFileNames[1]);
+    WriteTitle(unit);
+    Write(unit, "(I10,D14.5)", run.control.state.NDT, run.control.state.POROSITY);
+    WriteCoefficientHead(unit);
     CloseTextUnit(unit);
+}
+
+void OpenMassFiles(Run& run) {
+    const HomogenizationCard& card = run.fit.card;
+    const std::int32_t wanted[4] = {0, card.INDFITX, card.INDFITY, card.INDFITZ};
+    for (std::int32_t direction = 1; direction <= 3; ++direction) {
+        if (wanted[direction] != 1 && card.INDDEG != direction)
+            continue;
+        OpenTextUnit(MassUnit(run, direction), kFileNames[direction]);
+        if (run.control.header.IDIRECTD == 1)
+            WriteDirectHeads(run, direction);
+    }
+}
+
+void WriteDirectRow(Run& run, double concentration, double bulk, double equivalent) {
+    Write(MainUnit(run), "(3D16.5)", concentration, bulk, equivalent);
+}
+
+void WriteMassChange(Run& run) {
+    TextUnit& unit = MainUnit(run);
+    WriteChangeTitle(unit);
+    Write(unit, "(7X,'STEP',17X,'FLUX-MICRO',10X,'FLUX-EQUIV')");
+    for (std::int32_t step = 1; step <= run.control.state.NDT; ++step) {
+        const auto row = static_cast<std::size_t>(step - 1);
+        Write(unit, "(5X,I5,5X,D16.5,5X,D16.5)", step, run.mass.FLUXMICRO[row], run.mass.FLUXEQUIV[row]);
+    }
+}
+
+void PrintFittedParameters(Run& run) {
+    TextUnit& unit = MainUnit(run);
+    const FitState& fit = run.fit;
+    const std::int32_t i = fit.card.INDDEG;
+    const double HEQ =
+        fit.card.IDIAM == 1 ? fit.HEQDIR[i] - 0.5 * run.control.header.DMOLECULE : fit.HEQDIR[i];
+    Write(unit, "(' VALUES OF FITTED PARAMETERS')");
+    Write(unit, "(7X,'D1D',17X,'D2D',10X,'HEQ',10X,'HEQ0')");
+    Write(unit, "(4D16.5)", fit.D1DIR[i], fit.D2DIR[i], HEQ, fit.HEQ0);
+    WriteChangeTitle(unit);
+    Write(unit, "(7X,'STEP',17X,'TIME',10X,'MASS FLUX')");
+}
+
+void WriteFlowRow(Run& run, std::int32_t result) {
+    const auto row = static_cast<std::size_t>(result - 1);
+    if (row >= run.mass.FLUXEQUIV.size())
+        return;
+    Write(MainUnit(run), "(5X,I5,5X,D16.5,5X,D16.5)", result, run.control.state.TIME,
+          run.mass.FLUXEQUIV[row]);
 }
 
 } // namespace zurt

@@ -139,6 +139,9 @@ struct RunState {
     std::int32_t NDT = 0;  // number of steps
     std::int32_t JEDN = 0; // number of equations
     Word NWK = 0;          // length of SkylineMatrix
+    std::int32_t EquationRoom =
+        0; // JEDN and NWK for which the partition keeps room: a fit changes between layouts
+    Word MatrixRoom = 0;
     std::int32_t NCZZ = 0; // steps held in the step file
 
     double OutletStart = 0.0; // value of nodes without an equation at the start of the step
@@ -151,6 +154,7 @@ struct RunState {
     std::int32_t GraphicsCounter = 0; // steps since the last graphics output
     std::int32_t GraphicsWritten = 0; // graphics outputs of this pass
     std::int32_t PrintCounter = 0;    // steps since the last listing output
+    std::int32_t ResultsWritten = 0;  // listing outputs of this pass
 
     std::int32_t FactorFlag = 0; // 1: assemble and factor the matrix
     double ReferenceNorm = 0.0;  // TREF

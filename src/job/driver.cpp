@@ -5,21 +5,27 @@
 #include "elements/element_dispatch.h"
 #include "elements/radial_nodes.h"
 #include "elements/surface_cards.h"
+#include "homogenization/direct_coefficient.h"
+#include "homogenization/fitted_curve.h"
 #include "homogenization/homogenization_card.h"
+#include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
+#include "homogenization/mass_monitor.h"
+#include "homogenization/run_homogenization.h"
 #include "job/banner.h"
 #include "job/echo.h"
 #include "job/files.h"
 #include "job/header_cards.h"
 #include "job/header_echo.h"
-#include "job/not_built.h"
 #include "job/partition.h"
 #include "microscale/correction_table.h"
 #include "microscale/fibre_data.h"
 #include "microscale/fibre_step.h"
+#include "microscale/marked_nodes.h"
 #include "model/diffusion_curves.h"
 #include "model/function_tables.h"
 #include "model/initial_conditions.h"
+#include "model/material_tables.h"
 #include "model/materials.h"
 #include "model/nodes.h"
 #include "model/outlet.h"
@@ -31,6 +37,7 @@
 
 #include <cstring>
 #include <string_view>
+#include <vector>
 
 #if defined(__x86_64__)
 #include <pmmintrin.h>
@@ -103,13 +110,6 @@ void ReadHeaderCards(Run& run) {
     run.control.state.TIME = 0.0;
 }
 
-// What the header cards may ask for and this program does not have yet.
-void StopOnHeaderNotBuilt(Run& run) {
-    const HeaderFields& header = run.control.header;
-    if (header.IDIRECTD == 1)
-        StopNotBuilt(run, "the direct effective coefficient (IDIRECTD 1) is");
-}
-
 // --- model data ---------------------------------------------------------------------------------------------------
 
 void ReadTimeData(Run& run) {
@@ -132,8 +132,10 @@ void ReadNodes(Run& run) {
 
 void ReadMicroscaleData(Run& run) {
     ReadHomogenizationCard(run);
-    if (run.fit.card.NFIT == 1)
-        StopNotBuilt(run, "homogenization (NFIT 1) is");
+    HomogenizationCard& card = run.fit.card;
+    if (run.control.header.IDIRECTD == 1) // begins with the model of fibres, and goes before a fit
+        card.IEHM = card.NFIT = 0;
+    run.fit.IFINALRUN = card.NFIT != 1;
     ReadFibreData(run, run.fibres);
 }
 
@@ -180,11 +182,28 @@ void ReadElementGroups(Run& run) {
     }
 }
 
+// True for problems that walk through their steps more than once, with and without an equation at every node.
+bool RunsSeveralTimes(const Run& run) {
+    return run.fit.card.NFIT == 1 || run.control.header.IDIRECTD == 1;
+}
+
 // The fibre step stands ahead of the solution vectors: it may take equations away.
 void LayMeshOverFibres(Run& run) {
     run.control.state.POROSITY = 1.0;
     if (run.fit.card.NSETS > 0)
         ApplyFibres(run, run.fibres);
+    if (RunsSeveralTimes(run))
+        ReserveFullLayout(run);
+}
+
+// DBULK: the coefficients of the last material's curve, which a fit rewrites.
+void KeepFitColumn(Run& run) {
+    TakeFitColumn(run);
+    StopIfInputOverflows(run);
+    const RealTable table = DiffusionTable(run);
+    const RealArray DBULK = RealSection(run.A, run.control.at.LFIT, run.control.counts.MAXPMAT);
+    for (Word i = 1; i <= DBULK.length; ++i)
+        DBULK(i) = table(run.control.header.NMATT, 2 * i);
 }
 
 void ReadMaterialData(Run& run) {
@@ -200,6 +219,8 @@ void ReadMaterialData(Run& run) {
         ReadNanochannelTable(run);
         TakeNanochannelVectors(run);
     }
+    if (run.fit.card.NFIT == 1)
+        KeepFitColumn(run);
     LayMeshOverFibres(run);
     TakeMaterialTables(run);
     if (header.NDS == 0)
@@ -283,6 +304,33 @@ void WriteProblemNotes(const Run& run) {
                       ": volume sources by concentration (IZIP 2) add no load");
 }
 
+// A plain run of the equivalent medium begins with a curve that is lowered by porosity and factors.
+void RescalePlainMedium(Run& run) {
+    FittedCurve curve = FittedCurveOf(run);
+    std::vector<double> asRead;
+    for (Word i = 1; i <= curve.points; ++i)
+        asRead.push_back(CoefficientOf(curve, i));
+    curve.DBULK = ConstRealArray(asRead.data(), curve.points);
+    RescaleEquivalentCurve(curve, run.control.state.POROSITY, run.fibres, run.fit);
+}
+
+void RunPlainProblem(Run& run) {
+    WritePlainMassFile(run);
+    if (run.fit.card.IEHM == 1)
+        RescalePlainMedium(run);
+    SolutionPass(run);
+}
+
+void RunRepeatedProblem(Run& run) {
+    BeginMassTables(run);
+    KeepInitialConcentrations(run);
+    OpenMassFiles(run);
+    if (run.control.header.IDIRECTD == 1)
+        RunDirectCalculation(run);
+    else
+        RunHomogenization(run);
+}
+
 void SolveProblem(Run& run) {
     RunState& state = run.control.state;
     state.TIME = 0.0;
@@ -290,11 +338,14 @@ void SolveProblem(Run& run) {
     state.NCZZ = 0;
     state.PrintCounter = 0;
     state.OutletStartOfRun = state.OutletStart;
-    state.GraphicsEnabled = 1;
+    state.PassCounter = 1;
+    state.GraphicsEnabled = run.fit.IFINALRUN;
     StartPrescribedValues(run);
     WriteProblemNotes(run);
-    WritePlainMassFile(run);
-    SolutionPass(run);
+    if (RunsSeveralTimes(run))
+        RunRepeatedProblem(run);
+    else
+        RunPlainProblem(run);
 }
 
 // True when the deck holds another problem.
@@ -307,10 +358,20 @@ bool EndProblem(Run& run) {
     return Image(card).substr(0, 4) != "STOP";
 }
 
+// A problem does not see the fit of the one before; cards keep their fields.
+void ForgetFit(Run& run) {
+    FitState fresh;
+    fresh.card = run.fit.card;
+    run.fit = fresh;
+    run.mass = MassTables{};
+    run.control.state.EquationRoom = 0;
+    run.control.state.MatrixRoom = 0;
+}
+
 void ReadProblem(Run& run) {
     RestartWorkingVector(run.A);
+    ForgetFit(run);
     ReadHeaderCards(run);
-    StopOnHeaderNotBuilt(run);
     ReadTimeData(run);
     ReadNodes(run);
     ReadMicroscaleData(run);

@@ -42,6 +42,14 @@ void TakeResultVectors(Run& run) {
         at.LNDS[i] = TakeWords(run.A, names[static_cast<std::size_t>(i)], NP);
 }
 
+// Words of a vector by equation, and of the matrix: as the largest layout of the problem needs them.
+Word EquationWords(const Run& run) {
+    return std::max(run.control.state.JEDN, run.control.state.EquationRoom);
+}
+Word MatrixWords(const Run& run) {
+    return std::max(run.control.state.NWK, run.control.state.MatrixRoom);
+}
+
 } // namespace
 
 void StopIfInputOverflows(Run& run) {
@@ -177,10 +185,10 @@ void TakeShapeFactors(Run& run) {
 }
 
 void TakeSolutionVectors(Run& run) {
-    const Word JEDN = run.control.state.JEDN;
-    run.control.at.LTT1 = TakeWords(run.A, "StepSolution", JEDN);
-    run.control.at.LTT2 = TakeWords(run.A, "StepIncrement", JEDN);
-    run.control.at.LTT3 = TakeWords(run.A, "StepStart", JEDN);
+    const Word words = EquationWords(run);
+    run.control.at.LTT1 = TakeWords(run.A, "StepSolution", words);
+    run.control.at.LTT2 = TakeWords(run.A, "StepIncrement", words);
+    run.control.at.LTT3 = TakeWords(run.A, "StepStart", words);
     StopIfInputOverflows(run);
     ClearWords(run.A, run.control.at.LTT1, run.A.LMAX - 1);
 }
@@ -193,11 +201,11 @@ void TakeSolverVectors(Run& run) {
     at.LZAD2 = TakeWords(run.A, "LZAD2", NZADC);
     at.LZAD3 = TakeWords(run.A, "LZAD3", NZADC);
     at.LNODAL = TakeWords(run.A, "NodalValues", run.control.header.NP);
-    at.LEQV = TakeWords(run.A, "LEQV", state.JEDN);
+    at.LEQV = TakeWords(run.A, "LEQV", EquationWords(run));
     if (state.SparseMode == 1)
         state.NWK = 0;
-    at.LSK = TakeWords(run.A, "SkylineMatrix", state.NWK);
-    at.LRHS = TakeWords(run.A, "RHS", state.JEDN);
+    at.LSK = TakeWords(run.A, "SkylineMatrix", MatrixWords(run));
+    at.LRHS = TakeWords(run.A, "RHS", EquationWords(run));
     run.A.LMAXM = run.A.LMAX;
 }
 

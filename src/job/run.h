@@ -3,6 +3,7 @@
 
 #include "elements/element_group.h"
 #include "homogenization/fit_state.h"
+#include "homogenization/mass_tables.h"
 #include "job/control.h"
 #include "job/deck.h"
 #include "job/units.h"
@@ -27,6 +28,7 @@ struct Run {
     FitState fit;
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
+    MassTables mass; // empty but in a fit and in the direct calculation
 };
 
 /// The text of the run's language.

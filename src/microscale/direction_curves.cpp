@@ -2,24 +2,18 @@
 
 #include "model/curve_lookup.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zurt {
 
-namespace {
-
-constexpr double kFlatCurve = 1.0e-8;
-
-// T(i) takes the saved curve, brought to `span` and put on `low`.
-void ScaleCurve(RealTable table, ConstRealArray DBULK, std::int32_t material, Word N, double span,
-                double low) {
-    const double bulkSpan = DBULK(N) - DBULK(1);
+void ScaleDiffusionCurve(RealTable table, std::int32_t material, ConstRealArray DBULK, Word N, double first,
+                         double last, double low, double span) {
+    const double bulkSpan = last - first;
     const bool flat = std::fabs(bulkSpan) <= kFlatCurve;
     for (Word i = 1; i <= N; ++i)
-        table(material, 2 * i) = flat ? low : (DBULK(i) - DBULK(1)) * span / bulkSpan + low;
+        table(material, 2 * i) = flat ? low : (DBULK(i) - first) * span / bulkSpan + low;
 }
-
-} // namespace
 
 std::int32_t CurveForDirection(RealTable table, ConstIntArray points, std::int32_t material,
                                ConstRealArray DBULK, const double (&D1DIR)[4], const double (&D2DIR)[4],
@@ -32,12 +26,13 @@ std::int32_t CurveForDirection(RealTable table, ConstIntArray points, std::int32
         return 0;
     }
     std::int32_t error = 0;
-    ScaleCurve(table, DBULK, material, N, D2DIR[1] - D1DIR[1], D1DIR[1]);
-    error |= DiffusionLookup(table, points, material, c, Dx);
-    ScaleCurve(table, DBULK, material, N, D2DIR[2] - D1DIR[2], D1DIR[2]);
-    error |= DiffusionLookup(table, points, material, c, Dy);
-    ScaleCurve(table, DBULK, material, N, D2DIR[3] - D1DIR[3], D1DIR[2]); // begins where Y begins
-    error |= DiffusionLookup(table, points, material, c, Dz);
+    double* const D[4] = {nullptr, &Dx, &Dy, &Dz};
+    for (int direction = 1; direction <= 3; ++direction) {
+        const double low = D1DIR[std::min(direction, 2)]; // Z begins where Y begins
+        ScaleDiffusionCurve(table, material, DBULK, N, DBULK(1), DBULK(N), low,
+                            D2DIR[direction] - D1DIR[direction]);
+        error |= DiffusionLookup(table, points, material, c, *D[direction]);
+    }
     for (Word i = 1; i <= N; ++i)
         table(material, 2 * i) = DBULK(i);
     return error;

@@ -1,7 +1,8 @@
-// Diffusion coefficients by direction in the final run of a fit.
+// Diffusion curves rescaled between two ends: while a fit searches, and by direction in its final run.
 //
-// Each direction has its own D-C curve: the saved curve, rescaled between the two ends that its fit has found.
-// Coefficients and concentrations are in the deck's units. Called by the element loops at every Gauss point.
+// A fit saves the coefficients of one curve (DBULK) and writes rescaled ones into the curve's row of the table. In the
+// final run each direction has a curve of its own. Coefficients and concentrations are in the deck's units. Called by the
+// homogenization and by the element loops at every Gauss point.
 #pragma once
 
 #include "core/array_view.h"
@@ -10,8 +11,18 @@
 
 namespace zurt {
 
+/// Spans of a curve up to this size count as none: the curve is flat.
+constexpr double kFlatCurve = 1.0e-8;
+
+/// T(i) = (DBULK(i) - first) * span / (last - first) + low for the points i = 1..N of row `material`; all of them are
+/// `low` when last - first is at most kFlatCurve in size.
+///   table  M x 2*P: the diffusion curves (model/curve_lookup.h; in and out)
+///   DBULK  1..N: saved coefficients (input)
+void ScaleDiffusionCurve(RealTable table, std::int32_t material, ConstRealArray DBULK, Word N, double first,
+                         double last, double low, double span);
+
 /// Coefficients Dx, Dy, Dz at concentration c.
-///   table     M x 2*P: the diffusion curves (model/curve_lookup.h). Row `material` is scratch while this runs and holds
+///   table     M x 2*P: the diffusion curves. Row `material` is scratch while this runs and holds
 ///             DBULK at the end, unless the curve has fewer than two points: then Dx, Dy, Dz are the first ends.
 ///   points    1..M: points of each curve (input)
 ///   DBULK     1..P: the saved coefficients of the curve (input)

@@ -125,7 +125,7 @@ void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray node
             "deck " + run.deck.name +
             ": no element with a Gauss point outside the fibres has a node that is not held; "
             "there is nothing to solve");
-    FormKeptLayout(run, model);
+    run.control.state.NWK = FormLayout(run, model, EquationNumbers(run), JEDN, LayoutElements::Kept);
 }
 
 } // namespace

@@ -1,24 +1,34 @@
 #include "microscale/marked_nodes.h"
 
+#include "core/stop.h"
 #include "elements/radial_nodes.h"
 #include "elements/shape_functions.h"
 #include "solver/skyline_layout.h"
 
 #include <algorithm>
+#include <numeric>
+#include <string>
+#include <vector>
 
 namespace zurt {
 
 namespace {
 
-void RaiseGroupHeights(const Run& run, const FibreGroup& marks, const ElementGroup& group, IntArray MHT) {
-    const std::int32_t JEDN = run.control.state.JEDN;
+void RaiseGroupHeights(const Run& run, const std::vector<std::int32_t>* marks, const ElementGroup& group,
+                       ConstIntArray ID, std::int32_t JEDN, IntArray MHT) {
     const ConstIntTable NEL = Connectivity(run, group);
-    const bool byMark = !marks.elementMark.empty();
     std::int32_t LM[kMaxNodes<3>];
     for (Word n = 1; n <= group.NET; ++n)
-        if (!byMark || ElementMarked(marks, n))
-            RaiseColumnHeights(MHT, EquationNumbers(run), NEL, n, IntArray(LM, kMaxNodes<3>), group.NDMAX,
-                               JEDN);
+        if (marks == nullptr || (*marks)[static_cast<std::size_t>(n - 1)] != 0)
+            RaiseColumnHeights(MHT, ID, NEL, n, IntArray(LM, kMaxNodes<3>), group.NDMAX, JEDN);
+}
+
+// Element marks of a group under fibres, null for a group that has none.
+const std::vector<std::int32_t>* MarksOfGroup(const FibreModel& model, std::int32_t NGE) {
+    if (model.groups.empty())
+        return nullptr;
+    const std::vector<std::int32_t>& marks = model.groups[static_cast<std::size_t>(NGE)].elementMark;
+    return marks.empty() ? nullptr : &marks;
 }
 
 } // namespace
@@ -35,18 +45,53 @@ bool LeaveOutUnmarkedNodes(IntArray ID, ConstIntArray marks, std::int32_t& JEDN)
     return true;
 }
 
-void FormKeptLayout(Run& run, const FibreModel& model) {
-    RunState& state = run.control.state;
-    if (state.SparseMode == 1)
-        return;
-    const IntArray MAXA = DiagonalPositions(run);
+Word FormLayout(Run& run, const FibreModel& model, ConstIntArray ID, std::int32_t JEDN,
+                LayoutElements elements) {
+    if (run.control.state.SparseMode == 1)
+        return 0;
+    const IntArray MAXA = IntSection(run.A, run.control.at.LMAXA, Word{JEDN} + 1);
     Fill(MAXA, 0);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (IsRadial(run.groups[NGE]))
-            RaiseRadialHeights(run, run.groups[NGE], MAXA);
+            RaiseRadialHeights(run, run.groups[NGE], ID, JEDN, MAXA);
         else
-            RaiseGroupHeights(run, model.groups[static_cast<std::size_t>(NGE)], run.groups[NGE], MAXA);
-    state.NWK = MakeColumnPointers(MAXA, state.JEDN);
+            RaiseGroupHeights(run, elements == LayoutElements::All ? nullptr : MarksOfGroup(model, NGE),
+                              run.groups[NGE], ID, JEDN, MAXA);
+    return MakeColumnPointers(MAXA, JEDN);
+}
+
+void ReformEquationNumbers(Run& run) {
+    RunState& state = run.control.state;
+    const bool all = run.fit.card.IEHM != 0;
+    const IntArray ID = EquationNumbers(run);
+    const bool marked = !run.fibres.groups.empty();
+    const ConstIntArray marks = IntSection(run.A, run.control.at.LFIBN, marked ? ID.length : 0);
+    std::int32_t JEDN = 0;
+    for (Word i = 1; i <= ID.length; ++i)
+        ID(i) = all || !marked || marks(i) >= 1 ? ++JEDN : 0;
+    run.fit.fullNumbering = all;
+    if (JEDN == state.JEDN)
+        return;
+    state.JEDN = JEDN;
+    state.NWK = FormLayout(run, run.fibres, ID, JEDN, all ? LayoutElements::All : LayoutElements::Kept);
+}
+
+void ReserveFullLayout(Run& run) {
+    RunState& state = run.control.state;
+    const std::int32_t NP = run.control.header.NP;
+    if (Word{NP} + 1 > 2 * (Word{state.JEDN} + 1))
+        StopWithLibraryError(
+            "deck " + run.deck.name +
+            ": more than half of the nodes have no equation; a fit and the direct calculation "
+            "run a medium that fills the whole mesh and need models whose nodes are free");
+    const IntArray MAXA = DiagonalPositions(run);
+    const std::vector<std::int32_t> own(MAXA.data, MAXA.data + MAXA.length);
+    std::vector<std::int32_t> everyNode(static_cast<std::size_t>(NP));
+    std::iota(everyNode.begin(), everyNode.end(), 1);
+    state.MatrixRoom =
+        FormLayout(run, run.fibres, ConstIntArray(everyNode.data(), NP), NP, LayoutElements::All);
+    state.EquationRoom = NP;
+    std::copy(own.begin(), own.end(), MAXA.data);
 }
 
 } // namespace zurt

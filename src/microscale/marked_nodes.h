@@ -1,6 +1,7 @@
 // Nodes that no fluid touches leave the model: their equations, and the layout of the system matrix with them.
 //
-// Called by the fibre step after the last group has been classified, in runs that begin with fibres.
+// Called by the fibre step after the last group has been classified, in runs that begin with fibres, and by the
+// homogenization whenever it changes over between the model with fibres and the equivalent medium.
 #pragma once
 
 #include "job/run.h"
@@ -15,8 +16,21 @@ namespace zurt {
 ///   JEDN   number of equations (output)
 bool LeaveOutUnmarkedNodes(IntArray ID, ConstIntArray marks, std::int32_t& JEDN);
 
-/// Forms MAXA and NWK anew, in the place that MAXA has, from the elements that are kept: the marked ones of groups under
-/// fibres and all of the others. In sparse mode there is no such layout.
-void FormKeptLayout(Run& run, const FibreModel& model);
+/// Which elements take part in a layout: all, or the marked ones of groups under fibres and all of the others.
+enum class LayoutElements { Kept, All };
+
+/// Forms MAXA in its place for the equation numbers ID (1..NP, 1..JEDN of them) and returns NWK. In sparse mode there is
+/// no such layout: nothing is formed and NWK is 0.
+Word FormLayout(Run& run, const FibreModel& model, ConstIntArray ID, std::int32_t JEDN,
+                LayoutElements elements);
+
+/// Numbers the equations of the model in hand anew: with IEHM not 0 all nodes, held or not, otherwise those with a mark
+/// of 1 or above, the others getting 0. Forms MAXA and NWK anew unless JEDN stays what it was. The partition must hold
+/// the larger of the layouts (ReserveFullLayout). Called when a run changes over between the models.
+void ReformEquationNumbers(Run& run);
+
+/// Notes in the run's state how much room the layout with an equation at every node needs, so that the partition holds it.
+/// Ends the run with a library error when more than half of the nodes are held, since MAXA has no room then.
+void ReserveFullLayout(Run& run);
 
 } // namespace zurt

@@ -37,6 +37,7 @@ struct StartArrays {
     ConstIntArray ID;
     ConstRealArray nodeValue;
     RealArray start;
+    RealArray byNode; // start values of all nodes; empty when nobody asks for them
 };
 
 // --- one value for all --------------------------------------------------------------------------------------------
@@ -71,6 +72,7 @@ void ReadSingleValue(Run& run, const StartArrays& arrays) {
             Say(run, "P O C E T N E   T E M P E R A T U R E", "I N I T I A L   C O N C E N T R A T I O N S"));
         EchoSingleValue(run, card.VALUE);
     }
+    Fill(arrays.byNode, card.VALUE);
     for (Word i = 1; i <= arrays.ID.length; ++i)
         if (arrays.ID(i) > 0)
             arrays.start(arrays.ID(i)) = card.VALUE;
@@ -109,6 +111,8 @@ void RequireProgress(const Run& run, const char* group) {
 /// takes none.
 void ApplyValue(Run& run, const StartArrays& arrays, std::int32_t N, double value) {
     const std::int32_t equation = arrays.ID(N);
+    if (arrays.byNode.length > 0)
+        arrays.byNode(N) = value;
     if (equation > 0)
         arrays.start(equation) = value;
     else if (equation == 0 && !(std::fabs(arrays.nodeValue(N) - value) < kSameValue))
@@ -209,7 +213,12 @@ const CardLayout kInitialNodeListCard = Layout("Initial value node list", kIniti
 const CardLayout kInitialRangeCard = Layout("Initial value range", kInitialRangeFields);
 
 void ReadInitialConditions(Run& run) {
-    const StartArrays arrays{EquationNumbers(run), NodeCardValues(run), StepSolution(run)};
+    StartArrays arrays{EquationNumbers(run), NodeCardValues(run), StepSolution(run), {}};
+    if (run.fit.card.NFIT == 1 || run.control.header.IDIRECTD == 1) {
+        const ConstRealArray held = NodeCardValues(run);
+        run.mass.startValues.assign(held.data, held.data + held.length);
+        arrays.byNode = RealArray(run.mass.startValues.data(), held.length);
+    }
     if (run.control.counts.NPOC < 2)
         ReadSingleValue(run, arrays);
     else

@@ -3,6 +3,9 @@
 #include "core/format.h"
 #include "elements/element_dispatch.h"
 #include "elements/nodal_averaging.h"
+#include "homogenization/direct_coefficient.h"
+#include "homogenization/mass_files.h"
+#include "homogenization/mass_monitor.h"
 #include "job/banner.h"
 #include "job/files.h"
 #include "model/prescribed_values.h"
@@ -84,8 +87,23 @@ void WriteListingStep(Run& run) {
     static const Format stepLine("(' *** END OF TIME STEP NUMBER',I10,' /',I7,' ***')");
     Write(run.units.console, stepLine, state.KOR, state.NDT);
     PrintNodalResults(run);
+    if (run.control.header.NANOCH == 3 && run.fit.card.NFIT == 1)
+        WriteFlowRow(run, ++state.ResultsWritten);
     if (run.control.header.ITOR == 1)
         PrintTorsion(run);
+}
+
+// Flows and direct coefficients of the step; false when the runs of a fit, or the pass, write no results.
+bool ReportsStep(Run& run) {
+    const HeaderFields& header = run.control.header;
+    const bool fit = run.fit.card.NFIT == 1, direct = header.IDIRECTD == 1;
+    if (fit || direct)
+        RecordFlow(run);
+    if (fit && run.fit.IFINALRUN == 0)
+        return false;
+    if (direct && run.control.state.PassCounter == 1)
+        RecordDirectStep(run);
+    return !direct || run.control.state.PassCounter == header.IPASSPRINT;
 }
 
 void EndStep(Run& run) {
@@ -96,8 +114,10 @@ void EndStep(Run& run) {
     EvaluateNodalResults(run);
     SaveStep(state.KOR, state.TIME, StepSolution(run), run.control.header.NCZK, state.NCZZ,
              run.units.stepFile);
-    WriteGraphicsStep(run);
-    WriteListingStep(run);
+    if (ReportsStep(run)) {
+        WriteGraphicsStep(run);
+        WriteListingStep(run);
+    }
     FlushUnits(run);
 }
 
@@ -121,6 +141,7 @@ void SolutionPass(Run& run) {
     state.OutletStart = state.OutletStartOfRun;
     state.GraphicsWritten = 0;
     state.GraphicsCounter = 0;
+    state.ResultsWritten = 0;
     state.KOR = 0;
     while (state.KOR < state.NDT) { // the last step may have the largest number there is
         ++state.KOR;

@@ -129,16 +129,17 @@ TEST(Outlet, CountsWithoutAMeaningEndTheRun) {
     EXPECT_EQ(Concentrations(bar).size(), 20U) << "no outlet cards under NDS 2";
 }
 
-// Faults: factors that do not start at 1, are applied twice, to the fluxes alone or not to them.
+// Faults: factors that do not start at 1, are applied twice, to the fluxes alone or not to them; a plain run of the
+// equivalent medium whose curve is not lowered by porosity (here 1) and 1.1 times the factor.
 TEST(FibreDecks, FactorsOfATableScaleTheCoefficientInFormingAndFluxes) {
     const std::vector<std::array<double, 3>> line = {{0.0, 0.5, 0.5}, {1.0, 0.5, 0.5}};
     for (const double factor : {1.0, 0.5}) {
-        BarDeck bar = ChannelDeck(6, 2);
-        SetCoefficient(bar, factor);
-        const RunResult plain = RunDeck(Build(bar));
-        SetCoefficient(bar, 1.0);
         for (const int IEHM : {0, 1}) {
             SCOPED_TRACE(Print("factor %.1f, IEHM %d", factor, IEHM));
+            BarDeck bar = ChannelDeck(6, 2);
+            SetCoefficient(bar, IEHM == 0 ? factor : factor * factor * 1.1);
+            const RunResult plain = RunDeck(Build(bar));
+            SetCoefficient(bar, 1.0);
             bar.fibres = OneFibre(IEHM, 0.01, line, factor);
             const RunResult fibres = RunDeck(Build(bar));
             EXPECT_EQ(fibres.status, 0) << fibres.errors;

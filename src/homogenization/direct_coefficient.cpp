@@ -1,0 +1,206 @@
+#include "homogenization/direct_coefficient.h"
+
+#include "core/format.h"
+#include "elements/element_kernel.h"
+#include "elements/element_visit.h"
+#include "homogenization/initial_state.h"
+#include "homogenization/mass_files.h"
+#include "homogenization/mass_monitor.h"
+#include "microscale/marked_nodes.h"
+#include "model/curve_lookup.h"
+#include "model/material_tables.h"
+#include "timeint/solution_pass.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zurt {
+
+namespace {
+
+/// Nodes this close to an end of the domain, relative to its length, lie in the end's cross-section.
+constexpr double kInPlane = 1e-9;
+
+struct Domain {
+    int axis = 0;                              // direction INDDEG, from 0
+    double boxLow[3] = {}, boxHigh[3] = {};    // elements whose centre lies within belong to it
+    double low = HUGE_VAL, high = -HUGE_VAL;   // its ends along the axis
+    double volume = 0.0, fluid = 0.0;          // of all points, of those in fluid
+    double amount = 0.0, flow = 0.0;           // sums of c over fluid, of K dc/dx over all points
+    double endArea[2] = {}, endAmount[2] = {}; // at the low and at the high end
+};
+
+Domain DomainOf(const Run& run) {
+    const HeaderFields& header = run.control.header;
+    Domain domain;
+    domain.axis = run.fit.card.INDDEG - 1;
+    const double size[3] = {header.ELFIB, header.DFIB, header.WFIB};
+    const bool boxed = header.NANOCH > 0 && header.NDS != 0;
+    for (int axis = 0; axis < 3; ++axis) {
+        const bool bounded = boxed && size[axis] > 0.0;
+        domain.boxLow[axis] = bounded ? 0.0 : -HUGE_VAL;
+        domain.boxHigh[axis] = bounded ? size[axis] : HUGE_VAL;
+    }
+    return domain;
+}
+
+template <int Dimension> bool LiesWithin(const Domain& domain, const ElementVisit<Dimension>& visit) {
+    const int ND = visit.points.active.ND;
+    for (int axis = 0; axis < Dimension; ++axis) {
+        double centre = 0.0;
+        for (int k = 0; k < ND; ++k)
+            centre += visit.element.CORE[axis][k];
+        centre /= ND;
+        if (centre < domain.boxLow[axis] || centre > domain.boxHigh[axis])
+            return false;
+    }
+    return true;
+}
+
+template <int Dimension> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
+    if (domain.axis >= Dimension)
+        return;
+    ElementVisit<Dimension> visit{run, group};
+    BeginElementVisit(visit, group.NGAUS);
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        TakeElement(visit, n);
+        if (!LiesWithin(domain, visit))
+            continue;
+        const double* x = visit.element.CORE[domain.axis];
+        const auto [low, high] = std::minmax_element(x, x + visit.points.active.ND);
+        domain.low = std::min(domain.low, *low);
+        domain.high = std::max(domain.high, *high);
+    }
+}
+
+// By the divergence theorem the integral of a shape function's derivative along the axis is what the function has of the
+// two end faces: positive at the high one, negative at the low one.
+template <int Dimension>
+void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementVisit<Dimension>& visit, double w,
+                 Domain& domain) {
+    const double tolerance = kInPlane * (domain.high - domain.low);
+    for (int k = 0; k < visit.points.active.ND; ++k) {
+        const double x = visit.element.CORE[domain.axis][k];
+        const int end = std::fabs(x - domain.low) <= tolerance ? 0 : 1;
+        if (end == 1 && std::fabs(x - domain.high) > tolerance)
+            continue;
+        const double area = (end == 1 ? w : -w) * jacobian.HX[domain.axis][k];
+        domain.endArea[end] += area;
+        domain.endAmount[end] += area * visit.element.TE1[k];
+    }
+}
+
+template <int Dimension>
+void AddPoint(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
+    const ElementPoint<Dimension>& point = visit.points.point[p];
+    const int ND = visit.points.active.ND;
+    JacobianValues<Dimension> jacobian;
+    if (!JacobianVolume<Dimension>(point.shape, visit.element.CORE, ND, jacobian))
+        StopOnElementJacobian(visit, point, jacobian.DET);
+    const double w = point.weight * jacobian.DET;
+    domain.volume += w;
+    if (!takesPart)
+        return;
+    const double TG = Interpolate<0>(point.shape.H, visit.element.TE1, ND);
+    EvaluatePoint(visit, p + 1, TG);
+    const double K[3] = {visit.coefficients.KX, visit.coefficients.KY, visit.coefficients.KZ};
+    domain.flow += w * K[domain.axis] * Interpolate<0>(jacobian.HX[domain.axis], visit.element.TE1, ND);
+    if (visit.fibres == nullptr || RecordOf(*visit.fibres, visit.number, p + 1).wall > 0.0) {
+        domain.fluid += w;
+        domain.amount += w * TG;
+    }
+    AddEndNodes(jacobian, visit, w, domain);
+}
+
+template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
+    if (domain.axis >= Dimension)
+        return;
+    ElementVisit<Dimension> visit{run, group};
+    BeginElementVisit(visit, group.NGAUS);
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        TakeElement(visit, n);
+        if (!LiesWithin(domain, visit))
+            continue;
+        const bool takesPart = TakesPart(visit, n);
+        for (int p = 0; p < visit.points.count; ++p)
+            AddPoint(visit, p, takesPart, domain);
+    }
+}
+
+double BulkCoefficient(const Run& run, double c) {
+    double D = 0.0;
+    if (run.control.header.NDS != 0)
+        DiffusionLookup(DiffusionTable(run), DiffusionPoints(run), 1, std::fabs(c), D);
+    return D;
+}
+
+// DIRECTTAB: concentration and coefficient of step KOR.
+RealTable DirectTable(const Run& run) {
+    return RealTableSection(run.A, run.control.at.LDIRD, 2, run.control.state.NDT);
+}
+
+void PrintDirectTable(Run& run) {
+    TextUnit& listing = run.units.listing;
+    const std::int32_t NDT = run.control.state.NDT;
+    Write(listing, "(A)",
+          Say(run, " DIREKTNO IZRACUNAT EKVIVALENTNI KOEFICIJENT DIFUZIJE",
+              " DIRECTLY CALCULATED EQUIVALENT DIFFUSION COEFFICIENT"));
+    Write(listing, "(A,I10)", Say(run, " BROJ VREMENSKIH KORAKA, NDT=", " NUMBER OF TIME STEPS, NDT="), NDT);
+    Write(listing, "(A)",
+          Say(run, "  KORAK    KONCENTRACIJA  EKVIV KOEFICIJENT DIFUZIJE",
+              "  STEP NO  CONCENTRATION  EQUIV DIFF COEFFICIENT"));
+    const ConstRealTable table = DirectTable(run);
+    for (std::int32_t step = 1; step <= NDT; ++step)
+        Write(listing, "(I9,2X,E12.3,2X,E12.3)", step, table(1, step), table(2, step));
+}
+
+void BeginSecondPass(Run& run) {
+    RunState& state = run.control.state;
+    run.fit.card.IEHM = 1;
+    ReformEquationNumbers(run);
+    state.PassCounter = 2;
+    state.GraphicsCounter = state.GraphicsWritten = 0;
+    Fill(StepSolution(run), 0.0);
+    Fill(SkylineStore(run), 0.0);
+    RestoreInitialConcentrations(run);
+}
+
+} // namespace
+
+void RecordDirectStep(Run& run) {
+    Domain domain = DomainOf(run);
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        if (run.groups[NGE].NETIP == 2)
+            FindEnds<2>(run, run.groups[NGE], domain);
+        else if (run.groups[NGE].NETIP == 3)
+            FindEnds<3>(run, run.groups[NGE], domain);
+    }
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        if (run.groups[NGE].NETIP == 2)
+            AddGroup<2>(run, run.groups[NGE], domain);
+        else if (run.groups[NGE].NETIP == 3)
+            AddGroup<3>(run, run.groups[NGE], domain);
+    }
+    const double concentration = domain.fluid > 0.0 ? domain.amount / domain.fluid : 0.0;
+    const double bulk = BulkCoefficient(run, concentration);
+    const double gradient =
+        (domain.endAmount[1] / domain.endArea[1] - domain.endAmount[0] / domain.endArea[0]) /
+        (domain.high - domain.low);
+    const double flux = domain.flow / domain.volume;
+    const bool meaningful = std::isfinite(flux / gradient);
+    const RealTable table = DirectTable(run);
+    const std::int32_t KOR = run.control.state.KOR;
+    table(1, KOR) = concentration;
+    table(2, KOR) = meaningful ? flux / gradient : bulk;
+    WriteDirectRow(run, concentration, bulk, table(2, KOR));
+}
+
+void RunDirectCalculation(Run& run) {
+    SolutionPass(run);
+    PrintDirectTable(run);
+    BeginSecondPass(run);
+    SolutionPass(run);
+    WriteMassChange(run);
+}
+
+} // namespace zurt

@@ -1,0 +1,33 @@
+#include "homogenization/initial_state.h"
+
+#include "elements/radial_nodes.h"
+
+namespace zurt {
+
+void KeepInitialConcentrations(Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    const ConstRealArray solution = StepSolution(run);
+    run.mass.startValues.resize(static_cast<std::size_t>(ID.length));
+    const RealArray start(run.mass.startValues.data(), ID.length);
+    for (Word i = 1; i <= ID.length; ++i)
+        if (ID(i) > 0)
+            start(i) = solution(ID(i));
+}
+
+void RestoreInitialConcentrations(Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    const ConstRealArray start(run.mass.startValues.data(), ID.length);
+    const RealArray solution = StepSolution(run);
+    for (Word i = 1; i <= ID.length; ++i)
+        if (ID(i) > 0)
+            solution(ID(i)) = start(i);
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (IsRadial(run.groups[NGE]) && run.groups[NGE].radial.substructured)
+            SetSubstructureInitialValues(run, run.groups[NGE]);
+    Fill(StepIncrement(run), 0.0);
+    Fill(StepStart(run), 0.0);
+    Fill(RightHandSide(run), 0.0);
+    run.control.state.TIME = 0.0;
+}
+
+} // namespace zurt

@@ -1,0 +1,138 @@
+#include "homogenization/mass_monitor.h"
+
+#include "elements/form_elements.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zurt {
+
+namespace {
+
+/// Nodes this close to the plane, relative to the extent of the mesh, lie in it.
+constexpr double kInPlane = 1e-9;
+
+struct Extent {
+    double low = HUGE_VAL, high = -HUGE_VAL;
+};
+
+Extent ElementExtent(ConstIntTable NEL, Word n, ConstRealArray X) {
+    Extent extent;
+    for (Word k = 1; k <= NEL.columns; ++k) {
+        const std::int32_t node = NEL(n, k);
+        if (node == 0)
+            continue;
+        extent.low = std::min(extent.low, X(node));
+        extent.high = std::max(extent.high, X(node));
+    }
+    return extent;
+}
+
+bool IsIsoparametric(const ElementGroup& group) {
+    return group.NETIP >= 1 && group.NETIP <= 3;
+}
+
+Extent MeshExtent(const Run& run, ConstRealArray X) {
+    Extent mesh;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (IsIsoparametric(run.groups[NGE]))
+            for (Word n = 1; n <= run.groups[NGE].NET; ++n) {
+                const Extent extent = ElementExtent(Connectivity(run, run.groups[NGE]), n, X);
+                mesh.low = std::min(mesh.low, extent.low);
+                mesh.high = std::max(mesh.high, extent.high);
+            }
+    return mesh;
+}
+
+// True when faces of elements lie in the plane of coordinate 0, with elements on both of its sides.
+bool PartsAtZero(const Run& run, ConstRealArray X, double tolerance) {
+    bool below = false, above = false;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        if (!IsIsoparametric(run.groups[NGE]))
+            continue;
+        for (Word n = 1; n <= run.groups[NGE].NET; ++n) {
+            const Extent extent = ElementExtent(Connectivity(run, run.groups[NGE]), n, X);
+            if (extent.low < -tolerance && extent.high > tolerance)
+                return false;
+            below = below || extent.low < -tolerance;
+            above = above || extent.high > tolerance;
+        }
+    }
+    return below && above;
+}
+
+void FindCrossSection(const Run& run, int direction, CrossSection& section) {
+    const ConstRealArray X = CoordinateColumn(run, direction);
+    const Extent mesh = MeshExtent(run, X);
+    const double tolerance = kInPlane * (mesh.high - mesh.low);
+    const double plane = PartsAtZero(run, X, tolerance) ? 0.0 : mesh.low;
+    for (std::int32_t i = 1; i <= X.length; ++i)
+        if (std::fabs(X(i) - plane) <= tolerance)
+            section.nodes.push_back(i);
+    section.elements.resize(static_cast<std::size_t>(run.control.header.NGET) + 1);
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        if (!IsIsoparametric(group))
+            continue;
+        for (std::int32_t n = 1; n <= group.NET; ++n)
+            if (std::fabs(ElementExtent(Connectivity(run, group), n, X).low - plane) <= tolerance)
+                section.elements[static_cast<std::size_t>(NGE)].push_back(n);
+    }
+    section.found = true;
+}
+
+void AddGroupResiduals(Run& run, ElementGroup& group, ConstIntArray elements, RealArray nodalSums) {
+    if (group.NETIP == 1)
+        AddElementResiduals<1>(run, group, elements, false, nodalSums);
+    else if (group.NETIP == 2)
+        AddElementResiduals<2>(run, group, elements, false, nodalSums);
+    else
+        AddElementResiduals<3>(run, group, elements, false, nodalSums);
+}
+
+double FlowThrough(Run& run, const CrossSection& section) {
+    const RealArray sums(run.mass.nodalSums.data(), static_cast<Word>(run.mass.nodalSums.size()));
+    Fill(sums, 0.0);
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        const std::vector<std::int32_t>& elements = section.elements[static_cast<std::size_t>(NGE)];
+        if (!elements.empty())
+            AddGroupResiduals(run, run.groups[NGE],
+                              ConstIntArray(elements.data(), static_cast<Word>(elements.size())), sums);
+    }
+    double flow = 0.0;
+    for (const std::int32_t node : section.nodes)
+        flow -= sums(node);
+    return flow;
+}
+
+} // namespace
+
+void BeginMassTables(Run& run) {
+    const auto steps = static_cast<std::size_t>(std::max(run.control.state.NDT, 1));
+    run.mass.FLUXMICRO.assign(steps, 0.0);
+    run.mass.FLUXEQUIV.assign(steps, 0.0);
+    run.mass.nodalSums.assign(static_cast<std::size_t>(run.control.header.NP), 0.0);
+    for (CrossSection& section : run.mass.section)
+        section = {};
+}
+
+void RecordFlow(Run& run) {
+    const HomogenizationCard& card = run.fit.card;
+    CrossSection& section = run.mass.section[card.INDDEG];
+    if (!section.found)
+        FindCrossSection(run, card.INDDEG, section);
+    std::vector<double>& flux = card.IEHM == 0 ? run.mass.FLUXMICRO : run.mass.FLUXEQUIV;
+    RealArray(flux.data(), static_cast<Word>(flux.size()))(run.control.state.KOR) = FlowThrough(run, section);
+}
+
+double MassOfRun(const Run& run, const std::vector<double>& flux, std::int32_t steps) {
+    const bool steady = run.control.header.NSTAC == 0;
+    const ConstRealArray sizes = RealSection(run.A, run.control.at.LDT, steady ? 0 : run.control.state.NDT);
+    const ConstRealArray flows(flux.data(), static_cast<Word>(flux.size()));
+    double mass = 0.0;
+    for (Word step = 1; step <= steps; ++step)
+        mass += flows(step) * (steady ? 1.0 : sizes(step));
+    return std::fabs(mass);
+}
+
+} // namespace zurt
