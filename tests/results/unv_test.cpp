@@ -98,6 +98,7 @@ ElementGroup& MakeGroup(zurt::Run& run, std::int32_t NPDMX, int nodes, std::int3
         Connectivity(run, group)(1, k) = k <= nodes ? 100 + k : 0;
     run.groups[1].NGE = 1;
     run.groups[1].NET = 40;
+    run.groups[1].NETIP = 3;
     return group;
 }
 
