@@ -54,7 +54,7 @@ void TimeSubstitution(benchmark::State& state, Substitute substitute) {
 #define ZURT_CUBES ->Arg(15)->Arg(20)->Arg(25)->Arg(30)->Unit(benchmark::kMillisecond)
 
 Word FactorPortable(RealArray store, zurt::ConstIntArray MAXA, Word NN) {
-    return zurt::FactorSkyline(store, MAXA, NN, zurt::SkylineKernel::Portable);
+    return zurt::FactorSkyline(store, MAXA, NN, zurt::InstructionSet::Portable);
 }
 
 BENCHMARK_CAPTURE(TimeFactor, solver, static_cast<Factor>(zurt::FactorSkyline)) ZURT_CUBES;

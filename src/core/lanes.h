@@ -17,18 +17,25 @@ InstructionSet WidestInstructionSet();
 
 #define ZURT_INLINE inline __attribute__((always_inline))
 
-/// kWidth numbers in one register: 2, 4 and 8 for the three sets.
+/// kWidth numbers in one register: 2, 4 and 8 for the three sets. In memory Anywhere may begin at any number, Vector at
+/// a multiple of its size alone.
 template <int kWidth> struct Lanes {
     typedef double Vector __attribute__((vector_size(kWidth * sizeof(double)), may_alias));
+    typedef double Anywhere __attribute__((vector_size(kWidth * sizeof(double)), aligned(8), may_alias));
     typedef std::int64_t Mask __attribute__((vector_size(kWidth * sizeof(double)), may_alias));
 };
 
-/// The lanes from `place` on, which begins where a register may be loaded from (a multiple of its size).
+/// The lanes from `place` on, which is a multiple of their size.
 template <int kWidth> ZURT_INLINE typename Lanes<kWidth>::Vector& LanesAt(double* place) {
     return *reinterpret_cast<typename Lanes<kWidth>::Vector*>(place);
 }
 template <int kWidth> ZURT_INLINE const typename Lanes<kWidth>::Vector& LanesAt(const double* place) {
     return *reinterpret_cast<const typename Lanes<kWidth>::Vector*>(place);
+}
+
+/// The lanes from any `place` on.
+template <int kWidth> ZURT_INLINE typename Lanes<kWidth>::Anywhere& LanesAnywhere(double* place) {
+    return *reinterpret_cast<typename Lanes<kWidth>::Anywhere*>(place);
 }
 
 /// The number of each lane, from 0.

@@ -50,11 +50,11 @@ struct StepCosts {
     double singleStart = 15.0;
 };
 
-StepCosts CostsOf(SkylineKernel kernel) {
-    switch (kernel) {
-    case SkylineKernel::Avx512:
+StepCosts CostsOf(InstructionSet instructions) {
+    switch (instructions) {
+    case InstructionSet::Avx512:
         return {3.0, 5.0};
-    case SkylineKernel::Avx2:
+    case InstructionSet::Avx2:
         return {4.0, 8.0};
     default:
         return {9.0, 27.0};
@@ -130,31 +130,21 @@ __attribute__((target("avx512f"))) Word FactorAvx512(SkylinePanel& panel, Word N
 
 } // namespace
 
-SkylineKernel WidestSkylineKernel() {
-#ifdef __x86_64__
-    if (__builtin_cpu_supports("avx512f"))
-        return SkylineKernel::Avx512;
-    if (__builtin_cpu_supports("avx2"))
-        return SkylineKernel::Avx2;
-#endif
-    return SkylineKernel::Portable;
-}
-
-Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, SkylineKernel kernel) {
+Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, InstructionSet instructions) {
     SkylinePanel panel = {};
     panel.store = SkylineMatrix.data;
     panel.pointers = MAXA.data;
-    const StepCosts cost = CostsOf(kernel);
+    const StepCosts cost = CostsOf(instructions);
     const Word rows = ScratchRows(panel, NN, cost);
     if (rows > 0)
         panel.reduced = new (std::nothrow) PanelRow[static_cast<std::size_t>(rows)];
     Word failed = 0;
-    switch (kernel) {
+    switch (instructions) {
 #ifdef __x86_64__
-    case SkylineKernel::Avx512:
+    case InstructionSet::Avx512:
         failed = FactorAvx512(panel, NN, cost);
         break;
-    case SkylineKernel::Avx2:
+    case InstructionSet::Avx2:
         failed = FactorAvx2(panel, NN, cost);
         break;
 #endif
@@ -166,7 +156,7 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, Skyline
 }
 
 Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN) {
-    return FactorSkyline(SkylineMatrix, MAXA, NN, WidestSkylineKernel());
+    return FactorSkyline(SkylineMatrix, MAXA, NN, WidestInstructionSet());
 }
 
 double SkylineFactorOperations(ConstIntArray MAXA, Word NN) {

@@ -5,25 +5,20 @@
 #pragma once
 
 #include "core/array_view.h"
+#include "core/lanes.h"
 
 namespace zurt {
-
-/// Which instructions a factorisation uses. All of them give the same bits.
-enum class SkylineKernel { Portable, Avx2, Avx512 };
-
-/// The widest kernel that this machine runs.
-SkylineKernel WidestSkylineKernel();
 
 /// Factorises the store. Returns 0, or the number of the first equation whose pivot is not above zero (a
 /// pivot that is not a number passes); that pivot then stands on its diagonal and the rest of the store is
 /// spent.
 ///   SkylineMatrix  1..MAXA(NN+1)-1, in: K; out: d(c) on the diagonals, l(r,c) above them
 ///   MAXA           1..NN+1, in: solver/skyline_layout.h
-///   kernel         one that the machine runs
+///   instructions   a set that the machine runs; all of them give the same bits
 /// Takes scratch for 16 columns of the greatest height from the heap, once.
-Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, SkylineKernel kernel);
+Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, InstructionSet instructions);
 
-/// The same with the widest kernel.
+/// The same with the widest set.
 Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN);
 
 /// The number of floating-point operations that a factorisation of this layout takes.

@@ -6,26 +6,21 @@
 // outward, as the plain loops do; what lies above the top of a lane stays out of its sum. The diagonal is one
 // more lane of its own row, for its sum is of the same products in the same order.
 //
-// More lanes are no gain: 16 cover the latency of an addition, and their reduced rows still fit the innermost
-// cache for heights up to about 350.
+// So rows can't be tiled, and every product takes one number from `reduced`: what a register of it costs to load is
+// the bound. Heights up to about 350 stay in the innermost cache (48 KB); above that it is the speed of the second one.
+// More lanes are no gain: 16 cover the latency of an addition, and 24 or 32 leave the innermost cache sooner.
 // Included by solver/skyline_factor.cpp alone, which makes one copy of this code for each instruction set.
 #pragma once
 
 #include "core/array_view.h"
+#include "core/lanes.h"
 
 #include <algorithm>
 
 namespace zurt {
 
-#define ZURT_INLINE inline __attribute__((always_inline))
-
 constexpr Word kPanelLanes = 16;
-
-/// kWidth lanes in one register.
-template <int kWidth> struct Lanes {
-    typedef double Vector __attribute__((vector_size(kWidth * sizeof(double)), may_alias));
-    static constexpr int kVectors = kPanelLanes / kWidth;
-};
+constexpr Word kWidestLanes = 8;
 
 /// One row of a panel.
 struct alignas(64) PanelRow {
@@ -44,7 +39,8 @@ struct SkylinePanel {
     Word allTop;               // from this row down every lane in use has entries
     Word entry[kPanelLanes];   // entry (r, lane) is store[entry[lane] - r]
     Word laneTop[kPanelLanes]; // highest row of the lane; below bottom for a lane that is not in use
-    PanelRow laneTops;         // the same as reals, to compare vectors with
+    Word whole;        // entries of `reduced` below this one, but for the panel's own rows, have all 16 lanes
+    PanelRow laneTops; // the same as reals, to compare vectors with
 };
 
 /// Sets all that follows from `first` and `columns`.
@@ -64,14 +60,17 @@ ZURT_INLINE void PlacePanel(SkylinePanel& panel) {
         }
         panel.laneTops.lane[lane] = static_cast<double>(panel.laneTop[lane]);
     }
+    const Word wholeRows = panel.columns == kPanelLanes ? std::max<Word>(panel.first - panel.allTop, 0) : 0;
+    panel.whole = kPanelLanes + wholeRows / kWidestLanes * kWidestLanes;
 }
 
 /// The sums of row K, lane by lane: the products with column K, rows K - 1 and up, as far as both columns
-/// reach.
+/// reach. `newest` is row K - 1, still in registers.
 template <int kWidth>
-ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, typename Lanes<kWidth>::Vector* sum) {
+ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, const typename Lanes<kWidth>::Vector* newest,
+                        typename Lanes<kWidth>::Vector* sum) {
     using Vector = typename Lanes<kWidth>::Vector;
-    constexpr int kVectors = Lanes<kWidth>::kVectors;
+    constexpr int kVectors = kPanelLanes / kWidth;
     const double* __restrict column = panel.store + (panel.pointers[K] - 1);
     const PanelRow* __restrict reduced = panel.reduced + (panel.bottom - K);
     const Word height = panel.pointers[K + 1] - panel.pointers[K] - 1;
@@ -81,6 +80,13 @@ ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, typename Lanes<kWidth
     for (int v = 0; v < kVectors; ++v)
         sum[v] = Vector{};
     Word i = 1;
+    if (common >= 1) {
+        const double factor = column[1];
+#pragma GCC unroll 8
+        for (int v = 0; v < kVectors; ++v)
+            sum[v] += factor * newest[v];
+        i = 2;
+    }
     for (; i <= common; ++i) {
         const Vector* row = reinterpret_cast<const Vector*>(reduced[i].lane);
         const double factor = column[i];
@@ -99,62 +105,105 @@ ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, typename Lanes<kWidth
     }
 }
 
-/// Row K of a panel: sums, subtraction, pivot if the row's own column is a lane, division by the pivot.
-/// `kWhole` says that all sixteen lanes have an entry above their diagonal in the row. Returns false when the
-/// pivot is not above zero.
-template <int kWidth, bool kWhole> ZURT_INLINE bool FinishRow(const SkylinePanel& panel, Word K) {
+/// Row K of a panel: its sums taken from `value`, the row's entries; `newest` goes from the row before to this one.
+template <int kWidth>
+ZURT_INLINE void ReduceRow(const SkylinePanel& panel, Word K, PanelRow& value,
+                           typename Lanes<kWidth>::Vector* newest) {
     using Vector = typename Lanes<kWidth>::Vector;
-    constexpr int kVectors = Lanes<kWidth>::kVectors;
-    double idle = 0.0; // stands in for entries outside the profile
-    double* place[kPanelLanes];
-    PanelRow& value = panel.reduced[panel.bottom - K];
-    // Fetched ahead of the sums, which hide the time that this takes.
-#pragma GCC unroll 16
-    for (Word lane = 0; lane < kPanelLanes; ++lane) {
-        const bool inside = kWhole || (panel.laneTop[lane] <= K && K <= panel.first + lane);
-        place[lane] = inside ? panel.store + (panel.entry[lane] - K) : &idle;
-        value.lane[lane] = *place[lane];
-    }
-    Vector sums[kVectors];
-    SumRow<kWidth>(panel, K, sums);
-    Vector* values = reinterpret_cast<Vector*>(value.lane);
+    constexpr int kVectors = kPanelLanes / kWidth;
     // Without a sum nothing is subtracted: even a zero would flush a denormal diagonal.
-    if (panel.pointers[K + 1] - panel.pointers[K] > 1) {
+    if (panel.pointers[K + 1] - panel.pointers[K] <= 1) {
 #pragma GCC unroll 8
         for (int v = 0; v < kVectors; ++v)
-            values[v] -= sums[v];
+            newest[v] = LanesAt<kWidth>(&value.lane[v * kWidth]);
+        return;
     }
-
-    double& pivot = panel.store[panel.pointers[K] - 1];
-    if (!kWhole && K >= panel.first) {
-        pivot = value.lane[K - panel.first];
-        if (0.0 >= pivot)
-            return false;
-        place[K - panel.first] = &idle;
-    }
-    PanelRow quotient;
-    Vector* quotients = reinterpret_cast<Vector*>(quotient.lane);
+    Vector sums[kVectors];
+    SumRow<kWidth>(panel, K, newest, sums);
 #pragma GCC unroll 8
     for (int v = 0; v < kVectors; ++v)
-        quotients[v] = values[v] / pivot;
-#pragma GCC unroll 16
-    for (Word lane = 0; lane < kPanelLanes; ++lane)
-        *place[lane] = quotient.lane[lane];
+        LanesAt<kWidth>(&value.lane[v * kWidth]) = newest[v] =
+            LanesAt<kWidth>(&value.lane[v * kWidth]) - sums[v];
+}
+
+/// The rows above the panel's own: entries into `reduced` (kLoad), or quotients by the pivots out of it. Squares of
+/// columns and rows are turned in registers.
+template <int kWidth, bool kLoad> ZURT_INLINE void MoveWholeRows(const SkylinePanel& panel) {
+    using Vector = typename Lanes<kWidth>::Vector;
+    for (Word j = kPanelLanes; j < panel.whole; j += kWidth)
+#pragma GCC unroll 8
+        for (Word lane = 0; lane < kPanelLanes; lane += kWidth) {
+            Vector square[kWidth];
+#pragma GCC unroll 8
+            for (Word i = 0; i < kWidth; ++i) {
+                if (kLoad)
+                    square[i] =
+                        LanesAnywhere<kWidth>(panel.store + (panel.entry[lane + i] - panel.bottom + j));
+                else
+                    square[i] = LanesAt<kWidth>(&panel.reduced[j + i].lane[lane]) /
+                                panel.store[panel.pointers[panel.bottom - j - i] - 1];
+            }
+            TransposeLanes<kWidth>(square);
+#pragma GCC unroll 8
+            for (Word i = 0; i < kWidth; ++i) {
+                if (kLoad)
+                    LanesAt<kWidth>(&panel.reduced[j + i].lane[lane]) = square[i];
+                else
+                    LanesAnywhere<kWidth>(panel.store + (panel.entry[lane + i] - panel.bottom + j)) =
+                        square[i];
+            }
+        }
+}
+
+/// The same for the ragged rows at the top, entry by entry; outside the profile `reduced` takes zeros.
+template <bool kLoad> ZURT_INLINE void MoveRaggedRows(const SkylinePanel& panel) {
+    for (Word j = panel.whole; j <= panel.bottom - panel.top; ++j) {
+        const Word r = panel.bottom - j;
+        const double pivot = panel.store[panel.pointers[r] - 1];
+        for (Word lane = 0; lane < kPanelLanes; ++lane) {
+            double& value = panel.reduced[j].lane[lane];
+            const bool inside = panel.laneTop[lane] <= r;
+            if (kLoad)
+                value = inside ? panel.store[panel.entry[lane] - r] : 0.0;
+            else if (inside)
+                panel.store[panel.entry[lane] - r] = value / pivot;
+        }
+    }
+}
+
+/// One of the panel's own rows: sums, subtraction, pivot test, division by the pivot. Returns false when the pivot is
+/// not above zero.
+template <int kWidth>
+ZURT_INLINE bool FinishOwnRow(const SkylinePanel& panel, Word K, typename Lanes<kWidth>::Vector* newest) {
+    PanelRow& value = panel.reduced[panel.bottom - K];
+    for (Word lane = 0; lane < kPanelLanes; ++lane) {
+        const bool inside = panel.laneTop[lane] <= K && K <= panel.first + lane;
+        value.lane[lane] = inside ? panel.store[panel.entry[lane] - K] : 0.0;
+    }
+    ReduceRow<kWidth>(panel, K, value, newest);
+    const Word own = K - panel.first;
+    const double pivot = value.lane[own];
+    panel.store[panel.pointers[K] - 1] = pivot;
+    if (0.0 >= pivot)
+        return false;
+    for (Word lane = own + 1; lane < panel.columns; ++lane)
+        if (panel.laneTop[lane] <= K)
+            panel.store[panel.entry[lane] - K] = value.lane[lane] / pivot;
     return true;
 }
 
 /// Reduces, divides and tests the columns of a placed panel. Returns 0, or the one-based number of the pivot
 /// that failed.
 template <int kWidth> ZURT_INLINE Word FactorPanel(const SkylinePanel& panel) {
-    const Word last = panel.first + panel.columns - 1;
-    const Word firstWhole = panel.columns == kPanelLanes ? std::min(panel.allTop, panel.first) : panel.first;
-    Word K = panel.top;
-    for (; K < firstWhole; ++K)
-        FinishRow<kWidth, false>(panel, K);
-    for (; K < panel.first; ++K)
-        FinishRow<kWidth, true>(panel, K);
-    for (; K <= last; ++K)
-        if (!FinishRow<kWidth, false>(panel, K))
+    MoveWholeRows<kWidth, true>(panel);
+    MoveRaggedRows<true>(panel);
+    typename Lanes<kWidth>::Vector newest[kPanelLanes / kWidth] = {};
+    for (Word K = panel.top; K < panel.first; ++K)
+        ReduceRow<kWidth>(panel, K, panel.reduced[panel.bottom - K], newest);
+    MoveWholeRows<kWidth, false>(panel);
+    MoveRaggedRows<false>(panel);
+    for (Word K = panel.first; K < panel.first + panel.columns; ++K)
+        if (!FinishOwnRow<kWidth>(panel, K, newest))
             return K + 1;
     return 0;
 }

@@ -38,25 +38,25 @@ Word FirstDifference(const Reals& a, const Reals& b) {
     return 0;
 }
 
-using zurt::SkylineKernel;
+using zurt::InstructionSet;
 
-// The kernels that this machine runs.
-std::vector<SkylineKernel> Kernels() {
-    std::vector<SkylineKernel> kernels;
-    for (const SkylineKernel kernel : {SkylineKernel::Portable, SkylineKernel::Avx2, SkylineKernel::Avx512})
-        if (kernel <= zurt::WidestSkylineKernel())
-            kernels.push_back(kernel);
-    return kernels;
+// The sets that this machine runs.
+std::vector<InstructionSet> Sets() {
+    std::vector<InstructionSet> sets;
+    for (const InstructionSet set : {InstructionSet::Portable, InstructionSet::Avx2, InstructionSet::Avx512})
+        if (set <= zurt::WidestInstructionSet())
+            sets.push_back(set);
+    return sets;
 }
 
-// Every kernel must give the bits of the plain loops, and the substitution with its factors too.
+// Every set of instructions must give the bits of the plain loops, and the substitution with its factors too.
 void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std::string& what) {
     SkylineSystem reference = system;
     const Word failed = zurt_test::ReferenceFactor(reference.Store(), reference.Pointers(), reference.NN);
-    for (const SkylineKernel kernel : Kernels()) {
-        const std::string where = what + " kernel " + std::to_string(static_cast<int>(kernel));
+    for (const InstructionSet set : Sets()) {
+        const std::string where = what + " set " + std::to_string(static_cast<int>(set));
         SkylineSystem solved = system;
-        ASSERT_EQ(zurt::FactorSkyline(solved.Store(), solved.Pointers(), solved.NN, kernel), failed) << where;
+        ASSERT_EQ(zurt::FactorSkyline(solved.Store(), solved.Pointers(), solved.NN, set), failed) << where;
         if (failed != 0) {
             const std::size_t diagonal = static_cast<std::size_t>(reference.Pointers()(failed) - 1);
             EXPECT_EQ(FirstDifference({solved.store[diagonal]}, {reference.store[diagonal]}), 0) << where;
