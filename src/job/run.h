@@ -17,6 +17,8 @@ namespace zurt {
 /// Gauss point fluxes and coefficients on their way to the nodes: how many contributions each node has had.
 struct NodalAveraging {
     std::vector<std::int32_t> contributions; // 1..NP at 0..NP-1
+    std::vector<std::int32_t> layer;         // elements of an outlet layer (elements/outlet_layer.h)
+    std::vector<double> layerResiduals;      // their residuals, 1..NP at 0..NP-1
 };
 
 struct Run {

@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "elements/element_dispatch.h"
 #include "elements/nodal_averaging.h"
+#include "elements/outlet_layer.h"
 #include "homogenization/direct_coefficient.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
@@ -60,6 +61,7 @@ void EvaluateNodalResults(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         DispatchElementPhase(run, run.groups[NGE], run.groups[NGE].NETIP, kFormPhase);
     AverageNodalResults(run);
+    FormOutletLayers(run);
 }
 
 void WriteGraphicsStep(Run& run) {
