@@ -1,14 +1,19 @@
 // Fibres over a mesh: classification of the Gauss points of 40 x 40 x 40 bricks (their records included) among a thousand
-// fibres, the plain visit of all fibres for comparison, and one set of factors from a record.
+// fibres, the plain visit of all fibres for comparison, one set of factors from a record, and a forming visit with factors
+// beside one without.
 #include "../tests/elements/form_model.h"
 
+#include "microscale/correction_lookup.h"
 #include "microscale/fibre_geometry.h"
 #include "microscale/gauss_factors.h"
 #include "microscale/gauss_records.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <ctime>
 #include <random>
+#include <vector>
 
 namespace zurt {
 namespace {
@@ -31,6 +36,7 @@ CorrectionTable EightByFour() {
     for (int j = 0; j < 4; ++j)
         for (int i = 0; i < 8; ++i)
             table.factor.push_back(0.1 + 0.1 * i + 0.02 * j);
+    table.rising = RowsAndColumnsRise(table);
     return table;
 }
 
@@ -139,6 +145,60 @@ void CachedFactor(benchmark::State& state) {
     }
 }
 BENCHMARK(CachedFactor);
+
+double ProcessorTime() {
+    timespec now;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+double Median(std::vector<double>& values) {
+    std::nth_element(values.begin(), values.begin() + static_cast<Word>(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+// Forming of 20 x 20 x 20 bricks, transient with a diffusion curve, in turns without fibres and with short ones, two
+// tables (argument 2) or one (1) to a set; nearly all points lie in fluid.
+void FormUnderFibres(benchmark::State& state) {
+    constexpr int side = 20;
+    Run run;
+    Problem problem;
+    problem.NSTAC = problem.NonlinearFlag = problem.NDS = 1;
+    problem.conduction = {{{0.0, 1.0}, {0.3, 1.5}, {0.6, 1.8}, {1.0, 2.0}}};
+    problem.size = kWorkingVectorSize;
+    BuildModel(run,
+               BlockOfBricks(side, side, side,
+                             [](int i, int j, int k) {
+                                 return Point{1.0 * i / side, 1.0 * j / side, 1.0 * k / side};
+                             }),
+               problem);
+    const RealArray T = StepSolution(run);
+    for (Word i = 1; i <= T.length; ++i)
+        T(i) = 0.2 + 0.6 * static_cast<double>(i) / static_cast<double>(T.length);
+    run.fibres = MakeNetwork(kShort);
+    for (FibreSet& set : run.fibres.sets) {
+        set.DIAM = 0.001; // hardly a point in a fibre: nearly all pay for the tables
+        set.IANISY = state.range(0) == 2 ? 1 : 0;
+    }
+    std::vector<std::int32_t> marks(static_cast<std::size_t>(run.control.header.NP));
+    const FibreSearch search = MakeSearch(run.fibres, 8 * Word{run.groups[1].NET});
+    ClassifyGaussPoints<3>(run, run.fibres, search, run.groups[1],
+                           IntArray(marks.data(), run.control.header.NP));
+    std::vector<double> plain, fibres;
+    for (auto _ : state)
+        for (const std::int32_t NSETS : {0, 1}) {
+            run.fit.card.NSETS = NSETS;
+            const double start = ProcessorTime();
+            DispatchElementPhase(run, run.groups[1], 3, kFormPhase);
+            (NSETS == 0 ? plain : fibres).push_back(ProcessorTime() - start);
+        }
+    const double elements = run.groups[1].NET;
+    state.counters["plain_ns"] = 1e9 * Median(plain) / elements;
+    state.counters["fibres_ns"] = 1e9 * Median(fibres) / elements;
+    state.counters["ratio"] = Median(fibres) / Median(plain);
+    DestroyWorkingVector(run.A);
+}
+BENCHMARK(FormUnderFibres)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 } // namespace
 } // namespace zurt

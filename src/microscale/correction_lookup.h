@@ -18,11 +18,11 @@ namespace zurt {
 double LookupCorrectionFactor(ConstRealArray distance, ConstRealArray concentration, ConstRealTable factor,
                               double c, double d);
 
-/// The same from a record; a table that is not there gives 1.
-inline double LookupCorrectionFactor(const CorrectionTable& table, double c, double d) {
-    if (table.NDIST < 1)
-        return 1.0;
-    return LookupCorrectionFactor(Distances(table), Concentrations(table), Factors(table), c, d);
-}
+/// The same from a record, to the last bit; a table that is not there gives 1. Where rows and columns rise an interval is
+/// found by counting, without a jump that hangs on the data.
+double LookupCorrectionFactor(const CorrectionTable& table, double c, double d);
+
+/// Whether distances and concentrations rise from each to the next: what `rising` of the record says.
+bool RowsAndColumnsRise(const CorrectionTable& table);
 
 } // namespace zurt

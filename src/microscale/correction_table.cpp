@@ -4,6 +4,7 @@
 #include "core/stop.h"
 #include "job/card.h"
 #include "job/partition.h"
+#include "microscale/correction_lookup.h"
 
 #include <algorithm>
 #include <string>
@@ -156,6 +157,7 @@ void ReadCorrectionTable(Run& run, CorrectionTableOwner owner, CorrectionTable& 
     table.concentration.assign(columns, 0.0);
     table.factor.assign(rows * columns, 0.0);
     ReadCorrectionTable(run, owner, Distances(table), Concentrations(table), Factors(table));
+    table.rising = RowsAndColumnsRise(table);
 }
 
 void ReadNanochannelTable(Run& run) {

@@ -17,6 +17,7 @@ namespace zurt {
 struct CorrectionTable {
     std::int32_t NDIST = 0;            // rows; 0: there is no table
     std::int32_t NCONC = 0;            // columns
+    bool rising = false;               // distances and concentrations rise: lookups may count instead of search
     std::vector<double> distance;      // 1..NDIST, from the wall, in the mesh's unit
     std::vector<double> concentration; // 1..NCONC, molar
     std::vector<double> factor;        // NDIST x NCONC, column by column
@@ -70,13 +71,13 @@ struct FibreSet {
     double meanDistance = 0.0; // mean wall distance over nodes
 };
 
-/// What a Gauss point knows of the nearest fibre. A third axis, from the fibre to the point, is axis1 x axis2.
+/// What a Gauss point knows of the nearest fibre. Of the local axes (along the fibre, around it, from the fibre to the
+/// point) the factors need the squared components of the third one as a unit vector: the first two share one factor.
 struct GaussFibreRecord {
-    double axis1[3];   // along the fibre, not normalised
-    double axis2[3];   // around it, not normalised
+    double towards[3]; // squares of the components of the unit vector from the fibre to the point
     double wall;       // distance to the fibre's wall; kInFibre marks a point in a fibre
     std::int32_t set;  // of the nearest fibre, from 1; 0: no set's box holds the point, the factors are 1
-    std::int32_t none; // fills the record up to one line of the cache
+    std::int32_t none; // what the alignment leaves over
 };
 
 constexpr double kInFibre = -1.0;

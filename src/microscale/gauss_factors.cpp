@@ -1,6 +1,5 @@
 #include "microscale/gauss_factors.h"
 
-#include "core/vector.h"
 #include "microscale/correction_lookup.h"
 #include "microscale/gauss_records.h"
 #include "microscale/merged_tables.h"
@@ -15,17 +14,10 @@ void SetAll(double (&factor)[3], double value) {
     factor[0] = factor[1] = factor[2] = value;
 }
 
-// The diagonal of the sum over n of e_n k_n e_n, with the axes of the record made units.
-void TurnIntoMeshAxes(const GaussFibreRecord& record, double k1, double k2, double k3, double (&factor)[3]) {
-    double e1[3], e2[3], e3[3];
-    std::copy(record.axis1, record.axis1 + 3, e1);
-    std::copy(record.axis2, record.axis2 + 3, e2);
-    VectorCross(e1, e2, e3);
-    VectorNormalize(e1);
-    VectorNormalize(e2);
-    VectorNormalize(e3);
+// The diagonal of the sum over n of e_n k_n e_n with k2 = k1, which is that of k1 (I - e_3 e_3) + k3 e_3 e_3.
+void TurnIntoMeshAxes(const GaussFibreRecord& record, double k1, double k3, double (&factor)[3]) {
     for (int axis = 0; axis < 3; ++axis)
-        factor[axis] = e1[axis] * k1 * e1[axis] + e2[axis] * k2 * e2[axis] + e3[axis] * k3 * e3[axis];
+        factor[axis] = k1 + (k3 - k1) * record.towards[axis];
 }
 
 void RaiseToSmallest(double (&factor)[3]) {
@@ -46,7 +38,7 @@ void GaussFactorCached(const FibreModel& model, const GaussFibreRecord& record, 
     const FibreSet& set = model.sets[static_cast<std::size_t>(record.set - 1)];
     const double k1 = LookupCorrectionFactor(set.table, c, record.wall);
     const double k3 = set.IANISY >= 1 ? LookupCorrectionFactor(set.tableY, c, record.wall) : k1;
-    TurnIntoMeshAxes(record, k1, k1, k3, factor);
+    TurnIntoMeshAxes(record, k1, k3, factor);
     RaiseToSmallest(factor);
 }
 

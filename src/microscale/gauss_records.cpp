@@ -24,18 +24,19 @@ void Across(const double v[3], double across[3]) {
         VectorCross(v, y, across);
 }
 
-void SetAxes(const SearchFibre& fibre, const double (&X)[3], GaussFibreRecord& record) {
+// Along the fibre and around it, of any length.
+void LocalAxes(const SearchFibre& fibre, const double (&X)[3], double (&axis1)[3], double (&axis2)[3]) {
     const double v[3] = {X[0] - fibre.P1[0], X[1] - fibre.P1[1], X[2] - fibre.P1[2]};
     if (fibre.shape == FibreShape::Sphere) {
-        Across(v, record.axis2);
-        VectorCross(record.axis2, v, record.axis1);
+        Across(v, axis2);
+        VectorCross(axis2, v, axis1);
         return;
     }
-    std::copy(fibre.a, fibre.a + 3, record.axis1);
-    VectorCross(v, fibre.a, record.axis2);
+    std::copy(fibre.a, fibre.a + 3, axis1);
+    VectorCross(v, fibre.a, axis2);
     // Ahead of an end and exactly on the axis no direction around the fibre is marked out.
-    if (!(VectorLength(record.axis2) > 0.0))
-        Across(fibre.a, record.axis2);
+    if (!(VectorLength(axis2) > 0.0))
+        Across(fibre.a, axis2);
 }
 
 void RequireRoomForRecords(const Run& run, const ElementGroup& group, Word records) {
@@ -60,7 +61,12 @@ void FillGaussRecord(const FibreSearch& search, const NearestFibre& nearest, con
         return;
     const SearchFibre& fibre = search.fibres[static_cast<std::size_t>(nearest.fibre)];
     record.set = fibre.set + 1;
-    SetAxes(fibre, X, record);
+    double axis1[3], axis2[3], axis3[3];
+    LocalAxes(fibre, X, axis1, axis2);
+    VectorCross(axis1, axis2, axis3);
+    VectorNormalize(axis3);
+    for (int k = 0; k < 3; ++k)
+        record.towards[k] = axis3[k] * axis3[k];
 }
 
 template <int Dimension>

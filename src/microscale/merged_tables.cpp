@@ -50,6 +50,7 @@ void MergeTable(FibreModel& model, TableOfSet which) {
     if (model.sets.size() > 1) {
         SpreadConcentrations(model, which, C);
         SpreadDistances(model, which, D);
+        table.rising = RowsAndColumnsRise(table);
     }
     for (Word j = 1; j <= C.length; ++j)
         for (Word i = 2; i <= D.length; ++i) {

@@ -59,6 +59,29 @@ TEST(CorrectionLookup, OddTables) {
     EXPECT_EQ(LookupCorrectionFactor(CorrectionTable{}, 1.0, 1.0), 1.0);
 }
 
+// Fault: an interval found by counting that the search does not find, at rows, columns, between them and outside.
+TEST(CorrectionLookup, RisingTablesGiveTheSameBits) {
+    CorrectionTable table = MakeTable({0.1, 0.2, 0.5, 0.9, 1.3}, {1.0, 2.0, 4.0, 4.5},
+                                      {{0.1, 0.2, 0.3, 0.4},
+                                       {0.7, 0.5, 0.6, 0.9},
+                                       {0.8, 0.8, 0.1, 0.2},
+                                       {0.3, 0.9, 0.4, 0.7},
+                                       {0.6, 0.2, 0.5, 0.1}});
+    EXPECT_TRUE(RowsAndColumnsRise(table));
+    std::vector<double> searched;
+    for (int counting = 0; counting <= 1; ++counting) {
+        table.rising = counting == 1;
+        std::vector<double> found;
+        for (int i = -5; i < 150; ++i)
+            for (int k = 0; k < 60; ++k)
+                found.push_back(LookupCorrectionFactor(table, 0.1 * k, 0.01 * i));
+        EXPECT_TRUE(counting == 0 || found == searched);
+        searched = found;
+    }
+    table.concentration[2] = 2.0;
+    EXPECT_FALSE(RowsAndColumnsRise(table)) << "equal values";
+}
+
 // Nine distances and three concentrations, by columns and list-directed.
 std::string NineRows(bool fixed) {
     std::string deck = fixed ? "    9    3\n" : "9 3\n";

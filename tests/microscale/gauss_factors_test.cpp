@@ -136,7 +136,8 @@ TEST(GaussFactors, ChoiceByTheStateOfTheFit) {
     model.groups.resize(3);
     model.groups[2].points = 2;
     model.groups[2].records.resize(6);
-    model.groups[2].records[3] = {{0, 0, 1}, {0, 1, 0}, 0.25, 1, 0}; // of element 2, point 2; axis 3 is x
+    model.groups[2].records[3] = {
+        {1, 0, 0}, 0.25, 1, 0}; // of element 2, point 2; it lies off the fibre along x
     FitState fit;
     const auto factors = [&](bool direct) {
         double factor[3] = {1.0, 1.0, 1.0};
