@@ -15,10 +15,10 @@ namespace zurt {
 
 /// Factor on the diffusion coefficient near a wall, by distance (rows) and concentration (columns).
 struct CorrectionTable {
-    std::int32_t NDIST = 0;            // rows; 0: there is no table
-    std::int32_t NCONC = 0;            // columns
-    bool rising = false;               // distances and concentrations rise: lookups may count instead of search
-    std::vector<double> distance;      // 1..NDIST, from the wall, in the mesh's unit
+    std::int32_t NDIST = 0;       // rows; 0: there is no table
+    std::int32_t NCONC = 0;       // columns
+    bool rising = false;          // distances and concentrations rise: lookups may count instead of search
+    std::vector<double> distance; // 1..NDIST, from the wall, in the mesh's unit
     std::vector<double> concentration; // 1..NCONC, molar
     std::vector<double> factor;        // NDIST x NCONC, column by column
 };
