@@ -45,6 +45,19 @@ template <int kWidth> ZURT_INLINE void SetLaneNumbers(typename Lanes<kWidth>::Ma
         numbers[lane] = lane;
 }
 
+/// Lanes of two registers by number; those of the second one have the numbers from kWidth on.
+template <int kWidth>
+ZURT_INLINE void
+ShuffleLanes(const typename Lanes<kWidth>::Vector& first, const typename Lanes<kWidth>::Vector& second,
+             const typename Lanes<kWidth>::Mask& numbers, typename Lanes<kWidth>::Vector& lanes) {
+#if defined(__clang__) // which has shuffles by constants alone
+    for (int lane = 0; lane < kWidth; ++lane)
+        lanes[lane] = numbers[lane] < kWidth ? first[numbers[lane]] : second[numbers[lane] - kWidth];
+#else
+    lanes = __builtin_shuffle(first, second, numbers);
+#endif
+}
+
 /// Transposes a square of lanes: lane l of row r and lane r of row l change places. By squares of 1, 2, 4 .. rows.
 template <int kWidth> ZURT_INLINE void TransposeLanes(typename Lanes<kWidth>::Vector (&row)[kWidth]) {
     using Vector = typename Lanes<kWidth>::Vector;
@@ -53,7 +66,6 @@ template <int kWidth> ZURT_INLINE void TransposeLanes(typename Lanes<kWidth>::Ve
     SetLaneNumbers<kWidth>(number);
 #pragma GCC unroll 4
     for (int size = 1; size < kWidth; size *= 2) {
-        // Lanes of the second operand have the numbers from kWidth on.
         const Mask upper = (number & size) == 0 ? number : number - size + kWidth;
         const Mask lower = (number & size) == 0 ? number + size : number + kWidth;
 #pragma GCC unroll 8
@@ -61,8 +73,8 @@ template <int kWidth> ZURT_INLINE void TransposeLanes(typename Lanes<kWidth>::Ve
             if ((r & size) != 0)
                 continue;
             const Vector first = row[r], second = row[r + size];
-            row[r] = __builtin_shuffle(first, second, upper);
-            row[r + size] = __builtin_shuffle(first, second, lower);
+            ShuffleLanes<kWidth>(first, second, upper, row[r]);
+            ShuffleLanes<kWidth>(first, second, lower, row[r + size]);
         }
     }
 }

@@ -3,10 +3,13 @@
 #include "elements/invert_matrix.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace zurt {
 
 namespace {
+
+constexpr std::ptrdiff_t kMatrixEntries = std::ptrdiff_t{kBrickNodes} * kBrickNodes;
 
 // --- Gauss points side by side -------------------------------------------------------------------------------------
 
@@ -196,7 +199,7 @@ ZURT_INLINE void AddProduct(const SquareRows<kWidth>& square, const double* v, d
                             double (&FE)[kBrickNodes]) {
     using Vector = typename Lanes<kWidth>::Vector;
 #pragma GCC unroll 4
-    for (int a = 0; a < square.kVectors; ++a) {
+    for (std::ptrdiff_t a = 0; a < square.kVectors; ++a) {
         Vector product = square.row[0][a] * v[0];
 #pragma GCC unroll 8
         for (int j = 1; j < kBrickNodes; ++j)
@@ -213,7 +216,7 @@ ZURT_INLINE void AddTimeTermAndResidual(bool transient, double dt, const double*
 #pragma GCC unroll 8
     for (int i = 0; i < kBrickNodes; ++i)
 #pragma GCC unroll 4
-        for (int a = i / kWidth; a < K.kVectors; ++a) {
+        for (std::ptrdiff_t a = i / kWidth; a < K.kVectors; ++a) {
             K.row[i][a] = LanesAt<kWidth>(&brick.K[i][a * kWidth]);
             if (transient) {
                 C.row[i][a] = LanesAt<kWidth>(&brick.C[i][a * kWidth]) / dt;
@@ -233,9 +236,9 @@ template <int kWidth>
 ZURT_INLINE void SumAllPoints(const BrickRule& rule, bool transient, double dt, const double* TE0,
                               const double* TE1, BrickValues& brick, double* packed) {
     BlockFactors factors;
-    std::fill(&brick.K[0][0], &brick.K[0][0] + kBrickNodes * kBrickNodes, 0.0);
+    std::fill(&brick.K[0][0], &brick.K[0][0] + kMatrixEntries, 0.0);
     if (transient)
-        std::fill(&brick.C[0][0], &brick.C[0][0] + kBrickNodes * kBrickNodes, 0.0);
+        std::fill(&brick.C[0][0], &brick.C[0][0] + kMatrixEntries, 0.0);
     for (int first = 0; first < rule.count; first += kPointBlock) {
         const int count = std::min(kPointBlock, rule.count - first);
         SetFactors<kWidth>(rule, first, count, transient, brick, factors);

@@ -1,6 +1,7 @@
 #include "homogenization/homogenization_card.h"
 
 #include "core/format.h"
+#include "core/stop.h"
 #include "job/echo.h"
 
 #include <algorithm>
@@ -102,7 +103,10 @@ void ReadHomogenizationCard(Run& run) {
         ReadCardFields(run.deck, INDFOR, kCurveEndsCard, &card);
     }
     SetActiveDirections(run.fit);
+    const bool wanted = card.NFIT == 1;
     SwitchOffWithoutFibres(card);
+    if (wanted && card.NFIT != 1)
+        WriteNote("a fit (NFIT 1) needs fibre sets (NSETS) and IEHM 1: this problem runs without one");
     if (EchoInput(run)) {
         PrintCardNumber(run, first, 0);
         EchoHomogenizationCard(run);

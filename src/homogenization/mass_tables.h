@@ -3,6 +3,7 @@
 // Plain records, filled by homogenization/mass_monitor.h and homogenization/initial_state.h, empty in other problems.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -16,10 +17,10 @@ struct CrossSection {
 };
 
 struct MassTables {
-    std::vector<double> FLUXMICRO; // flow by step 1..NDT at 0..NDT-1, in the model with fibres
-    std::vector<double> FLUXEQUIV; // and in the equivalent medium
-    CrossSection section[4];       // by direction 1..3
-    std::vector<double> nodalSums; // 1..NP at 0..NP-1: residuals on hand
+    std::vector<double> FLUXMICRO;       // flow by step 1..NDT at 0..NDT-1, in the model with fibres
+    std::vector<double> FLUXEQUIV;       // and in the equivalent medium
+    std::array<CrossSection, 4> section; // by direction 1..3
+    std::vector<double> nodalSums;       // 1..NP at 0..NP-1: residuals on hand
     std::vector<double>
         startValues; // 1..NP: initial concentration of every node, with or without an equation
 };

@@ -35,6 +35,7 @@
 #include "results/unv_mesh.h"
 #include "timeint/solution_pass.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -321,7 +322,19 @@ void RunPlainProblem(Run& run) {
     SolutionPass(run);
 }
 
+void WriteNotesOfRepeatedRuns(const Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    const auto held = std::count(ID.data, ID.data + ID.length, 0);
+    if (held > 0)
+        WriteNote(
+            "the equivalent medium frees all nodes, the " + std::to_string(held) +
+            " that the deck holds as well: drive a fit or a direct calculation by reservoirs in the mesh");
+    if (run.fit.card.NFIT == 1 && run.fit.NACTDIR == 0)
+        WriteNote("a fit (NFIT 1) without a direction (INDFITX, INDFITY, INDFITZ) runs nothing");
+}
+
 void RunRepeatedProblem(Run& run) {
+    WriteNotesOfRepeatedRuns(run);
     BeginMassTables(run);
     KeepInitialConcentrations(run);
     OpenMassFiles(run);

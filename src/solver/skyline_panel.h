@@ -17,6 +17,8 @@
 
 #include <algorithm>
 
+#include <cstddef>
+
 namespace zurt {
 
 constexpr Word kPanelLanes = 16;
@@ -110,18 +112,18 @@ template <int kWidth>
 ZURT_INLINE void ReduceRow(const SkylinePanel& panel, Word K, PanelRow& value,
                            typename Lanes<kWidth>::Vector* newest) {
     using Vector = typename Lanes<kWidth>::Vector;
-    constexpr int kVectors = kPanelLanes / kWidth;
+    constexpr std::ptrdiff_t kVectors = kPanelLanes / kWidth;
     // Without a sum nothing is subtracted: even a zero would flush a denormal diagonal.
     if (panel.pointers[K + 1] - panel.pointers[K] <= 1) {
 #pragma GCC unroll 8
-        for (int v = 0; v < kVectors; ++v)
+        for (std::ptrdiff_t v = 0; v < kVectors; ++v)
             newest[v] = LanesAt<kWidth>(&value.lane[v * kWidth]);
         return;
     }
     Vector sums[kVectors];
     SumRow<kWidth>(panel, K, newest, sums);
 #pragma GCC unroll 8
-    for (int v = 0; v < kVectors; ++v)
+    for (std::ptrdiff_t v = 0; v < kVectors; ++v)
         LanesAt<kWidth>(&value.lane[v * kWidth]) = newest[v] =
             LanesAt<kWidth>(&value.lane[v * kWidth]) - sums[v];
 }

@@ -77,6 +77,7 @@ const auto kMassIsFirst = [](const FitState&, double first) { return first; };
 
 std::vector<double> HeqOf(const std::vector<RunState>& runs) {
     std::vector<double> values;
+    values.reserve(runs.size());
     for (const RunState& run : runs)
         values.push_back(run.HEQ);
     return values;

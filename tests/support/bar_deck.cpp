@@ -251,7 +251,7 @@ std::string Build(const BarDeck& bar) {
     const int NPER = static_cast<int>(bar.periods.size());
     const int NMATT = std::max(1, static_cast<int>(bar.groupFactors.size()));
     writer.Integers({NP, bar.groups + bar.moreGroupCount, NMATT, bar.steady ? 0 : 1, bar.steady ? 1 : NPER,
-                     bar.NPRINT, 0, bar.NULAZ, 0, bar.IGRAF, 0},
+                     bar.NPRINT, 0, bar.NULAZ, 0, bar.IGRAF, bar.IDIRECTD},
                     {10, 5});
     if (bar.fixedFormat)
         writer.text += Print("%5d%5d%5d%5d%10.2e%10.2e%5d%5d\n", bar.INTEB, 0, bar.IFORM, bar.MAXIT,

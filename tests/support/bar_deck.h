@@ -44,6 +44,7 @@ struct BarDeck {
     bool source = false; // uniform volume source by time (IZIP 1)
     std::vector<std::pair<double, double>> sourceCurve = {{0.0, 1.0}};
     int NPRINT = 1, NULAZ = 3, IGRAF = 1, IFORM = 0;
+    int IDIRECTD = 0;
     int INTEB = 1, MAXIT = 30, NJRAP = 1;
     double EPSTA = 0.0, EPSTR = 1e-8;
     int IREST = 1, NCZK = 0;

@@ -243,6 +243,21 @@ std::string Fibres() {
     return Build(bar);
 }
 
+// Both stages of a fit, or the direct calculation, over a row of cubes that begins empty; ends held at 1.
+std::string Fit(int IDIRECTD) {
+    BarDeck bar = Bar(true, 3);
+    bar.IDIRECTD = IDIRECTD;
+    bar.NANOCH = 3;
+    bar.hold = true;
+    bar.start = 0.0;
+    bar.outlet = OutletCards(1, 1.0);
+    const std::string set = OneFibre(1, 0.1, {{0.5, 0.1, 0.1}}, 0.5);
+    bar.fibres = Print("%5d%5d%5d%5d%5d%10.6f", 1, 1, 1, 2, 4, 0.01) +
+                 Print("%5d%5d%5d%5d%5d%5d%5d%5d\n", 1, 0, 1, 1, 1, 1, 0, 0) +
+                 set.substr(set.find("\n\n") + 2);
+    return Build(bar);
+}
+
 // Two assembled fibres with partition values, and one that is substructured with four common nodes.
 std::string RadialFibres() {
     BarDeck bar = Bar(true, 0);
@@ -286,6 +301,8 @@ std::vector<SmallDeck> MakeSmallDecks() {
             {"torsion", Torsion()},
             {"lines", Lines()},
             {"fibres", Fibres()},
+            {"fit", Fit(0)},
+            {"direct", Fit(1)},
             {"radial fibres", RadialFibres()},
             {"sparse", Replaced(Build(device), "2 1 0 0\n", "2 1 0 2\n")}};
 }
