@@ -2,6 +2,7 @@
 
 #include "core/stop.h"
 #include "elements/radial_nodes.h"
+#include "elements/radial_views.h"
 #include "job/partition.h"
 #include "microscale/fibre_geometry.h"
 #include "microscale/fibre_search.h"
@@ -115,6 +116,29 @@ void ClassifyGroups(Run& run, FibreModel& model, std::int32_t first, IntArray no
     }
 }
 
+// What a substructured fibre gives to a node outside the model would be lost.
+void RequireNodeInModel(const Run& run, const ElementGroup& group, Word fibre, std::int32_t node) {
+    if (EquationNumbers(run)(node) < 0)
+        StopWithLibraryError("deck " + run.deck.name + ": node " + std::to_string(node) +
+                             ", which takes the flux of radial fibre " + std::to_string(fibre) +
+                             " of group " + std::to_string(group.NGE) +
+                             ", lies in the fibres under the mesh and has no equation");
+}
+
+void RequireNodesOfSubstructures(const Run& run) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        if (!IsRadial(group) || !group.radial.substructured)
+            continue;
+        const ConstIntTable common = CommonNodes(run, group);
+        for (Word fibre = 1; fibre <= group.NET; ++fibre) {
+            RequireNodeInModel(run, group, fibre, ContinuumNode(run, group)(fibre));
+            for (Word k = 1; k <= common.columns; ++k)
+                RequireNodeInModel(run, group, fibre, common(fibre, k));
+        }
+    }
+}
+
 // Without an equation there is nothing to solve, and the solvers say so each in its own way or not at all.
 void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray nodeMarks) {
     std::int32_t& JEDN = run.control.state.JEDN;
@@ -125,6 +149,7 @@ void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray node
             "deck " + run.deck.name +
             ": no element with a Gauss point outside the fibres has a node that is not held; "
             "there is nothing to solve");
+    RequireNodesOfSubstructures(run);
     run.control.state.NWK = FormLayout(run, model, EquationNumbers(run), JEDN, LayoutElements::Kept);
 }
 
