@@ -210,6 +210,22 @@ TEST(RadialDecks, PartitionIsTheRatioAtTheSurface) {
     EXPECT_NE(substructured.run.errors.find("partition values act with ISUB4 0 alone"), std::string::npos);
 }
 
+// A sphere over the first two bricks takes node 1 out of the model. Faults: what the fibre gives to it is lost unsaid; nodes
+// that stay are refused, too.
+TEST(RadialDecks, NodesUnderTheMeshsFibresTakeNoFlux) {
+    FibreDeck deck = ClosedBrick();
+    deck.ISUB4 = 1;
+    deck.bar.nx = 4;
+    deck.bar.NDS = deck.bar.NANOCH = 1;
+    deck.bar.fibres = OneFibre(0, 1.2, {{0.0, 0.0, 0.0}}, 1.0);
+    const RunResult refused = RunDeck(Build(deck));
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.errors.find("node 1, which takes the flux of radial fibre 1"), std::string::npos)
+        << refused.errors;
+    deck.surface = {5};
+    EXPECT_EQ(RunDeck(Build(deck)).status, 0);
+}
+
 // With rates of 0 the polymer stays as it is: the same as a card with its coefficient, and a partition value over the
 // porosity. Faults: the law taken at a wrong time, or the solid fraction in the place of the porosity.
 TEST(RadialDecks, DegradationReplacesTheCoefficientOfTheCard) {
