@@ -4,6 +4,10 @@
 
 namespace zurt {
 
+bool RunsSeveralTimes(const Run& run) {
+    return run.fit.card.NFIT == 1 || run.control.header.IDIRECTD == 1;
+}
+
 void KeepInitialConcentrations(Run& run) {
     const ConstIntArray ID = EquationNumbers(run);
     const ConstRealArray solution = StepSolution(run);

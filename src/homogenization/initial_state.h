@@ -9,12 +9,16 @@
 
 namespace zurt {
 
+/// True for problems that walk through their steps more than once, with and without an equation at every node: a fit, the
+/// direct calculation.
+bool RunsSeveralTimes(const Run& run);
+
 /// Keeps StepSolution node by node. A node without an equation keeps what its card group gave it
 /// (model/initial_conditions.h).
 void KeepInitialConcentrations(Run& run);
 
-/// Puts the initial concentrations into StepSolution, those of substructured fibres into the fibres, and sets the increments, the step's start and the right-hand side
-/// to zero; TIME is 0.
+/// Puts the initial concentrations into StepSolution, those of substructured fibres into the fibres, and sets the increments, the
+/// step's start and the right-hand side to zero; TIME is 0.
 void RestoreInitialConcentrations(Run& run);
 
 } // namespace zurt

@@ -12,6 +12,9 @@ namespace {
 /// Nodes this close to the plane, relative to the extent of the mesh, lie in it.
 constexpr double kInPlane = 1e-9;
 
+/// Rounding leaves this much of what the box around the mesh could hold, and less.
+constexpr double kRounding = 1e-11;
+
 struct Extent {
     double low = HUGE_VAL, high = -HUGE_VAL;
 };
@@ -123,6 +126,19 @@ void RecordFlow(Run& run) {
         FindCrossSection(run, card.INDDEG, section);
     std::vector<double>& flux = card.IEHM == 0 ? run.mass.FLUXMICRO : run.mass.FLUXEQUIV;
     RealArray(flux.data(), static_cast<Word>(flux.size()))(run.control.state.KOR) = FlowThrough(run, section);
+}
+
+bool IsMassOfRounding(const Run& run, double mass) {
+    const std::vector<double>& start = run.mass.startValues;
+    double content = 0.0;
+    for (const double c : start)
+        content = std::max(content, std::fabs(c));
+    for (int direction = 1; direction <= 3; ++direction) {
+        const Extent mesh = MeshExtent(run, CoordinateColumn(run, direction));
+        if (mesh.high > mesh.low)
+            content *= mesh.high - mesh.low;
+    }
+    return mass <= kRounding * content;
 }
 
 double MassOfRun(const Run& run, const std::vector<double>& flux, std::int32_t steps) {

@@ -18,6 +18,10 @@ void BeginMassTables(Run& run);
 /// FLUXMICRO with IEHM 0, else FLUXEQUIV.
 void RecordFlow(Run& run);
 
+/// True for a mass that is zero but for rounding, measured by what the box around the mesh would hold at the largest start
+/// value.
+bool IsMassOfRounding(const Run& run, double mass);
+
 /// Mass of a run over its first `steps` steps: the absolute value of the sum of flow times step size. A step of a steady
 /// problem counts as one unit of time.
 double MassOfRun(const Run& run, const std::vector<double>& flux, std::int32_t steps);

@@ -75,7 +75,8 @@ void UpdateParameter(Run& run, const FittedCurve& curve) {
         fit.IFITEND = 1;
 }
 
-// A target of zero leaves the search without a scale. It goes on as it is told to and ends at its limit of iterations.
+// A target of zero, or of what rounding leaves of it, leaves the search without a scale. It goes on as it is told to and
+// ends at its limit of iterations.
 void ReportZeroMass(Run& run) {
     static const Format text(
         "(/' NO MASS PASSES THE INLET CROSS-SECTION OF DIRECTION',I2,' IN THE MODEL WITH FIBRES:'"
@@ -91,7 +92,7 @@ void TakeMass(Run& run, std::int32_t steps) {
     FitState& fit = run.fit;
     if (fit.IPHASE == 0) {
         fit.MASSFIB = MassOfRun(run, run.mass.FLUXMICRO, steps);
-        if (fit.MASSFIB == 0.0)
+        if (IsMassOfRounding(run, fit.MASSFIB))
             ReportZeroMass(run);
     } else {
         fit.MASSEHM = MassOfRun(run, run.mass.FLUXEQUIV, steps);

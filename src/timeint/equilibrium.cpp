@@ -134,6 +134,10 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
               Say(run, " KORAKA", "STEPS WRITTEN "));
         Write(unit, "(A)", Say(run, " MOGUCE JE RESTARTOVANJE PROGRAMA", " POSIBLE RESTART"));
     }
+    WriteNote("step " + std::to_string(run.control.state.KOR) +
+              ": no equilibrium within MAXIT = " + std::to_string(run.control.header.MAXIT) +
+              " iterations, the run ends; EPSTR may lie below what rounding allows (see the end of the "
+              "listing)");
     StopRun();
 }
 

@@ -1,0 +1,288 @@
+#include "job/read_problem.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+#include "elements/element_dispatch.h"
+#include "elements/radial_nodes.h"
+#include "elements/surface_cards.h"
+#include "homogenization/homogenization_card.h"
+#include "homogenization/initial_state.h"
+#include "job/banner.h"
+#include "job/echo.h"
+#include "job/files.h"
+#include "job/header_cards.h"
+#include "job/header_echo.h"
+#include "job/partition.h"
+#include "microscale/correction_table.h"
+#include "microscale/fibre_data.h"
+#include "microscale/fibre_step.h"
+#include "microscale/marked_nodes.h"
+#include "model/diffusion_curves.h"
+#include "model/function_tables.h"
+#include "model/initial_conditions.h"
+#include "model/material_tables.h"
+#include "model/materials.h"
+#include "model/nodes.h"
+#include "model/outlet.h"
+#include "model/prescribed_values.h"
+#include "model/time_functions.h"
+#include "model/time_steps.h"
+#include "results/unv_mesh.h"
+
+#include <string_view>
+
+namespace zurt {
+
+namespace {
+
+// --- header cards -------------------------------------------------------------------------------------------------
+
+void OpenOutputs(Run& run) {
+    const HeaderFields& header = run.control.header;
+    if (header.NULAZ < 0)
+        Write(run.units.console, "(1X,A,' \"',A,'\"')",
+              Say(run, "NE STAMPAJU SE ULAZNI PODACI ZA PROBLEM POD NASLOVOM",
+                  "NO PRINTOUT INPUT DATA FOR PROBLEM UNDER TITLE"),
+              std::string_view(header.title, 78));
+    if ((header.NULAZ >= 0 || header.NPRINT >= 0) && run.control.state.ListingOpen == 0) {
+        OpenListing(run);
+        WriteBanner(run);
+    }
+    MarkReadStart(run);
+    if (header.IGRAF > 0 && run.control.state.GraphicsOpen == 0)
+        OpenGraphics(run);
+    if ((header.NULAZ == 1 || header.NULAZ == 2) && run.control.state.CardListingDone == 0) {
+        ListCards(run);
+        if (run.control.state.ListingOpen == 1)
+            run.control.state.CardListingDone = 1;
+    }
+}
+
+void ReadHeaderCards(Run& run) {
+    const HeaderFields& header = run.control.header;
+    ReadTitle(run);
+    const std::int32_t titleCard = run.deck.CardCounter;
+    ReadFormatCard(run);
+    const std::int32_t formatCard = run.deck.CardCounter;
+    if (header.NDS != 0 && header.NANOCH > 0)
+        ReadDeviceCards(run);
+    OpenMessages(run);
+    ReadBasicData(run);
+    OpenOutputs(run);
+    if (EchoInput(run))
+        EchoHeaderCards(run, titleCard, formatCard);
+    ReadControlCard(run);
+    if (EchoInput(run))
+        EchoControlCard(run);
+    ReadExecutionCard(run);
+    if (EchoInput(run))
+        EchoExecutionCard(run);
+    run.control.state.TIME = 0.0;
+}
+
+// --- model data ---------------------------------------------------------------------------------------------------
+
+void ReadTimeData(Run& run) {
+    if (run.control.header.NSTAC == 0) {
+        run.control.state.NDT = run.control.header.NPER;
+        return;
+    }
+    TakePeriodTables(run);
+    ReadTimeSteps(run, 0);
+    TakeStepList(run);
+    ReadTimeSteps(run, 1);
+}
+
+void ReadNodes(Run& run) {
+    TakeNodeArrays(run);
+    ReadNodalData(run);
+    WriteUnvNodes(run);
+    TakeDiagonalPositions(run);
+}
+
+void ReadMicroscaleData(Run& run) {
+    ReadHomogenizationCard(run);
+    HomogenizationCard& card = run.fit.card;
+    if (run.control.header.IDIRECTD == 1) // begins with the model of fibres, and goes before a fit
+        card.IEHM = card.NFIT = 0;
+    run.fit.IFINALRUN = card.NFIT != 1;
+    ReadFibreData(run, run.fibres);
+}
+
+[[noreturn]] void StopOnTooManyGroups(Run& run, std::int32_t NGE) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(A,I3)", "BROJ TIPOVA ELEMENATA NGET=", NGE);
+    Write(unit, "(A)", "-VECI OD 10;  URADITI SLEDECE:");
+    Write(unit, "(A)", "POVECATI DIMENZIJU U VEKTORU NETV(10,3)- COMMON/TEMPGL/,");
+    Write(unit, "(A)", "-DIMENZIJA MORA BITI VECA ILI JEDNAKA BROJU TIPOVAELEMENATA");
+    Write(unit, "(A)", "2. ZAMENITI INSTRUKCIJU .IF(NGE.LE.10) GO TO 45. UMAIN-U U INSTRUKCIJU:");
+    Write(unit, "(A)", ".IF(NGE.LE.NDIM) GO TO 45. GDE JE NDIM-BROJ NA KOJI JE DIMENZIJA POVECANA");
+    StopRun();
+}
+
+void WriteGroupToGraphics(Run& run, const ElementGroup& group) {
+    if (group.NETIP == 1)
+        WriteUnvElements1D(run, group);
+    else if (group.NETIP == 2)
+        WriteUnvElements2D(run, group);
+    else if (group.NETIP == 3)
+        WriteUnvElements3D(run, group);
+    else if (group.ISUB4 == 0)
+        WriteUnvElementsRadial(run, group);
+}
+
+void ReadElementGroups(Run& run) {
+    if (EchoInput(run))
+        Write(run.units.listing, "('1'///6X,A)",
+              Say(run, "U L A Z N I    P O D A C I    O    G R U P A M A   E L E M E N A T A",
+                  "I N P U T    D A T A    F O R    E L E M E N T  G R O U P S"));
+    RunState& state = run.control.state;
+    state.SourcePresent = state.ConcentrationSource = state.SubstructurePresent = 0;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        if (NGE > kMaxGroups)
+            StopOnTooManyGroups(run, NGE);
+        ElementGroup& group = run.groups[NGE];
+        const std::int32_t first = run.deck.CardCounter + 1;
+        group.NGE = NGE;
+        ReadGroupCard(run, group);
+        if (EchoInput(run))
+            EchoGroupCard(run, group, first);
+        DispatchElementPhase(run, group, group.NETIP, kReadPhase);
+        WriteGroupToGraphics(run, group);
+    }
+}
+
+// The fibre step stands ahead of the solution vectors: it may take equations away.
+void LayMeshOverFibres(Run& run) {
+    run.control.state.POROSITY = 1.0;
+    if (run.fit.card.NSETS > 0)
+        ApplyFibres(run, run.fibres);
+    if (RunsSeveralTimes(run))
+        ReserveFullLayout(run);
+}
+
+// DBULK: the coefficients of the last material's curve, which a fit rewrites.
+void KeepFitColumn(Run& run) {
+    TakeFitColumn(run);
+    StopIfInputOverflows(run);
+    const RealTable table = DiffusionTable(run);
+    const RealArray DBULK = RealSection(run.A, run.control.at.LFIT, run.control.counts.MAXPMAT);
+    for (Word i = 1; i <= DBULK.length; ++i)
+        DBULK(i) = table(run.control.header.NMATT, 2 * i);
+}
+
+void ReadMaterialData(Run& run) {
+    const HeaderFields& header = run.control.header;
+    const std::int32_t first = run.deck.CardCounter + 1;
+    ReadMaterialHeader(run);
+    if (EchoInput(run))
+        EchoMaterialHeader(run, first);
+    TakeDiffusionCurves(run);
+    if (header.NANOCH > 0 || header.NDS != 0)
+        ReadDiffusionCurves(run);
+    if (header.NANOCH > 0) {
+        ReadNanochannelTable(run);
+        TakeNanochannelVectors(run);
+    }
+    if (run.fit.card.NFIT == 1)
+        KeepFitColumn(run);
+    LayMeshOverFibres(run);
+    TakeMaterialTables(run);
+    if (header.NDS == 0)
+        ReadMaterials(run);
+}
+
+void ReadTimeDependence(Run& run) {
+    const HeaderFields& header = run.control.header;
+    if (header.NDS == 0 && run.control.counts.NZADC == 0)
+        return;
+    if (header.NDS != 2 && header.NANOCH == 0)
+        ReadTimeFunctions(run);
+    if (header.NDS != 0 && header.NDS != 2 && header.NANOCH > 0)
+        ReadOutletData(run);
+    if (header.NDS == 0)
+        ReadPrescribedValues(run);
+}
+
+// Which curves make the problem iterate within a step.
+void DecideKindOfProblem(Run& run) {
+    const CurveCounts& counts = run.control.counts;
+    RunState& state = run.control.state;
+    state.ConductivityNonlinear = counts.NANLK > 0 || counts.MAXTK > 1;
+    state.CapacityNonlinear = counts.NANLC > 0 || counts.MAXTC > 1;
+    state.NonlinearFlag = state.ConductivityNonlinear != 0 || state.CapacityNonlinear != 0 ||
+                          counts.MAXTHP > 1 || (counts.MAXTQE > 1 && state.ConcentrationSource != 0) ||
+                          counts.MAXTHR > 0;
+}
+
+void StartAssembledFibres(Run& run) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (run.groups[NGE].NETIP == 4 && run.groups[NGE].ISUB4 == 0)
+            SetFibreInitialValues(run, run.groups[NGE]);
+}
+
+void ReadBoundaryData(Run& run) {
+    const CurveCounts& counts = run.control.counts;
+    const std::int32_t first = run.deck.CardCounter + 1;
+    ReadBoundaryCard(run);
+    if (EchoInput(run))
+        EchoBoundaryCard(run, first);
+    ReadFunctionTables(run);
+    DecideKindOfProblem(run);
+    TakeSolutionVectors(run);
+    if (run.control.header.NSTAC != 0 || run.control.state.NonlinearFlag == 1) {
+        ReadInitialConditions(run);
+        StartAssembledFibres(run);
+    }
+    if (run.control.header.NSTAC == 0 || run.control.state.NonlinearFlag == 1) {
+        Copy<double>(StepSolution(run), StepStart(run));
+        Copy<double>(StepSolution(run), StepIncrement(run));
+    }
+    if (counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0)
+        ReadSurfaceData(run);
+}
+
+[[noreturn]] void EndCheckRun(Run& run) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(///11X,A)",
+          Say(run, "UCITAVANJE I GENERISANJE ULAZNIH PODATAKA JE ZAVRSENO",
+              "READING AND GENERATING OF INPUT DATA IS OVER"));
+    Write(unit, "(/11X,A)",
+          Say(run, "ULAZNI PODACI SU BEZ FORMALNE GRESKE", "INPUT DATA ARE WITHOUT FORMAL ERROR"));
+    Write(unit, "(/11X,A)",
+          Say(run, "ZA IZVRSAVANJE PROGRAMA UNETI:   IREST = 1",
+              "FOR EXECUTION OF PROGRAM ENTER:   IREST = 1"));
+    StopRun();
+}
+
+// A problem does not see the fit of the one before; cards keep their fields.
+void ForgetFit(Run& run) {
+    FitState fresh;
+    fresh.card = run.fit.card;
+    run.fit = fresh;
+    run.mass = MassTables{};
+    run.control.state.EquationRoom = 0;
+    run.control.state.MatrixRoom = 0;
+}
+
+} // namespace
+
+void ReadProblem(Run& run) {
+    RestartWorkingVector(run.A);
+    ForgetFit(run);
+    ReadHeaderCards(run);
+    ReadTimeData(run);
+    ReadNodes(run);
+    ReadMicroscaleData(run);
+    ReadElementGroups(run);
+    ReadMaterialData(run);
+    ReadTimeDependence(run);
+    ReadBoundaryData(run);
+    TakeSolverVectors(run);
+    WriteSizeReport(run);
+    StopIfSystemOverflows(run);
+    if (run.control.header.IREST == 0)
+        EndCheckRun(run);
+}
+
+} // namespace zurt

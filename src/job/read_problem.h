@@ -1,0 +1,15 @@
+// The input of one problem: cards in the order of the deck, and with them the shares of the working vector.
+//
+// Called by the driver for every problem; the deck, the console and A are there.
+#pragma once
+
+#include "job/run.h"
+
+namespace zurt {
+
+/// Reads all cards of the next problem, opens the outputs that they ask for, lays out A, numbers equations, finds the
+/// heights of columns and sets the start values. Nothing of an earlier problem's model or fit is left; cards that keep
+/// their fields do. Ends the run when an array does not fit A, and behind the input of a check run (IREST 0).
+void ReadProblem(Run& run);
+
+} // namespace zurt

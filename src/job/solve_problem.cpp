@@ -1,0 +1,91 @@
+#include "job/solve_problem.h"
+
+#include "core/stop.h"
+#include "homogenization/direct_coefficient.h"
+#include "homogenization/fitted_curve.h"
+#include "homogenization/initial_state.h"
+#include "homogenization/mass_files.h"
+#include "homogenization/mass_monitor.h"
+#include "homogenization/run_homogenization.h"
+#include "job/partition.h"
+#include "model/prescribed_values.h"
+#include "timeint/solution_pass.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace zurt {
+
+namespace {
+
+// Behaviour that is required and yet bound to surprise.
+void WriteProblemNotes(const Run& run) {
+    if (run.control.header.NSTAC != 0 && run.control.state.NonlinearFlag == 0)
+        WriteNote(
+            "a transient problem with constant coefficients takes one solve a step, and its solution is not "
+            "the concentration: give a curve two points (of equal value), so that the steps iterate");
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (run.groups[NGE].IZIP == 2)
+            WriteNote("group " + std::to_string(NGE) +
+                      ": volume sources by concentration (IZIP 2) add no load");
+}
+
+// A plain run of the equivalent medium begins with a curve that is lowered by porosity and factors.
+void RescalePlainMedium(Run& run) {
+    FittedCurve curve = FittedCurveOf(run);
+    std::vector<double> asRead;
+    for (Word i = 1; i <= curve.points; ++i)
+        asRead.push_back(CoefficientOf(curve, i));
+    curve.DBULK = ConstRealArray(asRead.data(), curve.points);
+    RescaleEquivalentCurve(curve, run.control.state.POROSITY, run.fibres, run.fit);
+}
+
+void RunPlainProblem(Run& run) {
+    WritePlainMassFile(run);
+    if (run.fit.card.IEHM == 1)
+        RescalePlainMedium(run);
+    SolutionPass(run);
+}
+
+void WriteNotesOfRepeatedRuns(const Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    const auto held = std::count(ID.data, ID.data + ID.length, 0);
+    if (held > 0)
+        WriteNote(
+            "the equivalent medium frees all nodes, the " + std::to_string(held) +
+            " that the deck holds as well: drive a fit or a direct calculation by reservoirs in the mesh");
+    if (run.fit.card.NFIT == 1 && run.fit.NACTDIR == 0)
+        WriteNote("a fit (NFIT 1) without a direction (INDFITX, INDFITY, INDFITZ) runs nothing");
+}
+
+void RunRepeatedProblem(Run& run) {
+    WriteNotesOfRepeatedRuns(run);
+    BeginMassTables(run);
+    KeepInitialConcentrations(run);
+    OpenMassFiles(run);
+    if (run.control.header.IDIRECTD == 1)
+        RunDirectCalculation(run);
+    else
+        RunHomogenization(run);
+}
+
+} // namespace
+
+void SolveProblem(Run& run) {
+    RunState& state = run.control.state;
+    state.TIME = 0.0;
+    state.KOR = 0;
+    state.NCZZ = 0;
+    state.PrintCounter = 0;
+    state.OutletStartOfRun = state.OutletStart;
+    state.PassCounter = 1;
+    state.GraphicsEnabled = run.fit.IFINALRUN;
+    StartPrescribedValues(run);
+    WriteProblemNotes(run);
+    if (RunsSeveralTimes(run))
+        RunRepeatedProblem(run);
+    else
+        RunPlainProblem(run);
+}
+
+} // namespace zurt

@@ -1,0 +1,192 @@
+// Conservation in full precision: what has gone through the inlet cross-section is what is stored behind it and what has
+// left, in the model with fibres and in the equivalent medium. Amounts are integrated here, element by element.
+#include "homogenization/initial_state.h"
+#include "homogenization/mass_files.h"
+#include "homogenization/mass_monitor.h"
+#include "job/partition.h"
+#include "job/read_problem.h"
+#include "job/solve_problem.h"
+#include "support/grid_deck.h"
+#include "support/small_run.h"
+#include "timeint/solution_pass.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+
+namespace zurt_test {
+namespace {
+
+using zurt::Run;
+
+constexpr double kRadius = 0.3, kEnd = 1.0, kOutlet = 3.0; // of the channel, of the reservoir behind it
+constexpr double kReservoir = 20.0;                        // its coefficient
+
+// Points of the rule of two, whose abscissa is a single-precision one: integrals of squares differ from 1/3 by 1e-8.
+constexpr double kPoint = 0.5 * 0.5773502588272095;
+
+/// A square cell 0 < x < 1 with a cylinder along z, between reservoirs.
+GridDeck Cell(bool heldOutlet) {
+    GridDeck grid;
+    grid.places = {std::vector<double>{-2.0, -1.0, 0.0}, {0.0}, {0.0, 0.2}};
+    for (int i = 1; i <= 10; ++i) {
+        grid.places[0].push_back(0.1 * i);
+        grid.places[1].push_back(0.1 * i);
+    }
+    grid.places[0].insert(grid.places[0].end(), {2.0, kOutlet});
+    grid.cylinders = {{{0.5, 0.5, 0.0}, {0.5, 0.5, 0.2}, 2.0 * kRadius}};
+    grid.box = {1.0, 1.0, 0.2};
+    grid.D = {kReservoir, 0.5};
+    grid.material = [](const Place& at) { return at[0] < 0.0 || at[0] > kEnd ? 1 : 2; };
+    grid.startsFull = [](const Place& at) { return at[0] <= 0.0; };
+    if (heldOutlet)
+        grid.held = [](const Place& at) { return at[0] == kOutlet; };
+    grid.EPSTR = 1e-12;
+    grid.size = 0.05;
+    grid.IDIRECTD = 1;
+    return grid;
+}
+
+/// The run stands in a folder of its own while it writes files by fixed names.
+struct JobRun {
+    SmallRun small;
+    std::string before = std::filesystem::current_path();
+    explicit JobRun(const GridDeck& grid) : small(Build(grid), 400000) {
+        std::filesystem::current_path(small.folder);
+        small.run.control.state.ListingOpen = small.run.control.state.GraphicsOpen = 1;
+        small.run.control.state.Language = zurt::kEnglish;
+        small.run.units.stepFile = std::tmpfile();
+        ReadProblem(small.run);
+    }
+    ~JobRun() {
+        std::filesystem::current_path(before);
+        std::fclose(small.run.units.stepFile);
+    }
+};
+
+bool LiesInCylinder(double x, double y) {
+    return std::hypot(x - 0.5, y - 0.5) < kRadius;
+}
+
+/// Integrals over the column of elements behind node column i.
+struct Column {
+    double low, high;         // of c by the weights 1 - s and s, s from 0 to 1 along x
+    double meanLow, meanHigh; // of c over both faces
+};
+
+Column ColumnOf(const GridDeck& grid, zurt::ConstRealArray c, std::size_t i, bool withFibres) {
+    Column sums{};
+    const auto& [x, y, z] = grid.places;
+    const double length = x[i + 1] - x[i];
+    for (std::size_t j = 0; j + 1 < y.size(); ++j) {
+        const double middle = (x[i] + x[i + 1]) / 2, height = (y[j] + y[j + 1]) / 2, width = y[j + 1] - y[j];
+        bool within = withFibres;
+        for (const double side : {-kPoint, kPoint})
+            for (const double up : {-kPoint, kPoint})
+                within = within && LiesInCylinder(middle + side * length, height + up * width);
+        double low = 0.0, high = 0.0; // means over the faces, bilinear
+        for (std::size_t corner = 0; corner < 4; ++corner) {
+            low += c(NodeAt(grid, i, j + corner % 2, corner / 2)) / 4;
+            high += c(NodeAt(grid, i + 1, j + corner % 2, corner / 2)) / 4;
+        }
+        const double area = width * 0.2;
+        sums.meanLow += low * area;
+        sums.meanHigh += high * area;
+        if (!within) {
+            const double same = 0.25 + kPoint * kPoint, other = 0.25 - kPoint * kPoint;
+            sums.low += area * length * (low * same + high * other);
+            sums.high += area * length * (low * other + high * same);
+        }
+    }
+    return sums;
+}
+
+/// What stands behind x = 0; next to held nodes their own share is not the model's.
+double Stored(const GridDeck& grid, zurt::ConstRealArray c, bool withFibres) {
+    double stored = 0.0;
+    const std::size_t last = grid.places[0].size() - 2;
+    for (std::size_t i = 2; i <= last; ++i) {
+        const Column column = ColumnOf(grid, c, i, withFibres && i < last - 1);
+        stored += column.low + (grid.held && i == last ? 0.0 : column.high);
+    }
+    return stored;
+}
+
+double TotalFlow(const std::vector<double>& flows, double size) {
+    double sum = 0.0;
+    for (const double flow : flows)
+        sum += flow * size;
+    return sum;
+}
+
+std::vector<double> StartOf(const GridDeck& grid) {
+    std::vector<double> start;
+    for (const double x : grid.places[0])
+        start.insert(start.end(), grid.places[1].size() * 2, x <= 0.0 ? 1.0 : 0.0);
+    return start;
+}
+
+zurt::ConstRealArray View(const std::vector<double>& values) {
+    return {values.data(), static_cast<zurt::Word>(values.size())};
+}
+
+void BeginPass(Run& run) {
+    BeginMassTables(run);
+    KeepInitialConcentrations(run);
+    OpenMassFiles(run);
+}
+
+// Faults: half of the plane's storage, elements of both sides, a residual of the iteration before, the other model's elements, flows that are
+// rounded on their way.
+TEST(Balance, WhatPassesTheInletIsStoredBehindIt) {
+    const GridDeck grid = Cell(false);
+    for (const bool withFibres : {true, false}) {
+        JobRun job(grid);
+        auto& run = job.small.run;
+        if (withFibres) {
+            BeginPass(run);
+            SolutionPass(run);
+        } else {
+            SolveProblem(run); // its second pass is that of the equivalent medium
+        }
+        const double passed = TotalFlow(withFibres ? run.mass.FLUXMICRO : run.mass.FLUXEQUIV, grid.size);
+        const std::vector<double> start = StartOf(grid);
+        const double stored =
+            Stored(grid, NodalValues(run), withFibres) - Stored(grid, View(start), withFibres);
+        std::printf("%s: passed %.12f, stored %.12f, ratio - 1 %.1e\n", withFibres ? "fibres" : "medium",
+                    passed, stored, passed / stored - 1.0);
+        EXPECT_GT(stored, 0.04);
+        EXPECT_NEAR(passed / stored, 1.0, 1e-10);
+    }
+}
+
+// The far end of the second reservoir is held at 0. Behind it the weight of the nodes with an equation falls from 1 to 0: what leaves is the
+// flux through the last column.
+TEST(Balance, WhatPassesTheInletIsStoredOrLeaves) {
+    const GridDeck grid = Cell(true);
+    JobRun job(grid);
+    auto& run = job.small.run;
+    BeginPass(run);
+    const zurt::Word steps = run.control.state.NDT;
+    std::vector<double> start = StartOf(grid), end;
+    double before = Stored(grid, View(start), true), left = 0.0;
+    const double first = before;
+    // One step more at a time: the solution of every step is needed.
+    for (run.control.state.NDT = 1; run.control.state.NDT <= steps; ++run.control.state.NDT) {
+        RestoreInitialConcentrations(run);
+        SolutionPass(run);
+        const Column last = ColumnOf(grid, NodalValues(run), grid.places[0].size() - 2, false);
+        left += grid.size * kReservoir * (last.meanLow - last.meanHigh) / (kOutlet - 2.0);
+        before = Stored(grid, NodalValues(run), true);
+    }
+    run.control.state.NDT = static_cast<std::int32_t>(steps);
+    const double passed = TotalFlow(run.mass.FLUXMICRO, grid.size);
+    std::printf("passed %.12f, stored %.12f, left %.12f, ratio - 1 %.1e\n", passed, before - first, left,
+                (before - first + left) / passed - 1.0);
+    EXPECT_GT(left, 0.1 * passed);
+    EXPECT_NEAR((before - first + left) / passed, 1.0, 1e-10);
+}
+
+} // namespace
+} // namespace zurt_test
