@@ -6,8 +6,8 @@
 Nodes are numbered with x fastest, then y, then z. Nodes of the lowest section in z, and of every further one that
 --hold names, are held at zero. Each section is shifted against the one below it, so that no component of a flux is
 zero. Without --steps the deck asks for a check of its input alone (steady state, NDS 0): what the reading of large
-decks is timed with. With --steps it is a transient run with a diffusion curve of three points (NDS 1), which needs
-fixed format, since curves are always taken by columns.
+decks is timed with. With --steps it is a transient run with a diffusion curve of three points (NDS 1, or 2 for no
+fluxes), which needs fixed format, since curves are always taken by columns; initial values are 1.
 """
 import argparse
 import sys
@@ -16,7 +16,7 @@ CURVE = [(0.0, 1.0), (0.3, 1.5), (1.0, 2.0)]
 LARGEST_RUN = 999  # three columns for the count of elements that a card generates
 
 
-def parse_arguments():
+def parse_arguments(words=None):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("deck")
     for side in ("nx", "ny", "nz"):
@@ -29,13 +29,22 @@ def parse_arguments():
     parser.add_argument("--step-size", type=float, default=1.0)
     parser.add_argument("--hold", type=int, default=0, metavar="N",
                         help="hold every N-th section in z too; 0: none")
-    parser.add_argument("--results", action="store_true", help="write listing and graphics file at each step")
-    arguments = parser.parse_args()
+    parser.add_argument("--results", choices=["none", "last", "all"], default="none",
+                        help="last: the listing at the first and the last step; all: listing and graphics file at "
+                             "each step")
+    parser.add_argument("--device", type=int, choices=[1, 2], default=1, help="NDS of a transient run")
+    parser.add_argument("--solver", choices=["skyline", "sparse"], default="skyline")
+    parser.add_argument("--accuracy", type=float, default=0.0, help="EPSTR; 0: the program's own")
+    parser.add_argument("--held-from-start", action="store_true",
+                        help="held sections have their zero at the start of the first step already")
+    arguments = parser.parse_args(words)
     arguments.sides = (arguments.nx, arguments.ny, arguments.nz)
     if min(arguments.sides) < 1:
         parser.error("sides are 1 or more")
     if arguments.steps > 0 and arguments.format == "free":
         parser.error("--steps needs --format fixed")
+    if 0.0 < arguments.accuracy < 1e-8:
+        parser.error("--accuracy has eight decimals")
     return arguments
 
 
@@ -54,14 +63,18 @@ def integers(free, *values, first=5):
 def write_header(out, options, free):
     nx, ny, nz = options.sides
     transient = options.steps > 0
-    results = 1 if options.results else -1
+    NPRINT = {"none": -1, "last": options.steps, "all": 1}[options.results]
+    IGRAF = 1 if options.results == "all" else -1
+    NDS = options.device if transient else 0
     out.write(f"Block of {nx} x {ny} x {nz} bricks\n")
-    out.write(f"{1 if free else 2} {int(transient)} 0 0\n")
+    out.write(f"{1 if free else 2} {NDS} 0 {2 if options.solver == 'sparse' else 0}\n")
     NP = (nx + 1) * (ny + 1) * (nz + 1)
     # NP NGET NMATT NSTAC NPER NPRINT IANIZ NULAZ ITOR IGRAF IDIRECTD
-    out.write(integers(free, NP, 1, 1, int(transient), 1, results, 0, -1, 0, results, 0, first=10))
-    # INTEB INDSC IFORM MAXIT EPSTA EPSTR NJRAP IPASSPRINT, with the default accuracy
-    out.write("1 0 0 0 0.0 0.0 1 0\n" if free else f"{1:5d}{0:5d}{0:5d}{0:5d}{0.0:10.2f}{0.0:10.2f}{1:5d}{0:5d}\n")
+    out.write(integers(free, NP, 1, 1, int(transient), 1, NPRINT, 0, -1, 0, IGRAF, 0, first=10))
+    # INTEB INDSC IFORM MAXIT EPSTA EPSTR NJRAP IPASSPRINT
+    EPSTR = options.accuracy
+    out.write(f"1 0 0 0 0.0 {EPSTR} 1 0\n" if free
+              else f"{1:5d}{0:5d}{0:5d}{0:5d}{0.0:10.2f}{EPSTR:10.8f}{1:5d}{0:5d}\n")
     # IREST NCZK NCZR VREM0 PotentialFunctionSize
     out.write(card(free, [(int(transient), 5), (0, 5), (0, 5), (0.0, 0), (0, 5)]))
     if transient:
@@ -69,12 +82,30 @@ def write_header(out, options, free):
         out.write(f"{options.step_size:10.3e}\n")
 
 
+def is_held(options, k):
+    """Whether the nodes of section k in z are held."""
+    return k == 0 or (options.hold > 0 and k % options.hold == 0)
+
+
+def place(options, i, j, k):
+    """The coordinates of a node."""
+    nx, ny, _ = options.sides
+    return (i + 0.25 * k) / nx, (j + 0.125 * k) / ny, k / nx
+
+
+def nodes_of(low, nx, plane):
+    """The nodes of the brick whose lowest one is `low`, in the order of an element card."""
+    back, above = low + nx + 1, low + plane
+    top = above + nx + 1
+    return top + 1, top, above, above + 1, back + 1, back, low, low + 1
+
+
 def write_nodes(out, options, free):
     nx, ny, nz = options.sides
 
     def node(i, j, k, number, K):
-        held = 1 if k == 0 or (options.hold and k % options.hold == 0) else 0
-        x, y, z = (i + 0.25 * k) / nx, (j + 0.125 * k) / ny, k / nx
+        held = int(is_held(options, k))
+        x, y, z = place(options, i, j, k)
         if free:
             return f"{number} {held} {x!r} {y!r} {z!r} 0.0 {K}\n"
         return f"{number:10d}{held:5d}     {x:15.8e}{y:15.8e}{z:15.8e}{0.0:15.8e}{K:5d}\n"
@@ -99,9 +130,7 @@ def write_elements(out, options, free):
               else integers(free, 1, 1, 8, 0, 0, 2, 2, 2))
 
     def element(n, low, generated):
-        back, above = low + nx + 1, low + plane
-        top = above + nx + 1
-        nodes = (top + 1, top, above, above + 1, back + 1, back, low, low + 1)
+        nodes = nodes_of(low, nx, plane)
         if free:
             return "%d %d %d %d %d %d %d %d %d" % ((n,) + nodes) + f" 0 0 {int(generated > 0)} {generated} 0 0\n"
         return "%8d%8d%8d%8d%8d%8d%8d%8d%8d" % ((n,) + nodes) + f"  0  0{int(generated > 0):3d}{generated:3d}  0  0\n"
@@ -120,7 +149,8 @@ def write_material(out, options, free):
         out.write(f"{len(CURVE):5d}\n")
         out.write(f"{1:5d}{len(CURVE):5d}\n")
         out.writelines(f"{c:20.10e}{D:20.10e}\n" for c, D in CURVE)
-        out.write(integers(free, 0, 0))
+        if options.device == 1:
+            out.write(integers(free, 0, 0))
         return
     # One linear material: NANLK NTABK MAXTK NANLC NTABC MAXTC, its functions, multipliers, density and limits, and
     # the one point of its conduction function.
@@ -132,6 +162,22 @@ def write_material(out, options, free):
     out.write("0.0 1.0\n" if free else f"{0.0:20.1f}{1.0:20.1f}\n")
 
 
+def write_initial_values(out, options, free):
+    """With the boundary card, which counts their groups."""
+    if not options.held_from_start:
+        out.write(integers(free, *([1] + [0] * 10)))
+        if options.steps > 0:
+            out.write(f"{1.0:10.3e}\n")
+        return
+    # A first group without a node, since one group alone would be a value for all; then the ranges between held nodes.
+    out.write(integers(free, *([2] + [0] * 10)) + f"{0.0:10.3e}{0:5d}{0:5d}\n{1.0:10.3e}{0:5d}{1:5d}\n")
+    plane = (options.sides[0] + 1) * (options.sides[1] + 1)
+    for k in range(options.sides[2] + 1):
+        if not is_held(options, k):
+            out.write(f"{plane * k + 1:5d}{1:5d}{plane * (k + 1):5d}\n")
+    out.write(f"{0:5d}\n")
+
+
 def write_deck(out, options):
     free = options.format == "free"
     write_header(out, options, free)
@@ -139,9 +185,7 @@ def write_deck(out, options):
     out.write("0 0 0 0 0 0.0 0 0 0 0 0 0 0 0\n0.0 0.0\n" if free else "\n\n")  # no fibres, no homogenization
     write_elements(out, options, free)
     write_material(out, options, free)
-    out.write(integers(free, *([1] + [0] * 10)))
-    if options.steps > 0:
-        out.write(f"{1.0:10.3e}\n")  # initial concentration
+    write_initial_values(out, options, free)
     out.write("STOP\n")
 
 
