@@ -7,6 +7,7 @@ The left one starts at concentration 1, the rest at 0. Usage: make_deck.py [--op
 """
 import argparse
 import math
+import random
 
 # Corners of a brick in the order of the element card, as steps along x, y, z.
 CORNERS = [(1, 1, 1), (0, 1, 1), (0, 0, 1), (1, 0, 1), (1, 1, 0), (0, 1, 0), (0, 0, 0), (1, 0, 0)]
@@ -37,14 +38,36 @@ def parse():
     parser.add_argument("--igraf", type=int, default=1000)
     parser.add_argument("--dreservoir", type=float, default=1e3, help="coefficient of the reservoirs")
     parser.add_argument("--epstr", type=float, default=1e-8)
+    parser.add_argument("--along", type=int, default=0, help="bricks along x between the reservoirs; 0: cubes")
+    parser.add_argument("--slope", type=float, default=0.0, help="of the channel's coefficient, relative, by concentration")
+    parser.add_argument("--fibres", type=int, default=0,
+                        help="instead of a cylinder in each cell, so many fibres from side to side at random places")
+    parser.add_argument("--diameter", type=float, default=0.02, help="of these fibres")
     return parser.parse_args()
+
+
+def cylinders(args, wide):
+    """Axes of all cylinders, from end to end."""
+    if args.fibres:
+        chance = random.Random(1)
+        size = (args.cells, 1.0, wide)
+        for _ in range(args.fibres):
+            axis = chance.randrange(3)
+            ends = [[chance.uniform(0.0, length) for length in size] for _ in range(2)]
+            ends[0][axis], ends[1][axis] = 0.0, size[axis]
+            yield ends
+        return
+    for cell in range(args.cells):
+        cx = cell + 0.5
+        yield {"z": ((cx, 0.5, 0.0), (cx, 0.5, wide)), "y": ((cx, 0.0, wide / 2), (cx, 1.0, wide / 2)),
+               "x": ((0.0, 0.5, wide / 2), (float(args.cells), 0.5, wide / 2))}[args.axis]
 
 
 def main():
     args = parse()
-    n, long = args.mesh, args.mesh * args.cells
+    n, long = args.mesh, args.along or args.mesh * args.cells
     h = 1.0 / n
-    x = [-args.reservoir, -args.reservoir / 2] + [i * h for i in range(long + 1)]
+    x = [-args.reservoir, -args.reservoir / 2] + [i * (args.cells / long if args.along else h) for i in range(long + 1)]
     x += [args.cells + args.reservoir / 2, args.cells + args.reservoir]
     ny, nz = n, args.depth
     across = (ny + 1) * (nz + 1)
@@ -80,14 +103,14 @@ def main():
     if args.idcc == 0:
         out.append(f"{args.d:16.6e}{args.d:16.6e}")
     diameter = 2.0 * math.sqrt(args.fraction / math.pi) if args.fraction > 0 else 1e-5
-    out.append(f"{1:5d}{args.cells:5d}{0:5d}{0:5d}{diameter:10.6f}{1.0:10.6f}{0.5:10.4f}")
+    if args.fibres:
+        diameter = args.diameter
+    axes = list(cylinders(args, wide))
+    out.append(f"{1:5d}{len(axes):5d}{0:5d}{0:5d}{diameter:10.6f}{1.0:10.6f}{0.5:10.4f}")
     out.append(f"{0.0:10.4f}{0.0:10.4f}{0.0:10.4f}{0.0:10.4f}{0.0:10.4f}{0.0:10.4f}")
     out.append(f"{2:5d}{2:5d}{2:5d}{float(args.cells):10.4f}{1.0:10.4f}{wide:10.4f}")
-    for cell in range(args.cells):
-        out.append(f"{cell + 1:5d}{2:5d}{diameter:10.6f}")
-        cx = cell + 0.5
-        ends = {"z": ((cx, 0.5, 0.0), (cx, 0.5, wide)), "y": ((cx, 0.0, wide / 2), (cx, 1.0, wide / 2)),
-                "x": ((0.0, 0.5, wide / 2), (float(args.cells), 0.5, wide / 2))}[args.axis]
+    for fibre, ends in enumerate(axes):
+        out.append(f"{fibre + 1:5d}{2:5d}{diameter:10.6f}")
         for number, end in enumerate(ends):
             out.append(f"{number + 1:5d}{end[0]:10.6f}{end[1]:10.6f}{end[2]:10.6f}")
     rows = [tuple(float(part) for part in row.split(":")) for row in args.table.split(",")]
@@ -109,10 +132,10 @@ def main():
                 corners = "".join(f"{node(i + a, j + b, k + c):8d}" for a, b, c in CORNERS)
                 out.append(f"{number:8d}{corners}{material:3d}{0:3d}{0:3d}{0:3d}{0:3d}{0:3d}")
     out.append("    2")
-    for material, D in ((1, args.dreservoir), (2, args.d)):
+    for material, D, slope in ((1, args.dreservoir, 0.0), (2, args.d, args.slope)):
         out.append(f"{material:5d}{2:5d}")
         for c in (-10.0, 10.0):
-            out.append(f"{c:20.10e}{D:20.10e}")
+            out.append(f"{c:20.10e}{D * (1.0 + slope * c):20.10e}")
     out.append("    1    1\n 1.0000e+3\n 1.0000e+0\n 1.0000e+0")
     out.append("    1\n      0.00000\n    0    0    0")
     out.append(f"{2:5d}" + "    0" * 10)

@@ -53,9 +53,17 @@ void FillNodalValues(Run& run) {
         Copy<double>(RightHandSide(run), StepSolution(run));
 }
 
+// False in runs of a fit but the last, and in the pass of a direct calculation that is not the one printed.
+bool WritesResults(const Run& run) {
+    if (run.fit.card.NFIT == 1 && run.fit.IFINALRUN == 0)
+        return false;
+    return run.control.header.IDIRECTD != 1 || run.control.state.PassCounter == run.control.header.IPASSPRINT;
+}
+
+// Nothing but the writers reads what stands here, and it is left out where they don't run: in a fit it is a fifth of all.
 void EvaluateNodalResults(Run& run) {
     const std::int32_t NDS = run.control.header.NDS;
-    if (NDS != 1 && NDS != 3)
+    if ((NDS != 1 && NDS != 3) || !WritesResults(run))
         return;
     run.control.state.ResultsPhaseFlag = 1;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
@@ -95,17 +103,12 @@ void WriteListingStep(Run& run) {
         PrintTorsion(run);
 }
 
-// Flows and direct coefficients of the step; false when the runs of a fit, or the pass, write no results.
-bool ReportsStep(Run& run) {
-    const HeaderFields& header = run.control.header;
-    const bool fit = run.fit.card.NFIT == 1, direct = header.IDIRECTD == 1;
+void RecordStep(Run& run) {
+    const bool fit = run.fit.card.NFIT == 1, direct = run.control.header.IDIRECTD == 1;
     if (fit || direct)
         RecordFlow(run);
-    if (fit && run.fit.IFINALRUN == 0)
-        return false;
     if (direct && run.control.state.PassCounter == 1)
         RecordDirectStep(run);
-    return !direct || run.control.state.PassCounter == header.IPASSPRINT;
 }
 
 void EndStep(Run& run) {
@@ -116,7 +119,8 @@ void EndStep(Run& run) {
     EvaluateNodalResults(run);
     SaveStep(state.KOR, state.TIME, StepSolution(run), run.control.header.NCZK, state.NCZZ,
              run.units.stepFile);
-    if (ReportsStep(run)) {
+    RecordStep(run);
+    if (WritesResults(run)) {
         WriteGraphicsStep(run);
         WriteListingStep(run);
     }
