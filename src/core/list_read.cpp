@@ -1,3 +1,4 @@
+#include "core/plain_number.h"
 #include "core/real_text.h"
 
 namespace zurt {
@@ -25,24 +26,50 @@ FieldStatus ReadCount(std::string_view digits, int& count) {
     return digits.empty() || number == 0 ? FieldStatus::NotANumber : FieldStatus::Good;
 }
 
-/// A carriage return is what is left of a line end of the other kind.
-bool IsBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+/// What a character does between and behind items.
+enum class ListCharacter : std::uint8_t { OfItem, Blank, Separator, Slash };
+
+struct ListCharacters {
+    ListCharacter kind[256];
+};
+
+constexpr ListCharacters MakeListCharacters() {
+    ListCharacters characters{};
+    for (const char blank :
+         {' ', '\t', '\r', '\n'}) // a carriage return is left of a line end of the other kind
+        characters.kind[static_cast<unsigned char>(blank)] = ListCharacter::Blank;
+    for (const char separator : {',', ';'})
+        characters.kind[static_cast<unsigned char>(separator)] = ListCharacter::Separator;
+    characters.kind[static_cast<unsigned char>('/')] = ListCharacter::Slash;
+    return characters;
 }
 
-bool EndsItem(char c) {
-    return IsBlank(c) || c == ',' || c == ';' || c == '/';
+constexpr ListCharacters kListCharacters = MakeListCharacters();
+
+ListCharacter KindAt(const ListScanner& scanner, std::size_t position) {
+    return kListCharacters.kind[static_cast<unsigned char>(scanner.record[position])];
+}
+
+bool EndsItem(const ListScanner& scanner, std::size_t position) {
+    return position >= scanner.record.size() || KindAt(scanner, position) != ListCharacter::OfItem;
+}
+
+/// The item that begins at the scanner's position has been read and ends ahead of `end`.
+void PassItem(ListScanner& scanner, std::size_t end) {
+    scanner.itemColumn = scanner.position;
+    scanner.position = end;
+    scanner.separatorSeen = false;
+    scanner.recordOpened = false;
 }
 
 /// Takes all characters up to the next separator.
 std::string_view TakeItem(ListScanner& scanner) {
     const std::size_t start = scanner.position;
-    while (scanner.position < scanner.record.size() && !EndsItem(scanner.record[scanner.position]))
-        ++scanner.position;
-    scanner.itemColumn = start;
-    scanner.separatorSeen = false;
-    scanner.recordOpened = false;
-    return scanner.record.substr(start, scanner.position - start);
+    std::size_t end = start;
+    while (!EndsItem(scanner, end))
+        ++end;
+    PassItem(scanner, end);
+    return scanner.record.substr(start, end - start);
 }
 
 /// Takes a comma or semicolon; true when it ends a value that is not there. Behind a record end that already parts
@@ -55,30 +82,35 @@ bool EndsNullValue(ListScanner& scanner) {
     return null;
 }
 
-/// Finds the next item. With Value, `item` is its text, r* taken off and the repeats noted in the scanner; every
-/// other status is final for this value.
+/// Goes to where the next item begins; every status but Value is final for this value.
+ListStatus FindItem(ListScanner& scanner) {
+    for (; !scanner.ended && scanner.position < scanner.record.size(); ++scanner.position) {
+        switch (KindAt(scanner, scanner.position)) {
+        case ListCharacter::OfItem:
+            return ListStatus::Value;
+        case ListCharacter::Blank:
+            break;
+        case ListCharacter::Separator:
+            if (EndsNullValue(scanner)) {
+                ++scanner.position;
+                return ListStatus::Null;
+            }
+            break;
+        case ListCharacter::Slash:
+            scanner.ended = true;
+            break;
+        }
+    }
+    return scanner.ended ? ListStatus::Ended : ListStatus::NeedRecord;
+}
+
+/// The next item of a scanner that has come to it, or that has repeats left. With Value, `item` is its text, r* taken
+/// off and the repeats noted in the scanner; every other status is final for this value.
 ListStatus NextItem(ListScanner& scanner, std::string_view& item) {
     if (scanner.repeatsLeft > 0) {
         --scanner.repeatsLeft;
         item = scanner.repeated;
         return item.empty() ? ListStatus::Null : ListStatus::Value;
-    }
-    for (;; ++scanner.position) {
-        if (scanner.ended)
-            return ListStatus::Ended;
-        if (scanner.position >= scanner.record.size())
-            return ListStatus::NeedRecord;
-        const char c = scanner.record[scanner.position];
-        if (c == '/') {
-            scanner.ended = true;
-        } else if (c == ',' || c == ';') {
-            if (EndsNullValue(scanner)) {
-                ++scanner.position;
-                return ListStatus::Null;
-            }
-        } else if (!IsBlank(c)) {
-            break;
-        }
     }
     item = TakeItem(scanner);
     const std::size_t star = item.find('*');
@@ -145,6 +177,18 @@ void ContinueList(ListScanner& scanner, std::string_view record) {
 }
 
 ListStatus NextListInteger(ListScanner& scanner, std::int32_t& value) {
+    if (scanner.repeatsLeft == 0) {
+        const ListStatus found = FindItem(scanner);
+        if (found != ListStatus::Value)
+            return found;
+        std::int32_t number = 0;
+        const std::size_t end = ReadPlainInteger(scanner.record, scanner.position, number);
+        if (end > 0 && EndsItem(scanner, end)) {
+            PassItem(scanner, end);
+            value = number;
+            return ListStatus::Value;
+        }
+    }
     std::string_view item;
     const ListStatus status = NextItem(scanner, item);
     if (status != ListStatus::Value)
@@ -153,6 +197,18 @@ ListStatus NextListInteger(ListScanner& scanner, std::int32_t& value) {
 }
 
 ListStatus NextListReal(ListScanner& scanner, double& value) {
+    if (scanner.repeatsLeft == 0) {
+        const ListStatus found = FindItem(scanner);
+        if (found != ListStatus::Value)
+            return found;
+        double number = 0.0;
+        const std::size_t end = ReadPlainReal(scanner.record, scanner.position, 0, number);
+        if (end > 0 && EndsItem(scanner, end)) {
+            PassItem(scanner, end);
+            value = number;
+            return ListStatus::Value;
+        }
+    }
     std::string_view item;
     const ListStatus status = NextItem(scanner, item);
     if (status != ListStatus::Value)

@@ -225,9 +225,9 @@ void ReadBoundary(Run& run, ElementGroup& group, const BoundaryFamily& family) {
 
 } // namespace
 
-const CardLayout kSurfaceCard1D = {"1D surface card", kFields1D.data(), kCardFields};
-const CardLayout kSurfaceCard2D = {"2D surface card", kFields2D.data(), kCardFields};
-const CardLayout kSurfaceCard3D = {"3D surface card", kFields3D.data(), kCardFields};
+const CardLayout kSurfaceCard1D = Layout("1D surface card", kFields1D.data(), kCardFields);
+const CardLayout kSurfaceCard2D = Layout("2D surface card", kFields2D.data(), kCardFields);
+const CardLayout kSurfaceCard3D = Layout("3D surface card", kFields3D.data(), kCardFields);
 
 void ReadSurfaceData(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {

@@ -1,6 +1,7 @@
 #include "job/card.h"
 
 #include "core/format.h"
+#include "core/plain_number.h"
 
 #include <algorithm>
 #include <cmath>
@@ -44,24 +45,42 @@ void CheckFieldStatus(const CardPlace& place, const char* field, const FieldDesc
 
 // --- by columns ---------------------------------------------------------------------------------------------------
 
-std::string_view ColumnsOf(const CardBuffer& card, int column, int width) {
-    const int begin = std::min(column, kCardLength);
-    return Image(card).substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(width));
+// The characters of a card, blanks behind a line that does not reach to its last column.
+std::string_view CardText(std::string_view line, int columns, CardBuffer& image) {
+    if (line.size() >= static_cast<std::size_t>(columns))
+        return line.substr(0, kCardLength);
+    TakeImage(line, image);
+    return Image(image);
+}
+
+std::string_view ColumnsOf(std::string_view card, int column, int width) {
+    const int begin = std::min(column, static_cast<int>(card.size()));
+    return card.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(width));
 }
 
 void ReadIntegerColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
-                        std::string_view text, std::int32_t& value) {
+                        std::string_view card, int column, std::int32_t& value) {
+    if (ReadPlainIntegerField(card, static_cast<std::size_t>(column),
+                              static_cast<std::size_t>(descriptor.width), value))
+        return;
+    const std::string_view text = ColumnsOf(card, column, descriptor.width);
     CheckFieldStatus(place, name, descriptor, text, ReadIntegerField(text, value));
 }
 
 void ReadRealColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
-                     std::string_view text, double& value) {
+                     std::string_view card, int column, double& value) {
+    if (ReadPlainRealField(card, static_cast<std::size_t>(column), static_cast<std::size_t>(descriptor.width),
+                           descriptor.decimals, value))
+        return;
+    const std::string_view text = ColumnsOf(card, column, descriptor.width);
     CheckFieldStatus(place, name, descriptor, text, ReadRealField(text, descriptor.decimals, value));
     CheckReal(place, name, text, value);
 }
 
-void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, const CardBuffer& card,
+void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, std::string_view line,
                          char* record) {
+    CardBuffer image;
+    const std::string_view card = CardText(line, layout.columns, image);
     int column = 0;
     for (int f = 0; f < layout.fieldCount; ++f) {
         const CardField& field = layout.fields[f];
@@ -71,13 +90,12 @@ void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, const
             continue;
         }
         for (int k = 0; k < field.count; ++k, column += descriptor.width) {
-            const std::string_view text = ColumnsOf(card, column, descriptor.width);
             if (descriptor.kind == 'I') {
                 std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
-                ReadIntegerColumns(place, field.name, descriptor, text, value);
+                ReadIntegerColumns(place, field.name, descriptor, card, column, value);
                 CheckInteger(place, field, value);
             } else {
-                ReadRealColumns(place, field.name, descriptor, text,
+                ReadRealColumns(place, field.name, descriptor, card, column,
                                 reinterpret_cast<double*>(record + field.offset)[k]);
             }
         }
@@ -149,67 +167,65 @@ void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
 } // namespace
 
 void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
-    CardBuffer card;
-    ReadCard(deck, INDFOR, layout.group, card);
+    const std::string_view line = ReadCardLine(deck, INDFOR, layout.group);
     if (INDFOR == 1)
         ReadFieldsByList(deck, layout, static_cast<char*>(record));
     else if (INDFOR == 2)
-        ReadFieldsByColumns({deck, layout.group}, layout, card, static_cast<char*>(record));
+        ReadFieldsByColumns({deck, layout.group}, layout, line, static_cast<char*>(record));
 }
 
 void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
-    CardBuffer card;
-    ReadCard(deck, INDFOR, layout.group, card);
+    const std::string_view line = ReadCardLine(deck, INDFOR, layout.group);
     if (INDFOR != 2)
         deck.imageLine = deck.lineInHand; // a failure on this card brings a hint
-    ReadFieldsByColumns({deck, layout.group}, layout, card, static_cast<char*>(record));
+    ReadFieldsByColumns({deck, layout.group}, layout, line, static_cast<char*>(record));
 }
 
 void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
                       const char* descriptor, int perCard, IntArray values) {
-    CardBuffer card;
     const FieldDescriptor form = Descriptor(descriptor);
     if (INDFOR == 1) {
-        ReadCard(deck, INDFOR, group, card);
+        ReadCardLine(deck, INDFOR, group);
         ListRead read{deck, group, {}};
         BeginListRead(read);
         for (Word i = 1; i <= values.length && NextInteger(read, field, values(i)); ++i) {
         }
     } else if (INDFOR == 2) {
+        CardBuffer image;
         for (Word first = 1; first <= values.length; first += perCard) {
-            ReadCard(deck, INDFOR, group, card);
+            const std::string_view line = ReadCardLine(deck, INDFOR, group);
+            const std::string_view card = CardText(line, perCard * form.width, image);
             const Word last = std::min(values.length, first + perCard - 1);
             for (Word i = first; i <= last; ++i)
-                ReadIntegerColumns({deck, group}, field, form,
-                                   ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
+                ReadIntegerColumns({deck, group}, field, form, card, static_cast<int>(i - first) * form.width,
                                    values(i));
         }
     } else {
-        ReadCard(deck, INDFOR, group, card); // counted, and no field is read from it
+        ReadCardLine(deck, INDFOR, group); // counted, and no field is read from it
     }
 }
 
 void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
                    const char* descriptor, int perCard, RealArray values) {
-    CardBuffer card;
     const FieldDescriptor form = Descriptor(descriptor);
     if (INDFOR == 1) {
-        ReadCard(deck, INDFOR, group, card);
+        ReadCardLine(deck, INDFOR, group);
         ListRead read{deck, group, {}};
         BeginListRead(read);
         for (Word i = 1; i <= values.length && NextReal(read, field, values(i)); ++i) {
         }
     } else if (INDFOR == 2) {
+        CardBuffer image;
         for (Word first = 1; first <= values.length; first += perCard) {
-            ReadCard(deck, INDFOR, group, card);
+            const std::string_view line = ReadCardLine(deck, INDFOR, group);
+            const std::string_view card = CardText(line, perCard * form.width, image);
             const Word last = std::min(values.length, first + perCard - 1);
             for (Word i = first; i <= last; ++i)
-                ReadRealColumns({deck, group}, field, form,
-                                ColumnsOf(card, static_cast<int>(i - first) * form.width, form.width),
+                ReadRealColumns({deck, group}, field, form, card, static_cast<int>(i - first) * form.width,
                                 values(i));
         }
     } else {
-        ReadCard(deck, INDFOR, group, card);
+        ReadCardLine(deck, INDFOR, group);
     }
 }
 

@@ -73,10 +73,17 @@ struct CardLayout {
     const char* group; // the card's name in error reports and in the manual
     const CardField* fields;
     int fieldCount;
+    int columns; // that the fields take when read by columns
 };
 
+constexpr CardLayout Layout(const char* group, const CardField* fields, int fieldCount) {
+    CardLayout layout{group, fields, fieldCount, 0};
+    for (int f = 0; f < fieldCount; ++f)
+        layout.columns += fields[f].count * fields[f].descriptor.width;
+    return layout;
+}
 template <std::size_t N> constexpr CardLayout Layout(const char* group, const CardField (&fields)[N]) {
-    return {group, fields, static_cast<int>(N)};
+    return Layout(group, fields, static_cast<int>(N));
 }
 
 /// One card by its layout into `record`: ReadCard, then the read that INDFOR asks for. Errors end the run through

@@ -7,7 +7,11 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <memory>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace zurt {
 
@@ -30,16 +34,36 @@ bool IsDevice(std::FILE* file) {
     return fstat(fileno(file), &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
 }
 
-// Lines are found while their bytes are still in the processor's cache.
-void AppendBlock(Deck& deck, const char* block, std::size_t count) {
-    const Word first = static_cast<Word>(deck.bytes.size());
-    deck.bytes.append(block, count);
-    const char* const end = block + count;
-    const void* stop = nullptr;
-    for (const char* at = block;
-         (stop = std::memchr(at, '\n', static_cast<std::size_t>(end - at))) != nullptr;) {
-        at = static_cast<const char*>(stop) + 1;
-        deck.lineStart.push_back(first + (at - block));
+// Bytes asked for at a time, and the room that a deck of unknown size begins with.
+constexpr Word kPiece = Word{1} << 20;
+
+void GrowDeck(Deck& deck, Word& room) {
+    room = 2 * room;
+    std::unique_ptr<char[]> larger(new char[static_cast<std::size_t>(room)]); // not set to zero
+    std::memcpy(larger.get(), deck.bytes.get(), static_cast<std::size_t>(deck.size));
+    deck.bytes = std::move(larger);
+}
+
+// The pages that so many bytes will fill are asked for in one go, which costs less than one by one as they are
+// touched. A system that does not know how refuses, and nothing is lost.
+void PreparePages([[maybe_unused]] char* begin, [[maybe_unused]] Word count) {
+#ifdef MADV_POPULATE_WRITE
+    const std::uintptr_t page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const std::uintptr_t ahead = reinterpret_cast<std::uintptr_t>(begin) % page;
+    madvise(begin - ahead, static_cast<std::size_t>(count) + ahead, MADV_POPULATE_WRITE);
+#endif
+}
+
+// Reads to the end of the file; `expected` bytes are likely to come.
+void ReadBytes(Deck& deck, std::FILE* file, Word expected) {
+    Word room = expected + kPiece;
+    deck.bytes.reset(new char[static_cast<std::size_t>(room)]);
+    for (Word count = 1; count > 0; deck.size += count) {
+        if (deck.size + kPiece > room)
+            GrowDeck(deck, room);
+        if (deck.size < expected)
+            PreparePages(deck.bytes.get() + deck.size, std::min(kPiece, expected - deck.size));
+        count = static_cast<Word>(std::fread(deck.bytes.get() + deck.size, 1, kPiece, file));
     }
 }
 
@@ -49,35 +73,59 @@ void ReadWholeFile(Deck& deck) {
         StopWithLibraryError("can't open the deck " + deck.name + ": " + std::strerror(errno));
     if (IsDevice(file))
         StopWithLibraryError("can't read the deck " + deck.name + ": it is a device");
+    std::setvbuf(file, nullptr, _IONBF, 0); // straight to where the bytes stay
+    Word expected = 0;
     if (std::fseek(file, 0, SEEK_END) == 0) {
         const long size = std::ftell(file);
         if (size > 0 && size < std::numeric_limits<long>::max())
-            deck.bytes.reserve(static_cast<std::size_t>(size) + 1);
+            expected = size;
         std::rewind(file);
     }
-    std::vector<char> block(std::size_t{1} << 20);
-    std::size_t count = 0;
-    deck.lineStart.push_back(0);
-    while ((count = std::fread(block.data(), 1, block.size(), file)) > 0)
-        AppendBlock(deck, block.data(), count);
+    errno = 0;
+    ReadBytes(deck, file, expected);
     const bool failed = std::ferror(file) != 0;
     const int reason = errno;
     std::fclose(file);
     if (failed)
         StopWithLibraryError("can't read the deck " + deck.name + ": " + std::strerror(reason));
-    const Word size = static_cast<Word>(deck.bytes.size());
-    if (deck.lineStart.back() != size) // the last line has no end
-        deck.lineStart.push_back(size);
 }
 
-bool IsComment(const CardBuffer& card) {
-    return card.text[0] == 'C' && (card.text[1] == ' ' || card.text[1] == '*' || card.text[1] == '-');
+// --- lines --------------------------------------------------------------------------------------------------------
+
+// Where the line that begins at `begin` ends: the first byte of the next.
+Word EndOfLine(const Deck& deck, Word begin) {
+    const char* const first = deck.bytes.get() + begin;
+    const void* const end = std::memchr(first, '\n', static_cast<std::size_t>(deck.size - begin));
+    return end == nullptr ? deck.size : begin + (static_cast<const char*>(end) - first) + 1;
 }
 
-void TakeImage(std::string_view line, CardBuffer& buffer) {
-    const std::size_t length = std::min<std::size_t>(line.size(), kCardLength);
-    std::memcpy(buffer.text, line.data(), length);
-    std::memset(buffer.text + length, ' ', kCardLength - length);
+// Goes from a place to a line, from the head of the deck where it lies behind; false, with the last line's place, when
+// the deck ends ahead of it.
+bool FindLine(const Deck& deck, Word line, LinePlace& place) {
+    if (line < place.line)
+        place = LinePlace();
+    while (place.line < line) {
+        if (place.end >= deck.size)
+            return false;
+        place = {place.line + 1, place.end, EndOfLine(deck, place.end)};
+    }
+    return true;
+}
+
+std::string_view TextAt(const Deck& deck, const LinePlace& place) {
+    std::string_view text(deck.bytes.get() + place.begin, static_cast<std::size_t>(place.end - place.begin));
+    if (!text.empty() && text.back() == '\n')
+        text.remove_suffix(1);
+    if (!text.empty() && text.back() == '\r')
+        text.remove_suffix(1);
+    return text;
+}
+
+// A card that ends behind its C is blank there.
+bool IsComment(std::string_view line) {
+    if (line.empty() || line[0] != 'C')
+        return false;
+    return line.size() == 1 || line[1] == ' ' || line[1] == '*' || line[1] == '-';
 }
 
 void GuardAgainstRepetition(Deck& deck, const char* group) {
@@ -112,40 +160,49 @@ void OpenDeck(Deck& deck, const std::string& name) {
     ReadWholeFile(deck);
 }
 
-Word LineCount(const Deck& deck) {
-    return static_cast<Word>(deck.lineStart.size()) - 1;
+Word LineCount(Deck& deck) {
+    if (deck.lineCount < 0) {
+        LinePlace last = deck.found;
+        FindLine(deck, std::numeric_limits<Word>::max(), last);
+        deck.lineCount = last.line;
+    }
+    return deck.lineCount;
 }
 
-std::string_view LineText(const Deck& deck, Word line) {
-    const std::size_t at = static_cast<std::size_t>(line - 1);
-    const Word begin = deck.lineStart[at];
-    std::string_view text(deck.bytes.data() + begin,
-                          static_cast<std::size_t>(deck.lineStart[at + 1] - begin));
-    if (!text.empty() && text.back() == '\n')
-        text.remove_suffix(1);
-    if (!text.empty() && text.back() == '\r')
-        text.remove_suffix(1);
-    return text;
+std::string_view LineText(Deck& deck, Word line) {
+    return FindLine(deck, line, deck.found) ? TextAt(deck, deck.found) : std::string_view();
 }
 
 std::string_view NextRecord(Deck& deck, const char* group) {
-    if (deck.nextLine >= LineCount(deck)) {
+    if (!FindLine(deck, deck.nextLine + 1, deck.found)) {
         deck.lineInHand = LineCount(deck);
         DeckError(deck, group, "", "", "the deck ends here, but more data are expected");
     }
     deck.lineInHand = ++deck.nextLine;
-    return LineText(deck, deck.lineInHand);
+    return TextAt(deck, deck.found);
 }
 
-void ReadCard(Deck& deck, std::int32_t INDFOR, const char* group, CardBuffer& buffer) {
+std::string_view ReadCardLine(Deck& deck, std::int32_t INDFOR, const char* group) {
+    std::string_view line;
     do {
         if (deck.CardCounter < std::numeric_limits<std::int32_t>::max())
             ++deck.CardCounter;
         GuardAgainstRepetition(deck, group);
-        TakeImage(NextRecord(deck, group), buffer);
-    } while (IsComment(buffer));
+        line = NextRecord(deck, group);
+    } while (IsComment(line));
     if (INDFOR != 2)
         --deck.nextLine;
+    return line;
+}
+
+void TakeImage(std::string_view line, CardBuffer& buffer) {
+    const std::size_t length = std::min<std::size_t>(line.size(), kCardLength);
+    std::memcpy(buffer.text, line.data(), length);
+    std::memset(buffer.text + length, ' ', kCardLength - length);
+}
+
+void ReadCard(Deck& deck, std::int32_t INDFOR, const char* group, CardBuffer& buffer) {
+    TakeImage(ReadCardLine(deck, INDFOR, group), buffer);
 }
 
 void DeckError(const Deck& deck, const char* group, const char* field, std::string_view found,
@@ -158,8 +215,9 @@ void DeckError(const Deck& deck, const char* group, const char* field, std::stri
     text += ": " + reason;
     if (deck.imageLine > 0 && deck.imageLine == deck.lineInHand)
         text += kImageHint;
-    if (deck.lineInHand > 0 && deck.lineInHand <= LineCount(deck))
-        text += "\n  card: " + Excerpt(LineText(deck, deck.lineInHand));
+    LinePlace card = deck.found;
+    if (deck.lineInHand > 0 && FindLine(deck, deck.lineInHand, card))
+        text += "\n  card: " + Excerpt(TextAt(deck, card));
     StopWithLibraryError(text);
 }
 

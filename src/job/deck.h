@@ -1,28 +1,38 @@
 // The input deck on unit 1: cards, comments, the card counter, BACKSPACE and REWIND.
 //
-// The deck is read whole into memory with an index of its lines; moving back and forth is arithmetic on a line index.
-// CRLF line ends are taken. CardCounter counts the records that ReadCard has read, comments included, over all
-// problems of the deck; `lineInHand` is the true line number, for error reports.
+// The deck is read whole into memory; moving back and forth is arithmetic on the number of the next line. The place of
+// the line found last is kept, and the next one is found from there; lines are counted only for somebody who asks how
+// many there are. CRLF line ends are taken. CardCounter counts the records that ReadCard has read, comments included,
+// over all problems of the deck; `lineInHand` is the true line number, for error reports.
 #pragma once
 
 #include "core/array_view.h"
 #include "core/text_unit.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace zurt {
 
 constexpr int kCardLength = 105;
 
+/// Where a line lies.
+struct LinePlace {
+    Word line = 0; // its one-based number; 0: ahead of the first
+    Word begin = 0;
+    Word end = 0; // first byte of the next line
+};
+
 struct Deck {
     std::string name;
-    std::string bytes;
-    std::vector<Word> lineStart; // byte where each line begins, and one entry behind the last line
-    Word nextLine = 0;           // zero-based index of the record that is read next
-    Word lineInHand = 0;         // one-based number of the record read last
+    std::unique_ptr<char[]> bytes;
+    Word size = 0;       // of the deck in bytes
+    Word lineCount = -1; // lines, a last one without an end included; below 0 until somebody has asked
+    LinePlace found;     // the line found last
+    Word nextLine = 0;   // zero-based index of the record that is read next
+    Word lineInHand = 0; // one-based number of the record read last
     std::int32_t CardCounter = 0;
     Word imageLine = 0;     // card taken by columns last while the deck has stepped back ahead of it
     Word returnedLine = -1; // record returned last by ReadCard, and how often in a row
@@ -42,14 +52,20 @@ inline std::string_view Image(const CardBuffer& card) {
 void OpenDeck(Deck& deck, const std::string& name);
 
 /// Number of lines of the deck.
-Word LineCount(const Deck& deck);
+Word LineCount(Deck& deck);
 
-/// Line `line` (one-based) without its line end.
-std::string_view LineText(const Deck& deck, Word line);
+/// Line `line` (1 to LineCount) without its line end; quick for the line found last and the one behind it.
+std::string_view LineText(Deck& deck, Word line);
 
 /// The next non-comment card. With INDFOR 2 the deck stands behind it, otherwise before it, so that a list-directed
 /// read takes the same line again. The end of the deck is a deck error that names `group`, the cards being read.
 void ReadCard(Deck& deck, std::int32_t INDFOR, const char* group, CardBuffer& buffer);
+
+/// The same without an image: the line itself, without its line end, which may be longer or shorter than a card.
+std::string_view ReadCardLine(Deck& deck, std::int32_t INDFOR, const char* group);
+
+/// Makes the image of a line.
+void TakeImage(std::string_view line, CardBuffer& buffer);
 
 /// The next record as it stands, for list-directed reads: no comment check, not counted.
 std::string_view NextRecord(Deck& deck, const char* group);

@@ -80,7 +80,8 @@ void ListCards(Run& run) {
     static const Format cardLine("(I5,1X,A)");
     WriteListingHead(run);
     int onPage = 0;
-    for (Word line = 1; line <= LineCount(deck); ++line) {
+    const Word lines = LineCount(deck);
+    for (Word line = 1; line <= lines; ++line) {
         if (++onPage > kCardsPerPage) {
             WriteListingFoot(run);
             WriteListingHead(run);
@@ -97,7 +98,7 @@ void ListCards(Run& run) {
         Say(run, "*************", "***************"));
     // Back behind the last card read, by its number: a list-directed read that has run over a line end leaves the
     // counter short of the true position, and the deck then stands some lines too far back.
-    deck.nextLine = std::min<Word>(deck.CardCounter, LineCount(deck));
+    deck.nextLine = std::min<Word>(deck.CardCounter, lines);
 }
 
 } // namespace zurt

@@ -33,7 +33,7 @@ Word CardsFor(Word values) {
     return (values + kPerCard - 1) / kPerCard;
 }
 
-void RequireCardsInDeck(const Run& run, const CorrectionTableSizes& sizes) {
+void RequireCardsInDeck(Run& run, const CorrectionTableSizes& sizes) {
     const Word needed = CardsFor(sizes.NDIST) + CardsFor(sizes.NCONC) + sizes.NDIST * CardsFor(sizes.NCONC);
     const Word left = LineCount(run.deck) - run.deck.nextLine;
     if (needed > left)

@@ -1,6 +1,7 @@
 // What the tables made with a Fortran compiler can't show: units that are not open, damaged records, the places
-// where reading departs from Fortran on purpose, and the quick way to digits against the slow one.
+// where reading departs from Fortran on purpose, and the quick ways to digits and numbers against the slow ones.
 #include "core/format.h"
+#include "core/plain_number.h"
 #include "core/real_digits.h"
 
 #include <algorithm>
@@ -239,6 +240,80 @@ TEST(FormatEdge, QuickDigitsAreTheExactDigits) {
         expected.append(exact + (count > 1 ? 2 : 1), static_cast<std::size_t>(count - 1));
         ASSERT_EQ(std::string(digits, static_cast<std::size_t>(count)), expected) << value << " " << exact;
         ASSERT_EQ(power, std::atoi(std::strchr(exact, 'e') + 1)) << exact;
+    }
+}
+
+std::string Bits(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%a", value);
+    return text;
+}
+
+// A field that the quick way takes though the full reader refuses it, or whose value differs in its last bit; the quick
+// way leaving its record, or taking hardly anything.
+TEST(FormatEdge, PlainFieldsHaveTheValuesOfTheFullReader) {
+    std::mt19937 random(11);
+    const std::string likely = "       000123456789901..--+eEd";
+    int integers = 0, reals = 0;
+    for (int round = 0; round < 300000; ++round) {
+        std::string text;
+        for (std::size_t length = random() % 26; length > 0; --length)
+            text += random() % 60 == 0 ? static_cast<char>(random() % 256) : likely[random() % likely.size()];
+        const TightRecord record = MakeTight(text);
+        const std::size_t column = random() % (text.size() + 1), width = random() % 18;
+        const std::string_view field = record.view.substr(column, width);
+        std::int32_t number = -7, fullNumber = -7;
+        double value = -7.0;
+        if (ReadPlainIntegerField(record.view, column, width, number)) {
+            ++integers;
+            ASSERT_EQ(ReadIntegerField(field, fullNumber), FieldStatus::Good) << '"' << field << '"';
+            ASSERT_EQ(number, fullNumber) << '"' << field << '"';
+        }
+        if (ReadPlainRealField(record.view, column, width, 3, value)) {
+            ++reals;
+            const RealRead full = ReadReal(field, 3);
+            ASSERT_EQ(full.status, FieldStatus::Good) << '"' << field << '"';
+            ASSERT_EQ(Bits(value), Bits(full.value)) << '"' << field << '"';
+        }
+        const std::size_t end = ReadPlainInteger(record.view, column, number);
+        if (end > 0) {
+            ASSERT_EQ(ReadIntegerField(record.view.substr(column, end - column), fullNumber),
+                      FieldStatus::Good);
+            ASSERT_EQ(number, fullNumber) << '"' << text << '"';
+        }
+    }
+    EXPECT_GT(integers, 5000);
+    EXPECT_GT(reals, 5000);
+}
+
+// A last bit lost by the quick way: digits beyond 2^53, ties of two doubles and what lies next to them.
+TEST(FormatEdge, PlainRealsAreRoundedExactly) {
+    std::mt19937_64 random(12);
+    double wrapped = -7.0;
+    EXPECT_EQ(ReadPlainReal("18446744073709551616.", 0, 0, wrapped), 0u) << "2^64, which 64 bits take for 0";
+    for (int round = 0; round < 300000; ++round) {
+        std::string digits = std::to_string(random() >> (random() % 60));
+        std::size_t decimals = random() % 28;
+        if (round % 3 ==
+            0) { // an odd number of 54 bits and a half, a quarter ...: a tie, or a unit beside it
+            const int halves = 1 + static_cast<int>(random() % 2);
+            std::uint64_t tie = ((random() >> 10) | (std::uint64_t{1} << 53) | 1);
+            for (int i = 0; i < halves; ++i)
+                tie *= 5;
+            digits = std::to_string(tie + random() % 3 - 1);
+            decimals = static_cast<std::size_t>(halves);
+        }
+        std::string text =
+            (digits.size() > decimals ? "" : std::string(decimals + 1 - digits.size(), '0')) + digits;
+        text.insert(text.size() - decimals, ".");
+        if (round % 4 == 1)
+            text += "e" + std::to_string(static_cast<int>(random() % 60) - 30);
+        double value = -7.0;
+        if (ReadPlainReal("       " + text, 7, 0, value) == 0) {
+            ASSERT_TRUE(round % 4 == 1 || digits.size() > 19 || decimals > 18 || decimals == 0) << text;
+        } else {
+            ASSERT_EQ(Bits(value), Bits(std::strtod(text.c_str(), nullptr))) << text;
+        }
     }
 }
 
