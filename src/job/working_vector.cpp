@@ -3,9 +3,9 @@
 #include "core/stop.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #ifdef ZURT_SANITIZE
 #include <sanitizer/asan_interface.h>
@@ -38,6 +38,9 @@ void ForbidWords([[maybe_unused]] const WorkingVector& A, [[maybe_unused]] Word 
 
 // Words ahead of LMAX that are poisoned in sanitizer builds: 32 MB.
 constexpr Word kForbiddenAhead = Word{1} << 22;
+
+// From so many words on they are cleared by pages: 1 MB.
+constexpr Word kWordsGivenBack = Word{1} << 17;
 
 void ForbidWordsAhead(WorkingVector& A) {
     const Word end = std::min(A.LMAX + kForbiddenAhead, A.NTOTA + 1);
@@ -134,7 +137,20 @@ void ClearWords(const WorkingVector& A, Word first, Word last) {
     if (last < first)
         return;
     RequireWithin(A, first, last - first + 1);
-    std::memset(A.words + (first - 1), 0, static_cast<std::size_t>(last - first + 1) * 8);
+    double* const begin = A.words + (first - 1);
+    double* const end = A.words + last;
+    // Whole pages are given back to the system: they are zero again and cost nothing until they are touched. `A`
+    // begins on a page.
+    const Word wordsOfPage = static_cast<Word>(sysconf(_SC_PAGESIZE)) / 8;
+    double* const firstPage = A.words + (first - 1 + wordsOfPage - 1) / wordsOfPage * wordsOfPage;
+    double* const lastPage = A.words + last / wordsOfPage * wordsOfPage;
+    if (lastPage - firstPage < kWordsGivenBack ||
+        madvise(firstPage, static_cast<std::size_t>(lastPage - firstPage) * 8, MADV_DONTNEED) != 0) {
+        std::fill(begin, end, 0.0);
+        return;
+    }
+    std::fill(begin, firstPage, 0.0);
+    std::fill(lastPage, end, 0.0);
 }
 
 } // namespace zurt
