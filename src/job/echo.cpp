@@ -13,30 +13,26 @@ constexpr int kCardsPerPage = 50;
 constexpr std::size_t kListedColumns = 70;
 
 // Both rulers in one place: the tens above, the column digits below, cut at column 70.
-void WriteRuler(Run& run) {
-    TextUnit& listing = run.units.listing;
-    Write(listing, "(A,7(9X,I1))", Say(run, " KART ", " CARD "), 1, 2, 3, 4, 5, 6, 7);
-    Write(listing, "(A,7('1234567890'))", Say(run, " BROJ ", " NUMB "));
+std::string ListingRuler(const Run& run) {
+    return FormatText("(A,7(9X,I1))", Say(run, " KART ", " CARD "), 1, 2, 3, 4, 5, 6, 7) +
+           FormatText("(A,7('1234567890'))", Say(run, " BROJ ", " NUMB "));
 }
 
-void WriteDashes(Run& run) {
-    Write(run.units.listing, "(1X,4('-'),1X,70('-'))");
+std::string ListingDashes() {
+    return FormatText("(1X,4('-'),1X,70('-'))");
 }
 
-void WriteListingHead(Run& run) {
-    TextUnit& listing = run.units.listing;
-    Write(listing, "('1'//6X,2A)",
-          Say(run, "S L E D E   K A R T I C E   L I S T I N G A   ",
-              "A   C A R D   I M A G E   L I S T I N G   O F   "),
-          Say(run, "U L A Z N E   D A T O T E K E", "T H E   I N P U T   D A T A"));
-    Write(listing, "(/28X,A/)", Say(run, "K O L O N A    B R O J", "C O L U M N   N U M B E R"));
-    WriteRuler(run);
-    WriteDashes(run);
+std::string ListingHead(const Run& run) {
+    return FormatText("('1'//6X,2A)",
+                      Say(run, "S L E D E   K A R T I C E   L I S T I N G A   ",
+                          "A   C A R D   I M A G E   L I S T I N G   O F   "),
+                      Say(run, "U L A Z N E   D A T O T E K E", "T H E   I N P U T   D A T A")) +
+           FormatText("(/28X,A/)", Say(run, "K O L O N A    B R O J", "C O L U M N   N U M B E R")) +
+           ListingRuler(run) + ListingDashes();
 }
 
-void WriteListingFoot(Run& run) {
-    WriteDashes(run);
-    WriteRuler(run);
+std::string ListingFoot(const Run& run) {
+    return ListingDashes() + ListingRuler(run);
 }
 
 } // namespace
@@ -78,20 +74,19 @@ void ListCards(Run& run) {
     Deck& deck = run.deck;
     TextUnit& listing = run.units.listing;
     static const Format cardLine("(I5,1X,A)");
-    WriteListingHead(run);
-    int onPage = 0;
+    const std::string head = ListingHead(run), foot = ListingFoot(run);
     const Word lines = LineCount(deck);
+    CardBuffer card;
+    PutBytes(listing, head);
     for (Word line = 1; line <= lines; ++line) {
-        if (++onPage > kCardsPerPage) {
-            WriteListingFoot(run);
-            WriteListingHead(run);
-            onPage = 1;
+        if (line > 1 && line % kCardsPerPage == 1) {
+            PutBytes(listing, foot);
+            PutBytes(listing, head);
         }
-        std::string image(LineText(deck, line).substr(0, kListedColumns));
-        image.resize(kListedColumns, ' ');
-        Write(listing, cardLine, line, image);
+        TakeImage(LineText(deck, line), card);
+        Write(listing, cardLine, line, Image(card).substr(0, kListedColumns));
     }
-    WriteListingFoot(run);
+    PutBytes(listing, foot);
     Write(
         listing, "(//6X,19('*'),A,A)",
         Say(run, " K R A J   U L A Z N O G   L I S T I N G A ", " E N D   O F   I N P U T   L I S T I N G "),
