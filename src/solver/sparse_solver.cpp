@@ -7,10 +7,6 @@
 
 #include <mpi.h>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include <algorithm>
 #include <cstdlib>
 
@@ -45,20 +41,9 @@ void CallSolver(DMUMPS_STRUC_C& instance, MUMPS_INT job) {
     dmumps_c(&instance);
 }
 
-/// Memory that is freed stays with the process, to be taken again by the next solve. Every solve takes and frees the same
-/// hundreds of arrays; handed back to the system in between, their pages would all be cleared and mapped anew, which is
-/// up to a tenth of the whole time.
-void KeepFreedMemory() {
-#ifdef __GLIBC__
-    constexpr int kNever = -1;
-    mallopt(M_MMAP_MAX, 0); // large arrays too lie in the heap
-    mallopt(M_TRIM_THRESHOLD, kNever);
-#endif
-}
-
 template <class T> T* TakeArray(std::int32_t count) {
     // One element at least: an array without any is told from one that could not be had.
-    void* array = std::calloc(static_cast<std::size_t>(std::max(count, 1)), sizeof(T));
+    void* array = std::malloc(static_cast<std::size_t>(std::max(count, 1)) * sizeof(T));
     if (array == nullptr)
         StopWithLibraryError("no memory left for the arrays of the sparse solver");
     return static_cast<T*>(array);
@@ -98,7 +83,6 @@ template <class T> void FreeArray(T*& array) {
 void SolverStart(DMUMPS_STRUC_C& instance, std::int32_t N, std::int32_t NZ, TextUnit& console,
                  std::int32_t SolverReportFlag) {
     ReportStage(console, SolverReportFlag, "Initializing solver...");
-    KeepFreedMemory();
     // Distributions build the solver with SCOTCH, which orders large systems in as many threads as there are processors
     // and then differently each time. One thread gives the same digits in every run.
     setenv("SCOTCH_PTHREAD_NUMBER", "1", 1);

@@ -11,8 +11,13 @@ namespace {
 
 constexpr Word kNodesPerBlock = 8192;
 // Equation numbers stay below: the coordinates of so many nodes alone would fill the working vector. Rows beyond, or
-// below 0, are found from the root.
-constexpr std::int64_t kRowsRemembered = std::int64_t{1} << 26;
+// below 1, share one record.
+constexpr std::int64_t kRowsRemembered = std::int64_t{1} << 24;
+// Steps along the sequence that are tried ahead of a search in the tree.
+constexpr int kMostSteps = 12;
+constexpr std::size_t kCacheLine = 64;
+// So far ahead of a walk lies, in the usual order of memory, what it needs next: a row or two.
+constexpr std::size_t kWalkAhead = 3072;
 
 enum class Side { Left, Right };
 
@@ -31,84 +36,136 @@ inline Side SideOf(const SparseNode* node) {
 
 // --- storage ------------------------------------------------------------------------------------------------------
 
-SparseNode* TakeNode(SparseTree& tree) {
-    if (tree.spare != nullptr) {
-        SparseNode* node = tree.spare;
-        tree.spare = node->right;
-        return node;
-    }
-    if (tree.blocks.empty() || tree.takenOfBlock == kNodesPerBlock) {
+/// The place of a row's record in `rows`, which may be shorter.
+inline std::size_t RowPlace(std::int32_t row) {
+    return row > 0 && row < kRowsRemembered ? static_cast<std::size_t>(row) : 0;
+}
+
+inline SparseRow& RowAt(SparseTree& tree, std::size_t place) {
+    if (place >= tree.rows.size())
+        tree.rows.resize(std::max(place + 1, 2 * tree.rows.size()));
+    return tree.rows[place];
+}
+
+/// Brings `count` nodes from `node` on into the cache, to be written.
+inline void PrefetchNodes(const SparseNode* node, std::int32_t count) {
+    const char* bytes = reinterpret_cast<const char*>(node);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count) * sizeof(SparseNode); i += kCacheLine)
+        __builtin_prefetch(bytes + i, 1);
+}
+
+void TakeStretch(SparseTree& tree, SparseRow& row, std::int32_t places) {
+    if (tree.blocks.empty() || tree.takenOfBlock + places > kNodesPerBlock) {
         void* block = std::malloc(kNodesPerBlock * sizeof(SparseNode));
         if (block == nullptr)
             StopWithLibraryError("no memory left for the entries of the system matrix");
         tree.blocks.push_back(static_cast<SparseNode*>(block));
         tree.takenOfBlock = 0;
     }
-    return tree.blocks.back() + tree.takenOfBlock++;
+    row.stretch = tree.blocks.back() + tree.takenOfBlock;
+    row.places = places;
+    row.taken = 0;
+    tree.takenOfBlock += places;
+    PrefetchNodes(row.stretch, places);
+}
+
+SparseNode* TakeNode(SparseTree& tree, SparseRow& row, std::int32_t rowPlaces) {
+    if (tree.spare != nullptr) {
+        SparseNode* node = tree.spare;
+        tree.spare = node->next;
+        return node;
+    }
+    if (row.taken == row.places)
+        TakeStretch(tree, row, rowPlaces);
+    return row.stretch + row.taken++;
 }
 
 void GiveBackNode(SparseTree& tree, SparseNode* node) {
-    node->right = tree.spare;
+    node->next = tree.spare;
     tree.spare = node;
-}
-
-// --- the node of a row that was met last --------------------------------------------------------------------------
-
-inline SparseNode* NodeMet(const SparseTree& tree, std::int32_t row) {
-    return static_cast<std::uint32_t>(row) < tree.met.size() ? tree.met[static_cast<std::size_t>(row)]
-                                                             : nullptr;
-}
-
-void RememberNode(SparseTree& tree, std::int32_t row, SparseNode* node) {
-    if (row < 0 || row >= kRowsRemembered)
-        return;
-    const std::size_t place = static_cast<std::size_t>(row);
-    if (place >= tree.met.size())
-        tree.met.resize(std::max(place + 1, 2 * tree.met.size()), nullptr);
-    tree.met[place] = node;
 }
 
 /// Before a node loses its key or its place.
 void ForgetNode(SparseTree& tree, const SparseNode* node) {
-    const std::int32_t row = SparseRow(node->key);
-    if (NodeMet(tree, row) == node)
-        tree.met[static_cast<std::size_t>(row)] = nullptr;
+    SparseRow& row = tree.rows[RowPlace(SparseRowOf(node->key))];
+    if (row.met == node)
+        row.met = nullptr;
+    if (row.lowest == node)
+        row.lowest = nullptr;
 }
 
 // --- search -------------------------------------------------------------------------------------------------------
 
 /// Where a key stands, or would stand.
 struct SparsePlace {
-    SparseNode* node;   // the node of the key, or the sentinel
-    SparseNode* parent; // its parent, or that of a new node; the sentinel for the root
+    SparseNode* node;             // the node of the key, or the sentinel; then
+    SparseNode* parent = nullptr; // the parent of a new node, the sentinel for the root,
+    SparseNode* before = nullptr; // and the node of the next lower key, the sentinel when there is none
 };
 
-inline SparsePlace Descend(const SparseTree& tree, SparseNode* node, SparseNode* parent, std::int64_t key) {
+SparsePlace Descend(const SparseTree& tree, SparseNode* node, SparseNode* parent, SparseNode* before,
+                    std::int64_t key) {
     while (node != &tree.sentinel && node->key != key) {
         parent = node;
+        if (key > node->key)
+            before = node;
         node = key < node->key ? node->left : node->right;
     }
-    return {node, parent};
+    return {node, parent, before};
 }
 
 /// From `start` up to the first ancestor beyond the key, then down between that and the last one short of it.
-SparsePlace FindFrom(const SparseTree& tree, SparseNode* start, std::int64_t key) {
+SparsePlace FindFrom(SparseTree& tree, SparseNode* start, std::int64_t key) {
     if (start->key == key)
-        return {start, start->parent};
+        return {start};
     const Side ahead = key < start->key ? Side::Left : Side::Right;
+    SparseNode* before = ahead == Side::Right ? start : &tree.sentinel;
     SparseNode* lastShort = start;
     SparseNode* node = start;
     for (SparseNode* ancestor = node->parent; ancestor != &tree.sentinel; ancestor = node->parent) {
         if (node != Child(ancestor, ahead)) {
             if (ancestor->key == key)
-                return {ancestor, ancestor->parent};
+                return {ancestor};
+            if (ancestor->key < key)
+                before = ancestor;
             if (ahead == Side::Right ? ancestor->key > key : ancestor->key < key)
                 break;
             lastShort = ancestor;
         }
         node = ancestor;
     }
-    return Descend(tree, Child(lastShort, ahead), lastShort, key);
+    return Descend(tree, Child(lastShort, ahead), lastShort, before, key);
+}
+
+/// Along the sequence from `start`, whose key is not above the key sought.
+SparsePlace FindAlong(SparseTree& tree, SparseNode* start, std::int64_t key) {
+    if (start->key == key)
+        return {start};
+    SparseNode* before = start;
+    for (int step = 0; step < kMostSteps; ++step) {
+        SparseNode* node = before->next;
+        // Of two neighbours in the sequence one has a free place towards the other.
+        if (node == &tree.sentinel || node->key > key)
+            return {&tree.sentinel, before->right == &tree.sentinel ? before : node, before};
+        if (node->key == key)
+            return {node};
+        before = node;
+    }
+    return FindFrom(tree, before, key);
+}
+
+/// The columns of an element ascend, and so do those that elements begin with, most of the time: from the column
+/// before, or from the column that the element before began with, it is a few steps.
+SparsePlace FindInRow(SparseTree& tree, SparseRow& row, std::int64_t key) {
+    if (row.met == nullptr)
+        return Descend(tree, tree.root, &tree.sentinel, &tree.sentinel, key);
+    if (row.met->key <= key)
+        return FindAlong(tree, row.met, key);
+    SparseNode* lowest = row.lowest;
+    row.lowest = nullptr; // the node that is found now
+    if (lowest != nullptr && lowest->key <= key)
+        return FindAlong(tree, lowest, key);
+    return FindFrom(tree, row.met, key);
 }
 
 // --- insertion ----------------------------------------------------------------------------------------------------
@@ -158,15 +215,17 @@ void RepairAfterInsertion(SparseTree& tree, SparseNode* node) {
     tree.root->color = kBlack;
 }
 
-SparseNode* InsertNode(SparseTree& tree, SparseNode* parent, std::int64_t key, double value) {
-    SparseNode* node = TakeNode(tree);
-    *node = {key, value, parent, &tree.sentinel, &tree.sentinel, kRed};
-    if (parent == &tree.sentinel)
+/// Hangs a new node in its place.
+void InsertNode(SparseTree& tree, SparseNode* node, const SparsePlace& place, std::int64_t key,
+                double value) {
+    *node = {key, value, place.parent, &tree.sentinel, &tree.sentinel, kRed, place.before->next};
+    place.before->next = node;
+    if (place.parent == &tree.sentinel)
         tree.root = node;
     else
-        Child(parent, key < parent->key ? Side::Left : Side::Right) = node;
+        Child(place.parent, key < place.parent->key ? Side::Left : Side::Right) = node;
+    ++tree.nodeCount;
     RepairAfterInsertion(tree, node);
-    return node;
 }
 
 // --- deletion -----------------------------------------------------------------------------------------------------
@@ -202,62 +261,80 @@ void RepairAfterDeletion(SparseTree& tree, SparseNode* node) {
     node->color = kBlack;
 }
 
+/// The node of the next lower key; the sentinel when there is none.
+SparseNode* NodeBefore(SparseTree& tree, SparseNode* node) {
+    if (node->left != &tree.sentinel) {
+        for (node = node->left; node->right != &tree.sentinel;)
+            node = node->right;
+        return node;
+    }
+    while (node->parent != &tree.sentinel && SideOf(node) == Side::Left)
+        node = node->parent;
+    return node->parent;
+}
+
 /// Takes the entry of a node out. The node that leaves is the node itself or its successor, whose entry then moves
 /// into the node.
 void DeleteNode(SparseTree& tree, SparseNode* node) {
-    SparseNode* leaving = node;
-    if (node->left != &tree.sentinel && node->right != &tree.sentinel)
-        for (leaving = node->right; leaving->left != &tree.sentinel;)
-            leaving = leaving->left;
+    const bool moves = node->left != &tree.sentinel && node->right != &tree.sentinel;
+    SparseNode* leaving = moves ? node->next : node;
     ForgetNode(tree, node);
     ForgetNode(tree, leaving);
+    (moves ? node : NodeBefore(tree, node))->next = leaving->next;
     SparseNode* orphan = leaving->left != &tree.sentinel ? leaving->left : leaving->right;
     orphan->parent = leaving->parent; // of the sentinel too: the repair climbs from it
     HangInPlaceOf(tree, leaving, orphan);
-    if (leaving != node) {
+    if (moves) {
         node->key = leaving->key;
         node->value = leaving->value;
     }
     if (leaving->color == kBlack)
         RepairAfterDeletion(tree, orphan);
     GiveBackNode(tree, leaving);
-}
-
-void VisitSubtree(SparseTree& tree, SparseNode* node) {
-    if (node == &tree.sentinel)
-        return;
-    VisitSubtree(tree, node->left);
-    tree.visit(tree, *node);
-    VisitSubtree(tree, node->right);
+    --tree.nodeCount;
 }
 
 } // namespace
 
 void EmptySparseTree(SparseTree& tree) {
-    tree.sentinel = {-1, 0.0, &tree.sentinel, &tree.sentinel, &tree.sentinel, kBlack};
+    tree.sentinel = {-1, 0.0, &tree.sentinel, &tree.sentinel, &tree.sentinel, kBlack, &tree.sentinel};
     tree.root = &tree.sentinel;
-    tree.met.clear();
+    tree.nodeCount = 0;
+    tree.rows.clear();
 }
 
-void AddToSparseTree(SparseTree& tree, std::int64_t key, double value) {
-    const std::int32_t row = SparseRow(key);
-    SparseNode* start = NodeMet(tree, row);
-    SparsePlace place =
-        start != nullptr ? FindFrom(tree, start, key) : Descend(tree, tree.root, &tree.sentinel, key);
-    if (place.node == &tree.sentinel) {
-        RememberNode(tree, row, InsertNode(tree, place.parent, key, value));
-        return;
+void PrefetchSparseRows(const SparseTree& tree, ConstIntArray LM, Word n) {
+    for (Word j = 1; j <= n; ++j) {
+        const std::size_t place = RowPlace(LM(j));
+        if (place < tree.rows.size())
+            PrefetchNodes(tree.rows[place].stretch, tree.rows[place].places);
     }
-    place.node->value += value;
-    if (place.node->value == 0.0)
-        DeleteNode(tree, place.node);
-    else
-        RememberNode(tree, row, place.node);
+}
+
+void AddToSparseTree(SparseTree& tree, std::int64_t key, double value, std::int32_t rowPlaces) {
+    SparseRow& row = RowAt(tree, RowPlace(SparseRowOf(key)));
+    const SparsePlace place = FindInRow(tree, row, key);
+    SparseNode* node = place.node;
+    if (node == &tree.sentinel) {
+        node = TakeNode(tree, row, rowPlaces);
+        InsertNode(tree, node, place, key, value);
+    } else {
+        node->value += value;
+        if (node->value == 0.0) {
+            DeleteNode(tree, node);
+            return;
+        }
+    }
+    row.met = node;
+    if (row.lowest == nullptr)
+        row.lowest = node;
 }
 
 void WalkSparseTree(SparseTree& tree, SparseVisit visit) {
-    tree.visit = visit;
-    VisitSubtree(tree, tree.root);
+    for (SparseNode* node = tree.sentinel.next; node != &tree.sentinel; node = node->next) {
+        __builtin_prefetch(reinterpret_cast<const char*>(node) + kWalkAhead);
+        visit(tree, *node);
+    }
 }
 
 void ReleaseSparseNodes(SparseTree& tree) {
@@ -266,8 +343,8 @@ void ReleaseSparseNodes(SparseTree& tree) {
     tree.blocks.clear();
     tree.takenOfBlock = 0;
     tree.spare = nullptr;
-    tree.met.clear();
-    tree.met.shrink_to_fit();
+    tree.rows.clear();
+    tree.rows.shrink_to_fit();
 }
 
 } // namespace zurt

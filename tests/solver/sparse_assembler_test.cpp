@@ -93,6 +93,14 @@ TEST_F(SparseAssembler, ElementGoesInWithBothTrianglesAndWithoutItsZeros) {
     EXPECT_EQ(entries.values, (std::vector<double>{34, 33, 13, 15}));
 }
 
+// Fault: an equation that stands twice in one element gets its contributions in another order than they come.
+TEST_F(SparseAssembler, EquationTwiceInAnElementSumsInTheOrderOfItsPlaces) {
+    AddElement({7, 3, 7}, {1e16, 0, 1, 0, 5, 0, -1e16, 0, 2});
+    const Entries entries = Extract();
+    EXPECT_EQ(entries.rows, (std::vector<std::int32_t>{3, 7}));
+    EXPECT_EQ(entries.values, (std::vector<double>{5, 3}));
+}
+
 // Fault: the symmetry flag ignored, or the other half taken.
 TEST_F(SparseAssembler, SymmetryFlagTakesOneHalf) {
     zurt::SparseInit(1, 0);

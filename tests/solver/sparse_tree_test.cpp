@@ -53,12 +53,25 @@ int CheckSubtree(const SparseTree& tree, const SparseNode* node, Model::const_it
     return left + (node->color == zurt::kBlack ? 1 : 0);
 }
 
+// Faults: a sequence that an insertion misses or that a deletion breaks.
+void CheckSequence(const SparseTree& tree, const Model& model) {
+    const SparseNode* node = tree.sentinel.next;
+    for (const auto& entry : model) {
+        ASSERT_NE(node, &tree.sentinel) << "the sequence ends early";
+        ASSERT_EQ(node->key, entry.first);
+        node = node->next;
+    }
+    EXPECT_EQ(node, &tree.sentinel) << "the sequence goes on";
+    EXPECT_EQ(tree.nodeCount, static_cast<std::int32_t>(model.size()));
+}
+
 // Content equal to the model, links both ways, colours, black heights, the sentinel's own fields.
 void CheckWhole(const Model& model) {
     const SparseTree& tree = zurt::CurrentSparseTree();
     Model::const_iterator next = model.begin();
     CheckSubtree(tree, tree.root, next, model.end());
     EXPECT_TRUE(next == model.end()) << "fewer nodes than entries";
+    CheckSequence(tree, model);
     EXPECT_EQ(tree.root->color, zurt::kBlack);
     EXPECT_EQ(tree.sentinel.color, zurt::kBlack);
     EXPECT_EQ(tree.sentinel.key, -1);
@@ -102,7 +115,7 @@ void Add(Model& model, Place place, double value) {
 Place AnyPlace(const Model& model, std::mt19937& random) {
     const std::int64_t key =
         std::next(model.begin(), static_cast<std::ptrdiff_t>(random() % model.size()))->first;
-    return {zurt::SparseRow(key), zurt::SparseColumn(key)};
+    return {zurt::SparseRowOf(key), zurt::SparseColumnOf(key)};
 }
 
 // Small whole numbers meet and cancel often. Every other thousand operations deletes more than it adds, so the tree
