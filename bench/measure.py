@@ -2,6 +2,7 @@
 
 Imported by run_benchmarks and the scripts of bench/. Times are seconds, memory is bytes.
 """
+import json
 import os
 import shutil
 import statistics
@@ -14,6 +15,9 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BUILD = os.path.join(ROOT, "build", "bench")
 WORK = os.path.join(BUILD, "runs")
 PROGRAM = os.path.join(BUILD, "zurt")
+
+# How much is measured: runs that a median is taken of, and whether small problems will do.
+Effort = namedtuple("Effort", "rounds quick")
 
 # One process that ended: processor and wall seconds, largest resident memory in bytes, what it printed.
 Ended = namedtuple("Ended", "cpu wall memory output")
@@ -89,3 +93,15 @@ def solve(folder, program=PROGRAM):
         if name != "zurt.dat":
             os.remove(os.path.join(folder, name))
     return run([program], folder, "\n\n\n")
+
+
+def kernels(pattern, rounds):
+    """Medians of the kernel benchmarks that match and that this machine runs, by name."""
+    result = os.path.join(WORK, "kernels.json")
+    run([os.path.join(BUILD, "zurt_bench"), f"--benchmark_filter={pattern}", f"--benchmark_repetitions={rounds}",
+         "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.2",
+         "--benchmark_report_aggregates_only=true", f"--benchmark_out={result}", "--benchmark_out_format=json"])
+    with open(result) as file:
+        found = json.load(file)["benchmarks"]
+    return {entry["run_name"]: entry for entry in found
+            if entry.get("aggregate_name", "median") == "median" and not entry.get("error_occurred")}

@@ -8,8 +8,10 @@
 #include "job/read_problem.h"
 #include "results/listing.h"
 #include "results/unv_results.h"
+#include "solver/skyline_layout.h"
 #include "solver/skyline_solve.h"
 #include "solver/sparse_solver.h"
+#include "solver/sparse_solver_instance.h"
 #include "timeint/solution_pass.h"
 
 #include <array>
@@ -22,9 +24,25 @@ namespace zurt {
 
 namespace {
 
-enum Phase { kInput, kForming, kFluxes, kFactor, kSubstitution, kSparse, kFlows, kResults, kPhases };
-constexpr const char* kNames[kPhases] = {"input",        "forming",       "fluxes", "factor",
-                                         "substitution", "sparse solver", "flows",  "results"};
+// Opening takes the deck into memory, numbering is the heights of columns; analysis, factor and substitution are the
+// library's in the sparse solver, which keeps the rest of its time under its own name.
+enum Phase {
+    kOpening,
+    kInput,
+    kNumbering,
+    kForming,
+    kFluxes,
+    kAnalysis,
+    kFactor,
+    kSubstitution,
+    kSparse,
+    kFlows,
+    kResults,
+    kPhases
+};
+constexpr const char* kNames[kPhases] = {"opening",       "input",    "numbering", "forming",
+                                         "fluxes",        "analysis", "factor",    "substitution",
+                                         "sparse solver", "flows",    "results"};
 
 /// Seconds by phase, and how many systems were solved.
 struct Times {
@@ -36,6 +54,7 @@ struct Times {
 struct Clock {
     Times job;
     std::vector<Times> runs;
+    double booked = 0.0; // of all phases
 };
 Clock theClock;
 
@@ -45,8 +64,15 @@ double Now() {
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
+/// The time that no phase has taken yet: what is booked between two readings drops out of their difference.
+double Unbooked() {
+    return Now() - theClock.booked;
+}
+
 void Book(Phase phase, double start) {
-    theClock.job.seconds[phase] += Now() - start;
+    const double seconds = Unbooked() - start;
+    theClock.job.seconds[phase] += seconds;
+    theClock.booked += seconds;
 }
 
 void WriteTimes(std::FILE* file, const Times& times) {
@@ -82,15 +108,31 @@ const int registered = std::atexit(WriteReport);
     void Wrap##name parameters __asm__("__wrap_" mangled);                                                   \
     void Wrap##name parameters
 
+ZURT_WRAP(OpenDeck, "_ZN4zurt8OpenDeckERNS_4DeckERKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE",
+          (Deck & deck, const std::string& name)) {
+    const double start = Unbooked();
+    RealOpenDeck(deck, name);
+    Book(kOpening, start);
+}
+
 ZURT_WRAP(ReadProblem, "_ZN4zurt11ReadProblemERNS_3RunE", (Run & run)) {
-    const double start = Now();
+    const double start = Unbooked();
     RealReadProblem(run);
     Book(kInput, start);
 }
 
+ZURT_WRAP(ComputeColumnHeights,
+          "_ZN4zurt20ComputeColumnHeightsENS_9ArrayViewIiEENS0_IKiEENS_9TableViewIS2_EES1_llblRl",
+          (IntArray MHT, ConstIntArray ID, ConstIntTable NEL, IntArray LM, Word NE, Word JEDN, bool finish,
+           Word NDIM, Word& NWK)) {
+    const double start = Unbooked();
+    RealComputeColumnHeights(MHT, ID, NEL, LM, NE, JEDN, finish, NDIM, NWK);
+    Book(kNumbering, start);
+}
+
 ZURT_WRAP(DispatchElementPhase, "_ZN4zurt20DispatchElementPhaseERNS_3RunERNS_12ElementGroupEii",
           (Run & run, ElementGroup& group, std::int32_t NETIP, std::int32_t phase)) {
-    const double start = Now();
+    const double start = Unbooked();
     RealDispatchElementPhase(run, group, NETIP, phase);
     if (phase == kFormPhase) // the reading is part of the input
         Book(run.control.state.ResultsPhaseFlag == 0 ? kForming : kFluxes, start);
@@ -99,7 +141,7 @@ ZURT_WRAP(DispatchElementPhase, "_ZN4zurt20DispatchElementPhaseERNS_3RunERNS_12E
 ZURT_WRAP(SkylineSolve, "_ZN4zurt12SkylineSolveENS_9ArrayViewIdEES1_NS0_IKiEEiiiRNS_8TextUnitE",
           (RealArray A, RealArray V, ConstIntArray MAXA, std::int32_t NN, std::int32_t NWK, std::int32_t mode,
            TextUnit& unit)) {
-    const double start = Now();
+    const double start = Unbooked();
     RealSkylineSolve(A, V, MAXA, NN, NWK, mode, unit);
     Book(mode == kFactorMode ? kFactor : kSubstitution, start);
     theClock.job.solves += mode == kSubstituteMode;
@@ -108,26 +150,34 @@ ZURT_WRAP(SkylineSolve, "_ZN4zurt12SkylineSolveENS_9ArrayViewIdEES1_NS0_IKiEEiii
 ZURT_WRAP(SolveSparseSystem, "_ZN4zurt17SolveSparseSystemENS_9ArrayViewIdEEiiRNS_8TextUnitES3_i",
           (RealArray R, std::int32_t JEDN, std::int32_t reserved, TextUnit& console, TextUnit& listing,
            std::int32_t flag)) {
-    const double start = Now();
+    const double start = Unbooked();
     RealSolveSparseSystem(R, JEDN, reserved, console, listing, flag);
     Book(kSparse, start);
     ++theClock.job.solves;
 }
 
+ZURT_WRAP(CallOfLibrary, "dmumps_c", (DMUMPS_STRUC_C * instance)) {
+    const double start = Unbooked();
+    const MUMPS_INT job = instance->job;
+    RealCallOfLibrary(instance);
+    if (job >= 1 && job <= 3)
+        Book(job == 1 ? kAnalysis : job == 2 ? kFactor : kSubstitution, start);
+}
+
 ZURT_WRAP(RecordFlow, "_ZN4zurt10RecordFlowERNS_3RunE", (Run & run)) {
-    const double start = Now();
+    const double start = Unbooked();
     RealRecordFlow(run);
     Book(kFlows, start);
 }
 
 ZURT_WRAP(PrintNodalResults, "_ZN4zurt17PrintNodalResultsERNS_3RunE", (Run & run)) {
-    const double start = Now();
+    const double start = Unbooked();
     RealPrintNodalResults(run);
     Book(kResults, start);
 }
 
 ZURT_WRAP(WriteUnvResults, "_ZN4zurt15WriteUnvResultsERNS_3RunE", (Run & run)) {
-    const double start = Now();
+    const double start = Unbooked();
     RealWriteUnvResults(run);
     Book(kResults, start);
 }

@@ -9,6 +9,10 @@
 
 #include <benchmark/benchmark.h>
 
+extern "C" void dgemm_(const char*, const char*, const int*, const int*, const int*, const double*,
+                       const double*, const int*, const double*, const int*, const double*, double*,
+                       const int*);
+
 namespace {
 
 using zurt::RealArray;
@@ -51,14 +55,38 @@ void TimeSubstitution(benchmark::State& state, Substitute substitute) {
                             static_cast<std::int64_t>(system.store.size()));
 }
 
-#define ZURT_CUBES ->Arg(15)->Arg(20)->Arg(25)->Arg(30)->Unit(benchmark::kMillisecond)
+#define ZURT_CUBES                                                                                           \
+    ->Arg(10)->Arg(15)->Arg(20)->Arg(25)->Arg(30)->Arg(35)->Arg(40)->Unit(benchmark::kMillisecond)
 
-Word FactorPortable(RealArray store, zurt::ConstIntArray MAXA, Word NN) {
-    return zurt::FactorSkyline(store, MAXA, NN, zurt::InstructionSet::Portable);
+template <zurt::InstructionSet kSet> void TimeFactorWith(benchmark::State& state) {
+    if (kSet > zurt::WidestInstructionSet()) {
+        state.SkipWithError("not on this machine");
+        return;
+    }
+    TimeFactor(state, [](RealArray store, zurt::ConstIntArray MAXA, Word NN) {
+        return zurt::FactorSkyline(store, MAXA, NN, kSet);
+    });
+}
+
+/// The product of two full matrices whose order is the height of a cube's columns, by the BLAS that the sparse solver
+/// works with: what the machine can do where sums may run in any order and contract multiply and add.
+void TimeMatrixProduct(benchmark::State& state) {
+    const std::int32_t side = static_cast<std::int32_t>(state.range(0)), n = (side + 1) * (side + 1);
+    std::vector<double> A(static_cast<std::size_t>(n) * static_cast<std::size_t>(n), 0.5), B(A), C(A.size());
+    const double one = 1.0, none = 0.0;
+    for (auto _ : state) {
+        dgemm_("N", "N", &n, &n, &n, &one, A.data(), &n, B.data(), &n, &none, C.data(), &n);
+        benchmark::DoNotOptimize(C.data());
+    }
+    state.counters["flops"] = benchmark::Counter(
+        2.0 * n * n * n, benchmark::Counter::kIsIterationInvariantRate, benchmark::Counter::kIs1000);
 }
 
 BENCHMARK_CAPTURE(TimeFactor, solver, static_cast<Factor>(zurt::FactorSkyline)) ZURT_CUBES;
-BENCHMARK_CAPTURE(TimeFactor, portable, FactorPortable) ZURT_CUBES;
+BENCHMARK(TimeFactorWith<zurt::InstructionSet::Portable>)->Name("TimeFactor/portable") ZURT_CUBES;
+BENCHMARK(TimeFactorWith<zurt::InstructionSet::Avx2>)->Name("TimeFactor/AVX2") ZURT_CUBES;
+BENCHMARK(TimeFactorWith<zurt::InstructionSet::Avx512>)->Name("TimeFactor/AVX-512") ZURT_CUBES;
+BENCHMARK(TimeMatrixProduct) ZURT_CUBES;
 BENCHMARK_CAPTURE(TimeFactor, plain, zurt_test::ReferenceFactor) ZURT_CUBES;
 BENCHMARK_CAPTURE(TimeSubstitution, solver, zurt::SubstituteSkyline) ZURT_CUBES;
 BENCHMARK_CAPTURE(TimeSubstitution, plain, zurt_test::ReferenceSubstitute) ZURT_CUBES;

@@ -29,6 +29,6 @@ void ReadStore(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * 16 *
                             static_cast<std::int64_t>(system.store.size()));
 }
-BENCHMARK(ReadStore)->Arg(15)->Arg(20)->Arg(25)->Arg(30)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadStore)->Arg(10)->Arg(15)->Arg(20)->Arg(25)->Arg(30)->Unit(benchmark::kMillisecond);
 
 } // namespace
