@@ -89,7 +89,7 @@ def figures_reading(data):
     side = data["side"]
     return {"table": table(["deck", "program", "Fortran read of these lines", "times as fast", "on the wall",
                             "largest memory", "deck", "ratio"], rows),
-            "phase_table": table(["", "opening: bytes into memory, lines found",
+            "phase_table": table(["", "opening: bytes into memory",
                                   "cards: fields, rules, storing", "heights of columns"], phases),
             "nodes": grouped((side + 1) ** 3), "bricks": grouped(side**3), "over_fortran": span(lead),
             "memory": span(fresh)}

@@ -16,7 +16,7 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-SOLVES = ("forming", "factor", "substitution", "sparse solver")
+SOLVES = ("forming", "analysis", "factor", "substitution", "sparse solver")
 STAGES = {"FIB model - without SF": "fibres, no factors", "EHM model - Calculation of D-C": "medium, curve",
           "FIB model - with prescribed SF": "fibres, factors", "EHM model - Calculation of HEQ": "medium, distance"}
 
@@ -86,4 +86,5 @@ def main():
     print_tables(args, times["job"], times["runs"], stages)
 
 
-main()
+if __name__ == "__main__":
+    main()

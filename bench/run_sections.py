@@ -93,16 +93,14 @@ def iterative_beside_ours(cubes):
 
 # --- what scripts of their own measure --------------------------------------------------------------------------------
 
-def measure_script(name):
-    """A section whose text a script of bench/ prints, in Markdown."""
+def measure_script(name, *for_quick):
+    """A section whose text a script of bench/ prints, in Markdown; with arguments for a quick look."""
     path = os.path.join(ROOT, "bench", name)
 
     def measure(effort):
         if not os.path.exists(path):
             return {"text": f"Not measured: there is no bench/{name}."}
-        with open(path) as file:
-            quick = ["--quick"] if effort.quick and "--quick" in file.read() else []
-        printed = subprocess.run([sys.executable, path, *quick], stdout=subprocess.PIPE, text=True, check=True).stdout
+        printed = subprocess.run([sys.executable, path, *(for_quick if effort.quick else ())], stdout=subprocess.PIPE, text=True, check=True).stdout
         return {"text": printed.strip()}
     return measure
 
