@@ -15,14 +15,22 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 18;
     StopWithLibraryError("can't write to " + unit.name + ": " + std::strerror(errno));
 }
 
+void OpenForWriting(TextUnit& unit, const char* mode) {
+    unit.file = std::fopen(unit.name.c_str(), mode);
+    if (unit.file == nullptr)
+        StopWithLibraryError("can't open " + unit.name + " for writing: " + std::strerror(errno));
+    std::setvbuf(unit.file, nullptr, _IOFBF, kBufferSize);
+}
+
 } // namespace
 
 void OpenTextUnit(TextUnit& unit, const std::string& name) {
     unit.name = name;
-    unit.file = std::fopen(name.c_str(), "w");
-    if (unit.file == nullptr)
-        StopWithLibraryError("can't open " + name + " for writing: " + std::strerror(errno));
-    std::setvbuf(unit.file, nullptr, _IOFBF, kBufferSize);
+    OpenForWriting(unit, "w");
+}
+
+void ReopenTextUnit(TextUnit& unit) {
+    OpenForWriting(unit, "a");
 }
 
 void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name) {

@@ -23,6 +23,9 @@ inline bool IsOpen(const TextUnit& unit) {
 /// Opens `name` for writing from its start, dropping what it held; stops with a library error when it can't.
 void OpenTextUnit(TextUnit& unit, const std::string& name);
 
+/// Opens a unit that was closed again, to go on behind what it holds; stops with a library error when it can't.
+void ReopenTextUnit(TextUnit& unit);
+
 /// Makes a unit of a stream that is open already (the console).
 void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name);
 

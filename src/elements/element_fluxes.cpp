@@ -87,6 +87,7 @@ template <int Dimension> void AddElementFluxes(Run& run, ElementGroup& group) {
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit, n))
             continue;
+        AnnounceElement(run, n);
         TakeElement(visit, n);
         ElementResults<Dimension> results;
         EvaluateCorners<Dimension>(visit, results);

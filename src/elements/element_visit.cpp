@@ -13,11 +13,6 @@ namespace zurt {
 
 namespace {
 
-void PrintElementLine(Run& run, std::int32_t n) {
-    static const Format line("(' ELEMENT....................',I8)");
-    Write(run.units.listing, line, n);
-}
-
 // Of the forming visits, or of the fluxes where their rule is another one.
 template <int Dimension> void TakeFibreRecords(ElementVisit<Dimension>& visit) {
     const bool own = std::equal(visit.NGAUS, visit.NGAUS + Dimension, visit.group.NGAUS);
@@ -47,10 +42,14 @@ template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, 
     TakeFibreRecords(visit);
 }
 
+void AnnounceElement(Run& run, std::int32_t n) {
+    static const Format line("(' ELEMENT....................',I8)");
+    if (run.control.header.ITOR == 3)
+        Write(run.units.listing, line, n);
+}
+
 template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n) {
     visit.number = n;
-    if (visit.run.control.header.ITOR == 3)
-        PrintElementLine(visit.run, n);
     ActiveNodes active;
     ListActiveNodes<Dimension>(visit.NEL, n, active);
     if (!ServesNodes(visit.points.active, active))

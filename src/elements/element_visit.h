@@ -32,8 +32,10 @@ template <int Dimension> struct ElementVisit {
 /// Views, tables and orders (1..5 each) for a visit of `group`; `element` and `points` are filled element by element.
 template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders);
 
+/// Under ITOR 3 the listing gets a line for each element that is formed.
+void AnnounceElement(Run& run, std::int32_t n);
+
 /// Takes element n in hand: nodal data, material, and the shape table when its nodes differ from the element's before.
-/// Under ITOR 3 the listing gets a line for it.
 template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n);
 
 /// Ends the run: the Jacobian `DET` at point `at` of the element in hand is not positive.

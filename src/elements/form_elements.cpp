@@ -236,6 +236,7 @@ template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word c
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit.elements, n))
             continue;
+        AnnounceElement(run, n);
         TakeElement(visit.elements, n);
         if (visit.elements.points.active.ND > kCorners<Dimension>)
             FormElement<Dimension, 0>(visit);

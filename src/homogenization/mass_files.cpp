@@ -16,6 +16,17 @@ TextUnit& MainUnit(Run& run) {
     return MassUnit(run, run.fit.card.INDDEG);
 }
 
+// Later problems of the deck go on behind the tables of earlier ones; the head of a plain run alone is not kept.
+void OpenMassFile(Run& run, std::int32_t direction) {
+    TextUnit& unit = MassUnit(run, direction);
+    if (IsOpen(unit))
+        return;
+    if (run.units.massTables && !unit.name.empty())
+        ReopenTextUnit(unit);
+    else
+        OpenTextUnit(unit, kFileNames[direction]);
+}
+
 void WriteTitle(TextUnit& unit) {
     Write(unit, "(' NUMBER OF TIME STEPS, POROSITY')");
 }
@@ -42,7 +53,7 @@ void WriteChangeTitle(TextUnit& unit) {
 
 void WritePlainMassFile(Run& run) {
     TextUnit& unit = run.units.massX;
-    OpenTextUnit(unit, kFileNames[1]);
+    OpenMassFile(run, 1);
     WriteTitle(unit);
     Write(unit, "(I10,D14.5)", run.control.state.NDT, run.control.state.POROSITY);
     WriteCoefficientHead(unit);
@@ -55,10 +66,11 @@ void OpenMassFiles(Run& run) {
     for (std::int32_t direction = 1; direction <= 3; ++direction) {
         if (wanted[direction] != 1 && card.INDDEG != direction)
             continue;
-        OpenTextUnit(MassUnit(run, direction), kFileNames[direction]);
+        OpenMassFile(run, direction);
         if (run.control.header.IDIRECTD == 1)
             WriteDirectHeads(run, direction);
     }
+    run.units.massTables = true;
 }
 
 void WriteDirectRow(Run& run, double concentration, double bulk, double equivalent) {

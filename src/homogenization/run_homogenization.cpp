@@ -129,7 +129,7 @@ void CloseDirection(Run& run, bool last) {
     PrintFittedParameters(run);
     WriteBanner(run, "HOMOGENIZATION FINISHED!");
     if (last)
-        fit.IFINALRUN = run.control.state.GraphicsEnabled = 1;
+        fit.IFINALRUN = run.control.state.GraphicsEnabled = run.control.state.SolverReportFlag = 1;
     RunSteps(run, run.control.state.NDT);
 }
 

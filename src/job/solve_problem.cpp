@@ -79,7 +79,7 @@ void SolveProblem(Run& run) {
     state.PrintCounter = 0;
     state.OutletStartOfRun = state.OutletStart;
     state.PassCounter = 1;
-    state.GraphicsEnabled = run.fit.IFINALRUN;
+    state.GraphicsEnabled = state.SolverReportFlag = run.fit.IFINALRUN;
     StartPrescribedValues(run);
     WriteProblemNotes(run);
     if (RunsSeveralTimes(run))

@@ -17,6 +17,7 @@ struct Units {
     TextUnit massX;                    // 57
     TextUnit massY;                    // 0: no number is ever assigned to it
     TextUnit massZ;                    // 59
+    bool massTables = false;           // a fit or the direct calculation has written to these three
     TextUnit messages;                 // 62, MESSAGES.LST
     std::FILE* consoleInput = nullptr; // 5
     std::FILE* scratch15 = nullptr;    // opened, never used

@@ -79,7 +79,7 @@ void ReformEquationNumbers(Run& run) {
 void ReserveFullLayout(Run& run) {
     RunState& state = run.control.state;
     const std::int32_t NP = run.control.header.NP;
-    if (Word{NP} + 1 > 2 * (Word{state.JEDN} + 1))
+    if (state.SparseMode == 0 && Word{NP} + 1 > 2 * (Word{state.JEDN} + 1))
         StopWithLibraryError(
             "deck " + run.deck.name +
             ": more than half of the nodes have no equation; a fit and the direct calculation "

@@ -235,6 +235,9 @@ TEST(Homogenization, RunsThatCanNotBeFittedEnd) {
     EXPECT_TRUE(std::filesystem::exists(twoFiles.folder + "/MASS-X.LST"));
     EXPECT_EQ(twoFiles.mass, "");
     EXPECT_FALSE(std::filesystem::exists(twoFiles.folder + "/MASS-Z.LST"));
+    const std::string deck = Build(grid); // a second problem goes on behind the first one's tables
+    const RunResult twice = RunDeck(deck.substr(0, deck.size() - 5) + "\n" + deck);
+    EXPECT_EQ(CountOf(ReadFile(twice.folder + "/MASS-Y.LST"), "FITTED"), 2);
     grid.cylinders.clear();
     const RunResult plain = RunWell(grid);
     EXPECT_EQ(plain.console.find("HOMOGENIZATION"), std::string::npos);
