@@ -10,7 +10,7 @@ import sys
 import compare_calculix
 from deck_sections import phases_of
 from document import percent, ratio, short, span, table
-from measure import ROOT, make_deck
+from measure import ROOT, WORK, make_deck
 
 # Phases as the reader of the document knows them, each a sum of those of bench/phase_timer.cpp; the rest of a run is
 # clearing the store, the sums of vectors, and the test of convergence.
@@ -101,6 +101,7 @@ def measure_script(name, *for_quick):
         if not os.path.exists(path):
             return {"text": f"Not measured: there is no bench/{name}."}
         printed = subprocess.run([sys.executable, path, *(for_quick if effort.quick else ())], stdout=subprocess.PIPE, text=True, check=True).stdout
+        os.makedirs(WORK, exist_ok=True)  # such a script cleans up behind itself
         return {"text": printed.strip()}
     return measure
 
