@@ -24,12 +24,15 @@ Ended = namedtuple("Ended", "cpu wall memory output")
 
 
 def prepare():
-    """Installs and builds what the benchmarks need; a fresh folder for their files; libraries keep to one thread."""
+    """Installs and builds what the benchmarks need; a fresh folder for their files; libraries keep to one
+    thread and choose their kernels themselves."""
     subprocess.run([os.path.join(ROOT, "setup"), "bench"], check=True)
     shutil.rmtree(WORK, ignore_errors=True)
     os.makedirs(WORK)
     for name in ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS"):
         os.environ[name] = "1"
+    for name in ("OPENBLAS_CORETYPE", "OPENBLAS_L2_SIZE"):  # the library chooses its kernels by the machine, as for a user
+        os.environ.pop(name, None)
 
 
 def pin_to_core():
