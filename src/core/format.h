@@ -1,4 +1,4 @@
-// Writing and reading by edit descriptors.
+// Writing by edit descriptors, and reading of the numbers that such fields and list-directed records hold.
 //
 // Every record of the program carries its format exactly as it is documented, for example
 // "(11X,I10,10X,I5,3(3X,D15.6))". A format is parsed once into a Format and then drives any number of records: one
@@ -34,7 +34,7 @@ struct EditDescriptor {
 struct Format {
     std::vector<EditDescriptor> items;
     std::size_t reversion = 0; // items index where a further pass begins
-    bool hasData = false;      // false: literals alone, no value may be asked for
+    bool hasData = false;      // false: literals alone, it takes no value
     bool reverts = false;      // a pass after the first takes values
 
     Format() = default;
@@ -109,42 +109,6 @@ FieldStatus ReadIntegerField(std::string_view field, std::int32_t& value);
 /// written. Exponents may begin with E, D, Q or with a sign alone. Infinity and NaN are read as Fortran reads them. A
 /// number above the range of a double reads as an infinity; an exponent of five digits is out of range.
 FieldStatus ReadRealField(std::string_view field, int decimals, double& value);
-
-/// Where a read under a format failed: nothing when status is Good.
-struct ReadFailure {
-    FieldStatus status = FieldStatus::Good;
-    int item = 0;     // one-based number of the value that was wanted
-    int column = 0;   // one-based first column of its field
-    std::string text; // the field's characters
-};
-
-/// One record under a format, value by value; columns behind the record's end are blank.
-struct RecordReader {
-    std::string_view record;
-    const Format* format = nullptr;
-    std::size_t next = 0;
-    std::size_t column = 0; // zero-based
-    int item = 0;
-    ReadFailure failure; // the first failure; later values are left alone
-};
-
-void BeginRead(RecordReader& reader, std::string_view record, const Format& format);
-void Get(RecordReader& reader, std::int32_t& value);
-void Get(RecordReader& reader, double& value);
-void Get(RecordReader& reader, std::string& value);
-template <class T> void Get(RecordReader& reader, ArrayView<T> values) {
-    for (Word i = 1; i <= values.length; ++i)
-        Get(reader, values(i));
-}
-
-/// Reads all values from one record under the format; returns the failure, status Good when there is none.
-template <class... Values>
-ReadFailure ReadFixed(std::string_view record, const Format& format, Values&&... values) {
-    RecordReader reader;
-    BeginRead(reader, record, format);
-    (Get(reader, values), ...);
-    return reader.failure;
-}
 
 /// List-directed reading of a sequence of records: blanks, tabs and commas separate, r*c repeats a value, r* and
 /// adjacent commas leave values as they are, '/' ends the statement; semicolons separate as commas do.

@@ -187,7 +187,7 @@ FieldStatus ScanReal(std::string_view text, const RealTextRules& rules, char* ro
     if (scan.next != scan.end && !ScanExponent(scan))
         return FieldStatus::NotANumber;
     if (!scan.exponentSeen)
-        scan.exponent = -rules.scale - (scan.pointSeen ? 0 : rules.decimals);
+        scan.exponent = scan.pointSeen ? 0 : -rules.decimals;
     return ConvertDigits(scan, rules, room, value);
 }
 

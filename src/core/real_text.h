@@ -10,7 +10,6 @@ namespace zurt {
 /// How a text without a point is to be taken.
 struct RealTextRules {
     int decimals = 0; // without point and exponent this many of the last digits are decimals
-    int scale = 0;    // without an exponent the number is divided by 10 to this power
     bool wideExponents =
         false; // exponents of five digits are taken for what they are, else they are out of range
 };

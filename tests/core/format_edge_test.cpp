@@ -116,6 +116,8 @@ TEST(FormatEdge, DeparturesFromTheReferenceCompiler) {
     EXPECT_EQ(NextListReal(scanner, real), ListStatus::Value);
     EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::NotANumber);
     EXPECT_EQ(scanner.text, "1.5");
+    EXPECT_EQ(scanner.itemColumn, 4u);
+    EXPECT_EQ(integer, 7) << "a failure leaves its variable alone";
     // a comma between two record ends is one separator of its own, and a further comma makes a null value
     BeginList(scanner, "1");
     EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Value);
@@ -126,41 +128,6 @@ TEST(FormatEdge, DeparturesFromTheReferenceCompiler) {
     EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Null);
     EXPECT_EQ(NextListInteger(scanner, integer), ListStatus::Value);
     EXPECT_EQ(integer, 2);
-}
-
-// A failure that names the wrong field, or a value changed behind it.
-TEST(FormatEdge, AFailureNamesItsFieldAndLeavesTheRestAlone) {
-    std::int32_t first = 0, second = -1, third = -1;
-    double real = -1.0;
-    const ReadFailure failure =
-        ReadFixed("   12 1.5   3x4    7", "(I5,F4.1,3X,I3,I5)", first, real, second, third);
-    EXPECT_EQ(failure.status, FieldStatus::NotANumber);
-    EXPECT_EQ(failure.item, 3);
-    EXPECT_EQ(failure.column, 13);
-    EXPECT_EQ(failure.text, "3x4");
-    EXPECT_EQ(first, 12);
-    EXPECT_EQ(real, 1.5);
-    EXPECT_EQ(second, -1);
-    EXPECT_EQ(third, -1);
-    ListScanner scanner;
-    BeginList(scanner, "1 ,2x,3");
-    EXPECT_EQ(NextListInteger(scanner, first), ListStatus::Value);
-    EXPECT_EQ(NextListInteger(scanner, first), ListStatus::NotANumber);
-    EXPECT_EQ(scanner.text, "2x");
-    EXPECT_EQ(scanner.itemColumn, 3u);
-    EXPECT_EQ(first, 1);
-}
-
-// More values than one record has places for must end as a failure: the count may come from a deck.
-TEST(FormatEdge, OneRecordGivesNoMoreThanItsFormat) {
-    double values[9] = {};
-    EXPECT_EQ(ReadFixed("1.", "(8D10.4)", RealArray(values, 8)).status, FieldStatus::Good);
-    EXPECT_EQ(ReadFixed("1.", "(8D10.4)", RealArray(values, 9)).item, 9);
-    EXPECT_EQ(ReadFixed("1.", "(D10.4/D10.4)", values[0], values[1]).status, FieldStatus::NotANumber);
-    std::string name, rest;
-    EXPECT_EQ(ReadFixed("ab", "(A4,2X,A)", name, rest).status, FieldStatus::Good);
-    EXPECT_EQ(name, "ab  ");
-    EXPECT_EQ(rest, "");
 }
 
 // Steps behind the record, overflowing counts, digits without end.
@@ -197,7 +164,6 @@ TEST(FormatEdge, DamagedRecordsAreRefusedOrReadWithinTheirBytes) {
 TEST(FormatEdge, RandomBytesEndEveryRead) {
     std::mt19937 random(20240229);
     const std::string likely = "0123456789019.+-eEdDqQ*,;/ \t\r()infanINFA";
-    const Format format("(I5,F8.2,2X,1PD12.4,I3,A4,F60.1)");
     for (int round = 0; round < 20000; ++round) {
         std::string text;
         for (std::size_t length = random() % 90; length > 0; --length)
@@ -205,8 +171,8 @@ TEST(FormatEdge, RandomBytesEndEveryRead) {
         const TightRecord record = MakeTight(text);
         std::int32_t integer = 0;
         double real = 0.0;
-        std::string name;
-        ReadFixed(record.view, format, integer, real, real, integer, name, real);
+        ReadIntegerField(record.view, integer);
+        ReadRealField(record.view, 2, real);
         ListScanner scanner;
         BeginList(scanner, record.view);
         std::size_t items = 0;
