@@ -251,6 +251,11 @@ TEST(Damaged, NodesAndElements) {
         {"free", kElement, "1 14 13 9 10 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
         {"free", kElement, "1 1 1 1 1 1 1 1 1 0 0 1 2 0 0 ", 0, kFailed},
         {"free", kElement, "1 6 5 1 2 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
+        {"lines", "5 0 4. 0. 0. 0. 0\n", "5 0 1. 0. 0. 0. 0\n", 0, "ZERO FOR ELENMENT No. =         2\n"},
+        {"quadrilaterals", "6 0 1. 2. ", "6 0 -1. 2. ", 0,
+         "** ERROR **: JACOBIAN EQUAL OR LESS THEN ZERO FOR ELEMENT No.         1\n"},
+        {"free", "16 1 1 1 2 1 0 3 0 1 0 ", "16 1 1 1 2 1 0 3 3 1 0 ", 0,
+         " ELEMENT....................       1\n ELEMENT....................       2\n"},
         {"free", "1 1 8 0 0 0 0 0 ", "1 1 8 0 0 0 6 0 ", 2, "3D group card, field NGAUSY: \"6\""},
         {"free", "1 1 8 0 0 0 0 0 ", "1 1 8 0 0 -2000000000 0 0 ", 2, "field NGAUSX"},
         {"free", "1 1 8 0 0 0 0 0 ", "1 1 2000000000 0 0 0 0 0 ", 2, "3D mid-side node card"},
@@ -281,6 +286,8 @@ TEST(Damaged, GroupWithoutElements) {
 
 TEST(Damaged, Materials) {
     constexpr const char* kHeader = "1 3 2 1 1 2\n";
+    constexpr const char* kPlain =
+        "0 1 2 0 1 1 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n1 1 \n0 1 \n";
     constexpr const char* kFirst = "1 2 3 1. 1.";
     ExpectFaults({
         {"built-in", kFirst, "4 2 3 1. 1.", 2, "Material card, field NFUN: \"4\": there is no such function"},
@@ -288,6 +295,8 @@ TEST(Damaged, Materials) {
         {"built-in", kFirst, "-1 2 3 1. 1.", 2, "field NFUN: \"-1\""},
         {"built-in", kFirst, "0 2 3 1. 1.", 2, "material 1 has no conduction function for its first axis"},
         {"built-in", "1 2 3 1. 1. 1. 1. 1e6", "0 0 0 1. 1. 1. 1. 0.5", 0, "PREKORACENA MAXIMALNA VREDNOST"},
+        {"built-in", "1 2 3 1. 1. 1. 1. 1e6 -1e6", "0 0 0 1. 1. 1. 1. 1e6 1.5", 0,
+         "PREKORACENA MINIMALNA VREDNOST"},
         {"built-in", kHeader, "1 3 0 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  0"},
         {"built-in", kHeader, "1 3 1 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  1"},
         {"built-in", kHeader, "1 3 2 1 1 0\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTC =  0"},
@@ -298,11 +307,13 @@ TEST(Damaged, Materials) {
         {"built-in", "3 1\n0. 3.", "3 -1\n0. 3.", 2, "field P: \"-1\""},
         {"built-in", "2 2\n-9. 2.\n9. 2.\n3", "2 2\n-9. 2.\n.5 2.\n3", 0,
          "DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    2"},
+        {"free", kPlain,
+         "0 1 2 0 1 2 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n1 2 \n0 1 \n.5 1 \n", 0,
+         "CURVE SPECIFIC HEAT - TEMPERATURE,  No. =    1"},
         {"built-in", "2 2\n-9. 2.\n9. 2.\n0", "3 2\n-9. 2.\n9. 2.\n0", 2,
          "Specific heat curve header, field N: \"3\""},
         {"built-in", "16 1 2 1 2 1 1 3", "16 1 2 -1 2 1 1 3", 2, "a negative NSTAC leaves no room for them"},
-        {"free", "0 1 2 0 1 1 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n1 1 \n0 1 \n",
-         "0 1 2 0 0 0 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n", 2,
+        {"free", kPlain, "0 1 2 0 0 0 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n", 2,
          "material 1 has no capacity curve"},
         {"device", "    1    2\n   -1.0", "    2    2\n   -1.0", 2, "Diffusion curve header, field N: \"2\""},
         {"device", "    1    2\n   -1.0", "    1    3\n   -1.0", 2, "MAXPMAT = 2 points a curve"},

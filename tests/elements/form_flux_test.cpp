@@ -1,6 +1,7 @@
 // Fluxes and coefficients at the nodes, and how a visit treats the working vector and the kinds of run.
 #include "elements/nodal_averaging.h"
 #include "form_model.h"
+#include "group_deck.h"
 
 #include <gtest/gtest.h>
 
@@ -11,19 +12,13 @@ namespace {
 
 using namespace testmodel;
 
-struct Model {
-    zurt::Run run;
-    Model(const Mesh& mesh, const Problem& problem) { BuildModel(run, mesh, problem); }
-    ~Model() { DestroyWorkingVector(run.A); }
-};
-
 RealArray Result(const Run& run, int number) {
     return RealSection(run.A, run.control.at.LNDS[number], run.control.header.NP);
 }
 
 void EvaluateResults(Run& run) {
     run.control.state.ResultsPhaseFlag = 1;
-    DispatchElementPhase(run, run.groups[1], 3, kFormPhase);
+    DispatchElementPhase(run, run.groups[1], run.groups[1].NETIP, kFormPhase);
     AverageNodalResults(run);
 }
 
@@ -68,84 +63,123 @@ TEST(FormFlux, LinearFieldOnADistortedBlock) {
 }
 
 // With D(c) = c the coefficient at a node is the concentration at the Gauss point that stands for it. Faults: a point
-// that stands for another node, another rule than 2 x 2 x 2, a wrong mean at the mid-side nodes.
+// that stands for another node, another rule than two points a direction, a wrong mean at the mid-side nodes, parts along
+// z in the plane.
 TEST(FormFlux, PointsStandForTheirNodes) {
-    constexpr int place[21][3] = {{1, 1, 1},    {-1, 1, 1},  {-1, -1, 1}, {1, -1, 1}, {1, 1, -1}, {-1, 1, -1},
-                                  {-1, -1, -1}, {1, -1, -1}, {0, 1, 1},   {-1, 0, 1}, {0, -1, 1}, {1, 0, 1},
-                                  {0, 1, -1},   {-1, 0, -1}, {0, -1, -1}, {1, 0, -1}, {1, 1, 0},  {-1, 1, 0},
-                                  {-1, -1, 0},  {1, -1, 0},  {0, 0, 0}};
-    Mesh mesh;
-    mesh.elements.emplace_back();
-    for (const auto& at : place) {
-        mesh.nodes.push_back({1.0 * at[0], 1.0 * at[1], 1.0 * at[2]});
-        mesh.elements[0].push_back(static_cast<int>(mesh.nodes.size()));
-    }
-    Problem problem = Device();
-    problem.NGAUS = {3, 1, 3};
-    problem.conduction = {{{0.0, 0.0}, {1000.0, 1000.0}}};
-    Model model(mesh, problem);
-    const auto field = [](double x, double y, double z) { return 200.0 + x + 10.0 * y + 100.0 * z; };
-    for (Word n = 1; n <= 21; ++n)
-        StepSolution(model.run)(n) = field(place[n - 1][0], place[n - 1][1], place[n - 1][2]);
-    EvaluateResults(model.run);
+    const std::vector<Point> brick = {
+        {1, 1, 1},   {-1, 1, 1}, {-1, -1, 1}, {1, -1, 1}, {1, 1, -1},  {-1, 1, -1}, {-1, -1, -1},
+        {1, -1, -1}, {0, 1, 1},  {-1, 0, 1},  {0, -1, 1}, {1, 0, 1},   {0, 1, -1},  {-1, 0, -1},
+        {0, -1, -1}, {1, 0, -1}, {1, 1, 0},   {-1, 1, 0}, {-1, -1, 0}, {1, -1, 0},  {0, 0, 0}};
+    const std::vector<Point> plane = {{1, 1, 0},  {-1, 1, 0}, {-1, -1, 0}, {1, -1, 0}, {0, 1, 0},
+                                      {-1, 0, 0}, {0, -1, 0}, {1, 0, 0},   {0, 0, 0}};
+    const std::vector<Point> line = {{1, 0, 0}, {-1, 0, 0}, {0, 0, 0}};
     const double g = 0.5773502588272095;
-    for (Word n = 1; n <= 21; ++n) {
-        const double D = field(g * place[n - 1][0], g * place[n - 1][1], g * place[n - 1][2]);
-        EXPECT_NEAR(Result(model.run, 8)(n), D, 1e-11) << n;
-        EXPECT_NEAR(Result(model.run, 6)(n), -100.0 * D, 1e-8) << n;
-    }
-}
-
-// Faults: nodal vectors that don't exist without NDS are written, the results phase that assembles.
-TEST(FormFlux, ResultsPhaseLeavesTheSystemAlone) {
-    for (int NDS : {0, 1}) {
+    for (const std::vector<Point>& places : {brick, plane, line}) {
+        const int dimension = places.size() == 21 ? 3 : places.size() == 9 ? 2 : 1;
+        Mesh mesh;
+        mesh.elements.emplace_back();
+        for (const Point& at : places) { // the line lies obliquely
+            mesh.nodes.push_back(dimension > 1 ? at
+                                               : Point{at[0] / 3.0, -2.0 * at[0] / 3.0, 2.0 * at[0] / 3.0});
+            mesh.elements[0].push_back(static_cast<int>(mesh.nodes.size()));
+        }
         Problem problem = Device();
-        problem.NDS = NDS;
-        Model model(DistortedBlock(), problem);
-        Fill(StepSolution(model.run), 1.0);
-        const double before = CoordinateColumn(model.run, 1)(2);
+        problem.dimension = dimension;
+        problem.NGAUS = {3, 1, 3};
+        problem.conduction = {{{0.0, 0.0}, {1000.0, 1000.0}}};
+        Model model(mesh, problem);
+        const auto field = [](const Point& at, double factor) {
+            return 200.0 + factor * (3.0 * at[0] + 10.0 * at[1] + 100.0 * at[2]);
+        };
+        const Point gradient = dimension == 3   ? Point{3.0, 10.0, 100.0}
+                               : dimension == 2 ? Point{3.0, 10.0, 0.0}
+                                                : Point{1.0, -2.0, 2.0};
+        for (std::size_t n = 0; n < places.size(); ++n)
+            StepSolution(model.run)(static_cast<Word>(n) + 1) = field(places[n], 1.0);
         EvaluateResults(model.run);
-        EXPECT_EQ(CoordinateColumn(model.run, 1)(2), before);
-        EXPECT_EQ(SystemEntry(model.run, 1, 1), 0.0);
+        for (std::size_t n = 0; n < places.size(); ++n)
+            for (int axis = 0; axis < 3; ++axis) {
+                const double D = field(places[n], g), slope = gradient[static_cast<std::size_t>(axis)];
+                const Word node = static_cast<Word>(n) + 1;
+                EXPECT_NEAR(Result(model.run, 4 + axis)(node), -D * slope, 1e-8) << node;
+                EXPECT_NEAR(Result(model.run, 7 + axis)(node), axis < dimension ? D : 0.0, 1e-11) << node;
+            }
     }
 }
 
-// Faults: a work block that creeps up from visit to visit, lengths of the block, an absent array that takes room.
+// Faults: a work block that creeps up from visit to visit, lengths of the block, an absent array that takes room, work
+// blocks that stay where they must go.
 TEST(FormVisit, WorkBlockBeginsAtTheSameWordEveryTime) {
-    Problem problem;
-    problem.NSTAC = 1;
-    problem.NonlinearFlag = 1;
-    Model model(DistortedBlock(), problem);
-    testmodel::FormSystem(model.run);
-    const Word LMAX = model.run.A.LMAX;
-    const std::size_t sections = model.run.A.sections.size();
-    EXPECT_EQ(LMAX, model.run.A.LMAXM + 4 * 36 + 64);
-    for (int i = 0; i < 200; ++i)
+    Mesh line, plane;
+    line.nodes = {{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, {0.5, 0.0, 0.0}};
+    line.elements = {{1, 2, 3}};
+    plane.nodes = {{1.0, 1.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}};
+    plane.elements = {{1, 2, 3, 4}};
+    struct Case {
+        Mesh mesh;
+        int dimension, NSTAC;
+        Word words;
+    };
+    for (const Case& one :
+         {Case{DistortedBlock(), 3, 1, 4 * 36 + 64}, Case{DistortedBlock(), 3, 0, 2 * 36 + 64},
+          Case{line, 1, 0, 2 * 6 + 9}, Case{plane, 2, 0, 0}}) {
+        Problem problem;
+        problem.dimension = one.dimension;
+        problem.NSTAC = problem.NonlinearFlag = one.NSTAC;
+        Model model(one.mesh, problem);
         testmodel::FormSystem(model.run);
-    EXPECT_EQ(model.run.A.LMAX, LMAX);
-    EXPECT_EQ(model.run.A.sections.size(), sections);
-
-    Model steady(DistortedBlock(), {});
-    testmodel::FormSystem(steady.run);
-    EXPECT_EQ(steady.run.A.LMAX, steady.run.A.LMAXM + 2 * 36 + 64);
+        EXPECT_EQ(model.run.A.LMAX, model.run.A.LMAXM + one.words);
+        const std::size_t sections = model.run.A.sections.size();
+        for (int i = 0; i < 200; ++i)
+            testmodel::FormSystem(model.run);
+        EXPECT_EQ(model.run.A.LMAX, model.run.A.LMAXM + one.words);
+        EXPECT_EQ(model.run.A.sections.size(), sections);
+    }
 }
 
-// Faults: another time integration that forms elements or says something, the matrix flag ignored.
+// Faults: another time integration that forms elements, or says something for bricks and nothing for lines; the matrix
+// flag ignored.
 TEST(FormVisit, WhatIsNotFormed) {
     Problem problem;
     problem.INTEB = 2;
     Model alpha(DistortedBlock(), problem);
     testmodel::FormSystem(alpha.run);
     EXPECT_EQ(SystemEntry(alpha.run, 1, 1), 0.0);
+    problem.dimension = 1;
+    Mesh line;
+    line.nodes = {{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}};
+    line.elements = {{1, 2}};
+    EXPECT_EQ(ListingOfStop([&](TextUnit& unit) {
+                  Model lines(line, problem);
+                  lines.run.units.console = unit;
+                  testmodel::FormSystem(lines.run);
+              }),
+              " NIJE UGRADJENA ALFA INTEGRACIJA\n");
 
-    problem.INTEB = 1;
-    problem.IZIP = 1;
-    problem.sources = {{{0.0, 1.0}}};
-    Model vector(DistortedBlock(), problem);
+    Problem sources;
+    sources.IZIP = 1;
+    sources.sources = {{{0.0, 1.0}}};
+    Model vector(DistortedBlock(), sources);
     vector.run.control.state.FactorFlag = 0;
     testmodel::FormSystem(vector.run);
     EXPECT_EQ(SystemEntry(vector.run, 1, 1), 0.0);
     EXPECT_NE(RightHandSide(vector.run)(1), 0.0);
+}
+
+TEST(FormVisit, NoRoomForElementMatrices) {
+    Problem problem;
+    problem.size = Model(DistortedBlock(), problem).run.A.LMAXM + 100;
+    const std::string text = ListingOfStop([&](TextUnit& listing) {
+        Model tight(DistortedBlock(), problem);
+        tight.run.units.listing = listing;
+        testmodel::FormSystem(tight.run);
+    });
+    EXPECT_EQ(
+        text.find(
+            " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR\n ELEMENT MATRIX\n REQUIRED DIMENSION, LMAX ="),
+        0U)
+        << text;
+    EXPECT_NE(text.find(" AVAILABLE DIMENSION, NTOTA="), std::string::npos);
 }
 
 } // namespace

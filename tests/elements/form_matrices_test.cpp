@@ -1,4 +1,4 @@
-// Element matrices of the brick against closed forms: patch test, volume, capacity and conduction of a box.
+// Element matrices of bricks, quadrilaterals and lines against closed forms: patch test, measure, conduction of a box.
 //
 // Gauss abscissae carry single precision, so a quadratic integrand is off by some 4e-8 of its size; what holds
 // without it is held to rounding.
@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <random>
@@ -20,51 +21,38 @@ using namespace testmodel;
 
 constexpr double kQuadrature = 2e-7;
 
-struct Model {
-    zurt::Run run;
-    ~Model() { DestroyWorkingVector(run.A); }
-};
-
 // Corner signs and edge ends of the brick's nodes.
 constexpr int kSign[8][3] = {{1, 1, 1},  {-1, 1, 1},  {-1, -1, 1},  {1, -1, 1},
                              {1, 1, -1}, {-1, 1, -1}, {-1, -1, -1}, {1, -1, -1}};
-constexpr int kEdge[12][2] = {{1, 2}, {2, 3}, {3, 4}, {4, 1}, {5, 6}, {6, 7},
-                              {7, 8}, {8, 5}, {1, 5}, {2, 6}, {3, 7}, {4, 8}};
+constexpr std::size_t kEdge[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
+                                      {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
 
 // Straight edges with their mid-side nodes, shared between elements, and for 21 nodes the centres.
 Mesh WithMidSides(Mesh mesh, int columns) {
-    std::vector<std::array<int, 3>> known;
     for (std::vector<int>& element : mesh.elements) {
-        const auto middle = [&](std::vector<int> ends) {
-            Point sum{};
-            for (int node : ends)
+        const auto addMiddle = [&](const std::vector<std::size_t>& ends) {
+            Point middle{};
+            for (std::size_t end : ends)
                 for (std::size_t c = 0; c < 3; ++c)
-                    sum[c] +=
-                        mesh.nodes[static_cast<std::size_t>(node) - 1][c] / static_cast<double>(ends.size());
-            mesh.nodes.push_back(sum);
-            return static_cast<int>(mesh.nodes.size());
+                    middle[c] += mesh.nodes[static_cast<std::size_t>(element[end]) - 1][c] /
+                                 static_cast<double>(ends.size());
+            auto known = std::find(mesh.nodes.begin(), mesh.nodes.end(), middle);
+            if (known == mesh.nodes.end())
+                known = mesh.nodes.insert(known, middle);
+            element.push_back(static_cast<int>(known - mesh.nodes.begin()) + 1);
         };
-        const std::vector<int> corners(element.begin(), element.begin() + 8);
-        for (const auto& edge : kEdge) {
-            const int a = corners[static_cast<std::size_t>(edge[0] - 1)],
-                      b = corners[static_cast<std::size_t>(edge[1] - 1)];
-            int found = 0;
-            for (const auto& entry : known)
-                if (entry[0] == std::min(a, b) && entry[1] == std::max(a, b))
-                    found = entry[2];
-            if (found == 0) {
-                found = middle({a, b});
-                known.push_back({std::min(a, b), std::max(a, b), found});
-            }
-            element.push_back(found);
-        }
-        element.push_back(columns == 21 ? middle(corners) : 0);
+        for (const auto& edge : kEdge)
+            addMiddle({std::min(edge[0], edge[1]), std::max(edge[0], edge[1])});
+        if (columns == 21)
+            addMiddle({0, 1, 2, 3, 4, 5, 6, 7});
+        else
+            element.push_back(0);
     }
     return mesh;
 }
 
 // 2 x 2 x 2 bricks; the corners off the surface and on it are moved about when `distortion` is not 0, and the whole is
-// sheared.
+// sheared, its volume being 8 times 0.994.
 Mesh Patch(int columns, double distortion) {
     const Mesh mesh = BlockOfBricks(2, 2, 2, [&](int i, int j, int k) {
         const double x = i + distortion * ((2 * i + 3 * j + 5 * k) % 7),
@@ -75,18 +63,47 @@ Mesh Patch(int columns, double distortion) {
     return columns == 8 ? mesh : WithMidSides(mesh, columns);
 }
 
-// Faults: a wrong derivative, Jacobian, shape correction or assembly position; terms of one axis in another.
+// 2 x 2 quadrilaterals of 4, 8 or 9 nodes with straight sides, their corners off the unit grid when `distortion` is not 0.
+// The nodes stand on a grid twice as fine; those that no element takes stay alone.
+Mesh Plane(int columns, double distortion) {
+    const auto corner = [&](int i, int j) {
+        return Point{i + distortion * ((2 * i + 3 * j) % 4) + 0.3 * j, j - distortion * ((i + j) % 3), 7.0};
+    };
+    Mesh mesh;
+    for (int j = 0; j < 5; ++j)
+        for (int i = 0; i < 5; ++i) {
+            Point at{};
+            for (int a : {i / 2, (i + 1) / 2})
+                for (int b : {j / 2, (j + 1) / 2})
+                    for (std::size_t c = 0; c < 3; ++c)
+                        at[c] += 0.25 * corner(a, b)[c];
+            mesh.nodes.push_back(at);
+        }
+    constexpr int place[9][2] = {{2, 2}, {0, 2}, {0, 0}, {2, 0}, {1, 2}, {0, 1}, {1, 0}, {2, 1}, {1, 1}};
+    for (int j : {0, 2})
+        for (int i : {0, 2}) {
+            mesh.elements.emplace_back();
+            for (int k = 0; k < (columns == 4 ? 4 : 9); ++k)
+                mesh.elements.back().push_back(k < columns ? 1 + i + place[k][0] + 5 * (j + place[k][1]) : 0);
+        }
+    return mesh;
+}
+
+// Faults: a wrong derivative, Jacobian, shape correction or assembly position; terms of one axis in another; a residual of
+// the wrong sign.
 TEST(FormMatrices, PatchTest) {
-    for (int columns : {8, 20, 21})
+    for (const auto& [dimension, columns] : {std::pair{3, 8}, {3, 20}, {3, 21}, {2, 4}, {2, 8}, {2, 9}})
         for (double distortion : {0.0, 0.03}) {
+            const bool plane = dimension == 2;
             Problem problem;
             problem.NonlinearFlag = 1;
-            problem.NDS = 1;
-            problem.NGAUS = columns == 8 ? std::array<int, 3>{2, 2, 2} : std::array<int, 3>{3, 3, 3};
+            problem.dimension = dimension;
+            problem.NDS = plane ? 0 : 1;
+            if (columns != 1 << dimension)
+                problem.NGAUS = {3, 3, 3};
             problem.conduction = {{{0.0, 2.5}}};
-            Model model;
-            const Mesh mesh = Patch(columns, distortion);
-            BuildModel(model.run, mesh, problem);
+            const Mesh mesh = plane ? Plane(columns, distortion) : Patch(columns, distortion);
+            Model model(mesh, problem);
             const RealArray T = StepSolution(model.run), R = RightHandSide(model.run);
             for (Word n = 1; n <= T.length; ++n) {
                 const Point& at = mesh.nodes[static_cast<std::size_t>(n) - 1];
@@ -100,55 +117,43 @@ TEST(FormMatrices, PatchTest) {
             }
             EXPECT_GT(largest, 0.1);
             EXPECT_NEAR(total, 0.0, 1e-12 * largest); // what flows in through the closed surface flows out
-            EXPECT_NEAR(R(14), 0.0, (distortion == 0.0 ? 1e-12 : kQuadrature) * largest) << columns;
+            for (Word inner :
+                 plane ? std::vector<Word>{7, 8, 9, 12, 13, 14, 17, 18, 19} : std::vector<Word>{14})
+                EXPECT_NEAR(R(inner), 0.0, (distortion == 0.0 ? 1e-12 : kQuadrature) * largest) << columns;
         }
 }
 
-double BoxVolume(const Mesh& mesh, const std::vector<int>& element) {
-    // Trilinear brick: detJ integrated exactly by the three-point rule in full double precision.
-    const double x[3] = {-std::sqrt(0.6), 0.0, std::sqrt(0.6)}, w[3] = {5.0 / 9.0, 8.0 / 9.0, 5.0 / 9.0};
-    double volume = 0.0;
-    for (int a = 0; a < 3; ++a)
-        for (int b = 0; b < 3; ++b)
-            for (int c = 0; c < 3; ++c) {
-                double J[3][3] = {};
-                const double at[3] = {x[a], x[b], x[c]};
-                for (int k = 0; k < 8; ++k)
-                    for (int d = 0; d < 3; ++d) {
-                        double slope = kSign[k][d] / 8.0;
-                        for (int e = 0; e < 3; ++e)
-                            if (e != d)
-                                slope *= 1.0 + kSign[k][e] * at[e];
-                        const Point& place =
-                            mesh.nodes[static_cast<std::size_t>(element[static_cast<std::size_t>(k)]) - 1];
-                        for (std::size_t i = 0; i < 3; ++i)
-                            J[d][i] += slope * place[i];
-                    }
-                volume += w[a] * w[b] * w[c] *
-                          (J[0][0] * (J[1][1] * J[2][2] - J[1][2] * J[2][1]) -
-                           J[0][1] * (J[1][0] * J[2][2] - J[1][2] * J[2][0]) +
-                           J[0][2] * (J[1][0] * J[2][1] - J[1][1] * J[2][0]));
-            }
-    return volume;
-}
-
-// Faults: a capacity that isn't divided by the step, weights or determinants wrong, functions that don't sum to one.
-TEST(FormMatrices, CapacitySumsToVolume) {
-    for (int columns : {8, 20, 21}) {
+// The capacities of a group sum to its measure. Faults: a capacity that isn't divided by the step, weights wrong; a radius
+// from the wrong row (x for lines, y for quadrilaterals) or without INDAX, a factor of two pi, a thickness that acts, an
+// area that does not; a length along x.
+TEST(FormMatrices, CapacitySumsToTheMeasure) {
+    Mesh plane, line;
+    plane.nodes = {{103.0, 14.0, 9.0}, {100.0, 14.0, 9.0}, {100.0, 12.0, 9.0}, {103.0, 12.0, 9.0}};
+    plane.elements = {{1, 2, 3, 4}};
+    line.nodes = {{13.0, 104.0, 5.0}, {10.0, 100.0, 5.0}};
+    line.elements = {{1, 2}};
+    struct Case {
+        Mesh mesh;
+        int dimension, INDAX;
+        std::vector<double> thickness;
+        double expected;
+    };
+    for (const Case& one :
+         {Case{Patch(8, 0.0), 3, 0, {}, 8.0 * 0.994}, Case{Patch(20, 0.0), 3, 0, {}, 8.0 * 0.994},
+          Case{Patch(21, 0.0), 3, 0, {}, 8.0 * 0.994}, Case{plane, 2, 0, {}, 6.0},
+          Case{plane, 2, 1, {}, 6.0 * 13.0}, Case{plane, 2, 0, {8.0}, 6.0}, Case{line, 1, 0, {}, 5.0},
+          Case{line, 1, 0, {0.5}, 2.5}, Case{line, 1, -1, {0.5}, 2.5 * 11.5}}) {
         Problem problem;
+        problem.dimension = one.dimension;
+        problem.INDAX = one.INDAX;
+        problem.thickness = one.thickness;
         problem.NSTAC = 1;
         problem.TimeStep = 0.25;
         problem.NGAUS = {3, 3, 3};
         problem.capacity = {{{0.0, 4.0}}};
-        Model model;
-        const Mesh mesh = Patch(columns, 0.03);
-        BuildModel(model.run, mesh, problem);
+        Model model(one.mesh, problem);
         testmodel::FormSystem(model.run);
-        double volume = 0.0;
-        for (const std::vector<int>& element : mesh.elements)
-            volume += BoxVolume(mesh, element);
-        const double sum = SystemSum(model.run);
-        EXPECT_NEAR(sum, 4.0 / 0.25 * volume, 4.0 * kQuadrature * sum) << columns; // K sums to zero
+        EXPECT_NEAR(SystemSum(model.run), 16.0 * one.expected, 1e-5 * one.expected); // K sums to zero
     }
 }
 
@@ -196,8 +201,7 @@ TEST(FormMatrices, BoxAgainstClosedForm) {
             problem.functions = {expected.functions, {1, 1, 1}};
             problem.multipliers = {2.0, 5.0, 7.0};
             problem.capacity = {{{0.0, 11.0}}, {{0.0, 1.0}}};
-            Model model;
-            BuildModel(model.run, Box(), problem);
+            Model model(Box(), problem);
             testmodel::FormSystem(model.run);
             for (int i = 0; i < 8; ++i)
                 for (int j = 0; j < 8; ++j) {
@@ -209,6 +213,23 @@ TEST(FormMatrices, BoxAgainstClosedForm) {
         }
 }
 
+// Faults: a third node 0 that counts.
+TEST(FormMatrices, LineWithoutItsThirdNode) {
+    Problem problem;
+    problem.dimension = 1;
+    Mesh two, three;
+    two.nodes = three.nodes = {{1.0, 2.0, 3.0}, {2.0, 0.0, 5.0}};
+    two.elements = {{1, 2}};
+    three.elements = {{1, 2, 0}};
+    Model line(two, problem), curved(three, problem);
+    testmodel::FormSystem(line.run);
+    testmodel::FormSystem(curved.run);
+    EXPECT_NEAR(SystemEntry(line.run, 1, 2), -1.0 / 3.0, 1e-12);
+    for (Word i = 1; i <= 2; ++i)
+        for (Word j = 1; j <= 2; ++j)
+            EXPECT_EQ(SystemEntry(curved.run, i, j), SystemEntry(line.run, i, j));
+}
+
 // Faults: a shape table kept for an element with other mid-side nodes, compressed places wrong.
 TEST(FormMatrices, MixedElementsOfOneGroup) {
     Mesh mesh = Patch(21, 0.03);
@@ -217,16 +238,14 @@ TEST(FormMatrices, MixedElementsOfOneGroup) {
             if ((n + k) % (n + 1) != 0 || n == 3)
                 mesh.elements[n][k] =
                     0; // element 4 has corners alone, the others every (n + 1)th mid-side node
-    Model all;
-    BuildModel(all.run, mesh, {});
+    Model all(mesh, {});
     testmodel::FormSystem(all.run);
     const Word JEDN = all.run.control.state.JEDN;
     std::vector<double> sum(static_cast<std::size_t>(JEDN * JEDN));
     for (const std::vector<int>& element : mesh.elements) {
         Mesh one = mesh;
         one.elements = {element};
-        Model alone;
-        BuildModel(alone.run, one, {});
+        Model alone(one, {});
         testmodel::FormSystem(alone.run);
         for (Word i = 1; i <= JEDN; ++i)
             for (Word j = 1; j <= JEDN; ++j)

@@ -202,6 +202,15 @@ inline void BuildModel(Run& run, const Mesh& mesh, const Problem& problem) {
     TakeSolverVectors(run);
 }
 
+/// A run with the model in it, for as long as a test needs it.
+struct Model {
+    Run run;
+    Model(const Mesh& mesh, const Problem& problem) { BuildModel(run, mesh, problem); }
+    ~Model() { DestroyWorkingVector(run.A); }
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+};
+
 // What one forming visit adds to a cleared system.
 inline void FormSystem(Run& run) {
     if (run.control.state.SparseMode == 1)

@@ -2,6 +2,7 @@
 // coefficients come from.
 #include "elements/gather.h"
 #include "form_model.h"
+#include "group_deck.h"
 
 #include <gtest/gtest.h>
 
@@ -13,12 +14,6 @@ namespace {
 using namespace testmodel;
 
 constexpr double kQuadrature = 2e-7;
-
-struct Model {
-    zurt::Run run;
-    Model(const Mesh& mesh, const Problem& problem) { BuildModel(run, mesh, problem); }
-    ~Model() { DestroyWorkingVector(run.A); }
-};
 
 Mesh Block(std::vector<int> held = {}) {
     Mesh mesh = BlockOfBricks(2, 1, 1, [](int i, int j, int k) {
@@ -80,21 +75,6 @@ void CheckResidual(int NonlinearFlag) {
 TEST(FormTerms, TimeTermAndResidual) {
     CheckResidual(1);
     CheckResidual(0); // a linear transient problem reads the solution all the same
-}
-
-// Faults: a steady linear problem that reads the solution vector, so that its one solve is not the solution; a steady
-// one divided by a step of 0.
-TEST(FormTerms, SteadyLinearTakesTheLoadAlone) {
-    Problem problem;
-    problem.TimeStep = 0.0;
-    problem.OutletEnd = 2.0;
-    Model model(Block({1}), problem);
-    SetSolution(model.run);
-    testmodel::FormSystem(model.run);
-    Model full(Block(), problem);
-    testmodel::FormSystem(full.run);
-    for (Word i = 1; i <= model.run.control.state.JEDN; ++i)
-        EXPECT_NEAR(RightHandSide(model.run)(i), -2.0 * SystemEntry(full.run, i + 1, 1), 1e-14);
 }
 
 // Faults: the order of precedence of list, equation and outlet; the second form of the gather taken for the first.
@@ -240,6 +220,45 @@ TEST(FormTerms, NonlinearMaterialTables) {
             2.0 * ((-1.1699999570846558 - T * T * 7.49e-07) * T + T * T * 0.00253 + 1016.47998046875);
         EXPECT_NEAR(-Sum(RightHandSide(model.run)) / ((table ? 7.0 : c) * kVolume * T), 1.0, kQuadrature);
     }
+}
+
+// Faults: the factor of a potential missing under ITOR 2 or there without it; a derivative by x alone.
+TEST(FormTerms, SourceOfAPotential) {
+    for (int ITOR : {0, 2}) {
+        Problem problem;
+        problem.dimension = 2;
+        problem.ITOR = ITOR;
+        problem.IZIP = 1;
+        problem.sources = {{{0.0, 0.5}}, {{0.0, 1.0}}};
+        Mesh mesh;
+        for (int n = 0; n < 25; ++n)
+            mesh.nodes.push_back({n % 5 + 0.3 * (n / 5), 1.0 * (n / 5) - 0.2 * (n % 5), 0.0});
+        mesh.elements = {{13, 11, 1, 3, 12, 6, 2, 8, 7}, {25, 23, 13, 15, 24, 18, 14, 20, 19}};
+        Model model(mesh, problem);
+        zurt::Run& run = model.run;
+        run.control.header.PotentialFunctionSize = 25;
+        run.control.at.LPOT = TakeWords(run.A, "LPOT", 25);
+        run.A.LMAXM = run.A.LMAX;
+        for (Word n = 1; n <= 25; ++n) {
+            const Point& at = mesh.nodes[static_cast<std::size_t>(n) - 1];
+            RealSection(run.A, run.control.at.LPOT, 25)(n) = 2.0 * at[0] - 3.0 * at[1];
+        }
+        testmodel::FormSystem(run);
+        EXPECT_NEAR(Sum(RightHandSide(run)) / (8.0 * 1.06), ITOR == 2 ? 13.0 * 0.5 : 0.5, 1e-6);
+    }
+}
+
+// The mean rate is formed for every group, whether its elements have sources or not.
+TEST(FormTerms, OneSourceMustReachTheEndOfTheStep) {
+    Problem problem;
+    problem.sources = {{{0.0, 1.0}, {1.0, 2.0}}};
+    problem.TIME = 1.5;
+    EXPECT_NE(ListingOfStop([&](TextUnit& listing) {
+                  Model model(Block(), problem);
+                  model.run.units.listing = listing;
+                  testmodel::FormSystem(model.run);
+              }).find(" CURVE HEAT SOURCE - TIME,  No. =    1\n ARGUMENT TIME, TIME =  1.5000E+00\n"),
+              std::string::npos);
 }
 
 } // namespace

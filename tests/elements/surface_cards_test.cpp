@@ -161,26 +161,6 @@ TEST(SurfaceCards, NumbersOutsideTheirTablesAreDeckErrors) {
     EXPECT_EQ(FieldsOf(*run, run->groups[1], 1, 3), Fields({1, 0, 0, 0, 77}));
 }
 
-// Faults: a block of another length, not cleared (the words of `A` are stale), or written beyond the end of `A`.
-TEST(SurfaceCards, StorageOfEveryFamily) {
-    RunPointer run = MakeGroups("0/\n0/\n0/\n", 1, {1, 2, 3});
-    const Word first = run->A.LMAX;
-    ReadSurfaceData(*run);
-    Word expected = first;
-    for (std::int32_t g = 1; g <= 3; ++g) {
-        EXPECT_EQ(run->groups[g].LNSURF, expected);
-        EXPECT_EQ(run->groups[g].LISURF, expected + 3);
-        expected += 3 + 10 * g * 3;
-    }
-    EXPECT_EQ(run->A.LMAX, expected);
-    for (Word w = first; w < expected; ++w)
-        ASSERT_EQ(RealSection(run->A, w, 1)(1), 0.0) << w;
-    RunPointer small = MakeGroups("0/\n", 1, {2}, 6 + 12 + 40);
-    test::ListOnStandardError(*small);
-    EXPECT_EXIT(ReadSurfaceData(*small), testing::ExitedWithCode(0),
-                "FOR READ IN INPUT DATA\n REQUIRED DIMENSION, LMAX =        76\n");
-}
-
 // Faults: an echo of the card's numbers instead of the stored ones, an echo under NULAZ 2.
 TEST(SurfaceCards, EchoShowsWhatIsStored) {
     for (std::int32_t NULAZ = 1; NULAZ <= 3; ++NULAZ) {
