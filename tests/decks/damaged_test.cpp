@@ -298,8 +298,12 @@ TEST(Damaged, Materials) {
         {"built-in", "1 2 3 1. 1. 1. 1. 1e6 -1e6", "0 0 0 1. 1. 1. 1. 1e6 1.5", 0,
          "PREKORACENA MINIMALNA VREDNOST"},
         {"built-in", kHeader, "1 3 0 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  0"},
-        {"built-in", kHeader, "1 3 1 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  1"},
-        {"built-in", kHeader, "1 3 2 1 1 0\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTC =  0"},
+        {"built-in", kHeader, "1 3 1 1 1 2\n", 0,
+         " ERROR IN INPUT DATA FOR CONDUCTION COEFFICIENT:\n  MATERIAL NUMBER =  2\n  NUMBER POINTS ON CURVE "
+         "=  2\n  MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  1\n"},
+        {"built-in", kHeader, "1 3 2 1 1 1\n", 0,
+         " ERROR IN INPUT DATA FOR SPECIFIC HEAT:\n  MATERIAL NUMBER =  2\n  NUMBER POINTS ON CURVE =  2\n  "
+         "MAXIMAL NUMBER POINTS ON CURVE , MAXTC =  1\n"},
         {"built-in", kHeader, "1 2 2 1 1 2\n", 2, "field NFUN: \"3\""},
         {"built-in", kHeader, "1 3 2 1 2 2\n", 2, "Specific heat curve header, field N: \"0\""},
         {"built-in", "3 1\n0. 3.", "4 1\n0. 3.", 2, "Conduction function header, field N: \"4\""},

@@ -120,21 +120,16 @@ Evaluation Evaluate(double TIME, const std::int32_t (&active)[4], const std::int
     return evaluation;
 }
 
-TEST(TimeFunctionValues, PassesOverInactiveEntries) {
-    const Evaluation at = Evaluate(1.5, {1, 0, -3, 0}, {1, 1, 2, 1});
-    EXPECT_EQ(at.out[0], 30.0);
-    EXPECT_EQ(at.out[1], kUntouched);
-    EXPECT_EQ(at.out[2], 100.0);
-    EXPECT_EQ(at.out[3], kUntouched);
-}
-
-// A value set back to 0 between entries, or the curve's end value read where the running value must stand.
+// A value set back to 0 between entries, or the curve's end value read where the running value must stand; an entry that
+// is not active evaluated.
 TEST(TimeFunctionValues, EntryAtTheEndOfItsFunctionTakesTheValueBefore) {
-    const Evaluation at = Evaluate(4.0, {1, 1, 0, 1}, {1, 2, 2, 1});
+    const Evaluation at = Evaluate(4.0, {1, -3, 0, 1}, {1, 2, 2, 1});
     EXPECT_EQ(at.undefined, 0);
     EXPECT_EQ(at.out[0], 0.0);
     EXPECT_EQ(at.out[1], 100.0);
+    EXPECT_EQ(at.out[2], kUntouched);
     EXPECT_EQ(at.out[3], 100.0);
+    EXPECT_EQ(Evaluate(1.5, {1, 0, 1, 0}, {1, 1, 2, 1}).out[0], 30.0);
 }
 
 TEST(TimeFunctionValues, NamesTheFunctionThatIsNotDefined) {

@@ -62,20 +62,18 @@ TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
             EXPECT_EQ(run->deck.nextLine, 2);
             EXPECT_TRUE(Contains(ListingOf(*run),
                                  "ALL POINTS HAVE SAME INITIAL CONCENTRATION.. CINITAL =0.2500D+01\n"));
+            const RunPointer channel = StartRun(deck, NPOC, INDFOR);
+            channel->control.header.NANOCH = 2;
+            ReadInitialConditions(*channel);
+            EXPECT_EQ(ListingOf(*channel), "") << "no echo is asked for";
+            channel->deck.nextLine = 0;
+            channel->control.header.NULAZ = 3;
+            ReadInitialConditions(*channel);
+            EXPECT_TRUE(
+                Contains(ListingOf(*channel),
+                         " POINTS IN NANOCHANNEL HAVE INTIAL CONCENTRATION,  ...CINITAL =0.2500D+01\n"));
         }
     }
-}
-
-TEST(InitialConditions, EchoOfReservoirModelsDiffersAndWithoutEchoIsSilent) {
-    const RunPointer run = StartRun("1.0\n", 1);
-    run->control.header.NULAZ = 3;
-    run->control.header.NANOCH = 2;
-    ReadInitialConditions(*run);
-    EXPECT_TRUE(Contains(ListingOf(*run),
-                         " POINTS IN NANOCHANNEL HAVE INTIAL CONCENTRATION,  ...CINITAL =0.1000D+01\n"));
-    const RunPointer silent = StartRun("1.0\n", 1);
-    ReadInitialConditions(*silent);
-    EXPECT_EQ(ListingOf(*silent), "");
 }
 
 // Lists over several cards, ranges up, down and of one node, and the order lists before ranges.
@@ -134,16 +132,8 @@ TEST(InitialConditionsDeathTest, RangeMustMeetItsLastNode) {
                 "CVOT BROJ=");
 }
 
-TEST(InitialConditionsDeathTest, NumbersOutsideTheNodesAreDeckErrors) {
-    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 1, 0) + "    4   41\n", 2)), testing::ExitedWithCode(2),
-                "line 2, Initial value node list, field NODE: \"41\"");
-    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 1, 0) + "   -4\n", 2)), testing::ExitedWithCode(2),
-                "field NODE: \"-4\"");
-    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(41, 1, 42), 2)), testing::ExitedWithCode(2),
-                "line 2, Initial value range, field N1: \"41\"");
-    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(1, 1, 41), 2)), testing::ExitedWithCode(2),
-                "field N2: \"41\"");
-    // In a free deck the card that opens the group is also its list, and never ends.
+// In a free deck the card that opens the group is also its list, and never ends.
+TEST(InitialConditionsDeathTest, FreeDecksHaveNoGroups) {
     EXPECT_EXIT(ReadListed(StartRun(
                     "    4    4    4    4    4    4    4    4    4    4    4    4    4    4\n", 2, 1)),
                 testing::ExitedWithCode(2), "Initial value node list: .*fixed format decks");

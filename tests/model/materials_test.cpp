@@ -33,11 +33,6 @@ RunPointer MaterialRun(const std::string& deck, const Header& header, std::int32
     return run;
 }
 
-void ReadListed(const RunPointer& run) {
-    test::ListOnStandardError(*run);
-    ReadMaterials(*run);
-}
-
 double Lookup(ConstRealTable pairs, ConstIntArray points, std::int32_t curve, double x) {
     double y = -1.0;
     std::int32_t n = 0;
@@ -115,34 +110,6 @@ TEST(Materials, SpecificHeatOfASteadyProblemIsReadAndDropped) {
     EXPECT_EQ(SpecificHeatPoints(*run).length, 0);
 }
 
-TEST(MaterialsDeathTest, CurvesThatDoNotFit) {
-    const std::string material = "0 0 0 1 1 1 8 300 200\n";
-    EXPECT_EXIT(ReadListed(MaterialRun(material + "2 4\n", {1, 2, 3, 0, 0, 0, 1})),
-                testing::ExitedWithCode(0),
-                "ERROR IN INPUT DATA FOR CONDUCTION COEFFICIENT:\n.*MATERIAL NUMBER =  2\n"
-                ".*NUMBER POINTS ON CURVE =  4\n.*MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  3\n");
-    EXPECT_EXIT(ReadListed(MaterialRun(material + "1 3\n", {1, 0, 0, 0, 1, 2, 1})),
-                testing::ExitedWithCode(0),
-                "ERROR IN INPUT DATA FOR SPECIFIC HEAT:\n.*MATERIAL NUMBER =  1\n"
-                ".*NUMBER POINTS ON CURVE =  3\n.*MAXIMAL NUMBER POINTS ON CURVE , MAXTC =  2\n");
-    EXPECT_EXIT(ReadListed(MaterialRun(material + "1 0\n0 1\n", {1, 1, 0, 0, 0, 0, 1})),
-                testing::ExitedWithCode(0), "MAXTK =  0\n");
-}
-
-TEST(MaterialsDeathTest, NumbersWithoutAPlaceAreDeckErrors) {
-    const std::string material = "0 0 0 1 1 1 8 300 200\n";
-    const auto read = [](const std::string& deck) { ReadListed(MaterialRun(deck, {1, 2, 3, 0, 1, 3, 1})); };
-    EXPECT_EXIT(read("3 0 0 1 1 1 8 300 200\n"), testing::ExitedWithCode(2),
-                "line 1, Material card, field NFUN: \"3\"");
-    EXPECT_EXIT(read("-1 0 0 1 1 1 8 300 200\n"), testing::ExitedWithCode(2), "field NFUN: \"-1\"");
-    EXPECT_EXIT(read("1 -1 3 1 1 1 8 300 200\n"), testing::ExitedWithCode(2), "field NFUN: \"3\"");
-    EXPECT_EXIT(read(material + "3 1\n"), testing::ExitedWithCode(2),
-                "line 2, Conduction function header, field N: \"3\"");
-    EXPECT_EXIT(read(material + "1 -1\n"), testing::ExitedWithCode(2), "field P: \"-1\"");
-    EXPECT_EXIT(read(material + "1 1\n0 1\n2 1\n0 1\n2 1\n"), testing::ExitedWithCode(2),
-                "line 6, Specific heat curve header, field N: \"2\"");
-}
-
 RunPointer DiffusionRun(const std::string& deck, std::int32_t NMATT, std::int32_t MAXPMAT,
                         std::int32_t INDFOR = 2) {
     RunPointer run = MakeRun(deck, INDFOR);
@@ -173,15 +140,6 @@ TEST(DiffusionCurves, ReadByColumnsWithZerosAsOnes) {
     EXPECT_EQ(DiffusionPoints(*run)(2), 0);
     EXPECT_EQ(Diffusion(*run, 2, 1.0), 0.0) << "the table is cleared ahead of the cards";
     EXPECT_EQ(DiffusionTable(*run)(1, 4), 0.0);
-}
-
-TEST(DiffusionCurvesDeathTest, CurvesWithoutAPlaceAreDeckErrors) {
-    EXPECT_EXIT(DiffusionRun("    3    1\n", 2, 4), testing::ExitedWithCode(2),
-                "line 1, Diffusion curve header, field N: \"3\"");
-    EXPECT_EXIT(DiffusionRun("    1    5\n", 2, 4), testing::ExitedWithCode(2),
-                "field P: \"5\".*MAXPMAT = 4");
-    EXPECT_EXIT(DiffusionRun("    1\n", 2, 0), testing::ExitedWithCode(2), "field P: \"1\".*MAXPMAT = 0");
-    EXPECT_EXIT(DiffusionRun("1,2\n", 1, 4, 1), testing::ExitedWithCode(2), "fixed format decks");
 }
 
 } // namespace

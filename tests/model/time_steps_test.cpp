@@ -68,23 +68,5 @@ TEST(TimeSteps, ReportListsEveryPeriod) {
     EXPECT_TRUE(Contains(listing, "TOTAL TIME = 0.10000D+01"));
 }
 
-TEST(TimeStepsDeathTest, SenselessCountsAndFullStorageEndTheRun) {
-    EXPECT_EXIT(ReadSteps("1\n1\n", -1), testing::ExitedWithCode(2), "field NPER: \"-1\"");
-    EXPECT_EXIT(ReadSteps("2147483647 1\n1 1\n", 2), testing::ExitedWithCode(2),
-                "field NKDT: \"2147483648\"");
-    EXPECT_EXIT(ReadSteps("1 2\n1.0 x\n", 2), testing::ExitedWithCode(2),
-                "line 2, Step size cards, field DTDT: \"x\"");
-    EXPECT_EXIT(
-        {
-            RunPointer run = MakeRun("2147483647\n1\n", 1);
-            test::ListOnStandardError(*run);
-            run->control.header.NPER = 1;
-            TakePeriodTables(*run);
-            ReadTimeSteps(*run, 0);
-            TakeStepList(*run);
-        },
-        testing::ExitedWithCode(0), "REQUIRED DIMENSION, LMAX =2147483650");
-}
-
 } // namespace
 } // namespace zurt

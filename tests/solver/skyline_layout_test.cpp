@@ -49,16 +49,6 @@ TEST(SkylineLayout, TheLastGroupTurnsHeightsIntoPointersInTheSameSlot) {
     EXPECT_EQ(layout.NWK, 11);
 }
 
-TEST(SkylineLayout, SmallestSystems) {
-    Integers one{0, 77};
-    EXPECT_EQ(zurt::MakeColumnPointers(View(one), 1), 1);
-    EXPECT_EQ(one, (Integers{1, 2}));
-    Integers none{77};
-    EXPECT_EQ(zurt::MakeColumnPointers(View(none), 0), 0)
-        << "no equations: nothing beyond the one entry is touched";
-    EXPECT_EQ(none, (Integers{1}));
-}
-
 // Fault: the sum of the heights wraps around in 32 bits and an absurd deck passes the test of storage.
 TEST(SkylineLayout, SizeBeyond32BitsIsExact) {
     const Word JEDN = 70000;

@@ -80,28 +80,6 @@ void CheckWhole(const Model& model) {
     }
 }
 
-// The entry of the last operation, found by a plain search from the root, and the path up from where that ended.
-void CheckEntry(const Model& model, std::int64_t key) {
-    const SparseTree& tree = zurt::CurrentSparseTree();
-    const SparseNode* node = tree.root;
-    const SparseNode* above = &tree.sentinel;
-    while (node != &tree.sentinel && node->key != key) {
-        above = node;
-        node = key < node->key ? node->left : node->right;
-    }
-    const auto expected = model.find(key);
-    ASSERT_EQ(node != &tree.sentinel, expected != model.end());
-    if (expected != model.end()) {
-        ASSERT_EQ(node->value, expected->second);
-        above = node;
-    }
-    for (node = above; node != &tree.sentinel; node = node->parent) {
-        const bool linked = node == tree.root || node == node->parent->left || node == node->parent->right;
-        ASSERT_TRUE(linked);
-        ASSERT_FALSE(node->color == zurt::kRed && node->parent->color == zurt::kRed);
-    }
-}
-
 void Add(Model& model, Place place, double value) {
     zurt::SparseAddEntry(place.row, place.column, value);
     if (value == 0.0)
@@ -141,13 +119,13 @@ TEST(SparseTree, EqualsAMapAfterEachOf100000Operations) {
     zurt::SparseKill(0);
 }
 
-// The same in a tree of thousands of nodes: all of it every 500 operations, the place concerned every time.
+// The same in a tree of thousands of nodes, all of it looked at every 2000 operations.
 TEST(SparseTree, EqualsAMapInAWideTree) {
     std::mt19937 random(2);
     Model model;
     zurt::SparseInit(0, 0);
     std::vector<Place> places;
-    for (int operation = 0; operation < 100000 && !HasFatalFailure(); ++operation) {
+    for (int operation = 1; operation <= 100000 && !HasFailure(); ++operation) {
         Place place{static_cast<std::int32_t>(random() % 300) + 1,
                     static_cast<std::int32_t>(random() % 300) + 1};
         double value = static_cast<double>(random() % 5) - 2.0;
@@ -160,11 +138,9 @@ TEST(SparseTree, EqualsAMapInAWideTree) {
             places.push_back(place);
         }
         Add(model, place, value);
-        CheckEntry(model, KeyOf(place));
-        if (operation % 500 == 0)
+        if (operation % 2000 == 0)
             CheckWhole(model);
     }
-    CheckWhole(model);
     EXPECT_GT(model.size(), 1000u);
     zurt::SparseKill(0);
 }

@@ -65,18 +65,6 @@ TEST(Equilibrium, FirstRatioIsOne) {
     EXPECT_EQ(CountOf(result.console, "   ICR/ICREMSTEP  =  1.0000E+00"), 1);
 }
 
-// Faults: an iteration method of its own for some value of a field that decides nothing.
-TEST(Equilibrium, MethodFieldDecidesNothing) {
-    BarDeck bar = OneStep(true);
-    const RunResult first = RunDeck(Build(bar));
-    for (const int NJRAP : {2, 7, -1}) {
-        bar.NJRAP = NJRAP;
-        const RunResult other = RunDeck(Build(bar));
-        EXPECT_EQ(other.console, first.console);
-        EXPECT_EQ(ResultsOfListing(other.listing), ResultsOfListing(first.listing));
-    }
-}
-
 // Faults: bricks formed under another time integration, or a run that ends without the report of the empty system.
 TEST(Equilibrium, OtherTimeIntegrationHasAnEmptySystem) {
     BarDeck bar = OneStep(true);

@@ -57,15 +57,12 @@ BarDeck SmallBar(int steps, int NPRINT, int IGRAF) {
 }
 
 // A steady problem of three steps: the basic data ask for three periods.
-std::string SteadyDeck(bool linear) {
+std::string SteadyDeck() {
     BarDeck bar = SmallBar(1, 1, 1);
     bar.steady = true;
-    if (linear)
-        bar.diffusion = {{0.0, 1.0}};
     std::string deck = Build(bar);
     const std::string one = "12 1 1 0 1 1 0 3 0 1 0", three = "12 1 1 0 3 1 0 3 0 1 0";
-    deck.replace(deck.find(one), one.size(), three);
-    return deck;
+    return deck.replace(deck.find(one), one.size(), three);
 }
 
 using Steps = std::vector<int>;
@@ -86,14 +83,14 @@ TEST(StepOutput, GraphicsAtItsIntervalAndAtTheEnd) {
 // Faults: a graphics limit formed by steady problems; the limit of the problem before lost, by which a later steady
 // problem writes all its steps; time that advances in a steady problem.
 TEST(StepOutput, SteadyProblemsInheritTheGraphicsLimit) {
-    const RunResult alone = RunDeck(SteadyDeck(false));
+    const RunResult alone = RunDeck(SteadyDeck());
     EXPECT_EQ(alone.status, 0) << alone.errors;
     EXPECT_EQ(ResultNumbers(alone), Steps{3});
     EXPECT_EQ(ListedSteps(alone), (Steps{1, 2, 3}));
     EXPECT_EQ(CountOf(alone.listing, "  T I M E = 0.00000E+00\n"), 3);
     BarDeck first = SmallBar(4, 1, 2);
     first.end = "";
-    const RunResult both = RunDeck(Build(first) + SteadyDeck(false));
+    const RunResult both = RunDeck(Build(first) + SteadyDeck());
     EXPECT_EQ(both.status, 0) << both.errors;
     EXPECT_EQ(ResultNumbers(both), (Steps{1, 2, 1, 2, 3}));
 }
@@ -120,26 +117,6 @@ TEST(StepOutput, GraphicsWithoutPrint) {
     EXPECT_EQ(CountOf(result.console, "END OF TIME STEP"), 0);
     EXPECT_EQ(GraphicsSteps(result, 0.5), (Steps{1, 2, 3}));
     EXPECT_EQ(NumbersBehind(result.listing, " ITERATIONS FOR STEP:"), (Steps{1, 2, 3}));
-}
-
-// Faults: the solution of a linear problem taken over ahead of the nodal values (they must show the step before, and
-// zero in the first step of a steady problem); iterations counted or reported in it.
-TEST(StepOutput, LinearProblemsShowTheStepBefore) {
-    std::string deck = SteadyDeck(true);
-    const std::string none = "1 0 0 0 0 0 0 0 0 0 0", source = "1 0 0 0 0 0 0 1 1 0 0 \n1 1 \n0 24";
-    deck.replace(deck.find(none), none.size(), source);
-    const std::string group = "3 2 0 0 0 0", loaded = "3 2 0 1 0 0", element = "2 0 0 1 1 0 0",
-                      fed = "2 0 1 1 1 0 0";
-    deck.replace(deck.find(group), group.size(), loaded);
-    deck.replace(deck.find(element), element.size(), fed);
-    const RunResult result = RunDeck(deck);
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(CountOf(result.listing, "       2      0.00000E+00"), 1 + 3); // step 1; fluxes of all steps
-    const std::vector<double> last = LastConcentrations(result.listing);
-    ASSERT_EQ(last.size(), 12u);
-    EXPECT_NEAR(last[1], 24.0 * 0.25 / 2.0, 1e-4); // Q x (L - x) / 2 in the middle
-    EXPECT_EQ(CountOf(result.console, "ITERATION"), 0);
-    EXPECT_EQ(CountOf(result.listing, " NUMBER OF ITERATIONS ....................... ITER ="), 0);
 }
 
 } // namespace
