@@ -371,17 +371,6 @@ std::string WithSolver(const std::string& deck, int solver, int& cards) {
     return std::regex_replace(deck, formatCard, "\n$1 " + std::to_string(solver));
 }
 
-std::vector<std::vector<double>> Tables(const std::string& listing) {
-    std::vector<std::vector<double>> tables;
-    const std::string head = " S T E P  NUMBER =";
-    for (std::size_t at = listing.find(head); at != std::string::npos;) {
-        const std::size_t next = listing.find(head, at + head.size());
-        tables.push_back(LastConcentrations(listing.substr(at, next - at)));
-        at = next;
-    }
-    return tables;
-}
-
 // Faults: a group, a term or a restart of the iteration that one of the two assemblies treats in its own way.
 TEST(Classical, BothSolversAgreeOnEveryExample) {
     for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples")) {
@@ -399,7 +388,7 @@ TEST(Classical, BothSolversAgreeOnEveryExample) {
             continue;
         }
         EXPECT_EQ(sparse.status, 0) << name << ": " << sparse.errors;
-        const auto expected = Tables(skyline.listing), found = Tables(sparse.listing);
+        const auto expected = AllConcentrations(skyline.listing), found = AllConcentrations(sparse.listing);
         ASSERT_FALSE(expected.empty()) << name;
         ASSERT_EQ(found.size(), expected.size()) << name;
         double largest = 0.0; // in units of the last digit

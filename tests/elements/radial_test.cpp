@@ -12,29 +12,6 @@ namespace {
 
 constexpr double kPi = 3.14159265358979;
 
-// Against Simpson's rule, which is exact for cubics. Faults: a share of the radius on the wrong node or left out on the axis.
-TEST(Radial, RingMatricesAreTheIntegralsOverTheRing) {
-    const double L = 3.0, D = 0.7, dt = 0.2;
-    const RadialScales scales = ScalesOfFibre(D, L, 2.0, 4, true, dt);
-    for (const double r : {0.0, 0.5, 1.5}) {
-        double k = 0.0, C[3] = {};
-        const double weight[3] = {1.0, 4.0, 1.0};
-        for (int p = 0; p < 3; ++p) {
-            const double s = 0.5 * p, w = 2.0 * kPi * L * (r + s * 0.5) * 0.5 * weight[p] / 6.0;
-            k += w * D / (0.5 * 0.5);
-            C[0] += w * (1.0 - s) * (1.0 - s) / dt;
-            C[1] += w * (1.0 - s) * s / dt;
-            C[2] += w * s * s / dt;
-        }
-        const RadialRing ring = RingAt(scales, r);
-        EXPECT_NEAR(ring.k, k, 1e-12 * k);
-        EXPECT_NEAR(ring.C11, C[0], 1e-12 * C[0]);
-        EXPECT_NEAR(ring.C12, C[1], 1e-12 * C[1]);
-        EXPECT_NEAR(ring.C22, C[2], 1e-12 * C[2]);
-    }
-    EXPECT_EQ(RingAt(ScalesOfFibre(D, L, 2.0, 4, false, 0.0), 0.5).C22, 0.0) << "steady";
-}
-
 struct Release {
     double amount, centre;
 };

@@ -2,7 +2,6 @@
 // they try, where they end.
 #include "homogenization/run_homogenization.h"
 #include "job/partition.h"
-#include "microscale/direction_curves.h"
 #include "support/small_run.h"
 
 #include <gtest/gtest.h>
@@ -193,20 +192,6 @@ TEST(FitLoop, OddMassesAreTaken) {
         none.small.run.fit.card.NFITMAX = 5;
         EXPECT_EQ(Drive(none, 0.0, kMassIsFirst).size(), 6U);
     }
-}
-
-// Faults: spans or ends of another direction; Z that begins where Z begins; a table that keeps a direction's curve.
-TEST(FitLoop, FinalRunHasACurveByDirection) {
-    Fit fit(1, 0);
-    const double D1DIR[4] = {0.0, 10.0, 20.0, 30.0}, D2DIR[4] = {0.0, 11.0, 24.0, 38.0};
-    double Dx = 0.0, Dy = 0.0, Dz = 0.0;
-    const ConstIntArray points = IntSection(fit.small.run.A, fit.small.run.control.at.LNPMAT, 1);
-    ASSERT_EQ(CurveForDirection(fit.curve.table, points, 1, fit.curve.DBULK, D1DIR, D2DIR, 0.25, Dx, Dy, Dz),
-              0);
-    EXPECT_DOUBLE_EQ(Dx, 10.25);
-    EXPECT_DOUBLE_EQ(Dy, 21.0);
-    EXPECT_DOUBLE_EQ(Dz, 22.0);
-    EXPECT_EQ(CoefficientOf(fit.curve, 2), 2.0);
 }
 
 } // namespace

@@ -50,39 +50,11 @@ struct Medium {
     ConstIntArray NodeMarks() const { return IntSection(run.A, run.control.at.LFIBN, run.control.header.NP); }
 };
 
-Mesh UnitCube(int n) {
-    return BlockOfBricks(n, n, n, [n](int i, int j, int k) {
-        return Point{1.0 * i / n, 1.0 * j / n, 1.0 * k / n};
-    });
-}
-
 FibreModel OneSphere(const Point& centre, double DIAM) {
     return MakeModel({MakeSet(kSphereFibres, DIAM, {FibreThrough({centre})})});
 }
 
 const double kPi = std::acos(-1.0);
-
-// Faults: weights that do not add up to the domain, points of the fibre counted as fluid.
-TEST(FibreStep, PorosityConvergesToTheVolumeOfFluid) {
-    const struct {
-        FibreModel model;
-        double exact;
-    } cases[] = {
-        {MakeModel({MakeSet(kLineFibres, 0.5, {FibreThrough({{-0.3, 0.5, 0.45}, {1.4, 0.5, 0.45}})})}),
-         1 - kPi / 4 * 0.25},
-        {OneSphere({0.5, 0.52, 0.47}, 0.8), 1 - kPi / 6 * 0.512}};
-    for (const auto& test : cases) {
-        double error[2];
-        for (const int fine : {0, 1}) {
-            Medium medium(UnitCube(fine == 0 ? 5 : 20), test.model);
-            ApplyFibres(medium.run, medium.model);
-            EXPECT_NEAR(medium.model.totalVolume, 1.0, 1e-6); // the weights of the rule are single precision
-            error[fine] = std::fabs(medium.run.control.state.POROSITY - test.exact);
-        }
-        EXPECT_LT(error[0], 0.05);
-        EXPECT_LT(error[1], 0.004);
-    }
-}
 
 // In the plane a line is a strip and a sphere a circle, and z does not count. (The nearest fibre is the one with the
 // nearest axis or centre: the thin strip lies so far off that it is not nearer than the circle's to any point in there.)
@@ -306,10 +278,6 @@ TEST(FibreStep, Errors) {
                    MakeModel({MakeSet(kLineFibres, 0.1, {FibreThrough({{0, 0.5, 7}, {1, 0.5, 7}})})}));
     EXPECT_EXIT(ApplyFibres(outside.run, outside.model), testing::ExitedWithCode(kLibraryError),
                 "fibre set 1, fibre 1");
-    Medium gap(Bar(2), OneSphere({0.5, 0.5, 0.5}, 0.1));
-    Connectivity(gap.run, gap.run.groups[1])(2, 1) = 0;
-    EXPECT_EXIT(ApplyFibres(gap.run, gap.model), testing::ExitedWithCode(kLibraryError),
-                "element 2 has no card");
 }
 
 } // namespace

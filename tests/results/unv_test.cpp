@@ -2,26 +2,17 @@
 #include "results/unv_results.h"
 
 #include "job/partition.h"
-#include "support/bar_deck.h"
 #include "support/small_run.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cmath>
 #include <cstring>
-#include <map>
-#include <sstream>
 #include <string>
-#include <vector>
 
 namespace zurt {
 namespace {
 
-using zurt_test::BarDeck;
 using zurt_test::CountOf;
-using zurt_test::Lines;
-using zurt_test::RunResult;
 using zurt_test::SmallRun;
 using zurt_test::Written;
 
@@ -191,79 +182,6 @@ TEST(UnvMesh, NothingUnderANegativeInterval) {
         Written(small.run.units.graphics),
         "    -1\n    15\n         1         0         0         8  0.00000D+00  0.00000D+00 -0.20000D+01\n"
         "         2         0         0         8  0.15000D+01  0.00000D+00  0.00000D+00\n    -1\n");
-}
-
-using Point = std::array<double, 3>;
-
-Point Minus(const Point& a, const Point& b) {
-    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
-}
-
-Point Middle(const Point& a, const Point& b) {
-    return {0.5 * (a[0] + b[0]), 0.5 * (a[1] + b[1]), 0.5 * (a[2] + b[2])};
-}
-
-double Triple(const Point& a, const Point& b, const Point& c) {
-    return a[0] * (b[1] * c[2] - b[2] * c[1]) + a[1] * (b[2] * c[0] - b[0] * c[2]) +
-           a[2] * (b[0] * c[1] - b[1] * c[0]);
-}
-
-// Elements of the graphics file, each as the places of its nodes in the order of the file.
-std::vector<std::vector<Point>> ReadMesh(std::string graphics) {
-    for (char& c : graphics)
-        c = c == 'D' ? 'E' : c;
-    std::istringstream stream(graphics);
-    std::map<int, Point> nodes;
-    int mark = 0, kind = 0, label = 0, skip = 0;
-    stream >> mark >> kind;
-    EXPECT_EQ(kind, 15);
-    while (stream >> label && label != -1) {
-        Point& p = nodes[label];
-        stream >> skip >> skip >> skip >> p[0] >> p[1] >> p[2];
-    }
-    stream >> mark >> kind;
-    EXPECT_EQ(kind, 71);
-    std::vector<std::vector<Point>> elements;
-    while (stream >> label && label != -1) {
-        int count = 0;
-        stream >> skip >> skip >> skip >> skip >> skip >> count;
-        elements.emplace_back();
-        for (int k = 0, node = 0; k < count && stream >> node; ++k)
-            elements.back().push_back(nodes.at(node));
-    }
-    return elements;
-}
-
-// Faults: bricks that a reader of the file takes for turned inside out: the face that comes first must be the bottom of
-// a right-handed brick, the other face above it corner by corner, and every mid-side node on its own edge.
-TEST(UnvMesh, WrittenBricksAreRightHandedFromTheBottom) {
-    for (const int nodes : {8, 20}) {
-        BarDeck bar;
-        bar.nx = 2;
-        bar.nodes = nodes;
-        bar.steady = true;
-        const RunResult result = zurt_test::RunDeck(zurt_test::Build(bar));
-        ASSERT_EQ(result.status, 0) << result.errors;
-        const auto elements = ReadMesh(result.graphics);
-        ASSERT_EQ(elements.size(), 2u);
-        for (const std::vector<Point>& places : elements) {
-            ASSERT_EQ(places.size(), static_cast<std::size_t>(nodes));
-            const std::size_t step = nodes == 20 ? 2 : 1, top = nodes == 20 ? 12 : 4;
-            for (std::size_t k = 0; k < 4; ++k) {
-                const std::size_t next = (k + 1) % 4, before = (k + 3) % 4;
-                const Point& corner = places[step * k];
-                const Point& above = places[top + step * k];
-                const double volume = Triple(Minus(places[step * next], corner),
-                                             Minus(places[step * before], corner), Minus(above, corner));
-                EXPECT_NEAR(volume, 0.125, 1e-12);
-                if (nodes == 8)
-                    continue;
-                EXPECT_EQ(places[2 * k + 1], Middle(corner, places[2 * next]));
-                EXPECT_EQ(places[8 + k], Middle(corner, above));
-                EXPECT_EQ(places[top + 2 * k + 1], Middle(above, places[top + 2 * next]));
-            }
-        }
-    }
 }
 
 } // namespace

@@ -125,6 +125,17 @@ std::vector<double> LastConcentrations(const std::string& listing) {
     return values;
 }
 
+std::vector<std::vector<double>> AllConcentrations(const std::string& listing) {
+    std::vector<std::vector<double>> tables;
+    const std::string head = " S T E P  NUMBER =";
+    for (std::size_t at = listing.find(head); at != std::string::npos;) {
+        const std::size_t next = listing.find(head, at + head.size());
+        tables.push_back(LastConcentrations(listing.substr(at, next - at)));
+        at = next;
+    }
+    return tables;
+}
+
 std::vector<double> LastUnvValues(const std::string& graphics, int which) {
     static const char* const names[] = {"CVORNE KONCENTRACIJE\n", "MASS FLUX\n",
                                         "MASS FLUX PER UNIT TIME AND SURFACE\n", "DIFFUSION COEFFICIENT\n"};

@@ -29,6 +29,9 @@ RunResult RunDeck(const std::string& deck, int secondsAllowed = 120);
 /// Nodal concentrations of the last table of the listing, one a node.
 std::vector<double> LastConcentrations(const std::string& listing);
 
+/// The same for every table, one a printed step.
+std::vector<std::vector<double>> AllConcentrations(const std::string& listing);
+
 /// Values of dataset `which` (1 to 4) of the last result step in the graphics file, `components` to a node.
 std::vector<double> LastUnvValues(const std::string& graphics, int which);
 
