@@ -119,6 +119,24 @@ TEST_F(SparseAssembler, NegativeEquationReachesTheTree) {
     EXPECT_EQ(entries.columns.size(), 4u);
 }
 
+// Faults: entries lost between rows, an order other than by row and then by column.
+TEST_F(SparseAssembler, ExtractionAscendsStrictly) {
+    std::mt19937 random(7);
+    for (int i = 0; i < 20000; ++i)
+        zurt::SparseAddEntry(static_cast<std::int32_t>(random() % 500) + 1,
+                             static_cast<std::int32_t>(random() % 500) + 1, 1.0);
+    const Entries entries = Extract();
+    double total = 0.0;
+    for (std::size_t i = 0; i < entries.rows.size(); ++i) {
+        total += entries.values[i];
+        if (i > 0) {
+            ASSERT_LT(std::make_pair(entries.rows[i - 1], entries.columns[i - 1]),
+                      std::make_pair(entries.rows[i], entries.columns[i]));
+        }
+    }
+    EXPECT_EQ(total, 20000.0);
+}
+
 // Faults: zeroing that deletes; entries that survive the next start.
 TEST_F(SparseAssembler, ZeroingKeepsThePatternAndStartingDropsIt) {
     AddElement({1, 2}, {1, 2, 3, 4});
