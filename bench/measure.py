@@ -26,7 +26,7 @@ Ended = namedtuple("Ended", "cpu wall memory output")
 def prepare():
     """Installs and builds what the benchmarks need; a fresh folder for their files; libraries keep to one
     thread and choose their kernels themselves."""
-    subprocess.run([os.path.join(ROOT, "setup"), "bench"], check=True)
+    subprocess.run([os.path.join(ROOT, "setup"), "bench"], check=True, stdout=sys.stderr)
     shutil.rmtree(WORK, ignore_errors=True)
     os.makedirs(WORK)
     for name in ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS"):

@@ -4,10 +4,8 @@ outside it, the deck, and the program with its libraries.
 
     bench/memory_use.py
 
-Builds build/bench (./setup bench) and prints one table; takes about half a minute. Element data are the records of Gauss
-points under fibres. Integers fill the first half of their sections, so a run can stay below what it has to hold. The
-sparse solver's factors lie outside the working vector and are the library's own: such runs are not in the table. Nothing
-large is read into this process: the system counts its memory as the least of any process that it starts.
+Builds build/bench (./setup bench) and prints one table; takes about half a minute. Nothing large is read into this
+process: the system counts its memory as the least of any process that it starts.
 """
 import os
 import re
@@ -64,6 +62,9 @@ def main():
     for form in ("free", "fixed"):
         table_row(f"check of 99 x 99 x 99 bricks, {form} format",
                   make_deck(f"memory_{form}", 99, 99, 99, "--format", form), 0, base)
+    print("\nElements: the records of Gauss points under fibres. Integers fill the first half of their sections and touch no\n"
+          "more, so a run stays below what it has to hold. The sparse solver's factors lie outside the working vector\n"
+          "and are the library's own, so such runs are left out.")
     measure.clean_up()
 
 
