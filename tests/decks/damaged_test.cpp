@@ -352,6 +352,34 @@ TEST(Damaged, Functions) {
     });
 }
 
+TEST(Damaged, Surfaces) {
+    constexpr const char* kSide = "1 4 1 1 1 1 1 0\n";
+    constexpr const char* kNext = "\n2 3 6 0 0 0 0 0\n";
+    constexpr const char* kHead = " ERROR IN BOUNDARY CONDITION INPUT DATA:\n ELEMENT NO.       1\n ";
+    const std::string
+        edge =
+            kHead +
+            std::string("READ IN BOUNDARY NODES :       4       2\n DO NOT CONSTITUTE ONE EDGE OF ELEMENT\n"),
+        twice =
+            kHead +
+            std::string("READ IN BOUNDARY NODES :       4       4\n DO NOT CONSTITUTE ONE EDGE OF ELEMENT\n"),
+        face = kHead + std::string("READIN BOUNDARY NODES :      14      10       2       5\n DO NOT "
+                                   "CONSTITUTE ONE SURFACE OF ELEMENT\n");
+    ExpectFaults({
+        {"quadrilaterals", kSide, "1 4 2 1 1 1 1 0\n", 0, edge.c_str()},
+        {"quadrilaterals", kSide, "1 4 4 1 1 1 1 0\n", 0, twice.c_str()},
+        {"functions", "1 14 10 2 6 1 1 1 1 1\n", "1 14 10 2 5 1 1 1 1 1\n", 0, face.c_str()},
+        {"quadrilaterals", kNext, "\n3 3 6 0 0 0 0 0\n", 2, "2D surface card, field NE: \"3\""},
+        {"quadrilaterals", kNext, "\n-1 3 6 0 0 0 0 0\n", 2, "field NE: \"-1\""},
+        {"quadrilaterals", kSide, "1 4 1 2 1 1 1 0\n", 2, "field FLUX: \"2\""},
+        {"quadrilaterals", kSide, "1 4 1 -1 1 1 1 0\n", 2, "field FLUX: \"-1\""},
+        {"quadrilaterals", kSide, "1 4 1 1 2 1 1 0\n", 2, "field CONV: \"2\""},
+        {"quadrilaterals", kSide, "1 4 1 1 1 2 1 0\n", 2, "field ENVI: \"2\""},
+        {"quadrilaterals", kSide, "1 4 1 1 1 1 2 0\n", 2, "field EMIS: \"2\""},
+        {"quadrilaterals", kSide, "1 4 1 1 1 1 1 77\n", 0, "END OF JOB"}, // no term reads the last one
+    });
+}
+
 // --- no deck at all -----------------------------------------------------------------------------------------------
 
 TEST(Damaged, Rubbish) {

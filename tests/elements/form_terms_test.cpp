@@ -31,52 +31,6 @@ double Sum(RealArray values) {
     return sum;
 }
 
-void SetSolution(Run& run) {
-    for (Word i = 1; i <= run.control.state.JEDN; ++i) {
-        StepSolution(run)(i) = std::sin(2.0 * static_cast<double>(i));
-        StepStart(run)(i) = std::cos(5.0 * static_cast<double>(i));
-    }
-}
-
-// R = (C/dt) T0 - (K + C/dt) T on the nodes with an equation, held ones at the outlet pair. The full matrices come from
-// models without held nodes. Faults: a term of the residual lost or with the wrong sign, the capacity not divided, start
-// and end of the outlet pair exchanged, a held node left at zero.
-void CheckResidual(int NonlinearFlag) {
-    Problem problem;
-    problem.NSTAC = 1;
-    problem.NonlinearFlag = NonlinearFlag;
-    problem.TimeStep = 0.2;
-    problem.OutletStart = 0.75;
-    problem.OutletEnd = -1.5;
-    problem.capacity = {{{0.0, 3.0}}};
-    Problem steady = problem;
-    steady.NSTAC = 0;
-    Model all(Block(), problem), conduction(Block(), steady), held(Block({2, 5, 12}), problem);
-    testmodel::FormSystem(all.run);
-    testmodel::FormSystem(conduction.run);
-    SetSolution(held.run);
-    testmodel::FormSystem(held.run);
-
-    const IntArray ID = EquationNumbers(held.run);
-    for (Word i = 1; i <= ID.length; ++i) {
-        if (ID(i) == 0)
-            continue;
-        double expected = 0.0;
-        for (Word j = 1; j <= ID.length; ++j) {
-            const double T = ID(j) > 0 ? StepSolution(held.run)(ID(j)) : -1.5;
-            const double T0 = ID(j) > 0 ? StepStart(held.run)(ID(j)) : 0.75;
-            const double capacity = SystemEntry(all.run, i, j) - SystemEntry(conduction.run, i, j);
-            expected += capacity * T0 - SystemEntry(all.run, i, j) * T;
-        }
-        EXPECT_NEAR(RightHandSide(held.run)(ID(i)), expected, 1e-12);
-    }
-}
-
-TEST(FormTerms, TimeTermAndResidual) {
-    CheckResidual(1);
-    CheckResidual(0); // a linear transient problem reads the solution all the same
-}
-
 // Faults: the order of precedence of list, equation and outlet; the second form of the gather taken for the first.
 TEST(FormTerms, GatherOfOneNode) {
     std::int32_t ID[4] = {3, 0, -1, 1}, list[2] = {4, 4};

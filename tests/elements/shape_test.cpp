@@ -146,25 +146,6 @@ TYPED_TEST(ShapeFunctions, AreOneAtTheirOwnNodeAndZeroAtTheOthers) {
         }
 }
 
-// Fault: corrections that fit the nodes of the full elements but lose constants for a partial list.
-TYPED_TEST(ShapeFunctions, SumToOneAndTheirDerivativesToZero) {
-    constexpr int D = TypeParam::value;
-    std::mt19937 random(2);
-    for (const ActiveNodes& active : Elements<D>(random)) {
-        const ShapeValues<D> shape = ShapesAt<D>(RandomPoint<D>(random), active);
-        double sum = 0.0;
-        for (int k = 0; k < active.ND; ++k)
-            sum += shape.H[k];
-        EXPECT_NEAR(sum, 1.0, 1e-14);
-        for (int d = 0; d < D; ++d) {
-            double slope = 0.0;
-            for (int k = 0; k < active.ND; ++k)
-                slope += shape.HR[d][k];
-            EXPECT_NEAR(slope, 0.0, 1e-14);
-        }
-    }
-}
-
 // Fault: a derivative that does not belong to its function. The functions are at most quadratic along a natural
 // direction, so central differences are exact for any step.
 TYPED_TEST(ShapeFunctions, HaveDerivativesEqualToCentralDifferences) {

@@ -124,41 +124,14 @@ TEST(SurfaceCards, BlankCardsEndFixedDecksAlone) {
     testing::internal::GetCapturedStderr();
 }
 
-// Faults: corners of two sides, of another element or one corner twice taken for a side; the words of each family.
+// Faults: corners of no side taken for one; the words of a line, which no small deck of tests/decks/damaged_test.cpp has.
 TEST(SurfaceCards, NodesThatAreNoSideStop) {
-    const auto stop = [](const char* deck, std::int32_t dimension, const char* nodes, const char* last) {
-        RunPointer run = MakeGroups(deck, 1, {dimension});
-        test::ListOnStandardError(*run);
-        const std::string pattern =
-            std::string(" ERROR IN BOUNDARY CONDITION INPUT DATA:\n ELEMENT NO.       2\n ") + nodes +
-            "\n DO NOT CONSTITUTE " + last + " OF ELEMENT\n$";
-        EXPECT_EXIT(ReadSurfaceData(*run), testing::ExitedWithCode(0), pattern);
-    };
-    stop("2 101 1 0 0 0 0\n", 1, "READIN BOUNDARY NODES :     101", "SIDE");
-    stop("2 201 203 1 0 0 0 0\n", 2, "READ IN BOUNDARY NODES :     201     203", "ONE EDGE");
-    stop("2 201 201 1 0 0 0 0\n", 2, "READ IN BOUNDARY NODES :     201     201", "ONE EDGE");
-    stop("2 201 202 203 205 1 0 0 0 0\n", 3, "READIN BOUNDARY NODES :     201     202     203     205",
-         "ONE SURFACE");
-}
-
-// Faults: a number from the deck that becomes an index outside its table, a report without the field or the table.
-TEST(SurfaceCards, NumbersOutsideTheirTablesAreDeckErrors) {
-    const auto refuse = [](const char* card, const char* report, std::int32_t NFO = 0) {
-        RunPointer run = MakeGroups(card, 1, {2});
-        run->control.counts.NFO = NFO;
-        EXPECT_EXIT(ReadSurfaceData(*run), testing::ExitedWithCode(2), report);
-    };
-    refuse("4 1 2 0 0 0 0 0\n", "2D surface card, field NE: \"4\"");
-    refuse("-1 1 2 0 0 0 0 0\n", "field NE: \"-1\"");
-    refuse("1 101 102 10 0 0 0 0\n", "field FLUX: \"10\".*NQP");
-    refuse("1 101 102 -1 0 1 0 0\n", "field FLUX: \"-1\".*NQP");
-    refuse("1 101 102 0 10 0 0 0\n", "field CONV: \"10\".*NHP");
-    refuse("1 101 102 0 0 10 0 0\n", "field ENVI: \"10\".*NTOK");
-    refuse("1 101 102 0 0 0 10 0\n", "field EMIS: \"10\".*NHR");
-    refuse("1 101 102 0 0 0 3 0\n", "field EMIS: \"3\".*NFO", 2);
-    RunPointer run = MakeGroups("1 101 102 1 0 0 0 77\n0/\n", 1, {2}); // no term reads the last one
-    ReadSurfaceData(*run);
-    EXPECT_EQ(FieldsOf(*run, run->groups[1], 1, 3), Fields({1, 0, 0, 0, 77}));
+    RunPointer run = MakeGroups("2 101 1 0 0 0 0\n", 1, {1});
+    test::ListOnStandardError(*run);
+    EXPECT_EXIT(
+        ReadSurfaceData(*run), testing::ExitedWithCode(0),
+        " ERROR IN BOUNDARY CONDITION INPUT DATA:\n ELEMENT NO.       2\n READIN BOUNDARY NODES :     101\n"
+        " DO NOT CONSTITUTE SIDE OF ELEMENT\n$");
 }
 
 // Faults: an echo of the card's numbers instead of the stored ones, an echo under NULAZ 2.

@@ -155,52 +155,6 @@ TEST(SurfaceTerms, ParabolicEdgeUnderConstantFlux) {
         EXPECT_NEAR(terms.FE[k], expected[k], 1e-6) << k + 1;
 }
 
-template <int Dimension> void ExpectConvection(double extent) {
-    Model model;
-    model.convection = {{{0.0, 0.0}, {10.0, 20.0}}, {{0.0, 3.0}}};
-    model.environment = {{{0.0, 7.0}}};
-    Terms<Dimension> terms(model);
-    terms.SetCorners(Skewed, 4.0);
-    terms.SetSide(kSides<Dimension>, {0, 1, 1, 0, 0}); // h = 8 at the surface value 4
-    terms.Add();
-    EXPECT_NEAR(terms.MatrixSum(), 8.0 * extent, 1e-13);
-    EXPECT_NEAR(terms.Load(), 8.0 * extent * (7.0 - 4.0), 1e-12);
-    if (Dimension == 1) {
-        EXPECT_EQ(terms.K[2], 8.0); // all of it at end 2
-    }
-    terms.run->control.state.NonlinearFlag = 0;
-    terms.SetSide(kSides<Dimension>, {0, 2, 1, 0, 0});
-    terms.Add();
-    EXPECT_NEAR(terms.MatrixSum(), 3.0 * extent, 1e-13);
-    EXPECT_NEAR(terms.Load(), 3.0 * extent * 7.0, 1e-12);
-}
-
-// Faults: the full form where the incremental one is due and the other way round, a coefficient at another value.
-TEST(SurfaceTerms, ConvectionInBothForms) {
-    ExpectConvection<1>(1.0);
-    ExpectConvection<2>(kEdges[1]);
-    ExpectConvection<3>(kFaces[2]);
-}
-
-// N and load of convection node by node on a unit edge: h/6 (2 1; 1 2) at the edge's nodes, TE - T linear along it.
-// Faults: an entry of the packed triangle in another place, a difference taken at the node instead of the point.
-TEST(SurfaceTerms, ConvectionMatrixOfAnEdge) {
-    Model model;
-    model.convection = {{{0.0, 6.0}}};
-    model.environment = {{{0.0, 1.0}}};
-    Terms<2> terms(model);
-    terms.SetCorners([](double r, double s, double) { return std::array<double, 3>{0.5 * r, s, 0.0}; }, 0.0);
-    terms.element.TE1[3] = 6.0; // node 4, edge 4 is 4-3
-    terms.SetSide(4, {0, 1, 1, 0, 0});
-    terms.Add();
-    const double expected[10] = {0, 0, 0, 0, 0, 0, 0, 2, 1, 2};
-    for (int entry = 0; entry < 10; ++entry)
-        EXPECT_NEAR(terms.K[entry], expected[entry], 1e-6) << entry;
-    EXPECT_NEAR(terms.FE[2], 3.0 - 6.0 * 1.0, 1e-5);
-    EXPECT_NEAR(terms.FE[3], 3.0 - 6.0 * 2.0, 1e-5);
-    EXPECT_EQ(terms.FE[0], 0.0);
-}
-
 // Faults: a tangent instead of the secant, a shape factor chosen by its own field, radiation in a linear problem, a
 // radiation matrix that is left out without convection.
 TEST(SurfaceTerms, RadiationByTheSecant) {

@@ -1,7 +1,6 @@
 #include "solver/sparse_solver.h"
 
 #include "core/text_unit.h"
-#include "solver/skyline_reference.h"
 #include "solver/sparse_assembler.h"
 #include "solver/sparse_solver_instance.h"
 #include "support/run_deck.h"
@@ -24,19 +23,6 @@ zurt::RealArray View(Reals& values) {
     return {values.data(), static_cast<Word>(values.size())};
 }
 
-/// Both triangles of a skyline system.
-void AssembleSystem(zurt_test::SkylineSystem& system) {
-    zurt::SparseInit(0, 0);
-    for (std::int32_t column = 1; column <= system.NN; ++column) {
-        const std::int32_t diagonal = system.Pointers()(column);
-        zurt::SparseAddEntry(column, column, system.Store()(diagonal));
-        for (std::int32_t i = 1; diagonal + i < system.Pointers()(column + 1); ++i) {
-            zurt::SparseAddEntry(column - i, column, system.Store()(diagonal + i));
-            zurt::SparseAddEntry(column, column - i, system.Store()(diagonal + i));
-        }
-    }
-}
-
 /// Solves what is assembled; returns what was written to the console.
 std::string Solve(Reals& R, std::int32_t SolverReportFlag) {
     zurt::TextUnit console, listing;
@@ -53,31 +39,6 @@ Reals RandomVector(Word size, std::mt19937& random) {
     for (double& value : vector)
         value = entry(random);
     return vector;
-}
-
-zurt_test::SkylineSystem RandomSystem(Word NN, std::mt19937& random) {
-    std::vector<std::int32_t> heights;
-    for (std::int32_t c = 0; c < NN; ++c)
-        heights.push_back(std::min<std::int32_t>(c, static_cast<std::int32_t>(random() % 30)));
-    zurt_test::SkylineSystem system = zurt_test::MakeSystem(heights);
-    FillDominant(system, random);
-    return system;
-}
-
-// Faults: a triangle missing, indices from zero, the solution not copied back.
-TEST(SparseSolver, AgreesWithTheSkylineSolver) {
-    std::mt19937 random(1);
-    for (const Word NN : {1, 2, 5, 40, 300, 2000}) {
-        zurt_test::SkylineSystem system = RandomSystem(NN, random);
-        Reals R = RandomVector(NN, random);
-        Reals expected = R;
-        AssembleSystem(system);
-        EXPECT_EQ(Solve(R, 0), "");
-        zurt_test::ReferenceFactor(system.Store(), system.Pointers(), NN);
-        zurt_test::ReferenceSubstitute(system.Store(), View(expected), system.Pointers(), NN);
-        for (std::size_t i = 0; i < R.size(); ++i)
-            ASSERT_NEAR(R[i], expected[i], 1e-12) << NN << " equations, equation " << i + 1;
-    }
 }
 
 // Fault: the system handed over as a symmetric or a transposed one.
