@@ -134,6 +134,7 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, Instruc
     SkylinePanel panel = {};
     panel.store = SkylineMatrix.data;
     panel.pointers = MAXA.data;
+    panel.NN = NN;
     const StepCosts cost = CostsOf(instructions);
     const Word rows = ScratchRows(panel, NN, cost);
     if (rows > 0)

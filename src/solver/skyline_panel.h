@@ -33,6 +33,7 @@ struct alignas(64) PanelRow {
 struct SkylinePanel {
     double* store;                // the whole skyline store
     const std::int32_t* pointers; // MAXA; the diagonal of column c is store[pointers[c] - 1]
+    Word NN;                      // columns of the whole store
     PanelRow* reduced;            // entries before the division by the pivot: row r at bottom - r
     Word first;
     Word columns;              // lanes in use, 1..16
@@ -194,14 +195,29 @@ ZURT_INLINE bool FinishOwnRow(const SkylinePanel& panel, Word K, typename Lanes<
     return true;
 }
 
+/// Calls the entries from one place of the store up to another towards the processor.
+ZURT_INLINE void PrefetchEntries(const double* store, Word from, Word to) {
+    constexpr Word kEntriesOfCacheLine = 8;
+    for (; from < to; from += kEntriesOfCacheLine)
+        __builtin_prefetch(store + from);
+}
+
 /// Reduces, divides and tests the columns of a placed panel. Returns 0, or the one-based number of the pivot
 /// that failed.
 template <int kWidth> ZURT_INLINE Word FactorPanel(const SkylinePanel& panel) {
     MoveWholeRows<kWidth, true>(panel);
     MoveRaggedRows<true>(panel);
     typename Lanes<kWidth>::Vector newest[kPanelLanes / kWidth] = {};
-    for (Word K = panel.top; K < panel.first; ++K)
+    // The columns of the next panel were touched last when the matrix was assembled: some of them come with each row.
+    const Word next = panel.first + panel.columns;
+    const Word end = panel.pointers[std::min(next + kPanelLanes, panel.NN)] - 1;
+    Word ahead = panel.pointers[next] - 1;
+    const Word withEachRow = (end - ahead) / std::max<Word>(panel.first - panel.top, 1) + 1;
+    for (Word K = panel.top; K < panel.first; ++K) {
+        PrefetchEntries(panel.store, ahead, std::min(ahead + withEachRow, end));
+        ahead += withEachRow;
         ReduceRow<kWidth>(panel, K, panel.reduced[panel.bottom - K], newest);
+    }
     MoveWholeRows<kWidth, false>(panel);
     MoveRaggedRows<false>(panel);
     for (Word K = panel.first; K < panel.first + panel.columns; ++K)
