@@ -198,7 +198,8 @@ TEST(Damaged, Counts) {
         {"free", kBasic, "16 1 -1 1 2 1 0 3 0 1 0 ", 2, "field NMATT: \"-1\""},
         {"free", kBasic, "16 1 1 1 2000000000 1 0 3 0 1 0 ", 0, kOverflow},
         {"free", kBasic, "16 1 1 1 -2 1 0 3 0 1 0 ", 2, "field NPER: \"-2\""},
-        {"free", "2 1 \n", "2000000000 1 \n", 0, kOverflow},
+        {"free", "2 1 \n", "2147483646 1 \n", 0,
+         " REQUIRED DIMENSION, LMAX =2147483652\n AVAILABLE DIMENSION, NTOTA= 120000000\n"},
         {"free", "2 1 \n", "2000000000 2000000000\n", 2, "the periods have more steps than can be counted"},
         {"free", "1 0 0 0. 0\n", "1 0 0 0. -1\n", 2, "field PotentialFunctionSize: \"-1\""},
         {"free", "3 3 0 0 0 0 ", "3 2000000000 0 0 0 0 ", 0, kOverflow},
@@ -333,6 +334,7 @@ TEST(Damaged, Functions) {
     ExpectFaults({
         {"sources", kBoundary, "1 0 0 0 0 0 0 1 2 0 0 ", 0, "NUMBER OF POINTS READ IN, IMAX=    3"},
         {"sources", kBoundary, "1 0 0 0 0 0 0 1 0 0 0 ", 0, "PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    0"},
+        {"sources", kBoundary, "1 0 0 0 0 0 0 0 3 0 0 ", 0, " INPUT DATA FOR NQE IS NQE=    0\n S T O P\n"},
         {"sources", kCurve, "2 3 \n0 1 \n", 2, "Function header card, field F: \"2\""},
         {"sources", kCurve, "0 3 \n0 1 \n", 2, "field F: \"0\""},
         {"sources", kCurve, "1 0 \n0 1 \n", 2, "a function needs at least one point"},

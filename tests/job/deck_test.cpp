@@ -128,14 +128,5 @@ TEST(Deck, ReportsShowAShortPrintableExcerpt) {
                 "field FIELD: \"\\.12\": no number\n  card: \\.\\[31mq+\\.\\.\\.\n$");
 }
 
-// Faults: a folder or a missing file taken for a deck.
-TEST(Deck, OpensFilesAlone) {
-    Deck deck;
-    EXPECT_EXIT(OpenDeck(deck, "/no/such/deck"), testing::ExitedWithCode(2),
-                "zurt: error: can't open the deck /no/such/deck");
-    EXPECT_EXIT(OpenDeck(deck, "/tmp"), testing::ExitedWithCode(2), "zurt: error: can't read the deck /tmp");
-    EXPECT_EXIT(OpenDeck(deck, "/proc/self"), testing::ExitedWithCode(2), "zurt: error: can't read the deck");
-}
-
 } // namespace
 } // namespace zurt
