@@ -269,6 +269,12 @@ TEST(Damaged, NodesAndElements) {
         {"device", "       2  0  1  1  2  0  0", "       2  2  1  1  2  0  0", 0,
          "MATERIAL NUMBER FOR 3D ELEMENT, NMAT=    2"},
         {"device", "       2  0  1  1  2  0  0", "       2 -1  1  1  2  0  0", 2, "field MAT: \"-1\""},
+        {"device", "    1         8    0    0    0    0    0", "   -1         8    0    0    0    0    0", 2,
+         "3D group card, field MAT3DD: \"-1\""},
+        {"fibres", "       2  0  0  1  2  0  0",
+         "       2  0  0  1  1  0  0\n       2      15      14      10      11       7       6       2       "
+         "3",
+         2, "element group 1: element 3 has no card"},
         {"device", "    1         8    0    0    0    0    0", "    2         8    0    0    0    0    0", 0,
          "MATERIAL NUMBER FOR 3D ELEMENTS, MAT3D=    2"},
     });
