@@ -399,12 +399,11 @@ std::string EchoOf(GroupProblem problem, const std::string& cards) {
     problem.NULAZ = 1;
     GroupRun model;
     PrepareGroup(model.run, problem, cards);
-    OpenTextUnit(model.run.units.listing, TemporaryName(".lst"));
+    const std::string listing = zurt_test::MakeTemporaryFolder() + "/listing";
+    OpenTextUnit(model.run.units.listing, listing);
     ReadGroup(model.run);
     CloseTextUnit(model.run.units.listing);
-    const std::string text = TextOf(TemporaryName(".lst"));
-    std::filesystem::remove(TemporaryName(".lst"));
-    return text;
+    return zurt_test::ReadFile(listing);
 }
 
 // Faults: echo of another family, columns off their heads, thickness or area not shown.

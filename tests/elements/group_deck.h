@@ -4,27 +4,13 @@
 #include "elements/element_dispatch.h"
 #include "job/partition.h"
 #include "job/run.h"
+#include "support/run_deck.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <unistd.h>
 
 namespace zurt::testmodel {
-
-inline std::string TemporaryName(const std::string& kind) {
-    return (std::filesystem::temp_directory_path() / ("zurt_group_" + std::to_string(getpid()) + kind))
-        .string();
-}
-
-inline std::string TextOf(const std::string& name) {
-    std::ostringstream text;
-    text << std::ifstream(name).rdbuf();
-    return text.str();
-}
 
 // The header data that the group readers look at.
 struct GroupProblem {
@@ -34,18 +20,16 @@ struct GroupProblem {
     Word size = 20000;
 };
 
-// A run that stands in front of the cards of group 1, all nodes free. Its files go with it.
+// A run that stands in front of the cards of group 1, all nodes free.
 struct GroupRun {
     Run run;
-    ~GroupRun() {
-        DestroyWorkingVector(run.A);
-        std::filesystem::remove(TemporaryName(".dat"));
-    }
+    ~GroupRun() { DestroyWorkingVector(run.A); }
 };
 
 inline void PrepareGroup(Run& run, const GroupProblem& problem, const std::string& cards) {
-    std::ofstream(TemporaryName(".dat")) << cards;
-    OpenDeck(run.deck, TemporaryName(".dat"));
+    const std::string deck = zurt_test::MakeTemporaryFolder() + "/deck";
+    zurt_test::WriteFile(deck, cards);
+    OpenDeck(run.deck, deck);
     CreateWorkingVector(run.A, problem.size);
     HeaderFields& header = run.control.header;
     header.INDFOR = problem.INDFOR;
@@ -76,16 +60,14 @@ inline void ReadGroup(Run& run) {
 
 // The listing of a run that `act` ended with status 0.
 template <class Act> std::string ListingOfStop(Act act) {
-    const std::string name = TemporaryName(".lst");
+    const std::string name = zurt_test::MakeTemporaryFolder() + "/listing";
     const auto child = [&] {
         TextUnit listing;
         OpenTextUnit(listing, name);
         act(listing);
     };
     EXPECT_EXIT(child(), testing::ExitedWithCode(0), "");
-    const std::string text = TextOf(name);
-    std::filesystem::remove(name);
-    return text;
+    return zurt_test::ReadFile(name);
 }
 
 } // namespace zurt::testmodel
