@@ -90,7 +90,7 @@ Column ColumnOf(const GridDeck& grid, zurt::ConstRealArray c, std::size_t i, boo
             low += c(NodeAt(grid, i, j + corner % 2, corner / 2)) / 4;
             high += c(NodeAt(grid, i + 1, j + corner % 2, corner / 2)) / 4;
         }
-        const double area = width * 0.2;
+        const double area = width * (z[1] - z[0]);
         sums.meanLow += low * area;
         sums.meanHigh += high * area;
         if (!within) {
@@ -186,6 +186,28 @@ TEST(Balance, WhatPassesTheInletIsStoredOrLeaves) {
                 (before - first + left) / passed - 1.0);
     EXPECT_GT(left, 0.1 * passed);
     EXPECT_NEAR((before - first + left) / passed, 1.0, 1e-10);
+}
+
+// A mesh that begins behind x = 0 with a held face: there is no plane of elements to both sides, and the flow is taken at the
+// lowest one. Fault: the other end's plane, or none.
+TEST(Balance, WithoutAPlaneAtZeroTheLowestOneIsTheInlet) {
+    GridDeck grid = Cell(false);
+    grid.places = {std::vector<double>{5.0, 5.5, 6.5, 8.0}, {0.0, 1.0}, {0.0, 0.2}};
+    grid.cylinders.clear();
+    grid.material = [](const Place&) { return 2; };
+    grid.held = [](const Place& at) { return at[0] == 5.0; };
+    grid.startsFull = [](const Place& at) { return at[0] > 5.0; };
+    JobRun job(grid);
+    auto& run = job.small.run;
+    BeginPass(run);
+    SolutionPass(run);
+    double change = -0.2 * (0.5 / 2 + 2.5); // the start: from 0 to 1 over the first column, then 1
+    for (std::size_t i = 0; i < 3; ++i) {
+        const Column column = ColumnOf(grid, NodalValues(run), i, false);
+        change += column.low + column.high;
+    }
+    EXPECT_LT(change, -0.05);
+    EXPECT_NEAR(TotalFlow(run.mass.FLUXMICRO, grid.size) / change, 1.0, 1e-10);
 }
 
 } // namespace
