@@ -98,13 +98,14 @@ ZURT_INLINE void SumRow(const SkylinePanel& panel, Word K, const typename Lanes<
             sum[v] += factor * row[v];
     }
     const Vector* tops = reinterpret_cast<const Vector*>(panel.laneTops.lane);
+    Vector r = Vector{} + static_cast<double>(K - i);
     for (; i <= count; ++i) {
         const Vector* row = reinterpret_cast<const Vector*>(reduced[i].lane);
         const double factor = column[i];
-        const double r = static_cast<double>(K - i);
 #pragma GCC unroll 8
         for (int v = 0; v < kVectors; ++v)
             sum[v] = tops[v] <= r ? sum[v] + factor * row[v] : sum[v];
+        r -= 1.0;
     }
 }
 
