@@ -11,6 +11,7 @@
 #include "elements/group_views.h"
 #include "elements/surface_terms.h"
 #include "elements/volume_source.h"
+#include "solver/skyline_assembly.h"
 
 #include <algorithm>
 
@@ -159,6 +160,9 @@ void FormBrick(FormVisit<3>& visit) {
     const BrickRule& rule = visit.brick->rule;
     BrickValues& brick = visit.brick->values;
     const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
+    if (!visit.system.sparse)
+        PrefetchSkylineElement(visit.system.SkylineMatrix, visit.system.MAXA,
+                               ConstIntArray(element.LM, kBrickNodes), kBrickNodes);
     std::fill(brick.FE, brick.FE + kBrickNodes, 0.0);
     LocateBrickPoints(visit.brick->instructions, rule, element.CORE, element.TE1, brick);
     for (int p = 0; p < rule.count; ++p) {

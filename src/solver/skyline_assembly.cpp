@@ -4,6 +4,15 @@
 
 namespace zurt {
 
+namespace {
+
+/// The word of the store that holds the entry of two equations.
+inline Word EntryPosition(ConstIntArray MAXA, Word I, Word J) {
+    return J >= I ? MAXA(J) + J - I : MAXA(I) + I - J;
+}
+
+} // namespace
+
 void AddElementVector(RealArray R, ConstRealArray F, ConstIntArray LM, Word ND) {
     AddScatter(R, F, LM, ND);
 }
@@ -19,14 +28,20 @@ void SkylineAddElement(RealArray SkylineMatrix, ConstIntArray MAXA, RealArray R,
                     const Word JJ = LM(j);
                     if (JJ <= 0)
                         continue;
-                    const Word position = JJ >= II ? MAXA(JJ) + JJ - II : MAXA(II) + II - JJ;
-                    SkylineMatrix(position) += S(K + j - i + 1);
+                    SkylineMatrix(EntryPosition(MAXA, II, JJ)) += S(K + j - i + 1);
                 }
             }
             K += ND - i + 1;
         }
     }
     AddElementVector(R, F, LM, ND);
+}
+
+void PrefetchSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntArray LM, Word ND) {
+    for (Word i = 1; i <= ND; ++i)
+        for (Word j = i; j <= ND; ++j)
+            if (LM(i) > 0 && LM(j) > 0)
+                __builtin_prefetch(SkylineMatrix.data + EntryPosition(MAXA, LM(i), LM(j)) - 1, 1);
 }
 
 void SkylineMultiply(ConstRealArray SkylineMatrix, ConstRealArray X, RealArray Y, ConstIntArray MAXA,

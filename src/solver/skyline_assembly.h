@@ -22,6 +22,10 @@ void AddElementVector(RealArray R, ConstRealArray F, ConstIntArray LM, Word ND);
 void SkylineAddElement(RealArray SkylineMatrix, ConstIntArray MAXA, RealArray R, ConstRealArray S,
                        ConstRealArray F, ConstIntArray LM, Word ND, std::int32_t matrixFlag);
 
+/// Calls the words that the element will be added to into the caches. An element's entries lie in as many columns as it has
+/// nodes, and in a large store none of them is there: the misses run beside the forming of its matrix.
+void PrefetchSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntArray LM, Word ND);
+
 /// Y := Y + factor K X for the symmetric matrix K in the store (not its factors). X and Y: 1..JEDN, apart.
 void SkylineMultiply(ConstRealArray SkylineMatrix, ConstRealArray X, RealArray Y, ConstIntArray MAXA,
                      Word JEDN, double factor);
