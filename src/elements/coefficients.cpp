@@ -2,7 +2,6 @@
 
 #include "core/stop.h"
 #include "microscale/direction_curves.h"
-#include "model/curve_lookup.h"
 #include "model/curve_messages.h"
 #include "model/material_tables.h"
 #include "model/outlet.h"
@@ -166,8 +165,14 @@ CoefficientTables CoefficientTablesOf(const Run& run, const ElementGroup& group)
 void ChooseMaterial(const CoefficientTables& tables, std::int32_t MATE, HeldCurveValues& held,
                     MaterialInHand& material, Coefficients& coefficients) {
     material.MATE = MATE;
+    material.diffusion = {};
     if (tables.device) {
         coefficients.CP = 1.0;
+        if (!tables.tabulated && tables.fitted != MATE) {
+            const CurveView curve = DiffusionCurve(tables.diffusionCurves, tables.diffusionPoints, MATE);
+            if (ArgumentsRise(curve))
+                material.diffusion = curve;
+        }
         return;
     }
     CoefficientFailure none; // constants have curves of one point, which have no range
@@ -193,6 +198,19 @@ bool EvaluateCoefficients(const CoefficientTables& tables, const MaterialInHand&
         !CapacityAt(tables, material, TG, held, coefficients, failure))
         return false;
     return !tables.conductivityNonlinear || ConductionAt(tables, material, TG, held, coefficients, failure);
+}
+
+bool EvaluateDiffusion(const CoefficientTables& tables, const MaterialInHand& material, const double* TG,
+                       int count, double* K) {
+    if (material.diffusion.points == 0)
+        return false;
+    for (int p = 0; p < count; ++p)
+        K[p] = std::fabs(TG[p]);
+    if (!LocateOnRisingCurve(material.diffusion, count, K))
+        return false;
+    for (int p = 0; p < count; ++p)
+        K[p] *= tables.timeMultiplier;
+    return true;
 }
 
 void StopOnCoefficients(Run& run, const CoefficientFailure& failure) {

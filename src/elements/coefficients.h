@@ -7,6 +7,7 @@
 #pragma once
 
 #include "job/run.h"
+#include "model/curve_lookup.h"
 
 namespace zurt {
 
@@ -45,6 +46,7 @@ struct MaterialInHand {
     std::int32_t MATE = 0;         // 0: none chosen yet
     double A[3] = {1.0, 1.0, 1.0}; // multipliers of the axes; without a card for them 1
     std::int32_t function[3] = {}; // conduction functions, 0 none
+    CurveView diffusion;           // its curve where EvaluateDiffusion can take it; without points where it can't
 };
 
 enum class CoefficientStatus { Good, DiffusionRange, CapacityRange, AboveMaximum, BelowMinimum };
@@ -64,6 +66,13 @@ void ChooseMaterial(const CoefficientTables& tables, std::int32_t MATE, HeldCurv
 /// then says why.
 bool EvaluateCoefficients(const CoefficientTables& tables, const MaterialInHand& material, double TG,
                           HeldCurveValues& held, Coefficients& coefficients, CoefficientFailure& failure);
+
+/// KX, KY and KZ at concentrations TG(1..count) at once, for coefficients that come from a diffusion curve and nothing
+/// else; the same bits as EvaluateCoefficients gives. False when they don't, or when some TG lies in no interval of the
+/// curve: EvaluateCoefficients then has to tell, concentration by concentration.
+///   TG, K  1..count; K is the output, for all axes
+bool EvaluateDiffusion(const CoefficientTables& tables, const MaterialInHand& material, const double* TG,
+                       int count, double* K);
 
 /// Ends the run with the message of a failure.
 [[noreturn]] void StopOnCoefficients(Run& run, const CoefficientFailure& failure);

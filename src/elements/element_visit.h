@@ -51,14 +51,19 @@ template <int Dimension> inline bool TakesPart(const ElementVisit<Dimension>& vi
 /// Puts the factors of fibres at point p (from 1) and concentration TG on the coefficients in hand.
 template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG);
 
+/// The same where fibres lie under the group.
+template <int Dimension> inline void PassThroughFibres(ElementVisit<Dimension>& visit, int p, double TG) {
+    if (Dimension > 1 && visit.fibres != nullptr)
+        MultiplyByFibreFactors(visit, p, TG);
+}
+
 /// Coefficients of the element in hand at point p (from 1) and concentration TG. Stops the run when there are none.
 template <int Dimension> inline void EvaluatePoint(ElementVisit<Dimension>& visit, int p, double TG) {
     CoefficientFailure failure;
     if (!EvaluateCoefficients(visit.tables, visit.material, TG, visit.group.held, visit.coefficients,
                               failure))
         StopOnCoefficients(visit.run, failure);
-    if (Dimension > 1 && visit.fibres != nullptr)
-        MultiplyByFibreFactors(visit, p, TG);
+    PassThroughFibres(visit, p, TG);
 }
 
 } // namespace zurt

@@ -152,11 +152,38 @@ void AddResidual(FormVisit<Dimension>& visit, bool withSurfaces, RealArray nodal
         nodalSums(elements.element.node[i]) += sums.FE[i];
 }
 
+// Coefficients and measures of the points of the brick in hand.
+void EvaluateBrickPoints(ElementVisit<3>& elements, const BrickRule& rule, BrickValues& brick) {
+    Coefficients& coefficients = elements.coefficients;
+    const bool atOnce =
+        EvaluateDiffusion(elements.tables, elements.material, brick.TG, rule.count, brick.conduction[0]);
+    for (int p = 0; p < rule.count; ++p) {
+        if (!(brick.DET[p] > kSmallestJacobian))
+            StopOnElementJacobian(elements, elements.points.point[p], brick.DET[p]);
+        if (atOnce) {
+            coefficients.KX = coefficients.KY = coefficients.KZ = brick.conduction[0][p];
+            PassThroughFibres(elements, p + 1, brick.TG[p]);
+        } else {
+            EvaluatePoint(elements, p + 1, brick.TG[p]);
+        }
+        brick.measure[p] = rule.weight[p] * brick.DET[p];
+        brick.conduction[0][p] = coefficients.KX;
+        brick.conduction[1][p] = coefficients.KY;
+        brick.conduction[2][p] = coefficients.KZ;
+        brick.CP[p] = coefficients.CP;
+    }
+}
+
+void AddBrickSource(const BrickRule& rule, double QV, BrickValues& brick) {
+    for (int p = 0; p < rule.count; ++p)
+        for (int i = 0; i < kBrickNodes; ++i)
+            brick.FE[i] += rule.H[p][i] * brick.measure[p] * QV;
+}
+
 // What FormElement does, for a brick without mid-side nodes.
 void FormBrick(FormVisit<3>& visit) {
     ElementVisit<3>& elements = visit.elements;
     const ElementNodes<3>& element = elements.element;
-    const Coefficients& coefficients = elements.coefficients;
     const BrickRule& rule = visit.brick->rule;
     BrickValues& brick = visit.brick->values;
     const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
@@ -165,19 +192,9 @@ void FormBrick(FormVisit<3>& visit) {
                                ConstIntArray(element.LM, kBrickNodes), kBrickNodes);
     std::fill(brick.FE, brick.FE + kBrickNodes, 0.0);
     LocateBrickPoints(visit.brick->instructions, rule, element.CORE, element.TE1, brick);
-    for (int p = 0; p < rule.count; ++p) {
-        if (!(brick.DET[p] > kSmallestJacobian))
-            StopOnElementJacobian(elements, elements.points.point[p], brick.DET[p]);
-        EvaluatePoint(elements, p + 1, brick.TG[p]);
-        brick.measure[p] = rule.weight[p] * brick.DET[p];
-        brick.conduction[0][p] = coefficients.KX;
-        brick.conduction[1][p] = coefficients.KY;
-        brick.conduction[2][p] = coefficients.KZ;
-        brick.CP[p] = coefficients.CP;
-        if (ISRC != 0)
-            for (int i = 0; i < kBrickNodes; ++i)
-                brick.FE[i] += rule.H[p][i] * brick.measure[p] * elements.group.held.QV;
-    }
+    EvaluateBrickPoints(elements, rule, brick);
+    if (ISRC != 0)
+        AddBrickSource(rule, elements.group.held.QV, brick);
     SumBrick(visit.brick->instructions, rule, visit.transient, visit.dt, element.TE0, element.TE1, brick,
              visit.packed.data);
     AddElement(visit.system, visit.packed, ConstRealArray(brick.FE, kBrickNodes),

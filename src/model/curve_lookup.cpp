@@ -4,17 +4,22 @@
 
 namespace zurt {
 
-namespace {
-
-CurveView DiffusionCurve(ConstRealTable table, ConstIntArray points, std::int32_t c) {
-    return {&table(c, 1), &table(c, 2), 2 * table.rows, points(c)};
+CurveView DiffusionCurve(ConstRealTable table, ConstIntArray points, std::int32_t curve) {
+    return {&table(curve, 1), &table(curve, 2), 2 * table.rows, points(curve)};
 }
-
-} // namespace
 
 CurveView PairCurve(ConstRealTable pairs, ConstIntArray points, std::int32_t f) {
     return {&pairs(2 * Word{f} - 1, 1), &pairs(2 * Word{f}, 1), pairs.rows, points(f)};
 }
+
+namespace {
+
+// Between the points at `argument`, `value` and the next ones.
+inline double Interpolate(const double* argument, const double* value, Word stride, double x) {
+    return *value + ((value[stride] - *value) / (argument[stride] - *argument)) * (x - *argument);
+}
+
+} // namespace
 
 CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y) {
     const double* argument = curve.argument;
@@ -24,9 +29,8 @@ CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y) {
         return CurvePlace::Inside;
     }
     for (std::int32_t p = 1; p < curve.points; ++p, argument += curve.stride, value += curve.stride) {
-        const double next = argument[curve.stride];
-        if (*argument <= x && x < next) {
-            y = *value + ((value[curve.stride] - *value) / (next - *argument)) * (x - *argument);
+        if (*argument <= x && x < argument[curve.stride]) {
+            y = Interpolate(argument, value, curve.stride, x);
             return CurvePlace::Inside;
         }
     }
@@ -35,6 +39,33 @@ CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y) {
     if (std::fabs(x - *argument) <= kCurveEndTolerance)
         return CurvePlace::AtLast;
     return CurvePlace::Outside;
+}
+
+bool ArgumentsRise(const CurveView& curve) {
+    const double* argument = curve.argument;
+    for (std::int32_t p = 1; p < curve.points; ++p, argument += curve.stride)
+        if (!(*argument < argument[curve.stride]))
+            return false;
+    return curve.points > 1;
+}
+
+bool LocateOnRisingCurve(const CurveView& curve, int count, double* values) {
+    const double first = *curve.argument;
+    const double last = curve.argument[curve.stride * (curve.points - 1)];
+    bool inside = true;
+    for (int i = 0; i < count; ++i) {
+        const double x = values[i];
+        inside &= first <= x && x < last;
+        Word interval = 0; // the last one that doesn't begin above x is among the `intervals` from here on
+        for (Word intervals = curve.points - 1; intervals > 1;) {
+            const Word half = intervals / 2;
+            interval += half * (curve.argument[(interval + half) * curve.stride] <= x);
+            intervals -= half;
+        }
+        const Word place = interval * curve.stride;
+        values[i] = Interpolate(curve.argument + place, curve.value + place, curve.stride, x);
+    }
+    return inside;
 }
 
 std::int32_t CurveLookup(ConstRealTable pairs, ConstIntArray points, std::int32_t curve, double x, double& y,

@@ -40,6 +40,18 @@ CurveView PairCurve(ConstRealTable pairs, ConstIntArray points, std::int32_t f);
 /// of its first point. With any other answer than Inside, y is left alone. NaN is outside every curve.
 CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y);
 
+/// True for a curve of two points or more whose arguments rise from each point to the next.
+bool ArgumentsRise(const CurveView& curve);
+
+/// LocateOnCurve for several arguments of a curve whose arguments rise: by halving instead of a scan and without a branch
+/// that depends on the argument, so that the lookups run side by side. The values have the same bits.
+///   values  1..count: arguments (input), the values of the curve there (output)
+/// False when an argument lies in no interval; what stands in `values` is of no use then.
+bool LocateOnRisingCurve(const CurveView& curve, int count, double* values);
+
+/// Diffusion curve `curve` of a table as in DiffusionLookup.
+CurveView DiffusionCurve(ConstRealTable table, ConstIntArray points, std::int32_t curve);
+
 /// Value of a curve of pairs at x.
 ///   pairs   2*D x P: D curves of up to P points (input)
 ///   points  1..D: points of each curve, at most P (input)
