@@ -46,7 +46,7 @@ struct MaterialInHand {
     std::int32_t MATE = 0;         // 0: none chosen yet
     double A[3] = {1.0, 1.0, 1.0}; // multipliers of the axes; without a card for them 1
     std::int32_t function[3] = {}; // conduction functions, 0 none
-    CurveView diffusion;           // its curve where EvaluateDiffusion can take it; without points where it can't
+    CurveView diffusion; // its curve where EvaluateDiffusion can take it; without points where it can't
 };
 
 enum class CoefficientStatus { Good, DiffusionRange, CapacityRange, AboveMaximum, BelowMinimum };

@@ -187,9 +187,11 @@ void FormBrick(FormVisit<3>& visit) {
     const BrickRule& rule = visit.brick->rule;
     BrickValues& brick = visit.brick->values;
     const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
-    if (!visit.system.sparse)
-        PrefetchSkylineElement(visit.system.SkylineMatrix, visit.system.MAXA,
-                               ConstIntArray(element.LM, kBrickNodes), kBrickNodes);
+    const ConstIntArray LM(element.LM, kBrickNodes);
+    SkylinePlaces places;
+    const bool located = !visit.system.sparse && visit.system.matrixFlag != 0;
+    if (located)
+        LocateSkylineElement(visit.system.SkylineMatrix, visit.system.MAXA, LM, kBrickNodes, places);
     std::fill(brick.FE, brick.FE + kBrickNodes, 0.0);
     LocateBrickPoints(visit.brick->instructions, rule, element.CORE, element.TE1, brick);
     EvaluateBrickPoints(elements, rule, brick);
@@ -197,8 +199,13 @@ void FormBrick(FormVisit<3>& visit) {
         AddBrickSource(rule, elements.group.held.QV, brick);
     SumBrick(visit.brick->instructions, rule, visit.transient, visit.dt, element.TE0, element.TE1, brick,
              visit.packed.data);
-    AddElement(visit.system, visit.packed, ConstRealArray(brick.FE, kBrickNodes),
-               ConstIntArray(element.LM, kBrickNodes), kBrickNodes);
+    const ConstRealArray FE(brick.FE, kBrickNodes);
+    if (located) {
+        AddAtPlaces(places, visit.packed);
+        AddElementVector(visit.system.R, FE, LM, kBrickNodes);
+    } else {
+        AddElement(visit.system, visit.packed, FE, LM, kBrickNodes);
+    }
 }
 
 // --- one group ----------------------------------------------------------------------------------------------------

@@ -37,11 +37,24 @@ void SkylineAddElement(RealArray SkylineMatrix, ConstIntArray MAXA, RealArray R,
     AddElementVector(R, F, LM, ND);
 }
 
-void PrefetchSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntArray LM, Word ND) {
+void LocateSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntArray LM, Word ND,
+                          SkylinePlaces& places) {
+    double** place = places.entry;
+    places.count = ND * (ND + 1) / 2;
+    places.dropped = 0.0;
     for (Word i = 1; i <= ND; ++i)
-        for (Word j = i; j <= ND; ++j)
-            if (LM(i) > 0 && LM(j) > 0)
-                __builtin_prefetch(SkylineMatrix.data + EntryPosition(MAXA, LM(i), LM(j)) - 1, 1);
+        for (Word j = i; j <= ND; ++j) {
+            double* const entry = LM(i) > 0 && LM(j) > 0
+                                      ? SkylineMatrix.data + EntryPosition(MAXA, LM(i), LM(j)) - 1
+                                      : &places.dropped;
+            __builtin_prefetch(entry, 1);
+            *place++ = entry;
+        }
+}
+
+void AddAtPlaces(SkylinePlaces& places, ConstRealArray S) {
+    for (Word k = 0; k < places.count; ++k)
+        *places.entry[k] += S.data[k];
 }
 
 void SkylineMultiply(ConstRealArray SkylineMatrix, ConstRealArray X, RealArray Y, ConstIntArray MAXA,

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -89,6 +90,39 @@ TEST(CurveLookup, ReportsArgumentsOutsideAndLeavesTheValue) {
             EXPECT_EQ(lookup(1, x).error, 1) << x;
             EXPECT_EQ(lookup(1, x).y, kUntouched) << x;
         }
+    }
+}
+
+// An interval too far to either side, other bits than the scan gives, an argument outside passed as one inside, curves that
+// only the scan knows taken for rising ones.
+TEST(RisingCurve, HalvingGivesTheBitsOfTheScan) {
+    for (std::int32_t points = 2; points <= 21; ++points) {
+        std::vector<double> words;
+        for (int p = 0; p < points; ++p)
+            words.insert(words.end(), {std::exp(0.3 * p) - 2.0, std::sin(7.0 * p)});
+        CurveView curve{words.data(), words.data() + 1, 2, points};
+        ASSERT_TRUE(ArgumentsRise(curve));
+        std::vector<double> x, values;
+        for (int p = 0; p + 1 < points; ++p)
+            for (const double part : {0.0, 0.1, 0.7, 1.0 - 1e-15})
+                x.push_back(words[2 * p] + part * (words[2 * p + 2] - words[2 * p]));
+        values = x;
+        ASSERT_TRUE(LocateOnRisingCurve(curve, static_cast<int>(x.size()), values.data()));
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            double y = kUntouched;
+            LocateOnCurve(curve, x[i], y);
+            EXPECT_EQ(values[i], y) << x[i];
+        }
+        for (const double outside : {words[2 * points - 2], words[0] - 1e-12, kNaN}) {
+            double three[3] = {x[0], outside, x[0]};
+            EXPECT_FALSE(LocateOnRisingCurve(curve, 3, three)) << outside;
+        }
+        for (const double wrong : {words[0], kNaN}) {
+            words[2] = wrong;
+            EXPECT_FALSE(ArgumentsRise(curve));
+        }
+        curve.points = 1;
+        EXPECT_FALSE(ArgumentsRise(curve));
     }
 }
 

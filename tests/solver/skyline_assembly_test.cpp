@@ -18,9 +18,9 @@ using Dense = std::vector<std::vector<double>>;
 const std::int32_t kElements[][4] = {{1, 2, 5, 6}, {6, 3, 0, 2}, {0, 0, 0, 0}, {4, 0, 3, 4}, {5, -1, 4, 1}};
 
 // Faults: an upper entry added to the wrong column when the equations descend, the packed index left behind
-// on a row without equation, F skipped.
+// on a row without equation, F skipped; the places of an element's entries in another order than its packed matrix.
 TEST(SkylineAssembly, AgreesWithADenseSumAndLeavesTheMatrixAloneWithoutTheFlag) {
-    zurt_test::SkylineSystem system = zurt_test::MakeSystem({0, 1, 2, 3, 4, 5});
+    zurt_test::SkylineSystem system = zurt_test::MakeSystem({0, 1, 2, 3, 4, 5}), placed = system;
     Dense K(6, std::vector<double>(6, 0.0));
     std::vector<double> R(6, 0.5), expectedR(6, 0.5), S(10), F(4);
     double value = 1.0;
@@ -43,7 +43,11 @@ TEST(SkylineAssembly, AgreesWithADenseSumAndLeavesTheMatrixAloneWithoutTheFlag) 
         }
         zurt::SkylineAddElement(system.Store(), system.Pointers(), RealArray{R.data(), 6},
                                 RealArray{S.data(), 10}, RealArray{F.data(), 4}, ConstIntArray{LM, 4}, 4, 1);
+        zurt::SkylinePlaces places;
+        zurt::LocateSkylineElement(placed.Store(), placed.Pointers(), ConstIntArray{LM, 4}, 4, places);
+        zurt::AddAtPlaces(places, ConstRealArray{S.data(), 10});
     }
+    EXPECT_EQ(placed.store, system.store);
     EXPECT_EQ(R, expectedR);
     for (Word c = 1; c <= 6; ++c)
         for (Word r = 1; r <= c; ++r)
