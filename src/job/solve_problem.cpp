@@ -73,7 +73,7 @@ void RunRepeatedProblem(Run& run) {
 
 void SolveProblem(Run& run) {
     RunState& state = run.control.state;
-    state.TIME = 0.0;
+    state.TIME = state.StartTime = 0.0; // a steady problem advances neither
     state.KOR = 0;
     state.NCZZ = 0;
     state.PrintCounter = 0;

@@ -56,10 +56,12 @@ BarDeck SmallBar(int steps, int NPRINT, int IGRAF) {
     return bar;
 }
 
-// A steady problem of three steps: the basic data ask for three periods.
+// A steady problem of three steps: the basic data ask for three periods. The source is 1 at time 0, and rises by 3.
 std::string SteadyDeck() {
     BarDeck bar = SmallBar(1, 1, 1);
     bar.steady = true;
+    bar.source = true;
+    bar.sourceCurve = {{0.0, 1.0}, {9.0, 28.0}};
     std::string deck = Build(bar);
     const std::string one = "12 1 1 0 1 1 0 3 0 1 0", three = "12 1 1 0 3 1 0 3 0 1 0";
     return deck.replace(deck.find(one), one.size(), three);
@@ -81,7 +83,8 @@ TEST(StepOutput, GraphicsAtItsIntervalAndAtTheEnd) {
 }
 
 // Faults: a graphics limit formed by steady problems; the limit of the problem before lost, by which a later steady
-// problem writes all its steps; time that advances in a steady problem.
+// problem writes all its steps; time that advances in a steady problem; its source as a mean rate since the start of
+// the last step of the problem before.
 TEST(StepOutput, SteadyProblemsInheritTheGraphicsLimit) {
     const RunResult alone = RunDeck(SteadyDeck());
     EXPECT_EQ(alone.status, 0) << alone.errors;
@@ -93,6 +96,7 @@ TEST(StepOutput, SteadyProblemsInheritTheGraphicsLimit) {
     const RunResult both = RunDeck(Build(first) + SteadyDeck());
     EXPECT_EQ(both.status, 0) << both.errors;
     EXPECT_EQ(ResultNumbers(both), (Steps{1, 2, 1, 2, 3}));
+    EXPECT_NEAR(LastConcentrations(both.listing).at(1), 1.0 / 8.0, 1e-6);
 }
 
 // Faults: the print counter cleared by the first step, the last step not printed, a second problem that goes on with
