@@ -103,7 +103,7 @@ void RaiseHeightsOfGroup(Run& run, const ElementGroup& group) {
 } // namespace
 
 void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family) {
-    const std::int32_t first = run.deck.CardCounter + 1;
+    const std::int32_t first = NumberOfNextCard(run.deck);
     group.indicesChecked = false;
     group.held = HeldCurveValues();
     ReadFamilyGroupCard(run, group, family);

@@ -301,7 +301,7 @@ const CardLayout kRadialElementCard = Layout("Radial element card", kElementFiel
 const CardLayout kRadialNodeCard = Layout("Radial node card", kNodeFields);
 
 void ReadGroupRadial(Run& run, ElementGroup& group) {
-    const std::int32_t first = run.deck.CardCounter + 1;
+    const std::int32_t first = NumberOfNextCard(run.deck);
     ClearIsoparametricFields(group);
     ReadRadialGroupCard(run, group);
     if (EchoInput(run))

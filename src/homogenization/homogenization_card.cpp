@@ -93,7 +93,7 @@ const CardLayout kCurveEndsCard = Layout("Card of the curve ends", kCurveEndsFie
 void ReadHomogenizationCard(Run& run) {
     HomogenizationCard& card = run.fit.card;
     const std::int32_t INDFOR = run.control.header.INDFOR;
-    const std::int32_t first = run.deck.CardCounter + 1;
+    const std::int32_t first = NumberOfNextCard(run.deck);
     ReadCardFields(run.deck, INDFOR, kHomogenizationCard, &card);
     card.INDDEG = std::clamp(card.INDDEG, 1, 3);
     if (card.IDCSF == 1) {

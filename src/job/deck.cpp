@@ -195,6 +195,13 @@ std::string_view ReadCardLine(Deck& deck, std::int32_t INDFOR, const char* group
     return line;
 }
 
+std::int32_t NumberOfNextCard(Deck& deck) {
+    std::int32_t number = deck.CardCounter + 1;
+    for (Word line = deck.nextLine + 1; IsComment(LineText(deck, line)); ++line)
+        ++number;
+    return number;
+}
+
 void TakeImage(std::string_view line, CardBuffer& buffer) {
     const std::size_t length = std::min<std::size_t>(line.size(), kCardLength);
     std::memcpy(buffer.text, line.data(), length);

@@ -64,6 +64,9 @@ void ReadCard(Deck& deck, std::int32_t INDFOR, const char* group, CardBuffer& bu
 /// The same without an image: the line itself, without its line end, which may be longer or shorter than a card.
 std::string_view ReadCardLine(Deck& deck, std::int32_t INDFOR, const char* group);
 
+/// The number that the next card will have: comments ahead of it count, and do not belong to the block that it begins.
+std::int32_t NumberOfNextCard(Deck& deck);
+
 /// Makes the image of a line.
 void TakeImage(std::string_view line, CardBuffer& buffer);
 

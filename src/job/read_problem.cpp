@@ -142,7 +142,7 @@ void ReadElementGroups(Run& run) {
         if (NGE > kMaxGroups)
             StopOnTooManyGroups(run, NGE);
         ElementGroup& group = run.groups[NGE];
-        const std::int32_t first = run.deck.CardCounter + 1;
+        const std::int32_t first = NumberOfNextCard(run.deck);
         group.NGE = NGE;
         ReadGroupCard(run, group);
         if (EchoInput(run))
@@ -173,7 +173,7 @@ void KeepFitColumn(Run& run) {
 
 void ReadMaterialData(Run& run) {
     const HeaderFields& header = run.control.header;
-    const std::int32_t first = run.deck.CardCounter + 1;
+    const std::int32_t first = NumberOfNextCard(run.deck);
     ReadMaterialHeader(run);
     if (EchoInput(run))
         EchoMaterialHeader(run, first);
@@ -223,7 +223,7 @@ void StartAssembledFibres(Run& run) {
 
 void ReadBoundaryData(Run& run) {
     const CurveCounts& counts = run.control.counts;
-    const std::int32_t first = run.deck.CardCounter + 1;
+    const std::int32_t first = NumberOfNextCard(run.deck);
     ReadBoundaryCard(run);
     if (EchoInput(run))
         EchoBoundaryCard(run, first);

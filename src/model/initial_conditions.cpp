@@ -58,20 +58,20 @@ void EchoSingleValue(Run& run, double CINITAL) {
         Write(listing, "(/6X,'SVE TACKE IMAJU ISTU POCETNU TEMPERATURU ... TPOC =',1PE10.3)", CINITAL);
     else
         Write(listing, "(/6X,'ALL POINTS HAVE SAME INITIAL CONCENTRATION.. CINITAL =',D10.4)", CINITAL);
-    Write(listing, "(16X,'(FOR NSTAC.EQ.1)')");
+    Write(listing, "(16X,A)", Say(run, "(ZA NSTAC.EQ.1)", "(FOR NSTAC.EQ.1)"));
 }
 
 void ReadSingleValue(Run& run, const StartArrays& arrays) {
+    if (EchoInput(run))
+        Write(
+            run.units.listing, "(///6X,A)",
+            Say(run, "P O C E T N E   T E M P E R A T U R E", "I N I T I A L   C O N C E N T R A T I O N S"));
     InitialValueCard card;
     card.VALUE = run.control.state.OutletStart;
     ReadCardFields(run.deck, run.control.header.INDFOR, kInitialValueCard, &card);
     run.control.state.OutletStart = card.VALUE;
-    if (EchoInput(run)) {
-        Write(
-            run.units.listing, "(///6X,A)",
-            Say(run, "P O C E T N E   T E M P E R A T U R E", "I N I T I A L   C O N C E N T R A T I O N S"));
+    if (EchoInput(run))
         EchoSingleValue(run, card.VALUE);
-    }
     Fill(arrays.byNode, card.VALUE);
     for (Word i = 1; i <= arrays.ID.length; ++i)
         if (arrays.ID(i) > 0)

@@ -150,7 +150,7 @@ void ReadOutletData(Run& run) {
 double TimeMultiplierOfGroup(const Run& run, std::int32_t NGE) {
     const HeaderFields& header = run.control.header;
     const OutletFields& outlet = run.control.outlet;
-    const bool cardsRead = header.NANOCH > 0 && (header.NDS == 1 || header.NDS == 3);
+    const bool cardsRead = header.NANOCH > 0 && header.NDS != 0 && header.NDS != 2;
     const bool on = (NGE == 1 && outlet.ITMF1 == 1) || (NGE == 2 && outlet.ITMF2 == 1);
     if (!cardsRead || !on)
         return 1.0;

@@ -1,7 +1,8 @@
 // Outlet and reservoir cards of device problems with a nanochannel, and the time multiplier of diffusion coefficients.
 //
-// Concentrations and times are in the deck's units. Called by the driver with NDS 1 or 3 and NANOCH positive, where other
-// problems have their time functions; the multiplier is read by the coefficient code at every visit of a group.
+// Concentrations and times are in the deck's units. Called by the driver with NANOCH positive and an NDS that is neither
+// 0 nor 2, where other problems have their time functions; the multiplier is read by the coefficient code at every visit
+// of a group.
 #pragma once
 
 #include "job/card.h"

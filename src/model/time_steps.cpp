@@ -24,7 +24,7 @@ constexpr CardField kStepSizeFields[] = {
 
 void ReadPeriodCards(Run& run) {
     const std::int32_t INDFOR = run.control.header.INDFOR;
-    const std::int32_t firstCard = run.deck.CardCounter + 1;
+    const std::int32_t firstCard = NumberOfNextCard(run.deck);
     ReadIntegerCards(run.deck, INDFOR, kStepCountCards.group, kStepCountFields[0].name, kStepCountDescriptor,
                      kPeriodsPerCard, PeriodStepCounts(run));
     ReadRealCards(run.deck, INDFOR, kStepSizeCards.group, kStepSizeFields[0].name, kStepSizeDescriptor,

@@ -95,6 +95,9 @@ TEST(Outlet, TimeMultiplierActsAtTheEndOfTheStepInItsGroups) {
     SetCoefficient(bar, 1.0);
     bar.outlet = Multiplier(1, 1, {{0.0, 0.5}, {0.01, 0.5}});
     ExpectEqual(Concentrations(bar), half);
+    bar.NDS = 4; // reads the cards as well
+    ExpectEqual(Concentrations(bar), half);
+    bar.NDS = 1;
     SetCoefficient(bar, 0.5);
     bar.periods = {{1, 0.02}};
     bar.outlet = Multiplier(1, 1, {{0.0, 0.0}, {0.04, 4.0}});

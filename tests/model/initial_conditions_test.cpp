@@ -62,6 +62,10 @@ TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
             EXPECT_EQ(run->deck.nextLine, 2);
             EXPECT_TRUE(Contains(ListingOf(*run),
                                  "ALL POINTS HAVE SAME INITIAL CONCENTRATION.. CINITAL =0.2500D+01\n"));
+            run->deck.nextLine = 0;
+            run->control.state.Language = kSerbian;
+            ReadInitialConditions(*run);
+            EXPECT_TRUE(Contains(ListingOf(*run), " TPOC = 2.500E+00\n                (ZA NSTAC.EQ.1)\n"));
             const RunPointer channel = StartRun(deck, NPOC, INDFOR);
             channel->control.header.NANOCH = 2;
             ReadInitialConditions(*channel);

@@ -55,10 +55,10 @@ TEST(TimeSteps, FixedCardsHoldNinePeriods) {
 }
 
 TEST(TimeSteps, ReportListsEveryPeriod) {
-    const RunPointer run = ReadSteps("2 0\n0.5 0.125\n", 2, 1, 1);
+    const RunPointer run = ReadSteps("C a comment is no part of the block\nC-\n2 0\n0.5 0.125\n", 2, 1, 1);
     const std::string listing = ListingOf(*run);
     const std::string blanks(32, ' ');
-    EXPECT_TRUE(Contains(listing, " CARD FROM NUMBER     1 TO    2\n"));
+    EXPECT_TRUE(Contains(listing, " CARD FROM NUMBER     3 TO    4\n"));
     EXPECT_TRUE(Contains(listing, "D A T A   F O R   T I M E   S T E P S"));
     EXPECT_TRUE(Contains(listing, "\n                    1" + blanks + "         2" + std::string(25, ' ') +
                                       "0.5000D+00\n"));
