@@ -14,7 +14,8 @@ constexpr double kNegligible = 1e-15;
 void WritePageHead(Run& run) {
     const RunState& state = run.control.state;
     static const Format english("(///'1'/' S T E P  NUMBER =',I6,25X,'  T I M E =',1PE12.5)");
-    static const Format serbian("(///'1'/' K O R A K  BROJ =',I6,25X,'V R E M E =',1PE12.5)");
+    static const Format serbian("(///'1'/' K O R A K  BROJ =',I6,25X,'V R E M E =',1PE12.5/"
+                                "'               T   E   M   P   E   R   A   T   U   R   E')");
     TextUnit& listing = run.units.listing;
     Write(listing, state.Language == kSerbian ? serbian : english, state.KOR, state.TIME);
     if (state.NonlinearFlag != 0)
@@ -27,7 +28,6 @@ void WritePageHead(Run& run) {
 void WriteConcentrations(Run& run) {
     TextUnit& listing = run.units.listing;
     if (run.control.state.Language == kSerbian) {
-        Write(listing, "(A)", "               T   E   M   P   E   R   A   T   U   R   E");
         Write(listing, "(A/)", "                  C V O R N E    T E M P E R A T U R E");
         Write(listing, "(A)", " CVOR  TEMPERATURA CVOR  TEMPERATURA CVOR  TEMPERATURA CVOR  TEMPERATURA");
     } else {

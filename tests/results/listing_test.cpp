@@ -51,7 +51,7 @@ TEST(NodalListing, FourNodesALineInExponentForm) {
 }
 
 // Faults: IFORM without effect, or a form of its own for other values; iterations not shown when they ran; flux y in
-// the place of flux x.
+// the place of flux x; the Serbian head torn apart.
 TEST(NodalListing, FixedFormIterationsAndFluxes) {
     SmallRun small;
     Prepare(small.run, 1);
@@ -72,6 +72,13 @@ TEST(NodalListing, FixedFormIterationsAndFluxes) {
     small.run.control.header.IFORM = 2;
     PrintNodalResults(small.run);
     EXPECT_EQ(zurt_test::CountOf(Written(small.run.units.listing), "      0.15000E+01"), 1);
+    small.run.control.state.Language = kSerbian;
+    PrintNodalResults(small.run);
+    EXPECT_NE(
+        Written(small.run.units.listing)
+            .find("V R E M E = 2.50000E-01\n               T   E   M   P   E   R   A   T   U   R   E\n"
+                  " BROJ ITERACIJA ............................. ITER =    3\n                  C V O R N E"),
+        std::string::npos);
 }
 
 // Faults: small values printed, set to 0 in print alone, or values of 1e-15 and above set to 0; fluxes changed too.
