@@ -77,13 +77,7 @@ void UpdateParameter(Run& run, const FittedCurve& curve) {
 
 // A target of zero, or of what rounding leaves of it, leaves the search without a scale. It goes on as it is told to and
 // ends at its limit of iterations.
-void ReportZeroMass(Run& run) {
-    static const Format text(
-        "(/' NO MASS PASSES THE INLET CROSS-SECTION OF DIRECTION',I2,' IN THE MODEL WITH FIBRES:'"
-        "/' THE FIT HAS NO TARGET AND CAN NOT CONVERGE. LOOK FOR START VALUES AND RESERVOIRS THAT'"
-        "/' DRIVE NO FLOW IN THIS DIRECTION, FOR NFSTEP 0, OR FOR FIBRES THAT CLOSE THE CROSS-SECTION.'/)");
-    Write(run.units.console, text, run.fit.card.INDDEG);
-    Write(run.units.listing, text, run.fit.card.INDDEG);
+void NoteZeroMass(const Run& run) {
     WriteNote("the model with fibres passes no mass in direction " + std::to_string(run.fit.card.INDDEG) +
               ": the fit has no target");
 }
@@ -93,7 +87,7 @@ void TakeMass(Run& run, std::int32_t steps) {
     if (fit.IPHASE == 0) {
         fit.MASSFIB = MassOfRun(run, run.mass.FLUXMICRO, steps);
         if (IsMassOfRounding(run, fit.MASSFIB))
-            ReportZeroMass(run);
+            NoteZeroMass(run);
     } else {
         fit.MASSEHM = MassOfRun(run, run.mass.FLUXEQUIV, steps);
     }
