@@ -15,14 +15,22 @@ namespace {
 
 constexpr const char* kDefaultDeckName = "zurt.dat";
 
-// One line of the console, without its end; the end of the input is an error.
+// One line of the console, without its end; the end of the input is an error. What goes beyond the length of a name is
+// dropped.
 std::string ReadConsoleLine(Run& run) {
     FlushTextUnit(run.units.console);
     std::string line;
+    bool cut = false;
     int c = 0;
-    while ((c = std::getc(run.units.consoleInput)) != EOF && c != '\n')
+    while ((c = std::getc(run.units.consoleInput)) != EOF && c != '\n') {
         if (line.size() < kNameLength)
             line.push_back(static_cast<char>(c));
+        else
+            cut = cut || (c != ' ' && c != '\r');
+    }
+    if (cut)
+        WriteNote("an answer has up to " + std::to_string(kNameLength) +
+                  " characters; what is taken of this one is \"" + line + "\"");
     if (c == EOF && line.empty())
         StopWithLibraryError("the console input ended where an answer is expected");
     if (!line.empty() && line.back() == '\r')

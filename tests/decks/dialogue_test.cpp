@@ -55,6 +55,8 @@ TEST(Dialogue, DefaultNamesFollowTheDeck) {
         const std::string folder = FolderWith(test.deck);
         const RunResult result = RunInFolder(folder, std::string(test.answer) + "\n\n\n");
         EXPECT_EQ(result.status, 0) << test.answer << result.errors;
+        EXPECT_EQ(CountOf(result.errors, "up to 20 characters"),
+                  std::string(test.answer).size() > 20 ? 1 : 0);
         EXPECT_EQ(result.console.find("   INPUT FILE NAME   <zurt.dat>\n   OUTPUT FILE NAME   <" +
                                       std::string(test.listing) + ">\n   OUTPUT GRAPHICS FILE NAME   <" +
                                       test.graphics + ">\n"),
