@@ -51,6 +51,12 @@ bool FileExists(const std::string& name) {
     return stat(name.c_str(), &status) == 0;
 }
 
+// Only a plain file is deleted: a device or a pipe is written to as it stands, and a folder can't be.
+bool IsPlainFile(const std::string& name) {
+    struct stat status;
+    return stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 void DeriveDefaultNames(Run& run, const std::string& name) {
     const bool capitals = name[0] >= 'A' && name[0] <= 'Z';
     const std::size_t point = name.find('.');
@@ -99,7 +105,7 @@ void OpenOutput(Run& run, TextUnit& unit, const char* prompt, const std::string&
         if (FileExists(name)) {
             if (!AskToDelete(run, name))
                 continue;
-            if (unlink(name.c_str()) != 0) // refuses a folder of that name
+            if (IsPlainFile(name) && unlink(name.c_str()) != 0)
                 StopWithLibraryError("can't delete " + name + ": " + std::strerror(errno));
         }
         OpenTextUnit(unit, name);

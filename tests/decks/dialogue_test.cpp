@@ -229,6 +229,10 @@ TEST(Dialogue, FilesThatCantBeWritten) {
     const RunResult nowhere = RunInFolder(FolderWith("zurt.dat"), "\n/no/such/file.lst\n\n");
     EXPECT_EQ(nowhere.status, 2);
     EXPECT_NE(nowhere.errors.find("zurt: error: can't open /no/such/file.lst"), std::string::npos);
+    const std::string discarding = FolderWith("zurt.dat");
+    fs::create_symlink("/dev/null", discarding + "/zurt.unv");
+    EXPECT_EQ(RunInFolder(discarding, "\n\n\nD\n").status, 0);
+    EXPECT_TRUE(fs::is_symlink(discarding + "/zurt.unv")) << "a device is no file to be deleted";
     for (const char* name : {"MESSAGES.LST", "MASS-X.LST"}) { // opened without a question
         const std::string folder = FolderWith("zurt.dat");
         fs::create_symlink("/dev/full", folder + "/" + name);
