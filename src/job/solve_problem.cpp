@@ -24,6 +24,11 @@ void WriteProblemNotes(const Run& run) {
         WriteNote(
             "a transient problem with constant coefficients takes one solve a step, and its solution is not "
             "the concentration: give a curve two points (of equal value), so that the steps iterate");
+    if (run.control.header.NSTAC == 0 && run.control.state.NonlinearFlag == 0 &&
+        (run.control.header.NDS == 1 || run.control.header.NDS == 3))
+        WriteNote(
+            "a steady problem with constant coefficients has no sound fluxes at the nodes, free nodes count "
+            "as 0 there: give a curve two points (of equal value), so that it iterates");
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (run.groups[NGE].IZIP == 2)
             WriteNote("group " + std::to_string(NGE) +

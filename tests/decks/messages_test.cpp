@@ -123,6 +123,24 @@ TEST(Messages, NoEquilibriumUnderNDS) {
                                     " Increase percentage error tolerance,ERRORPERCENT\n");
 }
 
+// Faults: a linear problem without its note, an iterating one with it.
+TEST(Messages, NotesOfLinearProblems) {
+    BarDeck bar = SmallBar();
+    bar.NDS = 1;
+    bar.fixedFormat = true;
+    for (const bool linear : {true, false})
+        for (const bool steady : {true, false}) {
+            bar.steady = steady;
+            bar.diffusion = {{-1000.0, 1.0}, {1000.0, 1.0}};
+            if (linear)
+                bar.diffusion.pop_back();
+            const std::string errors = RunDeck(Build(bar)).errors;
+            EXPECT_EQ(CountOf(errors, "note: a steady problem with constant coefficients"), linear && steady);
+            EXPECT_EQ(CountOf(errors, "note: a transient problem with constant coefficients"),
+                      linear && !steady);
+        }
+}
+
 // Faults: the eleventh group read before the message, ten groups refused, or a fault of the group table.
 TEST(Messages, TenGroupsAtMost) {
     BarDeck bar = SmallBar();
