@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <string>
 
 namespace zurt {
 
@@ -181,6 +182,9 @@ void ReadBasicData(Run& run) {
         Write(unit, "(A)", Say(run, " A MORA BITI VECI OD NULE |", " MUST BE GREATER THAN ZERO!"));
         StopRun();
     }
+    if (header.NSTAC != 0 && header.NPER < 0)
+        DeckError(run.deck, kBasicDataCard.group, "NPER", std::to_string(header.NPER),
+                  "a transient problem needs a count of periods");
     for (std::int32_t* field :
          {&header.NGET, &header.NMATT, &header.NPER, &header.NPRINT, &header.NULAZ, &header.IGRAF})
         if (*field == 0)

@@ -25,7 +25,8 @@ void ReadTitle(Run& run);
 void ReadFormatCard(Run& run);
 /// Device cards, and the degradation card under INDDEGR 1; always taken by columns.
 void ReadDeviceCards(Run& run);
-/// Basic data; NP not positive stops the run before any default is set.
+/// Basic data; NP not positive stops the run before any default is set. A negative NPER of a transient problem is a deck
+/// error.
 void ReadBasicData(Run& run);
 void ReadControlCard(Run& run);
 void ReadExecutionCard(Run& run);

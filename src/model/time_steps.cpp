@@ -90,10 +90,6 @@ void ReadTimeSteps(Run& run, std::int32_t mode) {
     if (mode < 0)
         return;
     if (mode == 0) {
-        const std::int32_t NPER = run.control.header.NPER;
-        if (NPER < 0)
-            DeckError(run.deck, "Basic data card", "NPER", std::to_string(NPER),
-                      "a transient problem needs a count of periods");
         ReadPeriodCards(run);
         CountSteps(run);
         return;

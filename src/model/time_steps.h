@@ -24,8 +24,7 @@ extern const CardLayout kStepSizeCards;
 
 /// Mode 0: reads steps per period and step size per period, sets NDT. Mode 1: fills the list of step sizes, sets TIME
 /// to their running sum, in the order of the steps, and writes the report. Mode below 0: nothing.
-/// A period with a count below 1 adds neither steps nor time. A negative NPER and more steps than a 32-bit integer can
-/// count are deck errors.
+/// A period with a count below 1 adds neither steps nor time. More steps than a 32-bit integer can count are a deck error.
 void ReadTimeSteps(Run& run, std::int32_t mode);
 
 /// Steps of each period, step size of each period, and the size of each step.

@@ -197,7 +197,7 @@ TEST(Damaged, Counts) {
         {"free", kBasic, "16 1 2000000000 1 2 1 0 3 0 1 0 ", 0, kOverflow},
         {"free", kBasic, "16 1 -1 1 2 1 0 3 0 1 0 ", 2, "field NMATT: \"-1\""},
         {"free", kBasic, "16 1 1 1 2000000000 1 0 3 0 1 0 ", 0, kOverflow},
-        {"free", kBasic, "16 1 1 1 -2 1 0 3 0 1 0 ", 2, "field NPER: \"-2\""},
+        {"free", kBasic, "16 1 1 1 -2 1 0 3 0 1 0 ", 2, "line 3, Basic data card, field NPER: \"-2\""},
         {"free", "2 1 \n", "2147483646 1 \n", 0,
          " REQUIRED DIMENSION, LMAX =2147483652\n AVAILABLE DIMENSION, NTOTA= 120000000\n"},
         {"free", "2 1 \n", "2000000000 2000000000\n", 2, "the periods have more steps than can be counted"},
