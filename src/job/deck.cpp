@@ -67,6 +67,18 @@ void ReadBytes(Deck& deck, std::FILE* file, Word expected) {
     }
 }
 
+// Editors of other systems put this ahead of the first line.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+void DropByteOrderMark(Deck& deck) {
+    if (std::string_view(deck.bytes.get(), static_cast<std::size_t>(deck.size))
+            .substr(0, kByteOrderMark.size()) != kByteOrderMark)
+        return;
+    deck.size -= static_cast<Word>(kByteOrderMark.size());
+    std::memmove(deck.bytes.get(), deck.bytes.get() + kByteOrderMark.size(),
+                 static_cast<std::size_t>(deck.size));
+}
+
 void ReadWholeFile(Deck& deck) {
     std::FILE* file = std::fopen(deck.name.c_str(), "rb");
     if (file == nullptr)
@@ -158,6 +170,7 @@ void OpenDeck(Deck& deck, const std::string& name) {
     deck = Deck();
     deck.name = name;
     ReadWholeFile(deck);
+    DropByteOrderMark(deck);
 }
 
 Word LineCount(Deck& deck) {

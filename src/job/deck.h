@@ -2,8 +2,8 @@
 //
 // The deck is read whole into memory; a step back only lowers the number of the next line. The place of
 // the line found last is kept, and the next one is found from there; lines are counted only for somebody who asks how
-// many there are. CRLF line ends are taken. CardCounter counts the records that ReadCard has read, comments included,
-// over all problems of the deck; `lineInHand` is the true line number, for error reports.
+// many there are. CRLF line ends and a byte order mark are taken. CardCounter counts the records that ReadCard has read,
+// comments included, over all problems of the deck; `lineInHand` is the true line number, for error reports.
 #pragma once
 
 #include "core/array_view.h"

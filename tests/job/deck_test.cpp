@@ -27,9 +27,10 @@ std::string Padded(std::string text) {
 }
 
 // Faults: a small c, a C with another letter or a C in column 2 taken for a comment; a lone C, which the blanks of the
-// image follow, taken for data; comments left out of the count.
+// image follow, taken for data; comments left out of the count; a byte order mark that hides the first C.
 TEST(Deck, CommentsBeginWithOneOfThreePairsExactly) {
-    SmallRun small("C a comment\nC*\nC---\nC\nCX title\nc small\n C shifted\nC\ttab\nC\r\nlast\n");
+    SmallRun small("\xEF\xBB\xBF"
+                   "C a comment\nC*\nC---\nC\nCX title\nc small\n C shifted\nC\ttab\nC\r\nlast\n");
     Deck& deck = small.run.deck;
     EXPECT_EQ(NextCard(deck, 2), Padded("CX title"));
     EXPECT_EQ(deck.CardCounter, 5);
