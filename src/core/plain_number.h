@@ -80,8 +80,7 @@ inline bool ReadPlainIntegerField(std::string_view record, std::size_t column, s
     for (; column + 8 < end; ++column)
         if (record[column] != ' ')
             return false;
-    std::uint64_t text =
-        end >= 8 ? LoadEight(record.data() + end - 8) : LoadEight(record.data()) << (64 - 8 * end);
+    std::uint64_t text = end >= 8 ? LoadEight(&record[end - 8]) : LoadEight(&record[0]) << (64 - 8 * end);
     const std::uint64_t ahead = end - column < 8 ? ~std::uint64_t{0} >> (8 * (end - column)) : 0;
     text = (text & ~ahead) | (kEightBlanks & ahead); // columns ahead of the field
     // A digit gives 0 and its value, a blank 16 and 0; a blank may stand at the front or behind another one.

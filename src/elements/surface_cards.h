@@ -18,7 +18,7 @@ template <int Dimension> constexpr int kSideCorners = 1 << (Dimension - 1);
 constexpr int kSurfaceFields = 5;
 
 /// Words of `A` that the records of one element take.
-template <int Dimension> constexpr Word kSurfaceRecordWords = kSurfaceFields* kSides<Dimension>;
+template <int Dimension> constexpr Word kSurfaceRecordWords = Word{kSides<Dimension>} * kSurfaceFields;
 
 /// Places of the five integers of a side.
 enum SurfaceField {

@@ -91,7 +91,7 @@ void ReadWholeFile(Deck& deck) {
         const long size = std::ftell(file);
         if (size > 0 && size < std::numeric_limits<long>::max())
             expected = size;
-        std::rewind(file);
+        std::fseek(file, 0, SEEK_SET);
     }
     errno = 0;
     ReadBytes(deck, file, expected);

@@ -105,8 +105,11 @@ void ReadListText(const std::string& record, std::size_t first, std::string& tex
         text = record.substr(first, record.find_first_of(" \t,/", first) - first);
     } else {
         for (std::size_t i = first + 1; i < record.size(); ++i) {
-            if (record[i] == quote && (i + 1 == record.size() || record[++i] != quote))
-                break;
+            if (record[i] == quote) {
+                ++i; // a quote counts when another one follows
+                if (i == record.size() || record[i] != quote)
+                    break;
+            }
             text += record[i];
         }
     }

@@ -29,12 +29,17 @@ void WriteItems(std::FILE* unit, const void* items, std::size_t size, std::size_
         StopOnStepFile();
 }
 
+void Rewind(std::FILE* unit) {
+    if (std::fseek(unit, 0, SEEK_SET) != 0)
+        StopOnStepFile();
+}
+
 } // namespace
 
 void SaveStep(std::int32_t KOR, double TIME, ConstRealArray solution, std::int32_t NCZK, std::int32_t& NCZZ,
               std::FILE* unit) {
     if (KOR == 1)
-        std::rewind(unit);
+        Rewind(unit);
     // The record's length in bytes stands ahead of it and behind it, as unformatted sequential records have it.
     const std::int64_t length = 8 * (solution.length + 1);
     WriteItems(unit, &length, sizeof length, 1);
@@ -48,7 +53,7 @@ void SaveStep(std::int32_t KOR, double TIME, ConstRealArray solution, std::int32
     }
     const double x = static_cast<double>(KOR) / NCZK;
     if (std::fabs(x - std::trunc(x)) < kIntegerTolerance)
-        std::rewind(unit);
+        Rewind(unit);
 }
 
 } // namespace zurt
