@@ -51,6 +51,23 @@ bool FileExists(const std::string& name) {
     return stat(name.c_str(), &status) == 0;
 }
 
+bool AreOnePlainFile(const std::string& name, const std::string& other) {
+    struct stat first, second;
+    return stat(name.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+// An output file of the name of the deck, or of one already open, would delete it.
+void RequireUnused(const Run& run, const std::string& name) {
+    const char* user = nullptr;
+    if (AreOnePlainFile(name, run.deck.name))
+        user = "deck";
+    else if (IsOpen(run.units.listing) && AreOnePlainFile(name, run.units.listing.name))
+        user = "listing";
+    if (user != nullptr)
+        StopWithLibraryError("can't open " + name + " for writing: it is the " + user + " of this run");
+}
+
 // Only a plain file is deleted: a device or a pipe is written to as it stands, and a folder can't be.
 bool IsPlainFile(const std::string& name) {
     struct stat status;
@@ -102,6 +119,7 @@ void OpenOutput(Run& run, TextUnit& unit, const char* prompt, const std::string&
         std::string name = ReadName(run);
         if (name.empty())
             name = defaultName;
+        RequireUnused(run, name);
         if (FileExists(name)) {
             if (!AskToDelete(run, name))
                 continue;

@@ -216,7 +216,8 @@ TEST(Dialogue, MissingDeck) {
     EXPECT_NE(empty.errors.find("Title card: the deck ends here"), std::string::npos);
 }
 
-// Faults: a file that can't be written goes unnoticed or ends the run as a normal end; a folder in its way deleted.
+// Faults: a file that can't be written goes unnoticed or ends the run as a normal end; a folder in its way deleted, or
+// the deck, or the open listing.
 TEST(Dialogue, FilesThatCantBeWritten) {
     for (const char* name : {"zurt.lst", "zurt.unv", "MESSAGES.LST", "ZITEMP", "MASS-X.LST"}) {
         const std::string folder = FolderWith("zurt.dat");
@@ -229,6 +230,14 @@ TEST(Dialogue, FilesThatCantBeWritten) {
     const RunResult nowhere = RunInFolder(FolderWith("zurt.dat"), "\n/no/such/file.lst\n\n");
     EXPECT_EQ(nowhere.status, 2);
     EXPECT_NE(nowhere.errors.find("zurt: error: can't open /no/such/file.lst"), std::string::npos);
+    for (const auto& [answers, lost] :
+         {std::pair{"\nzurt.dat\n\n\n", "deck"}, {"\nout\n./out\n\n", "listing"}}) {
+        const std::string folder = FolderWith("zurt.dat");
+        const RunResult same = RunInFolder(folder, answers);
+        EXPECT_EQ(same.status, 2);
+        EXPECT_NE(same.errors.find(std::string("it is the ") + lost), std::string::npos) << same.errors;
+        EXPECT_EQ(ReadFile(folder + "/zurt.dat"), ShortDeck());
+    }
     const std::string discarding = FolderWith("zurt.dat");
     fs::create_symlink("/dev/null", discarding + "/zurt.unv");
     EXPECT_EQ(RunInFolder(discarding, "\n\n\nD\n").status, 0);
