@@ -58,8 +58,8 @@ std::string_view ColumnsOf(std::string_view card, int column, int width) {
     return card.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(width));
 }
 
-void ReadIntegerColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
-                        std::string_view card, int column, std::int32_t& value) {
+void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
+                 std::string_view card, int column, std::int32_t& value) {
     if (ReadPlainIntegerField(card, static_cast<std::size_t>(column),
                               static_cast<std::size_t>(descriptor.width), value))
         return;
@@ -67,8 +67,8 @@ void ReadIntegerColumns(const CardPlace& place, const char* name, const FieldDes
     CheckFieldStatus(place, name, descriptor, text, ReadIntegerField(text, value));
 }
 
-void ReadRealColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
-                     std::string_view card, int column, double& value) {
+void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
+                 std::string_view card, int column, double& value) {
     if (ReadPlainRealField(card, static_cast<std::size_t>(column), static_cast<std::size_t>(descriptor.width),
                            descriptor.decimals, value))
         return;
@@ -92,11 +92,11 @@ void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, std::
         for (int k = 0; k < field.count; ++k, column += descriptor.width) {
             if (descriptor.kind == 'I') {
                 std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
-                ReadIntegerColumns(place, field.name, descriptor, card, column, value);
+                ReadColumns(place, field.name, descriptor, card, column, value);
                 CheckInteger(place, field, value);
             } else {
-                ReadRealColumns(place, field.name, descriptor, card, column,
-                                reinterpret_cast<double*>(record + field.offset)[k]);
+                ReadColumns(place, field.name, descriptor, card, column,
+                            reinterpret_cast<double*>(record + field.offset)[k]);
             }
         }
     }
@@ -115,7 +115,7 @@ void BeginListRead(ListRead& read) {
 }
 
 // Asks for records until the item is there; false when '/' has ended the statement.
-bool NextInteger(ListRead& read, const char* name, std::int32_t& value) {
+bool NextNumber(ListRead& read, const char* name, std::int32_t& value) {
     ListStatus status;
     while ((status = NextListInteger(read.scanner, value)) == ListStatus::NeedRecord)
         ContinueList(read.scanner, NextRecord(read.deck, read.group));
@@ -127,7 +127,7 @@ bool NextInteger(ListRead& read, const char* name, std::int32_t& value) {
     return status != ListStatus::Ended;
 }
 
-bool NextReal(ListRead& read, const char* name, double& value) {
+bool NextNumber(ListRead& read, const char* name, double& value) {
     ListStatus status;
     while ((status = NextListReal(read.scanner, value)) == ListStatus::NeedRecord)
         ContinueList(read.scanner, NextRecord(read.deck, read.group));
@@ -154,13 +154,40 @@ void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
         for (int k = 0; k < field.count; ++k) {
             if (field.descriptor.kind == 'I') {
                 std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
-                if (!NextInteger(read, field.name, value))
+                if (!NextNumber(read, field.name, value))
                     return;
                 CheckInteger({deck, layout.group}, field, value);
-            } else if (!NextReal(read, field.name, reinterpret_cast<double*>(record + field.offset)[k])) {
+            } else if (!NextNumber(read, field.name, reinterpret_cast<double*>(record + field.offset)[k])) {
                 return;
             }
         }
+    }
+}
+
+// --- many numbers of one kind -------------------------------------------------------------------------------------
+
+template <typename Number>
+void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                     const char* descriptor, int perCard, ArrayView<Number> values) {
+    const FieldDescriptor form = Descriptor(descriptor);
+    if (INDFOR == 1) {
+        ReadCardLine(deck, INDFOR, group);
+        ListRead read{deck, group, {}};
+        BeginListRead(read);
+        for (Word i = 1; i <= values.length && NextNumber(read, field, values(i)); ++i) {
+        }
+    } else if (INDFOR == 2) {
+        CardBuffer image;
+        for (Word first = 1; first <= values.length; first += perCard) {
+            const std::string_view line = ReadCardLine(deck, INDFOR, group);
+            const std::string_view card = CardText(line, perCard * form.width, image);
+            const Word last = std::min(values.length, first + perCard - 1);
+            for (Word i = first; i <= last; ++i)
+                ReadColumns({deck, group}, field, form, card, static_cast<int>(i - first) * form.width,
+                            values(i));
+        }
+    } else {
+        ReadCardLine(deck, INDFOR, group); // counted, and no field is read from it
     }
 }
 
@@ -183,50 +210,12 @@ void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, 
 
 void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
                       const char* descriptor, int perCard, IntArray values) {
-    const FieldDescriptor form = Descriptor(descriptor);
-    if (INDFOR == 1) {
-        ReadCardLine(deck, INDFOR, group);
-        ListRead read{deck, group, {}};
-        BeginListRead(read);
-        for (Word i = 1; i <= values.length && NextInteger(read, field, values(i)); ++i) {
-        }
-    } else if (INDFOR == 2) {
-        CardBuffer image;
-        for (Word first = 1; first <= values.length; first += perCard) {
-            const std::string_view line = ReadCardLine(deck, INDFOR, group);
-            const std::string_view card = CardText(line, perCard * form.width, image);
-            const Word last = std::min(values.length, first + perCard - 1);
-            for (Word i = first; i <= last; ++i)
-                ReadIntegerColumns({deck, group}, field, form, card, static_cast<int>(i - first) * form.width,
-                                   values(i));
-        }
-    } else {
-        ReadCardLine(deck, INDFOR, group); // counted, and no field is read from it
-    }
+    ReadNumberCards(deck, INDFOR, group, field, descriptor, perCard, values);
 }
 
 void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
                    const char* descriptor, int perCard, RealArray values) {
-    const FieldDescriptor form = Descriptor(descriptor);
-    if (INDFOR == 1) {
-        ReadCardLine(deck, INDFOR, group);
-        ListRead read{deck, group, {}};
-        BeginListRead(read);
-        for (Word i = 1; i <= values.length && NextReal(read, field, values(i)); ++i) {
-        }
-    } else if (INDFOR == 2) {
-        CardBuffer image;
-        for (Word first = 1; first <= values.length; first += perCard) {
-            const std::string_view line = ReadCardLine(deck, INDFOR, group);
-            const std::string_view card = CardText(line, perCard * form.width, image);
-            const Word last = std::min(values.length, first + perCard - 1);
-            for (Word i = first; i <= last; ++i)
-                ReadRealColumns({deck, group}, field, form, card, static_cast<int>(i - first) * form.width,
-                                values(i));
-        }
-    } else {
-        ReadCardLine(deck, INDFOR, group);
-    }
+    ReadNumberCards(deck, INDFOR, group, field, descriptor, perCard, values);
 }
 
 void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit) {
