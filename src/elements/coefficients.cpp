@@ -206,7 +206,7 @@ bool EvaluateDiffusion(const CoefficientTables& tables, const MaterialInHand& ma
         return false;
     for (int p = 0; p < count; ++p)
         K[p] = std::fabs(TG[p]);
-    if (!LocateOnRisingCurve(material.diffusion, count, K))
+    if (!LookUpRisingCurve(material.diffusion, count, K))
         return false;
     for (int p = 0; p < count; ++p)
         K[p] *= tables.timeMultiplier;

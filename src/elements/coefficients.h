@@ -68,7 +68,7 @@ bool EvaluateCoefficients(const CoefficientTables& tables, const MaterialInHand&
                           HeldCurveValues& held, Coefficients& coefficients, CoefficientFailure& failure);
 
 /// KX, KY and KZ at concentrations TG(1..count) at once, for coefficients that come from a diffusion curve and nothing
-/// else; the same bits as EvaluateCoefficients gives. False when they don't, or when some TG lies in no interval of the
+/// else; the same bits as EvaluateCoefficients gives. False when they don't, or when some TG lies outside the
 /// curve: EvaluateCoefficients then has to tell, concentration by concentration.
 ///   TG, K  1..count; K is the output, for all axes
 bool EvaluateDiffusion(const CoefficientTables& tables, const MaterialInHand& material, const double* TG,

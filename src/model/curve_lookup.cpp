@@ -49,13 +49,21 @@ bool ArgumentsRise(const CurveView& curve) {
     return curve.points > 1;
 }
 
-bool LocateOnRisingCurve(const CurveView& curve, int count, double* values) {
+bool LookUpRisingCurve(const CurveView& curve, int count, double* values) {
+    const Word end = curve.stride * (curve.points - 1);
     const double first = *curve.argument;
-    const double last = curve.argument[curve.stride * (curve.points - 1)];
+    const double last = curve.argument[end];
     bool inside = true;
     for (int i = 0; i < count; ++i) {
         const double x = values[i];
-        inside &= first <= x && x < last;
+        if (!(first <= x &&
+              x < last)) { // at most at an end; of a curve shorter than the tolerance the scan has to tell
+            inside &= std::fabs(x - first) <= kCurveEndTolerance
+                          ? x < first
+                          : x - last <= kCurveEndTolerance && x >= last;
+            values[i] = curve.value[x < first ? 0 : end];
+            continue;
+        }
         Word interval = 0; // the last one that doesn't begin above x is among the `intervals` from here on
         for (Word intervals = curve.points - 1; intervals > 1;) {
             const Word half = intervals / 2;

@@ -43,11 +43,11 @@ CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y);
 /// True for a curve of two points or more whose arguments rise from each point to the next.
 bool ArgumentsRise(const CurveView& curve);
 
-/// LocateOnCurve for several arguments of a curve whose arguments rise: by halving instead of a scan and without a branch
-/// that depends on the argument, so that the lookups run side by side. The values have the same bits.
+/// DiffusionLookup for several arguments of a curve whose arguments rise: by halving instead of a scan and without a branch
+/// that depends on where in the curve an argument lies, so that the lookups run side by side. The values have the same bits.
 ///   values  1..count: arguments (input), the values of the curve there (output)
-/// False when an argument lies in no interval; what stands in `values` is of no use then.
-bool LocateOnRisingCurve(const CurveView& curve, int count, double* values);
+/// False when an argument is outside, or may be; what stands in `values` is of no use then.
+bool LookUpRisingCurve(const CurveView& curve, int count, double* values);
 
 /// Diffusion curve `curve` of a table as in DiffusionLookup.
 CurveView DiffusionCurve(ConstRealTable table, ConstIntArray points, std::int32_t curve);

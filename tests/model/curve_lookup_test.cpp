@@ -93,37 +93,44 @@ TEST(CurveLookup, ReportsArgumentsOutsideAndLeavesTheValue) {
     }
 }
 
-// An interval too far to either side, other bits than the scan gives, an argument outside passed as one inside, curves that
-// only the scan knows taken for rising ones.
+// An interval too far to either side, other bits than the scan gives, ends without their tolerance, an argument outside
+// passed as one inside, curves that only the scan knows taken for rising ones.
 TEST(RisingCurve, HalvingGivesTheBitsOfTheScan) {
-    for (std::int32_t points = 2; points <= 21; ++points) {
+    const std::int32_t counts[] = {2, 3, 4, 5, 8, 9, 21};
+    for (const std::int32_t& points : counts) {
         std::vector<double> words;
         for (int p = 0; p < points; ++p)
             words.insert(words.end(), {std::exp(0.3 * p) - 2.0, std::sin(7.0 * p)});
-        CurveView curve{words.data(), words.data() + 1, 2, points};
+        const double first = words[0], last = words[2 * points - 2];
+        const ConstRealTable table(words.data(), 1, 2 * points);
+        const ConstIntArray count(&points, 1);
+        CurveView curve = DiffusionCurve(table, count, 1);
         ASSERT_TRUE(ArgumentsRise(curve));
-        std::vector<double> x, values;
+        std::vector<double> x{first - 0.9e-10, last, last + 0.9e-10};
         for (int p = 0; p + 1 < points; ++p)
             for (const double part : {0.0, 0.1, 0.7, 1.0 - 1e-15})
                 x.push_back(words[2 * p] + part * (words[2 * p + 2] - words[2 * p]));
-        values = x;
-        ASSERT_TRUE(LocateOnRisingCurve(curve, static_cast<int>(x.size()), values.data()));
+        std::vector<double> values = x;
+        ASSERT_TRUE(LookUpRisingCurve(curve, static_cast<int>(x.size()), values.data()));
         for (std::size_t i = 0; i < x.size(); ++i) {
             double y = kUntouched;
-            LocateOnCurve(curve, x[i], y);
+            EXPECT_EQ(DiffusionLookup(table, count, 1, x[i], y), 0);
             EXPECT_EQ(values[i], y) << x[i];
         }
-        for (const double outside : {words[2 * points - 2], words[0] - 1e-12, kNaN}) {
-            double three[3] = {x[0], outside, x[0]};
-            EXPECT_FALSE(LocateOnRisingCurve(curve, 3, three)) << outside;
+        for (const double outside : {first - 1.1e-10, last + 1.1e-10, kNaN}) {
+            double three[3] = {x[3], outside, x[3]};
+            EXPECT_FALSE(LookUpRisingCurve(curve, 3, three)) << outside;
         }
-        for (const double wrong : {words[0], kNaN}) {
+        for (const double wrong : {first, kNaN}) {
             words[2] = wrong;
             EXPECT_FALSE(ArgumentsRise(curve));
         }
         curve.points = 1;
         EXPECT_FALSE(ArgumentsRise(curve));
     }
+    const double narrow[4] = {0.0, 3.0, 5e-11, 4.0};
+    double beyond = 6e-11; // within the tolerance of both ends: the scan takes the first
+    EXPECT_FALSE(LookUpRisingCurve({narrow, narrow + 1, 2, 2}, 1, &beyond));
 }
 
 TEST(TimeMultiplierLookup, HoldsTheLastValueAndNeverReadsAheadOfTheFirst) {
