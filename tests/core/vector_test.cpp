@@ -7,19 +7,6 @@
 namespace zurt {
 namespace {
 
-// Faults: a component missing from a sum, a cross product with rows swapped.
-TEST(Vector, LengthDotAndCross) {
-    const double a[3] = {2, 3, 6};
-    const double b[3] = {-1, 4, 2};
-    EXPECT_DOUBLE_EQ(VectorLength(a), 7.0);
-    EXPECT_DOUBLE_EQ(VectorDot(a, b), 22.0);
-    double c[3];
-    VectorCross(a, b, c);
-    EXPECT_DOUBLE_EQ(c[0], -18.0);
-    EXPECT_DOUBLE_EQ(c[1], -10.0);
-    EXPECT_DOUBLE_EQ(c[2], 11.0);
-}
-
 // Faults: the limit compared before the division, with a sign, as the shorter 1e-10, or with equality on the wrong
 // side. The limit is a single-precision 1e-10.
 TEST(Vector, NormalizeClearsComponentsBelowTheWidenedLimit) {

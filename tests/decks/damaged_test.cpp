@@ -231,7 +231,10 @@ TEST(Damaged, Counts) {
 
 TEST(Damaged, NodesAndElements) {
     constexpr const char* kElement = "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ";
-    constexpr const char* kFailed = "JAKOBIJAN JEDNAK ILI MANJI OD NULE";
+    constexpr const char* kFailed =
+        " ** GRESKA **: JAKOBIJAN JEDNAK ILI MANJI OD NULE ZA ELEMENT No.         1\n"
+        "      KFIX=    0\n         R=-0.57735D+00\n         S=-0.57735D+00\n"
+        "         T=-0.57735D+00\n       DET=";
     ExpectFaults({
         {"free", "16 1 1 0.3", "17 1 1 0.3", 2,
          "line 23, Node card, field N: \"17\": the number must lie between 1 and 16"},
@@ -252,9 +255,12 @@ TEST(Damaged, NodesAndElements) {
         {"free", kElement, "1 14 13 9 10 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
         {"free", kElement, "1 1 1 1 1 1 1 1 1 0 0 1 2 0 0 ", 0, kFailed},
         {"free", kElement, "1 6 5 1 2 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
-        {"lines", "5 0 4. 0. 0. 0. 0\n", "5 0 1. 0. 0. 0. 0\n", 0, "ZERO FOR ELENMENT No. =         2\n"},
+        {"lines", "5 0 4. 0. 0. 0. 0\n", "5 0 1. 0. 0. 0. 0\n", 0,
+         " ** ERROR **: JACOBIAN EQUAL OR LESS THEN ZERO FOR ELENMENT No. =         2\n"
+         "         R=-0.57735D+00\n      DET1= 0.00000D+00\n"},
         {"quadrilaterals", "6 0 1. 2. ", "6 0 -1. 2. ", 0,
-         "** ERROR **: JACOBIAN EQUAL OR LESS THEN ZERO FOR ELEMENT No.         1\n"},
+         "** ERROR **: JACOBIAN EQUAL OR LESS THEN ZERO FOR ELEMENT No.         1\n"
+         "         R=-0.57735D+00\n         S= 0.00000D+00\n      DET2= 0.00000D+00\n"},
         {"free", "16 1 1 1 2 1 0 3 0 1 0 ", "16 1 1 1 2 1 0 3 3 1 0 ", 0,
          " ELEMENT....................       1\n ELEMENT....................       2\n"},
         {"free", "1 1 8 0 0 0 0 0 ", "1 1 8 0 0 0 6 0 ", 2, "3D group card, field NGAUSY: \"6\""},
@@ -301,9 +307,14 @@ TEST(Damaged, Materials) {
         {"built-in", kFirst, "1 2 4 1. 1.", 2, "field NFUN: \"4\""},
         {"built-in", kFirst, "-1 2 3 1. 1.", 2, "field NFUN: \"-1\""},
         {"built-in", kFirst, "0 2 3 1. 1.", 2, "material 1 has no conduction function for its first axis"},
-        {"built-in", "1 2 3 1. 1. 1. 1. 1e6", "0 0 0 1. 1. 1. 1. 0.5", 0, "PREKORACENA MAXIMALNA VREDNOST"},
+        {"built-in", "1 2 3 1. 1. 1. 1. 1e6", "0 0 0 1. 1. 1. 1. 0.5", 0,
+         " PREKORACENA MAXIMALNA VREDNOST DOZVOLJENE TEMPERATURE\n U MATERIJALU BROJ, MAT=    1\n TEKUCA "
+         "TEMPERATURA, TEMP=   0.78868E+00\n"
+         " MAXIMALNA DOZVOLJENA TEMPERATURA U MATERIJALU, TOPM=   0.50000E+00\n"},
         {"built-in", "1 2 3 1. 1. 1. 1. 1e6 -1e6", "0 0 0 1. 1. 1. 1. 1e6 1.5", 0,
-         "PREKORACENA MINIMALNA VREDNOST"},
+         " PREKORACENA MINIMALNA VREDNOST DOZVOLJENE TEMPERATURE\n U MATERIJALU BROJ, MAT=    1\n TEKUCA "
+         "TEMPERATURA, TEMP=   0.21132E+00\n"
+         " MANIMALNA DOZVOLJENA TEMPERATURA U MATERIJALU, TMNM=   0.15000E+01\n"},
         {"built-in", kHeader, "1 3 0 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  0"},
         {"built-in", kHeader, "1 3 1 1 1 2\n", 0,
          " ERROR IN INPUT DATA FOR CONDUCTION COEFFICIENT:\n  MATERIAL NUMBER =  2\n  NUMBER POINTS ON CURVE "
@@ -320,7 +331,7 @@ TEST(Damaged, Materials) {
          "DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    2"},
         {"free", kPlain,
          "0 1 2 0 1 2 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n1 2 \n0 1 \n.5 1 \n", 0,
-         "CURVE SPECIFIC HEAT - TEMPERATURE,  No. =    1"},
+         " CURVE SPECIFIC HEAT - TEMPERATURE,  No. =    1\n ARGUMENT TEMPERATURE,  TEMP =  7.8868E-01\n"},
         {"built-in", "2 2\n-9. 2.\n9. 2.\n0", "3 2\n-9. 2.\n9. 2.\n0", 2,
          "Specific heat curve header, field N: \"3\""},
         {"built-in", "16 1 2 1 2 1 1 3", "16 1 2 -1 2 1 1 3", 2, "a negative NSTAC leaves no room for them"},
@@ -330,7 +341,10 @@ TEST(Damaged, Materials) {
         {"device", "    1    2\n   -1.0", "    1    3\n   -1.0", 2, "MAXPMAT = 2 points a curve"},
         {"device", "    1    2\n   -1.0", "   -1    2\n   -1.0", 2, "field N: \"-1\""},
         {"device", "    1.0000000000e+03    1.0000000000e+00\n", "    0.5000000000e+00    1.0000000000e+00\n",
-         0, "CURVE ARGUMENT IS OUT OF RANGE"},
+         0,
+         " CURVE ARGUMENT IS OUT OF RANGE\n DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    1\n"
+         " CONCENTRARION,  CONC =  7.8868E-01\n S T O P\n  CHECK: INPUT DATA FOR DIFFUSION COEFFICIENT\n"
+         " AND BOUNDARY CONDITIONS FOR INLET AND OUTLET RESERVOIRS\n"},
     });
 }
 
@@ -340,7 +354,10 @@ TEST(Damaged, Functions) {
     ExpectFaults({
         {"sources", kBoundary, "1 0 0 0 0 0 0 1 2 0 0 ", 0, "NUMBER OF POINTS READ IN, IMAX=    3"},
         {"sources", kBoundary, "1 0 0 0 0 0 0 1 0 0 0 ", 0, "PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    0"},
-        {"sources", kBoundary, "1 0 0 0 0 0 0 0 3 0 0 ", 0, " INPUT DATA FOR NQE IS NQE=    0\n S T O P\n"},
+        {"sources", kBoundary, "1 0 0 0 0 0 0 0 3 0 0 ", 0,
+         " ERROR IN INPUTE DATA: THERE IS SOURCE TERM FOR ELEMENT GROUP, IZIP.GT.0\n TIME FUNCTIONS MUST BE "
+         "INPUT AND NQE MUST BE GT.0\n"
+         " INPUT DATA FOR NQE IS NQE=    0\n S T O P\n"},
         {"sources", kCurve, "2 3 \n0 1 \n", 2, "Function header card, field F: \"2\""},
         {"sources", kCurve, "0 3 \n0 1 \n", 2, "field F: \"0\""},
         {"sources", kCurve, "1 0 \n0 1 \n", 2, "a function needs at least one point"},

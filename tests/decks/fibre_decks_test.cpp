@@ -70,9 +70,7 @@ TEST(Outlet, PairsAndCoefficientsAreEchoedAndChangeNothing) {
     const RunResult analytic = RunDeck(Build(bar));
     ExpectEqual(LastConcentrations(pairs.listing), plain);
     ExpectEqual(LastConcentrations(analytic.listing), plain);
-    EXPECT_NE(pairs.listing.find("CONCENTRATIN VS TIME"), std::string::npos);
     EXPECT_NE(pairs.listing.find("   0.10000D+01              0.80000D+01"), std::string::npos);
-    EXPECT_NE(analytic.listing.find("NPOUT2=   -3"), std::string::npos);
     EXPECT_NE(analytic.listing.find("    0.10000D+01    0.20000D+01    0.30000D+01    0.40000D+01"),
               std::string::npos);
 }

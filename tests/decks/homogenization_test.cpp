@@ -64,37 +64,10 @@ RunResult RunWell(const GridDeck& grid) {
     return result;
 }
 
-/// The rows of numbers that follow the last line of the file with these words and the head below it.
-std::vector<std::vector<double>> RowsAfter(const std::string& text, const std::string& words, int heads) {
-    std::vector<std::vector<double>> rows;
-    const std::size_t at = text.rfind(words);
-    if (at == std::string::npos)
-        return rows;
-    std::istringstream lines(text.substr(at));
-    std::string line;
-    for (int head = 0; head < heads; ++head)
-        std::getline(lines, line);
-    while (std::getline(lines, line)) {
-        std::replace(line.begin(), line.end(), 'D', 'E');
-        std::istringstream items(line);
-        rows.emplace_back();
-        for (double value = 0.0; items >> value;)
-            rows.back().push_back(value);
-        if (rows.back().empty())
-            return rows.pop_back(), rows;
-    }
-    return rows;
-}
-
 /// D1D, D2D, HEQ, HEQ0 of a mass file.
 std::vector<double> Fitted(const std::string& massFile) {
-    const auto rows = RowsAfter(massFile, " VALUES OF FITTED", 2);
+    const auto rows = RowsBelow(massFile, " VALUES OF FITTED", 2);
     return rows.empty() ? std::vector<double>(4, NAN) : rows[0];
-}
-
-double PorosityOf(const RunResult& direct) {
-    const auto rows = RowsAfter(direct.mass, " NUMBER OF TIME", 1);
-    return rows.empty() ? NAN : rows[0].at(1);
 }
 
 // --- coefficients -------------------------------------------------------------------------------------------------
@@ -107,7 +80,7 @@ TEST(Homogenization, MediumWithoutInfluenceHasTheBulkCoefficient) {
     grid.D[1] = 0.7;
     EXPECT_NEAR(Fitted(RunWell(grid).mass).at(0), 0.7, 0.7e-4);
     grid.IDIRECTD = 1;
-    const auto rows = RowsAfter(RunWell(grid).mass, " VALUES OF DIFFUSION", 2);
+    const auto rows = RowsBelow(RunWell(grid).mass, " VALUES OF DIFFUSION", 2);
     ASSERT_GE(rows.size(), 12U);
     for (std::size_t step = 0; step < 12; ++step)
         EXPECT_EQ(rows[step].at(2), 0.7) << step + 1;
@@ -139,7 +112,7 @@ TEST(Homogenization, CylinderAlongTheFlow) {
     grid.cylinders = along;
     grid.size = kSlowStep;
     grid.IDIRECTD = 1;
-    const double direct = RowsAfter(RunWell(grid).mass, " VALUES OF DIFFUSION", 2).at(11).at(2);
+    const double direct = RowsBelow(RunWell(grid).mass, " VALUES OF DIFFUSION", 2).at(11).at(2);
     grid.IDIRECTD = 0;
     const double fitted = Fitted(RunWell(grid).mass).at(0);
     std::printf("along the flow  %.5f  porosity %.5f  direct %.5f\n", fitted, porosity, direct);
@@ -173,7 +146,7 @@ TEST(Homogenization, LayersInSeriesAndSideBySide) {
         grid.material = [axis](const Place& at) {
             return at[0] < 0.0 || at[0] > 2.0 ? 1 : at[axis == 0 ? 0 : 1] < (axis == 0 ? 1.0 : 0.5) ? 2 : 3;
         };
-        const auto rows = RowsAfter(RunWell(grid).mass, " VALUES OF DIFFUSION", 2);
+        const auto rows = RowsBelow(RunWell(grid).mass, " VALUES OF DIFFUSION", 2);
         ASSERT_GE(rows.size(), 12U);
         std::printf("layers %s  %.5f\n", axis == 1 ? "side by side" : "in series", rows[11].at(2));
         EXPECT_NEAR(rows[11].at(2), axis == 1 ? 5.5 : 20.0 / 11.0, 1e-3);

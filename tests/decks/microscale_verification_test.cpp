@@ -1,6 +1,7 @@
 // The micro scale by whole decks: porosity against exact volumes, two reservoirs on a channel against their decay, fibres
 // without influence, fibres in the plane, factors of the fluxes. Prints the tables of docs/verification.md.
 #include "support/bar_deck.h"
+#include "support/orders.h"
 #include "support/run_deck.h"
 
 #include <gtest/gtest.h>
@@ -13,36 +14,7 @@
 namespace zurt_test {
 namespace {
 
-using Place = std::array<double, 3>;
-
 const double kPi = std::acos(-1.0);
-
-/// Cards of one fibre set; tables: one, or two with IANISY 1.
-struct FibreCards {
-    double diameter = 0.1;
-    std::vector<std::vector<Place>> fibres; // of one point: spheres
-    std::vector<std::string> tables;
-    double boxHigh = 1.0; // of the search box, which begins at 0, in all directions
-};
-
-std::string ConstantTable(double factor) {
-    return Print("%5d%5d\n%10.2e%10.2e\n%10.4f\n%10.4f\n%10.4f\n", 2, 1, 1.0, 1.0e6, 1.0, factor, factor);
-}
-
-std::string Cards(const FibreCards& set) {
-    std::string cards = Print("%5d%5d\n\n", 1, 0);
-    cards += Print("%5d%5d%5d%5d%10.6f\n", 1, static_cast<int>(set.fibres.size()),
-                   set.tables.size() == 2 ? 1 : 0, set.fibres[0].size() == 1 ? 1 : 0, set.diameter);
-    cards += "\n" + Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, set.boxHigh, set.boxHigh, set.boxHigh);
-    for (const std::vector<Place>& points : set.fibres) {
-        cards += Print("%5d%5d\n", 1, static_cast<int>(points.size()));
-        for (const auto& [x, y, z] : points)
-            cards += Print("%5d%10.6f%10.6f%10.6f\n", 1, x, y, z);
-    }
-    for (const std::string& table : set.tables)
-        cards += table;
-    return cards;
-}
 
 BarDeck DeviceDeck(int nx, int ny, int nz) {
     BarDeck bar;
@@ -64,30 +36,20 @@ RunResult RunWell(const BarDeck& bar) {
     return result;
 }
 
-double Order(double coarse, double fine) {
-    return std::log2(coarse / fine);
-}
-
 // --- porosity -----------------------------------------------------------------------------------------------------
-
-double PorosityOfRun(const BarDeck& bar) {
-    std::string mass = RunWell(bar).mass;
-    std::replace(mass.begin(), mass.end(), 'D', 'E');
-    return std::stod(mass.substr(mass.find('\n') + 11));
-}
 
 // Whether a point counts is a step function, so the error of one diameter jumps about; its mean square over several falls
 // with the mesh. Faults: weights, a radius for a diameter, fibres that the clip loses.
 TEST(MicroscaleVerification, PorosityFollowsTheVolumeFraction) {
     struct Shape {
         const char* name;
-        std::vector<std::vector<Place>> fibres;
+        std::vector<std::vector<std::array<double, 3>>> fibres;
         double diameter;
         double power; // volume = factor * diameter^power
         double factor;
         std::vector<int> meshes;
     };
-    std::vector<std::vector<Place>> array;
+    std::vector<std::vector<std::array<double, 3>>> array;
     for (const double y : {0.25, 0.75})
         for (const double z : {0.25, 0.75})
             array.push_back({{0.0, y, z}, {1.0, y, z}});
@@ -103,9 +65,9 @@ TEST(MicroscaleVerification, PorosityFollowsTheVolumeFraction) {
                 BarDeck bar = DeviceDeck(shape.power == 3 ? n : 1, n, n);
                 bar.hold = bar.across = false;
                 const double diameter = (0.9 + 0.02 * i) * shape.diameter;
-                bar.fibres = Cards({diameter, shape.fibres, {ConstantTable(1.0)}});
+                bar.fibres = FibreCards({diameter, shape.fibres, {ConstantTable(1.0)}});
                 const double error =
-                    PorosityOfRun(bar) - (1.0 - shape.factor * std::pow(diameter, shape.power));
+                    PorosityOf(RunWell(bar)) - (1.0 - shape.factor * std::pow(diameter, shape.power));
                 square += error * error / 10.0;
             }
             const double error = std::sqrt(square);
@@ -163,19 +125,6 @@ double MeasuredRate(const Parts& parts, int elementsOfChannel, int steps) {
     return std::log((early.front() - early.back()) / (late.front() - late.back()));
 }
 
-template <class Error> void ExpectOrder(const char* label, int coarsest, double order, const Error& error) {
-    double previous = 0.0;
-    for (const int size : {coarsest, 2 * coarsest, 4 * coarsest}) {
-        const double now = std::fabs(error(size));
-        std::printf("  %s %3d  %.3e  %s\n", label, size, now,
-                    previous > 0.0 ? Print("%.2f", Order(previous, now)).c_str() : "");
-        if (previous > 0.0) {
-            EXPECT_NEAR(Order(previous, now), order, 0.125 * (order + 1.0)) << label;
-        }
-        previous = now;
-    }
-}
-
 // Faults: a group's material or start value in another group, storage at the joints of groups.
 TEST(MicroscaleVerification, ReservoirsEqualiseAsTwoStirredOnes) {
     for (const Parts& parts : {Parts{1, 1}, Parts{1, 2}, Parts{2, 1}, Parts{2, 2}}) {
@@ -183,11 +132,11 @@ TEST(MicroscaleVerification, ReservoirsEqualiseAsTwoStirredOnes) {
         const double mu = DecayRoot(k1, k2), exact = mu * mu;
         std::printf("k1 %.1f k2 %.1f  mu^2 %.5f\n", k1, k2, exact);
         // Euler backward makes of the rate r a factor 1 / (1 + r dt) a step: solved for r, only the mesh is left.
-        ExpectOrder("mesh", 4, 2.0, [&](int n) {
+        ExpectOrder({"mesh", 4, 3, 2.0, 0.375}, [&](int n) {
             const double dt = 0.5 / 100;
             return std::expm1(MeasuredRate(parts, n, 100) * dt) / dt / exact - 1.0;
         });
-        ExpectOrder("steps", 10, 1.0,
+        ExpectOrder({"steps", 10, 3, 1.0, 0.25},
                     [&](int steps) { return MeasuredRate(parts, 32, steps) / exact - 1.0; });
     }
 }
@@ -208,10 +157,10 @@ TEST(MicroscaleVerification, FibresWithoutInfluenceLeaveThePlainRun) {
             bar.NDS = 3;
             const RunResult plain = RunWell(bar);
             const double z = plane ? 0.0 : 0.5;
-            FibreCards set{1e-6, {{{0.0, 0.5, z}, {1.0, 0.5, z}}}, {ConstantTable(1.0)}};
+            FibreSetCards set{1e-6, {{{0.0, 0.5, z}, {1.0, 0.5, z}}}, {ConstantTable(1.0)}};
             for (const double boxHigh : {1.0, 0.0}) {
                 set.boxHigh = boxHigh;
-                bar.fibres = Cards(set);
+                bar.fibres = FibreCards(set);
                 const RunResult fibres = RunWell(bar);
                 EXPECT_EQ(ResultsOfListing(fibres.listing), ResultsOfListing(plain.listing));
                 EXPECT_TRUE(fibres.graphics == plain.graphics);
@@ -235,10 +184,10 @@ BarDeck Sheet(int n) {
 TEST(MicroscaleVerification, StripsInThePlaneKeepSymmetryAndContent) {
     const int n = 20;
     BarDeck bar = Sheet(n);
-    const std::vector<std::vector<Place>> strips = {{{0.25, 0.2, 0.0}, {0.25, 0.8, 0.0}},
-                                                    {{0.75, 0.8, 0.0}, {0.75, 0.2, 0.0}}};
+    const std::vector<std::vector<std::array<double, 3>>> strips = {{{0.25, 0.2, 0.0}, {0.25, 0.8, 0.0}},
+                                                                    {{0.75, 0.8, 0.0}, {0.75, 0.2, 0.0}}};
     const std::string wall = "    2    1\n     0.000   100.000\n     1.000\n    0.2000\n    1.0000\n";
-    bar.fibres = Cards({0.05, strips, {wall}}); // no element lies in them as a whole
+    bar.fibres = FibreCards({0.05, strips, {wall}}); // no element lies in them as a whole
     const std::vector<double> uptake = LastConcentrations(RunWell(bar).listing);
     ASSERT_EQ(uptake.size(), 441U);
     const auto at = [&](int i, int j) {
@@ -261,7 +210,7 @@ TEST(MicroscaleVerification, StripsInThePlaneKeepSymmetryAndContent) {
             closed[node] / 400.0 * (node % 21 % 20 == 0 ? 0.5 : 1.0) * (node / 21 % 20 == 0 ? 0.5 : 1.0);
     EXPECT_NEAR(content, 6.5 / 20.0, 1e-5);
     // A strip from side to side lets nothing through.
-    bar.fibres = Cards({0.1, {{{0.625, -0.5, 0.0}, {0.625, 1.5, 0.0}}}, {wall}});
+    bar.fibres = FibreCards({0.1, {{{0.625, -0.5, 0.0}, {0.625, 1.5, 0.0}}}, {wall}});
     const std::vector<double> dammed = LastConcentrations(RunWell(bar).listing);
     EXPECT_NEAR(dammed.front(), 6.5 / 12.0, 0.1);
     EXPECT_NEAR(dammed.back(), 0.0, 1e-4);
@@ -280,8 +229,9 @@ TEST(MicroscaleVerification, TablesActAlongTheirAxes) {
             return LastConcentrations(RunWell(bar).listing);
         };
         const std::vector<std::string> tables = {ConstantTable(along), ConstantTable(towards)};
-        EXPECT_EQ(run(1.0, Cards({1e-6, {{{0.0, 0.5, z}, {1.0, 0.5, z}}}, tables})), run(along, ""));
-        const std::vector<double> across = run(1.0, Cards({1e-6, {{{0.5, 0.0, z}, {0.5, 1.0, z}}}, tables}));
+        EXPECT_EQ(run(1.0, FibreCards({1e-6, {{{0.0, 0.5, z}, {1.0, 0.5, z}}}, tables})), run(along, ""));
+        const std::vector<double> across =
+            run(1.0, FibreCards({1e-6, {{{0.5, 0.0, z}, {0.5, 1.0, z}}}, tables}));
         if (plane) {
             EXPECT_EQ(across, run(towards, ""));
         } else { // towards and around in turns
@@ -302,8 +252,8 @@ TEST(MicroscaleVerification, FluxesTakeTheFactorsOfTheirPoints) {
     for (const bool plane : {false, true}) {
         BarDeck bar = DeviceDeck(4, 3, 3);
         bar.plane = plane;
-        bar.fibres =
-            Cards({0.05, {{{0.0, 0.1, plane ? 0.0 : 0.2}, {1.0, 0.4, plane ? 0.0 : 0.9}}}, {slope, steep}});
+        bar.fibres = FibreCards(
+            {0.05, {{{0.0, 0.1, plane ? 0.0 : 0.2}, {1.0, 0.4, plane ? 0.0 : 0.9}}}, {slope, steep}});
         std::vector<double> coefficients[2];
         for (const int gauss : {2, 3, 5}) {
             bar.gauss = gauss;
@@ -324,7 +274,7 @@ TEST(MicroscaleVerification, FibresThatFillTheDomainEndTheRun) {
         for (const double diameter : {4.0, 1.6}) { // all of it; all but corners, whose nodes are held
             BarDeck bar = DeviceDeck(4, 4, 4);
             bar.solver = solver;
-            bar.fibres = Cards({diameter, {{{0.5, 0.5, 0.5}}}, {ConstantTable(1.0)}});
+            bar.fibres = FibreCards({diameter, {{{0.5, 0.5, 0.5}}}, {ConstantTable(1.0)}});
             const RunResult result = RunDeck(Build(bar));
             EXPECT_EQ(result.status, 2);
             EXPECT_NE(result.errors.find("there is nothing to solve"), std::string::npos) << result.errors;

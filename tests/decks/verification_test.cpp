@@ -1,12 +1,11 @@
 // Whole runs against closed forms: orders of convergence, the fixed-point iteration, one problem in many guises.
 #include "support/bar_deck.h"
+#include "support/orders.h"
 #include "support/run_deck.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
 
@@ -51,45 +50,17 @@ SlabResult ExtrapolateInStep(int elements, int steps) {
     return {2.0 * fine.released - coarse.released, 2.0 * fine.centre - coarse.centre};
 }
 
-double Order(double coarseError, double fineError) {
-    return std::log2(std::fabs(coarseError) / std::fabs(fineError));
-}
-
-void Report(const char* what, int parameter, double value, double error, double order) {
-    std::printf("%-28s %6d %12.6f %12.3e %8.2f\n", what, parameter, value, error, order);
-}
-
 TEST(Verification, SlabReleaseIsOfFirstOrderInTheStep) {
-    double before = 0.0;
-    for (int steps : {20, 40, 80, 160}) {
-        const SlabResult slab = RunSlab(160, steps);
-        const double error = slab.centre - kCentreAt02;
-        const double order = before == 0.0 ? 0.0 : Order(before, error);
-        Report("slab, steps to Fo 0.2", steps, slab.centre, error, order);
-        if (before != 0.0) {
-            EXPECT_NEAR(order, 1.0, 0.12) << steps;
-        }
-        before = error;
-    }
-    EXPECT_LT(std::fabs(before), 4e-4);
+    const double last = ExpectOrder({"slab, steps to Fo 0.2", 20, 4, 1.0, 0.12},
+                                    [](int steps) { return RunSlab(160, steps).centre - kCentreAt02; });
+    EXPECT_LT(std::fabs(last), 4e-4);
 }
 
 TEST(Verification, SlabReleaseIsOfSecondOrderInTheMesh) {
-    double before = 0.0, releasedBefore = 0.0;
-    for (int elements : {8, 16, 32}) {
-        const SlabResult slab = ExtrapolateInStep(elements, 400);
-        const double error = slab.centre - kCentreAt02, releasedError = slab.released - kReleasedAt02;
-        const double order = before == 0.0 ? 0.0 : Order(before, error);
-        Report("slab, elements: centre", elements, slab.centre, error, order);
-        Report("slab, elements: released", elements, slab.released, releasedError,
-               releasedBefore == 0.0 ? 0.0 : Order(releasedBefore, releasedError));
-        if (before != 0.0) {
-            EXPECT_NEAR(order, 2.0, 0.15) << elements;
-            EXPECT_NEAR(Order(releasedBefore, releasedError), 2.0, 0.15) << elements;
-        }
-        before = error;
-        releasedBefore = releasedError;
-    }
+    ExpectOrder({"slab, elements: centre", 8, 3, 2.0, 0.15},
+                [](int elements) { return ExtrapolateInStep(elements, 400).centre - kCentreAt02; });
+    ExpectOrder({"slab, elements: released", 8, 3, 2.0, 0.15},
+                [](int elements) { return ExtrapolateInStep(elements, 400).released - kReleasedAt02; });
 }
 
 // D = 1 + c, source Q, both faces at zero: c = -1 + sqrt(1 + Q x (L - x)).
@@ -132,28 +103,11 @@ double LargestSteadyError(int elements, int nodes) {
 }
 
 TEST(Verification, SteadyNonlinearSourceIsOfSecondOrderInTheMesh) {
-    double before = 0.0;
-    for (int elements : {8, 16, 32, 64}) {
-        const double error = LargestSteadyError(elements, 8);
-        Report("steady 1 + c, elements", elements, 0.0, error, before == 0.0 ? 0.0 : Order(before, error));
-        if (elements > 16) {
-            EXPECT_NEAR(Order(before, error), 2.0, 0.25) << elements;
-        }
-        before = error;
-    }
-    EXPECT_LT(before, 1e-3);
-    const double coarse = LargestSteadyError(8, 20), fine = LargestSteadyError(16, 20);
-    Report("steady 1 + c, 20 nodes", 16, 0.0, fine, Order(coarse, fine));
-    EXPECT_GT(Order(coarse, fine), 2.6);
-}
-
-// Numbers behind ": INCREMENT       = " on the listing.
-std::vector<double> IncrementsOf(const std::string& listing) {
-    std::vector<double> values;
-    const std::string mark = ": INCREMENT       = ";
-    for (std::size_t at = listing.find(mark); at != std::string::npos; at = listing.find(mark, at + 1))
-        values.push_back(std::strtod(listing.c_str() + at + mark.size(), nullptr));
-    return values;
+    const double last = ExpectOrder({"steady 1 + c, elements", 16, 3, 2.0, 0.25},
+                                    [](int elements) { return LargestSteadyError(elements, 8); });
+    EXPECT_LT(last, 1e-3);
+    ExpectOrder({"steady 1 + c, 20 nodes", 8, 2, 2.8, 0.2},
+                [](int elements) { return LargestSteadyError(elements, 20); });
 }
 
 // The iteration on a bar of linear elements in one dimension: K(c) assembled with two Gauss points, K(c) dc = q - K(c) c.
@@ -192,7 +146,7 @@ std::vector<double> FixedPointIncrements(int elements, double Q, int count) {
 
 TEST(Verification, IterationHistoryIsThatOfTheFixedPoint) {
     const RunResult run = RunDeck(Build(SteadyNonlinearBar(8, 8)));
-    const std::vector<double> listed = IncrementsOf(run.listing);
+    const std::vector<double> listed = NumbersBehind(run.listing, ": INCREMENT       = ");
     ASSERT_GT(listed.size(), 8u);
     const std::vector<double> expected = FixedPointIncrements(8, 8.0, static_cast<int>(listed.size()));
     for (std::size_t i = 0; i < listed.size() && expected[i] > 1e-7; ++i)

@@ -1,7 +1,7 @@
 // Fluxes and coefficients at the nodes, and how a visit treats the working vector and the kinds of run.
 #include "elements/nodal_averaging.h"
 #include "form_model.h"
-#include "group_deck.h"
+#include "support/small_run.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +11,7 @@ namespace zurt {
 namespace {
 
 using namespace testmodel;
+using zurt_test::ListingOfStop;
 
 RealArray Result(const Run& run, int number) {
     return RealSection(run.A, run.control.at.LNDS[number], run.control.header.NP);

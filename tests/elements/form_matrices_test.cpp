@@ -213,23 +213,6 @@ TEST(FormMatrices, BoxAgainstClosedForm) {
         }
 }
 
-// Faults: a third node 0 that counts.
-TEST(FormMatrices, LineWithoutItsThirdNode) {
-    Problem problem;
-    problem.dimension = 1;
-    Mesh two, three;
-    two.nodes = three.nodes = {{1.0, 2.0, 3.0}, {2.0, 0.0, 5.0}};
-    two.elements = {{1, 2}};
-    three.elements = {{1, 2, 0}};
-    Model line(two, problem), curved(three, problem);
-    testmodel::FormSystem(line.run);
-    testmodel::FormSystem(curved.run);
-    EXPECT_NEAR(SystemEntry(line.run, 1, 2), -1.0 / 3.0, 1e-12);
-    for (Word i = 1; i <= 2; ++i)
-        for (Word j = 1; j <= 2; ++j)
-            EXPECT_EQ(SystemEntry(curved.run, i, j), SystemEntry(line.run, i, j));
-}
-
 // Faults: a shape table kept for an element with other mid-side nodes, compressed places wrong.
 TEST(FormMatrices, MixedElementsOfOneGroup) {
     Mesh mesh = Patch(21, 0.03);

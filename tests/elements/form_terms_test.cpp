@@ -2,7 +2,7 @@
 // coefficients come from.
 #include "elements/gather.h"
 #include "form_model.h"
-#include "group_deck.h"
+#include "support/small_run.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,7 @@ namespace zurt {
 namespace {
 
 using namespace testmodel;
+using zurt_test::ListingOfStop;
 
 constexpr double kQuadrature = 2e-7;
 

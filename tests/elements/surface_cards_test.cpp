@@ -1,6 +1,6 @@
 #include "elements/surface_cards.h"
 
-#include "model/model_run.h"
+#include "support/small_run.h"
 
 #include <algorithm>
 #include <numeric>
@@ -9,9 +9,9 @@
 namespace zurt {
 namespace {
 
-using test::Contains;
-using test::Line;
-using test::RunPointer;
+using zurt_test::Contains;
+using zurt_test::Line;
+using zurt_test::RunPointer;
 
 // Node k of element n of the groups below: no two elements share one.
 std::int32_t NodeOf(std::int32_t n, std::int32_t k) {
@@ -21,7 +21,7 @@ std::int32_t NodeOf(std::int32_t n, std::int32_t k) {
 // One group for each entry of `dimensions`, of three full elements each, and some functions of every kind.
 RunPointer MakeGroups(const std::string& deck, std::int32_t INDFOR,
                       const std::vector<std::int32_t>& dimensions, Word words = 100000) {
-    RunPointer run = test::MakeRun(deck, INDFOR, 1000, words);
+    RunPointer run = zurt_test::MakeRun(deck, INDFOR, 1000, words);
     run->control.header.NGET = static_cast<std::int32_t>(dimensions.size());
     CurveCounts& counts = run->control.counts;
     counts.NQP = counts.NHP = counts.NTOK = counts.NHR = 9;
@@ -127,28 +127,11 @@ TEST(SurfaceCards, BlankCardsEndFixedDecksAlone) {
 // Faults: corners of no side taken for one; the words of a line, which no small deck of tests/decks/damaged_test.cpp has.
 TEST(SurfaceCards, NodesThatAreNoSideStop) {
     RunPointer run = MakeGroups("2 101 1 0 0 0 0\n", 1, {1});
-    test::ListOnStandardError(*run);
+    zurt_test::ListOnStandardError(*run);
     EXPECT_EXIT(
         ReadSurfaceData(*run), testing::ExitedWithCode(0),
         " ERROR IN BOUNDARY CONDITION INPUT DATA:\n ELEMENT NO.       2\n READIN BOUNDARY NODES :     101\n"
         " DO NOT CONSTITUTE SIDE OF ELEMENT\n$");
-}
-
-// Faults: an echo of the card's numbers instead of the stored ones, an echo under NULAZ 2.
-TEST(SurfaceCards, EchoShowsWhatIsStored) {
-    for (std::int32_t NULAZ = 1; NULAZ <= 3; ++NULAZ) {
-        RunPointer run = MakeGroups("1 101 104 1 0 2 0 7\n3 302 303 0 0 0 0 0\n0/\n", 1, {2});
-        run->control.header.NULAZ = NULAZ;
-        ReadSurfaceData(*run);
-        const std::string listing = test::ListingOf(*run);
-        EXPECT_EQ(Contains(listing,
-                           "             3           1           0           2           0           7"
-                           "         302     303\n"),
-                  NULAZ != 2)
-            << listing;
-        for (const char* head : {" FLUX", "CONV.COEF.", "ENVI.TEMP.", "EMIS.COEF.", "SHAPE FUNC."})
-            EXPECT_EQ(Contains(listing, head), NULAZ != 2) << head;
-    }
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "elements/surface_terms.h"
 
 #include "elements/form_model.h"
-#include "model/model_run.h"
+#include "support/small_run.h"
 
 #include <cmath>
 #include <numeric>
@@ -10,7 +10,7 @@
 namespace zurt {
 namespace {
 
-using test::RunPointer;
+using zurt_test::RunPointer;
 using Curves = std::vector<testmodel::Curve>;
 
 // One element, all of whose sides may have a record; functions of the four kinds.
@@ -38,7 +38,7 @@ template <int Dimension> struct Terms {
     double K[kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2] = {};
     double FE[kMaxNodes<Dimension>] = {};
 
-    explicit Terms(const Model& model) : run(test::MakeRun("", 1)) {
+    explicit Terms(const Model& model) : run(zurt_test::MakeRun("", 1)) {
         CurveCounts& counts = run->control.counts;
         Pointers& at = run->control.at;
         TakeCurves(*run, model.flux, counts.NQP, counts.MAXTQP, at.LQP1, at.LQP2);
@@ -245,7 +245,7 @@ TEST(SurfaceTerms, MessagesThatStop) {
             },
             -3.0);
         terms.SetSide(3, fields);
-        test::ListOnStandardError(*terms.run);
+        zurt_test::ListOnStandardError(*terms.run);
         EXPECT_EXIT(terms.Add(), testing::ExitedWithCode(0), lines);
     };
     const std::string head = "^ CURVE ARGUMENT IS OUT OF RANGE\n CURVE ";

@@ -54,14 +54,14 @@ struct JobRun {
     std::string before = std::filesystem::current_path();
     explicit JobRun(const GridDeck& grid) : small(Build(grid), 400000) {
         std::filesystem::current_path(small.folder);
-        small.run.control.state.ListingOpen = small.run.control.state.GraphicsOpen = 1;
-        small.run.control.state.Language = zurt::kEnglish;
-        small.run.units.stepFile = std::tmpfile();
-        ReadProblem(small.run);
+        small.control.state.ListingOpen = small.control.state.GraphicsOpen = 1;
+        small.control.state.Language = zurt::kEnglish;
+        small.units.stepFile = std::tmpfile();
+        ReadProblem(small);
     }
     ~JobRun() {
         std::filesystem::current_path(before);
-        std::fclose(small.run.units.stepFile);
+        std::fclose(small.units.stepFile);
     }
 };
 
@@ -143,7 +143,7 @@ TEST(Balance, WhatPassesTheInletIsStoredBehindIt) {
     const GridDeck grid = Cell(false);
     for (const bool withFibres : {true, false}) {
         JobRun job(grid);
-        auto& run = job.small.run;
+        auto& run = job.small;
         if (withFibres) {
             BeginPass(run);
             SolutionPass(run);
@@ -166,7 +166,7 @@ TEST(Balance, WhatPassesTheInletIsStoredBehindIt) {
 TEST(Balance, WhatPassesTheInletIsStoredOrLeaves) {
     const GridDeck grid = Cell(true);
     JobRun job(grid);
-    auto& run = job.small.run;
+    auto& run = job.small;
     BeginPass(run);
     const zurt::Word steps = run.control.state.NDT;
     std::vector<double> start = StartOf(grid), end;
@@ -198,7 +198,7 @@ TEST(Balance, WithoutAPlaneAtZeroTheLowestOneIsTheInlet) {
     grid.held = [](const Place& at) { return at[0] == 5.0; };
     grid.startsFull = [](const Place& at) { return at[0] > 5.0; };
     JobRun job(grid);
-    auto& run = job.small.run;
+    auto& run = job.small;
     BeginPass(run);
     SolutionPass(run);
     double change = -0.2 * (0.5 / 2 + 2.5); // the start: from 0 to 1 over the first column, then 1

@@ -19,7 +19,7 @@ struct Fit {
     FittedCurve curve;
 
     explicit Fit(std::int32_t IDCC, std::int32_t IHEQ) {
-        Run& run = small.run;
+        Run& run = small;
         run.control.header.NP = run.control.header.NMATT = run.control.header.NDS = 1;
         run.control.counts.MAXPMAT = 2;
         run.control.state.JEDN = 1;
@@ -56,17 +56,17 @@ struct RunState {
 
 /// All runs of one direction; the equivalent medium passes mass(fit, first value of the curve).
 template <class Mass> std::vector<RunState> Drive(Fit& fit, double target, const Mass& mass) {
-    FitState& state = fit.small.run.fit;
+    FitState& state = fit.small.fit;
     std::vector<RunState> runs;
-    BeginFitRun(fit.small.run, fit.curve);
+    BeginFitRun(fit.small, fit.curve);
     while (state.IFITEND == 0 && runs.size() < 100) {
         EXPECT_EQ(state.card.IEHM, state.IPHASE);
         const double first = CoefficientOf(fit.curve, 1);
         runs.push_back(
             {state.card.IEHM == 0, state.ISFOFF == 0, state.HEQ, first, CoefficientOf(fit.curve, 2)});
         (state.IPHASE == 0 ? state.MASSFIB : state.MASSEHM) = state.IPHASE == 0 ? target : mass(state, first);
-        EndFitRun(fit.small.run, fit.curve);
-        BeginFitRun(fit.small.run, fit.curve);
+        EndFitRun(fit.small, fit.curve);
+        BeginFitRun(fit.small, fit.curve);
     }
     return runs;
 }
@@ -92,10 +92,10 @@ TEST(FitLoop, DistanceStepsGrowAndThenHalveTheBracket) {
     EXPECT_EQ(runs[0].first, 1.0);
     EXPECT_EQ(runs[1].first, 3.0);
     EXPECT_EQ(runs[1].last, 5.0);
-    const FitState& state = fit.small.run.fit;
+    const FitState& state = fit.small.fit;
     EXPECT_EQ(state.HEQDIR[1], 1.96875);
     EXPECT_EQ(state.ERRFIT, -0.015625);
-    const std::string console = Written(fit.small.run.units.console);
+    const std::string console = Written(fit.small.units.console);
     EXPECT_NE(console.find("running FIB model - with prescribed SF"), std::string::npos);
     EXPECT_NE(console.find("running EHM model - Calculation of HEQ..."), std::string::npos);
     EXPECT_NE(console.find("    6  -0.156250E-01"), std::string::npos) << console;
@@ -104,7 +104,7 @@ TEST(FitLoop, DistanceStepsGrowAndThenHalveTheBracket) {
 // Faults: a curve that is not lowered by porosity first; ends that move apart; a fit that leaves the curve changed.
 TEST(FitLoop, CurveIsSearchedFromItsPorousStartAndPutBack) {
     Fit fit(1, 0);
-    fit.small.run.fit.card.FITERR = 0.04;
+    fit.small.fit.card.FITERR = 0.04;
     const std::vector<RunState> runs = Drive(fit, 0.4, kMassIsFirst);
     const double expected[] = {1.0, 0.5, 0.475, 0.35625, 0.415625};
     ASSERT_EQ(runs.size(), std::size(expected));
@@ -113,7 +113,7 @@ TEST(FitLoop, CurveIsSearchedFromItsPorousStartAndPutBack) {
         EXPECT_NEAR(runs[i].last, expected[i] + 1.0, 1e-15) << i;
         EXPECT_FALSE(runs[i].factors);
     }
-    const FitState& state = fit.small.run.fit;
+    const FitState& state = fit.small.fit;
     EXPECT_NEAR(state.D1DIR[1], 0.415625, 1e-15);
     EXPECT_NEAR(state.D2DIR[1], 1.415625, 1e-15);
     EXPECT_EQ(CoefficientOf(fit.curve, 1), 1.0);
@@ -124,7 +124,7 @@ TEST(FitLoop, CurveIsSearchedFromItsPorousStartAndPutBack) {
 // without the fitted ends.
 TEST(FitLoop, DistanceFollowsTheCurve) {
     Fit fit(1, 1);
-    fit.small.run.fit.card.FITERR = 0.04;
+    fit.small.fit.card.FITERR = 0.04;
     const auto mass = [](const FitState& state, double first) {
         return state.ISFOFF == 1 ? first : 0.4 * state.HEQ;
     };
@@ -138,7 +138,7 @@ TEST(FitLoop, DistanceFollowsTheCurve) {
     EXPECT_EQ(runs[6].HEQ, 1.0);
     EXPECT_EQ(runs[7].HEQ, 1.0)
         << "a mass that is met at once counts as too small and waits for the other sign";
-    const std::string console = Written(fit.small.run.units.console);
+    const std::string console = Written(fit.small.units.console);
     EXPECT_NE(console.find("Calculation of D-C curve finished!\n\n running FIB model - with prescribed SF\n"),
               std::string::npos);
 }
@@ -147,12 +147,12 @@ TEST(FitLoop, DistanceFollowsTheCurve) {
 TEST(FitLoop, LimitOfIterationsEndsTheFit) {
     for (const std::int32_t NFITMAX : {0, 1, 3}) {
         Fit fit(0, 0);
-        fit.small.run.fit.card.NFITMAX = NFITMAX;
-        fit.small.run.fit.HEQDIR[1] = 7.0;
+        fit.small.fit.card.NFITMAX = NFITMAX;
+        fit.small.fit.HEQDIR[1] = 7.0;
         EXPECT_EQ(Drive(fit, 2.0, kMassIsHeq).size(), static_cast<std::size_t>(1 + NFITMAX));
-        EXPECT_EQ(fit.small.run.fit.HEQDIR[1], 7.0);
+        EXPECT_EQ(fit.small.fit.HEQDIR[1], 7.0);
         EXPECT_NE(
-            Written(fit.small.run.units.console).find("Max number of iterations for Homogenization reached"),
+            Written(fit.small.units.console).find("Max number of iterations for Homogenization reached"),
             std::string::npos);
     }
 }
@@ -160,7 +160,7 @@ TEST(FitLoop, LimitOfIterationsEndsTheFit) {
 // Faults: other literals; a search that ends with one sign alone; molecules that do not bound it.
 TEST(FitLoop, DistanceHasALowestStepAndALowestValue) {
     Fit fit(0, 0);
-    fit.small.run.fit.card.NFITMAX = 6;
+    fit.small.fit.card.NFITMAX = 6;
     const auto tooMuch = [](const FitState&, double) { return 3.0; };
     const std::vector<double> values = HeqOf(Drive(fit, 2.0, tooMuch));
     // DMASS/MASSFIB is 0.5; five times that is held at -0.99
@@ -171,9 +171,9 @@ TEST(FitLoop, DistanceHasALowestStepAndALowestValue) {
     EXPECT_EQ(values[6], bound);
 
     Fit molecules(0, 0);
-    molecules.small.run.fit.card.IDIAM = 1;
-    molecules.small.run.fit.card.NFITMAX = 4;
-    molecules.small.run.control.header.DMOLECULE = 0.2;
+    molecules.small.fit.card.IDIAM = 1;
+    molecules.small.fit.card.NFITMAX = 4;
+    molecules.small.control.header.DMOLECULE = 0.2;
     const double radius = 0.1;
     EXPECT_EQ(HeqOf(Drive(molecules, 2.0, tooMuch))[3], radius * static_cast<double>(0.01F) + radius);
 }
@@ -181,15 +181,15 @@ TEST(FitLoop, DistanceHasALowestStepAndALowestValue) {
 // Faults: a sign seen before that is forgotten at the second iteration; a masses' ratio of none by none that runs away.
 TEST(FitLoop, OddMassesAreTaken) {
     Fit both(0, 0);
-    both.small.run.fit.SEENPOS = 1;
-    both.small.run.fit.card.NFITMAX = 2;
+    both.small.fit.SEENPOS = 1;
+    both.small.fit.card.NFITMAX = 2;
     EXPECT_EQ(HeqOf(Drive(both, 2.0, kMassIsHeq)), (std::vector<double>{1.0, 1.0, 1.0}));
-    EXPECT_EQ(both.small.run.fit.HEQPOS, 1.0);
-    EXPECT_EQ(both.small.run.fit.SEENNEG, 1);
+    EXPECT_EQ(both.small.fit.HEQPOS, 1.0);
+    EXPECT_EQ(both.small.fit.SEENNEG, 1);
 
     for (const std::int32_t IDCC : {0, 1}) {
         Fit none(IDCC, 0);
-        none.small.run.fit.card.NFITMAX = 5;
+        none.small.fit.card.NFITMAX = 5;
         EXPECT_EQ(Drive(none, 0.0, kMassIsFirst).size(), 6U);
     }
 }

@@ -26,7 +26,7 @@ const CardLayout kSample = Layout("Sample card", kSampleFields);
 Sample ReadSample(const std::string& deck, std::int32_t INDFOR) {
     SmallRun small(deck);
     Sample sample;
-    ReadCardFields(small.run.deck, INDFOR, kSample, &sample);
+    ReadCardFields(small.deck, INDFOR, kSample, &sample);
     return sample;
 }
 
@@ -53,20 +53,20 @@ TEST(Card, ByList) {
     ExpectSample(ReadSample("3 1.5 /\n", 1), 3, 1.5, -7.0, -7);
     SmallRun small("1 2. 3. 4 junk\n5 6. 7. 8\n");
     Sample sample;
-    ReadCardFields(small.run.deck, 1, kSample, &sample);
-    ReadCardFields(small.run.deck, 1, kSample, &sample);
+    ReadCardFields(small.deck, 1, kSample, &sample);
+    ReadCardFields(small.deck, 1, kSample, &sample);
     ExpectSample(sample, 5, 6.0, 7.0, 8);
-    EXPECT_EQ(small.run.deck.CardCounter, 2);
+    EXPECT_EQ(small.deck.CardCounter, 2);
 }
 
 // Faults: lines on which a list-directed read goes on are counted as cards, or looked at for comments.
 TEST(Card, ContinuationLinesAreNeitherCountedNorComments) {
     SmallRun small("C comment\n1\n\n2.5\n3.5 4\nnext\n");
     Sample sample;
-    ReadCardFields(small.run.deck, 1, kSample, &sample);
+    ReadCardFields(small.deck, 1, kSample, &sample);
     ExpectSample(sample, 1, 2.5, 3.5, 4);
-    EXPECT_EQ(small.run.deck.CardCounter, 2);
-    EXPECT_EQ(NextRecord(small.run.deck, "Sample card"), "next");
+    EXPECT_EQ(small.deck.CardCounter, 2);
+    EXPECT_EQ(NextRecord(small.deck, "Sample card"), "next");
     EXPECT_EXIT(ReadSample("1\nC comment\n2.5 3.5 4\n", 1), testing::ExitedWithCode(2),
                 "line 2, Sample card, field X: \"C\": a number is expected");
 }
@@ -76,13 +76,13 @@ TEST(Card, UnknownIndicatorReadsNothing) {
     SmallRun small("1 2. 3. 4\n");
     Sample sample;
     std::int32_t number = -7;
-    ReadCardFields(small.run.deck, 3, kSample, &sample);
-    ReadIntegerCards(small.run.deck, 3, "Sample cards", "N", "I5", 1, IntArray(&number, 1));
-    ReadRealCards(small.run.deck, 0, "Sample cards", "X", "F5.0", 1, RealArray(sample.X, 2));
+    ReadCardFields(small.deck, 3, kSample, &sample);
+    ReadIntegerCards(small.deck, 3, "Sample cards", "N", "I5", 1, IntArray(&number, 1));
+    ReadRealCards(small.deck, 0, "Sample cards", "X", "F5.0", 1, RealArray(sample.X, 2));
     ExpectSample(sample, -7, -7.0, -7.0, -7);
     EXPECT_EQ(number, -7);
-    EXPECT_EQ(small.run.deck.CardCounter, 3);
-    EXPECT_EQ(small.run.deck.nextLine, 0);
+    EXPECT_EQ(small.deck.CardCounter, 3);
+    EXPECT_EQ(small.deck.nextLine, 0);
 }
 
 // Faults: a field that does not convert is taken as 0 or ends the run without its name, line and text.
@@ -108,15 +108,15 @@ TEST(Card, ImageCardsIgnoreTheIndicator) {
     for (const std::int32_t INDFOR : {1, 2}) {
         SmallRun small("  -12###       150      1.50   34\nnext\n");
         Sample sample;
-        ReadImageFields(small.run.deck, INDFOR, kSample, &sample);
+        ReadImageFields(small.deck, INDFOR, kSample, &sample);
         ExpectSample(sample, -12, 1.5, 1.5, 34);
-        EXPECT_EQ(small.run.deck.nextLine, INDFOR == 1 ? 0 : 1);
+        EXPECT_EQ(small.deck.nextLine, INDFOR == 1 ? 0 : 1);
     }
     SmallRun bad("x\n");
     Sample sample;
-    EXPECT_EXIT(ReadImageFields(bad.run.deck, 1, kSample, &sample), testing::ExitedWithCode(2),
+    EXPECT_EXIT(ReadImageFields(bad.deck, 1, kSample, &sample), testing::ExitedWithCode(2),
                 "an integer is expected; some cards are always taken by columns");
-    EXPECT_EXIT(ReadImageFields(bad.run.deck, 2, kSample, &sample), testing::ExitedWithCode(2),
+    EXPECT_EXIT(ReadImageFields(bad.deck, 2, kSample, &sample), testing::ExitedWithCode(2),
                 "an integer is expected\n");
 }
 
@@ -125,30 +125,30 @@ TEST(Card, ImageCardsIgnoreTheIndicator) {
 TEST(Card, TablesOfNumbers) {
     double values[5] = {};
     SmallRun fixed("  1.0  2.0\nC comment\n  3.0   40\n  5.0  9.0\nnext\n");
-    ReadRealCards(fixed.run.deck, 2, "Sample cards", "X", "F5.1", 2, RealArray(values, 5));
+    ReadRealCards(fixed.deck, 2, "Sample cards", "X", "F5.1", 2, RealArray(values, 5));
     EXPECT_EQ(values[1], 2.0);
     EXPECT_EQ(values[3], 4.0);
     EXPECT_EQ(values[4], 5.0);
-    EXPECT_EQ(fixed.run.deck.CardCounter, 4);
+    EXPECT_EQ(fixed.deck.CardCounter, 4);
     std::int32_t numbers[5] = {};
     SmallRun free("1 2\n3*7 9\nnext\n");
-    ReadIntegerCards(free.run.deck, 1, "Sample cards", "N", "I5", 2, IntArray(numbers, 5));
+    ReadIntegerCards(free.deck, 1, "Sample cards", "N", "I5", 2, IntArray(numbers, 5));
     EXPECT_EQ(numbers[1], 2);
     EXPECT_EQ(numbers[4], 7);
-    EXPECT_EQ(free.run.deck.CardCounter, 1);
-    EXPECT_EQ(NextRecord(free.run.deck, "Sample cards"), "next");
+    EXPECT_EQ(free.deck.CardCounter, 1);
+    EXPECT_EQ(NextRecord(free.deck, "Sample cards"), "next");
     SmallRun bad("    1    x\n");
-    EXPECT_EXIT(ReadIntegerCards(bad.run.deck, 2, "Sample cards", "N", "I5", 2, IntArray(numbers, 5)),
+    EXPECT_EXIT(ReadIntegerCards(bad.deck, 2, "Sample cards", "N", "I5", 2, IntArray(numbers, 5)),
                 testing::ExitedWithCode(2), "line 1, Sample cards, field N: \"    x\"");
 }
 
 // Faults: an index of 0 or one past the end let through, or a good one refused.
 TEST(Card, IndicesOutsideTheirArrayEndTheRun) {
     SmallRun small("1\n");
-    RequireIndex(small.run.deck, "Sample card", "N", 1, 4);
-    RequireIndex(small.run.deck, "Sample card", "N", 4, 4);
+    RequireIndex(small.deck, "Sample card", "N", 1, 4);
+    RequireIndex(small.deck, "Sample card", "N", 4, 4);
     for (const std::int32_t value : {0, 5, -1})
-        EXPECT_EXIT(RequireIndex(small.run.deck, "Sample card", "N", value, 4), testing::ExitedWithCode(2),
+        EXPECT_EXIT(RequireIndex(small.deck, "Sample card", "N", value, 4), testing::ExitedWithCode(2),
                     "must lie between 1 and 4");
 }
 

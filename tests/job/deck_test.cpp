@@ -31,7 +31,7 @@ std::string Padded(std::string text) {
 TEST(Deck, CommentsBeginWithOneOfThreePairsExactly) {
     SmallRun small("\xEF\xBB\xBF"
                    "C a comment\nC*\nC---\nC\nCX title\nc small\n C shifted\nC\ttab\nC\r\nlast\n");
-    Deck& deck = small.run.deck;
+    Deck& deck = small.deck;
     EXPECT_EQ(NextCard(deck, 2), Padded("CX title"));
     EXPECT_EQ(deck.CardCounter, 5);
     EXPECT_EQ(NextCard(deck, 2), Padded("c small"));
@@ -46,7 +46,7 @@ TEST(Deck, CommentsBeginWithOneOfThreePairsExactly) {
 TEST(Deck, StepsBackUnlessTheFormatIsFixed) {
     for (const std::int32_t INDFOR : {1, 0, 3, -2}) {
         SmallRun small("C comment\nfirst\nsecond\n");
-        Deck& deck = small.run.deck;
+        Deck& deck = small.deck;
         EXPECT_EQ(NextCard(deck, INDFOR), Padded("first")) << INDFOR;
         EXPECT_EQ(deck.CardCounter, 2) << INDFOR;
         EXPECT_EQ(NextCard(deck, INDFOR), Padded("first")) << INDFOR;
@@ -62,7 +62,7 @@ TEST(Deck, StepsBackUnlessTheFormatIsFixed) {
 TEST(Deck, ImagesAreOf105CharactersWhateverTheLineEnds) {
     const std::string line = std::string(104, 'x') + "yz";
     SmallRun small(line + "\r\n\r\nshort\r\nlast");
-    Deck& deck = small.run.deck;
+    Deck& deck = small.deck;
     EXPECT_EQ(LineCount(deck), 4);
     EXPECT_EQ(NextCard(deck, 2), line.substr(0, 105));
     EXPECT_EQ(NextCard(deck, 2), Padded(""));
@@ -73,18 +73,18 @@ TEST(Deck, ImagesAreOf105CharactersWhateverTheLineEnds) {
 // Faults: a crash or a status of 0 at the end of the deck, a report that does not say where and what was wanted.
 TEST(Deck, ItsEndIsReportedWithLineAndGroup) {
     SmallRun small("only\nC comment\n");
-    NextCard(small.run.deck, 2);
-    EXPECT_EXIT(NextCard(small.run.deck, 2), testing::ExitedWithCode(2),
+    NextCard(small.deck, 2);
+    EXPECT_EXIT(NextCard(small.deck, 2), testing::ExitedWithCode(2),
                 "zurt: error: deck .*/deck, line 2, Sample card: the deck ends here");
     SmallRun empty("");
-    EXPECT_EQ(LineCount(empty.run.deck), 0);
-    EXPECT_EXIT(NextCard(empty.run.deck, 1), testing::ExitedWithCode(2), "line 0, Sample card");
+    EXPECT_EQ(LineCount(empty.deck), 0);
+    EXPECT_EXIT(NextCard(empty.deck, 1), testing::ExitedWithCode(2), "line 0, Sample card");
 }
 
 // Faults: a reader that waits for a card which no read consumes hangs for ever; a deck of many equal cards refused.
 TEST(Deck, TheSameCardForEverEndsTheRun) {
     SmallRun small("stuck\n");
-    EXPECT_EXIT(while (true) NextCard(small.run.deck, 3), testing::ExitedWithCode(2),
+    EXPECT_EXIT(while (true) NextCard(small.deck, 3), testing::ExitedWithCode(2),
                 "line 1, Sample card: the same card is presented again and again");
     std::string deck;
     for (int line = 0; line < 1100; ++line)
@@ -92,8 +92,8 @@ TEST(Deck, TheSameCardForEverEndsTheRun) {
     SmallRun many(deck);
     for (int line = 0; line < 1000; ++line)
         for (int time = 0; time < 1100; ++time)
-            NextCard(many.run.deck, time == 1099 ? 2 : 1);
-    EXPECT_EQ(many.run.deck.CardCounter, 1100000);
+            NextCard(many.deck, time == 1099 ? 2 : 1);
+    EXPECT_EQ(many.deck.CardCounter, 1100000);
 }
 
 // Faults: bytes lost or doubled where the deck grows, or where one read ends and the next begins; a deck of unknown size
@@ -120,8 +120,8 @@ TEST(Deck, LongDecksComeWholeFromAPipe) {
 // Faults: bytes that upset a terminal, or a whole file, in an error report.
 TEST(Deck, ReportsShowAShortPrintableExcerpt) {
     SmallRun small("\x1b[31m" + std::string(200, 'q') + "\n");
-    NextCard(small.run.deck, 2);
-    EXPECT_EXIT(DeckError(small.run.deck, "Sample card", "FIELD",
+    NextCard(small.deck, 2);
+    EXPECT_EXIT(DeckError(small.deck, "Sample card", "FIELD",
                           "\x07"
                           "12",
                           "no number"),

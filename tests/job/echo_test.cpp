@@ -25,8 +25,8 @@ std::string DeckOfLines(int count) {
 }
 
 std::vector<std::string> CardListing(SmallRun& small) {
-    ListCards(small.run);
-    return Lines(Written(small.run.units.listing));
+    ListCards(small);
+    return Lines(Written(small.units.listing));
 }
 
 // Faults: the ruler shifted against the card columns, cards cut at another column or not padded, comments left out,
@@ -74,7 +74,7 @@ TEST(CardListing, RepeatsItsHeadAtTheFiftyFirstLine) {
         const std::vector<std::string> all = {"    1 card ", "   51 card ", "  101 card "};
         const auto pages = static_cast<std::ptrdiff_t>((count + 49) / 50);
         EXPECT_EQ(starts, std::vector<std::string>(all.begin(), all.begin() + pages)) << count;
-        EXPECT_EQ(CountOf(Written(small.run.units.listing), " ---- ---"), 2 * pages) << count;
+        EXPECT_EQ(CountOf(Written(small.units.listing), " ---- ---"), 2 * pages) << count;
     }
 }
 
@@ -82,24 +82,24 @@ TEST(CardListing, RepeatsItsHeadAtTheFiftyFirstLine) {
 // short after a read that has run over line ends.
 TEST(CardListing, PutsTheDeckBackByTheNumberOfItsCards) {
     SmallRun small("C one\ncard 2\ncard 3\n1\n2\n3\nnext\n");
-    Deck& deck = small.run.deck;
+    Deck& deck = small.deck;
     CardBuffer card;
     ReadCard(deck, 2, "Sample card", card);
-    ListCards(small.run);
+    ListCards(small);
     EXPECT_EQ(NextRecord(deck, "Sample card"), "card 3");
     std::int32_t numbers[3] = {};
     ReadIntegerCards(deck, 1, "Sample cards", "N", "I5", 3, IntArray(numbers, 3));
     EXPECT_EQ(deck.CardCounter, 3);
-    ListCards(small.run);
+    ListCards(small);
     EXPECT_EQ(NextRecord(deck, "Sample card"), "1");
 }
 
 std::string CardNumber(std::int32_t counter, std::int32_t first, std::int32_t page, int language) {
     SmallRun small;
-    small.run.deck.CardCounter = counter;
-    small.run.control.state.Language = language;
-    PrintCardNumber(small.run, first, page);
-    return Written(small.run.units.listing);
+    small.deck.CardCounter = counter;
+    small.control.state.Language = language;
+    PrintCardNumber(small, first, page);
+    return Written(small.units.listing);
 }
 
 // Faults: a wrong count of empty lines, the page break forgotten or not alone on its line, a range printed for one
@@ -113,40 +113,6 @@ TEST(CardNumber, HasFourForms) {
     EXPECT_EQ(CardNumber(12, 7, 1, kSerbian), "\n\n\n1\n KARTICE OD BROJA    7 DO   12\n\n\n\n");
     EXPECT_EQ(CardNumber(12, 7, 2, kEnglish), "");
     EXPECT_EQ(CardNumber(12, 12, -1, kEnglish), "");
-}
-
-// Faults: empty lines miscounted, an indentation lost.
-TEST(Banner, StandsInItsPlace) {
-    SmallRun small;
-    WriteBanner(small.run);
-    const std::string banner = Written(small.run.units.listing), dashes(27, '-');
-    EXPECT_EQ(banner.find("1\n\n\n\n\n\n\n\n\n" + std::string(28, ' ') + "FINITE ELEMENT PROGRAM\n" +
-                          std::string(19, ' ') + "FOR LINEAR AND NONLINEAR FIELD ANALYSIS\n" +
-                          std::string(13, '\n') + std::string(12, ' ')),
-              0U);
-    EXPECT_EQ(Lines(banner).size(), 41U);
-    EXPECT_EQ(Lines(banner)[40], "     " + dashes + "  VERSION  1.00  " + dashes);
-}
-
-// Faults: a clock read after all, labels of unequal length, the line of dashes of another length.
-TEST(ExecutionReport, PrintsZerosForThreeMoments) {
-    SmallRun small;
-    MarkReadStart(small.run);
-    MarkMatrixStart(small.run);
-    WriteExecutionReport(small.run);
-    const std::vector<std::string> lines = Lines(Written(small.run.units.listing));
-    ASSERT_GE(lines.size(), 5u);
-    EXPECT_EQ(lines[0], "1");
-    const std::vector<std::string> last(lines.end() - 3, lines.end());
-    const std::string margin(11, ' ');
-    EXPECT_EQ(last, (std::vector<std::string>{
-                        margin + "TIME AT THE START OF READ OF INPUT DATA ........  0: 0: 0. 0",
-                        margin + "TIME AT THE START OF FORM OF MATRICES ..........  0: 0: 0. 0",
-                        margin + "END OF JOB  ....................................  0: 0: 0. 0"}));
-    EXPECT_EQ(CountOf(Written(small.run.units.listing),
-                      "E X E C U T I O N    T I M I N G    I N F O RM A T I O N\n" + margin +
-                          std::string(57, '-') + "\n"),
-              1);
 }
 
 } // namespace

@@ -21,7 +21,7 @@ using zurt_test::WrittenByStop;
 // words forgotten or cleared, nodal vectors not cleared, material tables taken under NDS, NWK kept in sparse mode.
 TEST(Partition, TransientDeviceProblemInSparseMode) {
     SmallRun small;
-    zurt::Run& run = small.run;
+    zurt::Run& run = small;
     Control& control = run.control;
     const Pointers& at = control.at;
     TakeWords(run.A, "what the problem before has left", 200);
@@ -67,7 +67,7 @@ TEST(Partition, TransientDeviceProblemInSparseMode) {
 // under the ISUB4 that the problem before has left.
 TEST(Partition, TablesByCondition) {
     SmallRun small;
-    zurt::Run& run = small.run;
+    zurt::Run& run = small;
     run.control.header.NMATT = 2;
     run.control.counts.NTABK = 2;
     run.control.counts.MAXTK = 3;
@@ -129,10 +129,10 @@ const Step kSteps[] = {
 
 // Takes the steps up to number `last` in a working vector of `size` words; returns LMAX behind them.
 Word TakeUpTo(SmallRun& small, std::size_t last) {
-    PrepareSmallProblem(small.run);
+    PrepareSmallProblem(small);
     for (std::size_t k = 0; k <= last; ++k)
-        kSteps[k].take(small.run);
-    return small.run.A.LMAX;
+        kSteps[k].take(small);
+    return small.A.LMAX;
 }
 
 // Faults: a test for overflow missing at its place, or one word too sharp or too lax there; another message; the node
@@ -143,11 +143,11 @@ TEST(Partition, OverflowIsTestedAtItsPlaces) {
         const Word LMAX = TakeUpTo(large, k);
         SmallRun fits("", kSteps[k].fullIsRefused ? LMAX + 1 : LMAX);
         EXPECT_EQ(TakeUpTo(fits, k), LMAX) << kSteps[k].name;
-        EXPECT_EQ(Written(fits.run.units.listing), "") << kSteps[k].name;
-        for (const Word size : {fits.run.A.NTOTA - 1, Word{1}}) {
+        EXPECT_EQ(Written(fits.units.listing), "") << kSteps[k].name;
+        for (const Word size : {fits.A.NTOTA - 1, Word{1}}) {
             SmallRun tight("", size);
             const std::string listing =
-                WrittenByStop(tight, tight.run.units.listing, [&] { TakeUpTo(tight, k); });
+                WrittenByStop(tight, tight.units.listing, [&] { TakeUpTo(tight, k); });
             SCOPED_TRACE(kSteps[k].name);
             EXPECT_EQ(listing.substr(0, 67),
                       " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA\n");
@@ -161,10 +161,10 @@ TEST(Partition, OverflowIsTestedAtItsPlaces) {
 }
 
 Word TakeSystem(SmallRun& small) {
-    PrepareSmallProblem(small.run);
-    TakeSolverVectors(small.run);
-    StopIfSystemOverflows(small.run);
-    return small.run.A.LMAXM;
+    PrepareSmallProblem(small);
+    TakeSolverVectors(small);
+    StopIfSystemOverflows(small);
+    return small.A.LMAXM;
 }
 
 // Faults: LMAXM equal to NTOTA refused, one more let through; MESSAGES.LST written without NDS or not under it.
@@ -176,12 +176,12 @@ TEST(Partition, SystemMustFit) {
     EXPECT_EQ(TakeSystem(fits), LMAXM);
     for (const std::int32_t NDS : {0, 2, -1}) {
         SmallRun tight("", LMAXM - 1);
-        tight.run.control.header.NDS = NDS;
-        EXPECT_EQ(WrittenByStop(tight, tight.run.units.listing, [&] { TakeSystem(tight); }),
+        tight.control.header.NDS = NDS;
+        EXPECT_EQ(WrittenByStop(tight, tight.units.listing, [&] { TakeSystem(tight); }),
                   " UNSUFFICIENT DIMENSION OF WORKING VECTOR:\n"
                   " REQUIRED DIMENSION LMAXM =        17\n"
                   " AVAILABLE DIMENSION NTOT =        16\n");
-        EXPECT_EQ(Written(tight.run.units.messages),
+        EXPECT_EQ(Written(tight.units.messages),
                   NDS <= 0 ? ""
                            : " UNSUFFICIENT DIMENSION OF WORKING ARRAY:\n"
                              " REQUIRED DIMENSION LMAXM =        17\n"
@@ -195,25 +195,10 @@ TEST(Partition, SystemMustFit) {
     }
 }
 
-// Faults: a number in another field or under another label, entries without their three empty lines.
-TEST(Partition, SizeReport) {
-    SmallRun small;
-    small.run.control.state.JEDN = 12;
-    small.run.control.state.NWK = 345;
-    small.run.A.LMAXM = 678;
-    WriteSizeReport(small.run);
-    EXPECT_EQ(Written(small.run.units.listing),
-              "1\n\n\n      DATA ABOUT DIMENSIONS OF SYSTEM MATRIX AND WORKING VECTOR\n"
-              "\n\n\n           NUMBER OF EQUATIONS ......................... JEDN =       12\n"
-              "\n\n\n           NUMBER OF ELEMENTS INTO MATRIX OF SYSTEM ..... NWK =      345\n"
-              "\n\n\n           REQUIRED DIMENSION INTO WORKING VECTOR ..... LMAXM =      678\n"
-              "\n\n\n           MAXIMUM TOTAL STORAGE AVAILABLE ............. MTOT =     4000\n");
-}
-
 // Faults: old contents lost or LMAX kept between problems; words given back that a later section still holds.
 TEST(WorkingVector, RestartsAndReleases) {
     SmallRun small("", 20);
-    WorkingVector& A = small.run.A;
+    WorkingVector& A = small.A;
     EXPECT_EQ(TakeWords(A, "first", 5), 1);
     EXPECT_EQ(TakeWords(A, "none", -3), 6);
     EXPECT_EQ(TakeWords(A, "second", 4), 6);

@@ -41,55 +41,47 @@ Answer Diffusion(std::int32_t curve, double x) {
     return answer;
 }
 
-// A stride of the wrong length, an interval closed at its upper end, the wrong side of a jump.
-TEST(CurveLookup, InterpolatesInTheIntervalThatBeginsAtThePoint) {
-    for (auto lookup : {Lookup, Diffusion}) {
-        EXPECT_EQ(lookup(1, 1.0).y, 10.0);
-        EXPECT_EQ(lookup(1, 1.5).y, 15.0);
-        EXPECT_EQ(lookup(1, 2.0).y, 20.0);
-        EXPECT_EQ(lookup(1, 3.5).y, 5.0);
-        EXPECT_EQ(lookup(1, 3.5).error, 0);
-    }
+struct Question {
+    std::int32_t curve;
+    double x, y;
+    std::int32_t error;
+};
+
+// Faults: a stride of the wrong length, an interval closed at its upper end; a range test on constants; extrapolation, or a
+// value written together with the error.
+TEST(CurveLookup, BothLayoutsInterpolateAndReport) {
+    const Question questions[] = {{1, 1.0, 10.0, 0},
+                                  {1, 1.5, 15.0, 0},
+                                  {1, 2.0, 20.0, 0},
+                                  {1, 3.5, 5.0, 0},
+                                  {2, -1e300, 50.0, 0},
+                                  {2, 5.0, 50.0, 0},
+                                  {2, kNaN, 50.0, 0},
+                                  {1, 4.0 + 1.1e-10, kUntouched, 1},
+                                  {1, 1.0 - 1.1e-10, kUntouched, 1},
+                                  {1, 1e9, kUntouched, 1},
+                                  {1, kNaN, kUntouched, 1}};
+    for (auto lookup : {Lookup, Diffusion})
+        for (const Question& question : questions) {
+            const Answer answer = lookup(question.curve, question.x);
+            EXPECT_EQ(answer.y, question.y) << question.x;
+            EXPECT_EQ(answer.error, question.error) << question.x;
+        }
+}
+
+// Faults: the wrong side of a jump; an end value given where the caller's own must stay, or not given by the diffusion curve.
+TEST(CurveLookup, JumpsAndEnds) {
     EXPECT_EQ(Lookup(1, 3.5).n, 3);
+    EXPECT_EQ(Lookup(2, 0.0).n, 1);
     EXPECT_EQ(Lookup(3, 0.5).y, 1.5);
     EXPECT_EQ(Lookup(3, 1.0).y, 5.0); // not 2: an interval of no length holds nothing
     EXPECT_EQ(Lookup(3, 2.0).y, 7.0);
-}
-
-// A range test on constants.
-TEST(CurveLookup, OnePointIsAConstant) {
-    for (auto lookup : {Lookup, Diffusion}) {
-        for (const double x : {-1e300, 0.0, 5.0, 1e300, kNaN}) {
-            EXPECT_EQ(lookup(2, x).y, 50.0);
-            EXPECT_EQ(lookup(2, x).error, 0);
-        }
-    }
-    EXPECT_EQ(Lookup(2, 0.0).n, 1);
-}
-
-// An end value given where the caller's own must stay.
-TEST(CurveLookup, LeavesTheCallersValueAtAnEndThatNoIntervalHolds) {
     for (const double x : {4.0, 4.0 + 0.9e-10, 1.0 - 0.9e-10}) {
         EXPECT_EQ(Lookup(1, x).error, 0) << x;
         EXPECT_EQ(Lookup(1, x).y, kUntouched) << x;
         EXPECT_EQ(Lookup(1, x).n, 3) << x;
-    }
-}
-
-TEST(DiffusionLookup, TakesTheEndValues) {
-    EXPECT_EQ(Diffusion(1, 4.0).y, 0.0);
-    EXPECT_EQ(Diffusion(1, 4.0 + 0.9e-10).y, 0.0);
-    EXPECT_EQ(Diffusion(1, 1.0 - 0.9e-10).y, 10.0);
-    EXPECT_EQ(Diffusion(1, 1.0 - 0.9e-10).error, 0);
-}
-
-// Extrapolation, or a value written together with the error.
-TEST(CurveLookup, ReportsArgumentsOutsideAndLeavesTheValue) {
-    for (auto lookup : {Lookup, Diffusion}) {
-        for (const double x : {4.0 + 1.1e-10, 1.0 - 1.1e-10, -3.0, 1e9, kNaN}) {
-            EXPECT_EQ(lookup(1, x).error, 1) << x;
-            EXPECT_EQ(lookup(1, x).y, kUntouched) << x;
-        }
+        EXPECT_EQ(Diffusion(1, x).error, 0) << x;
+        EXPECT_EQ(Diffusion(1, x).y, x < 2.0 ? 10.0 : 0.0) << x;
     }
 }
 
@@ -136,12 +128,9 @@ TEST(RisingCurve, HalvingGivesTheBitsOfTheScan) {
 TEST(TimeMultiplierLookup, HoldsTheLastValueAndNeverReadsAheadOfTheFirst) {
     const double words[8] = {-999.0, -999.0, 0.0, 2.0, 1.0, 4.0, 3.0, 1.0};
     const ConstRealArray pairs(words + 2, 6);
-    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 0.25), 2.5);
-    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 1.0), 4.0);
-    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 2.0), 2.5);
-    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 3.0), 1.0);
-    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, 50.0), 1.0);
-    EXPECT_EQ(TimeMultiplierLookup(pairs, 3, -1.0), 2.0);
+    const double times[] = {0.25, 1.0, 2.0, 3.0, 50.0, -1.0}, values[] = {2.5, 4.0, 2.5, 1.0, 1.0, 2.0};
+    for (std::size_t i = 0; i < 6; ++i)
+        EXPECT_EQ(TimeMultiplierLookup(pairs, 3, times[i]), values[i]) << times[i];
     EXPECT_EQ(TimeMultiplierLookup(pairs, 1, 7.0), 2.0);
 }
 

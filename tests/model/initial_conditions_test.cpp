@@ -1,16 +1,16 @@
 #include "model/initial_conditions.h"
 
 #include "job/partition.h"
-#include "model/model_run.h"
+#include "support/small_run.h"
 
 namespace zurt {
 namespace {
 
-using test::Contains;
-using test::Line;
-using test::ListingOf;
-using test::MakeRun;
-using test::RunPointer;
+using zurt_test::Contains;
+using zurt_test::Line;
+using zurt_test::ListingOf;
+using zurt_test::MakeRun;
+using zurt_test::RunPointer;
 
 // Nodes 1..NP with equations in falling order; node 2 is held at 5.0 and node 3 lies outside the model.
 RunPointer StartRun(const std::string& deck, std::int32_t NPOC, std::int32_t INDFOR = 2,
@@ -30,7 +30,7 @@ RunPointer StartRun(const std::string& deck, std::int32_t NPOC, std::int32_t IND
 }
 
 void ReadListed(const RunPointer& run) {
-    test::ListOnStandardError(*run);
+    zurt_test::ListOnStandardError(*run);
     ReadInitialConditions(*run);
 }
 
@@ -53,29 +53,21 @@ TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
     for (const auto& [deck, INDFOR] : decks) {
         for (const std::int32_t NPOC : {-1, 0, 1}) {
             const RunPointer run = StartRun(deck, NPOC, INDFOR);
-            run->control.header.NULAZ = 1;
             ReadInitialConditions(*run);
+            EXPECT_EQ(ListingOf(*run), "") << "no echo is asked for";
             for (Word equation = 1; equation <= run->control.state.JEDN; ++equation)
                 EXPECT_EQ(StepSolution(*run)(equation), 2.5);
             EXPECT_EQ(run->control.state.OutletStart, 2.5);
             EXPECT_EQ(run->control.state.OutletEnd, 0.0);
             EXPECT_EQ(run->deck.nextLine, 2);
-            EXPECT_TRUE(Contains(ListingOf(*run),
-                                 "ALL POINTS HAVE SAME INITIAL CONCENTRATION.. CINITAL =0.2500D+01\n"));
-            run->deck.nextLine = 0;
-            run->control.state.Language = kSerbian;
-            ReadInitialConditions(*run);
-            EXPECT_TRUE(Contains(ListingOf(*run), " TPOC = 2.500E+00\n                (ZA NSTAC.EQ.1)\n"));
-            const RunPointer channel = StartRun(deck, NPOC, INDFOR);
-            channel->control.header.NANOCH = 2;
-            ReadInitialConditions(*channel);
-            EXPECT_EQ(ListingOf(*channel), "") << "no echo is asked for";
-            channel->deck.nextLine = 0;
-            channel->control.header.NULAZ = 3;
-            ReadInitialConditions(*channel);
-            EXPECT_TRUE(
-                Contains(ListingOf(*channel),
-                         " POINTS IN NANOCHANNEL HAVE INTIAL CONCENTRATION,  ...CINITAL =0.2500D+01\n"));
+            if (NPOC == 1) {
+                run->deck.nextLine = 0;
+                run->control.header.NULAZ = 3;
+                run->control.state.Language = kSerbian;
+                ReadInitialConditions(*run);
+                EXPECT_TRUE(
+                    Contains(ListingOf(*run), " TPOC = 2.500E+00\n                (ZA NSTAC.EQ.1)\n"));
+            }
         }
     }
 }
@@ -96,13 +88,8 @@ TEST(InitialConditions, GroupsOfListsAndRanges) {
     EXPECT_EQ(StartOf(*run, 1), 5.0);
     EXPECT_EQ(run->control.state.OutletStart, 9.0) << "only the one value becomes CINITAL";
     EXPECT_EQ(run->deck.nextLine, LineCount(run->deck) - 1);
-    const std::string listing = ListingOf(*run); // printed although the echo is off
-    EXPECT_TRUE(Contains(listing, "POINTS ARE WITH DIFERENT TEMPERATURES:\n"));
-    EXPECT_TRUE(Contains(listing, "POJEDINACNO ZADATI CVOROVI:\n"));
-    EXPECT_TRUE(Contains(listing, "FIRST NODE ,N1=   39  STEP= -1  LAST NODEN2=   20\n"));
-    EXPECT_TRUE(Contains(listing, "\n    1  0.5000E+01    2  0.5000E+01    3  0.2500E+00    4  0.2500E+01"
-                                  "    5  0.1500E+01    6  0.2500E+01    7  0.1500E+01\n    8  0.2500E+01"));
-    EXPECT_TRUE(Contains(listing, "POCETNE TEMPER. I KONSTANTNE TEMPER. CVOROVA - UCITANE I GENERISANE :\n"));
+    EXPECT_TRUE(Contains(ListingOf(*run), "\n    1  0.5000E+01    2  0.5000E+01    3  0.2500E+00"))
+        << "printed although the echo is off";
 }
 
 TEST(InitialConditionsDeathTest, HeldNodeTakesNoOtherValue) {

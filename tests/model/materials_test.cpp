@@ -4,16 +4,16 @@
 #include "model/curve_lookup.h"
 #include "model/diffusion_curves.h"
 #include "model/material_tables.h"
-#include "model/model_run.h"
+#include "support/small_run.h"
 
 namespace zurt {
 namespace {
 
-using test::Contains;
-using test::Line;
-using test::ListingOf;
-using test::MakeRun;
-using test::RunPointer;
+using zurt_test::Contains;
+using zurt_test::Line;
+using zurt_test::ListingOf;
+using zurt_test::MakeRun;
+using zurt_test::RunPointer;
 
 struct Header {
     std::int32_t NMATT, NTABK, MAXTK, NANLC, NTABC, MAXTC, NSTAC;
@@ -41,7 +41,14 @@ double Lookup(ConstRealTable pairs, ConstIntArray points, std::int32_t curve, do
 }
 
 // Sections that overlap, a density of another material, columns that are off.
-void ExpectTwoMaterials(const Run& run) {
+TEST(Materials, TwoMaterials) {
+    const RunPointer read =
+        MaterialRun("2 1 0 1 2 3 10 100 -5\n1 1 1 4 5 6 20 500 0\nC K\n2 2\n1 2\n2 4\n1 0\n0 7.5\n"
+                    "2 2\n0 2\nC-\n2 4\n777\n",
+                    {2, 2, 2, 0, 1, 3, 1});
+    zurt::Run& run = *read;
+    ReadMaterials(run);
+    EXPECT_EQ(run.deck.nextLine, 12);
     EXPECT_EQ(MaterialFunctions(run)(1, 1), 2);
     EXPECT_EQ(MaterialFunctions(run)(1, 3), 0);
     EXPECT_EQ(MaterialFunctions(run)(2, 2), 1);
@@ -58,52 +65,15 @@ void ExpectTwoMaterials(const Run& run) {
     EXPECT_EQ(SpecificHeatPoints(run)(1), 0) << "a material without a curve has no points";
 }
 
-TEST(Materials, FreeForm) {
-    const RunPointer run =
-        MaterialRun("2 1 0 1 2 3 10 100 -5\n1 1 1 4 5 6 20 500 0\nC K\n2 2\n1 2\n2 4\n1 0\n0 7.5\n"
-                    "2 2\n0 2\nC-\n2 4\n777\n",
-                    {2, 2, 2, 0, 1, 3, 1});
-    ReadMaterials(*run);
-    ExpectTwoMaterials(*run);
-    EXPECT_EQ(run->deck.nextLine, 12);
-}
-
-TEST(Materials, FixedForm) {
-    const char* card = "%5d%5d%5d%10.1f%10.1f%10.1f%10.1f%10.1f%10.1f";
-    const char* point = "%20.6E%20.6E";
-    const RunPointer run = MaterialRun(
-        Line(card, 2, 1, 0, 1.0, 2.0, 3.0, 10.0, 100.0, -5.0) +
-            Line(card, 1, 1, 1, 4.0, 5.0, 6.0, 20.0, 500.0, 0.0) + Line("%5d%5d", 2, 2) +
-            Line(point, 1.0, 2.0) + Line(point, 2.0, 4.0) + Line("%5d%5s", 1, "") + Line(point, 0.0, 7.5) +
-            Line("%5d%5d", 2, 2) + Line("%10s%10d", "", 2) + Line("%10d%10d", 2, 4),
-        {2, 2, 2, 0, 1, 3, 1}, 2);
-    ReadMaterials(*run);
-    ExpectTwoMaterials(*run);
-}
-
-// Echo of the values after their multiplication, and missing remarks.
-TEST(Materials, EchoShowsTheCardsValues) {
-    const RunPointer run = MaterialRun("0 0 0 1 1 1 8 300 200\n1 1\n0 5\n", {1, 0, 1, 0, 1, 1, 1});
-    run->control.header.NULAZ = 3;
-    ReadMaterials(*run);
-    const std::string listing = ListingOf(*run);
-    EXPECT_TRUE(Contains(listing,
-                         "\n      1         0    0    0     1.0000D+00  1.0000D+00  1.0000D+00  8.0000D+00"
-                         "    3.0000D+02    2.0000D+02\n"));
-    EXPECT_TRUE(
-        Contains(listing, "ALL CONDUCTION COEFICIENT TEMPERATURE DEPENDENCE ARE GIVEN IN ANALITICAL FORM"));
-    EXPECT_TRUE(Contains(listing, "0.50000D+01\n"));
-    EXPECT_FALSE(Contains(listing, "0.40000D+02"));
-    EXPECT_EQ(Lookup(SpecificHeatPairs(*run), SpecificHeatPoints(*run), 1, 0.0), 40.0);
-}
-
 // In a steady problem the curves have no room: their cards must be consumed and must not reach the next section.
 TEST(Materials, SpecificHeatOfASteadyProblemIsReadAndDropped) {
     const RunPointer run = MaterialRun("0 0 0 1 1 1 8 300 200\n1 2\n0 5\n1 6\n777\n", {1, 0, 0, 0, 1, 2, 0});
     const Word after = TakeWords(run->A, "next", 10);
     Fill(RealSection(run->A, after, 10), 1.5);
+    run->control.header.NULAZ = 3;
     ReadMaterials(*run);
     EXPECT_EQ(run->deck.nextLine, 4);
+    EXPECT_TRUE(Contains(ListingOf(*run), "DEPENDENCE ARE GIVEN IN ANALITICAL FORM"));
     for (Word i = 1; i <= 10; ++i)
         EXPECT_EQ(RealSection(run->A, after, 10)(i), 1.5);
     EXPECT_FALSE(HasSpecificHeatTable(*run));

@@ -1,28 +1,24 @@
 #include "model/nodes.h"
 
 #include "job/partition.h"
-#include "model/model_run.h"
+#include "support/small_run.h"
 
 #include <cmath>
 
 namespace zurt {
 namespace {
 
-using test::Contains;
-using test::Line;
-using test::ListingOf;
-using test::MakeRun;
-using test::RunPointer;
+using zurt_test::Contains;
+using zurt_test::Line;
+using zurt_test::ListingOf;
+using zurt_test::MakeRun;
+using zurt_test::RunPointer;
 
 RunPointer ReadNodes(const std::string& deck, std::int32_t NP, std::int32_t INDFOR = 1) {
     RunPointer run = MakeRun(deck, INDFOR, NP);
     TakeNodeArrays(*run);
     ReadNodalData(*run);
     return run;
-}
-
-std::string FixedCard(int N, int IND, double X, double Y, double Z, double value, int K) {
-    return Line("%10d%5d%5s%15.6E%15.6E%15.6E%15.6E%5d", N, IND, "", X, Y, Z, value, K);
 }
 
 // Cards for nodes first, first + step, ... last, at x equal to 100 times the number.
@@ -123,26 +119,6 @@ TEST(Nodes, ListThatDoesNotFitIsLeftToTheNextOverflowTest) {
     EXPECT_EQ(run->A.LMAX, 25);
 }
 
-// Columns that are off by one, comments that are counted as nodes.
-TEST(Nodes, FreeAndFixedFormsAgree) {
-    const std::string fixed = "C first\n" + FixedCard(1, 1, 0.5, -2.25, 1e-3, 7, 2) + "C* between\nC-\n" +
-                              FixedCard(5, -1, 8.5, 2, 3, 4, 0) + FixedCard(2, 0, 1, 1, 1, 1, 2) +
-                              FixedCard(4, 0, 2, 2, 2, 2, 0);
-    const std::string free =
-        "C first\n1 1 0.5 -2.25 1e-3 7 2\nC* between\nC-\n5 -1 8.5, 2 3\n4 0\n2 0 4*1 2\n4 0 4*2 0\n";
-    const RunPointer one = ReadNodes(fixed, 5, 2);
-    const RunPointer other = ReadNodes(free, 5, 1);
-    for (int N = 1; N <= 5; ++N) {
-        EXPECT_EQ(EquationNumbers(*one)(N), EquationNumbers(*other)(N));
-        EXPECT_EQ(NodeCardValues(*one)(N), NodeCardValues(*other)(N));
-        for (int axis = 1; axis <= 3; ++axis)
-            EXPECT_EQ(CoordinateColumn(*one, axis)(N), CoordinateColumn(*other, axis)(N)) << N;
-    }
-    EXPECT_EQ(CoordinateColumn(*one, 1)(3), 4.5);
-    EXPECT_EQ(NodeCardValues(*one)(1), 7.0);
-    EXPECT_EQ(one->control.counts.NZADP4, 1);
-}
-
 // An item left out in free form must not become 0, nor the value of the card before.
 TEST(Nodes, ItemsLeftOutKeepWhatTheNodeHeld) {
     const RunPointer run = ReadNodes("1 0 0 0 0 2 1\n5 0 8 4 0 2 0\n3 1 /\n4,,,9,,5/\n6 0 1 1 1 1 0\n", 8);
@@ -151,25 +127,6 @@ TEST(Nodes, ItemsLeftOutKeepWhatTheNodeHeld) {
     EXPECT_EQ(CoordinateColumn(*run, 1)(4), 6.0);
     EXPECT_EQ(CoordinateColumn(*run, 2)(4), 9.0);
     EXPECT_EQ(NodeCardValues(*run)(4), 5.0);
-}
-
-TEST(Nodes, EchoShowsCardsThenNodesThenTheList) {
-    RunPointer run = MakeRun("1 1 0 0 0 0 1\n3 -1 2 0 0.5 0 0\n", 1, 3);
-    run->control.header.NULAZ = 3;
-    TakeNodeArrays(*run);
-    ReadNodalData(*run);
-    const std::string listing = ListingOf(*run);
-    EXPECT_TRUE(Contains(listing, "I N P U T   N O D A L   D A T A"));
-    EXPECT_TRUE(
-        Contains(listing, "\n" + std::string(11, ' ') + "         3" + std::string(10, ' ') + "   -1" +
-                              std::string(15, ' ') +
-                              "   0.200000D+01      0.000000D+00      0.500000D+00                0\n"));
-    EXPECT_TRUE(Contains(listing, " CARD FROM NUMBER     1 TO    2\n"));
-    EXPECT_TRUE(Contains(listing, "\n" + std::string(11, ' ') + "         2" + std::string(12, ' ') +
-                                      "         0" + std::string(15, ' ') +
-                                      "   0.100000D+01      0.000000D+00      0.250000D+00\n"));
-    EXPECT_TRUE(Contains(listing, "NUMBER OF NODES, NZADP4=    1\n"));
-    EXPECT_TRUE(Contains(listing, "\n       3\n"));
 }
 
 // Two nodes were asked for, the run covers three: only meeting NP ends the reading.

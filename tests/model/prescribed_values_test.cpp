@@ -1,8 +1,8 @@
 #include "model/prescribed_values.h"
 
 #include "job/partition.h"
-#include "model/model_run.h"
 #include "model/time_functions.h"
+#include "support/small_run.h"
 
 #include <tuple>
 #include <vector>
@@ -10,14 +10,15 @@
 namespace zurt {
 namespace {
 
-using test::Contains;
-using test::Line;
-using test::RunPointer;
+using zurt_test::Contains;
+using zurt_test::Line;
+using zurt_test::ListingOf;
+using zurt_test::RunPointer;
 
 // Two time functions: f1 = 10 t up to 10, f2 the constant 7; NZADC entries.
 RunPointer MakePrescribed(const std::string& deck, std::int32_t NZADC, std::int32_t INDFOR = 1,
                           Word words = 2000) {
-    RunPointer run = test::MakeRun(deck, INDFOR, 100, words);
+    RunPointer run = zurt_test::MakeRun(deck, INDFOR, 100, words);
     CurveCounts& counts = run->control.counts;
     counts.NTABFT = counts.MAXTFT = 2;
     counts.NZADC = NZADC;
@@ -44,7 +45,9 @@ std::vector<Entry> EntriesOf(const Run& run) {
 
 std::vector<Entry> Read(const std::string& deck, std::int32_t NZADC, std::int32_t INDFOR = 1) {
     RunPointer run = MakePrescribed(deck, NZADC, INDFOR);
+    run->control.header.NULAZ = 3;
     ReadPrescribedValues(*run);
+    EXPECT_TRUE(Contains(ListingOf(*run), "NODE     FUNCTION NO   PROP FACTOR   INCR GENER"));
     return EntriesOf(*run);
 }
 
@@ -84,19 +87,8 @@ TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
     refuse("1 1 1. 1\n2 1 1. 0\n", 1, "more entries than NZADC"); // a run is never open at the end
     refuse("1 1 1. 1\n2 1 1. 0\n", 3, "the deck ends here");
     RunPointer full = MakePrescribed("", 2000);
-    test::ListOnStandardError(*full);
+    zurt_test::ListOnStandardError(*full);
     EXPECT_EXIT(ReadPrescribedValues(*full), testing::ExitedWithCode(0), "UNSUFFICIENT DIMENSION");
-}
-
-// Faults: the echo.
-TEST(PrescribedValues, Echo) {
-    RunPointer run = MakePrescribed("4 2 2.5 3\n4 1 1. 0\n", 2);
-    run->control.header.NULAZ = 3;
-    ReadPrescribedValues(*run);
-    const std::string listing = test::ListingOf(*run);
-    EXPECT_TRUE(Contains(listing, "NODE     FUNCTION NO   PROP FACTOR   INCR GENER")) << listing;
-    EXPECT_TRUE(Contains(listing, "                 4                 2             2.50000E+00       3\n"))
-        << listing;
 }
 
 // Faults: a start value that is not the last end value, stale words that survive the start, a dead entry that gets one.
@@ -123,7 +115,7 @@ TEST(PrescribedValues, ValuesOverTheSteps) {
     expect(2, 0.0, 0.0, 0.0);
     expect(3, 21.0, 21.0, 0.0);
     run->control.state.TIME = 11.0;
-    test::ListOnStandardError(*run);
+    zurt_test::ListOnStandardError(*run);
     EXPECT_EXIT(EvaluatePrescribedValues(*run), testing::ExitedWithCode(0), "TIME FUNCTION NO. =    1");
 }
 

@@ -38,7 +38,7 @@ std::string Head(const std::string& name, const std::string& constants) {
 // the wrong nodal vectors; small values left, or set to 0 in the last two datasets, which show them as they are.
 TEST(UnvResults, FourDatasetsLineByLine) {
     SmallRun small;
-    zurt::Run& run = small.run;
+    zurt::Run& run = small;
     Prepare(run, 2, 1);
     NodalValues(run)(1) = 1.5;
     NodalValues(run)(2) = -1e-16;
@@ -67,10 +67,10 @@ TEST(UnvResults, FourDatasetsLineByLine) {
 // Faults: nodal vectors read in a model that has none.
 TEST(UnvResults, VectorsAreZeroWithoutDevice) {
     SmallRun small;
-    Prepare(small.run, 3, 0);
-    Fill(RealArray(small.run.A.words, small.run.A.LMAX - 1), 7.0);
-    WriteUnvResults(small.run);
-    const std::string graphics = Written(small.run.units.graphics);
+    Prepare(small, 3, 0);
+    Fill(RealArray(small.A.words, small.A.LMAX - 1), 7.0);
+    WriteUnvResults(small);
+    const std::string graphics = Written(small.units.graphics);
     EXPECT_EQ(CountOf(graphics, "\n  0.00000D+00  0.00000D+00  0.00000D+00\n"), 9);
     EXPECT_EQ(CountOf(graphics, "0.70000D+01"), 3);
 }
@@ -93,74 +93,52 @@ ElementGroup& MakeGroup(zurt::Run& run, std::int32_t NPDMX, int nodes, std::int3
     return group;
 }
 
-struct Brick {
-    std::int32_t NPDMX;
+struct Case {
+    std::int32_t NETIP, NPDMX;
     int nodes;
-    bool warned, parabolic;
+    bool warned;
+    const char* rows;
 };
 
-// Faults: labels that begin anew in each group; a group of 9 to 19 nodes not written as 8, one of 21 not as 20; an
-// element without all of its mid-sides written with node 0; the warning missing or given to good groups.
-TEST(UnvMesh, BricksOfEightOrTwentyNodes) {
-    for (const Brick& brick :
-         {Brick{8, 8, false, false}, Brick{20, 20, false, true}, Brick{19, 20, true, false},
-          Brick{21, 21, true, true}, Brick{20, 19, false, false}, Brick{21, 20, true, true}}) {
-        SCOPED_TRACE(brick.NPDMX);
+// Faults: labels that begin anew in each group; descriptors of another shape; a group of 9 to 19 nodes a brick not written as
+// 8, one of 21 not as 20, quadrilaterals of 5 to 7 not as 4, of 9 not as 8; an element without all of its mid-sides
+// written with node 0; a middle node behind the ends; the warning missing, given to good groups or to lines.
+TEST(UnvMesh, ElementsOfAllFamilies) {
+    const char *const
+        brick = "       115       115         1         1         7         8\n       105       106"
+                "       107       108       101       102       103       104\n",
+        *const brick20 = "       116       116         1         1         7        20\n"
+                         "       105       113       106       114       107       115       108       116\n"
+                         "       117       118       119       120       101       109       102       110\n"
+                         "       103       111       104       112\n",
+        *const plane = "        44        44         1         1         7         4\n"
+                       "       101       102       103       104\n",
+        *const plane8 = "        45        45         1         1         7         8\n"
+                        "       101       105       102       106       103       107       104       108\n",
+        *const line = "        21        21         1         1         7         2\n"
+                      "       101       102\n",
+        *const line3 = "        24        24         1         1         7         3\n"
+                       "       101       103       102\n";
+    const Case cases[] = {{3, 8, 8, false, brick},    {3, 20, 20, false, brick20}, {3, 19, 20, true, brick},
+                          {3, 21, 21, true, brick20}, {3, 20, 19, false, brick},   {3, 21, 20, true, brick20},
+                          {2, 4, 4, false, plane},    {2, 7, 8, true, plane},      {2, 8, 8, false, plane8},
+                          {2, 8, 7, false, plane},    {2, 9, 9, true, plane8},     {1, 2, 2, false, line},
+                          {1, 3, 3, false, line3},    {1, 3, 2, false, line}};
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.NPDMX);
         SmallRun small;
-        Prepare(small.run, 2, 0);
-        WriteUnvElements3D(small.run, MakeGroup(small.run, brick.NPDMX, brick.nodes));
-        const std::string linear =
-            "    -1\n    71\n        41       115       115         1         1         7"
-            "         8\n       105       106       107       108       101       102"
-            "       103       104\n    -1\n";
-        const std::string parabolic =
-            "    -1\n    71\n        41       116       116         1         1         7        20\n"
-            "       105       113       106       114       107       115       108       116\n"
-            "       117       118       119       120       101       109       102       110\n"
-            "       103       111       104       112\n    -1\n";
-        EXPECT_EQ(Written(small.run.units.graphics), brick.parabolic ? parabolic : linear);
-        EXPECT_EQ(Written(small.run.units.listing),
-                  brick.warned
-                      ? "\n GRAPHIC PACKAGE   \"IDEAS\"\n PERMITS ONLY 3/D ELEMENTS WITH 8 OR 20 NODES "
-                        "PER ELEMENT IN GROUP   NGE =    2\n"
-                      : "");
-    }
-}
-
-// Faults: descriptors of another shape; a middle node written behind the ends; quadrilaterals of 5 to 7 nodes not written as
-// 4, of 9 not as 8; the warning given to lines, or with the words of bricks.
-TEST(UnvMesh, LinesAndQuadrilaterals) {
-    struct Case {
-        std::int32_t NETIP, NPDMX;
-        int nodes;
-        bool warned;
-        const char* rows;
-    };
-    const char* const plane = "        44        44         1         1         7         4\n"
-                              "       101       102       103       104\n";
-    const char* const wide =
-        "        45        45         1         1         7         8\n"
-        "       101       105       102       106       103       107       104       108\n";
-    const char* const line = "        21        21         1         1         7         2\n"
-                             "       101       102\n";
-    const char* const curved = "        24        24         1         1         7         3\n"
-                               "       101       103       102\n";
-    for (const Case& one :
-         {Case{2, 4, 4, false, plane}, Case{2, 7, 8, true, plane}, Case{2, 8, 8, false, wide},
-          Case{2, 8, 7, false, plane}, Case{2, 9, 9, true, wide}, Case{1, 2, 2, false, line},
-          Case{1, 3, 3, false, curved}, Case{1, 3, 2, false, line}}) {
-        SmallRun small;
-        Prepare(small.run, 2, 0);
-        ElementGroup& group = MakeGroup(small.run, one.NPDMX, one.nodes, one.NETIP);
-        if (one.NETIP == 1)
-            WriteUnvElements1D(small.run, group);
-        else
-            WriteUnvElements2D(small.run, group);
-        EXPECT_EQ(Written(small.run.units.graphics),
+        Prepare(small, 2, 0);
+        ElementGroup& group = MakeGroup(small, one.NPDMX, one.nodes, one.NETIP);
+        (one.NETIP == 1   ? WriteUnvElements1D
+         : one.NETIP == 2 ? WriteUnvElements2D
+                          : WriteUnvElements3D)(small, group);
+        EXPECT_EQ(Written(small.units.graphics),
                   "    -1\n    71\n        41" + std::string(one.rows) + "    -1\n");
-        EXPECT_EQ(Written(small.run.units.listing),
-                  one.warned ? "\n GRAPHIC PACKAGE   \"IDEAS\"\n PERMITS ONLY 2/D ELEMENTS WITH 4 OR 8 NODES "
-                               "PER ELEMENT IN GROUP   NGE =    2\n"
+        EXPECT_EQ(Written(small.units.listing),
+                  one.warned ? "\n GRAPHIC PACKAGE   \"IDEAS\"\n PERMITS ONLY " +
+                                   std::string(one.NETIP == 2 ? "2/D ELEMENTS WITH 4 OR 8"
+                                                              : "3/D ELEMENTS WITH 8 OR 20") +
+                                   " NODES PER ELEMENT IN GROUP   NGE =    2\n"
                              : "");
     }
 }
@@ -168,18 +146,18 @@ TEST(UnvMesh, LinesAndQuadrilaterals) {
 // Faults: the mesh written although this problem asks for no graphics, after an earlier one has opened the file.
 TEST(UnvMesh, NothingUnderANegativeInterval) {
     SmallRun small;
-    Prepare(small.run, 2, 0);
-    ElementGroup& group = MakeGroup(small.run, 8, 8);
-    small.run.control.header.IGRAF = -1;
-    WriteUnvNodes(small.run);
-    WriteUnvElements3D(small.run, group);
-    EXPECT_EQ(Written(small.run.units.graphics), "");
-    small.run.control.header.IGRAF = 2;
-    CoordinateColumn(small.run, 1)(2) = 1.5;
-    CoordinateColumn(small.run, 3)(1) = -2.0;
-    WriteUnvNodes(small.run);
+    Prepare(small, 2, 0);
+    ElementGroup& group = MakeGroup(small, 8, 8);
+    small.control.header.IGRAF = -1;
+    WriteUnvNodes(small);
+    WriteUnvElements3D(small, group);
+    EXPECT_EQ(Written(small.units.graphics), "");
+    small.control.header.IGRAF = 2;
+    CoordinateColumn(small, 1)(2) = 1.5;
+    CoordinateColumn(small, 3)(1) = -2.0;
+    WriteUnvNodes(small);
     EXPECT_EQ(
-        Written(small.run.units.graphics),
+        Written(small.units.graphics),
         "    -1\n    15\n         1         0         0         8  0.00000D+00  0.00000D+00 -0.20000D+01\n"
         "         2         0         0         8  0.15000D+01  0.00000D+00  0.00000D+00\n    -1\n");
 }

@@ -84,4 +84,14 @@ TEST(SkylineAssembly, MultiplyIsTheSymmetricProductAddedToY) {
     EXPECT_EQ(Y, expected);
 }
 
+// Fault: the sum of the heights wraps around in 32 bits and an absurd deck passes the test of storage.
+TEST(SkylineLayout, SizeBeyond32BitsIsExact) {
+    const Word JEDN = 70000;
+    std::vector<std::int32_t> slot(static_cast<std::size_t>(JEDN + 1));
+    for (std::size_t c = 0; c < slot.size(); ++c)
+        slot[c] = static_cast<std::int32_t>(c);
+    EXPECT_EQ(zurt::MakeColumnPointers({slot.data(), JEDN + 1}, JEDN), JEDN * (JEDN + 1) / 2);
+    EXPECT_EQ(slot.back(), 2147483647);
+}
+
 } // namespace

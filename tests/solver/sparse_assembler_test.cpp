@@ -49,18 +49,6 @@ struct SparseAssembler : testing::Test {
     void TearDown() override { zurt::SparseKill(0); }
 };
 
-// Faults: an entry that cancelled stays as a zero; the one that follows is summed onto something stale.
-TEST_F(SparseAssembler, CancelledEntriesLeaveAndComeBackFresh) {
-    zurt::SparseAddEntry(3, 4, 0.1);
-    zurt::SparseAddEntry(3, 4, -0.1);
-    EXPECT_TRUE(Extract().rows.empty());
-    zurt::SparseAddEntry(3, 4, 7.5);
-    EXPECT_EQ(Extract().values, (std::vector<double>{7.5}));
-    zurt::SparseAddEntry(3, 4, 0.0);
-    zurt::SparseAddEntry(9, 9, -0.0);
-    EXPECT_EQ(Extract().values, (std::vector<double>{7.5})) << "a zero made an entry";
-}
-
 // Faults: a test for zero that swallows what is not a number, or deletes by it.
 TEST_F(SparseAssembler, NotANumberIsKept) {
     zurt::SparseAddEntry(1, 1, std::numeric_limits<double>::quiet_NaN());
@@ -117,24 +105,6 @@ TEST_F(SparseAssembler, NegativeEquationReachesTheTree) {
     const Entries entries = Extract();
     EXPECT_EQ(entries.rows, (std::vector<std::int32_t>{-1, -1, 4, 4}));
     EXPECT_EQ(entries.columns.size(), 4u);
-}
-
-// Faults: entries lost between rows, an order other than by row and then by column.
-TEST_F(SparseAssembler, ExtractionAscendsStrictly) {
-    std::mt19937 random(7);
-    for (int i = 0; i < 20000; ++i)
-        zurt::SparseAddEntry(static_cast<std::int32_t>(random() % 500) + 1,
-                             static_cast<std::int32_t>(random() % 500) + 1, 1.0);
-    const Entries entries = Extract();
-    double total = 0.0;
-    for (std::size_t i = 0; i < entries.rows.size(); ++i) {
-        total += entries.values[i];
-        if (i > 0) {
-            ASSERT_LT(std::make_pair(entries.rows[i - 1], entries.columns[i - 1]),
-                      std::make_pair(entries.rows[i], entries.columns[i]));
-        }
-    }
-    EXPECT_EQ(total, 20000.0);
 }
 
 // Faults: zeroing that deletes; entries that survive the next start.

@@ -19,17 +19,28 @@ std::string OutletCards(int NPOUT2, double CONCOUT0) {
     return Print("%5d\n%13.5e\n%5d%5d%5d\n", NPOUT2, CONCOUT0, 0, 0, 0);
 }
 
+std::string ConstantTable(double factor) {
+    return Print("%5d%5d\n%10.2e%10.2e\n%10.4f\n%10.4f\n%10.4f\n", 2, 1, 1.0, 1.0e6, 1.0, factor, factor);
+}
+
+std::string FibreCards(const FibreSetCards& set) {
+    std::string cards = Print("%5d%5d\n\n", 1, set.IEHM);
+    cards += Print("%5d%5d%5d%5d%10.6f\n", 1, static_cast<int>(set.fibres.size()),
+                   set.tables.size() == 2 ? 1 : 0, set.fibres[0].size() == 1 ? 1 : 0, set.diameter);
+    cards += "\n" + Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, set.boxHigh, set.boxHigh, set.boxHigh);
+    for (const auto& points : set.fibres) {
+        cards += Print("%5d%5d\n", 1, static_cast<int>(points.size()));
+        for (const auto& [x, y, z] : points)
+            cards += Print("%5d%10.6f%10.6f%10.6f\n", 1, x, y, z);
+    }
+    for (const std::string& table : set.tables)
+        cards += table;
+    return cards;
+}
+
 std::string OneFibre(int IEHM, double diameter, const std::vector<std::array<double, 3>>& points,
                      double factor) {
-    std::string cards = Print("%5d%5d\n\n", 1, IEHM);
-    cards += Print("%5d%5d%5d%5d%10.6f\n", 1, 1, 0, points.size() == 1 ? 1 : 0, diameter);
-    cards += Print("%10.4f%10.4f%10.4f%10.4f%10.4f%10.4f\n", 0., 0., 0., 0., 0., 0.);
-    cards += Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, 1., 1., 1.);
-    cards += Print("%5d%5d\n", 1, static_cast<int>(points.size()));
-    for (const auto& [x, y, z] : points)
-        cards += Print("%5d%10.6f%10.6f%10.6f\n", 1, x, y, z);
-    cards += Print("%5d%5d\n%10.2e%10.2e\n%10.4f\n", 2, 1, 1.0, 1.0e6, 1.0);
-    return cards + Print("%10.4f\n%10.4f\n", factor, factor);
+    return FibreCards({diameter, {points}, {ConstantTable(factor)}, 1.0, IEHM});
 }
 
 namespace {

@@ -14,8 +14,22 @@ std::string Print(const char* format, ...);
 /// The cards of a constant outlet, without a time multiplier.
 std::string OutletCards(int NPOUT2, double CONCOUT0);
 
-/// The homogenization card of one set, its card of the curve ends, and a set with one fibre: a sphere of one point, a line
-/// of two. The factor holds up to a distance that no point of a mesh reaches.
+/// A table of factors that does not change up to a distance that no point of a mesh reaches.
+std::string ConstantTable(double factor);
+
+/// One fibre set; tables: one, or two with IANISY 1.
+struct FibreSetCards {
+    double diameter = 0.1;
+    std::vector<std::vector<std::array<double, 3>>> fibres; // of one point: spheres
+    std::vector<std::string> tables;
+    double boxHigh = 1.0; // of the search box, which begins at 0, in all directions
+    int IEHM = 0;
+};
+
+/// The homogenization card of the set, its card of the curve ends, and the set.
+std::string FibreCards(const FibreSetCards& set);
+
+/// The same with one fibre and a constant factor.
 std::string OneFibre(int IEHM, double diameter, const std::vector<std::array<double, 3>>& points,
                      double factor);
 

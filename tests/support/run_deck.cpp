@@ -1,6 +1,8 @@
 #include "support/run_deck.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -36,6 +38,15 @@ void Redirect(const std::string& name, int flags, int descriptor) {
         _exit(126);
     dup2(file, descriptor);
     close(file);
+}
+
+std::vector<double> NumbersOf(std::string line) {
+    std::replace(line.begin(), line.end(), 'D', 'E');
+    std::istringstream items(line);
+    std::vector<double> numbers;
+    for (double value = 0.0; items >> value;)
+        numbers.push_back(value);
+    return numbers;
 }
 
 int WaitFor(pid_t child, int secondsAllowed) {
@@ -147,14 +158,9 @@ std::vector<double> LastUnvValues(const std::string& graphics, int which) {
     std::string line;
     for (int head = 0; head < 7; ++head)
         std::getline(rows, line);
-    while (std::getline(rows, line) && line != "    -1" && std::getline(rows, line)) {
-        for (char& c : line)
-            c = c == 'D' ? 'E' : c;
-        std::istringstream items(line);
-        double value = 0.0;
-        while (items >> value)
+    while (std::getline(rows, line) && line != "    -1" && std::getline(rows, line))
+        for (const double value : NumbersOf(line))
             values.push_back(value);
-    }
     return values;
 }
 
@@ -168,6 +174,33 @@ int CountOf(const std::string& text, const std::string& part) {
     for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
         ++count;
     return count;
+}
+
+std::vector<double> NumbersBehind(const std::string& text, const std::string& label) {
+    std::vector<double> numbers;
+    for (std::size_t at = text.find(label); at != std::string::npos; at = text.find(label, at + 1))
+        numbers.push_back(NumbersOf(text.substr(at + label.size(), 14)).at(0));
+    return numbers;
+}
+
+std::vector<std::vector<double>> RowsBelow(const std::string& text, const std::string& words, int heads) {
+    std::vector<std::vector<double>> rows;
+    std::istringstream lines(text.substr(std::min(text.rfind(words), text.size())));
+    std::string line;
+    for (int head = 0; head < heads; ++head)
+        std::getline(lines, line);
+    while (std::getline(lines, line) && !NumbersOf(line).empty())
+        rows.push_back(NumbersOf(line));
+    return rows;
+}
+
+double PorosityOf(const RunResult& run) {
+    const auto rows = RowsBelow(run.mass, " NUMBER OF TIME", 1);
+    return rows.empty() ? NAN : rows[0].at(1);
+}
+
+double Order(double coarseError, double fineError) {
+    return std::log2(std::fabs(coarseError) / std::fabs(fineError));
 }
 
 } // namespace zurt_test

@@ -41,4 +41,16 @@ std::string ResultsOfListing(const std::string& listing);
 /// How often `part` stands in `text`.
 int CountOf(const std::string& text, const std::string& part);
 
+/// The numbers, with an exponent of E or D, that follow `label`, one for each place where it stands.
+std::vector<double> NumbersBehind(const std::string& text, const std::string& label);
+
+/// The rows of numbers below the last line that begins with `words`, from `heads` lines below it to a row without any.
+std::vector<std::vector<double>> RowsBelow(const std::string& text, const std::string& words, int heads);
+
+/// Porosity by the mass file of a run.
+double PorosityOf(const RunResult& run);
+
+/// Observed order of convergence of two errors, the second at half the size of the first.
+double Order(double coarseError, double fineError);
+
 } // namespace zurt_test

@@ -1,5 +1,5 @@
 // A run without the driver: its text units stand on temporary files, its deck comes from a text, its working vector
-// has any size. For tests of single steps of the job, of the time loop and of the results.
+// has any size. For tests of single steps of the job, of card readers, of the time loop and of the results.
 #pragma once
 
 #include "job/files.h"
@@ -8,33 +8,57 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace zurt_test {
 
-struct SmallRun {
-    zurt::Run run;
+struct SmallRun : zurt::Run {
     std::string folder;
 
-    explicit SmallRun(const std::string& deck = "", zurt::Word size = 4000);
+    explicit SmallRun(const std::string& deckText = "", zurt::Word words = 4000);
     ~SmallRun();
     SmallRun(const SmallRun&) = delete;
     SmallRun& operator=(const SmallRun&) = delete;
 };
+using RunPointer = std::unique_ptr<SmallRun>;
+
+/// A run for one reader of model data: echo off, one material, NP nodes, all words of `A` stale as behind another problem.
+RunPointer MakeRun(const std::string& deckText, std::int32_t INDFOR, std::int32_t NP = 1,
+                   zurt::Word words = 100000);
 
 /// What the unit holds so far.
 std::string Written(zurt::TextUnit& unit);
+inline std::string ListingOf(zurt::Run& run) {
+    return Written(run.units.listing);
+}
 
-/// Its lines, without their ends.
+/// Turns the listing to standard error, where a death test looks.
+void ListOnStandardError(zurt::Run& run);
+
+/// One line of a deck, as printf writes it.
+__attribute__((format(printf, 1, 2))) std::string Line(const char* form, ...);
+
+/// The lines of a text, without their ends.
 std::vector<std::string> Lines(const std::string& text);
+
+inline bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
 
 /// Runs `action`, which must end its process with status 0, in a child; returns what the unit holds afterwards.
 template <class Action>
-std::string WrittenByStop(SmallRun& small, zurt::TextUnit& unit, const Action& action) {
-    zurt::FlushUnits(small.run); // else the child would write what is buffered, too
+std::string WrittenByStop(zurt::Run& run, zurt::TextUnit& unit, const Action& action) {
+    zurt::FlushUnits(run); // else the child would write what is buffered, too
     EXPECT_EXIT(action(), testing::ExitedWithCode(0), "");
     return ReadFile(unit.name);
+}
+
+/// The same for an action that takes the listing.
+template <class Action> std::string ListingOfStop(const Action& action) {
+    SmallRun run;
+    return WrittenByStop(run, run.units.listing, [&] { action(run.units.listing); });
 }
 
 } // namespace zurt_test

@@ -11,40 +11,36 @@
 namespace zurt_test {
 namespace {
 
-// Numbers that follow `label` in the text, one for each place where it stands.
-std::vector<int> NumbersBehind(const std::string& text, const std::string& label) {
-    std::vector<int> numbers;
-    for (std::size_t at = text.find(label); at != std::string::npos; at = text.find(label, at + 1))
-        numbers.push_back(std::atoi(text.c_str() + at + label.size()));
-    return numbers;
+using Steps = std::vector<int>;
+
+Steps StepsBehind(const std::string& text, const std::string& label) {
+    const std::vector<double> numbers = NumbersBehind(text, label);
+    return {numbers.begin(), numbers.end()};
 }
 
 std::vector<int> ListedSteps(const RunResult& result) {
-    return NumbersBehind(result.listing, " S T E P  NUMBER =");
+    return StepsBehind(result.listing, " S T E P  NUMBER =");
 }
 
-// Steps of the first datasets of the graphics file, from their times and the size of all steps.
-std::vector<int> GraphicsSteps(const RunResult& result, double size) {
-    std::vector<int> steps;
-    const std::string head = "CVORNE KONCENTRACIJE\n";
-    const std::string& text = result.graphics;
-    for (std::size_t at = text.find(head); at != std::string::npos; at = text.find(head, at + 1)) {
-        std::size_t line = at;
-        for (int k = 0; k < 6; ++k)
-            line = text.find('\n', line) + 1;
-        std::string time = text.substr(line, 13);
-        time[time.find('D')] = 'E';
-        steps.push_back(static_cast<int>(std::atof(time.c_str()) / size + 0.5));
-    }
+// Every fourth number: a step has four datasets.
+Steps Fourths(const std::vector<double>& numbers, double unit) {
+    Steps steps;
+    for (std::size_t k = 0; k < numbers.size(); k += 4)
+        steps.push_back(static_cast<int>(numbers[k] / unit + 0.5));
     return steps;
 }
 
-std::vector<int> ResultNumbers(const RunResult& result) {
-    std::vector<int> numbers;
-    const std::vector<int> all = NumbersBehind(result.graphics, "SLUCAJ OPTERECENJA:");
-    for (std::size_t k = 0; k < all.size(); k += 4)
-        numbers.push_back(all[k]);
-    return numbers;
+// Steps in the graphics file, from their times and the size of all steps.
+Steps GraphicsSteps(const RunResult& result, double size) {
+    std::vector<double> times;
+    for (const double number : NumbersBehind(result.graphics, "SLUCAJ OPTERECENJA:"))
+        times.push_back(
+            NumbersBehind(result.graphics, Print("\n         1         1%10.0f\n", number)).back());
+    return Fourths(times, size);
+}
+
+Steps ResultNumbers(const RunResult& result) {
+    return Fourths(NumbersBehind(result.graphics, "SLUCAJ OPTERECENJA:"), 1.0);
 }
 
 BarDeck SmallBar(int steps, int NPRINT, int IGRAF) {
@@ -66,8 +62,6 @@ std::string SteadyDeck() {
     const std::string one = "12 1 1 0 1 1 0 3 0 1 0", three = "12 1 1 0 3 1 0 3 0 1 0";
     return deck.replace(deck.find(one), one.size(), three);
 }
-
-using Steps = std::vector<int>;
 
 // Faults: the last step not written, the limit NDT / IGRAF not formed or rounded up, a counter that the last step does
 // not clear, a result number of its own for steps that are not written.
@@ -107,8 +101,8 @@ TEST(StepOutput, ListingAtItsInterval) {
     const RunResult result = RunDeck(Build(first) + Build(SmallBar(6, 3, -1)));
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(ListedSteps(result), (Steps{1, 5, 10, 15, 17, 1, 3, 6}));
-    EXPECT_EQ(NumbersBehind(result.listing, " ITERATIONS FOR STEP:"), ListedSteps(result));
-    EXPECT_EQ(NumbersBehind(result.console, " *** END OF TIME STEP NUMBER"), ListedSteps(result));
+    EXPECT_EQ(StepsBehind(result.listing, " ITERATIONS FOR STEP:"), ListedSteps(result));
+    EXPECT_EQ(StepsBehind(result.console, " *** END OF TIME STEP NUMBER"), ListedSteps(result));
     EXPECT_EQ(CountOf(result.console, " *** END OF TIME STEP NUMBER        15 /     17 ***\n"), 1);
     EXPECT_EQ(result.graphics, "");
 }
@@ -120,7 +114,7 @@ TEST(StepOutput, GraphicsWithoutPrint) {
     EXPECT_EQ(ListedSteps(result), Steps{});
     EXPECT_EQ(CountOf(result.console, "END OF TIME STEP"), 0);
     EXPECT_EQ(GraphicsSteps(result, 0.5), (Steps{1, 2, 3}));
-    EXPECT_EQ(NumbersBehind(result.listing, " ITERATIONS FOR STEP:"), (Steps{1, 2, 3}));
+    EXPECT_EQ(StepsBehind(result.listing, " ITERATIONS FOR STEP:"), (Steps{1, 2, 3}));
 }
 
 } // namespace
