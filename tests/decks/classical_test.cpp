@@ -66,7 +66,7 @@ double ValueOfT4(int times, int solver) {
 // Faults: an edge term on the wrong edge, of wrong length or lost in one of the solvers, a matrix of an edge left out.
 TEST(Classical, T4ConvergesToTheSeries) {
     constexpr double series = 18.2538;
-    const double error = ExpectOrder({"T4, elements along x", 12, 3, 2.0, 0.2}, [](int elements) {
+    const double error = ExpectOrder({"T4, elements along x", 12, 3, 2.0, 0.1}, [](int elements) {
         const double skyline = ValueOfT4(elements / 6, 0);
         EXPECT_NEAR(skyline, ValueOfT4(elements / 6, 2), 1.01e-3) << "a digit of the listing";
         return skyline - series;
@@ -260,42 +260,6 @@ TEST(Classical, ObliqueLineIsTheLineAlongX) {
         }
         std::printf("oblique line, %d nodes an element: largest error %.2e of 24.5\n", nodesOfElement,
                     largest);
-    }
-}
-
-// A dead end with a source feeds a node that leads to the held ends by two ways: one line, and two in series.
-// Faults: areas carried on from the element before where a card gives its own, elements of the second group assembled
-// with the areas of the first.
-TEST(Classical, NetworkOfLinesAddsItsConductances) {
-    PlaneDeck deck;
-    deck.nodes = {{0.0, 0.0, 0.0, false},
-                  {0.0, 0.0, 2.0, false},
-                  {3.0, 4.0, 2.0, false},
-                  {5.0, 4.0, 2.0, true},
-                  {0.0, -4.0, 2.0, true}};
-    PlaneGroup fed, plain;
-    fed.family = plain.family = 1;
-    fed.IZIP = 1;
-    fed.elements = {{{1, 2}, 1, 0.5}};
-    plain.elements = {{{2, 3}, 0, 2.0}, {{3, 4}, 0, 0.4}, {{2, 5}, 0, 0.8}};
-    deck.groups = {fed, plain};
-    deck.conductivity = {{0.0, 10.0}};
-    deck.source = {{0.0, 60.0}};
-    const double series = 1.0 / (5.0 / (10.0 * 2.0) + 2.0 / (10.0 * 0.4)), single = 10.0 * 0.8 / 4.0;
-    const double given = 60.0 * 0.5 * 2.0; // source, area, length
-    const double joint = given / (series + single);
-    const double elbow = joint * series * 2.0 / (10.0 * 0.4);
-    const double deadEnd = joint + 60.0 * 2.0 * 2.0 / (2.0 * 10.0);
-    for (const int solver : {0, 2}) {
-        deck.solver = solver;
-        const std::vector<double> values = Concentrations(deck);
-        std::printf("network: %.4f %.4f %.4f, exact %.4f %.4f %.4f\n", values[1], values[2], values[0], joint,
-                    elbow, deadEnd);
-        EXPECT_NEAR(values[0], deadEnd, Digit(deadEnd));
-        EXPECT_NEAR(values[1], joint, Digit(joint));
-        EXPECT_NEAR(values[2], elbow, Digit(elbow));
-        EXPECT_EQ(values[3], 0.0);
-        EXPECT_EQ(values[4], 0.0);
     }
 }
 

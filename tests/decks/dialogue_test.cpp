@@ -159,7 +159,7 @@ TEST(Dialogue, CardBehindAProblem) {
     bar.end = "stop\n";
     const RunResult small = RunDeck(Build(bar));
     EXPECT_EQ(small.status, 2);
-    EXPECT_NE(small.errors.find("Title card: the deck ends here"), std::string::npos) << small.errors;
+    EXPECT_TRUE(Contains(small.errors, "Title card: the deck ends here")) << small.errors;
     EXPECT_EQ(CountOf(small.listing, "E X E C U T I O N    T I M I N G"), 1);
 }
 
@@ -197,7 +197,7 @@ TEST(Dialogue, EndOfTheConsoleInput) {
     for (const char* answers : {"", "\n", "zurt.dat\n\n", "\n\nN\n", "\nnew.lst\n"}) {
         const RunResult result = RunInFolder(taken, answers, 20);
         EXPECT_EQ(result.status, 2) << answers;
-        EXPECT_NE(result.errors.find("zurt: error: the console input ended"), std::string::npos) << answers;
+        EXPECT_TRUE(Contains(result.errors, "zurt: error: the console input ended")) << answers;
         EXPECT_EQ(result.listing, "precious\n") << answers;
     }
     EXPECT_EQ(RunInFolder(FolderWith("zurt.dat"), "\n\nlast", 20).status, 0); // a line without its end
@@ -207,13 +207,13 @@ TEST(Dialogue, EndOfTheConsoleInput) {
 TEST(Dialogue, MissingDeck) {
     const RunResult missing = RunInFolder(MakeTemporaryFolder(), "\n\n\n");
     EXPECT_EQ(missing.status, 2);
-    EXPECT_NE(missing.errors.find("zurt: error: can't open the deck zurt.dat"), std::string::npos);
+    EXPECT_TRUE(Contains(missing.errors, "zurt: error: can't open the deck zurt.dat"));
     const RunResult folder = RunInFolder(FolderWith("zurt.dat"), ".\n\n\n");
     EXPECT_EQ(folder.status, 2);
-    EXPECT_NE(folder.errors.find("zurt: error: can't read the deck ."), std::string::npos);
+    EXPECT_TRUE(Contains(folder.errors, "zurt: error: can't read the deck ."));
     const RunResult empty = RunDeck("");
     EXPECT_EQ(empty.status, 2);
-    EXPECT_NE(empty.errors.find("Title card: the deck ends here"), std::string::npos);
+    EXPECT_TRUE(Contains(empty.errors, "Title card: the deck ends here"));
 }
 
 // Faults: a file that can't be written goes unnoticed or ends the run as a normal end; a folder in its way deleted, or
@@ -224,18 +224,18 @@ TEST(Dialogue, FilesThatCantBeWritten) {
         fs::create_directory(folder + "/" + name);
         const RunResult result = RunInFolder(folder, "\n\n\n\n\n");
         EXPECT_EQ(result.status, 2) << name;
-        EXPECT_NE(result.errors.find(name), std::string::npos) << result.errors;
+        EXPECT_TRUE(Contains(result.errors, name)) << result.errors;
         EXPECT_TRUE(fs::is_directory(folder + "/" + name)) << name;
     }
     const RunResult nowhere = RunInFolder(FolderWith("zurt.dat"), "\n/no/such/file.lst\n\n");
     EXPECT_EQ(nowhere.status, 2);
-    EXPECT_NE(nowhere.errors.find("zurt: error: can't open /no/such/file.lst"), std::string::npos);
+    EXPECT_TRUE(Contains(nowhere.errors, "zurt: error: can't open /no/such/file.lst"));
     for (const auto& [answers, lost] :
          {std::pair{"\nzurt.dat\n\n\n", "deck"}, {"\nout\n./out\n\n", "listing"}}) {
         const std::string folder = FolderWith("zurt.dat");
         const RunResult same = RunInFolder(folder, answers);
         EXPECT_EQ(same.status, 2);
-        EXPECT_NE(same.errors.find(std::string("it is the ") + lost), std::string::npos) << same.errors;
+        EXPECT_TRUE(Contains(same.errors, std::string("it is the ") + lost)) << same.errors;
         EXPECT_EQ(ReadFile(folder + "/zurt.dat"), ShortDeck());
     }
     const std::string discarding = FolderWith("zurt.dat");
@@ -247,8 +247,7 @@ TEST(Dialogue, FilesThatCantBeWritten) {
         fs::create_symlink("/dev/full", folder + "/" + name);
         const RunResult full = RunInFolder(folder, "\n\n\n");
         EXPECT_EQ(full.status, 2) << name;
-        EXPECT_NE(full.errors.find(std::string("zurt: error: can't write to ") + name), std::string::npos)
-            << full.errors;
+        EXPECT_TRUE(Contains(full.errors, std::string("zurt: error: can't write to ") + name)) << full.errors;
     }
 }
 

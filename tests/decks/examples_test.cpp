@@ -214,7 +214,7 @@ TEST(Examples, SpheresConductAsMaxwellSays) {
     ASSERT_EQ(result.tables.size(), 1U);
     EXPECT_NEAR(PorosityOf(result.run), 1.0 - 0.05 / 0.55, 0.001);
     EXPECT_NEAR(0.5 / result.tables[0].at(0), 0.9 / 1.05, 0.002);
-    EXPECT_NE(result.run.listing.find("JEDN =     2091"), std::string::npos);
+    EXPECT_TRUE(Contains(result.run.listing, "JEDN =     2091"));
 }
 
 // Faults: circles taken for strips, three points an element with the fluxes of two.
@@ -279,7 +279,7 @@ TEST(Examples, HomogenizationFindsTheMediumOfASquareArray) {
     const Table& last = result.tables.back();
     const double area = 1.0 / 12.0, left = (last.at(0) + 2.0 * last.at(26) + last.at(52)) / 4.0;
     EXPECT_NEAR(passed, (1.0 - left) * 40.0 * area, 2e-3 * passed);
-    EXPECT_NE(result.run.console.find("HOMOGENIZATION FINISHED!"), std::string::npos);
+    EXPECT_TRUE(Contains(result.run.console, "HOMOGENIZATION FINISHED!"));
 }
 
 // An example without a test above, or without the two files that make one.

@@ -25,7 +25,7 @@ BarDeck ChannelDeck(int nx, int across) {
 std::vector<double> Concentrations(const BarDeck& bar) {
     const RunResult result = RunDeck(Build(bar));
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_NE(result.listing.find("N O D A L"), std::string::npos) << result.errors;
+    EXPECT_TRUE(Contains(result.listing, "N O D A L")) << result.errors;
     return LastConcentrations(result.listing);
 }
 
@@ -70,9 +70,8 @@ TEST(Outlet, PairsAndCoefficientsAreEchoedAndChangeNothing) {
     const RunResult analytic = RunDeck(Build(bar));
     ExpectEqual(LastConcentrations(pairs.listing), plain);
     ExpectEqual(LastConcentrations(analytic.listing), plain);
-    EXPECT_NE(pairs.listing.find("   0.10000D+01              0.80000D+01"), std::string::npos);
-    EXPECT_NE(analytic.listing.find("    0.10000D+01    0.20000D+01    0.30000D+01    0.40000D+01"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(pairs.listing, "   0.10000D+01              0.80000D+01"));
+    EXPECT_TRUE(Contains(analytic.listing, "    0.10000D+01    0.20000D+01    0.30000D+01    0.40000D+01"));
 }
 
 std::string Multiplier(int ITMF1, int ITMF2, const std::vector<std::pair<double, double>>& pairs) {
@@ -122,7 +121,7 @@ TEST(Outlet, CountsWithoutAMeaningEndTheRun) {
         bar.outlet = Print("%5d\n%13.5e\n%5d%5d%5d\n", 1, 0.0, 0, 1, NTMF);
         const RunResult result = RunDeck(Build(bar));
         EXPECT_EQ(result.status, 2);
-        EXPECT_NE(result.errors.find("NTMF"), std::string::npos) << result.errors;
+        EXPECT_TRUE(Contains(result.errors, "NTMF")) << result.errors;
     }
     bar.outlet = Print("%5d\n%13.5e\n%5d%5d%5d\n", 1, 0.0, 0, 0, 99999);
     EXPECT_EQ(Concentrations(bar).size(), 20U) << "no switch, no table";
@@ -188,7 +187,7 @@ TEST(FibreDecks, ASphereTakesItsElementsAndNodesOutOfTheModel) {
     const RunResult skyline = RunDeck(Build(bar));
     ASSERT_EQ(skyline.status, 0) << skyline.errors;
     const int equations = static_cast<int>(fluid.size()) - 2 * 49;
-    EXPECT_NE(skyline.listing.find(Print("JEDN =%9d", equations)), std::string::npos) << equations;
+    EXPECT_TRUE(Contains(skyline.listing, Print("JEDN =%9d", equations))) << equations;
     bar.solver = 2;
     const std::vector<double> values = LastConcentrations(skyline.listing);
     ExpectEqual(Concentrations(bar), values);

@@ -197,7 +197,7 @@ TEST(Homogenization, RunsThatCanNotBeFittedEnd) {
     never.NFITMAX = 7;
     for (const GridDeck& grid : {still, never}) {
         const RunResult result = RunWell(grid);
-        EXPECT_NE(result.console.find("Max number of iterations"), std::string::npos);
+        EXPECT_TRUE(Contains(result.console, "Max number of iterations"));
         EXPECT_EQ(CountOf(result.errors, none), 1);
     }
     GridDeck grid = Deck(Channel{});
@@ -213,7 +213,7 @@ TEST(Homogenization, RunsThatCanNotBeFittedEnd) {
     EXPECT_EQ(CountOf(ReadFile(twice.folder + "/MASS-Y.LST"), "FITTED"), 2);
     grid.cylinders.clear();
     const RunResult plain = RunWell(grid);
-    EXPECT_EQ(plain.console.find("HOMOGENIZATION"), std::string::npos);
+    EXPECT_FALSE(Contains(plain.console, "HOMOGENIZATION"));
     EXPECT_EQ(LastConcentrations(plain.listing).size(), 378U);
 }
 

@@ -30,7 +30,7 @@ TEST(ListingLines, StandInTheListingsOfTheSmallDecks) {
         if (listing.empty())
             listing = WithoutEmptyLines(RunDeck(SmallDeckText(deck)).listing);
         const std::string passage = passages.substr(first, end - first);
-        EXPECT_NE(listing.find(passage), std::string::npos) << "not in the listing of " << deck << passage;
+        EXPECT_TRUE(Contains(listing, passage)) << "not in the listing of " << deck << passage;
     }
     EXPECT_GT(count, 30);
 }

@@ -75,8 +75,7 @@ TEST(Messages, NoEquilibriumWithoutDevice) {
     first.end = "";
     const RunResult result = RunDeck(Build(first) + Build(NoEquilibrium()));
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_NE(result.errors.find("note: step 2: no equilibrium within MAXIT = 1 iterations"),
-              std::string::npos)
+    EXPECT_TRUE(Contains(result.errors, "note: step 2: no equilibrium within MAXIT = 1 iterations"))
         << result.errors;
     EXPECT_EQ(result.messages, "      \n      \n");
     EXPECT_EQ(CountOf(result.console, " ITERATION =  1"), 2 + 1);

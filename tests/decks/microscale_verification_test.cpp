@@ -32,7 +32,7 @@ RunResult RunWell(const BarDeck& bar) {
     RunResult result = RunDeck(Build(bar));
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
-    EXPECT_NE(result.listing.find("N O D A L"), std::string::npos);
+    EXPECT_TRUE(Contains(result.listing, "N O D A L"));
     return result;
 }
 
@@ -277,8 +277,8 @@ TEST(MicroscaleVerification, FibresThatFillTheDomainEndTheRun) {
             bar.fibres = FibreCards({diameter, {{{0.5, 0.5, 0.5}}}, {ConstantTable(1.0)}});
             const RunResult result = RunDeck(Build(bar));
             EXPECT_EQ(result.status, 2);
-            EXPECT_NE(result.errors.find("there is nothing to solve"), std::string::npos) << result.errors;
-            EXPECT_EQ(result.listing.find("N O D A L    C O N C E N T R A T I O N S"), std::string::npos);
+            EXPECT_TRUE(Contains(result.errors, "there is nothing to solve")) << result.errors;
+            EXPECT_FALSE(Contains(result.listing, "N O D A L    C O N C E N T R A T I O N S"));
         }
 }
 

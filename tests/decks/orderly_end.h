@@ -24,9 +24,9 @@ constexpr long kMostMegabytes = 200; // the working vector takes memory as it is
 #endif
 
 inline bool EndsOrderly(const RunResult& run) {
-    return (run.status == 0 || run.status == 2) && run.errors.find("Sanitizer") == std::string::npos &&
-           run.errors.find("runtime error:") == std::string::npos &&
-           (run.status == 2) == (run.errors.find("zurt: error: ") != std::string::npos);
+    return (run.status == 0 || run.status == 2) && !Contains(run.errors, "Sanitizer") &&
+           !Contains(run.errors, "runtime error:") &&
+           (run.status == 2) == Contains(run.errors, "zurt: error: ");
 }
 
 inline void ExpectOrderlyEnd(const RunResult& run, const std::string& what) {

@@ -207,7 +207,7 @@ TEST(RadialDecks, PartitionIsTheRatioAtTheSurface) {
     deck.ISUB4 = 1;
     const FibreResult substructured = Solve(deck);
     EXPECT_NEAR(substructured.fibres[2], substructured.nodes[0], 1e-5);
-    EXPECT_NE(substructured.run.errors.find("partition values act with ISUB4 0 alone"), std::string::npos);
+    EXPECT_TRUE(Contains(substructured.run.errors, "partition values act with ISUB4 0 alone"));
 }
 
 // A sphere over the first two bricks takes node 1 out of the model. Faults: what the fibre gives to it is lost unsaid; nodes
@@ -220,8 +220,7 @@ TEST(RadialDecks, NodesUnderTheMeshsFibresTakeNoFlux) {
     deck.bar.fibres = OneFibre(0, 1.2, {{0.0, 0.0, 0.0}}, 1.0);
     const RunResult refused = RunDeck(Build(deck));
     EXPECT_EQ(refused.status, 2);
-    EXPECT_NE(refused.errors.find("node 1, which takes the flux of radial fibre 1"), std::string::npos)
-        << refused.errors;
+    EXPECT_TRUE(Contains(refused.errors, "node 1, which takes the flux of radial fibre 1")) << refused.errors;
     deck.surface = {5};
     EXPECT_EQ(RunDeck(Build(deck)).status, 0);
 }
@@ -296,8 +295,7 @@ void ExpectEnd(const FibreDeck& deck, const std::string& good, const std::string
     ExpectOrderlyEnd(run, bad);
     EXPECT_EQ(run.status, status) << bad << run.errors;
     for (const std::string& word : words)
-        EXPECT_NE((status == 0 ? run.listing : run.errors).find(word), std::string::npos)
-            << bad << run.errors;
+        EXPECT_TRUE(Contains((status == 0 ? run.listing : run.errors), word)) << bad << run.errors;
 }
 
 TEST(RadialDecks, Messages) {
@@ -314,7 +312,7 @@ TEST(RadialDecks, Messages) {
         deck, "       1         0.05", "       2         0.05", 0,
         {" ERROR IN INPUT DATA FOR RADIAL 1D ELEMENT GROUP:", "NN=       2", "NET=       1", " S T O P"});
     deck.NP4DMX = 3;
-    EXPECT_NE(Solve(deck).run.errors.find("two nodes, whatever NP4DMX says"), std::string::npos);
+    EXPECT_TRUE(Contains(Solve(deck).run.errors, "two nodes, whatever NP4DMX says"));
     ExpectEnd(deck, Print("%5d%10d", 4, 1), Print("%5d%10d", 4, 6000000), 0,
               {"WORKING VECTOR A FOR READ IN INPUT DATA", "LMAX = 150000"});
 }

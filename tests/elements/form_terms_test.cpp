@@ -203,18 +203,5 @@ TEST(FormTerms, SourceOfAPotential) {
     }
 }
 
-// The mean rate is formed for every group, whether its elements have sources or not.
-TEST(FormTerms, OneSourceMustReachTheEndOfTheStep) {
-    Problem problem;
-    problem.sources = {{{0.0, 1.0}, {1.0, 2.0}}};
-    problem.TIME = 1.5;
-    EXPECT_NE(ListingOfStop([&](TextUnit& listing) {
-                  Model model(Block(), problem);
-                  model.run.units.listing = listing;
-                  testmodel::FormSystem(model.run);
-              }).find(" CURVE HEAT SOURCE - TIME,  No. =    1\n ARGUMENT TIME, TIME =  1.5000E+00\n"),
-              std::string::npos);
-}
-
 } // namespace
 } // namespace zurt

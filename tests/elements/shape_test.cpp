@@ -247,27 +247,6 @@ TEST(Jacobian, GivesTheGradientOfALinearFieldOnDistortedElements) {
     }
 }
 
-// Six times the volume between the origin and the triangle of three nodes.
-double SixTetrahedra(const NodeCoordinates<3>& x, int a, int b, int c) {
-    return x[0][a] * (x[1][b] * x[2][c] - x[2][b] * x[1][c]) +
-           x[1][a] * (x[2][b] * x[0][c] - x[0][b] * x[2][c]) +
-           x[2][a] * (x[0][b] * x[1][c] - x[1][b] * x[0][c]);
-}
-
-// A bilinear face halves the tetrahedron of its corners, so the volume under it is the mean of the two ways to cut it
-// into triangles.
-double HexahedronVolume(const NodeCoordinates<3>& x) {
-    static constexpr int outward[6][4] = {{1, 4, 8, 5}, {2, 6, 7, 3}, {1, 5, 6, 2},
-                                          {4, 3, 7, 8}, {1, 2, 3, 4}, {5, 8, 7, 6}};
-    double sum = 0.0;
-    for (const auto& face : outward) {
-        const int a = face[0] - 1, b = face[1] - 1, c = face[2] - 1, d = face[3] - 1;
-        sum += SixTetrahedra(x, a, b, c) + SixTetrahedra(x, a, c, d) + SixTetrahedra(x, a, b, d) +
-               SixTetrahedra(x, b, c, d);
-    }
-    return sum / 12.0;
-}
-
 double VolumeByQuadrature(const Shaped<3>& brick, int order) {
     double volume = 0.0;
     for (int i = 1; i <= order; ++i)
@@ -282,15 +261,24 @@ double VolumeByQuadrature(const Shaped<3>& brick, int order) {
     return volume;
 }
 
-// Fault: a determinant off by sign, factor or term. The rules are good to single precision.
-TEST(Jacobian, DeterminantsSumToTheVolumeOfADistortedHexahedron) {
-    std::mt19937 random(6);
-    for (int trial = 0; trial < 20; ++trial) {
-        const Shaped<3> brick = Distorted<3>(ElementWith<3>({}), 0.3, random);
-        const double volume = HexahedronVolume(brick.CORE);
-        for (int order = 2; order <= 5; ++order)
-            EXPECT_NEAR(VolumeByQuadrature(brick, order), volume, 5e-7 * volume) << "order " << order;
+// Fault: a determinant off by sign, factor or term. A frustum of two rectangles, sheared, has the volume
+// h (A1 + 4 Am + A2) / 6 with the section half way up. The rules are good to single precision.
+TEST(Jacobian, DeterminantsSumToTheVolumeOfAShearedFrustum) {
+    Shaped<3> brick;
+    brick.active = ElementWith<3>({});
+    for (int k = 0; k < 8; ++k) {
+        const Point place = PlaceOf<3>(k + 1);
+        const double x = (2.0 + 0.5 * place[2]) * place[0], y = (1.0 - 0.25 * place[2]) * place[1],
+                     z = 3.0 * place[2];
+        brick.CORE[0][k] = x + 0.3 * z;
+        brick.CORE[1][k] = y + 0.2 * x;
+        brick.CORE[2][k] = z - 0.4 * y;
     }
+    // The map of x, y, z has the determinant 1 + 0.3 * 0.2 * -0.4.
+    const double low = 4.0 * 1.5 * 1.25, middle = 4.0 * 2.0, high = 4.0 * 2.5 * 0.75;
+    const double volume = 6.0 * (low + 4.0 * middle + high) / 6.0 * (1.0 + 0.3 * 0.2 * -0.4);
+    for (int order = 2; order <= 5; ++order)
+        EXPECT_NEAR(VolumeByQuadrature(brick, order), volume, 5e-7 * volume) << "order " << order;
 }
 
 // A brick whose edges along r, s, t are the vectors 2a, 2b, 2c.
@@ -375,6 +363,51 @@ TEST(Jacobian, IsRefusedAtTheLimitAndBelow) {
     EXPECT_EQ(SoundAt(limit), none);
     EXPECT_EQ(SoundAt(0.0), none);
     EXPECT_EQ(SoundAt(std::numeric_limits<double>::quiet_NaN()), none);
+}
+
+struct Rule {
+    std::vector<double> abscissae; // the ones above 0, descending, then 0 for odd orders
+    std::vector<double> weights;
+};
+
+// Closed forms (Abramowitz and Stegun 1964, 25.4.29).
+Rule ExactRule(int order) {
+    const double r65 = std::sqrt(6.0 / 5.0), r30 = std::sqrt(30.0);
+    const double r107 = std::sqrt(10.0 / 7.0), r70 = std::sqrt(70.0);
+    switch (order) {
+    case 1:
+        return {{0.0}, {2.0}};
+    case 2:
+        return {{std::sqrt(1.0 / 3.0)}, {1.0}};
+    case 3:
+        return {{std::sqrt(0.6), 0.0}, {5.0 / 9.0, 8.0 / 9.0}};
+    case 4:
+        return {{std::sqrt((3.0 + 2.0 * r65) / 7.0), std::sqrt((3.0 - 2.0 * r65) / 7.0)},
+                {(18.0 - r30) / 36.0, (18.0 + r30) / 36.0}};
+    default:
+        return {{std::sqrt(5.0 + 2.0 * r107) / 3.0, std::sqrt(5.0 - 2.0 * r107) / 3.0, 0.0},
+                {(322.0 - 13.0 * r70) / 900.0, (322.0 + 13.0 * r70) / 900.0, 128.0 / 225.0}};
+    }
+}
+
+double Widened(double exact) {
+    return static_cast<double>(static_cast<float>(exact));
+}
+
+// Faults: a digit lost or "improved" to double precision, an offset of one order pointing into another.
+TEST(GaussRules, AreTheClosedFormsRoundedToSinglePrecision) {
+    for (int order = 1; order <= kMaxGaussOrder; ++order) {
+        const Rule exact = ExactRule(order);
+        for (int k = 1; k <= (order + 1) / 2; ++k) {
+            EXPECT_EQ(XG(order, k), -Widened(exact.abscissae[k - 1])) << order << " " << k;
+            EXPECT_EQ(XG(order, order + 1 - k), Widened(exact.abscissae[k - 1])) << order << " " << k;
+            EXPECT_EQ(WGT(order, k), Widened(exact.weights[k - 1])) << order << " " << k;
+            EXPECT_EQ(WGT(order, order + 1 - k), Widened(exact.weights[k - 1])) << order << " " << k;
+        }
+    }
+    // What single precision leaves of them, so that the rounding itself is held fast.
+    EXPECT_EQ(XG(2, 2), 0.5773502588272095);
+    EXPECT_EQ(WGT(3, 1), 0.5555555820465088);
 }
 
 } // namespace

@@ -96,9 +96,9 @@ TEST(FitLoop, DistanceStepsGrowAndThenHalveTheBracket) {
     EXPECT_EQ(state.HEQDIR[1], 1.96875);
     EXPECT_EQ(state.ERRFIT, -0.015625);
     const std::string console = Written(fit.small.units.console);
-    EXPECT_NE(console.find("running FIB model - with prescribed SF"), std::string::npos);
-    EXPECT_NE(console.find("running EHM model - Calculation of HEQ..."), std::string::npos);
-    EXPECT_NE(console.find("    6  -0.156250E-01"), std::string::npos) << console;
+    EXPECT_TRUE(Contains(console, "running FIB model - with prescribed SF"));
+    EXPECT_TRUE(Contains(console, "running EHM model - Calculation of HEQ..."));
+    EXPECT_TRUE(Contains(console, "    6  -0.156250E-01")) << console;
 }
 
 // Faults: a curve that is not lowered by porosity first; ends that move apart; a fit that leaves the curve changed.
@@ -139,8 +139,8 @@ TEST(FitLoop, DistanceFollowsTheCurve) {
     EXPECT_EQ(runs[7].HEQ, 1.0)
         << "a mass that is met at once counts as too small and waits for the other sign";
     const std::string console = Written(fit.small.units.console);
-    EXPECT_NE(console.find("Calculation of D-C curve finished!\n\n running FIB model - with prescribed SF\n"),
-              std::string::npos);
+    EXPECT_TRUE(
+        Contains(console, "Calculation of D-C curve finished!\n\n running FIB model - with prescribed SF\n"));
 }
 
 // Faults: a limit that counts runs with fibres, or one iteration too many.
@@ -151,9 +151,8 @@ TEST(FitLoop, LimitOfIterationsEndsTheFit) {
         fit.small.fit.HEQDIR[1] = 7.0;
         EXPECT_EQ(Drive(fit, 2.0, kMassIsHeq).size(), static_cast<std::size_t>(1 + NFITMAX));
         EXPECT_EQ(fit.small.fit.HEQDIR[1], 7.0);
-        EXPECT_NE(
-            Written(fit.small.units.console).find("Max number of iterations for Homogenization reached"),
-            std::string::npos);
+        EXPECT_TRUE(Contains(Written(fit.small.units.console),
+                             "Max number of iterations for Homogenization reached"));
     }
 }
 

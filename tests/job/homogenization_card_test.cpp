@@ -36,8 +36,7 @@ TEST(HomogenizationCard, Normalisation) {
         {"2 1 0 5 6 .01 1 1 1 2 1 0 1 0", 1, 0, 2, 0, 0, 0, true},
     };
     for (const Normalised& test : cases) {
-        SmallRun small(std::string(test.card) + "\n1.5 2.5\nnext\n");
-        zurt::Run& run = small;
+        SmallRun run(std::string(test.card) + "\n1.5 2.5\nnext\n");
         run.control.header.INDFOR = 1;
         ReadHomogenizationCard(run);
         const HomogenizationCard& card = run.fit.card;
@@ -48,7 +47,7 @@ TEST(HomogenizationCard, Normalisation) {
         EXPECT_EQ(card.IDCC, test.IDCC) << test.card;
         EXPECT_EQ(run.fit.NACTDIR, test.NACTDIR) << test.card;
         EXPECT_EQ(card.D2D, test.curveEnds ? 2.5 : 0.0) << test.card;
-        EXPECT_EQ(small.deck.nextLine, test.curveEnds ? 2 : 1) << test.card;
+        EXPECT_EQ(run.deck.nextLine, test.curveEnds ? 2 : 1) << test.card;
         EXPECT_EQ(card.NFSTEP, 5);
         EXPECT_EQ(card.NFITMAX, 6);
         EXPECT_EQ(card.FITERR, 0.01);

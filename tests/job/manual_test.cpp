@@ -95,7 +95,7 @@ void ExpectTable(const Table& table, const CardLayout& layout) {
         const Row& row = table[static_cast<std::size_t>(f)];
         EXPECT_EQ(row.name, field.name);
         EXPECT_EQ(row.descriptor, DescriptorText(field)) << field.name;
-        EXPECT_NE(row.text.find(field.effect), std::string::npos)
+        EXPECT_TRUE(zurt_test::Contains(row.text, field.effect))
             << field.name << " decides nothing, and the manual must say: " << field.effect;
     }
 }

@@ -20,8 +20,7 @@ using zurt_test::WrittenByStop;
 // Faults: a section of another size or in another place, the step list taken behind its room for counting, the gap of NP
 // words forgotten or cleared, nodal vectors not cleared, material tables taken under NDS, NWK kept in sparse mode.
 TEST(Partition, TransientDeviceProblemInSparseMode) {
-    SmallRun small;
-    zurt::Run& run = small;
+    SmallRun run;
     Control& control = run.control;
     const Pointers& at = control.at;
     TakeWords(run.A, "what the problem before has left", 200);
@@ -66,8 +65,7 @@ TEST(Partition, TransientDeviceProblemInSparseMode) {
 // Faults: capacity tables missing in a transient problem or taken when NSTAC is negative; no room for shared nodes
 // under the ISUB4 that the problem before has left.
 TEST(Partition, TablesByCondition) {
-    SmallRun small;
-    zurt::Run& run = small;
+    SmallRun run;
     run.control.header.NMATT = 2;
     run.control.counts.NTABK = 2;
     run.control.counts.MAXTK = 3;
@@ -93,7 +91,7 @@ TEST(Partition, TablesByCondition) {
     EXPECT_EQ(run.A.LMAX, 43);
 }
 
-// A problem of 4 nodes, 3 equations, one transient material, one source function; every count is small.
+// A problem of 4 nodes, 3 equations, one transient material, one source function; every count is run.
 void PrepareSmallProblem(Run& run) {
     run.control.header.NP = 4;
     run.control.header.NPER = 2;
@@ -128,11 +126,11 @@ const Step kSteps[] = {
 };
 
 // Takes the steps up to number `last` in a working vector of `size` words; returns LMAX behind them.
-Word TakeUpTo(SmallRun& small, std::size_t last) {
-    PrepareSmallProblem(small);
+Word TakeUpTo(SmallRun& run, std::size_t last) {
+    PrepareSmallProblem(run);
     for (std::size_t k = 0; k <= last; ++k)
-        kSteps[k].take(small);
-    return small.A.LMAX;
+        kSteps[k].take(run);
+    return run.A.LMAX;
 }
 
 // Faults: a test for overflow missing at its place, or one word too sharp or too lax there; another message; the node

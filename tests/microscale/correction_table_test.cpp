@@ -110,8 +110,8 @@ TEST(CorrectionTableCards, CardsOfEight) {
         EXPECT_DOUBLE_EQ(Factors(table)(i, 3), 2e-5);
     }
     EXPECT_EQ(run.deck.nextLine, 13); // the card behind the table comes next
-    EXPECT_NE(Written(run.units.listing).find(" FIBRE SET - DATA FOR CORRECTION FACTORS - Y\n"),
-              std::string::npos);
+    EXPECT_TRUE(
+        zurt_test::Contains(Written(run.units.listing), " FIBRE SET - DATA FOR CORRECTION FACTORS - Y\n"));
 }
 
 // Faults: storage for a table that the deck can't hold, a size without a meaning taken.
@@ -143,15 +143,14 @@ TEST(CorrectionTableCards, RowsThatFallGetANote) {
     CorrectionTable table;
     testing::internal::CaptureStderr();
     ReadCorrectionTable(small, CorrectionTableOwner::FibreSet, table);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("from row 2 to row 3"), std::string::npos);
+    EXPECT_TRUE(zurt_test::Contains(testing::internal::GetCapturedStderr(), "from row 2 to row 3"));
     EXPECT_DOUBLE_EQ(LookupCorrectionFactor(table, 1.0, 0.0015), 0.125);
     EXPECT_EQ(LookupCorrectionFactor(table, 1.0, 0.0025), 1.0);
 }
 
 // Faults: another order of the three sections in `A`, a gap between them, the overflow test left out.
 TEST(NanochannelTable, StandsInTheWorkingVector) {
-    SmallRun small(NineRows(), 1000);
-    zurt::Run& run = small;
+    SmallRun run(NineRows(), 1000);
     run.control.header.INDFOR = 2;
     TakeWords(run.A, "before", 5);
     ReadNanochannelTable(run);
@@ -166,7 +165,7 @@ TEST(NanochannelTable, StandsInTheWorkingVector) {
     tight.control.header.INDFOR = 2;
     const std::string written =
         WrittenByStop(tight, tight.units.listing, [&] { ReadNanochannelTable(tight); });
-    EXPECT_NE(written.find("REQUIRED DIMENSION, LMAX =        40"), std::string::npos);
+    EXPECT_TRUE(zurt_test::Contains(written, "REQUIRED DIMENSION, LMAX =        40"));
 }
 
 } // namespace

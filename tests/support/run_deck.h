@@ -38,6 +38,10 @@ std::vector<double> LastUnvValues(const std::string& graphics, int which);
 /// The part of the listing from the first result table on.
 std::string ResultsOfListing(const std::string& listing);
 
+inline bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
 /// How often `part` stands in `text`.
 int CountOf(const std::string& text, const std::string& part);
 

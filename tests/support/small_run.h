@@ -43,10 +43,6 @@ __attribute__((format(printf, 1, 2))) std::string Line(const char* form, ...);
 /// The lines of a text, without their ends.
 std::vector<std::string> Lines(const std::string& text);
 
-inline bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 /// Runs `action`, which must end its process with status 0, in a child; returns what the unit holds afterwards.
 template <class Action>
 std::string WrittenByStop(zurt::Run& run, zurt::TextUnit& unit, const Action& action) {

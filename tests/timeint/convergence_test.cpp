@@ -28,8 +28,7 @@ struct Outcome {
 };
 
 Outcome TestIteration(const Iteration& iteration) {
-    SmallRun small;
-    zurt::Run& run = small;
+    SmallRun run;
     RunState& state = run.control.state;
     state.ITER = iteration.ITER;
     state.KOR = 2;
