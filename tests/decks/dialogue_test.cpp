@@ -29,6 +29,11 @@ std::string FolderWith(const std::string& deckName, const std::string& deck = Sh
     return folder;
 }
 
+void ExpectRefused(const RunResult& run, const std::string& words) {
+    EXPECT_EQ(run.status, 2) << words;
+    EXPECT_TRUE(Contains(run.errors, words)) << run.errors;
+}
+
 struct NameCase {
     const char *answer, *deck, *listing, *graphics;
 };
@@ -158,8 +163,7 @@ TEST(Dialogue, CardBehindAProblem) {
     bar.NULAZ = 3;
     bar.end = "stop\n";
     const RunResult small = RunDeck(Build(bar));
-    EXPECT_EQ(small.status, 2);
-    EXPECT_TRUE(Contains(small.errors, "Title card: the deck ends here")) << small.errors;
+    ExpectRefused(small, "Title card: the deck ends here");
     EXPECT_EQ(CountOf(small.listing, "E X E C U T I O N    T I M I N G"), 1);
 }
 
@@ -196,8 +200,7 @@ TEST(Dialogue, EndOfTheConsoleInput) {
     WriteFile(taken + "/zurt.lst", "precious\n");
     for (const char* answers : {"", "\n", "zurt.dat\n\n", "\n\nN\n", "\nnew.lst\n"}) {
         const RunResult result = RunInFolder(taken, answers, 20);
-        EXPECT_EQ(result.status, 2) << answers;
-        EXPECT_TRUE(Contains(result.errors, "zurt: error: the console input ended")) << answers;
+        ExpectRefused(result, "zurt: error: the console input ended");
         EXPECT_EQ(result.listing, "precious\n") << answers;
     }
     EXPECT_EQ(RunInFolder(FolderWith("zurt.dat"), "\n\nlast", 20).status, 0); // a line without its end
@@ -205,15 +208,9 @@ TEST(Dialogue, EndOfTheConsoleInput) {
 
 // Faults: a status of 0, a crash or silence for a deck that is not there.
 TEST(Dialogue, MissingDeck) {
-    const RunResult missing = RunInFolder(MakeTemporaryFolder(), "\n\n\n");
-    EXPECT_EQ(missing.status, 2);
-    EXPECT_TRUE(Contains(missing.errors, "zurt: error: can't open the deck zurt.dat"));
-    const RunResult folder = RunInFolder(FolderWith("zurt.dat"), ".\n\n\n");
-    EXPECT_EQ(folder.status, 2);
-    EXPECT_TRUE(Contains(folder.errors, "zurt: error: can't read the deck ."));
-    const RunResult empty = RunDeck("");
-    EXPECT_EQ(empty.status, 2);
-    EXPECT_TRUE(Contains(empty.errors, "Title card: the deck ends here"));
+    ExpectRefused(RunInFolder(MakeTemporaryFolder(), "\n\n\n"), "zurt: error: can't open the deck zurt.dat");
+    ExpectRefused(RunInFolder(FolderWith("zurt.dat"), ".\n\n\n"), "zurt: error: can't read the deck .");
+    ExpectRefused(RunDeck(""), "Title card: the deck ends here");
 }
 
 // Faults: a file that can't be written goes unnoticed or ends the run as a normal end; a folder in its way deleted, or
@@ -223,13 +220,11 @@ TEST(Dialogue, FilesThatCantBeWritten) {
         const std::string folder = FolderWith("zurt.dat");
         fs::create_directory(folder + "/" + name);
         const RunResult result = RunInFolder(folder, "\n\n\n\n\n");
-        EXPECT_EQ(result.status, 2) << name;
-        EXPECT_TRUE(Contains(result.errors, name)) << result.errors;
+        ExpectRefused(result, name);
         EXPECT_TRUE(fs::is_directory(folder + "/" + name)) << name;
     }
-    const RunResult nowhere = RunInFolder(FolderWith("zurt.dat"), "\n/no/such/file.lst\n\n");
-    EXPECT_EQ(nowhere.status, 2);
-    EXPECT_TRUE(Contains(nowhere.errors, "zurt: error: can't open /no/such/file.lst"));
+    ExpectRefused(RunInFolder(FolderWith("zurt.dat"), "\n/no/such/file.lst\n\n"),
+                  "zurt: error: can't open /no/such/file.lst");
     for (const auto& [answers, lost] :
          {std::pair{"\nzurt.dat\n\n\n", "deck"}, {"\nout\n./out\n\n", "listing"}}) {
         const std::string folder = FolderWith("zurt.dat");
@@ -246,8 +241,7 @@ TEST(Dialogue, FilesThatCantBeWritten) {
         const std::string folder = FolderWith("zurt.dat");
         fs::create_symlink("/dev/full", folder + "/" + name);
         const RunResult full = RunInFolder(folder, "\n\n\n");
-        EXPECT_EQ(full.status, 2) << name;
-        EXPECT_TRUE(Contains(full.errors, std::string("zurt: error: can't write to ") + name)) << full.errors;
+        ExpectRefused(full, std::string("zurt: error: can't write to ") + name);
     }
 }
 

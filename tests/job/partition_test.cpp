@@ -62,33 +62,15 @@ TEST(Partition, TransientDeviceProblemInSparseMode) {
         EXPECT_EQ(run.A.words[cleared - 1], 0.0);
 }
 
-// Faults: capacity tables missing in a transient problem or taken when NSTAC is negative; no room for shared nodes
-// under the ISUB4 that the problem before has left.
-TEST(Partition, TablesByCondition) {
+// Fault: no room for shared nodes under the ISUB4 that the problem before has left.
+TEST(Partition, SharedNodesAfterASubstructure) {
     SmallRun run;
-    run.control.header.NMATT = 2;
-    run.control.counts.NTABK = 2;
-    run.control.counts.MAXTK = 3;
-    run.control.counts.MAXTC = 4;
-    run.control.header.NSTAC = 1;
-    TakeMaterialTables(run);
-    EXPECT_EQ(run.control.at.LMAT[8], 33);
-    EXPECT_EQ(run.control.at.LMAT[9], 35);
-    EXPECT_EQ(run.A.LMAX, 51);
-    RestartWorkingVector(run.A);
-    run.control.header.NSTAC = -1;
-    TakeMaterialTables(run);
-    EXPECT_EQ(run.A.LMAX, 33);
     run.control.header.NP = 5;
     run.control.state.LastISUB4 = 1;
     TakeSharedNodeList(run, 0);
-    EXPECT_EQ(run.A.LMAX, 38);
+    EXPECT_EQ(run.A.LMAX, 6);
     TakeSharedNodeList(run, 2);
-    EXPECT_EQ(run.A.LMAX, 40);
-    run.control.counts.NFO = 3;
-    TakeShapeFactors(run);
-    EXPECT_EQ(run.control.at.LFO, 40);
-    EXPECT_EQ(run.A.LMAX, 43);
+    EXPECT_EQ(run.A.LMAX, 8);
 }
 
 // A problem of 4 nodes, 3 equations, one transient material, one source function; every count is run.

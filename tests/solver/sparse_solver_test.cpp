@@ -2,7 +2,6 @@
 
 #include "core/text_unit.h"
 #include "solver/sparse_assembler.h"
-#include "solver/sparse_solver_instance.h"
 #include "support/run_deck.h"
 
 #include <gtest/gtest.h>
@@ -65,28 +64,6 @@ TEST(SparseSolver, ReportsItsStagesUnderFlagOneOnly) {
                                               "factorization...\n Killing solver...\n");
         EXPECT_EQ(R[0], 0.5);
     }
-}
-
-// The settings as the solver's documents number them, the rest as the solver set it.
-TEST(SparseSolver, TouchesFewSettings) {
-    zurt::TextUnit closed;
-    DMUMPS_STRUC_C instance{};
-    zurt::SolverStart(instance, 1, 1, closed, 0);
-    EXPECT_EQ(instance.sym, 0);
-    EXPECT_EQ(instance.par, 1);
-    const DMUMPS_STRUC_C before = instance;
-    zurt::SetSolverControls(instance);
-    const std::vector<std::pair<int, int>> changed = {{1, -1}, {2, -1}, {3, -1}, {4, 0}, {14, 120}};
-    for (int i = 1; i <= 60; ++i) {
-        int expected = before.icntl[i - 1];
-        for (const auto& [index, value] : changed)
-            if (index == i)
-                expected = value;
-        EXPECT_EQ(instance.icntl[i - 1], expected) << "ICNTL(" << i << ")";
-    }
-    zurt::SolverStop(instance, closed, 0);
-    EXPECT_EQ(instance.irn, nullptr);
-    EXPECT_EQ(instance.rhs, nullptr);
 }
 
 /// Runs a solve that stops; console on standard error, listing in a file. The listing is returned.
