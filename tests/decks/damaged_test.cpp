@@ -211,7 +211,6 @@ TEST(Damaged, Counts) {
          "99999    0    0    0    0    0    0    2    2    0    0\n", 2, "Initial value group"},
         {"device lists", "    6    1   10\n", "    6    1   17\n", 2,
          "Initial value range, field N2: \"17\""},
-        {"device lists", "    6    1   10\n", "    6    3   10\n", 0, "POSLEDNJI CVOR MORA SE"},
         {"device lists", "    1    2    3    4    5    0\n", "    1    2   -3    4    5    0\n", 2,
          "field NODE: \"-3\""},
     });
@@ -239,7 +238,6 @@ TEST(Damaged, NodesAndElements) {
         {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 -1 2 0 0 ", 2, "field node 7: \"0\": element 2"},
         {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 2147483647 2 0 0 ", 2, "\"2147483661\""},
         {"free", kElement, "0 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ", 2, "field NN: \"0\""},
-        {"free", kElement, "4 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ", 0, "INPUT ELEMENT NUMBER  NN=       4"},
         {"free", kElement, "1 14 13 9 10 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
         {"free", kElement, "1 6 5 1 2 14 13 9 10 0 0 1 2 0 0 ", 0, kFailed},
         {"lines", "5 0 4. 0. 0. 0. 0\n", "5 0 1. 0. 0. 0. 0\n", 0,
@@ -257,8 +255,6 @@ TEST(Damaged, NodesAndElements) {
          "3D mid-side node card, field node 20: \"33\""},
         {"steady free", "29 25 21 26 10 6 2 7 18 17 14 15 0 ", "29 25 21 26 10 6 2 7 18 17 14 15 -1 ", 2,
          "field node 21: \"-1\""},
-        {"device", "       2  0  1  1  2  0  0", "       2  2  1  1  2  0  0", 0,
-         "MATERIAL NUMBER FOR 3D ELEMENT, NMAT=    2"},
         {"device", "       2  0  1  1  2  0  0", "       2 -1  1  1  2  0  0", 2, "field MAT: \"-1\""},
         {"device", "    1         8    0    0    0    0    0", "   -1         8    0    0    0    0    0", 2,
          "3D group card, field MAT3DD: \"-1\""},
@@ -266,8 +262,6 @@ TEST(Damaged, NodesAndElements) {
          "       2  0  0  1  1  0  0\n       2      15      14      10      11       7       6       2       "
          "3",
          2, "element group 1: element 3 has no card"},
-        {"device", "    1         8    0    0    0    0    0", "    2         8    0    0    0    0    0", 0,
-         "MATERIAL NUMBER FOR 3D ELEMENTS, MAT3D=    2"},
     });
 }
 
@@ -335,8 +329,6 @@ TEST(Damaged, Functions) {
     constexpr const char* kBoundary = "1 0 0 0 0 0 0 1 3 0 0 ";
     constexpr const char* kCurve = "1 3 \n0 1 \n";
     ExpectFaults({
-        {"sources", kBoundary, "1 0 0 0 0 0 0 1 2 0 0 ", 0, "NUMBER OF POINTS READ IN, IMAX=    3"},
-        {"sources", kBoundary, "1 0 0 0 0 0 0 1 0 0 0 ", 0, "PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    0"},
         {"sources", kBoundary, "1 0 0 0 0 0 0 0 3 0 0 ", 0,
          " ERROR IN INPUTE DATA: THERE IS SOURCE TERM FOR ELEMENT GROUP, IZIP.GT.0\n TIME FUNCTIONS MUST BE "
          "INPUT AND NQE MUST BE GT.0\n"
@@ -349,11 +341,6 @@ TEST(Damaged, Functions) {
          "TIME FUNCTION IS NOT DEFINED WITHIN THE WHOLE RANGE"},
         {"sources", "1 14 13 9 10 6 5 1 2 0 1 ", "1 14 13 9 10 6 5 1 2 0 2 ", 2,
          "element group 1: element 1 asks for source curve 2, but there are 1"},
-        {"device lists", "    2    2\n    1    2\n       0.0       1.0\n       1.0       1.0\n",
-         "    2    1\n    1    2\n       0.0       1.0\n       1.0       1.0\n", 0,
-         "UCITAN BROJ TACAKA, IMAX=    2"},
-        {"device lists", "       9.0       1.0\n", "       0.0       1.0\n", 0,
-         "VREMENSKA FUNKCIJA NIJE DEFINISANA U CELOM INREVALU"},
         {"device lists", "    2    1\n       9.0", "    3    1\n       9.0", 2,
          "Function header card, field F: \"3\""},
     });

@@ -138,6 +138,9 @@ TEST(Dialogue, SecondProblemAsksNothing) {
     EXPECT_EQ(CountOf(result.graphics, "First of two  "), 4);
     EXPECT_EQ(CountOf(result.graphics, "Second of two  "), 4);
     EXPECT_EQ(result.messages, "      \n      \n");
+    EXPECT_EQ(result.mass,
+              " NUMBER OF TIME STEPS, POROSITY\n         1   0.10000D+01\n VALUES OF DIFFUSION COEFFICIENTS\n"
+              "          C            Dbulk(C)         Deqv(C)\n");
 }
 
 // Faults: the separator card of a fixed deck read again as a title; "STOP" looked for beyond the first four columns, in

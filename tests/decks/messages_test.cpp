@@ -177,15 +177,5 @@ TEST(Messages, NodesMustBePositive) {
     ExpectEndsWith(second.listing, message);
 }
 
-// Faults: the limit of the working vector lost, or tested after memory beyond it has been touched.
-TEST(Messages, ModelTooLarge) {
-    const RunResult nodes = RunDeck("Many nodes\n1 0 0 0\n99999999 1 1 1 1 1 0 3 0 1 0\n1 0 0 0 0. 0. 0 0\n"
-                                    "1 0 0 0. 0\n1\n1.\n");
-    EXPECT_EQ(nodes.status, 0) << nodes.errors;
-    ExpectEndsWith(nodes.listing, " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA\n"
-                                  " REQUIRED DIMENSION, LMAX = 499999999\n"
-                                  " AVAILABLE DIMENSION, NTOTA= 120000000\n");
-}
-
 } // namespace
 } // namespace zurt_test

@@ -1,17 +1,14 @@
 #include "homogenization/homogenization_card.h"
 
-#include "homogenization/mass_files.h"
 #include "support/small_run.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 namespace zurt {
 namespace {
 
-using zurt_test::Lines;
 using zurt_test::SmallRun;
 using zurt_test::Written;
 
@@ -53,24 +50,6 @@ TEST(HomogenizationCard, Normalisation) {
         EXPECT_EQ(card.FITERR, 0.01);
         EXPECT_EQ(Written(run.units.listing), ""); // NULAZ does not ask for the echo
     }
-}
-
-// Faults: another head or other fields in the file of a plain run; the file left open, so that the next problem's head
-// would stand behind it.
-TEST(MassFile, PlainRunWritesTheHeadAlone) {
-    SmallRun small;
-    const std::filesystem::path here = std::filesystem::current_path();
-    std::filesystem::current_path(small.folder);
-    small.control.state.NDT = 9;
-    WritePlainMassFile(small);
-    small.control.state.NDT = 12;
-    WritePlainMassFile(small);
-    std::filesystem::current_path(here);
-    EXPECT_FALSE(IsOpen(small.units.massX));
-    EXPECT_EQ(zurt_test::ReadFile(small.folder + "/MASS-X.LST"),
-              " NUMBER OF TIME STEPS, POROSITY\n        12   0.10000D+01\n"
-              " VALUES OF DIFFUSION COEFFICIENTS\n"
-              "          C            Dbulk(C)         Deqv(C)\n");
 }
 
 } // namespace
