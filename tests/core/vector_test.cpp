@@ -10,29 +10,18 @@ namespace {
 // Faults: the limit compared before the division, with a sign, as the shorter 1e-10, or with equality on the wrong
 // side. The limit is a single-precision 1e-10.
 TEST(Vector, NormalizeClearsComponentsBelowTheWidenedLimit) {
-    const double limit = static_cast<double>(1.0e-10f);
-    double atLimit[3] = {limit, 1.0, -limit};
-    VectorNormalize(atLimit);
-    EXPECT_EQ(atLimit[0], limit);
-    EXPECT_EQ(atLimit[1], 1.0);
-    EXPECT_EQ(atLimit[2], -limit);
-
-    double below[3] = {1.0, std::nextafter(limit, 0.0), -1.0e-10};
-    VectorNormalize(below);
-    EXPECT_EQ(below[0], 1.0);
-    EXPECT_EQ(below[1], 0.0);
-    EXPECT_EQ(below[2], 0.0);
-
-    double longVector[3] = {3.0e6, -4.0e6, 1.0e-5};
-    VectorNormalize(longVector);
-    EXPECT_DOUBLE_EQ(longVector[0], 0.6);
-    EXPECT_DOUBLE_EQ(longVector[1], -0.8);
-    EXPECT_EQ(longVector[2], 0.0);
-
-    double shortVector[3] = {3.0e-12, 4.0e-12, 0.0};
-    VectorNormalize(shortVector);
-    EXPECT_DOUBLE_EQ(shortVector[0], 0.6);
-    EXPECT_DOUBLE_EQ(shortVector[1], 0.8);
+    const double limit = static_cast<double>(1.0e-10f), below = std::nextafter(limit, 0.0);
+    const double vectors[][2][3] = {{{limit, 1.0, -limit}, {limit, 1.0, -limit}},
+                                    {{1.0, below, -1.0e-10}, {1.0, 0.0, 0.0}},
+                                    {{3.0e6, -4.0e6, 1.0e-5}, {0.6, -0.8, 0.0}},
+                                    {{3.0e-12, 4.0e-12, 0.0}, {0.6, 0.8, 0.0}}};
+    for (const auto& [given, expected] : vectors) {
+        double v[3] = {given[0], given[1], given[2]};
+        VectorNormalize(v);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_DOUBLE_EQ(v[i], expected[i]);
+        EXPECT_EQ(v[2], expected[2]);
+    }
 }
 
 // Faults: entries without an equation written, repeated numbers overwritten, entries past n taken.

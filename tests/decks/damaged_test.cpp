@@ -1,10 +1,12 @@
 // Decks with one fault each: every fault ends the run with the message that belongs to it, where there is one with
-// status 0 and on the listing, else with status 2 and a report on standard error that says where the deck is wrong.
+// status 0 and on the listing, else with status 2 and a report on standard error that says where the deck is wrong. And
+// hundreds of decks with random faults: a crash, a hang, a read of foreign memory, endless memory.
 #include "orderly_end.h"
 #include "support/bar_deck.h"
 #include "support/mutate.h"
 #include "support/small_decks.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <random>
 
@@ -455,6 +457,66 @@ TEST(Damaged, SecondProblem) {
     EXPECT_TRUE(BeginsWith(whole.graphics, run.graphics));
     EXPECT_EQ(CountOf(run.listing, "E X E C U T I O N    T I M I N G"), 1);
     EXPECT_EQ(CountOf(whole.listing, "E X E C U T I O N    T I M I N G"), 2);
+}
+
+// A sanitized run takes a tenth of a second where a plain one takes a few milliseconds.
+constexpr std::uint32_t kRuns = kSanitized ? 100 : 250;
+
+void RunMutations(const std::vector<std::string>& decks, std::uint32_t firstSeed) {
+    for (std::uint32_t seed = firstSeed; seed < firstSeed + kRuns; ++seed) {
+        const std::string deck = MutateDeck(decks, seed);
+        const std::string folder = MakeTemporaryFolder();
+        WriteFile(folder + "/zurt.dat", deck);
+        const RunResult run = RunInFolder(folder, "\n\n\n", kSecondsToEnd);
+        if (!EndsOrderly(run)) {
+            const std::string kept = "damaged-" + std::to_string(seed) + ".dat";
+            WriteFile(kept, deck);
+            ExpectOrderlyEnd(run, "the deck is kept in " + kept);
+        }
+        std::filesystem::remove_all(folder);
+    }
+    ExpectLittleMemory();
+}
+
+std::vector<std::string> TextsOfSmallDecks() {
+    std::vector<std::string> decks;
+    for (const SmallDeck& deck : SmallDecks())
+        decks.push_back(deck.text);
+    return decks;
+}
+
+// A deck that is not good reaches few readers.
+TEST(Fuzz, SmallDecksAreGood) {
+    for (const SmallDeck& deck : SmallDecks()) {
+        const RunResult run = RunDeck(deck.text, kSecondsToEnd);
+        EXPECT_EQ(run.status, 0) << deck.name << "\n" << run.errors;
+    }
+}
+
+TEST(Fuzz, SmallDecks1) {
+    RunMutations(TextsOfSmallDecks(), 10000);
+}
+
+TEST(Fuzz, SmallDecks2) {
+    RunMutations(TextsOfSmallDecks(), 20000);
+}
+
+TEST(Fuzz, SmallDecks3) {
+    RunMutations(TextsOfSmallDecks(), 30000);
+}
+
+// The examples bring what the small decks don't have; those that solve much are left out.
+TEST(Fuzz, Examples) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples"))
+        names.push_back(entry.path().string() + "/zurt.dat");
+    std::sort(names.begin(), names.end());
+    std::vector<std::string> decks;
+    for (const std::string& name : names)
+        if (std::filesystem::exists(name) && std::filesystem::file_size(name) < 20000)
+            decks.push_back(ReadFile(name));
+    ASSERT_FALSE(decks.empty());
+    RunMutations(decks, 40000);
 }
 
 } // namespace
