@@ -80,6 +80,8 @@ TEST(Materials, SpecificHeatOfASteadyProblemIsReadAndDropped) {
     EXPECT_TRUE(Contains(ListingOf(*run), "DEPENDENCE ARE GIVEN IN ANALITICAL FORM"));
     for (Word i = 1; i <= 10; ++i)
         EXPECT_EQ(RealSection(run->A, after, 10)(i), 1.5);
+    for (const std::int32_t NSTAC : {1, 0, -1})
+        EXPECT_EQ(MaterialRun("", {1, 0, 0, 0, 1, 2, NSTAC})->A.LMAX, NSTAC == 1 ? 16 : 11) << NSTAC;
     EXPECT_FALSE(HasSpecificHeatTable(*run));
     EXPECT_EQ(SpecificHeatPoints(*run).length, 0);
 }
