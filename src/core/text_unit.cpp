@@ -3,6 +3,7 @@
 #include "core/stop.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 namespace zurt {
@@ -19,7 +20,10 @@ void OpenForWriting(TextUnit& unit, const char* mode) {
     unit.file = std::fopen(unit.name.c_str(), mode);
     if (unit.file == nullptr)
         StopWithLibraryError("can't open " + unit.name + " for writing: " + std::strerror(errno));
-    std::setvbuf(unit.file, nullptr, _IOFBF, kBufferSize);
+    // The library takes no size without a place. Units left open at the end of the process are written out from there.
+    unit.buffer = static_cast<char*>(std::malloc(kBufferSize));
+    if (unit.buffer != nullptr)
+        std::setvbuf(unit.file, unit.buffer, _IOFBF, kBufferSize);
 }
 
 } // namespace
@@ -42,6 +46,8 @@ void CloseTextUnit(TextUnit& unit) {
     if (unit.file != nullptr && std::fclose(unit.file) != 0)
         StopOnWriteFailure(unit);
     unit.file = nullptr;
+    std::free(unit.buffer);
+    unit.buffer = nullptr;
 }
 
 void FlushTextUnit(TextUnit& unit) {

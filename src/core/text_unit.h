@@ -13,6 +13,7 @@ namespace zurt {
 
 struct TextUnit {
     std::FILE* file = nullptr; // null while the unit is not open
+    char* buffer = nullptr;    // of a file that the unit has opened
     std::string name;          // the file's name, for error reports
 };
 
