@@ -1,7 +1,6 @@
 #include "elements/assembly.h"
 
 #include "core/stop.h"
-#include "solver/skyline_assembly.h"
 #include "solver/sparse_assembler.h"
 
 #include <algorithm>
@@ -45,6 +44,22 @@ void AddElement(const SystemTarget& system, ConstRealArray S, ConstRealArray FE,
     } else {
         SkylineAddElement(system.SkylineMatrix, system.MAXA, system.R, S, FE, LM, ND, system.matrixFlag);
     }
+}
+
+void LocateElement(const SystemTarget& system, ConstIntArray LM, Word ND, SkylinePlaces& places) {
+    places.count = 0;
+    if (!system.sparse && system.matrixFlag != 0)
+        LocateSkylineElement(system.SkylineMatrix, system.MAXA, LM, ND, places);
+}
+
+void AddLocatedElement(const SystemTarget& system, SkylinePlaces& places, ConstRealArray S, ConstRealArray FE,
+                       ConstIntArray LM, Word ND) {
+    if (places.count == 0) {
+        AddElement(system, S, FE, LM, ND);
+        return;
+    }
+    AddAtPlaces(places, S);
+    AddElementVector(system.R, FE, LM, ND);
 }
 
 } // namespace zurt

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "job/run.h"
+#include "solver/skyline_assembly.h"
 
 namespace zurt {
 
@@ -27,5 +28,13 @@ SystemTarget SystemTargetOf(const Run& run);
 /// In skyline mode the matrix is left alone when matrixFlag is 0. In sparse mode ND is at most kMaxSparseNodes and both
 /// triangles go to the tree, which SparseInit has begun.
 void AddElement(const SystemTarget& system, ConstRealArray S, ConstRealArray FE, ConstIntArray LM, Word ND);
+
+/// Finds where in the skyline an element of at most SkylinePlaces::kMostNodes nodes goes and calls the words into the caches,
+/// ahead of the forming of its matrix. Nothing is found in sparse mode and when matrixFlag is 0.
+void LocateElement(const SystemTarget& system, ConstIntArray LM, Word ND, SkylinePlaces& places);
+
+/// AddElement for an element that was located.
+void AddLocatedElement(const SystemTarget& system, SkylinePlaces& places, ConstRealArray S, ConstRealArray FE,
+                       ConstIntArray LM, Word ND);
 
 } // namespace zurt

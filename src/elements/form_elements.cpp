@@ -11,7 +11,6 @@
 #include "elements/group_views.h"
 #include "elements/surface_terms.h"
 #include "elements/volume_source.h"
-#include "solver/skyline_assembly.h"
 
 #include <algorithm>
 
@@ -189,9 +188,7 @@ void FormBrick(FormVisit<3>& visit) {
     const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
     const ConstIntArray LM(element.LM, kBrickNodes);
     SkylinePlaces places;
-    const bool located = !visit.system.sparse && visit.system.matrixFlag != 0;
-    if (located)
-        LocateSkylineElement(visit.system.SkylineMatrix, visit.system.MAXA, LM, kBrickNodes, places);
+    LocateElement(visit.system, LM, kBrickNodes, places);
     std::fill(brick.FE, brick.FE + kBrickNodes, 0.0);
     LocateBrickPoints(visit.brick->instructions, rule, element.CORE, element.TE1, brick);
     EvaluateBrickPoints(elements, rule, brick);
@@ -199,13 +196,8 @@ void FormBrick(FormVisit<3>& visit) {
         AddBrickSource(rule, elements.group.held.QV, brick);
     SumBrick(visit.brick->instructions, rule, visit.transient, visit.dt, element.TE0, element.TE1, brick,
              visit.packed.data);
-    const ConstRealArray FE(brick.FE, kBrickNodes);
-    if (located) {
-        AddAtPlaces(places, visit.packed);
-        AddElementVector(visit.system.R, FE, LM, kBrickNodes);
-    } else {
-        AddElement(visit.system, visit.packed, FE, LM, kBrickNodes);
-    }
+    AddLocatedElement(visit.system, places, visit.packed, ConstRealArray(brick.FE, kBrickNodes), LM,
+                      kBrickNodes);
 }
 
 // --- one group ----------------------------------------------------------------------------------------------------

@@ -19,6 +19,14 @@ inline double Interpolate(const double* argument, const double* value, Word stri
     return *value + ((value[stride] - *value) / (argument[stride] - *argument)) * (x - *argument);
 }
 
+// Whether the scan takes x, which no interval holds, for the end of the curve that it lies beyond. Of a curve shorter than
+// the tolerance it takes the first one on both sides.
+inline bool IsAtItsEnd(double first, double last, double x) {
+    if (std::fabs(x - first) <= kCurveEndTolerance)
+        return x < first;
+    return x >= last && x - last <= kCurveEndTolerance;
+}
+
 } // namespace
 
 CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y) {
@@ -56,11 +64,8 @@ bool LookUpRisingCurve(const CurveView& curve, int count, double* values) {
     bool inside = true;
     for (int i = 0; i < count; ++i) {
         const double x = values[i];
-        if (!(first <= x &&
-              x < last)) { // at most at an end; of a curve shorter than the tolerance the scan has to tell
-            inside &= std::fabs(x - first) <= kCurveEndTolerance
-                          ? x < first
-                          : x - last <= kCurveEndTolerance && x >= last;
+        if (!(first <= x && x < last)) {
+            inside &= IsAtItsEnd(first, last, x);
             values[i] = curve.value[x < first ? 0 : end];
             continue;
         }

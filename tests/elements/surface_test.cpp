@@ -2,6 +2,7 @@
 #include "elements/form_model.h"
 #include "elements/surface_cards.h"
 #include "elements/surface_terms.h"
+#include "support/bar_deck.h"
 #include "support/small_run.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ namespace {
 
 using Curves = std::vector<testmodel::Curve>;
 using zurt_test::Contains;
-using zurt_test::Line;
+using zurt_test::Print;
 using zurt_test::RunPointer;
 
 // Node k of element n of the groups below: no two elements share one.
@@ -116,9 +117,9 @@ TEST(SurfaceCards, NumbersAreCarriedAndRecordsCounted) {
 
 // Faults: columns of the fixed card, a blank card that does not end the group, a blank line that ends it in free format.
 TEST(SurfaceCards, BlankCardsEndFixedDecksAlone) {
-    const std::string fixed = Line("%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d", 3, 305, 308, 307, 306, 1, 2, 3, 4, 5);
+    const std::string fixed = Print("%5d%5d%5d%5d%5d%5d%5d%5d%5d%5d\n", 3, 305, 308, 307, 306, 1, 2, 3, 4, 5);
     testing::internal::CaptureStderr();
-    RunPointer run = MakeGroups(fixed + "\n" + Line("%5d%5d%5d", 1, 102, 8) + "\n", 2, {3, 1});
+    RunPointer run = MakeGroups(fixed + "\n" + Print("%5d%5d%5d\n", 1, 102, 8) + "\n", 2, {3, 1});
     ReadSurfaceData(*run);
     EXPECT_EQ(FieldsOf(*run, run->groups[1], 3, 6), Fields({1, 2, 3, 4, 5}));
     EXPECT_EQ(FieldsOf(*run, run->groups[2], 1, 2), Fields({8, 0, 0, 0, 0}));

@@ -1,15 +1,16 @@
 #include "model/initial_conditions.h"
 
 #include "job/partition.h"
+#include "support/bar_deck.h"
 #include "support/small_run.h"
 
 namespace zurt {
 namespace {
 
 using zurt_test::Contains;
-using zurt_test::Line;
 using zurt_test::ListingOf;
 using zurt_test::MakeRun;
+using zurt_test::Print;
 using zurt_test::RunPointer;
 
 // Nodes 1..NP with equations in falling order; node 2 is held at 5.0 and node 3 lies outside the model.
@@ -39,11 +40,11 @@ double StartOf(const Run& run, std::int32_t N) {
 }
 
 std::string Group(double value, int K1, int K2) {
-    return Line("%10.4f%5d%5d", value, K1, K2);
+    return Print("%10.4f%5d%5d\n", value, K1, K2);
 }
 
 std::string Range(int N1, int KOR, int N2) {
-    return Line("%5d%5d%5d", N1, KOR, N2);
+    return Print("%5d%5d%5d\n", N1, KOR, N2);
 }
 
 // Both forms; a free card of one item must not take the next line along.
@@ -76,10 +77,11 @@ TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
 TEST(InitialConditions, GroupsOfListsAndRanges) {
     std::string list;
     for (int N = 4; N <= 17; ++N)
-        list += Line("%5d", N).substr(0, 5);
-    const std::string deck = Group(1.5, 1, 0) + list + "\nC between\n" + Line("%5d%5d%5d", 18, 1, 0) +
-                             Group(2.5, 1, 1) + Line("%5d%5d", 40, 0) + Range(4, 2, 8) + Range(39, -1, 20) +
-                             Range(19, 0, 19) + "\n" + Group(5.0, 0, 1) + Range(1, 1, 3) + "\n" + "777\n";
+        list += Print("%5d", N);
+    const std::string deck = Group(1.5, 1, 0) + list + "\nC between\n" + Print("%5d%5d%5d\n", 18, 1, 0) +
+                             Group(2.5, 1, 1) + Print("%5d%5d\n", 40, 0) + Range(4, 2, 8) +
+                             Range(39, -1, 20) + Range(19, 0, 19) + "\n" + Group(5.0, 0, 1) + Range(1, 1, 3) +
+                             "\n" + "777\n";
     const RunPointer run = StartRun(deck, 3);
     run->control.state.OutletStart = 9.0;
     ReadInitialConditions(*run);

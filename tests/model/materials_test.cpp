@@ -5,6 +5,7 @@
 #include "model/diffusion_curves.h"
 #include "model/material_tables.h"
 #include "model/materials.h"
+#include "support/bar_deck.h"
 #include "support/small_run.h"
 
 #include <cmath>
@@ -14,9 +15,9 @@ namespace zurt {
 namespace {
 
 using zurt_test::Contains;
-using zurt_test::Line;
 using zurt_test::ListingOf;
 using zurt_test::MakeRun;
+using zurt_test::Print;
 using zurt_test::RunPointer;
 
 struct Header {
@@ -105,11 +106,12 @@ double Diffusion(const Run& run, std::int32_t material, double x) {
 
 // Curve and point exchanged in the table, zeros that are not taken for ones.
 TEST(DiffusionCurves, ReadByColumnsWithZerosAsOnes) {
-    const char* point = "%20.6E%20.6E";
-    const RunPointer run = DiffusionRun(
-        Line("%5d%5d", 3, 2) + Line(point, 0.0, 1.0) + "C between\n" + Line(point, 2.0, 3.0) + "\n" +
-            Line(point, 0.0, 8.0) + Line("%5d%5d", 3, 2) + Line(point, 0.0, 5.0) + Line(point, 2.0, 7.0),
-        3, 4);
+    const char* point = "%20.6E%20.6E\n";
+    const RunPointer run =
+        DiffusionRun(Print("%5d%5d\n", 3, 2) + Print(point, 0.0, 1.0) + "C between\n" +
+                         Print(point, 2.0, 3.0) + "\n" + Print(point, 0.0, 8.0) + Print("%5d%5d\n", 3, 2) +
+                         Print(point, 0.0, 5.0) + Print(point, 2.0, 7.0),
+                     3, 4);
     EXPECT_EQ(Diffusion(*run, 1, 123.0), 8.0);
     EXPECT_EQ(Diffusion(*run, 3, 1.0), 6.0);
     EXPECT_EQ(Diffusion(*run, 3, 2.0), 7.0);

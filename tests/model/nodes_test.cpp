@@ -1,6 +1,7 @@
 #include "model/nodes.h"
 
 #include "job/partition.h"
+#include "support/bar_deck.h"
 #include "support/small_run.h"
 
 #include <cmath>
@@ -9,9 +10,9 @@ namespace zurt {
 namespace {
 
 using zurt_test::Contains;
-using zurt_test::Line;
 using zurt_test::ListingOf;
 using zurt_test::MakeRun;
+using zurt_test::Print;
 using zurt_test::RunPointer;
 
 RunPointer ReadNodes(const std::string& deck, std::int32_t NP, std::int32_t INDFOR = 1) {
@@ -25,7 +26,7 @@ RunPointer ReadNodes(const std::string& deck, std::int32_t NP, std::int32_t INDF
 std::string SingleCards(int first, int step, int last) {
     std::string deck;
     for (int N = first; N <= last; N += step)
-        deck += Line("%d 0 %d 0 0 0 0", N, 100 * N);
+        deck += Print("%d 0 %d 0 0 0 0\n", N, 100 * N);
     return deck;
 }
 

@@ -2,6 +2,7 @@
 
 #include "job/partition.h"
 #include "model/time_functions.h"
+#include "support/bar_deck.h"
 #include "support/small_run.h"
 
 #include <tuple>
@@ -11,8 +12,8 @@ namespace zurt {
 namespace {
 
 using zurt_test::Contains;
-using zurt_test::Line;
 using zurt_test::ListingOf;
+using zurt_test::Print;
 using zurt_test::RunPointer;
 
 // Two time functions: f1 = 10 t up to 10, f2 the constant 7; NZADC entries.
@@ -70,7 +71,7 @@ TEST(PrescribedValues, RunsOfEntries) {
               (std::vector<Entry>{{20, 1, 1.0}, {21, 1, 1.0}, {15, 1, 1.0}, {19, 1, 1.0}, {17, 1, 1.0}}));
     // A negative step alone opens no run; an entry for node 0 needs no function.
     EXPECT_EQ(Read("9 1 1. -2\n0 0 1. 0\n", 2), (std::vector<Entry>{{9, 1, 1.0}, {0, 0, 1.0}}));
-    EXPECT_EQ(Read(Line("%5d%5d%10s%5d", 5, 2, "150", 0), 1, 2), (std::vector<Entry>{{5, 2, 1.5}}));
+    EXPECT_EQ(Read(Print("%5d%5d%10s%5d\n", 5, 2, "150", 0), 1, 2), (std::vector<Entry>{{5, 2, 1.5}}));
 }
 
 // Faults: entries written behind their arrays, nodes and functions that become indices unchecked.

@@ -9,7 +9,7 @@
 namespace zurt_test {
 
 /// Printf into a string of up to 255 characters.
-std::string Print(const char* format, ...);
+__attribute__((format(printf, 1, 2))) std::string Print(const char* format, ...);
 
 /// The cards of a constant outlet, without a time multiplier.
 std::string OutletCards(int NPOUT2, double CONCOUT0);

@@ -1,6 +1,5 @@
 #include "support/small_run.h"
 
-#include <cstdarg>
 #include <cstdio>
 #include <sstream>
 
@@ -44,15 +43,6 @@ std::string Written(zurt::TextUnit& unit) {
 void ListOnStandardError(zurt::Run& run) {
     zurt::CloseTextUnit(run.units.listing);
     zurt::AttachTextUnit(run.units.listing, stderr, "listing");
-}
-
-std::string Line(const char* form, ...) {
-    char text[300];
-    va_list values;
-    va_start(values, form);
-    std::vsnprintf(text, sizeof text, form, values);
-    va_end(values);
-    return std::string(text) + "\n";
 }
 
 std::vector<std::string> Lines(const std::string& text) {

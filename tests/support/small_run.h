@@ -37,9 +37,6 @@ inline std::string ListingOf(zurt::Run& run) {
 /// Turns the listing to standard error, where a death test looks.
 void ListOnStandardError(zurt::Run& run);
 
-/// One line of a deck, as printf writes it.
-__attribute__((format(printf, 1, 2))) std::string Line(const char* form, ...);
-
 /// The lines of a text, without their ends.
 std::vector<std::string> Lines(const std::string& text);
 
