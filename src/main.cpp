@@ -1,13 +1,10 @@
-// zurt: started without arguments, asks for its file names on the console.
-#include "core/stop.h"
+// zurt: runs the deck of its command line; started without arguments, asks for its file names on the console.
+#include "job/command_line.h"
 #include "job/driver.h"
 
-#include <new>
-
-int main() {
-    try {
-        zurt::JobDriver(stdin, stdout, zurt::kWorkingVectorSize);
-    } catch (const std::bad_alloc&) { // an enormous deck on a small machine
-        zurt::StopWithLibraryError("no memory left");
-    }
+int main(int argc, char** argv) {
+    int status = 0;
+    if (const auto settings = zurt::ReadCommandLine(argc, argv, status))
+        status = zurt::JobDriver(*settings, stdin, stdout);
+    return status;
 }

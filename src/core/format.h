@@ -79,7 +79,7 @@ void EndWrite(RecordWriter& writer);
 
 /// One output statement: all values under the format, to the unit. Arrays are written element by element.
 template <class... Values> void Write(TextUnit& unit, const Format& format, const Values&... values) {
-    if (!IsOpen(unit))
+    if (!TakesRecords(unit))
         return;
     RecordWriter writer;
     BeginWrite(writer, unit, format);

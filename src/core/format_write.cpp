@@ -227,7 +227,7 @@ void Start(RecordWriter& writer, const Format& format) {
 void BeginWrite(RecordWriter& writer, TextUnit& unit, const Format& format) {
     writer.unit = &unit;
     writer.text = nullptr;
-    writer.dropped = !IsOpen(unit);
+    writer.dropped = !TakesRecords(unit);
     if (!writer.dropped)
         Start(writer, format);
 }

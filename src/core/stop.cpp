@@ -1,34 +1,24 @@
 #include "core/stop.h"
 
 #include "core/array_view.h"
+#include "core/interrupt.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 namespace zurt {
 
-namespace {
-
-// Every stream is flushed here, so that a failure to store what was written shows in the status.
-[[noreturn]] void EndProcess(int status) {
-    if (std::fflush(nullptr) != 0 && status == 0) {
-        std::fputs("zurt: error: what was written could not be stored completely; is the disk full?\n",
-                   stderr);
-        status = kLibraryErrorStatus;
-    }
-    std::exit(status);
-}
-
-} // namespace
-
-void StopRun() {
-    EndProcess(0);
+void StopRun(const TextUnit& unit) {
+    throw RunStop{StopKind::Message, unit.words, unit.name};
 }
 
 void StopWithLibraryError(const std::string& text) {
-    std::fflush(nullptr);
-    std::fprintf(stderr, "zurt: error: %s\n", text.c_str());
-    EndProcess(kLibraryErrorStatus);
+    throw RunStop{StopKind::LibraryError, text, ""};
+}
+
+void StopIfInterrupted() {
+    if (interruptRequested != 0)
+        throw RunStop{StopKind::Interrupt, "", ""};
 }
 
 void WriteNote(const std::string& text) {

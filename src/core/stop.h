@@ -1,23 +1,40 @@
-// The two ways in which a run ends before its time.
+// How a run ends before its time.
 //
-// A message of the program's own goes to its unit first and then StopRun ends the process as a normal end does.
+// A stop is thrown and caught in one place, the driver, which still has the run in its hands: it flushes every file,
+// says what stopped the run, and chooses the status. Nothing in between catches it.
+//
+// A message of the program's own goes to its unit first (BeginMessage, then records) and then StopRun ends the run.
 // What the input library has to report (a field that does not convert, the end of the deck, a file that can't be
-// opened) goes to standard error and ends with status 2. Both flush what was written, so listing and messages
-// survive up to their last record.
+// opened) has no record on any unit; its text goes to standard error.
 #pragma once
+
+#include "core/text_unit.h"
 
 #include <string>
 
 namespace zurt {
 
-/// Flushes every open file and ends the process with status 0.
-[[noreturn]] void StopRun();
+enum class StopKind {
+    Message,      // one of the program's own, on a unit
+    LibraryError, // deck, files, memory
+    Interrupt,    // a signal asked for the end
+};
 
-/// Exit status of everything that the input and output library reports.
-constexpr int kLibraryErrorStatus = 2;
+/// What is thrown: the first words of the message and the unit that holds it, or the text of a library error.
+struct RunStop {
+    StopKind kind = StopKind::Message;
+    std::string text;
+    std::string place; // name of the unit that holds the message
+};
 
-/// Flushes every open file, writes "zurt: error: " and `text` to standard error, ends with status 2.
+/// Ends the run behind a message that was begun on this unit (BeginMessage).
+[[noreturn]] void StopRun(const TextUnit& unit);
+
+/// Ends the run for what the input and output library or the system reports.
 [[noreturn]] void StopWithLibraryError(const std::string& text);
+
+/// Ends the run if a signal has asked for it (core/interrupt.h). Called where files are whole.
+void StopIfInterrupted();
 
 /// Writes "zurt: note: " and `text` to standard error: behaviour that is required and yet bound to surprise.
 void WriteNote(const std::string& text);

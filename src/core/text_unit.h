@@ -15,13 +15,22 @@ struct TextUnit {
     std::FILE* file = nullptr; // null while the unit is not open
     char* buffer = nullptr;    // of a file that the unit has opened
     std::string name;          // the file's name, for error reports
+    bool keepsOlder = false;   // a file that an earlier run left is not replaced
+    bool awaitsWords = false;  // a message has begun and its first line of words is still to come
+    std::string words;         // that line, without blanks around it
 };
 
 inline bool IsOpen(const TextUnit& unit) {
     return unit.file != nullptr;
 }
 
-/// Opens `name` for writing from its start, dropping what it held; stops with a library error when it can't.
+/// False when a record would be dropped: the unit isn't open, and no message has begun on it.
+inline bool TakesRecords(const TextUnit& unit) {
+    return unit.file != nullptr || unit.awaitsWords;
+}
+
+/// Opens `name` for writing from its start, dropping what it held; stops with a library error when it can't, and when the
+/// unit keeps older files and this is one.
 void OpenTextUnit(TextUnit& unit, const std::string& name);
 
 /// Opens a unit that was closed again, to go on behind what it holds; stops with a library error when it can't.
@@ -35,6 +44,10 @@ void CloseTextUnit(TextUnit& unit);
 
 /// Hands what was written to the system, so that it survives whatever comes.
 void FlushTextUnit(TextUnit& unit);
+
+/// A message that ends the run follows on this unit; its first line that holds letters is kept in `words`. Returns the
+/// unit.
+TextUnit& BeginMessage(TextUnit& unit);
 
 /// Appends one record and its line end.
 void PutRecord(TextUnit& unit, std::string_view record);

@@ -247,7 +247,7 @@ void ReadElementRun(ElementReader& reader) {
 } // namespace
 
 void StopOnElementNumber(Run& run, const char* family, Word number, std::int32_t NET) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(3A)", Say(run, " GRESKA U ULAZNIM PODACIMA ZA GRUPU ", " ERROR IN INPUT DATA FOR "), family,
           Say(run, " ELEMENATA:", " ELEMENT GROUP:"));
     Write(unit, "(A)",
@@ -259,11 +259,11 @@ void StopOnElementNumber(Run& run, const char* family, Word number, std::int32_t
         Say(run, " UKUPAN BROJ ELEMENATA U GRUPI, NET=", " TOTAL NUMBER OF ELEMENTS WITHIN THE GROUP, NET="),
         NET);
     Write(unit, "(A)", " S T O P");
-    StopRun();
+    StopRun(unit);
 }
 
 void StopOnMaterial(Run& run, const TwinText& label, std::int32_t material) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(A)", Say(run, " G R E S K A", " E R R O R"));
     Write(unit, "(A)",
           Say(run, "BROJ MATERIJALA JE VECI OD UKUPNOG BROJA MATERIJALA",
@@ -273,7 +273,7 @@ void StopOnMaterial(Run& run, const TwinText& label, std::int32_t material) {
           Say(run, "   UKUPAN BROJ MATERIJALA, NMATT=", "   TOTAL NUMBER OF MATERIALS, NMATT="),
           run.control.header.NMATT);
     Write(unit, "(A)", "   S T O P");
-    StopRun();
+    StopRun(unit);
 }
 
 void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& family) {

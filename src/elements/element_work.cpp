@@ -8,7 +8,7 @@ namespace zurt {
 namespace {
 
 [[noreturn]] void StopOnElementWork(Run& run) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(A)",
           Say(run, " NEDOVOLJNA DIMENZIJA RADNOG VEKTORA A ZA",
               " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR"));
@@ -16,7 +16,7 @@ namespace {
     Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAX=", " REQUIRED DIMENSION, LMAX ="), run.A.LMAX);
     Write(unit, "(A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA, NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
           run.A.NTOTA);
-    StopRun();
+    StopRun(unit);
 }
 
 // Room for tangents of another time integration; nothing uses it, and under INTEB 1 there is none.

@@ -293,8 +293,9 @@ template void FormElements<3>(Run&, ElementGroup&, Word);
 
 void FormGroup1D(Run& run, ElementGroup& group) {
     if (run.control.header.INTEB == 2) {
-        Write(run.units.console, "(1X,A)", "NIJE UGRADJENA ALFA INTEGRACIJA");
-        StopRun();
+        TextUnit& unit = BeginMessage(run.units.console);
+        Write(unit, "(1X,A)", "NIJE UGRADJENA ALFA INTEGRACIJA");
+        StopRun(unit);
     }
     VisitElements<1>(run, group, LayOutElementWork(run, group.NDMAX));
 }

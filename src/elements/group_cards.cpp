@@ -118,7 +118,7 @@ void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& fa
 void FinishColumnPointers(Run& run) {
     const WorkingVector& A = run.A;
     if (A.LMAX > A.NTOTA) {
-        TextUnit& unit = MessageUnit(run);
+        TextUnit& unit = BeginMessage(run);
         Write(unit, "(A)",
               Say(run, "NEDOVOLJNA DIMENZIJA U VEKTORU A-ZA FORMIRANJE MAXA",
                   " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR MAXA"));
@@ -126,7 +126,7 @@ void FinishColumnPointers(Run& run) {
         Write(unit, number, Say(run, "POTREBNA DIMENZIJA , LMAX=", " REQUIRED DIMENSION, LMAX ="), A.LMAX);
         Write(unit, number, Say(run, "RASPOLOZIVA DIMENZIJA , NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
               A.NTOTA);
-        StopRun();
+        StopRun(unit);
     }
     run.control.state.NWK = MakeColumnPointers(DiagonalPositions(run), run.control.state.JEDN);
 }

@@ -62,7 +62,7 @@ constexpr EchoLine kGroupEcho[] = {
 void CheckSubElementLimit(Run& run, const RadialGroup& radial) {
     if (radial.NSUBEL4MX <= kMaxSubElements)
         return;
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(A)", Say(run, " GRESKA U ULAZNIM PODACIMA:", " INPUT ERROR:"));
     Write(unit, "(A,I5)",
           Say(run, " UCITANI NAJVECI BROJ RADIJALNIH PODELEMENATA, NSUBEL4MX=",
@@ -70,7 +70,7 @@ void CheckSubElementLimit(Run& run, const RadialGroup& radial) {
           radial.NSUBEL4MX);
     Write(unit, "(A)", Say(run, " NAJVECI BROJ JE =10", " MAXIMUM NUMBER IS =10"));
     Write(unit, "(A)", " STOP");
-    StopRun();
+    StopRun(unit);
 }
 
 // Ahead of the family's own card, so that the report points at the element group card.

@@ -112,14 +112,14 @@ int FindSide(const BoundaryReader& reader) {
 [[noreturn]] void StopOnSide(BoundaryReader& reader) {
     Run& run = reader.run;
     const BoundaryFamily& family = reader.family;
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)",
           Say(run, "GRESKA U ULAZNIM PODACIMA GRANICNIH USLOVA:", "ERROR IN BOUNDARY CONDITION INPUT DATA:"));
     Write(unit, "(1X,A,I8)", Say(run, "ELEMENT BR.", "ELEMENT NO."), reader.card.NE);
     Write(unit, "(1X,A,4I8)", Say(run, family.nodes.serbian, family.nodes.english),
           IntArray(reader.card.nodes, CornersOf(family)));
     Write(unit, "(1X,A)", Say(run, family.noSide.serbian, family.noSide.english));
-    StopRun();
+    StopRun(unit);
 }
 
 // --- fields -------------------------------------------------------------------------------------------------------

@@ -28,14 +28,14 @@ constexpr CurveWords kEmissivityWords = {"KRIVA KOEFICIJENT RADIJACIJE - TEMPERA
                                          "CURVE RADIATION COEFICIENT - TEMPERATURE,  No. =", false};
 
 [[noreturn]] void StopOnCurveRange(Run& run, const CurveWords& words, std::int32_t curve, double argument) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
     Write(unit, "(1X,A,I5)", Say(run, words.serbianCurve, words.englishCurve), curve);
     Write(unit, "(1X,A,1PE12.4)",
           words.ofTime ? Say(run, "ARGUMENT VREME, VREME =", "ARGUMENT TIME, TIME =")
                        : Say(run, "ARGUMENT TEMPERATURA, TEMP =", "ARGUMENT TEMPERATURE, TEMP ="),
           argument);
-    StopRun();
+    StopRun(unit);
 }
 
 // At the exact end of the curve `value` stays as it is.

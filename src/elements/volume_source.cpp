@@ -14,12 +14,12 @@ void EvaluateSource(Run& run, const VolumeSource& source, std::int32_t f, double
     std::int32_t points = 0;
     if (CurveLookup(source.functions.pairs, source.functions.points, f, time, value, points) == 0)
         return;
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
     Write(unit, "(1X,A,I5)",
           Say(run, "KRIVA TOPLOTNI IZVOR - VREME,  BR. =", "CURVE HEAT SOURCE - TIME,  No. ="), f);
     Write(unit, "(1X,A,1PE12.4)", Say(run, "ARGUMENT VREME, VREME =", "ARGUMENT TIME, TIME ="), time);
-    StopRun();
+    StopRun(unit);
 }
 
 // A step of no length has no mean rate: the value itself stands for it.

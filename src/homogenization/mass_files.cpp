@@ -1,12 +1,11 @@
 #include "homogenization/mass_files.h"
 
 #include "core/format.h"
+#include "job/files.h"
 
 namespace zurt {
 
 namespace {
-
-const char* const kFileNames[4] = {"", "MASS-X.LST", "MASS-Y.LST", "MASS-Z.LST"};
 
 TextUnit& MassUnit(Run& run, std::int32_t direction) {
     return direction == 1 ? run.units.massX : direction == 2 ? run.units.massY : run.units.massZ;
@@ -24,7 +23,7 @@ void OpenMassFile(Run& run, std::int32_t direction) {
     if (run.units.massTables && !unit.name.empty())
         ReopenTextUnit(unit);
     else
-        OpenTextUnit(unit, kFileNames[direction]);
+        OpenTextUnit(unit, MassFileName(run.units, direction));
 }
 
 void WriteTitle(TextUnit& unit) {

@@ -71,6 +71,18 @@ void WriteExecutionReport(Run& run) {
                2);
 }
 
+void WriteCheckReport(Run& run) {
+    TextUnit& unit = MessageUnit(run);
+    Write(unit, "(///11X,A)",
+          Say(run, "UCITAVANJE I GENERISANJE ULAZNIH PODATAKA JE ZAVRSENO",
+              "READING AND GENERATING OF INPUT DATA IS OVER"));
+    Write(unit, "(/11X,A)",
+          Say(run, "ULAZNI PODACI SU BEZ FORMALNE GRESKE", "INPUT DATA ARE WITHOUT FORMAL ERROR"));
+    Write(unit, "(/11X,A)",
+          Say(run, "ZA IZVRSAVANJE PROGRAMA UNETI:   IREST = 1",
+              "FOR EXECUTION OF PROGRAM ENTER:   IREST = 1"));
+}
+
 void MarkReadStart(Run& /*run*/) {}
 
 void MarkMatrixStart(Run& /*run*/) {}

@@ -11,6 +11,9 @@ void WriteBanner(Run& run);
 /// Hours, minutes, seconds and hundredths of three moments. Nothing reads a clock, so the report prints zeros.
 void WriteExecutionReport(Run& run);
 
+/// At the end of a check run (IREST 0), which reads and solves nothing.
+void WriteCheckReport(Run& run);
+
 /// The points where a clock would be read; both do nothing.
 void MarkReadStart(Run& run);
 void MarkMatrixStart(Run& run);

@@ -132,6 +132,9 @@ struct RunState {
     std::int32_t LastISUB4 = 0;               // ISUB4 of the last group card read
     std::int32_t GatherByPrescribedValue = 0; // selects the second form of the gather; nothing sets it
 
+    std::int32_t ProblemNumber = 0; // of the problem in work, from 1
+    std::int32_t Solving = 0;       // 1 once the problem has been read
+
     double TIME = 0.0;      // end of the current step
     double StartTime = 0.0; // start of the current step
     double TimeStep = 0.0;

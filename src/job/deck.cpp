@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <limits>
 #include <memory>
+#include <poll.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,10 +29,9 @@ constexpr const char* kImageHint = "; some cards are always taken by columns, an
 // Longest piece of a card shown in an error report.
 constexpr std::size_t kLongestExcerpt = 60;
 
-// Many a device gives bytes without end.
-bool IsDevice(std::FILE* file) {
-    struct stat status;
-    return fstat(fileno(file), &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
+// Many a device gives bytes without end; a terminal ends where its user says so.
+bool IsEndlessDevice(int file, const struct stat& status) {
+    return (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode)) && isatty(file) == 0;
 }
 
 // Bytes asked for at a time, and the room that a deck of unknown size begins with.
@@ -54,8 +54,26 @@ void PreparePages([[maybe_unused]] char* begin, [[maybe_unused]] Word count) {
 #endif
 }
 
+[[noreturn]] void StopOnRead(const Deck& deck, const std::string& reason) {
+    StopWithLibraryError("can't read the deck " + deck.name + ": " + reason);
+}
+
+// Up to so many bytes, 0 at the end of the file. A pipe may make one wait: a signal ends that.
+Word ReadPiece(const Deck& deck, int file, char* target, Word most) {
+    while (true) {
+        pollfd ready = {file, POLLIN, 0};
+        poll(&ready, 1, -1);
+        StopIfInterrupted();
+        const Word count = read(file, target, static_cast<std::size_t>(most));
+        if (count >= 0)
+            return count;
+        if (errno != EINTR && errno != EAGAIN)
+            StopOnRead(deck, std::strerror(errno));
+    }
+}
+
 // Reads to the end of the file; `expected` bytes are likely to come.
-void ReadBytes(Deck& deck, std::FILE* file, Word expected) {
+void ReadBytes(Deck& deck, int file, Word expected) {
     Word room = expected + kPiece;
     deck.bytes.reset(new char[static_cast<std::size_t>(room)]);
     for (Word count = 1; count > 0; deck.size += count) {
@@ -63,7 +81,7 @@ void ReadBytes(Deck& deck, std::FILE* file, Word expected) {
             GrowDeck(deck, room);
         if (deck.size < expected)
             PreparePages(deck.bytes.get() + deck.size, std::min(kPiece, expected - deck.size));
-        count = static_cast<Word>(std::fread(deck.bytes.get() + deck.size, 1, kPiece, file));
+        count = ReadPiece(deck, file, deck.bytes.get() + deck.size, kPiece);
     }
 }
 
@@ -79,27 +97,14 @@ void DropByteOrderMark(Deck& deck) {
                  static_cast<std::size_t>(deck.size));
 }
 
-void ReadWholeFile(Deck& deck) {
-    std::FILE* file = std::fopen(deck.name.c_str(), "rb");
-    if (file == nullptr)
-        StopWithLibraryError("can't open the deck " + deck.name + ": " + std::strerror(errno));
-    if (IsDevice(file))
-        StopWithLibraryError("can't read the deck " + deck.name + ": it is a device");
-    std::setvbuf(file, nullptr, _IONBF, 0); // straight to where the bytes stay
-    Word expected = 0;
-    if (std::fseek(file, 0, SEEK_END) == 0) {
-        const long size = std::ftell(file);
-        if (size > 0 && size < std::numeric_limits<long>::max())
-            expected = size;
-        std::fseek(file, 0, SEEK_SET);
-    }
-    errno = 0;
-    ReadBytes(deck, file, expected);
-    const bool failed = std::ferror(file) != 0;
-    const int reason = errno;
-    std::fclose(file);
-    if (failed)
-        StopWithLibraryError("can't read the deck " + deck.name + ": " + std::strerror(reason));
+void ReadWholeFile(Deck& deck, int file) {
+    struct stat status = {};
+    if (fstat(file, &status) != 0)
+        StopOnRead(deck, std::strerror(errno));
+    if (IsEndlessDevice(file, status))
+        StopOnRead(deck, "it is a device");
+    ReadBytes(deck, file, S_ISREG(status.st_mode) ? status.st_size : 0);
+    DropByteOrderMark(deck);
 }
 
 // --- lines --------------------------------------------------------------------------------------------------------
@@ -169,8 +174,17 @@ std::string Excerpt(std::string_view found) {
 void OpenDeck(Deck& deck, const std::string& name) {
     deck = Deck();
     deck.name = name;
-    ReadWholeFile(deck);
-    DropByteOrderMark(deck);
+    const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        StopWithLibraryError("can't open the deck " + deck.name + ": " + std::strerror(errno));
+    ReadWholeFile(deck, file);
+    close(file);
+}
+
+void OpenDeckOnStandardInput(Deck& deck) {
+    deck = Deck();
+    deck.name = "on standard input";
+    ReadWholeFile(deck, STDIN_FILENO);
 }
 
 Word LineCount(Deck& deck) {
@@ -198,6 +212,7 @@ std::string_view NextRecord(Deck& deck, const char* group) {
 std::string_view ReadCardLine(Deck& deck, std::int32_t INDFOR, const char* group) {
     std::string_view line;
     do {
+        StopIfInterrupted();
         if (deck.CardCounter < std::numeric_limits<std::int32_t>::max())
             ++deck.CardCounter;
         GuardAgainstRepetition(deck, group);

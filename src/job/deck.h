@@ -51,6 +51,9 @@ inline std::string_view Image(const CardBuffer& card) {
 /// Opens the deck; stops with a library error when it can't be read.
 void OpenDeck(Deck& deck, const std::string& name);
 
+/// Takes the deck from standard input, to its end.
+void OpenDeckOnStandardInput(Deck& deck);
+
 /// Number of lines of the deck.
 Word LineCount(Deck& deck);
 

@@ -1,12 +1,16 @@
 #include "job/driver.h"
 
+#include "core/interrupt.h"
 #include "core/stop.h"
 #include "job/banner.h"
 #include "job/card.h"
 #include "job/files.h"
 #include "job/read_problem.h"
+#include "job/run_end.h"
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
+
+#include <new>
 
 #if defined(__x86_64__)
 #include <pmmintrin.h>
@@ -25,13 +29,19 @@ void FlushDenormalsToZero() {
 #endif
 }
 
-void StartUp(Run& run, std::FILE* consoleInput, std::FILE* consoleOutput, Word size) {
+void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std::FILE* consoleOutput) {
     FlushDenormalsToZero();
-    CreateWorkingVector(run.A, size);
+    if (!settings.dialogue)
+        WatchForInterrupts(); // the dialogue ends as its terminal wants it
+    CreateWorkingVector(run.A, settings.words);
     run.control.state.Language = kEnglish;
     run.units.consoleInput = consoleInput;
-    AttachTextUnit(run.units.console, consoleOutput, "the console");
-    OpenInputDeck(run);
+    if (!settings.quiet)
+        AttachTextUnit(run.units.console, consoleOutput, "the console");
+    if (settings.dialogue)
+        OpenInputDeck(run);
+    else
+        OpenNamedDeck(run, settings);
 }
 
 // True when the deck holds another problem.
@@ -44,17 +54,32 @@ bool EndProblem(Run& run) {
     return Image(card).substr(0, 4) != "STOP";
 }
 
-} // namespace
-
-void JobDriver(std::FILE* consoleInput, std::FILE* consoleOutput, Word size) {
-    Run run;
-    StartUp(run, consoleInput, consoleOutput, size);
+void RunProblems(Run& run) {
     do {
         ReadProblem(run);
+        if (run.control.header.IREST == 0) {
+            WriteCheckReport(run);
+            return;
+        }
         SolveProblem(run);
     } while (EndProblem(run));
     CloseUnits(run);
-    StopRun();
+}
+
+} // namespace
+
+int JobDriver(const JobSettings& settings, std::FILE* consoleInput, std::FILE* consoleOutput) {
+    Run run;
+    int status = kFinished;
+    try {
+        StartUp(run, settings, consoleInput, consoleOutput);
+        RunProblems(run);
+    } catch (const RunStop& stop) {
+        status = ReportStop(run, stop);
+    } catch (const std::bad_alloc&) { // an enormous deck on a small machine
+        status = ReportStop(run, {StopKind::LibraryError, "no memory left", ""});
+    }
+    return EndOfRun(run, settings, status);
 }
 
 } // namespace zurt

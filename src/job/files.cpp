@@ -3,8 +3,12 @@
 #include "core/format.h"
 #include "core/stop.h"
 
+#include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <filesystem>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +18,7 @@ namespace zurt {
 namespace {
 
 constexpr const char* kDefaultDeckName = "zurt.dat";
+constexpr const char* kMessagesName = "MESSAGES.LST";
 
 // One line of the console, without its end; the end of the input is an error. What goes beyond the length of a name is
 // dropped.
@@ -77,24 +82,44 @@ bool IsPlainFile(const std::string& name) {
 void DeriveDefaultNames(Run& run, const std::string& name) {
     const bool capitals = name[0] >= 'A' && name[0] <= 'Z';
     const std::size_t point = name.find('.');
-    const std::string base = name.substr(0, point != std::string::npos ? point : name.find(' '));
+    const std::string base =
+        run.units.Folder + name.substr(0, point != std::string::npos ? point : name.find(' '));
     run.units.DefaultListingName = base + (capitals ? ".LST" : ".lst");
     run.units.DefaultGraphicsName = base + (capitals ? ".UNV" : ".unv");
 }
 
-std::FILE* OpenScratch() {
-    std::FILE* file = std::tmpfile();
+// A file without a name, gone with the process. Jobs of the command line have it in their own folder, which is the
+// user's choice of a disk.
+std::FILE* OpenScratch(const Run& run) {
+    std::FILE* file = nullptr;
+    if (run.units.dialogue) {
+        file = std::tmpfile();
+    } else {
+        std::string name = run.units.Folder + ".zurt-scratch-XXXXXX";
+        const int descriptor = mkostemp(name.data(), O_CLOEXEC);
+        if (descriptor >= 0) {
+            unlink(name.c_str());
+            file = fdopen(descriptor, "w+b");
+        }
+    }
     if (file == nullptr)
         StopWithLibraryError(std::string("can't open a scratch file: ") + std::strerror(errno));
     return file;
 }
 
 // "ZITEMP" is there after every run, empty or as it was.
-std::FILE* OpenStepArchive() {
-    std::FILE* file = std::fopen("ZITEMP", "ab");
+std::FILE* OpenStepArchive(const Run& run) {
+    const std::string name = run.units.Folder + "ZITEMP";
+    std::FILE* file = std::fopen(name.c_str(), "ab");
     if (file == nullptr)
-        StopWithLibraryError(std::string("can't open ZITEMP for writing: ") + std::strerror(errno));
+        StopWithLibraryError("can't open " + name + " for writing: " + std::strerror(errno));
     return file;
+}
+
+void OpenWorkFiles(Run& run) {
+    run.units.scratch15 = OpenScratch(run);
+    run.units.restart19 = OpenStepArchive(run);
+    run.units.stepFile = OpenScratch(run);
 }
 
 // True when the file may be replaced: its user has pressed ENTER or a D.
@@ -113,7 +138,7 @@ bool AskToDelete(Run& run, const std::string& name) {
     return first == 'D' || first == 'd';
 }
 
-void OpenOutput(Run& run, TextUnit& unit, const char* prompt, const std::string& defaultName) {
+void AskAndOpen(Run& run, TextUnit& unit, const char* prompt, const std::string& defaultName) {
     while (true) {
         Write(run.units.console, "(A,A,'>')", prompt, defaultName);
         std::string name = ReadName(run);
@@ -131,7 +156,58 @@ void OpenOutput(Run& run, TextUnit& unit, const char* prompt, const std::string&
     }
 }
 
+void OpenOutput(Run& run, TextUnit& unit, const char* prompt, const std::string& defaultName) {
+    if (run.units.dialogue)
+        AskAndOpen(run, unit, prompt, defaultName);
+    else
+        OpenTextUnit(unit, defaultName);
+}
+
+// --- names of a job on the command line ---------------------------------------------------------------------------
+
+std::string FileNameOf(const std::string& path) {
+    const std::string name = std::filesystem::path(path).filename().string();
+    return name.empty() ? kDefaultDeckName : name;
+}
+
+void MakeFolder(const std::string& folder) {
+    std::error_code failure;
+    if (!folder.empty() && !std::filesystem::is_directory(folder, failure)) {
+        // With its stroke the name would stand for a folder without a name within.
+        std::filesystem::create_directories(folder.substr(0, folder.size() - 1), failure);
+        if (failure)
+            StopWithLibraryError("can't make the folder " + folder + ": " + failure.message());
+    }
+}
+
+// Ahead of the run, so that none ends at its first result: no output may be the deck, and without leave to overwrite
+// none may be there.
+void RequireFreeNames(const Run& run, bool force) {
+    const Units& units = run.units;
+    std::string taken;
+    int count = 0;
+    for (const std::string& name :
+         {units.DefaultListingName, units.DefaultGraphicsName, units.Folder + kMessagesName,
+          MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3)}) {
+        RequireUnused(run, name);
+        if (!force && FileExists(name)) {
+            taken += (count++ > 0 ? ", " : "") + name;
+        }
+    }
+    if (count > 0)
+        StopWithLibraryError(taken + (count > 1 ? " exist" : " exists") +
+                             " and would be overwritten: --force allows it, --output DIR writes elsewhere");
+}
+
+std::array<TextUnit*, 6> OutputUnits(Units& units) {
+    return {&units.listing, &units.graphics, &units.massX, &units.massY, &units.massZ, &units.messages};
+}
+
 } // namespace
+
+std::string MassFileName(const Units& units, std::int32_t direction) {
+    return units.Folder + "MASS-" + "?XYZ"[direction] + ".LST";
+}
 
 void OpenInputDeck(Run& run) {
     Write(run.units.console, "(A)",
@@ -141,9 +217,24 @@ void OpenInputDeck(Run& run) {
         name = kDefaultDeckName;
     DeriveDefaultNames(run, name);
     OpenDeck(run.deck, name);
-    run.units.scratch15 = OpenScratch();
-    run.units.restart19 = OpenStepArchive();
-    run.units.stepFile = OpenScratch();
+    OpenWorkFiles(run);
+}
+
+void OpenNamedDeck(Run& run, const JobSettings& settings) {
+    const bool standardInput = settings.deck == "-";
+    Units& units = run.units;
+    units.dialogue = false;
+    units.Folder = settings.folder;
+    DeriveDefaultNames(run, standardInput ? kDefaultDeckName : FileNameOf(settings.deck));
+    if (standardInput)
+        OpenDeckOnStandardInput(run.deck);
+    else
+        OpenDeck(run.deck, settings.deck);
+    MakeFolder(settings.folder);
+    RequireFreeNames(run, settings.force);
+    for (TextUnit* unit : OutputUnits(units))
+        unit->keepsOlder = !settings.force;
+    OpenWorkFiles(run);
 }
 
 void OpenListing(Run& run) {
@@ -161,14 +252,13 @@ void OpenGraphics(Run& run) {
 
 void OpenMessages(Run& run) {
     if (!IsOpen(run.units.messages))
-        OpenTextUnit(run.units.messages, "MESSAGES.LST");
+        OpenTextUnit(run.units.messages, run.units.Folder + kMessagesName);
     PutRecord(run.units.messages, "      ");
 }
 
 void FlushUnits(Run& run) {
-    Units& units = run.units;
-    for (TextUnit* unit : {&units.listing, &units.console, &units.graphics, &units.massX, &units.massY,
-                           &units.massZ, &units.messages})
+    FlushTextUnit(run.units.console);
+    for (TextUnit* unit : OutputUnits(run.units))
         FlushTextUnit(*unit);
 }
 

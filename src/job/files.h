@@ -1,9 +1,11 @@
-// The console dialogue for file names, and the files that a run opens.
+// The files that a run opens, and the console dialogue for their names. A job on the command line takes the names that the
+// dialogue offers, in its folder.
 //
-// A name is the first 20 characters of a console line; a blank answer takes the default. The end of the console input
+// In the dialogue a name is the first 20 characters of a console line; a blank answer takes the default. The end of the console input
 // and a file that can't be opened end the run as library errors.
 #pragma once
 
+#include "job/job_settings.h"
 #include "job/run.h"
 
 namespace zurt {
@@ -11,6 +13,13 @@ namespace zurt {
 /// Asks for the deck's name, derives the default names of listing and graphics file, opens the deck and the work files
 /// ("ZITEMP" and two scratch files).
 void OpenInputDeck(Run& run);
+
+/// The same for a job on the command line: nothing is asked. Makes the folder of the outputs; an output that is the deck,
+/// and without `force` one that exists, is a library error, before anything is written.
+void OpenNamedDeck(Run& run, const JobSettings& settings);
+
+/// Name of the table of masses of direction 1, 2 or 3.
+std::string MassFileName(const Units& units, std::int32_t direction);
 
 /// Asks for the listing's name, with the overwrite question for a file that exists, and opens unit 3.
 void OpenListing(Run& run);

@@ -176,11 +176,11 @@ void ReadBasicData(Run& run) {
     HeaderFields& header = run.control.header;
     ReadCardFields(run.deck, header.INDFOR, kBasicDataCard, &header);
     if (header.NP <= 0) {
-        TextUnit& unit = MessageUnit(run);
+        TextUnit& unit = BeginMessage(run);
         Write(unit, "(A)", Say(run, " GRESKA U ULAZNIM PODACIMA :", " ERROR IN INPUT DATA :"));
         Write(unit, "(A,I5)", Say(run, " BROJ CVOROVA =", " NUMBER OF NODAL POINT - NP ="), header.NP);
         Write(unit, "(A)", Say(run, " A MORA BITI VECI OD NULE |", " MUST BE GREATER THAN ZERO!"));
-        StopRun();
+        StopRun(unit);
     }
     if (header.NSTAC != 0 && header.NPER < 0)
         DeckError(run.deck, kBasicDataCard.group, "NPER", std::to_string(header.NPER),
@@ -243,12 +243,12 @@ void ReadBoundaryCard(Run& run) {
     if (counts.NPOC == 0 && run.control.header.NDS != 0)
         counts.NPOC = 1;
     if (run.control.state.SourcePresent != 0 && counts.NQE == 0) {
-        TextUnit& unit = MessageUnit(run);
+        TextUnit& unit = BeginMessage(run);
         Write(unit, "(2A)", " ERROR IN INPUTE DATA:", " THERE IS SOURCE TERM FOR ELEMENT GROUP, IZIP.GT.0");
         Write(unit, "(A)", " TIME FUNCTIONS MUST BE INPUT AND NQE MUST BE GT.0");
         Write(unit, "(A,I5)", " INPUT DATA FOR NQE IS NQE=", counts.NQE);
         Write(unit, "(A)", " S T O P");
-        StopRun();
+        StopRun(unit);
     }
 }
 

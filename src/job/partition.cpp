@@ -5,14 +5,24 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 
 namespace zurt {
 
 namespace {
 
-void WriteInputOverflow(Run& run) {
-    TextUnit& unit = MessageUnit(run);
+// The messages give sizes alone; this says what did not fit.
+void NoteSectionOutside(const Run& run) {
+    const SectionRecord* section = FirstSectionOutside(run.A);
+    if (section != nullptr)
+        WriteNote(std::string("the working vector has ") + std::to_string(run.A.NTOTA) + " words; " +
+                  section->name + " takes " + std::to_string(section->length) + " behind word " +
+                  std::to_string(section->first - 1) + " (zurt --words N DECK gives it more)");
+}
+
+[[noreturn]] void StopOnInputOverflow(Run& run) {
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(A)",
           Say(run,
               "NEDOVOLJNA DIMENZIJA U OSNOVNOM RADNOM VEKTORU A ZA UCITAVANJE ULAZNIH "
@@ -21,15 +31,8 @@ void WriteInputOverflow(Run& run) {
     Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAX=", " REQUIRED DIMENSION, LMAX ="), run.A.LMAX);
     Write(unit, "(A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA, NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
           run.A.NTOTA);
-}
-
-// The messages give sizes alone; this says what did not fit.
-void NoteSectionOutside(const Run& run) {
-    const SectionRecord* section = FirstSectionOutside(run.A);
-    if (section != nullptr)
-        WriteNote(std::string("the working vector has ") + std::to_string(run.A.NTOTA) + " words; " +
-                  section->name + " takes " + std::to_string(section->length) + " behind word " +
-                  std::to_string(section->first - 1));
+    NoteSectionOutside(run);
+    StopRun(unit);
 }
 
 // Nine vectors of NP words, one after the other.
@@ -50,14 +53,20 @@ Word MatrixWords(const Run& run) {
     return std::max(run.control.state.NWK, run.control.state.MatrixRoom);
 }
 
+// MAXA holds positions as 32-bit integers; only a working vector larger than the usual one comes this far.
+void RequireCountableMatrix(const Run& run) {
+    constexpr Word kMost = std::numeric_limits<std::int32_t>::max();
+    if (run.control.state.NWK >= kMost)
+        StopWithLibraryError("the skyline matrix takes " + std::to_string(run.control.state.NWK) +
+                             " words, and its positions end at " + std::to_string(kMost) +
+                             ": choose the sparse solver (SolverSelector 2 on the format card)");
+}
+
 } // namespace
 
 void StopIfInputOverflows(Run& run) {
-    if (run.A.LMAX <= run.A.NTOTA)
-        return;
-    WriteInputOverflow(run);
-    NoteSectionOutside(run);
-    StopRun();
+    if (run.A.LMAX > run.A.NTOTA)
+        StopOnInputOverflow(run);
 }
 
 void TakePeriodTables(Run& run) {
@@ -90,10 +99,8 @@ void TakeNodeArrays(Run& run) {
         TakeResultVectors(run);
     }
     StopIfInputOverflows(run);
-    if (run.A.LMAX >= run.A.NTOTA) { // here a table that exactly fills A is refused already
-        WriteInputOverflow(run);
-        StopRun();
-    }
+    if (run.A.LMAX >= run.A.NTOTA) // here a table that exactly fills A is refused already
+        StopOnInputOverflow(run);
     if (header.NDS != 0)
         ClearWords(run.A, at.LNDS[1], run.A.LMAX - 1);
 }
@@ -235,9 +242,11 @@ void WriteSizeReport(Run& run) {
 }
 
 void StopIfSystemOverflows(Run& run) {
-    if (run.A.LMAXM <= run.A.NTOTA)
+    if (run.A.LMAXM <= run.A.NTOTA) {
+        RequireCountableMatrix(run);
         return;
-    TextUnit& unit = MessageUnit(run);
+    }
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(A)",
           Say(run, "NEDOVOLJNA DIMENZIJA ZA SMESTANJE MATRICA I VEKTORASISTEMA :",
               " UNSUFFICIENT DIMENSION OF WORKING VECTOR:"));
@@ -256,7 +265,7 @@ void StopIfSystemOverflows(Run& run) {
         Write(messages, "('  PROGRAM STOPS')");
     }
     NoteSectionOutside(run);
-    StopRun();
+    StopRun(unit);
 }
 
 } // namespace zurt

@@ -110,14 +110,14 @@ void ReadMicroscaleData(Run& run) {
 }
 
 [[noreturn]] void StopOnTooManyGroups(Run& run, std::int32_t NGE) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(A,I3)", "BROJ TIPOVA ELEMENATA NGET=", NGE);
     Write(unit, "(A)", "-VECI OD 10;  URADITI SLEDECE:");
     Write(unit, "(A)", "POVECATI DIMENZIJU U VEKTORU NETV(10,3)- COMMON/TEMPGL/,");
     Write(unit, "(A)", "-DIMENZIJA MORA BITI VECA ILI JEDNAKA BROJU TIPOVAELEMENATA");
     Write(unit, "(A)", "2. ZAMENITI INSTRUKCIJU .IF(NGE.LE.10) GO TO 45. UMAIN-U U INSTRUKCIJU:");
     Write(unit, "(A)", ".IF(NGE.LE.NDIM) GO TO 45. GDE JE NDIM-BROJ NA KOJI JE DIMENZIJA POVECANA");
-    StopRun();
+    StopRun(unit);
 }
 
 void WriteGroupToGraphics(Run& run, const ElementGroup& group) {
@@ -242,19 +242,6 @@ void ReadBoundaryData(Run& run) {
         ReadSurfaceData(run);
 }
 
-[[noreturn]] void EndCheckRun(Run& run) {
-    TextUnit& unit = MessageUnit(run);
-    Write(unit, "(///11X,A)",
-          Say(run, "UCITAVANJE I GENERISANJE ULAZNIH PODATAKA JE ZAVRSENO",
-              "READING AND GENERATING OF INPUT DATA IS OVER"));
-    Write(unit, "(/11X,A)",
-          Say(run, "ULAZNI PODACI SU BEZ FORMALNE GRESKE", "INPUT DATA ARE WITHOUT FORMAL ERROR"));
-    Write(unit, "(/11X,A)",
-          Say(run, "ZA IZVRSAVANJE PROGRAMA UNETI:   IREST = 1",
-              "FOR EXECUTION OF PROGRAM ENTER:   IREST = 1"));
-    StopRun();
-}
-
 // A problem does not see the fit of the one before; cards keep their fields.
 void ForgetFit(Run& run) {
     FitState fresh;
@@ -268,6 +255,8 @@ void ForgetFit(Run& run) {
 } // namespace
 
 void ReadProblem(Run& run) {
+    ++run.control.state.ProblemNumber;
+    run.control.state.Solving = 0;
     RestartWorkingVector(run.A);
     ForgetFit(run);
     ReadHeaderCards(run);
@@ -281,8 +270,6 @@ void ReadProblem(Run& run) {
     TakeSolverVectors(run);
     WriteSizeReport(run);
     StopIfSystemOverflows(run);
-    if (run.control.header.IREST == 0)
-        EndCheckRun(run);
 }
 
 } // namespace zurt

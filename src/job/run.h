@@ -49,6 +49,11 @@ inline TextUnit& MessageUnit(Run& run) {
     return IsOpen(run.units.listing) ? run.units.listing : run.units.console;
 }
 
+/// The same, for a message that follows now and ends the run.
+inline TextUnit& BeginMessage(Run& run) {
+    return BeginMessage(MessageUnit(run));
+}
+
 // Views of the arrays that most steps need.
 inline RealArray CoordinateColumn(const Run& run, int axis) {
     const Word NP = run.control.header.NP;

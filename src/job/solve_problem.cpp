@@ -80,6 +80,7 @@ void SolveProblem(Run& run) {
     RunState& state = run.control.state;
     state.TIME = state.StartTime = 0.0; // a steady problem advances neither
     state.KOR = 0;
+    state.Solving = 1;
     state.NCZZ = 0;
     state.PrintCounter = 0;
     state.OutletStartOfRun = state.OutletStart;

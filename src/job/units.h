@@ -23,6 +23,9 @@ struct Units {
     std::FILE* scratch15 = nullptr;    // opened, never used
     std::FILE* restart19 = nullptr;    // "ZITEMP": opened, never written, never read
     std::FILE* stepFile = nullptr;     // 20, scratch
+    bool dialogue = true;              // names of outputs are asked for; else the defaults are taken
+    std::string
+        Folder; // of the files with fixed names and of the defaults, with its stroke; empty: the current one
     std::string DefaultListingName;
     std::string DefaultGraphicsName;
 };

@@ -6,7 +6,7 @@
 namespace zurt {
 
 void StopOnDiffusionRange(Run& run, std::int32_t curve, double concentration) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
     Write(unit, "(1X,A,I5)",
           Say(run,
@@ -21,11 +21,11 @@ void StopOnDiffusionRange(Run& run, std::int32_t curve, double concentration) {
     Write(unit, "(1X,A)",
           Say(run, "I GRANICNE USLOVE ZA ULAZNI I IZLAZNI REZERVOAR",
               "AND BOUNDARY CONDITIONS FOR INLET AND OUTLET RESERVOIRS"));
-    StopRun();
+    StopRun(unit);
 }
 
 void StopOnSpecificHeatRange(Run& run, std::int32_t curve, double temperature) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
     Write(unit, "(1X,A,I5)",
           Say(run,
@@ -33,12 +33,12 @@ void StopOnSpecificHeatRange(Run& run, std::int32_t curve, double temperature) {
           curve);
     Write(unit, "(1X,A,1PE12.4)", Say(run, "ARGUMENT TEMPERATURA,  TEMP =", "ARGUMENT TEMPERATURE,  TEMP ="),
           temperature);
-    StopRun();
+    StopRun(unit);
 }
 
 void StopOnAnalyticRange(Run& run, AnalyticRange range, std::int32_t material, double T) {
     // These texts are the same in both languages.
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     const bool above = range == AnalyticRange::AboveMaximum;
     const Word limitsAt = above ? run.control.at.LMAT[4] : run.control.at.LMAT[5];
     const double limit = RealSection(run.A, limitsAt, run.control.header.NMATT)(material);
@@ -51,7 +51,7 @@ void StopOnAnalyticRange(Run& run, AnalyticRange range, std::int32_t material, d
           above ? "MAXIMALNA DOZVOLJENA TEMPERATURA U MATERIJALU, TOPM="
                 : "MANIMALNA DOZVOLJENA TEMPERATURA U MATERIJALU, TMNM=",
           limit);
-    StopRun();
+    StopRun(unit);
 }
 
 } // namespace zurt

@@ -70,7 +70,7 @@ constexpr FunctionFamily kFamilies[] = {
 };
 
 [[noreturn]] void StopOnFamilyError(Run& run, const FunctionFamily& family, const CurveTableResult& result) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)", Say(run, family.serbianErrorTitle, family.englishErrorTitle));
     if (result.endsEarly) {
         Write(unit, "(1X,A)",
@@ -82,7 +82,7 @@ constexpr FunctionFamily kFamilies[] = {
         Write(unit, "(1X,A,E12.5)",
               Say(run, " VREMENSKI INTERVAL INTEGRACIJE, TMAX =", " INTEGRATION TIME INTERVAL, TMAX ="),
               run.control.state.TIME);
-        StopRun();
+        StopRun(unit);
     }
     Write(unit, "(1X,A,I3)", Say(run, "FUNKCIJA BR. =", "FUNCTION NO. ="), result.functionNumber);
     Write(unit, "(1X,A,I5)", Say(run, "UCITAN BROJ TACAKA, IMAX=", "NUMBER OF POINTS READ IN, IMAX="),
@@ -90,7 +90,7 @@ constexpr FunctionFamily kFamilies[] = {
     Write(unit, "(1X,A,I5)",
           Say(run, "ZADATI MAKSIMALNI BROJ TACAKA ZA KRIVU =", "PRESCRIBED MAX. NO. OF POINTS FOR CURVE ="),
           run.control.counts.*family.largest);
-    StopRun();
+    StopRun(unit);
 }
 
 void ReadFamily(Run& run, const FunctionFamily& family) {

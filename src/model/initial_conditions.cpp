@@ -82,20 +82,21 @@ void ReadSingleValue(Run& run, const StartArrays& arrays) {
 
 [[noreturn]] void StopOnHeldNode(Run& run, std::int32_t N, double held, double value) {
     // All but one word is the same in both languages.
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)", "GRESKA U ULAZNIM PODACIMA:");
     Write(unit, "(1X,A,I5)", Say(run, "CVOR BROJ=", "CVOT BROJ="), N);
     Write(unit, "(1X,A,E12.4)", "UCITANA KONSTANTNA TEMPERATURA=", held);
     Write(unit, "(1X,A,E12.4)", "UCITANA POCETNA    TEMPERATURA=", value);
     Write(unit, "(1X,A)", "NISU JEDNAKE");
     Write(unit, "(1X,A)", "ZA CVOR CIJA JE TEMPERATURA KONSTANTNA NE TREBA UCITAVATI POCETNU TEMPERATURU");
-    StopRun();
+    StopRun(unit);
 }
 
 [[noreturn]] void StopOnOpenRange(Run& run) {
-    Write(MessageUnit(run), "(1X,2A)", "GRESKA U ULAZNIM PODACIMA: POSLEDNJI CVOR MORA SE ",
+    TextUnit& unit = BeginMessage(run);
+    Write(unit, "(1X,2A)", "GRESKA U ULAZNIM PODACIMA: POSLEDNJI CVOR MORA SE ",
           "DOBITI SABIRANJEM KORAKA KOR POCEVSI OD PRVOG CVORA N1");
-    StopRun();
+    StopRun(unit);
 }
 
 /// A card that does not end its list, under an INDFOR that presents it again and again, never will.

@@ -95,14 +95,14 @@ struct CurveLimit {
 };
 
 void StopOnTooManyPoints(Run& run, const CurveLimit& limit, std::int32_t N, std::int32_t P) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)", Say(run, limit.serbianTitle, limit.englishTitle));
     Write(unit, "(1X,A,I3)", Say(run, " MATERIJAL BROJ =", " MATERIAL NUMBER ="), N);
     Write(unit, "(1X,A,I3)", Say(run, " BROJ TACAKA NA KRIVOJ =", " NUMBER POINTS ON CURVE ="), P);
     Write(unit, "(1X,A,A,A,I3)",
           Say(run, " MAKSIMALNI BROJ TACAKA NA KRIVOJ , ", " MAXIMAL NUMBER POINTS ON CURVE , "), limit.name,
           " =", limit.most);
-    StopRun();
+    StopRun(unit);
 }
 
 void EchoCurveHeader(Run& run, const char* label, std::int32_t N, std::int32_t P) {

@@ -40,7 +40,7 @@ void TakeTimeFunctions(Run& run) {
     run.control.at.LTFT2 = TakeWords(run.A, "LTFT2", counts.NTABFT);
     if (run.A.LMAX <= run.A.NTOTA)
         return;
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)",
           Say(run, "NEDOVOLJNA DIMENZIJA U OSNOVNOM VEKTORU ZA UCITAVANJE PODATAKA",
               "UNSUFFICIENT DIMENSION OF BASIC VECTOR FOR DATA ENTRY"));
@@ -48,42 +48,42 @@ void TakeTimeFunctions(Run& run) {
           run.A.LMAX);
     Write(unit, "(1X,A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA , MTOT=", "AVAILABLE DIMENSION  , MTOT="),
           run.A.NTOTA);
-    StopRun();
+    StopRun(unit);
 }
 
 /// The lines behind the first are the same in both languages.
-void WriteInputErrorTitle(Run& run) {
-    Write(MessageUnit(run), "(1X,A)",
+TextUnit& BeginInputError(Run& run) {
+    TextUnit& unit = BeginMessage(run);
+    Write(unit, "(1X,A)",
           Say(run, "GRESKA U ULAZNIM PODACIMA ZA VREMENSKE FUNKCIJE",
               "ERROR IN INPUT DATA FOR TIME FUNCTIONS"));
+    return unit;
 }
 
 [[noreturn]] void StopOnTooManyPoints(Run& run, const CurveTableResult& result) {
-    TextUnit& unit = MessageUnit(run);
-    WriteInputErrorTitle(run);
+    TextUnit& unit = BeginInputError(run);
     Write(unit, "(1X,A,I5)", "FUNKCIJA BR. =", result.functionNumber);
     Write(unit, "(1X,A,I5)", "UCITAN BROJ TACAKA, IMAX=", result.pointsRead);
     Write(unit, "(1X,A,I5)", "ZADATI MAKSIMALNI BROJ TACAKA ZA KRIVU , MAXTFT=", run.control.counts.MAXTFT);
-    StopRun();
+    StopRun(unit);
 }
 
 [[noreturn]] void StopOnEarlyEnd(Run& run, const CurveTableResult& result) {
-    TextUnit& unit = MessageUnit(run);
-    WriteInputErrorTitle(run);
+    TextUnit& unit = BeginInputError(run);
     Write(unit, "(1X,A)", "VREMENSKA FUNKCIJA NIJE DEFINISANA U CELOM INREVALU");
     Write(unit, "(1X,A,I5)", "FUNKCIJA BR. =", result.functionNumber);
     Write(unit, "(1X,A,1PE12.5)", "INTERVAL DEFINISANOSTI =", result.lastArgument);
     Write(unit, "(1X,A,1PE12.5)", "VREMENSKI INTERVAL INTEGRACIJE, TMAX =", run.control.state.TIME);
-    StopRun();
+    StopRun(unit);
 }
 
 [[noreturn]] void StopOnTimeRange(Run& run, std::int32_t function) {
-    TextUnit& unit = MessageUnit(run);
+    TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)",
           Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "ARGUMENT IS OUT OF PRESCRIBED CURVE RANGE"));
     Write(unit, "(1X,A,I5)", Say(run, "VREMENSKA FUNKCIJA BROJ =", "TIME FUNCTION NO. ="), function);
     Write(unit, "(1X,A,1PE12.4)", Say(run, "ARGUMENT VREME =", "ARGUMENT TIME  ="), run.control.state.TIME);
-    StopRun();
+    StopRun(unit);
 }
 
 } // namespace

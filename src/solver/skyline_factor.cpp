@@ -1,8 +1,10 @@
 #include "solver/skyline_factor.h"
 
+#include "core/stop.h"
 #include "solver/skyline_panel.h"
 
 #include <algorithm>
+#include <memory>
 #include <new>
 
 namespace zurt {
@@ -95,6 +97,7 @@ Word ScratchRows(SkylinePanel& panel, Word NN, const StepCosts& cost) {
 // All columns, panel by panel. Without scratch every column goes alone.
 template <int kWidth> ZURT_INLINE Word FactorColumns(SkylinePanel& panel, Word NN, const StepCosts& cost) {
     for (panel.first = 0; panel.first < NN; panel.first += kPanelLanes) {
+        StopIfInterrupted();
         panel.columns = std::min(kPanelLanes, NN - panel.first);
         if (panel.reduced != nullptr) {
             PlacePanel(panel);
@@ -137,8 +140,10 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, Instruc
     panel.NN = NN;
     const StepCosts cost = CostsOf(instructions);
     const Word rows = ScratchRows(panel, NN, cost);
+    std::unique_ptr<PanelRow[]> scratch;
     if (rows > 0)
-        panel.reduced = new (std::nothrow) PanelRow[static_cast<std::size_t>(rows)];
+        scratch.reset(new (std::nothrow) PanelRow[static_cast<std::size_t>(rows)]);
+    panel.reduced = scratch.get();
     Word failed = 0;
     switch (instructions) {
 #ifdef __x86_64__
@@ -152,7 +157,6 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, Instruc
     default:
         failed = FactorPortable(panel, NN, cost);
     }
-    delete[] panel.reduced;
     return failed;
 }
 

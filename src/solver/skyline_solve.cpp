@@ -9,11 +9,11 @@ namespace zurt {
 namespace {
 
 [[noreturn]] void StopAtPivot(TextUnit& listing, Word equation, double pivot) {
-    Write(listing,
+    Write(BeginMessage(listing),
           "(/' MATRICA SISTEMA NIJE POZITIVNO DEFINITNA'//' PIVOT NIJE POZITIVAN ZA JEDNACINU BR.',I4//' "
           "PIVOT=',E20.12)",
           equation, pivot);
-    StopRun();
+    StopRun(listing);
 }
 
 // V(n) -= sum of l(r,n) V(r), from the diagonal outward. Each sum begins with the value found last, so the

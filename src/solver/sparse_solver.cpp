@@ -74,8 +74,8 @@ template <class T> void FreeArray(T*& array) {
     for (const ReportLine& report : lines)
         Write(listing, line, report.onListing, report.value);
     SolverStop(instance, console, SolverReportFlag);
-    Write(console, "(' ERROR IN SOLVER EXECUTION - STOPPING CALCULATION')");
-    StopRun();
+    Write(BeginMessage(console), "(' ERROR IN SOLVER EXECUTION - STOPPING CALCULATION')");
+    StopRun(console);
 }
 
 } // namespace
@@ -145,8 +145,8 @@ void SolveSparseSystem(RealArray R, std::int32_t JEDN, std::int32_t /*reserved*/
     SparseExtract(NZ, {instance.irn, NZ}, {instance.jcn, NZ}, {instance.a, NZ}, kSilent);
     SparseKill(kSilent);
     if (JEDN < 1 || NZ < 1) {
-        Write(console, "(' Error in solver calling!')");
-        StopRun();
+        Write(BeginMessage(console), "(' Error in solver calling!')");
+        StopRun(console);
     }
     SolverFactor(instance, console, listing, SolverReportFlag);
     SolverBackSolve(instance, R);

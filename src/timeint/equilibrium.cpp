@@ -84,8 +84,7 @@ void UpdateSolution(Run& run) {
         UpdateBySum(run);
 }
 
-void WriteIterationLimitToListing(Run& run, double EPST) {
-    TextUnit& unit = MessageUnit(run);
+void WriteIterationLimitToListing(Run& run, TextUnit& unit, double EPST) {
     const RunState& state = run.control.state;
     Write(unit, "(//A)",
           Say(run, " DOSTIGNUT MAKSIMALAN BROJ ITERACIJA", " MAXIMUM NUMBER OF ITERATION ACHIEVED"));
@@ -124,12 +123,12 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
 
 [[noreturn]] void StopWithoutEquilibrium(Run& run) {
     const double EPST = run.control.header.EPSTR * 100.0;
-    WriteIterationLimitToListing(run, EPST);
+    TextUnit& unit = BeginMessage(run);
+    WriteIterationLimitToListing(run, unit, EPST);
     if (run.control.header.NDS > 0)
         WriteIterationLimitToMessages(run, EPST);
     const std::int32_t NCZZ = run.control.state.NCZZ;
     if (NCZZ > 0) {
-        TextUnit& unit = MessageUnit(run);
         Write(unit, "(A,I5,A)", Say(run, " POSTOJI ZAPISANO ZADNJIH NCZZ=", " THERE ARE LAST NCZZ="), NCZZ,
               Say(run, " KORAKA", "STEPS WRITTEN "));
         Write(unit, "(A)", Say(run, " MOGUCE JE RESTARTOVANJE PROGRAMA", " POSIBLE RESTART"));
@@ -138,7 +137,7 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
               ": no equilibrium within MAXIT = " + std::to_string(run.control.header.MAXIT) +
               " iterations, the run ends; EPSTR may lie below what rounding allows (see the end of the "
               "listing)");
-    StopRun();
+    StopRun(unit);
 }
 
 // The test's comparisons all fail on a solution that is not a number: it would pass as converged, or never. Neither does a
@@ -168,8 +167,10 @@ void IterateStep(Run& run) {
     const HeaderFields& header = run.control.header;
     while (true) {
         state.FactorFlag = 1;
+        StopIfInterrupted();
         ClearSystem(run);
         FormSystem(run);
+        StopIfInterrupted();
         SolveSystem(run);
         if (state.NonlinearFlag == 0) {
             StopIfMeaningless(run, SumOfEntries(RightHandSide(run)));

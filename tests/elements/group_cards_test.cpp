@@ -3,6 +3,7 @@
 #include "elements/element_dispatch.h"
 #include "elements/group_views.h"
 #include "job/partition.h"
+#include "support/expect_stop.h"
 #include "support/small_run.h"
 
 namespace zurt {
@@ -54,12 +55,12 @@ struct ReadModel {
 
 std::string StopOf(const GroupProblem& problem, const std::string& cards) {
     const RunPointer run = PrepareGroup(problem, cards);
-    return WrittenByStop(*run, run->units.listing, [&] { Dispatch(*run); });
+    return zurt_test::WrittenByStop(run->units.listing, [&] { Dispatch(*run); });
 }
 
 void ExpectDeckError(const GroupProblem& problem, const std::string& cards, const std::string& pattern) {
     const RunPointer run = PrepareGroup(problem, cards);
-    EXPECT_EXIT(Dispatch(*run), testing::ExitedWithCode(2), pattern);
+    EXPECT_LIBRARY_ERROR(Dispatch(*run), pattern);
 }
 
 std::vector<int> Values(IntArray array) {

@@ -3,6 +3,7 @@
 #include "elements/surface_cards.h"
 #include "elements/surface_terms.h"
 #include "support/bar_deck.h"
+#include "support/expect_stop.h"
 #include "support/small_run.h"
 
 #include <algorithm>
@@ -133,8 +134,8 @@ TEST(SurfaceCards, BlankCardsEndFixedDecksAlone) {
 TEST(SurfaceCards, NodesThatAreNoSideStop) {
     RunPointer run = MakeGroups("2 101 1 0 0 0 0\n", 1, {1});
     zurt_test::ListOnStandardError(*run);
-    EXPECT_EXIT(
-        ReadSurfaceData(*run), testing::ExitedWithCode(0),
+    EXPECT_MESSAGE(
+        ReadSurfaceData(*run),
         " ERROR IN BOUNDARY CONDITION INPUT DATA:\n ELEMENT NO.       2\n READIN BOUNDARY NODES :     101\n"
         " DO NOT CONSTITUTE SIDE OF ELEMENT\n$");
 }
@@ -372,7 +373,7 @@ TEST(SurfaceTerms, MessagesThatStop) {
             -3.0);
         terms.SetSide(3, fields);
         zurt_test::ListOnStandardError(*terms.run);
-        EXPECT_EXIT(terms.Add(), testing::ExitedWithCode(0), lines);
+        EXPECT_MESSAGE(terms.Add(), lines);
     };
     const std::string head = "^ CURVE ARGUMENT IS OUT OF RANGE\n CURVE ";
     const std::string time = "    2\n ARGUMENT TIME, TIME =  2.5000E\\+00\n$";

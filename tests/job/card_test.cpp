@@ -1,4 +1,5 @@
 #include "job/card.h"
+#include "support/expect_stop.h"
 
 #include "support/small_run.h"
 
@@ -67,8 +68,8 @@ TEST(Card, ContinuationLinesAreNeitherCountedNorComments) {
     ExpectSample(sample, 1, 2.5, 3.5, 4);
     EXPECT_EQ(small.deck.CardCounter, 2);
     EXPECT_EQ(NextRecord(small.deck, "Sample card"), "next");
-    EXPECT_EXIT(ReadSample("1\nC comment\n2.5 3.5 4\n", 1), testing::ExitedWithCode(2),
-                "line 2, Sample card, field X: \"C\": a number is expected");
+    EXPECT_LIBRARY_ERROR(ReadSample("1\nC comment\n2.5 3.5 4\n", 1),
+                         "line 2, Sample card, field X: \"C\": a number is expected");
 }
 
 // Faults: fields read under an unknown format indicator; the card consumed or not counted by it.
@@ -87,19 +88,18 @@ TEST(Card, UnknownIndicatorReadsNothing) {
 
 // Faults: a field that does not convert is taken as 0 or ends the run without its name, line and text.
 TEST(Card, ErrorsNameTheField) {
-    const auto fails = testing::ExitedWithCode(2);
-    EXPECT_EXIT(ReadSample("   1x\n", 2), fails,
-                "line 1, Sample card, field N: \"   1x\": an integer is expected\n  card:    1x");
-    EXPECT_EXIT(ReadSample("    1         abc\n", 2), fails, "field X: .*: a number is expected");
-    EXPECT_EXIT(ReadSample("C\n 1.5 2. 3. 4\n", 1), fails,
-                "line 2, Sample card, field N: \"1.5\": an integer is expected");
-    EXPECT_EXIT(ReadSample("1 2. x3 4\n", 1), fails, "field X: \"x3\": a number is expected");
-    EXPECT_EXIT(ReadSample("1 2. 3.\n", 1), fails, "line 1, Sample card: the deck ends here");
-    EXPECT_EXIT(ReadSample("99999999999 2. 3. 4\n", 1), fails,
-                "field N: \"99999999999\": the number is too large");
-    EXPECT_EXIT(ReadSample("1 inf 3. 4\n", 1), fails, "field X: \"inf\": a finite number");
-    EXPECT_EXIT(ReadSample("1 2. 3. -4\n", 1), fails, "field COUNT: \"-4\": a negative count");
-    EXPECT_EXIT(ReadSample("                               -1\n", 2), fails, "field COUNT: \"-1\": a neg");
+    EXPECT_LIBRARY_ERROR(ReadSample("   1x\n", 2),
+                         "line 1, Sample card, field N: \"   1x\": an integer is expected\n  card:    1x");
+    EXPECT_LIBRARY_ERROR(ReadSample("    1         abc\n", 2), "field X: .*: a number is expected");
+    EXPECT_LIBRARY_ERROR(ReadSample("C\n 1.5 2. 3. 4\n", 1),
+                         "line 2, Sample card, field N: \"1.5\": an integer is expected");
+    EXPECT_LIBRARY_ERROR(ReadSample("1 2. x3 4\n", 1), "field X: \"x3\": a number is expected");
+    EXPECT_LIBRARY_ERROR(ReadSample("1 2. 3.\n", 1), "line 1, Sample card: the deck ends here");
+    EXPECT_LIBRARY_ERROR(ReadSample("99999999999 2. 3. 4\n", 1),
+                         "field N: \"99999999999\": the number is too large");
+    EXPECT_LIBRARY_ERROR(ReadSample("1 inf 3. 4\n", 1), "field X: \"inf\": a finite number");
+    EXPECT_LIBRARY_ERROR(ReadSample("1 2. 3. -4\n", 1), "field COUNT: \"-4\": a negative count");
+    EXPECT_LIBRARY_ERROR(ReadSample("                               -1\n", 2), "field COUNT: \"-1\": a neg");
 }
 
 // Faults: a card that is always taken by columns read by list or consumed under free format; its failure there
@@ -114,10 +114,10 @@ TEST(Card, ImageCardsIgnoreTheIndicator) {
     }
     SmallRun bad("x\n");
     Sample sample;
-    EXPECT_EXIT(ReadImageFields(bad.deck, 1, kSample, &sample), testing::ExitedWithCode(2),
-                "an integer is expected; some cards are always taken by columns");
-    EXPECT_EXIT(ReadImageFields(bad.deck, 2, kSample, &sample), testing::ExitedWithCode(2),
-                "an integer is expected\n");
+    EXPECT_LIBRARY_ERROR(ReadImageFields(bad.deck, 1, kSample, &sample),
+                         "an integer is expected; some cards are always taken by columns");
+    SmallRun fixed("x\n");
+    EXPECT_LIBRARY_ERROR(ReadImageFields(fixed.deck, 2, kSample, &sample), "an integer is expected\n");
 }
 
 // Faults: a table's cards cut at the wrong count, comments between them taken as data, a list-directed table read card
@@ -138,8 +138,8 @@ TEST(Card, TablesOfNumbers) {
     EXPECT_EQ(free.deck.CardCounter, 1);
     EXPECT_EQ(NextRecord(free.deck, "Sample cards"), "next");
     SmallRun bad("    1    x\n");
-    EXPECT_EXIT(ReadIntegerCards(bad.deck, 2, "Sample cards", "N", "I5", 2, IntArray(numbers, 5)),
-                testing::ExitedWithCode(2), "line 1, Sample cards, field N: \"    x\"");
+    EXPECT_LIBRARY_ERROR(ReadIntegerCards(bad.deck, 2, "Sample cards", "N", "I5", 2, IntArray(numbers, 5)),
+                         "line 1, Sample cards, field N: \"    x\"");
 }
 
 // Faults: an index of 0 or one past the end let through, or a good one refused.
@@ -148,8 +148,8 @@ TEST(Card, IndicesOutsideTheirArrayEndTheRun) {
     RequireIndex(small.deck, "Sample card", "N", 1, 4);
     RequireIndex(small.deck, "Sample card", "N", 4, 4);
     for (const std::int32_t value : {0, 5, -1})
-        EXPECT_EXIT(RequireIndex(small.deck, "Sample card", "N", value, 4), testing::ExitedWithCode(2),
-                    "must lie between 1 and 4");
+        EXPECT_LIBRARY_ERROR(RequireIndex(small.deck, "Sample card", "N", value, 4),
+                             "must lie between 1 and 4");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "job/deck.h"
+#include "support/expect_stop.h"
 
 #include "support/small_run.h"
 
@@ -74,18 +75,18 @@ TEST(Deck, ImagesAreOf105CharactersWhateverTheLineEnds) {
 TEST(Deck, ItsEndIsReportedWithLineAndGroup) {
     SmallRun small("only\nC comment\n");
     NextCard(small.deck, 2);
-    EXPECT_EXIT(NextCard(small.deck, 2), testing::ExitedWithCode(2),
-                "zurt: error: deck .*/deck, line 2, Sample card: the deck ends here");
+    EXPECT_LIBRARY_ERROR(NextCard(small.deck, 2),
+                         "zurt: error: deck .*/deck, line 2, Sample card: the deck ends here");
     SmallRun empty("");
     EXPECT_EQ(LineCount(empty.deck), 0);
-    EXPECT_EXIT(NextCard(empty.deck, 1), testing::ExitedWithCode(2), "line 0, Sample card");
+    EXPECT_LIBRARY_ERROR(NextCard(empty.deck, 1), "line 0, Sample card");
 }
 
 // Faults: a reader that waits for a card which no read consumes hangs for ever; a deck of many equal cards refused.
 TEST(Deck, TheSameCardForEverEndsTheRun) {
     SmallRun small("stuck\n");
-    EXPECT_EXIT(while (true) NextCard(small.deck, 3), testing::ExitedWithCode(2),
-                "line 1, Sample card: the same card is presented again and again");
+    EXPECT_LIBRARY_ERROR(while (true) NextCard(small.deck, 3),
+                         "line 1, Sample card: the same card is presented again and again");
     std::string deck;
     for (int line = 0; line < 1100; ++line)
         deck += "equal\n";
@@ -121,12 +122,11 @@ TEST(Deck, LongDecksComeWholeFromAPipe) {
 TEST(Deck, ReportsShowAShortPrintableExcerpt) {
     SmallRun small("\x1b[31m" + std::string(200, 'q') + "\n");
     NextCard(small.deck, 2);
-    EXPECT_EXIT(DeckError(small.deck, "Sample card", "FIELD",
-                          "\x07"
-                          "12",
-                          "no number"),
-                testing::ExitedWithCode(2),
-                "field FIELD: \"\\.12\": no number\n  card: \\.\\[31mq+\\.\\.\\.\n$");
+    EXPECT_LIBRARY_ERROR(DeckError(small.deck, "Sample card", "FIELD",
+                                   "\x07"
+                                   "12",
+                                   "no number"),
+                         "field FIELD: \"\\.12\": no number\n  card: \\.\\[31mq+\\.\\.\\.\n$");
 }
 
 } // namespace

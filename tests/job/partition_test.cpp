@@ -1,4 +1,5 @@
 #include "job/partition.h"
+#include "support/expect_stop.h"
 
 #include "core/format.h"
 
@@ -127,7 +128,7 @@ TEST(Partition, OverflowIsTestedAtItsPlaces) {
         for (const Word size : {fits.A.NTOTA - 1, Word{1}}) {
             SmallRun tight("", size);
             const std::string listing =
-                WrittenByStop(tight, tight.units.listing, [&] { TakeUpTo(tight, k); });
+                zurt_test::WrittenByStop(tight.units.listing, [&] { TakeUpTo(tight, k); });
             SCOPED_TRACE(kSteps[k].name);
             EXPECT_EQ(listing.substr(0, 67),
                       " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA\n");
@@ -157,7 +158,7 @@ TEST(Partition, SystemMustFit) {
     for (const std::int32_t NDS : {0, 2, -1}) {
         SmallRun tight("", LMAXM - 1);
         tight.control.header.NDS = NDS;
-        EXPECT_EQ(WrittenByStop(tight, tight.units.listing, [&] { TakeSystem(tight); }),
+        EXPECT_EQ(zurt_test::WrittenByStop(tight.units.listing, [&] { TakeSystem(tight); }),
                   " UNSUFFICIENT DIMENSION OF WORKING VECTOR:\n"
                   " REQUIRED DIMENSION LMAXM =        17\n"
                   " AVAILABLE DIMENSION NTOT =        16\n");
@@ -192,8 +193,8 @@ TEST(WorkingVector, RestartsAndReleases) {
     EXPECT_EQ(TakeWords(A, "again", 9), 1);
     EXPECT_EQ(RealSection(A, 1, 9)(5), 2.5);
     EXPECT_EQ(IntSection(A, 6, 4)(3), 77);
-    EXPECT_EXIT(RealSection(A, 20, 2), testing::ExitedWithCode(2), "outside it: word 20, length 2");
-    EXPECT_EXIT(IntSection(A, 0, 1), testing::ExitedWithCode(2), "outside it");
+    EXPECT_LIBRARY_ERROR(RealSection(A, 20, 2), "outside it: word 20, length 2");
+    EXPECT_LIBRARY_ERROR(IntSection(A, 0, 1), "outside it");
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "microscale/correction_table.h"
 #include "microscale/fibre_data.h"
 #include "microscale/fibre_models.h"
+#include "support/expect_stop.h"
 #include "support/small_run.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +17,6 @@ using testfibres::MakeTable;
 using zurt_test::Lines;
 using zurt_test::SmallRun;
 using zurt_test::Written;
-
-constexpr int kLibraryError = 2;
 
 // A set of lines with two tables and one of spheres.
 const char* const kFree =
@@ -104,8 +103,7 @@ TEST(FibreData, DeckErrors) {
         SmallRun small(test.deck);
         AskForSets(small, 1, 2);
         FibreModel model;
-        EXPECT_EXIT(ReadFibreData(small, model), testing::ExitedWithCode(kLibraryError), test.words)
-            << test.deck;
+        EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), test.words) << test.deck;
     }
 }
 
@@ -119,7 +117,7 @@ TEST(FibreData, FibreSetsNeedTheDeviceCards) {
         (fault == 2 ? header.ELFIB : fault == 3 ? header.DFIB : header.ELPCL) = 0.0;
         header.WFIB = fault == 4 ? -1.0 : 1.0;
         FibreModel model;
-        EXPECT_EXIT(ReadFibreData(small, model), testing::ExitedWithCode(kLibraryError), "NSETS");
+        EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), "NSETS");
     }
 }
 
@@ -128,7 +126,7 @@ TEST(FibreData, UnknownFormatEnds) {
     SmallRun small(kFree);
     AskForSets(small, 3, 2);
     FibreModel model;
-    EXPECT_EXIT(ReadFibreData(small, model), testing::ExitedWithCode(kLibraryError), "NUMFIB");
+    EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), "NUMFIB");
 }
 
 // Faults: the boundary of a row or column on the wrong side, distance extrapolated, the last row looked up.
@@ -243,8 +241,7 @@ TEST(CorrectionTableCards, DeckErrors) {
         SmallRun small(test.deck);
         small.control.header.INDFOR = 1;
         CorrectionTable table;
-        EXPECT_EXIT(ReadCorrectionTable(small, CorrectionTableOwner::FibreSet, table),
-                    testing::ExitedWithCode(kLibraryError), test.words)
+        EXPECT_LIBRARY_ERROR(ReadCorrectionTable(small, CorrectionTableOwner::FibreSet, table), test.words)
             << test.deck;
     }
 }
@@ -277,7 +274,7 @@ TEST(NanochannelTable, StandsInTheWorkingVector) {
     SmallRun tight(NineRows(), 30);
     tight.control.header.INDFOR = 2;
     const std::string written =
-        WrittenByStop(tight, tight.units.listing, [&] { ReadNanochannelTable(tight); });
+        zurt_test::WrittenByStop(tight.units.listing, [&] { ReadNanochannelTable(tight); });
     EXPECT_TRUE(zurt_test::Contains(written, "REQUIRED DIMENSION, LMAX =        40"));
 }
 

@@ -1,4 +1,5 @@
 #include "microscale/fibre_step.h"
+#include "support/expect_stop.h"
 
 #include "../elements/form_model.h"
 #include "microscale/fibre_models.h"
@@ -20,8 +21,6 @@ using testmodel::BlockOfBricks;
 using testmodel::Mesh;
 using testmodel::Point;
 using testmodel::Problem;
-
-constexpr int kLibraryError = 2;
 
 // A mesh under fibres, with the box of the device cards around it.
 struct Medium {
@@ -273,11 +272,10 @@ TEST(HeqStart, SetsWeighByTheirVolumes) {
 TEST(FibreStep, Errors) {
     Medium flat(Bar(2), OneSphere({0.5, 0.5, 0.5}, 0.1));
     flat.run.control.header.WFIB = 0.0;
-    EXPECT_EXIT(ApplyFibres(flat.run, flat.model), testing::ExitedWithCode(kLibraryError), "no depth");
+    EXPECT_LIBRARY_ERROR(ApplyFibres(flat.run, flat.model), "no depth");
     Medium outside(Bar(2),
                    MakeModel({MakeSet(kLineFibres, 0.1, {FibreThrough({{0, 0.5, 7}, {1, 0.5, 7}})})}));
-    EXPECT_EXIT(ApplyFibres(outside.run, outside.model), testing::ExitedWithCode(kLibraryError),
-                "fibre set 1, fibre 1");
+    EXPECT_LIBRARY_ERROR(ApplyFibres(outside.run, outside.model), "fibre set 1, fibre 1");
 }
 
 } // namespace

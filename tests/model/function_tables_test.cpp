@@ -1,4 +1,5 @@
 #include "model/function_tables.h"
+#include "support/expect_stop.h"
 
 #include "model/curve_lookup.h"
 #include "model/curve_table.h"
@@ -56,7 +57,7 @@ TEST(FunctionTables, FamiliesFollowTheOrderOfTheDeck) {
     EXPECT_EQ(run->A.LMAX, 1 + (2 + 8) + (1 + 4) + (1 + 4) + (1 + 8) + (1 + 2) + 10);
 }
 
-TEST(FunctionTablesDeathTest, TooManyPointsNameTheFamily) {
+TEST(FunctionTablesStops, TooManyPointsNameTheFamily) {
     struct Family {
         std::int32_t CurveCounts::*number;
         std::int32_t CurveCounts::*largest;
@@ -73,29 +74,28 @@ TEST(FunctionTablesDeathTest, TooManyPointsNameTheFamily) {
                  "ERROR IN FUNCTIONS OF CONVECTION COEFICIENT TEMPERATURE DEPENDENCE  :"},
           Family{&CurveCounts::NHR, &CurveCounts::MAXTHR,
                  "ERROR IN FUNCTIONS OF SURFACE FLUXES INPUT DATA  :"}})
-        EXPECT_EXIT(ReadListed(FamilyRun("1 3\n0 1\n1 1\n3 1\n", family.number, family.largest, 1, 2)),
-                    testing::ExitedWithCode(0),
-                    family.head +
-                        std::string("(.|\n)*FUNCTION NO. =  1\n.*NUMBER OF POINTS READ IN, IMAX=    3\n"
-                                    ".*PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    2\n"));
+        EXPECT_MESSAGE(ReadListed(FamilyRun("1 3\n0 1\n1 1\n3 1\n", family.number, family.largest, 1, 2)),
+                       family.head +
+                           std::string("(.|\n)*FUNCTION NO. =  1\n.*NUMBER OF POINTS READ IN, IMAX=    3\n"
+                                       ".*PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    2\n"));
 }
 
-TEST(FunctionTablesDeathTest, FunctionsOfTimeMustReachTheEnd) {
+TEST(FunctionTablesStops, FunctionsOfTimeMustReachTheEnd) {
     const std::string lines =
         "(.|\n)*TIME FUNCTION IS NOT DEFINED WITHIN THE WHOLE RANGE (.|\n)*FUNCTION NO. =  1\n"
         ".*DEFINE INTERVAL = 0.19000E\\+01\n.*TMAX = 0.20000E\\+01\n";
     const std::string early = "1 2\n0 1\n1.9 1\n";
-    EXPECT_EXIT(ReadListed(FamilyRun(early, &CurveCounts::NQE, &CurveCounts::MAXTQE, 1, 2)),
-                testing::ExitedWithCode(0), "SOURCES" + lines);
-    EXPECT_EXIT(ReadListed(FamilyRun(early, &CurveCounts::NTOK, &CurveCounts::MAXTOK, 1, 2)),
-                testing::ExitedWithCode(0), "ENVIRONMENT" + lines);
+    EXPECT_MESSAGE(ReadListed(FamilyRun(early, &CurveCounts::NQE, &CurveCounts::MAXTQE, 1, 2)),
+                   "SOURCES" + lines);
+    EXPECT_MESSAGE(ReadListed(FamilyRun(early, &CurveCounts::NTOK, &CurveCounts::MAXTOK, 1, 2)),
+                   "ENVIRONMENT" + lines);
     const RunPointer exact = FamilyRun("1 2\n0 1\n2 1\n", &CurveCounts::NQP, &CurveCounts::MAXTQP, 1, 2);
     ReadFunctionTables(*exact); // reaching it is enough
     const RunPointer coefficient = FamilyRun(early, &CurveCounts::NHP, &CurveCounts::MAXTHP, 1, 2);
     ReadFunctionTables(*coefficient); // no function of time
 }
 
-TEST(TimeFunctionsDeathTest, FailuresPrintTheirLines) {
+TEST(TimeFunctionsStops, FailuresPrintTheirLines) {
     const auto read = [](const char* deck, Word words) {
         const RunPointer run = MakeRun(deck, 1, 1, words);
         zurt_test::ListOnStandardError(*run);
@@ -107,20 +107,19 @@ TEST(TimeFunctionsDeathTest, FailuresPrintTheirLines) {
         EvaluateTimeFunctions(*run, RealArray(out, 1), ConstIntArray(one, 1), ConstIntArray(one, 1),
                               ConstRealArray(out, 1), 1);
     };
-    EXPECT_EXIT(
-        read("1 2\n1 3\n", 100), testing::ExitedWithCode(0),
+    EXPECT_MESSAGE(
+        read("1 2\n1 3\n", 100),
         "ERROR IN INPUT DATA FOR TIME FUNCTIONS\n.*FUNKCIJA BR. =    1\n.*UCITAN BROJ TACAKA, IMAX=    3\n"
         ".*ZADATI MAKSIMALNI BROJ TACAKA ZA KRIVU , MAXTFT=    2\n");
-    EXPECT_EXIT(read("1 2\n1 2\n0 0\n1.5 0\n", 100), testing::ExitedWithCode(0),
-                "ERROR IN INPUT DATA FOR TIME FUNCTIONS\n.*CELOM INREVALU\n.*FUNKCIJA BR. =    1\n"
-                ".*INTERVAL DEFINISANOSTI = 1.50000E\\+00\n.*TMAX = 2.00000E\\+00\n");
-    EXPECT_EXIT(read("1 2\n1 2\n0 0\n4 0\n", 100), testing::ExitedWithCode(0),
-                "ARGUMENT IS OUT OF PRESCRIBED CURVE RANGE\n.*TIME FUNCTION NO. =    1\n"
-                ".*ARGUMENT TIME  =  5.0000E\\+00\n");
-    EXPECT_EXIT(read("10 5\n", 100), testing::ExitedWithCode(0),
-                "BASIC VECTOR FOR DATA ENTRY\n.*REQURED DIMENSION , LMAX=       111\n"
-                ".*AVAILABLE DIMENSION  , MTOT=       100\n");
-    EXPECT_EXIT(read("-1 5\n", 100), testing::ExitedWithCode(2), "field NTABFT");
+    EXPECT_MESSAGE(read("1 2\n1 2\n0 0\n1.5 0\n", 100),
+                   "ERROR IN INPUT DATA FOR TIME FUNCTIONS\n.*CELOM INREVALU\n.*FUNKCIJA BR. =    1\n"
+                   ".*INTERVAL DEFINISANOSTI = 1.50000E\\+00\n.*TMAX = 2.00000E\\+00\n");
+    EXPECT_MESSAGE(read("1 2\n1 2\n0 0\n4 0\n", 100),
+                   "ARGUMENT IS OUT OF PRESCRIBED CURVE RANGE\n.*TIME FUNCTION NO. =    1\n"
+                   ".*ARGUMENT TIME  =  5.0000E\\+00\n");
+    EXPECT_MESSAGE(read("10 5\n", 100), "BASIC VECTOR FOR DATA ENTRY\n.*REQURED DIMENSION , LMAX=       111\n"
+                                        ".*AVAILABLE DIMENSION  , MTOT=       100\n");
+    EXPECT_LIBRARY_ERROR(read("-1 5\n", 100), "field NTABFT");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "model/initial_conditions.h"
+#include "support/expect_stop.h"
 
 #include "job/partition.h"
 #include "support/bar_deck.h"
@@ -94,7 +95,7 @@ TEST(InitialConditions, GroupsOfListsAndRanges) {
         << "printed although the echo is off";
 }
 
-TEST(InitialConditionsDeathTest, HeldNodeTakesNoOtherValue) {
+TEST(InitialConditionsStops, HeldNodeTakesNoOtherValue) {
     const std::string deck = Group(5.0, 1, 0) + "    2    0\n" + Group(1.0, 0, 0);
     for (const double within : {5.0 + 0.9e-10, 5.0 - 0.9e-10}) {
         const RunPointer run = StartRun(deck, 2);
@@ -104,34 +105,32 @@ TEST(InitialConditionsDeathTest, HeldNodeTakesNoOtherValue) {
     }
     const RunPointer beyond = StartRun(deck, 2);
     NodeCardValues (*beyond)(2) = 5.0 + 1.1e-10;
-    EXPECT_EXIT(ReadListed(beyond), testing::ExitedWithCode(0), "NISU JEDNAKE");
-    EXPECT_EXIT(
-        ReadListed(StartRun(Group(4.0, 1, 0) + "    4    2    0\n", 2)), testing::ExitedWithCode(0),
+    EXPECT_MESSAGE(ReadListed(beyond), "NISU JEDNAKE");
+    EXPECT_MESSAGE(
+        ReadListed(StartRun(Group(4.0, 1, 0) + "    4    2    0\n", 2)),
         "GRESKA U ULAZNIM PODACIMA:\n.*CVOT BROJ=    2\n.*UCITANA KONSTANTNA TEMPERATURA=  0.5000E\\+01\n"
         ".*UCITANA POCETNA    TEMPERATURA=  0.4000E\\+01\n.*NISU JEDNAKE\n.*NE TREBA UCITAVATI");
 }
 
-TEST(InitialConditionsDeathTest, RangeMustMeetItsLastNode) {
+TEST(InitialConditionsStops, RangeMustMeetItsLastNode) {
     const char* message = "POSLEDNJI CVOR MORA SE DOBITI SABIRANJEM KORAKA KOR POCEVSI OD PRVOG CVORA N1";
     for (const std::string& range : {Range(4, 3, 9), Range(4, 0, 9), Range(4, -1, 9), Range(9, 1, 4),
                                      Range(9, -3, 4), Range(4, 99999, 9)})
-        EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + range, 2)), testing::ExitedWithCode(0), message)
-            << range;
+        EXPECT_MESSAGE(ReadListed(StartRun(Group(1.0, 0, 1) + range, 2)), message) << range;
     // Nodes are collected fourteen at a time: a held node of the batch that goes astray is not reached, one of an
     // earlier batch is.
-    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(2, 2, 11), 2)), testing::ExitedWithCode(0),
-                message);
-    EXPECT_EXIT(ReadListed(StartRun(Group(1.0, 0, 1) + Range(2, 2, 39), 2)), testing::ExitedWithCode(0),
-                "CVOT BROJ=");
+    EXPECT_MESSAGE(ReadListed(StartRun(Group(1.0, 0, 1) + Range(2, 2, 11), 2)), message);
+    EXPECT_MESSAGE(ReadListed(StartRun(Group(1.0, 0, 1) + Range(2, 2, 39), 2)), "CVOT BROJ=");
 }
 
 // In a free deck the card that opens the group is also its list, and never ends.
-TEST(InitialConditionsDeathTest, FreeDecksHaveNoGroups) {
-    EXPECT_EXIT(ReadListed(StartRun(
-                    "    4    4    4    4    4    4    4    4    4    4    4    4    4    4\n", 2, 1)),
-                testing::ExitedWithCode(2), "Initial value node list: .*fixed format decks");
-    EXPECT_EXIT(ReadListed(StartRun("    4    1    5    1\n", 2, 1)), testing::ExitedWithCode(2),
-                "Initial value range: .*fixed format decks");
+TEST(InitialConditionsStops, FreeDecksHaveNoGroups) {
+    EXPECT_LIBRARY_ERROR(
+        ReadListed(
+            StartRun("    4    4    4    4    4    4    4    4    4    4    4    4    4    4\n", 2, 1)),
+        "Initial value node list: .*fixed format decks");
+    EXPECT_LIBRARY_ERROR(ReadListed(StartRun("    4    1    5    1\n", 2, 1)),
+                         "Initial value range: .*fixed format decks");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "model/prescribed_values.h"
+#include "support/expect_stop.h"
 
 #include "job/partition.h"
 #include "model/time_functions.h"
@@ -78,7 +79,7 @@ TEST(PrescribedValues, RunsOfEntries) {
 TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
     const auto refuse = [](const char* deck, std::int32_t NZADC, const char* report) {
         RunPointer run = MakePrescribed(deck, NZADC);
-        EXPECT_EXIT(ReadPrescribedValues(*run), testing::ExitedWithCode(2), report);
+        EXPECT_LIBRARY_ERROR(ReadPrescribedValues(*run), report);
     };
     refuse("101 1 1. 0\n", 1, "Prescribed value card, field N: \"101\"");
     refuse("-1 1 1. 0\n", 1, "field N: \"-1\"");
@@ -89,7 +90,7 @@ TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
     refuse("1 1 1. 1\n2 1 1. 0\n", 3, "the deck ends here");
     RunPointer full = MakePrescribed("", 2000);
     zurt_test::ListOnStandardError(*full);
-    EXPECT_EXIT(ReadPrescribedValues(*full), testing::ExitedWithCode(0), "UNSUFFICIENT DIMENSION");
+    EXPECT_MESSAGE(ReadPrescribedValues(*full), "UNSUFFICIENT DIMENSION");
 }
 
 // Faults: a start value that is not the last end value, stale words that survive the start, a dead entry that gets one.
@@ -117,7 +118,7 @@ TEST(PrescribedValues, ValuesOverTheSteps) {
     expect(3, 21.0, 21.0, 0.0);
     run->control.state.TIME = 11.0;
     zurt_test::ListOnStandardError(*run);
-    EXPECT_EXIT(EvaluatePrescribedValues(*run), testing::ExitedWithCode(0), "TIME FUNCTION NO. =    1");
+    EXPECT_MESSAGE(EvaluatePrescribedValues(*run), "TIME FUNCTION NO. =    1");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "solver/exchange_files.h"
+#include "support/expect_stop.h"
 
 #include "solver/skyline_reference.h"
 #include "support/run_deck.h"
@@ -68,17 +69,17 @@ TEST(ExchangeFiles, ElementAndVectorStreams) {
 }
 
 // Faults: a read past the arrays, a file that is too short taken as it is.
-TEST(ExchangeFilesDeathTest, SparseFileMustHoldAndFit) {
+TEST(ExchangeFilesStops, SparseFileMustHoldAndFit) {
     const std::string name = zurt_test::MakeTemporaryFolder() + "/Sparse.bin";
     zurt_test::WriteFile(name, EntryBytes(1, 1, 1.0) + EntryBytes(2, 2, 2.0).substr(0, 15));
     Integers IRN(3), JCN(3);
     Reals A(3);
-    EXPECT_EXIT(zurt::ReadSparseFile(2, View(IRN), View(JCN), View(A), name), testing::ExitedWithCode(2),
-                "Sparse.bin: it ends too early");
-    EXPECT_EXIT(zurt::ReadSparseFile(4, View(IRN), View(JCN), View(A), name), testing::ExitedWithCode(2),
-                "more entries are wanted");
-    EXPECT_EXIT(zurt::ReadSparseFile(1, View(IRN), View(JCN), View(A), name + "x"),
-                testing::ExitedWithCode(2), "can't open .*Sparse.binx");
+    EXPECT_LIBRARY_ERROR(zurt::ReadSparseFile(2, View(IRN), View(JCN), View(A), name),
+                         "Sparse.bin: it ends too early");
+    EXPECT_LIBRARY_ERROR(zurt::ReadSparseFile(4, View(IRN), View(JCN), View(A), name),
+                         "more entries are wanted");
+    EXPECT_LIBRARY_ERROR(zurt::ReadSparseFile(1, View(IRN), View(JCN), View(A), name + "x"),
+                         "can't open .*Sparse.binx");
 }
 
 // Faults: the header's fields exchanged, X and R exchanged, a residual of the wrong sign.
@@ -99,21 +100,20 @@ TEST(ExchangeFiles, FullMatrixAndTheResidualOfASolution) {
 }
 
 // Faults: indices of a damaged file used as they are.
-TEST(ExchangeFilesDeathTest, DamagedMatrixTouchesNothing) {
+TEST(ExchangeFilesStops, DamagedMatrixTouchesNothing) {
     const std::string name = zurt_test::MakeTemporaryFolder() + "/FULLMATR.BIN";
     const std::string size = Bytes(std::int32_t{2}) + Bytes(std::int32_t{1});
     Reals X = {1, 2}, R = {0, 0};
     for (const std::string& entry :
          {EntryBytes(3, 1, 1), EntryBytes(0, 1, 1), EntryBytes(1, 2147483647, 1), EntryBytes(1, -1, 1)}) {
         zurt_test::WriteFile(name, size + entry);
-        EXPECT_EXIT(zurt::CompareSolution(View(X), 2, View(R), name, name + ".txt"),
-                    testing::ExitedWithCode(2), "an entry outside its equations");
+        EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, name + ".txt"),
+                             "an entry outside its equations");
     }
-    EXPECT_EXIT(zurt::CompareSolution(View(X), 1, View(R), name, name + ".txt"), testing::ExitedWithCode(2),
-                "another number of equations");
+    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 1, View(R), name, name + ".txt"),
+                         "another number of equations");
     zurt_test::WriteFile(name, size);
-    EXPECT_EXIT(zurt::CompareSolution(View(X), 2, View(R), name, name + ".txt"), testing::ExitedWithCode(2),
-                "ends too early");
+    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, name + ".txt"), "ends too early");
 }
 
 // Faults: small entries written or left out against the count, a small diagonal left out, row and column exchanged.
@@ -165,23 +165,23 @@ TEST(ExchangeFiles, SolutionComesFromTheCommand) {
 }
 
 // Faults: a default that is not the documented one; a missing or short file that goes unnoticed.
-TEST(ExchangeFilesDeathTest, RouteToTheExternalSolver) {
+TEST(ExchangeFilesStops, RouteToTheExternalSolver) {
     const zurt::ExternalRoute usual;
     EXPECT_EQ(usual.command, "mpiexec -np 32 solver");
     EXPECT_EQ(usual.parameters + usual.result + usual.numberedFolder, "params.txtRESENJE.OUT/tmp");
     Reals R = {9, 9};
     const Road few = MakeRoad("a\n\n  \nb\n", {1, 2}, "RESENJE.OUT");
-    EXPECT_EXIT(zurt::SolveExternal(View(R), 2, few.route), testing::ExitedWithCode(2),
-                "ends before its third text");
+    EXPECT_LIBRARY_ERROR(zurt::SolveExternal(View(R), 2, few.route), "ends before its third text");
     const Road brief = MakeRoad("a\nb\nc\n", {1}, "RESENJE.OUT");
-    EXPECT_EXIT(zurt::SolveExternal(View(R), 2, brief.route), testing::ExitedWithCode(2), "ends too early");
+    EXPECT_LIBRARY_ERROR(zurt::SolveExternal(View(R), 2, brief.route), "ends too early");
     const Road unnumbered = MakeRoad("1\n2\nthree\n", {1, 2}, "RESENJE_2.OUT");
-    EXPECT_EXIT(zurt::SolveExternalNumbered(View(R), 2, unnumbered.route), testing::ExitedWithCode(2),
-                "not the number of a result file");
+    EXPECT_LIBRARY_ERROR(zurt::SolveExternalNumbered(View(R), 2, unnumbered.route),
+                         "not the number of a result file");
     Road failing = MakeRoad("a\nb\nc\n", {1, 2}, "RESENJE.OUT");
     failing.route.command = "exit 3";
-    EXPECT_EXIT(zurt::SolveExternal(View(R), 2, failing.route), testing::ExitedWithCode(2),
-                "note: the command of the external solver failed: exit 3\n(.|\n)*can't open .*RESENJE.OUT");
+    EXPECT_LIBRARY_ERROR(
+        zurt::SolveExternal(View(R), 2, failing.route),
+        "note: the command of the external solver failed: exit 3\n(.|\n)*can't open .*RESENJE.OUT");
 }
 
 } // namespace

@@ -64,6 +64,15 @@ int WaitFor(pid_t child, int secondsAllowed) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+void InterruptAfterSteps(pid_t child, const std::string& console, int steps) {
+    for (int tries = 0; tries < 5000; ++tries) {
+        if (CountOf(ReadFile(console), "*** END OF TIME STEP") >= steps)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    kill(child, SIGINT);
+}
+
 } // namespace
 
 std::string MakeTemporaryFolder() {
@@ -76,7 +85,7 @@ std::string MakeTemporaryFolder() {
 }
 
 std::string ReadFile(const std::string& name) {
-    if (!std::filesystem::is_regular_file(name)) // a folder or a device has no text
+    if (!std::filesystem::is_regular_file(name)) // nothing there, or a folder or a device has no text
         return "";
     std::ifstream file(name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
@@ -87,7 +96,13 @@ void WriteFile(const std::string& name, const std::string& text) {
 }
 
 RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed) {
-    WriteFile(folder + "/answers", answers);
+    Invocation invocation;
+    invocation.input = answers;
+    return RunProgram(folder, invocation, secondsAllowed);
+}
+
+RunResult RunProgram(const std::string& folder, const Invocation& invocation, int secondsAllowed) {
+    WriteFile(folder + "/answers", invocation.input);
     const pid_t child = fork();
     if (child == 0) {
         if (chdir(folder.c_str()) != 0)
@@ -95,18 +110,24 @@ RunResult RunInFolder(const std::string& folder, const std::string& answers, int
         Redirect("answers", O_RDONLY, 0);
         Redirect("console", O_WRONLY | O_CREAT | O_TRUNC, 1);
         Redirect("errors", O_WRONLY | O_CREAT | O_TRUNC, 2);
-        execl(ZURT_BINARY, "zurt", static_cast<char*>(nullptr));
+        std::vector<char*> words = {const_cast<char*>("zurt")};
+        for (const std::string& argument : invocation.arguments)
+            words.push_back(const_cast<char*>(argument.c_str()));
+        words.push_back(nullptr);
+        execv(ZURT_BINARY, words.data());
         _exit(127);
     }
+    if (invocation.interruptAfterSteps > 0)
+        InterruptAfterSteps(child, folder + "/console", invocation.interruptAfterSteps);
     RunResult result;
     result.status = WaitFor(child, secondsAllowed);
-    result.folder = folder;
+    result.folder = folder + "/" + invocation.outputs;
     result.console = ReadFile(folder + "/console");
     result.errors = ReadFile(folder + "/errors");
-    result.listing = ReadFile(folder + "/zurt.lst");
-    result.graphics = ReadFile(folder + "/zurt.unv");
-    result.messages = ReadFile(folder + "/MESSAGES.LST");
-    result.mass = ReadFile(folder + "/MASS-X.LST");
+    result.listing = ReadFile(result.folder + "/zurt.lst");
+    result.graphics = ReadFile(result.folder + "/zurt.unv");
+    result.messages = ReadFile(result.folder + "/MESSAGES.LST");
+    result.mass = ReadFile(result.folder + "/MASS-X.LST");
     return result;
 }
 

@@ -1,4 +1,5 @@
-// Runs the real binary on a deck in a folder of its own, through the console dialogue, and keeps all that it wrote.
+// Runs the real binary on a deck in a folder of its own, through the console dialogue or its command line, and keeps all
+// that it wrote.
 #pragma once
 
 #include <string>
@@ -22,6 +23,16 @@ void WriteFile(const std::string& name, const std::string& text);
 
 /// Runs the binary in `folder` with `answers` on its console input.
 RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed = 120);
+
+/// Runs the binary in `folder` with these arguments; `input` is its standard input. What it wrote is looked for in the
+/// folder `outputs` within. Status and streams are of this run alone.
+struct Invocation {
+    std::vector<std::string> arguments;
+    std::string input;
+    std::string outputs = ".";
+    int interruptAfterSteps = 0; // above 0: SIGINT once the console shows so many steps ended
+};
+RunResult RunProgram(const std::string& folder, const Invocation& invocation, int secondsAllowed = 120);
 
 /// Puts the deck into a new folder as zurt.dat and runs it with the default names.
 RunResult RunDeck(const std::string& deck, int secondsAllowed = 120);

@@ -4,6 +4,7 @@
 
 #include "job/files.h"
 #include "job/run.h"
+#include "support/expect_stop.h"
 #include "support/run_deck.h"
 
 #include <gtest/gtest.h>
@@ -40,18 +41,16 @@ void ListOnStandardError(zurt::Run& run);
 /// The lines of a text, without their ends.
 std::vector<std::string> Lines(const std::string& text);
 
-/// Runs `action`, which must end its process with status 0, in a child; returns what the unit holds afterwards.
-template <class Action>
-std::string WrittenByStop(zurt::Run& run, zurt::TextUnit& unit, const Action& action) {
-    zurt::FlushUnits(run); // else the child would write what is buffered, too
-    EXPECT_EXIT(action(), testing::ExitedWithCode(0), "");
-    return ReadFile(unit.name);
+/// Runs `action`, which must end the run with a message; returns what the unit holds afterwards.
+template <class Action> std::string WrittenByStop(zurt::TextUnit& unit, const Action& action) {
+    EXPECT_MESSAGE(action(), "");
+    return Written(unit);
 }
 
 /// The same for an action that takes the listing.
 template <class Action> std::string ListingOfStop(const Action& action) {
     SmallRun run;
-    return WrittenByStop(run, run.units.listing, [&] { action(run.units.listing); });
+    return WrittenByStop(run.units.listing, [&] { action(run.units.listing); });
 }
 
 } // namespace zurt_test

@@ -1,5 +1,5 @@
-// Entry of the test program. Code under test that ends the process (a fatal message ends it with status 0) would look
-// like success; here an end ahead of the last test is a failure.
+// Entry of the test program. Code under test that ends the process would look like success; here an end ahead of the last
+// test is a failure.
 #include <gtest/gtest.h>
 
 #include <cstdio>

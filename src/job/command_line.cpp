@@ -1,0 +1,136 @@
+#include "job/command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace zurt {
+
+namespace {
+
+constexpr const char* kVersion = "zurt " ZURT_VERSION "\n";
+
+constexpr const char* kHelp =
+    R"(zurt: nonlinear, transient diffusion by finite elements, from channels to fibres
+
+Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard input
+       zurt                     asks for the names of deck, listing and graphics file
+
+  -o, --output DIR   folder for every file of the run, made if it is missing
+                     (default: the current folder)
+  -f, --force        overwrite files of earlier runs; without it none is
+  -q, --quiet        nothing on standard output
+      --words N      size of the working vector in words of 8 bytes, for models
+                     that outgrow it (default: 120000000)
+  -h, --help         this page
+      --version      the program's version
+
+A deck plate.dat gives plate.lst (listing), plate.unv (mesh and results),
+MASS-X.LST and MESSAGES.LST. Example:
+
+  zurt --output plate plate.dat
+
+Status: 0 finished, 1 stopped by a message of the program (end of the listing),
+2 a fault of deck, files, memory or arguments, 3 interrupted.
+)";
+
+// Sizes beyond this are no memory of today's machines, and their bytes would not fit into a length.
+constexpr Word kMostWords = Word{1} << 40;
+
+int Refuse(std::string fault) {
+    for (char& c : fault) // a line, whatever the argument holds
+        if (static_cast<unsigned char>(c) < ' ')
+            c = ' ';
+    std::fprintf(stderr, "zurt: error: %s; see zurt --help\n", fault.c_str());
+    return kFailed;
+}
+
+struct Arguments {
+    JobSettings settings;
+    std::vector<std::string> decks;
+    std::string output;
+    bool help = false;
+    bool version = false;
+};
+
+void DescribeArguments(CLI::App& app, Arguments& arguments) {
+    app.set_help_flag(); // the page above is the help
+    app.add_option("DECK", arguments.decks);
+    app.add_option("-o,--output", arguments.output);
+    app.add_option("--words", arguments.settings.words);
+    app.add_flag("-f,--force", arguments.settings.force);
+    app.add_flag("-q,--quiet", arguments.settings.quiet);
+    app.add_flag("-h,--help", arguments.help);
+    app.add_flag("--version", arguments.version);
+}
+
+// What is wrong with arguments that could be read; empty when nothing is.
+std::string FaultOf(const CLI::App& app, const Arguments& arguments) {
+    const JobSettings& settings = arguments.settings;
+    if (arguments.decks.empty() || arguments.decks[0].empty())
+        return "no deck is named";
+    if (arguments.decks.size() > 1)
+        return "one deck at a time, not " + arguments.decks[0] + " and " + arguments.decks[1];
+    if (arguments.decks[0] != "-" && access(arguments.decks[0].c_str(), R_OK) != 0)
+        return "can't open the deck " + arguments.decks[0] + ": " + std::strerror(errno);
+    if (app.count("--output") > 0 && arguments.output.empty())
+        return "--output needs the name of a folder";
+    if (settings.words < 1 || settings.words > kMostWords)
+        return "--words takes a count between 1 and " + std::to_string(kMostWords);
+    return "";
+}
+
+std::string FaultOfParsing(const CLI::ParseError& error) {
+    const std::string text = error.what(); // "The following argument was not expected: --x"
+    const std::size_t colon = text.find(": ");
+    const std::string found = colon == std::string::npos ? "" : text.substr(colon);
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
+        return "no such option" + found;
+    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)
+        return "a whole number is expected" + found;
+    return text;
+}
+
+JobSettings SettingsOf(const Arguments& arguments) {
+    JobSettings settings = arguments.settings;
+    settings.dialogue = false;
+    settings.deck = arguments.decks[0];
+    settings.folder = arguments.output;
+    if (!settings.folder.empty() && settings.folder.back() != '/')
+        settings.folder += '/';
+    return settings;
+}
+
+} // namespace
+
+std::optional<JobSettings> ReadCommandLine(int argc, const char* const* argv, int& status) {
+    status = kFinished;
+    if (argc < 2)
+        return JobSettings{};
+    CLI::App app;
+    Arguments arguments;
+    DescribeArguments(app, arguments);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        status = Refuse(FaultOfParsing(error));
+        return std::nullopt;
+    }
+    if (arguments.help || arguments.version) {
+        std::fputs(arguments.help ? kHelp : kVersion, stdout);
+        return std::nullopt;
+    }
+    const std::string fault = FaultOf(app, arguments);
+    if (!fault.empty()) {
+        status = Refuse(fault);
+        return std::nullopt;
+    }
+    return SettingsOf(arguments);
+}
+
+} // namespace zurt

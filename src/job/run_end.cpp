@@ -1,0 +1,116 @@
+#include "job/run_end.h"
+
+#include "core/format.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <utility>
+
+namespace zurt {
+
+namespace {
+
+// The place in the job: "problem 2, step 3, iteration 1", as listing and console count them.
+std::string PlaceOf(const Run& run) {
+    const RunState& state = run.control.state;
+    std::string place = "problem " + std::to_string(state.ProblemNumber);
+    if (state.Solving == 0 || state.KOR == 0)
+        return place;
+    if (run.fit.card.NFIT == 1) {
+        place += std::string(", fit in direction ") + "?XYZ"[run.fit.card.INDDEG & 3];
+        place += ", run " + std::to_string(run.fit.ITERFIT + 1);
+    }
+    return place + ", step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER);
+}
+
+std::string MessageLine(const Run& run, const RunStop& stop) {
+    const bool onConsole = stop.place == run.units.console.name;
+    return "stopped: " + stop.text + " (" + PlaceOf(run) + "; see " +
+           (onConsole ? "the console" : "the end of " + stop.place) + ")";
+}
+
+std::string InterruptLine(const Run& run) {
+    const RunState& state = run.control.state;
+    std::string line = "interrupted: " + PlaceOf(run);
+    if (state.Solving != 0 && state.KOR > 0) {
+        line += " of " + std::to_string(state.NDT) + " steps, time ";
+        line += FormatText("(1PE12.5)", state.TIME).substr(1, 11);
+    }
+    return line + "; what was written so far is whole";
+}
+
+// A file may hold nothing but blanks: MESSAGES.LST after most runs.
+bool HoldsSomething(const std::string& name) {
+    if (!std::filesystem::is_regular_file(name))
+        return false;
+    std::FILE* file = std::fopen(name.c_str(), "rb");
+    if (file == nullptr)
+        return false;
+    int c = 0;
+    do
+        c = std::getc(file);
+    while (c == ' ' || c == '\n');
+    std::fclose(file);
+    return c != EOF;
+}
+
+std::string NamesOfFiles(const Run& run) {
+    const Units& units = run.units;
+    const std::pair<const char*, const TextUnit*> files[] = {
+        {"listing", &units.listing},  {"UNV file", &units.graphics}, {"mass table", &units.massX},
+        {"mass table", &units.massY}, {"mass table", &units.massZ},  {"messages", &units.messages}};
+    std::string names;
+    for (const auto& [what, unit] : files)
+        if (!unit->name.empty() && HoldsSomething(unit->name))
+            names += (names.empty() ? "" : ", ") + std::string(what) + " " + unit->name;
+    return names;
+}
+
+void WriteFileNames(Run& run, int status) {
+    const std::string names = NamesOfFiles(run);
+    const char* const end = status == kInterrupted ? "Interrupted; " : "Stopped; ";
+    if (status == kFinished)
+        Write(run.units.console, "(A,A)", "Results: ", names);
+    else if (!names.empty())
+        Write(run.units.console, "(A,A,A)", end, "written so far: ", names);
+    else if (!run.units.messages.name.empty())
+        Write(run.units.console, "(A,A)", end, "nothing was written");
+}
+
+bool FlushEverything() {
+    return std::fflush(nullptr) == 0;
+}
+
+} // namespace
+
+int ReportStop(Run& run, const RunStop& stop) {
+    FlushEverything(); // the report stands last where both streams are one
+    std::string line = "error: " + stop.text;
+    int status = kFailed;
+    if (stop.kind == StopKind::Message) {
+        line = MessageLine(run, stop);
+        status = kStopped;
+    } else if (stop.kind == StopKind::Interrupt) {
+        line = InterruptLine(run);
+        status = kInterrupted;
+    }
+    std::fprintf(stderr, "zurt: %s\n", line.c_str());
+    return status;
+}
+
+int EndOfRun(Run& run, const JobSettings& settings, int status) {
+    if (settings.dialogue && status == kStopped)
+        status = kFinished;
+    bool stored = FlushEverything();
+    if (!settings.dialogue) {
+        WriteFileNames(run, status);
+        stored = FlushEverything() && stored;
+    }
+    if (stored || status == kFailed)
+        return status;
+    std::fputs("zurt: error: what was written could not be stored completely; is the disk full?\n", stderr);
+    return kFailed;
+}
+
+} // namespace zurt

@@ -1,0 +1,200 @@
+// The command line and the ends of a run, through the real binary: options, status, both streams, files.
+#include "support/bar_deck.h"
+#include "support/run_deck.h"
+#include "support/small_decks.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace zurt_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kGood = SmallDeckText("free");
+const std::string kResults = "Results: listing zurt.lst, UNV file zurt.unv, mass table MASS-X.LST\n";
+
+std::string FolderWith(const std::string& deckName, const std::string& deck = kGood) {
+    const std::string folder = MakeTemporaryFolder();
+    WriteFile(folder + "/" + deckName, deck);
+    return folder;
+}
+
+// Names of the files in a folder but those of the test itself.
+std::set<std::string> FilesIn(const std::string& folder) {
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder))
+        if (const std::string name = entry.path().filename();
+            name != "answers" && name != "console" && name != "errors")
+            names.insert(name);
+    return names;
+}
+
+bool EndsWith(const std::string& text, const std::string& end) {
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+struct OptionCase {
+    std::vector<std::string> arguments;
+    int status;
+    const char* consoleEnd; // "": nothing at all
+    const char* errors;     // a part of it; "": nothing at all
+    std::set<std::string> newFiles;
+};
+
+// Faults: options taken for decks or passed over, a fault of the arguments that starts a run, asks a question or ends as
+// success; more than a line about it; outputs elsewhere than told; silence that isn't; help on the wrong stream.
+TEST(CommandLine, OptionsAndEnds) {
+    const std::set<std::string> outputs = {"zurt.lst", "zurt.unv", "MASS-X.LST", "MESSAGES.LST", "ZITEMP"};
+    const std::set<std::string> ofPlate = {"Plate.LST", "Plate.UNV", "MASS-X.LST", "MESSAGES.LST", "ZITEMP"};
+    const OptionCase cases[] = {
+        {{"zurt.dat"}, 0, kResults.c_str(), "", outputs},
+        {{"-q", "zurt.dat"}, 0, "", "", outputs},
+        {{"--quiet", "-f", "--words=2000", "./zurt.dat"}, 0, "", "", outputs},
+        {{"sub/a long name that the dialogue would cut.v2.dat"},
+         0,
+         "listing a long name that the dialogue would cut.lst, UNV file a long name that the dialogue would "
+         "cut.unv, "
+         "mass table MASS-X.LST\n",
+         "",
+         {"a long name that the dialogue would cut.lst", "a long name that the dialogue would cut.unv",
+          "MASS-X.LST", "MESSAGES.LST", "ZITEMP"}},
+        {{"sub/Plate"}, 0, "listing Plate.LST, UNV file Plate.UNV, mass table MASS-X.LST\n", "", ofPlate},
+        {{"--", "-x"},
+         0,
+         "listing -x.lst, UNV file -x.unv, mass table MASS-X.LST\n",
+         "",
+         {"-x.lst", "-x.unv", "MASS-X.LST", "MESSAGES.LST", "ZITEMP"}},
+        {{"--output", "sub", "zurt.dat"},
+         0,
+         "Results: listing sub/zurt.lst, UNV file sub/zurt.unv, mass table sub/MASS-X.LST\n",
+         "",
+         {}},
+        {{"-"}, 0, kResults.c_str(), "", outputs},
+        {{"--words", "100", "zurt.dat"},
+         1,
+         "Stopped; written so far: listing zurt.lst, UNV file zurt.unv\n",
+         "zurt: stopped: UNSUFF",
+         {"zurt.lst", "zurt.unv", "MESSAGES.LST", "ZITEMP"}},
+        {{"--help"}, 0, "3 interrupted.\n", "", {}},
+        {{"--version"}, 0, "zurt " ZURT_VERSION "\n", "", {}},
+        {{"missing.dat"},
+         2,
+         "",
+         "can't open the deck missing.dat: No such file or directory; see zurt --help",
+         {}},
+        {{"sub"}, 2, "", "can't read the deck sub: Is a directory", {}},
+        {{"zurt.dat", "sub/Plate"},
+         2,
+         "",
+         "one deck at a time, not zurt.dat and sub/Plate; see zurt --help",
+         {}},
+        {{"--quite", "zurt.dat"}, 2, "", "no such option: --quite; see zurt --help", {}},
+        {{"--quiet"}, 2, "", "no deck is named; see zurt --help", {}},
+        {{""}, 2, "", "no deck is named; see zurt --help", {}},
+        {{"--words", "many", "zurt.dat"}, 2, "", "a whole number is expected", {}},
+        {{"--words", "0", "zurt.dat"}, 2, "", "--words takes a count between 1 and", {}},
+        {{"zurt.dat", "--output"}, 2, "", "--output", {}},
+        {{"zurt.dat", "--output", ""}, 2, "", "--output needs the name of a folder", {}},
+        {{"zurt.dat", "--output", "zurt.dat"}, 2, "", "can't make the folder zurt.dat", {}},
+    };
+    for (const OptionCase& test : cases) {
+        const std::string folder = FolderWith("zurt.dat");
+        fs::create_directory(folder + "/sub");
+        for (const char* name : {"/sub/a long name that the dialogue would cut.v2.dat", "/sub/Plate", "/-x"})
+            WriteFile(folder + name, kGood);
+        std::set<std::string> expected = FilesIn(folder);
+        expected.insert(test.newFiles.begin(), test.newFiles.end());
+        const RunResult run = RunProgram(folder, {test.arguments, kGood});
+        std::string what;
+        for (const std::string& argument : test.arguments)
+            what += " " + argument;
+        EXPECT_EQ(run.status, test.status) << what << run.errors;
+        EXPECT_TRUE(*test.consoleEnd == '\0' ? run.console.empty() : EndsWith(run.console, test.consoleEnd))
+            << what << "\n"
+            << run.console;
+        EXPECT_TRUE(*test.errors == '\0' ? run.errors.empty() : Contains(run.errors, test.errors))
+            << what << run.errors;
+        EXPECT_EQ(CountOf(run.errors, "\n"), test.status == 2 ? 1 : CountOf(run.errors, "\n")) << run.errors;
+        EXPECT_EQ(FilesIn(folder), expected) << what;
+    }
+}
+
+// Faults: an option, the way of the deck or of its names that changes a byte of an output.
+TEST(CommandLine, OutputsAreThoseOfTheDialogue) {
+    for (const SmallDeck& deck : SmallDecks()) {
+        const RunResult dialogue = RunDeck(deck.text);
+        const std::string folder = FolderWith("zurt.dat", deck.text);
+        const RunResult direct = RunProgram(folder, {{"--output=a/b", "zurt.dat"}, "", "a/b"});
+        const RunResult piped = RunProgram(folder, {{"-", "-q", "--output", "c/"}, deck.text, "c"});
+        for (const RunResult& run : {direct, piped}) {
+            EXPECT_EQ(run.status, dialogue.status) << deck.name << run.errors;
+            EXPECT_TRUE(run.listing == dialogue.listing && run.graphics == dialogue.graphics &&
+                        run.messages == dialogue.messages && run.mass == dialogue.mass)
+                << deck.name;
+        }
+        EXPECT_TRUE(FilesIn(folder) == (std::set<std::string>{"zurt.dat", "a", "c"}))
+            << "all within the folders asked for";
+    }
+}
+
+// Faults: an older result, or the deck, that is overwritten without leave, or in spite of being the deck; some files of a
+// refused run written already.
+TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
+    for (const char* name :
+         {"zurt.lst", "zurt.unv", "MESSAGES.LST", "MASS-X.LST", "MASS-Y.LST", "MASS-Z.LST"}) {
+        const std::string folder = FolderWith("zurt.dat");
+        WriteFile(folder + "/" + name, "precious\n");
+        const RunResult refused = RunProgram(folder, {{"zurt.dat"}, ""});
+        EXPECT_EQ(refused.status, 2);
+        EXPECT_TRUE(Contains(refused.errors,
+                             std::string("zurt: error: ") + name + " exists and would be overwritten"))
+            << refused.errors;
+        EXPECT_EQ(ReadFile(folder + "/" + name), "precious\n");
+        EXPECT_TRUE(FilesIn(folder) == (std::set<std::string>{"zurt.dat", name}));
+        EXPECT_EQ(RunProgram(folder, {{"-f", "zurt.dat"}, ""}).status, 0);
+        EXPECT_EQ(ReadFile(folder + "/" + name) == "precious\n",
+                  std::string(name) == "MASS-Y.LST" || std::string(name) == "MASS-Z.LST");
+    }
+    for (const char* name : {"a.lst", "MESSAGES.LST", "MASS-X.LST"}) {
+        const std::string folder = FolderWith(name);
+        const RunResult clash = RunProgram(folder, {{"--force", name}, ""});
+        EXPECT_EQ(clash.status, 2) << name;
+        EXPECT_TRUE(Contains(clash.errors, "it is the deck of this run")) << clash.errors;
+        EXPECT_EQ(ReadFile(folder + "/" + name), kGood);
+    }
+}
+
+// Faults: an interrupt that loses or cuts results, that ends as success, or says nothing of how far the run came.
+TEST(CommandLine, InterruptLeavesFilesWhole) {
+    BarDeck bar;
+    bar.periods = {{1000000, 1e-6}};
+    const std::string folder = FolderWith("zurt.dat", Build(bar));
+    Invocation invocation = {{"zurt.dat"}, ""};
+    invocation.interruptAfterSteps = 3;
+    const RunResult run = RunProgram(folder, invocation);
+    EXPECT_EQ(run.status, 3);
+    std::smatch line;
+    ASSERT_TRUE(
+        std::regex_match(run.errors, line,
+                         std::regex("zurt: interrupted: problem 1, step (\\d+), iteration \\d+ of 1000000 "
+                                    "steps, time \\d\\.\\d+E-\\d\\d; what was written so far is whole\n")))
+        << run.errors;
+    const int steps = std::stoi(line[1]) - 1;
+    EXPECT_GE(steps, 3);
+    const auto tables = AllConcentrations(run.listing);
+    ASSERT_EQ(static_cast<int>(tables.size()), steps);
+    EXPECT_EQ(tables.back().size(), tables.front().size());
+    EXPECT_EQ(CountOf(run.graphics, "CVORNE KONCENTRACIJE"), steps);
+    EXPECT_TRUE(EndsWith(run.graphics, "    -1\n"));
+    EXPECT_TRUE(Contains(run.console, "\nInterrupted; written so far: listing zurt.lst, ")) << run.console;
+}
+
+} // namespace
+} // namespace zurt_test
