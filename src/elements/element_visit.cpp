@@ -38,7 +38,7 @@ template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, 
         return;
     const FitState& fit = visit.run.fit;
     visit.fibres = &visit.run.fibres.groups[static_cast<std::size_t>(visit.group.NGE)];
-    visit.skipsElements = fit.card.IEHM == 0 && fit.fullNumbering == 0;
+    visit.skipsElements = fit.card.IEHM == 0;
     TakeFibreRecords(visit);
 }
 

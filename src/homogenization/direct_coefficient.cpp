@@ -21,6 +21,9 @@ namespace {
 /// Nodes this close to an end of the domain, relative to its length, lie in the end's cross-section.
 constexpr double kInPlane = 1e-9;
 
+/// The coordinate, from 0, that is the radius in axisymmetric groups.
+constexpr int kRadiusAxis = 1;
+
 struct Domain {
     int axis = 0;                              // direction INDDEG, from 0
     double boxLow[3] = {}, boxHigh[3] = {};    // elements whose centre lies within belong to it
@@ -73,21 +76,41 @@ template <int Dimension> void FindEnds(Run& run, ElementGroup& group, Domain& do
     }
 }
 
+// A point's part of the volume of its group, and of the group's area: the two differ by the radius in axisymmetric groups.
+struct PointMeasures {
+    double volume = 0.0, area = 0.0;
+};
+
 // By the divergence theorem the integral of a shape function's derivative along the axis is what the function has of the
-// two end faces: positive at the high one, negative at the low one.
+// two end faces: positive at the high one, negative at the low one. Along the radius the divergence has N / r beside it.
 template <int Dimension>
-void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementVisit<Dimension>& visit, double w,
-                 Domain& domain) {
+void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementVisit<Dimension>& visit,
+                 const ElementPoint<Dimension>& point, const PointMeasures& w, Domain& domain) {
+    const bool alongRadius = Dimension == 2 && visit.group.INDAX != 0 && domain.axis == kRadiusAxis;
     const double tolerance = kInPlane * (domain.high - domain.low);
     for (int k = 0; k < visit.points.active.ND; ++k) {
         const double x = visit.element.CORE[domain.axis][k];
         const int end = std::fabs(x - domain.low) <= tolerance ? 0 : 1;
         if (end == 1 && std::fabs(x - domain.high) > tolerance)
             continue;
-        const double area = (end == 1 ? w : -w) * jacobian.HX[domain.axis][k];
+        double area = w.volume * jacobian.HX[domain.axis][k];
+        if (alongRadius)
+            area += w.area * point.shape.H[k];
+        if (end == 0)
+            area = -area;
         domain.endArea[end] += area;
         domain.endAmount[end] += area * visit.element.TE1[k];
     }
+}
+
+template <int Dimension>
+PointMeasures MeasuresOf(const ElementVisit<Dimension>& visit, const ElementPoint<Dimension>& point,
+                         double DET) {
+    const double area = point.weight * DET;
+    if (Dimension != 2 || visit.group.INDAX == 0)
+        return {area, area};
+    return {area * Interpolate<0>(point.shape.H, visit.element.CORE[kRadiusAxis], visit.points.active.ND),
+            area};
 }
 
 template <int Dimension>
@@ -97,7 +120,8 @@ void AddPoint(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& dom
     JacobianValues<Dimension> jacobian;
     if (!JacobianVolume<Dimension>(point.shape, visit.element.CORE, ND, jacobian))
         StopOnElementJacobian(visit, point, jacobian.DET);
-    const double w = point.weight * jacobian.DET;
+    const PointMeasures measures = MeasuresOf(visit, point, jacobian.DET);
+    const double w = measures.volume;
     domain.volume += w;
     if (!takesPart)
         return;
@@ -109,7 +133,7 @@ void AddPoint(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& dom
         domain.fluid += w;
         domain.amount += w * TG;
     }
-    AddEndNodes(jacobian, visit, w, domain);
+    AddEndNodes(jacobian, visit, point, measures, domain);
 }
 
 template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {

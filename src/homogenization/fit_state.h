@@ -30,7 +30,7 @@ struct FitState {
     std::int32_t activeDirection[4] = {}; // flags at 1..3
     std::int32_t NACTDIR = 0;             // how many of them are 1
     std::int32_t IFINALRUN = 1;           // 1: this run writes results
-    std::int32_t fullNumbering = 0;       // 1: every node has an equation, those in fibres as well
+    bool keptLayout = false;              // MAXA is that of the elements outside fibres alone
 
     double MASSFIB = 0.0; // mass through the inlet in the run with fibres
     double MASSEHM = 0.0; // and in the last run of the equivalent medium
@@ -45,6 +45,10 @@ struct FitState {
     std::int32_t IDCEND = 0;  // 1: the D-C curve has been found
     std::int32_t SEENPOS = 0; // a DMASS above 0 has been seen in this stage
     std::int32_t SEENNEG = 0; // one of 0 or below
+
+    double ERRPOS = 0.0;       // relative error of the last run with DMASS above 0 in this stage
+    double ERRNEG = 0.0;       // and of the last one with DMASS not above 0
+    bool clampedCurve = false; // a curve was tried whose end would have fallen below 0
 
     double HEQ = 0.0;                   // wall distance at which the homogeneous medium reads its factors now
     double HEQ0 = 0.0;                  // its start value, from the geometry of the fibres (space models)

@@ -9,7 +9,6 @@ namespace {
 // Single-precision literals, widened.
 constexpr double kLowestStep = -0.9900000095367432;   // -0.99
 constexpr double kAboveRadius = 0.009999999776482582; // 0.01
-constexpr double kLowestHeq = 0.0006000000284984708;  // 0.0006, which is 0.6 nm
 
 constexpr double kFirstCurveStep = 5.0 * 0.01;
 constexpr double kGrowth = 5.0;
@@ -20,6 +19,11 @@ bool BothSigns(const FitState& fit) {
 
 bool WithinTolerance(const FitState& fit) {
     return BothSigns(fit) && std::fabs(fit.ERRFIT) <= fit.card.FITERR;
+}
+
+void TakeDifference(FitState& fit) {
+    fit.DMASS = fit.MASSEHM - fit.MASSFIB;
+    (fit.DMASS > 0.0 ? fit.ERRPOS : fit.ERRNEG) = fit.DMASS / fit.MASSFIB;
 }
 
 // The error of an iteration above the second, and the sign that has been seen. A difference of zero counts as negative.
@@ -108,7 +112,7 @@ void EndSearchOfCurve(FitState& fit) {
 } // namespace
 
 void UpdateHeq(FitState& fit, double moleculeRadius) {
-    fit.DMASS = fit.MASSEHM - fit.MASSFIB;
+    TakeDifference(fit);
     if (fit.ITERFIT == 2)
         return FirstUpdateOfHeq(fit, moleculeRadius);
     TakeError(fit);
@@ -127,7 +131,7 @@ void UpdateHeq(FitState& fit, double moleculeRadius) {
 }
 
 void UpdateCurveStart(FitState& fit, double firstOfCurve) {
-    fit.DMASS = fit.MASSEHM - fit.MASSFIB;
+    TakeDifference(fit);
     if (fit.ITERFIT == 2)
         return FirstUpdateOfCurve(fit, firstOfCurve);
     TakeError(fit);

@@ -47,9 +47,10 @@ void RescaleCurveFromCard(const FittedCurve& curve, const FitState& fit) {
                         fit.card.D2D - fit.card.D1D);
 }
 
-void ApplyTriedCurve(const FittedCurve& curve, const FitState& fit) {
+void ApplyTriedCurve(const FittedCurve& curve, FitState& fit) {
     double A = fit.DCTRY;
     double B = fit.DCTRY + fit.D2 - fit.D1;
+    fit.clampedCurve = fit.clampedCurve || A < 0.0 || B < 0.0;
     if (A < 0.0)
         A = fit.D1 * 0.001;
     if (B < 0.0)

@@ -36,8 +36,9 @@ void RescaleEquivalentCurve(const FittedCurve& curve, double POROSITY, const Fib
 /// The curve between the ends of the card, fit.card.D1D and D2D.
 void RescaleCurveFromCard(const FittedCurve& curve, const FitState& fit);
 
-/// The curve that begins at fit.DCTRY and keeps the span from D1 to D2; ends below 0 become a thousandth of D1, of D2.
-void ApplyTriedCurve(const FittedCurve& curve, const FitState& fit);
+/// The curve that begins at fit.DCTRY and keeps the span from D1 to D2; ends below 0 become a thousandth of D1, of D2,
+/// which fit.clampedCurve remembers.
+void ApplyTriedCurve(const FittedCurve& curve, FitState& fit);
 
 /// All values as read.
 void RestoreBulkCurve(const FittedCurve& curve);

@@ -1,7 +1,7 @@
 #include "homogenization/run_homogenization.h"
 
 #include "core/format.h"
-#include "core/stop.h"
+#include "homogenization/fit_notes.h"
 #include "homogenization/fit_update.h"
 #include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
@@ -75,22 +75,12 @@ void UpdateParameter(Run& run, const FittedCurve& curve) {
         fit.IFITEND = 1;
 }
 
-// A target of zero, or of what rounding leaves of it, leaves the search without a scale. It goes on as it is told to and
-// ends at its limit of iterations.
-void NoteZeroMass(const Run& run) {
-    WriteNote("the model with fibres passes no mass in direction " + std::to_string(run.fit.card.INDDEG) +
-              ": the fit has no target");
-}
-
 void TakeMass(Run& run, std::int32_t steps) {
     FitState& fit = run.fit;
-    if (fit.IPHASE == 0) {
+    if (fit.IPHASE == 0)
         fit.MASSFIB = MassOfRun(run, run.mass.FLUXMICRO, steps);
-        if (IsMassOfRounding(run, fit.MASSFIB))
-            NoteZeroMass(run);
-    } else {
+    else
         fit.MASSEHM = MassOfRun(run, run.mass.FLUXEQUIV, steps);
-    }
 }
 
 // --- one direction ------------------------------------------------------------------------------------------------
@@ -113,6 +103,7 @@ void BeginDirection(Run& run, std::int32_t direction) {
     fit.ISFOFF = 1;
     fit.IPHASE = fit.card.IEHM = fit.ITERFIT = fit.IFITEND = fit.IDCEND = fit.SEENPOS = fit.SEENNEG = 0;
     fit.ERRFIT = 1.0;
+    fit.clampedCurve = false;
     WriteBanner(run, names[direction]);
     if (fit.card.IDCC == 0)
         fit.ISFOFF = 0;
@@ -159,6 +150,7 @@ void BeginFitRun(Run& run, const FittedCurve& curve) {
         ++fit.ITERFIT;
     if (fit.ITERFIT > fit.card.NFITMAX) {
         WriteBanner(run, "Max number of iterations for Homogenization reached");
+        NoteSearchWithoutResult(run);
         fit.IFITEND = 1;
         return;
     }
@@ -193,6 +185,7 @@ void RunHomogenization(Run& run) {
         if (++begun > 1)
             RestoreBulkCurve(curve);
         BeginDirection(run, direction);
+        ReformEquationNumbers(run); // every direction aims at one and the same model with fibres
         FitDirection(run, curve, begun == fit.NACTDIR);
     }
 }

@@ -86,7 +86,7 @@ std::string FaultOf(const CLI::App& app, const Arguments& arguments) {
 }
 
 std::string FaultOfParsing(const CLI::ParseError& error) {
-    const std::string text = error.what(); // "The following argument was not expected: --x"
+    std::string text = error.what(); // "The following argument was not expected: --x"
     const std::size_t colon = text.find(": ");
     const std::string found = colon == std::string::npos ? "" : text.substr(colon);
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)

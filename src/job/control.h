@@ -145,6 +145,7 @@ struct RunState {
     std::int32_t EquationRoom =
         0; // JEDN and NWK for which the partition keeps room: a fit changes between layouts
     Word MatrixRoom = 0;
+    Word DiagonalRoom = 0; // integers that the section of MAXA holds
     std::int32_t NCZZ = 0; // steps held in the step file
 
     double OutletStart = 0.0; // value of nodes without an equation at the start of the step

@@ -113,9 +113,20 @@ void TakeSharedNodeList(Run& run, std::int32_t sharedNodes) {
 }
 
 void TakeDiagonalPositions(Run& run) {
-    run.control.at.LMAXA = TakeWords(run.A, "MAXA", Word{run.control.state.JEDN} + 1);
+    const Word words = Word{run.control.state.JEDN} + 1;
+    run.control.at.LMAXA = TakeWords(run.A, "MAXA", words);
+    run.control.state.DiagonalRoom = 2 * words;
     StopIfInputOverflows(run);
     ClearWords(run.A, run.control.at.LMAXA, run.A.LMAX - 1);
+}
+
+void MoveDiagonalPositions(Run& run, std::int32_t JEDN) {
+    const IntArray old = DiagonalPositions(run);
+    const Word words = Word{JEDN} + 1;
+    run.control.at.LMAXA = TakeWords(run.A, "MAXA of all nodes", words);
+    run.control.state.DiagonalRoom = 2 * words;
+    StopIfInputOverflows(run);
+    Copy<std::int32_t>(old, DiagonalPositions(run));
 }
 
 void TakeDiffusionCurves(Run& run) {

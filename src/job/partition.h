@@ -21,6 +21,8 @@ void TakeNodeArrays(Run& run);
 void TakeSharedNodeList(Run& run, std::int32_t sharedNodes);
 /// Row 12: MAXA, cleared.
 void TakeDiagonalPositions(Run& run);
+/// A larger section for MAXA, with room for JEDN equations, behind what has been taken so far; its values go along.
+void MoveDiagonalPositions(Run& run, std::int32_t JEDN);
 /// Rows 14 and 15: diffusion curves.
 void TakeDiffusionCurves(Run& run);
 /// Rows 17 to 20: nodal vectors of nanochannel models, the copy of a curve column, a word per node for fibres.

@@ -151,6 +151,7 @@ void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray node
             "there is nothing to solve");
     RequireNodesOfSubstructures(run);
     run.control.state.NWK = FormLayout(run, model, EquationNumbers(run), JEDN, LayoutElements::Kept);
+    run.fit.keptLayout = true;
 }
 
 } // namespace

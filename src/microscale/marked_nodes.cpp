@@ -1,7 +1,7 @@
 #include "microscale/marked_nodes.h"
 
-#include "core/stop.h"
 #include "elements/radial_nodes.h"
+#include "job/partition.h"
 #include "elements/shape_functions.h"
 #include "solver/skyline_layout.h"
 
@@ -69,21 +69,18 @@ void ReformEquationNumbers(Run& run) {
     std::int32_t JEDN = 0;
     for (Word i = 1; i <= ID.length; ++i)
         ID(i) = all || !marked || marks(i) >= 1 ? ++JEDN : 0;
-    run.fit.fullNumbering = all;
-    if (JEDN == state.JEDN)
-        return;
+    if (JEDN == state.JEDN && !run.fit.keptLayout)
+        return; // what is there serves all elements
     state.JEDN = JEDN;
+    run.fit.keptLayout = !all;
     state.NWK = FormLayout(run, run.fibres, ID, JEDN, all ? LayoutElements::All : LayoutElements::Kept);
 }
 
 void ReserveFullLayout(Run& run) {
     RunState& state = run.control.state;
     const std::int32_t NP = run.control.header.NP;
-    if (state.SparseMode == 0 && Word{NP} + 1 > 2 * (Word{state.JEDN} + 1))
-        StopWithLibraryError(
-            "deck " + run.deck.name +
-            ": more than half of the nodes have no equation; a fit and the direct calculation "
-            "run a medium that fills the whole mesh and need models whose nodes are free");
+    if (state.SparseMode == 0 && Word{NP} + 1 > state.DiagonalRoom)
+        MoveDiagonalPositions(run, NP);
     const IntArray MAXA = DiagonalPositions(run);
     const std::vector<std::int32_t> own(MAXA.data, MAXA.data + MAXA.length);
     std::vector<std::int32_t> everyNode(static_cast<std::size_t>(NP));

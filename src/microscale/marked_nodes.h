@@ -25,12 +25,13 @@ Word FormLayout(Run& run, const FibreModel& model, ConstIntArray ID, std::int32_
                 LayoutElements elements);
 
 /// Numbers the equations of the model in hand anew: with IEHM not 0 all nodes, held or not, otherwise those with a mark
-/// of 1 or above, the others getting 0. Forms MAXA and NWK anew unless JEDN stays what it was. The partition must hold
-/// the larger of the layouts (ReserveFullLayout). Called when a run changes over between the models.
+/// of 1 or above, the others getting 0. Forms MAXA and NWK anew unless JEDN stays what it was and the layout serves all
+/// elements. The partition must hold the larger of the layouts (ReserveFullLayout). Called when a run changes over between the
+/// models, and ahead of each direction of a fit, so that the model with fibres is the same in all of them.
 void ReformEquationNumbers(Run& run);
 
 /// Notes in the run's state how much room the layout with an equation at every node needs, so that the partition holds it.
-/// Ends the run with a library error when more than half of the nodes are held, since MAXA has no room then.
+/// MAXA gets a larger section of its own when that of the deck's numbering has no room for all nodes.
 void ReserveFullLayout(Run& run);
 
 } // namespace zurt

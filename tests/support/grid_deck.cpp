@@ -45,7 +45,23 @@ std::string FibreCards(const GridDeck& grid) {
     return cards + Print("%10.4f\n%10.4f\n", grid.factors[0], grid.factors[1]);
 }
 
+std::string Quadrilaterals(const GridDeck& grid) {
+    std::string cards;
+    int number = 0;
+    for (std::size_t i = 0; i + 1 < grid.places[0].size(); ++i)
+        for (std::size_t j = 0; j + 1 < grid.places[1].size(); ++j) {
+            const Place centre = Centre(PlaceOf(grid, i, j, 0), PlaceOf(grid, i + 1, j + 1, 0));
+            cards += Print("%8d%8d%8d%8d%8d", ++number, NodeAt(grid, i + 1, j + 1, 0),
+                           NodeAt(grid, i, j + 1, 0), NodeAt(grid, i, j, 0), NodeAt(grid, i + 1, j, 0)) +
+                     Five({grid.material(centre), 0, 0, 0, 0, 0});
+        }
+    return Print("%5d%10d", 2, number) + Five({grid.axisymmetric, 0, 0, 0}) + Print("%5d     ", 1) +
+           Five({4, 0, 0, 2, 2, 0}) + cards;
+}
+
 std::string Elements(const GridDeck& grid) {
+    if (grid.places[2].size() == 1)
+        return Quadrilaterals(grid);
     static const std::size_t corner[8][3] = {{1, 1, 1}, {0, 1, 1}, {0, 0, 1}, {1, 0, 1},
                                              {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {1, 0, 0}};
     std::string cards;

@@ -1,4 +1,4 @@
-// Decks of homogenization: bricks on a grid of any spacing, cylinders through it, curves by material, start values by place.
+// Decks of homogenization: bricks or quadrilaterals on a grid of any spacing, cylinders through it, curves by material, start values by place.
 #pragma once
 
 #include <array>
@@ -15,8 +15,10 @@ struct Cylinder {
     double diameter;
 };
 
+/// Quadrilaterals where z has one place.
 struct GridDeck {
     std::array<std::vector<double>, 3> places;           // of the nodes along x, y and z
+    bool axisymmetric = false;                           // quadrilaterals with y as their radius
     std::function<int(const Place&)> material;           // of the brick with this centre, from 1
     std::function<bool(const Place&)> startsFull;        // at 1 instead of 0
     std::function<bool(const Place&)> held;              // without an equation, at 0; empty: none

@@ -1,0 +1,12 @@
+// What a fit says on standard error when a search ends without a result.
+#pragma once
+
+#include "job/run.h"
+
+namespace zurt {
+
+/// Notes which search of direction INDDEG has ended at its limit of iterations: the values tried and their errors, what the mass
+/// file shows instead, and what helps. Called behind the last run of the search, before the next one begins.
+void NoteSearchWithoutResult(const Run& run);
+
+} // namespace zurt
