@@ -1,8 +1,8 @@
 #include "microscale/marked_nodes.h"
 
 #include "elements/radial_nodes.h"
-#include "job/partition.h"
 #include "elements/shape_functions.h"
+#include "job/partition.h"
 #include "solver/skyline_layout.h"
 
 #include <algorithm>
