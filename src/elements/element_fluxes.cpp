@@ -82,6 +82,7 @@ void SpreadToMidSides(const ActiveNodes& active, ElementResults<Dimension>& resu
 
 template <int Dimension> void AddElementFluxes(Run& run, ElementGroup& group) {
     ElementVisit<Dimension> visit{run, group};
+    visit.integrates = false;
     BeginElementVisit(visit, kFluxOrders);
     const NodalSums sums = NodalSumsOf(run);
     for (std::int32_t n = 1; n <= group.NET; ++n) {

@@ -5,6 +5,7 @@
 #include "elements/group_views.h"
 #include "elements/jacobian_failure.h"
 #include "microscale/gauss_factors.h"
+#include "microscale/wall_cells.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,17 +14,47 @@ namespace zurt {
 
 namespace {
 
-// Of the forming visits, or of the fluxes where their rule is another one.
+// The entries of element n among those of all elements.
+template <class T> ArrayView<const T> EntriesOf(const std::vector<T>& all, Word n, Word perElement) {
+    return Section(ArrayView<const T>(all.data(), static_cast<Word>(all.size())), (n - 1) * perElement + 1,
+                   perElement);
+}
+
+// The medium has no walls, whose elements need no rule of their own.
+template <int Dimension> std::int32_t CutNumberOf(const ElementVisit<Dimension>& visit) {
+    const FibreGroup& fibres = *visit.fibres;
+    if (!visit.integrates || fibres.cutRecords.empty() || visit.run.fit.card.IEHM != 0)
+        return 0;
+    return fibres.cutNumber[static_cast<std::size_t>(visit.number - 1)];
+}
+
+// Records of the forming visits, or of the fluxes where their rule is another one.
 template <int Dimension> void TakeFibreRecords(ElementVisit<Dimension>& visit) {
+    const FibreGroup& fibres = *visit.fibres;
+    const std::int32_t cut = CutNumberOf(visit);
+    if (cut != 0) {
+        visit.atPoints = {EntriesOf(fibres.cutRecords, cut, fibres.cutPoints),
+                          EntriesOf(fibres.cutShares, cut, fibres.cutPoints)};
+        visit.rule = &visit.cutPoints;
+        return;
+    }
     const bool own = std::equal(visit.NGAUS, visit.NGAUS + Dimension, visit.group.NGAUS);
-    const std::vector<GaussFibreRecord>& records = own ? visit.fibres->records : visit.fibres->fluxRecords;
-    visit.fibreRecords = {records.data(), static_cast<Word>(records.size())};
-    visit.pointsPerElement = 1;
-    for (const std::int32_t order : visit.NGAUS)
-        visit.pointsPerElement *= order;
+    visit.atPoints = {EntriesOf(own ? fibres.records : fibres.fluxRecords, visit.number, visit.points.count),
+                      {}};
 }
 
 } // namespace
+
+template <int Dimension> void SetVisitPoints(ElementVisit<Dimension>& visit, const ActiveNodes& active) {
+    SetElementPoints(active, visit.NGAUS, visit.points);
+    if (visit.fibres == nullptr || visit.fibres->cutRecords.empty())
+        return;
+    if constexpr (Dimension > 1) {
+        std::int32_t orders[Dimension];
+        std::fill(orders, orders + Dimension, CondensedOrder<Dimension>(visit.group.NDMAX));
+        SetElementPoints(active, orders, visit.cutPoints);
+    }
+}
 
 template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders) {
     CheckGroupIndices(visit.run, visit.group);
@@ -39,7 +70,6 @@ template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, 
     const FitState& fit = visit.run.fit;
     visit.fibres = &visit.run.fibres.groups[static_cast<std::size_t>(visit.group.NGE)];
     visit.skipsElements = fit.card.IEHM == 0;
-    TakeFibreRecords(visit);
 }
 
 void AnnounceElement(Run& run, std::int32_t n) {
@@ -53,7 +83,10 @@ template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::i
     ActiveNodes active;
     ListActiveNodes<Dimension>(visit.NEL, n, active);
     if (!ServesNodes(visit.points.active, active))
-        SetElementPoints(active, visit.NGAUS, visit.points);
+        SetVisitPoints(visit, active);
+    visit.rule = &visit.points;
+    if (Dimension > 1 && visit.fibres != nullptr)
+        TakeFibreRecords(visit);
     const std::int32_t MATE = visit.materials.length > 0 ? visit.materials(n) : visit.group.MAT;
     if (MATE != visit.material.MATE)
         ChooseMaterial(visit.tables, MATE, visit.group.held, visit.material, visit.coefficients);
@@ -77,8 +110,9 @@ template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& vi
     double factor[3] = {1.0, 1.0, 1.0};
     const Run& run = visit.run;
     const bool direct = run.control.header.IDIRECTD == 1;
-    const Word at = (visit.number - 1) * visit.pointsPerElement + p;
-    GaussFactors(run.fibres, run.fit, direct, visit.fibreRecords(at), std::fabs(TG), factor);
+    GaussFactors(run.fibres, run.fit, direct, visit.atPoints.records(p), std::fabs(TG), factor);
+    if (visit.atPoints.shares.length > 0)
+        MixWithFibre(visit.atPoints.shares(p), factor);
     visit.coefficients.KX *= factor[0];
     visit.coefficients.KY *= factor[1];
     visit.coefficients.KZ *= factor[2];
@@ -86,6 +120,7 @@ template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& vi
 
 #define ZURT_ELEMENT_VISIT(DIMENSION)                                                                        \
     template void BeginElementVisit(ElementVisit<DIMENSION>&, const std::int32_t*);                          \
+    template void SetVisitPoints(ElementVisit<DIMENSION>&, const ActiveNodes&);                              \
     template void TakeElement(ElementVisit<DIMENSION>&, std::int32_t);                                       \
     template void MultiplyByFibreFactors(ElementVisit<DIMENSION>&, int, double);                             \
     template void StopOnElementJacobian(const ElementVisit<DIMENSION>&, const ElementPoint<DIMENSION>&,      \

@@ -10,19 +10,28 @@
 
 namespace zurt {
 
+/// What the points of the element in hand know of fibres; point p from 1.
+struct FibreRecordsInHand {
+    ArrayView<const GaussFibreRecord> records{};
+    ConstRealArray shares{}; // what of each point is fluid, in an element that a wall cuts; else empty
+};
+
 template <int Dimension> struct ElementVisit {
     Run& run;
     ElementGroup& group;
     ConstIntTable NEL{};
     ConstIntArray materials{}; // empty when all elements have the group's
     NodalViews nodes{};
-    const FibreGroup* fibres = nullptr;               // of the group, when fibres lie under it
-    ArrayView<const GaussFibreRecord> fibreRecords{}; // at the points of this visit, element by element
-    Word pointsPerElement = 0;                        // in fibreRecords
-    bool skipsElements = false;                       // those that fibres fill take no part
+    const FibreGroup* fibres = nullptr; // of the group, when fibres lie under it
+    bool skipsElements = false;         // those that fibres fill take no part
+    bool integrates =
+        true; // over elements, those that a wall cuts by a rule of their own; else points as such
+    FibreRecordsInHand atPoints{};
     CoefficientTables tables{};
     std::int32_t NGAUS[Dimension] = {};
-    ElementPoints<Dimension> points{};
+    ElementPoints<Dimension> points{};              // of the visit's rule
+    ElementPoints<Dimension> cutPoints{};           // of the rule for elements that a wall cuts
+    const ElementPoints<Dimension>* rule = nullptr; // the one of these two that serves the element in hand
     MaterialInHand material{};
     Coefficients coefficients{};
     std::int32_t number = 0; // of the element in hand
@@ -34,6 +43,9 @@ template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, 
 
 /// Under ITOR 3 the listing gets a line for each element that is formed.
 void AnnounceElement(Run& run, std::int32_t n);
+
+/// Makes the tables of the visit's rules for elements with these nodes.
+template <int Dimension> void SetVisitPoints(ElementVisit<Dimension>& visit, const ActiveNodes& active);
 
 /// Takes element n in hand: nodal data, material, and the shape table when its nodes differ from the element's before.
 template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n);

@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "core/stop.h"
+#include "job/partition.h"
 
 namespace zurt {
 
@@ -16,6 +17,7 @@ namespace {
     Write(unit, "(A,I10)", Say(run, "POTREBNA DIMENZIJA, LMAX=", " REQUIRED DIMENSION, LMAX ="), run.A.LMAX);
     Write(unit, "(A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA, NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
           run.A.NTOTA);
+    NoteSectionOutside(run);
     StopRun(unit);
 }
 

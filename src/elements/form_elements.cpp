@@ -86,8 +86,8 @@ void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<D
     const Coefficients& coefficients = elements.coefficients;
     const ElementNodes<Dimension>& element = elements.element;
     const int ND = NodeCount<Nodes>(elements.points.active.ND);
-    for (int p = 0; p < elements.points.count; ++p) {
-        const ElementPoint<Dimension>& point = elements.points.point[p];
+    for (int p = 0; p < elements.rule->count; ++p) {
+        const ElementPoint<Dimension>& point = elements.rule->point[p];
         JacobianValues<Dimension> jacobian;
         if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
             StopOnElementJacobian(elements, point, jacobian.DET);
@@ -228,7 +228,7 @@ template <int Dimension> void BeginFormVisit(FormVisit<Dimension>& visit) {
 void BeginBricks(FormVisit<3>& visit, BrickForming& brick) {
     ActiveNodes corners;
     corners.ND = kBrickNodes;
-    SetElementPoints(corners, visit.elements.NGAUS, visit.elements.points);
+    SetVisitPoints(visit.elements, corners);
     SetBrickRule(visit.elements.points, brick.rule);
     brick.instructions = WidestInstructionSet();
     visit.brick = &brick;
@@ -241,6 +241,13 @@ template <int Dimension> void VisitElements(Run& run, ElementGroup& group, const
         AddElementFluxes<Dimension>(run, group);
     else
         FormElements<Dimension>(run, group, work.conduction);
+}
+
+template <int Dimension> void FormCornerElement(FormVisit<Dimension>& visit) {
+    if constexpr (Dimension == 3)
+        if (visit.elements.rule == &visit.elements.points)
+            return FormBrick(visit);
+    FormElement<Dimension, kCorners<Dimension>>(visit);
 }
 
 } // namespace
@@ -260,10 +267,23 @@ template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word c
         TakeElement(visit.elements, n);
         if (visit.elements.points.active.ND > kCorners<Dimension>)
             FormElement<Dimension, 0>(visit);
-        else if constexpr (Dimension == 3)
-            FormBrick(visit);
         else
-            FormElement<Dimension, kCorners<Dimension>>(visit);
+            FormCornerElement(visit);
+    }
+}
+
+template <int Dimension> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest) {
+    FormVisit<Dimension> visit{{run, group}};
+    BeginFormVisit(visit);
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        if (!TakesPart(visit.elements, n))
+            continue;
+        TakeElement(visit.elements, n);
+        ElementSums<Dimension, 0> sums;
+        SumElement(visit, sums);
+        for (int i = 0; i < visit.elements.points.active.ND; ++i)
+            if (sums.K[i][i] > stiffest.entry)
+                stiffest = {group.NGE, n, sums.K[i][i]};
     }
 }
 
@@ -286,6 +306,10 @@ void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, 
 template void AddElementResiduals<1>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
 template void AddElementResiduals<2>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
 template void AddElementResiduals<3>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
+
+template void FindStiffestElement<1>(Run&, ElementGroup&, StiffestElement&);
+template void FindStiffestElement<2>(Run&, ElementGroup&, StiffestElement&);
+template void FindStiffestElement<3>(Run&, ElementGroup&, StiffestElement&);
 
 template void FormElements<1>(Run&, ElementGroup&, Word);
 template void FormElements<2>(Run&, ElementGroup&, Word);

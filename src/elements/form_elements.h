@@ -22,6 +22,15 @@ void FormGroup3D(Run& run, ElementGroup& group);
 /// their range.
 template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction);
 
+/// The element whose matrix holds the largest entry at the solution in hand: what rounding of K T is measured by.
+struct StiffestElement {
+    std::int32_t group = 0, element = 0; // 0: none yet
+    double entry = 0.0;                  // on the diagonal of K + C/dt
+};
+
+/// Looks through one group, and keeps what is there already if it is larger. Elements in fibres are passed over.
+template <int Dimension> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest);
+
 /// Adds the right-hand sides of the listed elements, load minus conduction and capacity at the solution in hand, to the
 /// sums of their nodes; the system is left alone. Elements that lie in fibres as a whole are passed over.
 ///   elements      numbers from 1..NET (input)

@@ -126,6 +126,7 @@ void FinishColumnPointers(Run& run) {
         Write(unit, number, Say(run, "POTREBNA DIMENZIJA , LMAX=", " REQUIRED DIMENSION, LMAX ="), A.LMAX);
         Write(unit, number, Say(run, "RASPOLOZIVA DIMENZIJA , NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
               A.NTOTA);
+        NoteSectionOutside(run);
         StopRun(unit);
     }
     run.control.state.NWK = MakeColumnPointers(DiagonalPositions(run), run.control.state.JEDN);

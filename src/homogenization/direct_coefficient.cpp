@@ -113,9 +113,18 @@ PointMeasures MeasuresOf(const ElementVisit<Dimension>& visit, const ElementPoin
             area};
 }
 
+// What of point p (from 1) is fluid.
+template <int Dimension> double FluidShare(const ElementVisit<Dimension>& visit, int p) {
+    if (visit.fibres == nullptr)
+        return 1.0;
+    if (visit.atPoints.shares.length > 0)
+        return visit.atPoints.shares(p);
+    return visit.atPoints.records(p).wall > 0.0 ? 1.0 : 0.0;
+}
+
 template <int Dimension>
 void AddPoint(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
-    const ElementPoint<Dimension>& point = visit.points.point[p];
+    const ElementPoint<Dimension>& point = visit.rule->point[p];
     const int ND = visit.points.active.ND;
     JacobianValues<Dimension> jacobian;
     if (!JacobianVolume<Dimension>(point.shape, visit.element.CORE, ND, jacobian))
@@ -129,10 +138,9 @@ void AddPoint(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& dom
     EvaluatePoint(visit, p + 1, TG);
     const double K[3] = {visit.coefficients.KX, visit.coefficients.KY, visit.coefficients.KZ};
     domain.flow += w * K[domain.axis] * Interpolate<0>(jacobian.HX[domain.axis], visit.element.TE1, ND);
-    if (visit.fibres == nullptr || RecordOf(*visit.fibres, visit.number, p + 1).wall > 0.0) {
-        domain.fluid += w;
-        domain.amount += w * TG;
-    }
+    const double inFluid = FluidShare(visit, p + 1) * w;
+    domain.fluid += inFluid;
+    domain.amount += inFluid * TG;
     AddEndNodes(jacobian, visit, point, measures, domain);
 }
 
@@ -146,7 +154,7 @@ template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& do
         if (!LiesWithin(domain, visit))
             continue;
         const bool takesPart = TakesPart(visit, n);
-        for (int p = 0; p < visit.points.count; ++p)
+        for (int p = 0; p < visit.rule->count; ++p)
             AddPoint(visit, p, takesPart, domain);
     }
 }

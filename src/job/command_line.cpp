@@ -27,6 +27,8 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
   -q, --quiet        nothing on standard output
       --words N      size of the working vector in words of 8 bytes, for models
                      that outgrow it (default: 120000000)
+      --wall-cells N elements that a fibre wall cuts are integrated over N x N (x N)
+                     sub-cells (changes digits; default: Gauss points alone)
   -h, --help         this page
       --version      the program's version
 
@@ -63,6 +65,7 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     app.add_option("DECK", arguments.decks);
     app.add_option("-o,--output", arguments.output);
     app.add_option("--words", arguments.settings.words);
+    app.add_option("--wall-cells", arguments.settings.options.wallCells);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -82,6 +85,9 @@ std::string FaultOf(const CLI::App& app, const Arguments& arguments) {
         return "--output needs the name of a folder";
     if (settings.words < 1 || settings.words > kMostWords)
         return "--words takes a count between 1 and " + std::to_string(kMostWords);
+    if (app.count("--wall-cells") > 0 &&
+        (settings.options.wallCells < 2 || settings.options.wallCells > kMostWallCells))
+        return "--wall-cells takes a count between 2 and " + std::to_string(kMostWallCells);
     return "";
 }
 

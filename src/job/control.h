@@ -163,6 +163,9 @@ struct RunState {
     std::int32_t FactorFlag = 0; // 1: assemble and factor the matrix
     double ReferenceNorm = 0.0;  // TREF
     double IncrementNorm = 0.0;  // DTMOD
+    double LowestIncrement =
+        0.0; // smallest IncrementNorm of the step so far, and the iteration that reached it
+    std::int32_t LowestIteration = 0;
 
     double POROSITY = 1.0;
 

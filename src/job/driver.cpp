@@ -34,6 +34,7 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
     if (!settings.dialogue)
         WatchForInterrupts(); // the dialogue ends as its terminal wants it
     CreateWorkingVector(run.A, settings.words);
+    run.options = settings.options;
     run.control.state.Language = kEnglish;
     run.units.consoleInput = consoleInput;
     if (!settings.quiet)

@@ -1,6 +1,7 @@
 // How a job was asked for: by the dialogue, or by the command line (job/command_line.h).
 #pragma once
 
+#include "job/run_options.h"
 #include "job/working_vector.h"
 
 #include <string>
@@ -21,6 +22,7 @@ struct JobSettings {
     bool force = false; // files of earlier runs are overwritten
     bool quiet = false; // nothing on standard output
     Word words = kWorkingVectorSize;
+    RunOptions options;
 };
 
 } // namespace zurt

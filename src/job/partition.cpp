@@ -12,15 +12,6 @@ namespace zurt {
 
 namespace {
 
-// The messages give sizes alone; this says what did not fit.
-void NoteSectionOutside(const Run& run) {
-    const SectionRecord* section = FirstSectionOutside(run.A);
-    if (section != nullptr)
-        WriteNote(std::string("the working vector has ") + std::to_string(run.A.NTOTA) + " words; " +
-                  section->name + " takes " + std::to_string(section->length) + " behind word " +
-                  std::to_string(section->first - 1) + " (zurt --words N DECK gives it more)");
-}
-
 [[noreturn]] void StopOnInputOverflow(Run& run) {
     TextUnit& unit = BeginMessage(run);
     Write(unit, "(A)",
@@ -63,6 +54,14 @@ void RequireCountableMatrix(const Run& run) {
 }
 
 } // namespace
+
+void NoteSectionOutside(const Run& run) {
+    const SectionRecord* section = FirstSectionOutside(run.A);
+    if (section != nullptr)
+        WriteNote(std::string("the working vector has ") + std::to_string(run.A.NTOTA) + " words; " +
+                  section->name + " takes " + std::to_string(section->length) + " behind word " +
+                  std::to_string(section->first - 1) + " (zurt --words N DECK gives it more)");
+}
 
 void StopIfInputOverflows(Run& run) {
     if (run.A.LMAX > run.A.NTOTA)

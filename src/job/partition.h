@@ -19,6 +19,8 @@ void TakeStepList(Run& run);
 void TakeNodeArrays(Run& run);
 /// Row 11: `sharedNodes` words for the list of shared nodes, or NP under the last group's ISUB4.
 void TakeSharedNodeList(Run& run, std::int32_t sharedNodes);
+/// Notes, beside a message about dimensions, which section did not fit.
+void NoteSectionOutside(const Run& run);
 /// Row 12: MAXA, cleared.
 void TakeDiagonalPositions(Run& run);
 /// A larger section for MAXA, with room for JEDN equations, behind what has been taken so far; its values go along.

@@ -6,6 +6,7 @@
 #include "homogenization/mass_tables.h"
 #include "job/control.h"
 #include "job/deck.h"
+#include "job/run_options.h"
 #include "job/units.h"
 #include "job/working_vector.h"
 #include "microscale/fibre_set.h"
@@ -22,6 +23,7 @@ struct NodalAveraging {
 };
 
 struct Run {
+    RunOptions options;
     Control control;
     Deck deck;
     Units units;

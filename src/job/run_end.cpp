@@ -25,9 +25,10 @@ std::string PlaceOf(const Run& run) {
 }
 
 std::string MessageLine(const Run& run, const RunStop& stop) {
-    const bool onConsole = stop.place == run.units.console.name;
-    return "stopped: " + stop.text + " (" + PlaceOf(run) + "; see " +
-           (onConsole ? "the console" : "the end of " + stop.place) + ")";
+    std::string where = "see the end of " + stop.place;
+    if (stop.place == run.units.console.name)
+        where = IsOpen(run.units.console) ? "see the console" : "without --quiet the console shows the rest";
+    return "stopped: " + stop.text + " (" + PlaceOf(run) + "; " + where + ")";
 }
 
 std::string InterruptLine(const Run& run) {

@@ -57,7 +57,9 @@ void WriteNotesOfRepeatedRuns(const Run& run) {
     const auto held = std::count(ID.data, ID.data + ID.length, 0);
     if (held > 0)
         WriteNote(
-            "the equivalent medium frees all nodes, the " + std::to_string(held) +
+            (run.fit.card.NFIT == 1 ? "a fit frees all nodes in the runs of both models, the "
+                                    : "the equivalent medium frees all nodes, the ") +
+            std::to_string(held) +
             " that the deck holds as well: drive a fit or a direct calculation by reservoirs in the mesh");
     if (run.fit.card.NFIT == 1 && run.fit.NACTDIR == 0)
         WriteNote("a fit (NFIT 1) without a direction (INDFITX, INDFITY, INDFITZ) runs nothing");

@@ -89,6 +89,12 @@ struct FibreGroup {
     std::vector<GaussFibreRecord> records; // of element n, point p (both from 1) at (n-1)*points + p-1
     std::vector<GaussFibreRecord>
         fluxRecords; // the same at the points of the fluxes, where their rule is another one
+
+    // Elements that a wall cuts, with sub-cells alone (microscale/wall_cells.h).
+    std::vector<std::int32_t> cutNumber; // 1..NET at 0..NET-1: number k of the cut element, 0 for another
+    Word cutPoints = 0;                  // points of the rule for cut elements
+    std::vector<GaussFibreRecord> cutRecords; // of cut element k, point p at (k-1)*cutPoints + p-1
+    std::vector<double> cutShares;            // likewise: what of the point is fluid
 };
 
 struct FibreModel {

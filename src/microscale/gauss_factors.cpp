@@ -68,4 +68,9 @@ void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, con
         GaussFactorEhm(model, fit.HEQ, factorsOn, c, factor);
 }
 
+void MixWithFibre(double share, double (&factor)[3]) {
+    for (double& f : factor)
+        f = share * f + (1.0 - share) * kSmallestFactor;
+}
+
 } // namespace zurt

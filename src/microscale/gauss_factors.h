@@ -39,4 +39,7 @@ void GaussFactorEhm(const FibreModel& model, double HEQ, bool factorsOn, double 
 void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, const GaussFibreRecord& record,
                   double c, double (&factor)[3]);
 
+/// The factors of a point of which `share` lies in fluid with these, the rest in a fibre.
+void MixWithFibre(double share, double (&factor)[3]);
+
 } // namespace zurt

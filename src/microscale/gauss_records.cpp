@@ -4,6 +4,7 @@
 #include "core/vector.h"
 #include "elements/element_fluxes.h"
 #include "microscale/gauss_walk.h"
+#include "microscale/wall_cells.h"
 
 #include <algorithm>
 #include <string>
@@ -46,6 +47,42 @@ void RequireRoomForRecords(const Run& run, const ElementGroup& group, Word recor
                              std::to_string(kMostRecords) + ")");
 }
 
+// --- elements that a wall cuts ------------------------------------------------------------------------------------
+
+template <int Dimension> struct CutSearch {
+    const Run& run;
+    const ElementGroup& group;
+    WallCells<Dimension> cells{}; // without sub-points when none are asked for
+    CutElement cut{};
+};
+
+template <int Dimension>
+CutSearch<Dimension> BeginCuts(const Run& run, const ElementGroup& group, FibreGroup& marks) {
+    CutSearch<Dimension> cuts{run, group};
+    if (run.options.wallCells > 0) {
+        cuts.cells = MakeWallCells<Dimension>(run.options.wallCells, group.NDMAX);
+        marks.cutNumber.assign(static_cast<std::size_t>(group.NET), 0);
+    }
+    return cuts;
+}
+
+// Records and volumes of the walk's element in hand if a wall cuts it.
+template <int Dimension>
+bool TakeCut(CutSearch<Dimension>& cuts, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+             FibreGroup& marks, FibreModel& model) {
+    if (cuts.run.options.wallCells == 0 || !CutByWall(cuts.cells, walk, search, cuts.cut))
+        return false;
+    marks.cutPoints = cuts.cells.rule.count;
+    marks.cutRecords.insert(marks.cutRecords.end(), cuts.cut.records.begin(), cuts.cut.records.end());
+    marks.cutShares.insert(marks.cutShares.end(), cuts.cut.share.begin(), cuts.cut.share.end());
+    RequireRoomForRecords(cuts.run, cuts.group, static_cast<Word>(marks.cutRecords.size()));
+    marks.cutNumber[static_cast<std::size_t>(walk.number - 1)] =
+        static_cast<std::int32_t>(static_cast<Word>(marks.cutRecords.size()) / marks.cutPoints);
+    model.VOLFLUID += cuts.cut.fluid;
+    model.totalVolume += cuts.cut.volume;
+    return true;
+}
+
 } // namespace
 
 void FillGaussRecord(const FibreSearch& search, const NearestFibre& nearest, const double (&X)[3],
@@ -80,13 +117,17 @@ void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search,
     GaussFibreRecord* record = marks.records.data();
     GaussWalk<Dimension> walk{run, group};
     BeginWalk(walk, group.NGAUS);
+    CutSearch<Dimension> cuts = BeginCuts<Dimension>(run, group, marks);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
-        bool fluid = false;
+        const bool cut = TakeCut(cuts, walk, search, marks, model);
+        bool fluid = cut;
         for (int p = 0; p < marks.points; ++p, ++record) {
             double X[3], w;
-            PlaceWalkPoint(walk, p, X, w);
+            PlaceWalkPoint(walk, walk.points.point[p], X, w);
             FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
+            if (cut)
+                continue;
             if (record->wall > 0.0) {
                 model.VOLFLUID += w;
                 fluid = true;
@@ -117,7 +158,7 @@ void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, con
         TakeWalkElement(walk, n);
         for (int p = 0; p < walk.points.count; ++p, ++record) {
             double X[3], w;
-            PlaceWalkPoint(walk, p, X, w);
+            PlaceWalkPoint(walk, walk.points.point[p], X, w);
             FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
         }
     }

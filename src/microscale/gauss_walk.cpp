@@ -61,8 +61,8 @@ template <int Dimension> void TakeWalkElement(GaussWalk<Dimension>& walk, std::i
 }
 
 template <int Dimension>
-void PlaceWalkPoint(const GaussWalk<Dimension>& walk, int p, double (&X)[3], double& w) {
-    const ElementPoint<Dimension>& point = walk.points.point[p];
+void PlaceWalkPoint(const GaussWalk<Dimension>& walk, const ElementPoint<Dimension>& point, double (&X)[3],
+                    double& w) {
     const int ND = walk.points.active.ND;
     JacobianValues<Dimension> jacobian;
     if (!JacobianVolume<Dimension>(point.shape, walk.element.CORE, ND, jacobian))
@@ -77,7 +77,8 @@ void PlaceWalkPoint(const GaussWalk<Dimension>& walk, int p, double (&X)[3], dou
     template Word PointsPerElement<DIMENSION>(const ElementGroup&);                                          \
     template void BeginWalk(GaussWalk<DIMENSION>&, const std::int32_t*);                                     \
     template void TakeWalkElement(GaussWalk<DIMENSION>&, std::int32_t);                                      \
-    template void PlaceWalkPoint(const GaussWalk<DIMENSION>&, int, double(&)[3], double&)
+    template void PlaceWalkPoint(const GaussWalk<DIMENSION>&, const ElementPoint<DIMENSION>&, double(&)[3],  \
+                                 double&)
 ZURT_GAUSS_WALK(2);
 ZURT_GAUSS_WALK(3);
 

@@ -32,10 +32,11 @@ template <int Dimension> void BeginWalk(GaussWalk<Dimension>& walk, const std::i
 /// Takes element n in hand. An element without a card ends the run with a library error.
 template <int Dimension> void TakeWalkElement(GaussWalk<Dimension>& walk, std::int32_t n);
 
-/// Point p (from 0) of the element in hand: its place X (z is 0 in the plane) and its weight w, the rule's times the
-/// Jacobian's determinant, and times the radius in axisymmetric groups. A determinant that is not positive ends the run
+/// A point of the element in hand, of its rule or of another one for its nodes: its place X (z is 0 in the plane) and its
+/// weight w, the rule's times the Jacobian's determinant, and times the radius in axisymmetric groups. A determinant that is not positive ends the run
 /// with the family's message.
 template <int Dimension>
-void PlaceWalkPoint(const GaussWalk<Dimension>& walk, int p, double (&X)[3], double& w);
+void PlaceWalkPoint(const GaussWalk<Dimension>& walk, const ElementPoint<Dimension>& point, double (&X)[3],
+                    double& w);
 
 } // namespace zurt

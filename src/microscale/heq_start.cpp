@@ -85,7 +85,7 @@ double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& gr
             pass.A[k] = pass.B[k] = 0.0;
         for (int p = 0; p < walk.points.count; ++p) {
             double X[3], w;
-            PlaceWalkPoint(walk, p, X, w);
+            PlaceWalkPoint(walk, walk.points.point[p], X, w);
             domainVolume += w;
             if (ElementMarked(marks, n))
                 AddPoint(pass, walk.points.point[p].shape.H, ND, X, w);

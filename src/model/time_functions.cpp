@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "job/echo.h"
+#include "job/partition.h"
 #include "model/curve_lookup.h"
 #include "model/curve_table.h"
 
@@ -48,6 +49,7 @@ void TakeTimeFunctions(Run& run) {
           run.A.LMAX);
     Write(unit, "(1X,A,I10)", Say(run, "RASPOLOZIVA DIMENZIJA , MTOT=", "AVAILABLE DIMENSION  , MTOT="),
           run.A.NTOTA);
+    NoteSectionOutside(run);
     StopRun(unit);
 }
 

@@ -7,6 +7,7 @@
 #include "solver/sparse_assembler.h"
 #include "solver/sparse_solver.h"
 #include "timeint/convergence.h"
+#include "timeint/equilibrium_note.h"
 
 #include <cmath>
 #include <cstring>
@@ -133,10 +134,7 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
               Say(run, " KORAKA", "STEPS WRITTEN "));
         Write(unit, "(A)", Say(run, " MOGUCE JE RESTARTOVANJE PROGRAMA", " POSIBLE RESTART"));
     }
-    WriteNote("step " + std::to_string(run.control.state.KOR) +
-              ": no equilibrium within MAXIT = " + std::to_string(run.control.header.MAXIT) +
-              " iterations, the run ends; EPSTR may lie below what rounding allows (see the end of the "
-              "listing)");
+    NoteNoEquilibrium(run);
     StopRun(unit);
 }
 
@@ -182,6 +180,10 @@ void IterateStep(Run& run) {
         StopIfMeaningless(run, state.IncrementNorm);
         if (converged)
             return;
+        if (state.ITER == 0 || state.IncrementNorm < state.LowestIncrement) {
+            state.LowestIncrement = state.IncrementNorm;
+            state.LowestIteration = state.ITER;
+        }
         if (state.ITER == header.MAXIT)
             StopWithoutEquilibrium(run);
         ++state.ITER;

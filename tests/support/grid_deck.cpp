@@ -31,7 +31,8 @@ template <class Visit> void ForAllNodes(const GridDeck& grid, const Visit& visit
 
 std::string FibreCards(const GridDeck& grid) {
     const double diameter = grid.cylinders.front().diameter;
-    std::string cards = Five({1, static_cast<int>(grid.cylinders.size()), 0, 0}, "") +
+    const bool spheres = grid.cylinders.front().from == grid.cylinders.front().to;
+    std::string cards = Five({1, static_cast<int>(grid.cylinders.size()), 0, spheres}, "") +
                         Print("%10.6f%10.6f%10.4f\n\n", diameter, 1.0, grid.HEQ);
     cards += Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, grid.box[0], grid.box[1], grid.box[2]);
     int number = 0;

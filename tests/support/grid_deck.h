@@ -10,6 +10,7 @@ namespace zurt_test {
 
 using Place = std::array<double, 3>;
 
+/// A sphere (in the plane a circle) when its ends are one.
 struct Cylinder {
     Place from, to;
     double diameter;

@@ -1,0 +1,78 @@
+#include "timeint/equilibrium_note.h"
+
+#include "core/stop.h"
+#include "elements/form_elements.h"
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+// Increments so far below the step's largest ones are no matter of the problem's curves any more.
+constexpr double kHeightOfRounding = 1e-4;
+
+std::string Short(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1E", value);
+    return text;
+}
+
+StiffestElement FindStiffest(Run& run) {
+    StiffestElement stiffest;
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        ElementGroup& group = run.groups[NGE];
+        if (group.NETIP == 1)
+            FindStiffestElement<1>(run, group, stiffest);
+        else if (group.NETIP == 2)
+            FindStiffestElement<2>(run, group, stiffest);
+        else if (group.NETIP == 3)
+            FindStiffestElement<3>(run, group, stiffest);
+    }
+    return stiffest;
+}
+
+// What rests scatters; the lowest value of many iterations is met again at this multiple.
+constexpr double kScatter = 10.0;
+
+double RoundedUp(double ratio) {
+    return std::pow(10.0, std::ceil(std::log10(kScatter * ratio)));
+}
+
+std::string RoundingText(Run& run, double ratio) {
+    const HeaderFields& header = run.control.header;
+    const StiffestElement stiffest = FindStiffest(run);
+    std::string text = "; they rest at " + Short(ratio) +
+                       " of the step's largest, which is rounding. EPSTR " + Short(RoundedUp(ratio)) +
+                       " works";
+    if (stiffest.element > 0 && header.EPSTR > 0.0)
+        text +=
+            "; so does a smaller coefficient, or a shorter or wider shape, of the stiffest elements (group " +
+            std::to_string(stiffest.group) + ", element " + std::to_string(stiffest.element) +
+            " for one, entry " + Short(stiffest.entry) + "): smaller by a factor of about " +
+            Short(kScatter * ratio / header.EPSTR);
+    return text;
+}
+
+} // namespace
+
+void NoteNoEquilibrium(Run& run) {
+    const RunState& state = run.control.state;
+    std::string text = "step " + std::to_string(state.KOR) +
+                       ": no equilibrium within MAXIT = " + std::to_string(run.control.header.MAXIT) +
+                       " iterations, the run ends (see the end of the listing)";
+    const double ratio = state.LowestIncrement / state.ReferenceNorm;
+    const bool rests =
+        2 * state.LowestIteration <= state.ITER || state.IncrementNorm > 0.5 * state.LowestIncrement;
+    if (ratio > 0.0 && ratio < kHeightOfRounding && rests && state.LowestIteration != state.ITER)
+        text += RoundingText(run, ratio);
+    else if (state.LowestIteration == state.ITER)
+        text += "; the increments still fall: a larger MAXIT";
+    else
+        text += "; the increments don't fall: shorter steps, or a less abrupt curve";
+    WriteNote(text);
+}
+
+} // namespace zurt

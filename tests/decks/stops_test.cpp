@@ -1,0 +1,229 @@
+// Every message that ends a run and that a deck can reach, through the real binary: status, standard error, the message.
+#include "support/bar_deck.h"
+#include "support/run_deck.h"
+#include "support/small_decks.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace zurt_test {
+namespace {
+
+const char* const kReading = "problem 1";
+const char* const kSolving = "problem 1, step 1, iteration 0";
+constexpr bool kConsole = true;
+const char* const kSquares = "quadrilaterals"; // a small deck
+
+struct StopCase {
+    std::string message; // its first line that holds letters
+    std::string detail;  // a part of a later line, which tells what is wrong
+    std::string deck;
+    std::string place = ""; // "": that of most cases of its table
+    bool onConsole = false;
+    int words = 0; // of the working vector; 0: the default, and the dialogue has no other
+};
+
+std::string Replaced(std::string text, const std::string& part, const std::string& by) {
+    const std::size_t at = text.find(part);
+    EXPECT_NE(at, std::string::npos) << part;
+    return at == std::string::npos ? text : text.replace(at, part.size(), by);
+}
+
+// A small deck with other text at the first place where `part` stands.
+std::string Deck(const char* name, const std::string& part, const std::string& by) {
+    return Replaced(SmallDeckText(name), part, by);
+}
+
+// The deck "functions" with another table in the place of the n-th of its five, from 0; they are all alike.
+std::string WithTable(int n, const std::string& table) {
+    std::string before = "1 1 2 1 2 1 2 1 2 1 2\n";
+    for (int i = 0; i < n; ++i)
+        before += "1 2\n0. 1.\n1. 1.\n";
+    return Deck("functions", before + "1 2\n0. 1.\n1. 1.\n", before + table);
+}
+
+// A row of bricks, each a group of its own.
+BarDeck Bar(int nx) {
+    BarDeck bar;
+    bar.nx = bar.groups = nx;
+    return bar;
+}
+
+// Behind a good problem one that is at rest in its first step and would take more than two iterations in its second.
+std::string WithoutEquilibrium() {
+    BarDeck bar = Bar(2);
+    bar.periods = {{2, 0.5}};
+    bar.start = 0.0;
+    bar.diffusion = {{-1000.0, 1.0}, {0.0, 1.0}, {1000.0, 5000.0}};
+    bar.source = true;
+    bar.sourceCurve = {{0.0, 0.0}, {0.5, 0.0}, {1.5, 1e3}};
+    bar.MAXIT = 1;
+    return Deck("free", "STOP\n", Build(bar));
+}
+
+// A face without extent, in a layer of elements whose surface terms are formed for results alone: once the second solve
+// of the step has found no increment.
+std::string WithFlatFace() {
+    std::string deck = SmallDeckText("device cards");
+    for (const char* node :
+         {"\n         8    1      1.00000000e+00", "\n        16    1      1.00000000e+00"})
+        deck = Replaced(deck, std::string(node) + " 3.33333333e-01", std::string(node) + " 0.00000000e+00");
+    deck = Replaced(
+        deck, "    1    0    0    0    0    0    0    0    0    0    0\n",
+        "    1    1    1    0    0    0    0    0    0    0    0\n    1    1\n       9.0       1.0\n");
+    return Replaced(deck, "STOP\n", "    3    4    8   12   16    1\n\nSTOP\n");
+}
+
+// Bricks of 20 nodes, and the words of all but their element matrices.
+StopCase TightVector(const std::string& message, const std::string& detail, const char* place,
+                     int moreWords) {
+    const std::string deck = SmallDeckText("steady free");
+    const std::string label = "REQUIRED DIMENSION INTO WORKING VECTOR ..... LMAXM =";
+    const auto words = static_cast<int>(NumbersBehind(RunDeck(deck).listing, label).at(0));
+    return {message, detail, deck, place, false, words + moreWords};
+}
+
+std::vector<StopCase> StopsOfReading() {
+    const std::string nodes = "ERROR IN INPUT DATA :", noNodes = "NUMBER OF NODAL POINT - NP =   -1\n";
+    const std::string vector = "UNSUFFICIENT DIMENSION OF WORKING VECTOR";
+    const std::string data = "ERROR IN INPUT DATA FOR ", group = " ELEMENT GROUP:";
+    const std::string number = "INPUT ELEMENT NUMBER IS GREATER THANTHE TOTAL NUMBER WITHIN THE GROUP\n";
+    const std::string early = "TIME FUNCTION IS NOT DEFINED WITHIN THE WHOLE RANGE";
+    const std::string endsEarly = "1 2\n0. 1.\n.001 1.\n", isLarge = "1 3\n0. 1.\n1. 1.\n2. 1.\n";
+    const std::string many = "NUMBER OF POINTS READ IN, IMAX=    3\n", curve = "NUMBER POINTS ON CURVE =  ";
+    const std::string functions = "ERROR IN FUNCTIONS OF ";
+    const std::string source = functions + "TEMPERATURE SOURCES (SINKS) INPUT DATA:";
+    const std::string flux = functions + "SURFACE FLUXES INPUT DATA  :"; // of radiation, too
+    const std::string start = "GRESKA U ULAZNIM PODACIMA:";
+    const char *const fibres = "radial fibres", *const lists = "device lists";
+    return {
+        {nodes, noNodes, Deck("free", "16 1 1 1 2", "-1 1 1 1 2"), "", kConsole},
+        {nodes, noNodes, Deck("two free", "12 1 1 1 2", "-1 1 1 1 2"), "problem 2"},
+        {"BROJ TIPOVA ELEMENATA NGET= 11", "-VECI OD 10;", Build(Bar(11))},
+        {vector + " A FOR READ IN INPUT DATA", "NTOTA= 120000000", Deck("free", "16 1 1", "99999999 1 1")},
+        {"UNSUFFICIENT DIMENSION OF BASIC VECTOR FOR DATA ENTRY", "MTOT= 120000000",
+         Deck(lists, "\n    2    2\n    1    2\n", "\n 9999 9999\n    1    2\n")},
+        TightVector(vector + ":", "REQUIRED DIMENSION LMAXM =", "", -1),
+        TightVector(vector + " A FOR", "ELEMENT MATRIX\n", kSolving, 0),
+        {data + "1D" + group, number, Deck("lines", "\n1 2 1 0", "\n3 2 1 0")},
+        {data + "2D" + group, number, Deck(kSquares, "\n1 5 4", "\n3 5 4")},
+        {data + "3D" + group, number, Deck("free", "\n1 14 13", "\n4 14 13")},
+        {data + "RADIAL 1D" + group, number, Deck(fibres, "1           0.1000", "3           0.1000")},
+        {"INPUT ERROR:", "NSUBEL4MX=   11\n", Deck(fibres, "    3    2   ", "   11    2   ")},
+        {"E R R O R", "3D ELEMENTS, MAT3D=    2\n", Deck("device", "    1         8", "    2         8")},
+        {"E R R O R", "3D ELEMENT, NMAT=    2\n", Deck("device", "       2  0  1  1", "       2  2  1  1")},
+        {data + "CONDUCTION COEFFICIENT:", curve + "3\n", Deck("free", "\n1 2 \n-1000", "\n1 3 \n-1000")},
+        {data + "SPECIFIC HEAT:", curve + "2\n", Deck("free", "\n1 1 \n0 1 \n", "\n1 2 \n0 1 \n")},
+        {data + "TIME FUNCTIONS", "IMAX=    3\n", Deck(lists, "    2\n       0.0  ", "    3\n       0.0  ")},
+        {data + "TIME FUNCTIONS", "NIJE DEFINISANA", Deck(lists, "       9.0", "     0.001")},
+        {"ERROR IN INPUTE DATA: THERE IS SOURCE TERM FOR ELEMENT GROUP, IZIP.GT.0", "NQE=    0\n",
+         Deck(kSquares, "\n1 1 2 1 2 1 2 1 1 1 2\n", "\n1 1 2 1 2 1 2 0 1 1 2\n")},
+        {source, early, WithTable(0, endsEarly)},
+        {source, many, WithTable(0, isLarge)},
+        {flux, early, WithTable(1, endsEarly)},
+        {"ERROR IN ENVIRONMENT TEMPERATURE FUNCTIONS INPUT DATA :", early, WithTable(2, endsEarly)},
+        {functions + "CONVECTION COEFICIENT TEMPERATURE DEPENDENCE  :", many, WithTable(3, isLarge)},
+        {flux, many, WithTable(4, isLarge)},
+        {start, "CVOT BROJ=    1\n", Deck(lists, "         1    0  ", "         1    1  ")},
+        {start + " POSLEDNJI CVOR MORA SE DOBITI SABIRANJEM KORAKA KOR POCEVSI OD PRVOG CVORA N1", "",
+         Deck(lists, "   16   -1   11\n", "   16   -2   11\n")},
+        {"ERROR IN BOUNDARY CONDITION INPUT DATA:", "DO NOT CONSTITUTE ONE EDGE OF ELEMENT\n",
+         Deck(kSquares, "\n2 3 6 0 0", "\n2 1 6 0 0")},
+    };
+}
+
+// Of curves that do not hold the values, which lie between 0 and 1, or the times, which end at 0.04; of elements; of the
+// solvers.
+std::vector<StopCase> StopsOfSolving() {
+    const std::string range = "CURVE ARGUMENT IS OUT OF RANGE", first = ",  No. =    1\n";
+    const std::string diffusion = "DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    1\n";
+    const std::string analytic = "VREDNOST DOZVOLJENE TEMPERATURE", material = "BROJ, MAT=    1\n";
+    const std::string limits = "1 2 3 1. 1. 1. 1. 1e6 -1e6";
+    const std::string inner = "** GRESKA **: JAKOBIJAN JEDNAK ILI MANJI OD NULE ZA ELEMENT No.         1";
+    const std::string error = "** ERROR **: JACOBIAN EQUAL OR LESS THEN ZERO FOR ";
+    const std::string ofElement = error + "ELEMENT No.         ";
+    const std::string brick = "      14      13       9      10       6       5       1       2  ";
+    const std::string insideOut = "      10       9      13      14       2       1       5       6  ";
+    const std::string silent =
+        Replaced(Deck("fixed", brick, insideOut), "2    1    0    1", "2   -1    0   -1");
+    const std::string loose = Deck("lines", "1 5 3 4 ", "1 5 3 0 "); // no element has node 4
+    const std::string pivot = "MATRICA SISTEMA NIJE POZITIVNO DEFINITNA";
+    return {
+        {range, diffusion, Deck("free", "\n1000 1", "\n.5 1")},
+        {range, diffusion, Deck("fit", " 0.000e+00\nSTOP", " 2.000e+03\nSTOP"),
+         "problem 1, fit in direction X, run 1, step 1, iteration 0"},
+        {range, "CURVE SPECIFIC HEAT - TEMPERATURE" + first,
+         Replaced(Deck("free", "0 1 2 0 1 1", "0 1 2 0 1 2"), "\n1 1 \n0 1 \n", "\n1 2 \n0 1 \n.5 1 \n")},
+        {range, "CURVE HEAT SOURCE - TIME" + first, Deck("sources", "\n0 1 \n0.02 2", "\n.03 1 \n.04 2")},
+        {range, "CURVE SURFACE FLUX - TIME" + first, Deck(kSquares, "\n0. 1.\n1. 1.\n", "\n.5 1.\n1. 1.\n")},
+        {range, "CURVE ENVIRONMENT TEMPERATURE - TIME" + first, Deck(kSquares, "\n0. 2.\n", "\n.5 2.\n")},
+        {range, "CURVE CONVECTION COEFICIENT - TEMPERATURE" + first,
+         Deck(kSquares, "\n100. 2.\n1 2\n-100. .5", "\n.5 2.\n1 2\n-100. .5")},
+        {range, "CURVE RADIATION COEFICIENT - TEMPERATURE" + first, Deck(kSquares, "\n100. .6", "\n.5 .6")},
+        {"PREKORACENA MAXIMALNA " + analytic, material,
+         Deck("built-in", limits, "0 0 0 1. 1. 1. 1. .5 -1e6")},
+        {"PREKORACENA MINIMALNA " + analytic, material, Deck("built-in", limits, "0 0 0 1. 1. 1. 1. 1e6 5.")},
+        {inner, "DET=-", Deck("fixed", brick, insideOut)},
+        {inner, "DET=-", silent, "", kConsole},                       // asks for no listing
+        {inner, "DET=-", Deck("fibres", brick, insideOut), kReading}, // where fibres are laid over the mesh
+        {ofElement + "3", "KFIX=    1\n", WithFlatFace(), "problem 1, step 1, iteration 1"},
+        {ofElement + "1", "DET2=-", Deck(kSquares, "\n1 5 4 1 2", "\n1 5 2 1 4")},
+        {ofElement + "1", "DET2= 0.00000D+00\n", Deck(kSquares, "\n4 0 0. 2.", "\n4 0 0. 1.")}, // of an edge
+        {error + "ELENMENT No. =         1", "DET1= 0.", Deck("lines", "\n2 -1 1.", "\n2 -1 0.")},
+        {"NIJE UGRADJENA ALFA INTEGRACIJA", "", Deck("lines", "\n1 0 0 9", "\n2 0 0 9"), "", kConsole},
+        {pivot, "ZA JEDNACINU BR.   3\n", Replaced(loose, "\n1 0 0 2\n", "\n1 0 0 0\n")},
+        {pivot, "PIVOT= -0.", // of a fibre's own system
+         Deck("radial fibres", " 0.1000    0.0500    0.0200       5", "-0.1000    0.0500    0.0200       5")},
+        {"ERROR IN SOLVER EXECUTION - STOPPING CALCULATION", "", loose, "", kConsole},
+        {"Error in solver calling!", "", Deck("lines", "1.\n100. 2.\n1 1\n0. 1.", "0.\n100. 0.\n1 1\n0. 0."),
+         "", kConsole},
+        {"MAXIMUM NUMBER OF ITERATION ACHIEVED", "STEP NO. =    2\n", WithoutEquilibrium(),
+         "problem 2, step 2, iteration 1"},
+    };
+}
+
+void ExpectStop(const StopCase& stop, const std::string& usualPlace, const RunResult& run, int status) {
+    const std::string what = stop.message + " " + stop.detail;
+    const std::string line = "zurt: stopped: " + stop.message + " (" +
+                             (stop.place.empty() ? usualPlace : stop.place) + "; see " +
+                             (stop.onConsole ? "the console" : "the end of zurt.lst") + ")\n";
+    EXPECT_EQ(run.status, status) << what;
+    EXPECT_EQ(CountOf(run.errors, "zurt: stopped: "), 1) << what << run.errors;
+    const std::string errors = "\n" + run.errors; // each line behind the end of another
+    EXPECT_EQ(errors.substr(errors.rfind('\n', errors.size() - 2) + 1), line) << what;
+    const std::string& text = stop.onConsole ? run.console : run.listing;
+    const std::size_t at = text.find(stop.message + "\n");
+    ASSERT_NE(at, std::string::npos) << what;
+    EXPECT_TRUE(Contains(text.substr(at), stop.detail)) << what << text.substr(at);
+}
+
+void ExpectStops(const std::vector<StopCase>& stops, const std::string& usualPlace) {
+    for (const StopCase& stop : stops) {
+        Invocation invocation;
+        invocation.arguments = {"zurt.dat"};
+        if (stop.words > 0)
+            invocation.arguments.push_back("--words=" + std::to_string(stop.words));
+        else
+            ExpectStop(stop, usualPlace, RunDeck(stop.deck), 0);
+        const std::string folder = MakeTemporaryFolder();
+        WriteFile(folder + "/zurt.dat", stop.deck);
+        ExpectStop(stop, usualPlace, RunProgram(folder, invocation), 1);
+    }
+}
+
+// Faults: a message that isn't reached, or another one first; the dialogue's status on the command line or the other way
+// round; no line on standard error, two, or one that isn't the last; other words than those of the message; a step while
+// cards are read, that of the problem before in the second one; the wrong unit pointed at.
+TEST(Stops, WhileReading) {
+    ExpectStops(StopsOfReading(), kReading);
+}
+
+// Faults: those, and no step or iteration, one that counts from another number, a fit without its direction and run.
+TEST(Stops, WhileSolving) {
+    ExpectStops(StopsOfSolving(), kSolving);
+}
+
+} // namespace
+} // namespace zurt_test
