@@ -236,6 +236,11 @@ void ReadSurfaceData(Run& run) {
         if (group.surfaceRecords > 0 && group.NETIP != 2)
             WriteNote("group " + std::to_string(NGE) +
                       ": surface records act in 2D groups alone, those of this group have no effect");
+        if (group.surfaceRecords > 0 && group.NETIP == 2 && group.INDAX != 0)
+            WriteNote(
+                "group " + std::to_string(NGE) +
+                ": surface terms of axisymmetric groups take x as their radius, volumes take y: those on the "
+                "mantle of a body along x come out with the wrong one");
     }
 }
 

@@ -41,9 +41,14 @@ void ClipFibres(const Run& run, FibreModel& model) {
     const FibrePlace outside =
         ClipFibresToBox(model, size, model.dimension == 2 ? kPlaneFibres : kSpaceFibres);
     if (outside.set != 0)
-        StopWithLibraryError("deck " + run.deck.name + ", fibre set " + std::to_string(outside.set) +
-                             ", fibre " + std::to_string(outside.fibre) +
-                             ": nothing of this line lies in the box of the fibres on the device cards");
+        StopWithLibraryError(
+            "deck " + run.deck.name + ", fibre set " + std::to_string(outside.set) + ", fibre " +
+            std::to_string(outside.fibre) +
+            ": nothing of this line lies in the box of the fibres on the device cards" +
+            (model.dimension == 2
+                 ? "; circles under quadrilaterals are asked for as spheres (NTYPE 1), lines lie in "
+                   "the plane"
+                 : ""));
 }
 
 // Where points can see fibres: the part of the mesh inside the sets' boxes. Without any, low lies above high.

@@ -2,6 +2,7 @@
 
 #include "core/stop.h"
 #include "elements/form_elements.h"
+#include "timeint/convergence.h"
 
 #include <cmath>
 #include <cstdio>
@@ -11,8 +12,8 @@ namespace zurt {
 
 namespace {
 
-// Increments so far below the step's largest ones are no matter of the problem's curves any more.
-constexpr double kHeightOfRounding = 1e-4;
+// Increments so far below the solution that no longer fall are no matter of the problem's curves.
+constexpr double kHeightOfRounding = 1e-6;
 
 std::string Short(double value) {
     char text[32];
@@ -64,9 +65,12 @@ void NoteNoEquilibrium(Run& run) {
                        ": no equilibrium within MAXIT = " + std::to_string(run.control.header.MAXIT) +
                        " iterations, the run ends (see the end of the listing)";
     const double ratio = state.LowestIncrement / state.ReferenceNorm;
+    const ConstRealArray solution = StepSolution(run);
+    const double size = ComputeIterationNorms(solution, solution, solution).solution;
     const bool rests =
         2 * state.LowestIteration <= state.ITER || state.IncrementNorm > 0.5 * state.LowestIncrement;
-    if (ratio > 0.0 && ratio < kHeightOfRounding && rests && state.LowestIteration != state.ITER)
+    if (ratio > 0.0 && state.LowestIncrement < kHeightOfRounding * size && rests &&
+        state.LowestIteration != state.ITER)
         text += RoundingText(run, ratio);
     else if (state.LowestIteration == state.ITER)
         text += "; the increments still fall: a larger MAXIT";
