@@ -1,5 +1,6 @@
 #include "core/text_unit.h"
 
+#include "core/file_lock.h"
 #include "core/stop.h"
 
 #include <algorithm>
@@ -7,6 +8,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace zurt {
 
@@ -18,12 +21,42 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 18;
     StopWithLibraryError("can't write to " + unit.name + ": " + std::strerror(errno));
 }
 
-void OpenForWriting(TextUnit& unit, const char* mode) {
-    unit.file = std::fopen(unit.name.c_str(), mode);
-    if (unit.file == nullptr && errno == EEXIST)
+enum class OpenMode { Replace, New, Append };
+
+int FlagsOf(OpenMode mode) {
+    return O_WRONLY | O_CREAT | O_CLOEXEC |
+           (mode == OpenMode::New      ? O_EXCL
+            : mode == OpenMode::Append ? O_APPEND
+                                       : 0);
+}
+
+[[noreturn]] void StopOnOpening(const TextUnit& unit, int reason) {
+    if (reason == EEXIST)
         StopWithLibraryError(unit.name + " exists and is not overwritten (--force overwrites)");
-    if (unit.file == nullptr)
-        StopWithLibraryError("can't open " + unit.name + " for writing: " + std::strerror(errno));
+    if (reason == EWOULDBLOCK)
+        StopWithLibraryError("can't open " + unit.name + " for writing: another run is writing to it");
+    StopWithLibraryError("can't open " + unit.name + " for writing: " + std::strerror(reason));
+}
+
+// What the file held goes only once it is this run's.
+void OpenForWriting(TextUnit& unit, OpenMode mode) {
+    const int descriptor = open(unit.name.c_str(), FlagsOf(mode), 0666);
+    if (descriptor < 0)
+        StopOnOpening(unit, errno);
+    const bool locked = LockFile(descriptor);
+    if (locked && mode == OpenMode::Replace && ftruncate(descriptor, 0) != 0 &&
+        errno != EINVAL) { // EINVAL: a device
+        const int reason = errno;
+        close(descriptor);
+        StopOnOpening(unit, reason);
+    }
+    if (locked)
+        unit.file = fdopen(descriptor, mode == OpenMode::Append ? "a" : "w");
+    if (unit.file == nullptr) {
+        const int reason = locked ? errno : EWOULDBLOCK;
+        close(descriptor);
+        StopOnOpening(unit, reason);
+    }
     // The library takes no size without a place. Units left open at the end of the process are written out from there.
     unit.buffer = static_cast<char*>(std::malloc(kBufferSize));
     if (unit.buffer != nullptr)
@@ -43,12 +76,12 @@ void KeepWords(TextUnit& unit, std::string_view record) {
 
 void OpenTextUnit(TextUnit& unit, const std::string& name) {
     unit.name = name;
-    OpenForWriting(unit, unit.keepsOlder ? "wx" : "w");
+    OpenForWriting(unit, unit.keepsOlder ? OpenMode::New : OpenMode::Replace);
     unit.keepsOlder = false; // what is there from now on is this run's own
 }
 
 void ReopenTextUnit(TextUnit& unit) {
-    OpenForWriting(unit, "a");
+    OpenForWriting(unit, OpenMode::Append);
 }
 
 void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name) {

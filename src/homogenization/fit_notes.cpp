@@ -4,7 +4,7 @@
 #include "core/stop.h"
 #include "homogenization/fit_update.h"
 #include "homogenization/mass_monitor.h"
-#include "job/files.h"
+#include "job/file_names.h"
 
 #include <cmath>
 #include <string>

@@ -1,7 +1,7 @@
 #include "homogenization/mass_files.h"
 
 #include "core/format.h"
-#include "job/files.h"
+#include "job/file_names.h"
 
 namespace zurt {
 

@@ -1,7 +1,9 @@
 #include "job/files.h"
 
+#include "core/file_lock.h"
 #include "core/format.h"
 #include "core/stop.h"
+#include "job/file_names.h"
 
 #include <array>
 #include <cerrno>
@@ -18,7 +20,6 @@ namespace zurt {
 namespace {
 
 constexpr const char* kDefaultDeckName = "zurt.dat";
-constexpr const char* kMessagesName = "MESSAGES.LST";
 
 // One line of the console, without its end; the end of the input is an error. What goes beyond the length of a name is
 // dropped.
@@ -54,23 +55,6 @@ std::string ReadName(Run& run) {
 bool FileExists(const std::string& name) {
     struct stat status;
     return stat(name.c_str(), &status) == 0;
-}
-
-bool AreOnePlainFile(const std::string& name, const std::string& other) {
-    struct stat first, second;
-    return stat(name.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
-           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-}
-
-// An output file of the name of the deck, or of one already open, would delete it.
-void RequireUnused(const Run& run, const std::string& name) {
-    const char* user = nullptr;
-    if (AreOnePlainFile(name, run.deck.name))
-        user = "deck";
-    else if (IsOpen(run.units.listing) && AreOnePlainFile(name, run.units.listing.name))
-        user = "listing";
-    if (user != nullptr)
-        StopWithLibraryError("can't open " + name + " for writing: it is the " + user + " of this run");
 }
 
 // Only a plain file is deleted: a device or a pipe is written to as it stands, and a folder can't be.
@@ -109,10 +93,16 @@ std::FILE* OpenScratch(const Run& run) {
 
 // "ZITEMP" is there after every run, empty or as it was.
 std::FILE* OpenStepArchive(const Run& run) {
-    const std::string name = run.units.Folder + "ZITEMP";
+    const std::string name = StepArchiveName(run.units);
     std::FILE* file = std::fopen(name.c_str(), "ab");
     if (file == nullptr)
         StopWithLibraryError("can't open " + name + " for writing: " + std::strerror(errno));
+    // Every run holds it, so it stands for the folder with its fixed names.
+    if (!LockFile(fileno(file))) {
+        std::fclose(file);
+        StopWithLibraryError("another run is writing to this folder (it holds " + name +
+                             "): wait for it, or give each run a folder of its own (zurt --output DIR DECK)");
+    }
     return file;
 }
 
@@ -180,20 +170,15 @@ void MakeFolder(const std::string& folder) {
     }
 }
 
-// Ahead of the run, so that none ends at its first result: no output may be the deck, and without leave to overwrite
-// none may be there.
-void RequireFreeNames(const Run& run, bool force) {
+// Ahead of the run, so that none ends at its first result: without leave to overwrite no output may be there.
+void RequireFreeNames(const Run& run) {
     const Units& units = run.units;
     std::string taken;
     int count = 0;
-    for (const std::string& name :
-         {units.DefaultListingName, units.DefaultGraphicsName, units.Folder + kMessagesName,
-          MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3)}) {
-        RequireUnused(run, name);
-        if (!force && FileExists(name)) {
+    for (const std::string& name : {units.DefaultListingName, units.DefaultGraphicsName, MessagesName(units),
+                                    MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3)})
+        if (FileExists(name))
             taken += (count++ > 0 ? ", " : "") + name;
-        }
-    }
     if (count > 0)
         StopWithLibraryError(taken + (count > 1 ? " exist" : " exists") +
                              " and would be overwritten: --force allows it, --output DIR writes elsewhere");
@@ -205,10 +190,6 @@ std::array<TextUnit*, 6> OutputUnits(Units& units) {
 
 } // namespace
 
-std::string MassFileName(const Units& units, std::int32_t direction) {
-    return units.Folder + "MASS-" + "?XYZ"[direction] + ".LST";
-}
-
 void OpenInputDeck(Run& run) {
     Write(run.units.console, "(A)",
           Say(run, "   IME ULAZNE DATOTEKE   <zurt.dat>", "   INPUT FILE NAME   <zurt.dat>"));
@@ -217,6 +198,7 @@ void OpenInputDeck(Run& run) {
         name = kDefaultDeckName;
     DeriveDefaultNames(run, name);
     OpenDeck(run.deck, name);
+    RequireDistinctFixedFiles(run);
     OpenWorkFiles(run);
 }
 
@@ -231,7 +213,11 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     else
         OpenDeck(run.deck, settings.deck);
     MakeFolder(settings.folder);
-    RequireFreeNames(run, settings.force);
+    RequireDistinctFixedFiles(run);
+    RequireUnused(run, units.DefaultListingName);
+    RequireUnused(run, units.DefaultGraphicsName);
+    if (!settings.force)
+        RequireFreeNames(run);
     for (TextUnit* unit : OutputUnits(units))
         unit->keepsOlder = !settings.force;
     OpenWorkFiles(run);
@@ -252,7 +238,7 @@ void OpenGraphics(Run& run) {
 
 void OpenMessages(Run& run) {
     if (!IsOpen(run.units.messages))
-        OpenTextUnit(run.units.messages, run.units.Folder + kMessagesName);
+        OpenTextUnit(run.units.messages, MessagesName(run.units));
     PutRecord(run.units.messages, "      ");
 }
 

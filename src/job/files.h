@@ -18,9 +18,6 @@ void OpenInputDeck(Run& run);
 /// and without `force` one that exists, is a library error, before anything is written.
 void OpenNamedDeck(Run& run, const JobSettings& settings);
 
-/// Name of the table of masses of direction 1, 2 or 3.
-std::string MassFileName(const Units& units, std::int32_t direction);
-
 /// Asks for the listing's name, with the overwrite question for a file that exists, and opens unit 3.
 void OpenListing(Run& run);
 

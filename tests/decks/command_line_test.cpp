@@ -5,10 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace zurt_test {
@@ -168,6 +170,31 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
         EXPECT_TRUE(Contains(clash.errors, "it is the deck of this run")) << clash.errors;
         EXPECT_EQ(ReadFile(folder + "/" + name), kGood);
     }
+}
+
+// Faults: a second run that cuts the files of the first, or isn't told why it may not.
+TEST(CommandLine, RunsInOneFolderAreKeptApart) {
+    BarDeck bar;
+    bar.periods = {{1000000, 1e-6}};
+    const std::string first = FolderWith("zurt.dat", Build(bar)), second = FolderWith("other.dat");
+    Invocation invocation = {{"zurt.dat", "--force", "--output", first}, ""};
+    invocation.interruptAfterSteps = 400;
+    RunResult longRun;
+    std::thread other([&] { longRun = RunProgram(first, invocation); });
+    while (!fs::exists(first + "/MESSAGES.LST"))
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--force", "--output", first, "other.dat"},
+          {"-f", "-o", first + "/../" + fs::path(first).filename().string(), "other.dat"}}) {
+        const RunResult refused = RunProgram(second, {arguments, ""});
+        EXPECT_EQ(refused.status, 2);
+        EXPECT_TRUE(Contains(refused.errors, "another run is writing to this folder")) << refused.errors;
+    }
+    other.join();
+    EXPECT_EQ(longRun.status, 3) << longRun.errors;
+    EXPECT_GE(AllConcentrations(longRun.listing).size(), 400U);
+    EXPECT_EQ(RunProgram(second, {{"--force", "--output", first, "other.dat"}, ""}).status, 0)
+        << "the lock ends with its run";
 }
 
 // Faults: an interrupt that loses or cuts results, that ends as success, or says nothing of how far the run came.

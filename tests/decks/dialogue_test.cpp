@@ -236,6 +236,18 @@ TEST(Dialogue, FilesThatCantBeWritten) {
         EXPECT_TRUE(Contains(same.errors, std::string("it is the ") + lost)) << same.errors;
         EXPECT_EQ(ReadFile(folder + "/zurt.dat"), ShortDeck());
     }
+    for (const char* name :
+         {"MESSAGES.LST", "MASS-X.LST", "MASS-Z.LST", "ZITEMP"}) { // fixed names, and links of them
+        const std::string named = FolderWith(name), linked = FolderWith("zurt.dat");
+        ExpectRefused(RunInFolder(named, std::string(name) + "\nout\nout2\n"), "it is the deck of this run");
+        EXPECT_EQ(ReadFile(named + "/" + name), ShortDeck());
+        fs::create_hard_link(linked + "/zurt.dat", linked + "/" + name);
+        ExpectRefused(RunInFolder(linked, "\nout\nout2\n"), "it is the deck of this run");
+        EXPECT_EQ(ReadFile(linked + "/zurt.dat"), ShortDeck());
+        const std::string folder = FolderWith("zurt.dat");
+        ExpectRefused(RunInFolder(folder, "\n" + std::string(name) + "\n\n"),
+                      std::string("it is the file ") + name);
+    }
     const std::string discarding = FolderWith("zurt.dat");
     fs::create_symlink("/dev/null", discarding + "/zurt.unv");
     EXPECT_EQ(RunInFolder(discarding, "\n\n\nD\n").status, 0);

@@ -101,19 +101,22 @@ TEST(ExchangeFiles, FullMatrixAndTheResidualOfASolution) {
 
 // Faults: indices of a damaged file used as they are.
 TEST(ExchangeFilesStops, DamagedMatrixTouchesNothing) {
+    const auto report = [] {
+        return zurt_test::MakeTemporaryFolder() + "/report";
+    }; // one that stops stays open
     const std::string name = zurt_test::MakeTemporaryFolder() + "/FULLMATR.BIN";
     const std::string size = Bytes(std::int32_t{2}) + Bytes(std::int32_t{1});
     Reals X = {1, 2}, R = {0, 0};
     for (const std::string& entry :
          {EntryBytes(3, 1, 1), EntryBytes(0, 1, 1), EntryBytes(1, 2147483647, 1), EntryBytes(1, -1, 1)}) {
         zurt_test::WriteFile(name, size + entry);
-        EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, name + ".txt"),
+        EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, report()),
                              "an entry outside its equations");
     }
-    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 1, View(R), name, name + ".txt"),
+    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 1, View(R), name, report()),
                          "another number of equations");
     zurt_test::WriteFile(name, size);
-    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, name + ".txt"), "ends too early");
+    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, report()), "ends too early");
 }
 
 // Faults: small entries written or left out against the count, a small diagonal left out, row and column exchanged.

@@ -1,0 +1,10 @@
+// Locks on the files that a run writes, so that a second run does not cut them.
+#pragma once
+
+namespace zurt {
+
+/// Takes the lock of an open file until it is closed or the process ends. False when another process holds it; a file system
+/// that knows no locks lets everybody in.
+bool LockFile(int descriptor);
+
+} // namespace zurt
