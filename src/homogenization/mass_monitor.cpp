@@ -1,6 +1,7 @@
 #include "homogenization/mass_monitor.h"
 
 #include "elements/form_elements.h"
+#include "timeint/finite_results.h"
 
 #include <algorithm>
 #include <cmath>
@@ -125,7 +126,9 @@ void RecordFlow(Run& run) {
     if (!section.found)
         FindCrossSection(run, card.INDDEG, section);
     std::vector<double>& flux = card.IEHM == 0 ? run.mass.FLUXMICRO : run.mass.FLUXEQUIV;
-    RealArray(flux.data(), static_cast<Word>(flux.size()))(run.control.state.KOR) = FlowThrough(run, section);
+    const double flow = FlowThrough(run, section);
+    RealArray(flux.data(), static_cast<Word>(flux.size()))(run.control.state.KOR) = flow;
+    RequireFinite(run, flow, "flow through the inlet cross-section", "look for absurd sizes in the deck");
 }
 
 bool IsMassOfRounding(const Run& run, double mass) {

@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zurt {
@@ -77,6 +78,19 @@ bool IncrementIsSmall(const HeaderFields& header, double increment, double ratio
            increment < kSmallestNorm;
 }
 
+// The root of a sum of squares; where the squares leave the range of numbers the vector is scaled first.
+double NormOf(ConstRealArray vector, double sumOfSquares) {
+    if (std::isfinite(sumOfSquares))
+        return std::sqrt(sumOfSquares);
+    double largest = 0.0;
+    for (Word i = 1; i <= vector.length; ++i)
+        largest = std::max(largest, std::fabs(vector(i)));
+    double sum = 0.0;
+    for (Word i = 1; i <= vector.length; ++i)
+        sum += (vector(i) / largest) * (vector(i) / largest);
+    return largest * std::sqrt(sum);
+}
+
 } // namespace
 
 IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray reference,
@@ -87,7 +101,7 @@ IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray re
         sumReference += reference(i) * reference(i);
         sumSolution += solution(i) * solution(i);
     }
-    return {std::sqrt(sumIncrement), std::sqrt(sumReference), std::sqrt(sumSolution)};
+    return {NormOf(increment, sumIncrement), NormOf(reference, sumReference), NormOf(solution, sumSolution)};
 }
 
 bool ConvergenceTest(Run& run, ConstRealArray increment, ConstRealArray reference, ConstRealArray solution) {

@@ -8,8 +8,8 @@
 #include "solver/sparse_solver.h"
 #include "timeint/convergence.h"
 #include "timeint/equilibrium_note.h"
+#include "timeint/finite_results.h"
 
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -138,24 +138,12 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
     StopRun(unit);
 }
 
-// The test's comparisons all fail on a solution that is not a number: it would pass as converged, or never. Neither does a
-// negative MAXIT end the iteration by count.
-void StopIfMeaningless(const Run& run, double increment) {
+// A negative MAXIT does not end the iteration by count.
+void StopAtLastIteration(const Run& run) {
     const RunState& state = run.control.state;
-    const std::string where =
-        "step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER);
-    if (std::isnan(increment))
-        StopWithLibraryError(where + ": the solution is not a number; look for absurd sizes in the deck");
     if (state.ITER == kLastIteration)
-        StopWithLibraryError(where + ": no equilibrium, and MAXIT is negative");
-}
-
-// Not a number as soon as one entry is none.
-double SumOfEntries(ConstRealArray vector) {
-    double sum = 0.0;
-    for (Word i = 1; i <= vector.length; ++i)
-        sum += vector(i);
-    return sum;
+        StopWithLibraryError("step " + std::to_string(state.KOR) + ", iteration " +
+                             std::to_string(state.ITER) + ": no equilibrium, and MAXIT is negative");
 }
 
 } // namespace
@@ -170,14 +158,15 @@ void IterateStep(Run& run) {
         FormSystem(run);
         StopIfInterrupted();
         SolveSystem(run);
-        if (state.NonlinearFlag == 0) {
-            StopIfMeaningless(run, SumOfEntries(RightHandSide(run)));
+        RequireFiniteSolution(run);
+        if (state.NonlinearFlag == 0)
             return;
-        }
         UpdateSolution(run);
         const RealArray reference = header.INTEB == 1 ? StepIncrement(run) : StepSolution(run);
         const bool converged = ConvergenceTest(run, RightHandSide(run), reference, StepSolution(run));
-        StopIfMeaningless(run, state.IncrementNorm);
+        RequireFinite(run, state.IncrementNorm, "norm of the increment",
+                      "its entries lie at the end of the range of numbers");
+        StopAtLastIteration(run);
         if (converged)
             return;
         if (state.ITER == 0 || state.IncrementNorm < state.LowestIncrement) {

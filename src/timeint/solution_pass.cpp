@@ -14,6 +14,7 @@
 #include "results/torsion.h"
 #include "results/unv_results.h"
 #include "timeint/equilibrium.h"
+#include "timeint/finite_results.h"
 #include "timeint/step_file.h"
 
 namespace zurt {
@@ -26,6 +27,7 @@ void AdvanceTime(Run& run) {
     state.StartTime = state.TIME;
     state.TimeStep = RealSection(run.A, run.control.at.LDT, state.NDT)(state.KOR);
     state.TIME += state.TimeStep;
+    RequireFiniteTime(run);
     state.GraphicsInterval = header.IGRAF * state.TimeStep;
     if (state.KOR == 1)
         state.GraphicsLimit = state.NDT / header.IGRAF;
@@ -118,6 +120,8 @@ void EndStep(Run& run) {
     ++state.GraphicsCounter;
     FillNodalValues(run);
     EvaluateNodalResults(run);
+    if (WritesResults(run))
+        RequireFiniteNodalResults(run);
     SaveStep(state.KOR, state.TIME, StepSolution(run), run.control.header.NCZK, state.NCZZ,
              run.units.stepFile);
     RecordStep(run);

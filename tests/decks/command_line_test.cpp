@@ -5,12 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <set>
 #include <string>
-#include <thread>
+#include <sys/file.h>
+#include <unistd.h>
 #include <vector>
 
 namespace zurt_test {
@@ -172,29 +173,23 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
     }
 }
 
-// Faults: a second run that cuts the files of the first, or isn't told why it may not.
+// Faults: a second run that cuts the files of the first, or isn't told why it may not. The first one is this process, which
+// holds the locks that a run holds.
 TEST(CommandLine, RunsInOneFolderAreKeptApart) {
-    BarDeck bar;
-    bar.periods = {{1000000, 1e-6}};
-    const std::string first = FolderWith("zurt.dat", Build(bar)), second = FolderWith("other.dat");
-    Invocation invocation = {{"zurt.dat", "--force", "--output", first}, ""};
-    invocation.interruptAfterSteps = 400;
-    RunResult longRun;
-    std::thread other([&] { longRun = RunProgram(first, invocation); });
-    while (!fs::exists(first + "/MESSAGES.LST"))
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"--force", "--output", first, "other.dat"},
-          {"-f", "-o", first + "/../" + fs::path(first).filename().string(), "other.dat"}}) {
-        const RunResult refused = RunProgram(second, {arguments, ""});
-        EXPECT_EQ(refused.status, 2);
-        EXPECT_TRUE(Contains(refused.errors, "another run is writing to this folder")) << refused.errors;
+    for (const auto& [name, words] :
+         {std::pair{"ZITEMP", "another run is writing to this folder (it holds ZITEMP)"},
+          {"zurt.lst", "can't open zurt.lst for writing: another run is writing to it"}}) {
+        const std::string folder = FolderWith("zurt.dat");
+        WriteFile(folder + "/" + name, "of the first run");
+        const int held = open((folder + "/" + name).c_str(), O_WRONLY | O_CLOEXEC);
+        ASSERT_EQ(flock(held, LOCK_EX), 0);
+        const RunResult direct = RunProgram(folder, {{"-f", "zurt.dat"}, ""});
+        EXPECT_EQ(ReadFile(folder + "/" + name), "of the first run");
+        close(held);
+        EXPECT_EQ(direct.status, 2);
+        EXPECT_TRUE(Contains(direct.errors, words)) << direct.errors;
+        EXPECT_EQ(RunProgram(folder, {{"-f", "zurt.dat"}, ""}).status, 0) << "the lock ends with its run";
     }
-    other.join();
-    EXPECT_EQ(longRun.status, 3) << longRun.errors;
-    EXPECT_GE(AllConcentrations(longRun.listing).size(), 400U);
-    EXPECT_EQ(RunProgram(second, {{"--force", "--output", first, "other.dat"}, ""}).status, 0)
-        << "the lock ends with its run";
 }
 
 // Faults: an interrupt that loses or cuts results, that ends as success, or says nothing of how far the run came.
