@@ -1,10 +1,27 @@
 // zurt: runs the deck of its command line; started without arguments, asks for its file names on the console.
 #include "job/command_line.h"
 #include "job/driver.h"
+#include "job/process.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+struct Arguments {
+    int count;
+    char** values;
+};
+
+int RunMain(void* pointer) {
+    const Arguments& arguments = *static_cast<Arguments*>(pointer);
     int status = 0;
-    if (const auto settings = zurt::ReadCommandLine(argc, argv, status))
+    if (const auto settings = zurt::ReadCommandLine(arguments.count, arguments.values, status))
         status = zurt::JobDriver(*settings, stdin, stdout);
     return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    zurt::PrepareProcess();
+    Arguments arguments{argc, argv};
+    return zurt::RunOnOwnStack(RunMain, &arguments);
 }

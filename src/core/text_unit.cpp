@@ -90,11 +90,15 @@ void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name) 
 }
 
 void CloseTextUnit(TextUnit& unit) {
-    if (unit.file != nullptr && std::fclose(unit.file) != 0)
-        StopOnWriteFailure(unit);
+    const bool failed = unit.file != nullptr && std::fclose(unit.file) != 0;
+    const int reason = errno;
     unit.file = nullptr;
     std::free(unit.buffer);
     unit.buffer = nullptr;
+    if (failed) {
+        errno = reason;
+        StopOnWriteFailure(unit);
+    }
 }
 
 void FlushTextUnit(TextUnit& unit) {

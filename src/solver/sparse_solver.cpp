@@ -8,6 +8,7 @@
 #include <mpi.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace zurt {
@@ -54,6 +55,16 @@ template <class T> void FreeArray(T*& array) {
     array = nullptr;
 }
 
+// A solver that is left alive would spoil the next one in the process.
+void ReleaseSolver(DMUMPS_STRUC_C& instance) {
+    CallSolver(instance, kEndInstance);
+    FreeArray(instance.irn);
+    FreeArray(instance.jcn);
+    FreeArray(instance.a);
+    FreeArray(instance.rhs);
+    MPI_Finalize();
+}
+
 [[noreturn]] void StopAfterFailure(DMUMPS_STRUC_C& instance, TextUnit& console, TextUnit& listing,
                                    std::int32_t SolverReportFlag) {
     struct ReportLine {
@@ -61,12 +72,12 @@ template <class T> void FreeArray(T*& array) {
         const char* onListing;
         MUMPS_INT value;
     };
-    const MUMPS_INT* INFO = instance.info - 1;
+    const auto INFO = [&](int number) { return instance.info[number - 1]; };
     const ReportLine lines[] = {
-        {"INFO1:", "INFO1  :", INFO[1]},   {"INFO2:", "INFO2  :", INFO[2]},
-        {"INFO3:", "INFO3  :", INFO[3]},   {"INFO7:", "INFO7  :", INFO[7]},
-        {"INFO8:", "INFO8  :", INFO[8]},   {"INFO9:", "INFO9  :", INFO[9]},
-        {"INFO15:", "INFO15 :", INFO[15]}, {"ICNTL14:", "ICNTL14:", instance.icntl[13]},
+        {"INFO1:", "INFO1  :", INFO(1)},   {"INFO2:", "INFO2  :", INFO(2)},
+        {"INFO3:", "INFO3  :", INFO(3)},   {"INFO7:", "INFO7  :", INFO(7)},
+        {"INFO8:", "INFO8  :", INFO(8)},   {"INFO9:", "INFO9  :", INFO(9)},
+        {"INFO15:", "INFO15 :", INFO(15)}, {"ICNTL14:", "ICNTL14:", instance.icntl[13]},
     };
     const Format line = "(1X,A,I12)";
     for (const ReportLine& report : lines)
@@ -76,6 +87,20 @@ template <class T> void FreeArray(T*& array) {
     SolverStop(instance, console, SolverReportFlag);
     Write(BeginMessage(console), "(' ERROR IN SOLVER EXECUTION - STOPPING CALCULATION')");
     StopRun(console);
+}
+
+// The factors of an unsymmetric system have no inertia. But b . x = x . A x is above zero for every solution of a positive
+// definite system; rounding leaves it within this of |b| |x|.
+constexpr double kRoundedEnergy = 1e-10;
+
+bool HasPositiveEnergy(ConstRealArray b, ConstRealArray x) {
+    double energy = 0.0, squareOfB = 0.0, squareOfX = 0.0;
+    for (Word i = 1; i <= x.length; ++i) {
+        energy += b(i) * x(i);
+        squareOfB += b(i) * b(i);
+        squareOfX += x(i) * x(i);
+    }
+    return energy >= -kRoundedEnergy * std::sqrt(squareOfB) * std::sqrt(squareOfX);
 }
 
 } // namespace
@@ -100,12 +125,12 @@ void SolverStart(DMUMPS_STRUC_C& instance, std::int32_t N, std::int32_t NZ, Text
 }
 
 void SetSolverControls(DMUMPS_STRUC_C& instance) {
-    MUMPS_INT* ICNTL = instance.icntl - 1;
-    ICNTL[4] = 0;
-    ICNTL[1] = -1;
-    ICNTL[2] = -1;
-    ICNTL[14] = 120;
-    ICNTL[3] = -1;
+    const auto ICNTL = [&](int number) -> MUMPS_INT& { return instance.icntl[number - 1]; };
+    ICNTL(4) = 0;
+    ICNTL(1) = -1;
+    ICNTL(2) = -1;
+    ICNTL(14) = 120;
+    ICNTL(3) = -1;
 }
 
 void SolverFactor(DMUMPS_STRUC_C& instance, TextUnit& console, TextUnit& listing,
@@ -123,17 +148,18 @@ void SolverBackSolve(DMUMPS_STRUC_C& instance, RealArray R) {
     const RealArray RHS{instance.rhs, instance.n};
     Copy<double>(R, RHS);
     CallSolver(instance, kSubstitute);
+    if (!HasPositiveEnergy(R, RHS)) {
+        ReleaseSolver(instance);
+        StopWithLibraryError(
+            "the system matrix is not positive definite (the energy of its solution is negative): look for "
+            "negative coefficients, areas or densities, and for a steady problem without a held node");
+    }
     Copy<double>(RHS, Section(R, 1, instance.n));
 }
 
 void SolverStop(DMUMPS_STRUC_C& instance, TextUnit& console, std::int32_t SolverReportFlag) {
     ReportStage(console, SolverReportFlag, "Killing solver...");
-    CallSolver(instance, kEndInstance);
-    FreeArray(instance.irn);
-    FreeArray(instance.jcn);
-    FreeArray(instance.a);
-    FreeArray(instance.rhs);
-    MPI_Finalize();
+    ReleaseSolver(instance);
 }
 
 void SolveSparseSystem(RealArray R, std::int32_t JEDN, std::int32_t /*reserved*/, TextUnit& console,
@@ -146,6 +172,7 @@ void SolveSparseSystem(RealArray R, std::int32_t JEDN, std::int32_t /*reserved*/
     SparseKill(kSilent);
     if (JEDN < 1 || NZ < 1) {
         Write(BeginMessage(console), "(' Error in solver calling!')");
+        ReleaseSolver(instance);
         StopRun(console);
     }
     SolverFactor(instance, console, listing, SolverReportFlag);
