@@ -19,21 +19,22 @@ constexpr CardField kGroupFields[] = {
     ZURT_COUNT(RadialGroup, NSUBEL4MX, "I5", "most sub-elements of an element, up to 10; 0 becomes 1"),
     ZURT_COUNT(RadialGroup, NP4DMX, "I5", "most nodes of a sub-element; 0 becomes 2, more reserves room"),
     ZURT_REAL(RadialGroup, CFIBER0, "D10.2", "initial concentration in the fibres"),
-    ZURT_INTEGER(RadialGroup, IPARTIT, "I5", "1: partition values are read"),
+    ZURT_CODE(RadialGroup, IPARTIT, "I5", 0, 1, "acts as 0: no partition values",
+              "1: partition values are read"),
 };
 
 constexpr CardField kElementFields[] = {
     ZURT_INTEGER(RadialElementCard, NN, "I8", "element number"),
     ZURT_BLANKS("7X"),
-    ZURT_REAL(RadialElementCard, D, "D10.4", "diffusion coefficient"),
-    ZURT_REAL(RadialElementCard, LENGTH, "D10.4", "length of the fibre"),
-    ZURT_REAL(RadialElementCard, RADIUS, "D10.4", "radius of the fibre"),
+    ZURT_AMOUNT(RadialElementCard, D, "D10.4", "diffusion coefficient"),
+    ZURT_AMOUNT(RadialElementCard, LENGTH, "D10.4", "length of the fibre"),
+    ZURT_AMOUNT(RadialElementCard, RADIUS, "D10.4", "radius of the fibre"),
     ZURT_INTEGER(RadialElementCard, COUNT, "I8", "ISUB4 1: nodes along the radius; else sub-elements"),
     ZURT_DORMANT(RadialElementCard, ContinuumNode, "I8", "ISUB4 1: node of the continuum at its surface",
                  "no effect with `ISUB4` 0"),
     ZURT_REAL(RadialElementCard, CENTRE, "D10.2", "centre of the fibre, for the graphics file"),
-    ZURT_DORMANT(RadialElementCard, PARTITION, "D10.2", "partition value, under IPARTIT 1",
-                 "no effect with `ISUB4` 1"),
+    ZURT_CHECKED_FIELD(RadialElementCard, PARTITION, "D10.2", kAnyInteger, "partition value, under IPARTIT 1",
+                       "no effect with `ISUB4` 1", FieldValues{0.0, HUGE_VAL, ""}),
 };
 
 constexpr CardField kNodeFields[] = {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <string>
 
 namespace zurt {
@@ -23,6 +24,20 @@ struct CardPlace {
 
 const char* Expected(const FieldDescriptor& descriptor) {
     return descriptor.kind == 'I' ? "an integer is expected" : "a number is expected";
+}
+
+std::string Shown(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.9g", value);
+    return text;
+}
+
+std::string RangeText(const FieldValues& values) {
+    if (values.low == 0.0 && std::isinf(values.high))
+        return "a negative value has no meaning here";
+    if (std::isinf(values.high))
+        return "values below " + Shown(values.low) + " have no meaning here";
+    return "values outside " + Shown(values.low) + " to " + Shown(values.high) + " have no meaning here";
 }
 
 void CheckInteger(const CardPlace& place, const CardField& field, std::int32_t value) {
@@ -77,8 +92,8 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
     CheckReal(place, name, text, value);
 }
 
-void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, std::string_view line,
-                         char* record) {
+void ReadFieldsByColumns(Deck& deck, const CardLayout& layout, std::string_view line, char* record) {
+    const CardPlace place{deck, layout.group};
     CardBuffer image;
     const std::string_view card = CardText(line, layout.columns, image);
     int column = 0;
@@ -94,9 +109,11 @@ void ReadFieldsByColumns(const CardPlace& place, const CardLayout& layout, std::
                 std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
                 ReadColumns(place, field.name, descriptor, card, column, value);
                 CheckInteger(place, field, value);
+                CheckFieldValue(deck, layout.group, field, value);
             } else {
-                ReadColumns(place, field.name, descriptor, card, column,
-                            reinterpret_cast<double*>(record + field.offset)[k]);
+                double& value = reinterpret_cast<double*>(record + field.offset)[k];
+                ReadColumns(place, field.name, descriptor, card, column, value);
+                CheckFieldValue(deck, layout.group, field, value);
             }
         }
     }
@@ -144,6 +161,23 @@ bool NextNumber(ListRead& read, const char* name, double& value) {
     return status != ListStatus::Ended;
 }
 
+// A remark behind the last field is the author's; a number there was meant to be read.
+void NoteWhatIsLeft(ListRead& read) {
+    const std::string_view rest =
+        read.scanner.record.substr(std::min(read.scanner.position, read.scanner.record.size()));
+    const std::size_t first = rest.find_first_not_of(" \t,");
+    if (first == std::string_view::npos && read.scanner.repeatsLeft == 0)
+        return;
+    const char c = first == std::string_view::npos ? '0' : rest[first];
+    const char next = first + 1 < rest.size() ? rest[first + 1] : ' ';
+    const bool sign = (c == '-' || c == '+' || c == '.') && next >= '0' && next <= '9';
+    if ((c >= '0' && c <= '9') || sign)
+        NoteOnCard(read.deck, read.group, "",
+                   "numbers are left over behind the last field; a decimal comma, or a card that is missing "
+                   "further up, shifts "
+                   "what follows");
+}
+
 void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
     ListRead read{deck, layout.group, {}};
     BeginListRead(read);
@@ -157,11 +191,16 @@ void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
                 if (!NextNumber(read, field.name, value))
                     return;
                 CheckInteger({deck, layout.group}, field, value);
-            } else if (!NextNumber(read, field.name, reinterpret_cast<double*>(record + field.offset)[k])) {
-                return;
+                CheckFieldValue(deck, layout.group, field, value);
+            } else {
+                double& value = reinterpret_cast<double*>(record + field.offset)[k];
+                if (!NextNumber(read, field.name, value))
+                    return;
+                CheckFieldValue(deck, layout.group, field, value);
             }
         }
     }
+    NoteWhatIsLeft(read);
 }
 
 // --- many numbers of one kind -------------------------------------------------------------------------------------
@@ -193,19 +232,28 @@ void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const c
 
 } // namespace
 
+void CheckFieldValue(Deck& deck, const char* group, const CardField& field, double value) {
+    const FieldValues& values = field.values;
+    if (!(value < values.low || value > values.high))
+        return;
+    if (*values.otherwise == '\0')
+        DeckError(deck, group, field.name, Shown(value), RangeText(values));
+    NoteOnCard(deck, group, field.name, Shown(value) + " " + values.otherwise);
+}
+
 void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
     const std::string_view line = ReadCardLine(deck, INDFOR, layout.group);
     if (INDFOR == 1)
         ReadFieldsByList(deck, layout, static_cast<char*>(record));
     else if (INDFOR == 2)
-        ReadFieldsByColumns({deck, layout.group}, layout, line, static_cast<char*>(record));
+        ReadFieldsByColumns(deck, layout, line, static_cast<char*>(record));
 }
 
 void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
     const std::string_view line = ReadCardLine(deck, INDFOR, layout.group);
     if (INDFOR != 2)
         deck.imageLine = deck.lineInHand; // a failure on this card brings a hint
-    ReadFieldsByColumns({deck, layout.group}, layout, line, static_cast<char*>(record));
+    ReadFieldsByColumns(deck, layout, line, static_cast<char*>(record));
 }
 
 void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,

@@ -8,6 +8,7 @@
 
 #include "job/deck.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -40,6 +41,13 @@ constexpr FieldDescriptor Descriptor(const char* text) {
 
 constexpr std::int32_t kAnyInteger = std::numeric_limits<std::int32_t>::min();
 
+/// Which values of a field have a meaning. Others are refused as a deck error, or, where the program does something with
+/// them, taken with a note that says what.
+struct FieldValues {
+    double low = -HUGE_VAL, high = HUGE_VAL;
+    const char* otherwise = ""; // what becomes of others; "": they are refused
+};
+
 struct CardField {
     const char* name; // as the deck's documentation calls it; "" for blank columns
     FieldDescriptor descriptor;
@@ -48,14 +56,17 @@ struct CardField {
     std::int32_t least; // smallest integer that has a meaning; kAnyInteger: no check
     const char* meaning;
     const char* effect; // "" or what the manual says of a field that is read and then decides nothing
+    FieldValues values = {};
 };
 
 /// A row of a layout. MEMBER may be an array: its elements are fields that follow one another.
 #define ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT)                                       \
+    ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT, ::zurt::FieldValues{})
+#define ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT, ...)                          \
     ::zurt::CardField {                                                                                      \
 #MEMBER, ::zurt::Descriptor(DESCRIPTOR), offsetof(RECORD, MEMBER),                                   \
             static_cast < int>(sizeof(RECORD::MEMBER) / (DESCRIPTOR[0] == 'I' ? 4 : 8)), LEAST, MEANING,     \
-            EFFECT                                                                                           \
+            EFFECT, __VA_ARGS__                                                                              \
     }
 #define ZURT_INTEGER(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                    \
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "")
@@ -64,6 +75,17 @@ struct CardField {
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "")
 #define ZURT_DORMANT(RECORD, MEMBER, DESCRIPTOR, MEANING, EFFECT)                                            \
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, EFFECT)
+/// A code of LOW to HIGH; OTHERWISE says what the program does with another one.
+#define ZURT_CODE(RECORD, MEMBER, DESCRIPTOR, LOW, HIGH, OTHERWISE, MEANING)                                 \
+    ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "",                         \
+                       ::zurt::FieldValues{LOW, HIGH, OTHERWISE})
+/// A number that has a meaning between LOW and HIGH alone.
+#define ZURT_RANGE(RECORD, MEMBER, DESCRIPTOR, LOW, HIGH, MEANING)                                           \
+    ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "",                         \
+                       ::zurt::FieldValues{LOW, HIGH, ""})
+/// A length, an area, a density ...: never negative.
+#define ZURT_AMOUNT(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                     \
+    ZURT_RANGE(RECORD, MEMBER, DESCRIPTOR, 0.0, HUGE_VAL, MEANING)
 #define ZURT_BLANKS(DESCRIPTOR)                                                                              \
     ::zurt::CardField {                                                                                      \
         "", ::zurt::Descriptor(DESCRIPTOR), 0, 1, ::zurt::kAnyInteger, "", ""                                \
@@ -93,6 +115,9 @@ void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, v
 /// A card that is always taken from its image by columns, whatever INDFOR says. Under INDFOR 1 ReadCard has stepped
 /// back, so the next reader meets the same card again; a failure carries that hint.
 void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record);
+
+/// The check of a value against a field's row, for numbers that are not read by ReadCardFields.
+void CheckFieldValue(Deck& deck, const char* group, const CardField& field, double value);
 
 /// values.length numbers: list-directed in one statement, or `perCard` to a card under `descriptor`.
 void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,

@@ -240,6 +240,24 @@ void ReadCard(Deck& deck, std::int32_t INDFOR, const char* group, CardBuffer& bu
     TakeImage(ReadCardLine(deck, INDFOR, group), buffer);
 }
 
+void NoteOnCard(Deck& deck, const char* group, const char* field, const std::string& text) {
+    const std::string whole =
+        std::string(group) + (*field != '\0' ? std::string(", field ") + field : "") + ": " + text;
+    for (DeckNote& note : deck.notes)
+        if (note.text == whole) {
+            ++note.count;
+            return;
+        }
+    deck.notes.push_back({whole, "line " + std::to_string(deck.lineInHand), 1});
+}
+
+void WriteDeckNotes(Deck& deck) {
+    for (const DeckNote& note : deck.notes)
+        WriteNote("deck " + deck.name + ", " + note.place + ", " + note.text +
+                  (note.count > 1 ? " (" + std::to_string(note.count) + " such cards)" : ""));
+    deck.notes.clear();
+}
+
 void DeckError(const Deck& deck, const char* group, const char* field, std::string_view found,
                const std::string& reason) {
     std::string text = "deck " + deck.name + ", line " + std::to_string(deck.lineInHand) + ", " + group;

@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zurt {
 
@@ -25,8 +26,16 @@ struct LinePlace {
     Word end = 0; // first byte of the next line
 };
 
+/// What is odd about the values of a field, and how often.
+struct DeckNote {
+    std::string text;  // without the place
+    std::string place; // of the first one
+    Word count = 0;
+};
+
 struct Deck {
     std::string name;
+    std::vector<DeckNote> notes; // since the last WriteDeckNotes
     std::unique_ptr<char[]> bytes;
     Word size = 0;       // of the deck in bytes
     Word lineCount = -1; // lines, a last one without an end included; below 0 until somebody has asked
@@ -75,6 +84,12 @@ void TakeImage(std::string_view line, CardBuffer& buffer);
 
 /// The next record as it stands, for list-directed reads: no comment check, not counted.
 std::string_view NextRecord(Deck& deck, const char* group);
+
+/// Keeps a note on the card in hand, of the group and field named (field "": of the card). Equal texts are counted.
+void NoteOnCard(Deck& deck, const char* group, const char* field, const std::string& text);
+
+/// Writes the notes kept so far to standard error, each once with the place of the first and the count, and forgets them.
+void WriteDeckNotes(Deck& deck);
 
 /// Ends the run with status 2 after a report that names deck, line, card group, field, text found and reason.
 [[noreturn]] void DeckError(const Deck& deck, const char* group, const char* field, std::string_view found,

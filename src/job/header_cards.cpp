@@ -18,70 +18,94 @@ constexpr double kSmallestTolerance = 1e-10;
 constexpr std::int32_t kDefaultMAXIT = 15;
 
 constexpr CardField kFormatFields[] = {
-    ZURT_INTEGER(HeaderFields, INDFOR, "I5", "format of all further cards: 0 or 1 free, 2 fixed"),
-    ZURT_INTEGER(HeaderFields, NDS, "I5", "device modelling: 0 none, 1, 2 or 3"),
-    ZURT_INTEGER(HeaderFields, NANOCH, "I5",
-                 "nanochannel: 0 none, 1 without, 2 with left, 3 with both reservoirs"),
-    ZURT_INTEGER(HeaderFields, SolverSelector, "I5",
-                 "2 selects the sparse solver, any other value the skyline"),
+    ZURT_CODE(HeaderFields, INDFOR, "I5", 0, 2, "is no format: no field of any further card is read",
+              "format of all further cards: 0 or 1 free, 2 fixed"),
+    ZURT_CODE(HeaderFields, NDS, "I5", 0, 3,
+              "is no mode of device modelling: it acts as 1, without fluxes at the nodes",
+              "device modelling: 0 none, 1, 2 or 3"),
+    ZURT_CODE(HeaderFields, NANOCH, "I5", 0, 3,
+              "is no nanochannel: above 3 it acts as 1, below 0 as none whose time functions are left out",
+              "nanochannel: 0 none, 1 without, 2 with left, 3 with both reservoirs"),
+    ZURT_CODE(HeaderFields, SolverSelector, "I5", 0, 2,
+              "selects no solver of its own: the skyline solver runs",
+              "2 selects the sparse solver, any other value the skyline"),
 };
 
 constexpr CardField kFirstDeviceFields[] = {
-    ZURT_REAL(HeaderFields, ELFIB, "D10.4", "length of the domain, X"),
-    ZURT_REAL(HeaderFields, DFIB, "D10.4", "depth of the domain, Y"),
-    ZURT_REAL(HeaderFields, WFIB, "D10.4", "width of the domain, Z"),
+    ZURT_AMOUNT(HeaderFields, ELFIB, "D10.4", "length of the domain, X"),
+    ZURT_AMOUNT(HeaderFields, DFIB, "D10.4", "depth of the domain, Y"),
+    ZURT_AMOUNT(HeaderFields, WFIB, "D10.4", "width of the domain, Z"),
     ZURT_DORMANT(HeaderFields, ELPCL, "D10.4", "length of the second domain, X", "echoed only"),
-    ZURT_REAL(HeaderFields, AMOLAR, "D10.4", "molar mass: factor on nodal mass fluxes"),
-    ZURT_REAL(HeaderFields, DMOLECULE, "D10.4", "diameter of the diffusing molecules"),
+    ZURT_CODE(HeaderFields, AMOLAR, "D10.4", 0.0, HUGE_VAL, "is no molar mass: the factor is 1",
+              "molar mass: factor on nodal mass fluxes"),
+    ZURT_AMOUNT(HeaderFields, DMOLECULE, "D10.4", "diameter of the diffusing molecules"),
 };
 
 constexpr CardField kSecondDeviceFields[] = {
-    ZURT_INTEGER(HeaderFields, NXFIB, "I5", "divisions of the first domain, X"),
-    ZURT_INTEGER(HeaderFields, NYFIB, "I5", "divisions, Y"),
-    ZURT_INTEGER(HeaderFields, NZFIB, "I5", "divisions, Z"),
-    ZURT_INTEGER(HeaderFields, NXPCL, "I5", "divisions of the second domain, X"),
-    ZURT_INTEGER(HeaderFields, INDDEGR, "I5", "1: a degradation card follows"),
+    ZURT_CODE(HeaderFields, NXFIB, "I5", 0, HUGE_VAL, "counts nothing: the outlet layer is passed over",
+              "divisions of the first domain, X"),
+    ZURT_CODE(HeaderFields, NYFIB, "I5", 0, HUGE_VAL, "counts nothing: the outlet layer is passed over",
+              "divisions, Y"),
+    ZURT_CODE(HeaderFields, NZFIB, "I5", 0, HUGE_VAL, "counts nothing: the outlet layer is passed over",
+              "divisions, Z"),
+    ZURT_CODE(HeaderFields, NXPCL, "I5", 0, HUGE_VAL, "counts nothing: the outlet layer is passed over",
+              "divisions of the second domain, X"),
+    ZURT_CODE(HeaderFields, INDDEGR, "I5", 0, 1, "acts as 0: no degradation card is read",
+              "1: a degradation card follows"),
 };
 
 constexpr CardField kDegradationFields[] = {
-    ZURT_REAL(HeaderFields, DEGALPHA, "D10.4", "coefficient alpha"),
-    ZURT_REAL(HeaderFields, DEGIPOR, "D10.4", "initial porosity of the solid"),
-    ZURT_REAL(HeaderFields, DEGPART, "D10.4", "liquid-solid partitioning"),
-    ZURT_REAL(HeaderFields, DEGRATEK, "D10.4", "degradation rate constant k"),
-    ZURT_REAL(HeaderFields, DEGRATEKW, "D10.4", "degradation rate constant kw"),
-    ZURT_REAL(HeaderFields, DIFFCDS, "D10.4", "diffusion coefficient in the solid"),
-    ZURT_REAL(HeaderFields, DIFFCDL, "D10.4", "diffusion coefficient in the liquid"),
+    ZURT_AMOUNT(HeaderFields, DEGALPHA, "D10.4", "coefficient alpha"),
+    ZURT_RANGE(HeaderFields, DEGIPOR, "D10.4", 0.0, 1.0, "initial porosity of the solid"),
+    ZURT_AMOUNT(HeaderFields, DEGPART, "D10.4", "liquid-solid partitioning"),
+    ZURT_AMOUNT(HeaderFields, DEGRATEK, "D10.4", "degradation rate constant k"),
+    ZURT_AMOUNT(HeaderFields, DEGRATEKW, "D10.4", "degradation rate constant kw"),
+    ZURT_AMOUNT(HeaderFields, DIFFCDS, "D10.4", "diffusion coefficient in the solid"),
+    ZURT_AMOUNT(HeaderFields, DIFFCDL, "D10.4", "diffusion coefficient in the liquid"),
 };
 
 constexpr CardField kBasicDataFields[] = {
     ZURT_INTEGER(HeaderFields, NP, "I10", "number of nodes; must be positive"),
     ZURT_COUNT(HeaderFields, NGET, "I5", "number of element groups, at most 10; 0 becomes 1"),
     ZURT_COUNT(HeaderFields, NMATT, "I5", "number of materials; 0 becomes 1"),
-    ZURT_INTEGER(HeaderFields, NSTAC, "I5", "0 steady, any other value transient"),
-    ZURT_INTEGER(HeaderFields, NPER, "I5", "number of periods of constant step; 0 becomes 1"),
+    ZURT_CODE(HeaderFields, NSTAC, "I5", 0, 1, "is not 0: the problem is transient",
+              "0 steady, any other value transient"),
+    ZURT_AMOUNT(HeaderFields, NPER, "I5", "number of periods of constant step; 0 becomes 1"),
     ZURT_INTEGER(HeaderFields, NPRINT, "I5", "printing interval in steps; 0 becomes 1, negative: no results"),
-    ZURT_INTEGER(HeaderFields, IANIZ, "I5", "0 isotropic, 1 anisotropic"),
-    ZURT_INTEGER(HeaderFields, NULAZ, "I5", "input printout: 1 cards and data, 2 cards, 3 data; 0 becomes 1"),
-    ZURT_INTEGER(HeaderFields, ITOR, "I5", "analogue problems: 1 torsion, 2, 3 potential flow"),
+    ZURT_CODE(HeaderFields, IANIZ, "I5", 0, 1, "acts as 0: isotropic", "0 isotropic, 1 anisotropic"),
+    ZURT_CODE(HeaderFields, NULAZ, "I5", -HUGE_VAL, 3, "asks for nothing: no input is printed",
+              "input printout: 1 cards and data, 2 cards, 3 data; 0 becomes 1"),
+    ZURT_CODE(HeaderFields, ITOR, "I5", 0, 3, "is no analogue: it acts as 0",
+              "analogue problems: 1 torsion, 2, 3 potential flow"),
     ZURT_INTEGER(HeaderFields, IGRAF, "I5", "graphics interval in steps; 0 becomes 1, negative: no file"),
-    ZURT_INTEGER(HeaderFields, IDIRECTD, "I5", "1: direct calculation of the effective coefficient"),
+    ZURT_CODE(HeaderFields, IDIRECTD, "I5", 0, 1, "acts as 0: no direct calculation",
+              "1: direct calculation of the effective coefficient"),
 };
 
 constexpr CardField kControlFields[] = {
-    ZURT_INTEGER(HeaderFields, INTEB, "I5", "time integration: 1 Euler backward; 0 becomes 1"),
+    ZURT_CODE(HeaderFields, INTEB, "I5", 0, 1, "is not built: quadrilaterals and bricks are not formed",
+              "time integration: 1 Euler backward; 0 becomes 1"),
     ZURT_DORMANT(HeaderFields, INDSC, "I5", "print of results in prescribed nodes", "echoed only"),
-    ZURT_INTEGER(HeaderFields, IFORM, "I5", "listed values: 0 in E13.5, 1 in F10.3"),
-    ZURT_INTEGER(HeaderFields, MAXIT, "I5", "largest iteration number of a step; 0 becomes 15"),
-    ZURT_REAL(HeaderFields, EPSTA, "F10.2", "absolute accuracy; takes part above 1e-10"),
-    ZURT_REAL(HeaderFields, EPSTR, "F10.2", "relative accuracy; 1e-3 when both accuracies are below 1e-10"),
+    ZURT_CODE(HeaderFields, IFORM, "I5", 0, 1, "acts as 0: values in E13.5",
+              "listed values: 0 in E13.5, 1 in F10.3"),
+    ZURT_CODE(HeaderFields, MAXIT, "I5", 0, HUGE_VAL,
+              "sets no limit: a step that does not converge goes on for ever",
+              "largest iteration number of a step; 0 becomes 15"),
+    ZURT_CODE(HeaderFields, EPSTA, "F10.2", 0.0, HUGE_VAL, "takes no part",
+              "absolute accuracy; takes part above 1e-10"),
+    ZURT_CODE(HeaderFields, EPSTR, "F10.2", 0.0, HUGE_VAL, "is met by no step that changes",
+              "relative accuracy; 1e-3 when both accuracies are below 1e-10"),
     ZURT_DORMANT(HeaderFields, NJRAP, "I5", "iteration method; 0 becomes 1",
                  "echoed only: the iteration is the same for every value"),
-    ZURT_INTEGER(HeaderFields, IPASSPRINT, "I5", "pass to be written; stored as the card's value plus one"),
+    ZURT_CODE(HeaderFields, IPASSPRINT, "I5", 0, 2, "prints no pass of a direct calculation",
+              "pass to be written; stored as the card's value plus one"),
 };
 
 constexpr CardField kExecutionFields[] = {
-    ZURT_INTEGER(HeaderFields, IREST, "I5", "0 check of input data, any other value execution"),
-    ZURT_INTEGER(HeaderFields, NCZK, "I5", "last steps to keep in the step file; 0 all"),
+    ZURT_CODE(HeaderFields, IREST, "I5", 0, 2, "acts as 1: execution",
+              "0 check of input data, any other value execution"),
+    ZURT_CODE(HeaderFields, NCZK, "I5", 0, HUGE_VAL, "acts as 0: all steps are kept",
+              "last steps to keep in the step file; 0 all"),
     ZURT_DORMANT(HeaderFields, NCZR, "I5", "steps on the disk before a restart",
                  "echoed only: nothing restarts"),
     ZURT_DORMANT(HeaderFields, VREM0, "E15.8", "time of a restart", "echoed only: nothing restarts"),
@@ -89,12 +113,14 @@ constexpr CardField kExecutionFields[] = {
 };
 
 constexpr CardField kGroupFields[] = {
-    ZURT_INTEGER(ElementGroup, NETIP, "I5",
-                 "element type: 1, 2, 3 by dimension, any other the radial fibre element"),
+    ZURT_CODE(ElementGroup, NETIP, "I5", 1, 4, "acts as 4: radial fibre elements",
+              "element type: 1, 2, 3 by dimension, any other the radial fibre element"),
     ZURT_COUNT(ElementGroup, NET, "I10", "number of elements"),
-    ZURT_INTEGER(ElementGroup, INDAX, "I5", "1: axisymmetric"),
-    ZURT_INTEGER(ElementGroup, IZIP, "I5", "volume source: 0 none, 1 by time, 2 by concentration"),
-    ZURT_INTEGER(ElementGroup, ISUB4, "I5", "radial element: 1 with substructuring"),
+    ZURT_CODE(ElementGroup, INDAX, "I5", 0, 1, "acts as 1: axisymmetric", "1: axisymmetric"),
+    ZURT_CODE(ElementGroup, IZIP, "I5", 0, 2, "asks for no source: the group has none",
+              "volume source: 0 none, 1 by time, 2 by concentration"),
+    ZURT_CODE(ElementGroup, ISUB4, "I5", 0, 1, "is no code: below 1 it acts as 0, above in part as 1",
+              "radial element: 1 with substructuring"),
     ZURT_INTEGER(ElementGroup, IND4N, "I5", "radial element: common nodes, 0 one, 1 four, 2 eight"),
 };
 
@@ -119,7 +145,8 @@ constexpr CardField kDeviceMaterialHeaderFields[] = {
 };
 
 constexpr CardField kBoundaryFields[] = {
-    ZURT_INTEGER(CurveCounts, NPOC, "I5", "groups of initial values; 0 or 1: one value for all nodes"),
+    ZURT_CODE(CurveCounts, NPOC, "I5", 0, HUGE_VAL, "acts as 1: one value for all nodes",
+              "groups of initial values; 0 or 1: one value for all nodes"),
     ZURT_COUNT(CurveCounts, NQP, "I5", "surface flux functions"),
     ZURT_COUNT(CurveCounts, MAXTQP, "I5", "most points of one of them"),
     ZURT_COUNT(CurveCounts, NHP, "I5", "convection functions"),

@@ -270,6 +270,7 @@ void ReadProblem(Run& run) {
     TakeSolverVectors(run);
     WriteSizeReport(run);
     StopIfSystemOverflows(run);
+    WriteDeckNotes(run.deck);
 }
 
 } // namespace zurt

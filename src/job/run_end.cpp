@@ -87,6 +87,7 @@ bool FlushEverything() {
 
 int ReportStop(Run& run, const RunStop& stop) {
     FlushEverything(); // the report stands last where both streams are one
+    WriteDeckNotes(run.deck);
     std::string line = "error: " + stop.text;
     int status = kFailed;
     if (stop.kind == StopKind::Message) {

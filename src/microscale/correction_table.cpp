@@ -97,8 +97,12 @@ void ReadRow(Run& run, Word i, double distance, RealArray row, RealTable factor)
         Write(run.units.listing, head, i, distance * kNanometresPerUnit);
     Fill(row, 0.0);
     ReadCardsOfEight(run, "FACTOR", row, line);
-    for (Word j = 1; j <= row.length; ++j)
+    for (Word j = 1; j <= row.length; ++j) {
+        if (row(j) < 0.0)
+            DeckError(run.deck, kValueCards, "FACTOR", std::to_string(row(j)),
+                      "a negative factor has no meaning");
         factor(i, j) = row(j);
+    }
 }
 
 void NoteDistancesThatFall(ConstRealArray distance) {
@@ -108,6 +112,17 @@ void NoteDistancesThatFall(ConstRealArray distance) {
         WriteNote("the distances of a correction factor table do not rise from row " + std::to_string(i) +
                   " to row " + std::to_string(i + 1) +
                   "; a distance takes the first interval that holds it, and 1 at or beyond the last row");
+        return;
+    }
+}
+
+void NoteConcentrationsThatFall(ConstRealArray concentration) {
+    for (Word j = 1; j < concentration.length; ++j) {
+        if (concentration(j) < concentration(j + 1))
+            continue;
+        WriteNote("the concentrations of a correction factor table do not rise from column " +
+                  std::to_string(j) + " to column " + std::to_string(j + 1) +
+                  "; a concentration takes the first interval that holds it");
         return;
     }
 }
@@ -145,6 +160,7 @@ void ReadCorrectionTable(Run& run, CorrectionTableOwner owner, RealArray distanc
     for (Word i = 1; i <= distance.length; ++i)
         ReadRow(run, i, distance(i), {row.data(), concentration.length}, factor);
     NoteDistancesThatFall(distance);
+    NoteConcentrationsThatFall(concentration);
 }
 
 void ReadCorrectionTable(Run& run, CorrectionTableOwner owner, CorrectionTable& table) {

@@ -37,7 +37,7 @@ constexpr CardField kFibreSetFields[] = {
     ZURT_INTEGER(FibreSet, NTYPE, "I5", "0: lines, 1: spheres"),
     ZURT_REAL(FibreSet, DIAM, "F10.6", "diameter of all fibres of the set"),
     ZURT_DORMANT(FibreSet, DLENGTH, "F10.6", "length of the fibres", "echoed only"),
-    ZURT_REAL(FibreSet, WALLCUT, "F10.6", "wall distances above it stay out of the start value of HEQ"),
+    ZURT_AMOUNT(FibreSet, WALLCUT, "F10.6", "wall distances above it stay out of the start value of HEQ"),
 };
 
 constexpr CardField kSearchBoxFields[] = {

@@ -1,5 +1,7 @@
 #include "model/curve_table.h"
 
+#include "model/curve_checks.h"
+
 #include "core/format.h"
 
 #include <string>
@@ -34,12 +36,17 @@ void EchoPairs(Run& run, const FunctionHeaderCard& header, ConstRealTable pairs)
 
 void ReadPoints(Run& run, const FunctionHeaderCard& header, RealTable pairs) {
     const Word row = 2 * Word{header.F};
+    TablePoints points;
     for (Word p = 1; p <= header.N; ++p) {
         FunctionPointCard point{pairs(row - 1, p), pairs(row, p)};
         ReadCardFields(run.deck, run.control.header.INDFOR, kFunctionPointCard, &point);
         pairs(row - 1, p) = point.ARGUMENT;
         pairs(row, p) = point.VALUE;
+        points.arguments.push_back(point.ARGUMENT);
+        points.values.push_back(point.VALUE);
     }
+    NoteIfNotRising(run.deck, kFunctionPointCard.group, "ARGUMENT", points,
+                    "of function " + std::to_string(header.F));
 }
 
 /// A function needs one point to be looked up, and one to be tested against the end of the run.

@@ -1,6 +1,7 @@
 #include "model/diffusion_curves.h"
 
 #include "core/format.h"
+#include "model/curve_checks.h"
 #include "model/material_tables.h"
 
 #include <string>
@@ -53,14 +54,21 @@ void ReadCurve(Run& run) {
         EchoHeader(run, header);
     DiffusionPoints(run)(header.N) = header.P;
     const RealTable table = DiffusionTable(run);
+    TablePoints points;
     for (Word p = 1; p <= header.P; ++p) {
         DiffusionPointCard point;
         ReadImageFields(run.deck, run.control.header.INDFOR, kDiffusionPointCard, &point);
         table(header.N, 2 * p - 1) = point.CONC;
         table(header.N, 2 * p) = point.DIFF;
+        points.arguments.push_back(point.CONC);
+        points.values.push_back(point.DIFF);
         if (echo)
             Write(run.units.listing, line, point.CONC, point.DIFF);
     }
+    const std::string what = "of material " + std::to_string(header.N);
+    NoteIfNotRising(run.deck, kDiffusionPointCard.group, "CONC", points, what);
+    if (run.control.header.NDS != 0) // else nothing looks the curve up
+        CheckCoefficients(run.deck, kDiffusionPointCard.group, "DIFF", points, what);
 }
 
 } // namespace

@@ -13,13 +13,13 @@ namespace {
 constexpr const char* kShapeFactorDescriptor = "F10.3";
 
 constexpr CardField kRadiationFields[] = {
-    ZURT_REAL(CurveCounts, SBC, "F15.0", "Stefan-Boltzmann constant"),
+    ZURT_AMOUNT(CurveCounts, SBC, "F15.0", "Stefan-Boltzmann constant"),
     ZURT_COUNT(CurveCounts, NFO, "I5", "shape factors; 0: none, every surface has the factor 1"),
 };
 
 constexpr CardField kShapeFactorFields[] = {
-    ZURT_REAL(ShapeFactorCard, FO, kShapeFactorDescriptor,
-              "shape factors 1 to NFO; a surface takes the one with the number of its emissivity function"),
+    ZURT_AMOUNT(ShapeFactorCard, FO, kShapeFactorDescriptor,
+                "shape factors 1 to NFO; a surface takes the one with the number of its emissivity function"),
 };
 
 constexpr EchoLine kRadiationEcho[] = {
@@ -117,6 +117,8 @@ void ReadShapeFactors(Run& run) {
     const RealArray factors = ShapeFactors(run);
     ReadRealCards(run.deck, run.control.header.INDFOR, kShapeFactorCards.group, kShapeFactorFields[0].name,
                   kShapeFactorDescriptor, kShapeFactorsPerCard, factors);
+    for (Word i = 1; i <= factors.length; ++i)
+        CheckFieldValue(run.deck, kShapeFactorCards.group, kShapeFactorFields[0], factors(i));
     if (!EchoInput(run))
         return;
     Write(run.units.listing, "(//6X,A/)",

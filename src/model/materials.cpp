@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "core/stop.h"
+#include "model/curve_checks.h"
 #include "model/material_tables.h"
 
 #include <string>
@@ -13,7 +14,7 @@ namespace {
 constexpr CardField kMaterialFields[] = {
     ZURT_INTEGER(MaterialCard, NFUN, "I5", "conduction function of the directions x, y, z; 0: analytic form"),
     ZURT_REAL(MaterialCard, PROP, "F10.0", "multipliers of the directions x, y, z under IANIZ 1"),
-    ZURT_REAL(MaterialCard, DENS, "F10.0", "density: factor on the specific heat"),
+    ZURT_AMOUNT(MaterialCard, DENS, "F10.0", "density: factor on the specific heat"),
     ZURT_REAL(MaterialCard, TOPM, "F10.0", "highest concentration of the analytic form"),
     ZURT_REAL(MaterialCard, TMNM, "F10.0", "lowest concentration of the analytic form"),
 };
@@ -35,7 +36,7 @@ constexpr CardField kSpecificHeatHeaderFields[] = {
 
 constexpr CardField kSpecificHeatPointFields[] = {
     ZURT_REAL(MaterialPointCard, ARGUMENT, "F10.0", "concentration, rising from card to card"),
-    ZURT_REAL(MaterialPointCard, VALUE, "F10.0", "specific heat; stored multiplied by the density"),
+    ZURT_AMOUNT(MaterialPointCard, VALUE, "F10.0", "specific heat; stored multiplied by the density"),
 };
 
 /// All nine sections: curves that no card gives are then constants of value 0 whatever an earlier problem left in `A`.
@@ -119,6 +120,11 @@ void ReadPoint(Run& run, const CardLayout& layout, MaterialPointCard& point) {
         Write(run.units.listing, line, point.ARGUMENT, point.VALUE);
 }
 
+void KeepPoint(TablePoints& points, const MaterialPointCard& point) {
+    points.arguments.push_back(point.ARGUMENT);
+    points.values.push_back(point.VALUE);
+}
+
 void ReadConductionFunction(Run& run) {
     const CurveCounts& counts = run.control.counts;
     ConductionHeaderCard header;
@@ -136,12 +142,17 @@ void ReadConductionFunction(Run& run) {
     ConductionPoints(run)(header.N) = header.P;
     const RealTable pairs = ConductionPairs(run);
     const Word row = 2 * Word{header.N};
+    TablePoints points;
     for (Word p = 1; p <= header.P; ++p) {
         MaterialPointCard point{pairs(row - 1, p), pairs(row, p)};
         ReadPoint(run, kConductionPointCard, point);
         pairs(row - 1, p) = point.ARGUMENT;
         pairs(row, p) = point.VALUE;
+        KeepPoint(points, point);
     }
+    const std::string what = "of function " + std::to_string(header.N);
+    NoteIfNotRising(run.deck, kConductionPointCard.group, "ARGUMENT", points, what);
+    CheckCoefficients(run.deck, kConductionPointCard.group, "VALUE", points, what);
 }
 
 void ReadConduction(Run& run) {
@@ -183,14 +194,18 @@ void ReadSpecificHeatCurve(Run& run) {
         SpecificHeatPoints(run)(header.N) = header.P;
     const RealTable pairs = SpecificHeatPairs(run);
     const Word row = 2 * Word{header.N};
+    TablePoints points;
     for (Word p = 1; p <= header.P; ++p) {
         MaterialPointCard point;
         ReadPoint(run, kSpecificHeatPointCard, point);
+        KeepPoint(points, point);
         if (!stored)
             continue;
         pairs(row - 1, p) = point.ARGUMENT;
         pairs(row, p) = point.VALUE * density;
     }
+    NoteIfNotRising(run.deck, kSpecificHeatPointCard.group, "ARGUMENT", points,
+                    "of material " + std::to_string(header.N));
 }
 
 void ReadSpecificHeat(Run& run) {

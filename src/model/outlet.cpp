@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "job/echo.h"
 #include "job/partition.h"
+#include "model/curve_checks.h"
 #include "model/curve_lookup.h"
 
 #include <string>
@@ -19,7 +20,9 @@ struct TimePair {
 enum class TimePairKind { Inlet = 1, Outlet = 2, Multiplier = 3 };
 
 constexpr CardField kOutletModeFields[] = {
-    ZURT_INTEGER(OutletFields, NPOUT2, "I5", "mode of the outlet; above 1 the number of its pairs"),
+    ZURT_CODE(OutletFields, NPOUT2, "I5", 0, HUGE_VAL,
+              "asks for a function of time that nothing evaluates: the outlet stays at its start",
+              "mode of the outlet; above 1 the number of its pairs"),
 };
 
 constexpr CardField kOutletConcentrationFields[] = {
@@ -32,8 +35,10 @@ constexpr CardField kOutletCoefficientsFields[] = {
 };
 
 constexpr CardField kTimeMultiplierFields[] = {
-    ZURT_INTEGER(OutletFields, ITMF1, "I5", "1: the time multiplier acts in element group 1"),
-    ZURT_INTEGER(OutletFields, ITMF2, "I5", "1: the time multiplier acts in element group 2"),
+    ZURT_CODE(OutletFields, ITMF1, "I5", 0, 1, "acts as 0: no multiplier",
+              "1: the time multiplier acts in element group 1"),
+    ZURT_CODE(OutletFields, ITMF2, "I5", 0, 1, "acts as 0: no multiplier",
+              "1: the time multiplier acts in element group 2"),
     ZURT_COUNT(OutletFields, NTMF, "I5", "points of the time multiplier"),
 };
 
@@ -75,13 +80,18 @@ void WritePairsHeading(Run& run, TimePairKind kind) {
 void ReadTimePairs(Run& run, RealArray table, TimePairKind kind) {
     static const Format line("(D14.5,11X,D14.5)");
     WritePairsHeading(run, kind);
+    TablePoints points;
     for (Word i = 1; i < table.length; i += 2) {
         TimePair pair;
         ReadImageFields(run.deck, run.control.header.INDFOR, kTimePairCard, &pair);
         table(i) = pair.TIME;
         table(i + 1) = pair.VALUE;
         Write(run.units.listing, line, pair.TIME, pair.VALUE);
+        points.arguments.push_back(pair.TIME);
+        points.values.push_back(pair.VALUE);
     }
+    NoteIfNotRising(run.deck, kTimePairCard.group, "TIME", points,
+                    kind == TimePairKind::Multiplier ? "of the time multiplier" : "of the outlet");
 }
 
 void ReadConstantOutlet(Run& run) {

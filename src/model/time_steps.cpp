@@ -33,6 +33,20 @@ void ReadPeriodCards(Run& run) {
         PrintCardNumber(run, firstCard, 1);
 }
 
+void RequirePositiveSteps(Run& run) {
+    const IntArray NKDT = PeriodStepCounts(run);
+    const RealArray DTDT = PeriodStepSizes(run);
+    for (Word period = 1; period <= NKDT.length; ++period) {
+        const std::string what = "of period " + std::to_string(period);
+        if (NKDT(period) < 0)
+            NoteOnCard(run.deck, kStepCountCards.group, kStepCountFields[0].name,
+                       "the count " + what + " is negative: it has no step");
+        if (NKDT(period) > 0 && !(DTDT(period) > 0.0))
+            DeckError(run.deck, kStepSizeCards.group, kStepSizeFields[0].name, std::to_string(DTDT(period)),
+                      "the step " + what + " must be above 0");
+    }
+}
+
 void CountSteps(Run& run) {
     const IntArray NKDT = PeriodStepCounts(run);
     std::int64_t total = 0;
@@ -42,6 +56,10 @@ void CountSteps(Run& run) {
     if (total > std::numeric_limits<std::int32_t>::max())
         DeckError(run.deck, kStepCountCards.group, kStepCountFields[0].name, std::to_string(total),
                   "the periods have more steps than can be counted");
+    if (total == 0)
+        DeckError(run.deck, kStepCountCards.group, kStepCountFields[0].name, "0",
+                  "a transient problem has at least one step");
+    RequirePositiveSteps(run);
     run.control.state.NDT = static_cast<std::int32_t>(total);
 }
 

@@ -65,7 +65,20 @@ void ReportOnListing(Run& run, const IterationReport& report, double solutionNor
         Write(listing, "(' UNBALANCED NORM.LT.ABS-TOLERANCE = ',1PE12.4)", kTOLABS);
 }
 
+// Without a limit of iterations (MAXIT below 0) the lines of a step that does not converge thin out: behind the first hundred
+// those remain whose number has one digit that isn't 0.
+bool IsReported(const Run& run) {
+    std::int32_t iteration = run.control.state.ITER;
+    if (run.control.header.MAXIT >= 0 || iteration < 100)
+        return true;
+    while (iteration % 10 == 0)
+        iteration /= 10;
+    return iteration < 10;
+}
+
 void ReportIteration(Run& run, IterationReport report, double solutionNorm) {
+    if (!IsReported(run))
+        return;
     if (!FitRunIsSilent(run) && !(solutionNorm < kSmallestNorm))
         report.ratioToSolution = run.control.state.IncrementNorm / solutionNorm;
     ReportOnConsole(run, report, solutionNorm);

@@ -340,7 +340,7 @@ TEST(RadialDecks, IndicesOutsideTheirArrays) {
     for (const int IND4N : {-1, 3})
         ExpectEnd(deck, Print("%5d%5d%5d", 0, 1, 0), Print("%5d%5d%5d", 0, 1, IND4N), 2, {"IND4N"});
     ExpectEnd(deck, Print("%10.6f", 0.2), Print("%10.6f", 0.0), 2, {"not a number"});
-    ExpectEnd(deck, Print("%10.6f", 0.05), Print("%10.6f", -5.0), 0, {"PIVOT NIJE POZITIVAN"});
+    ExpectEnd(deck, Print("%10.6f", 0.05), Print("%10.6f", -5.0), 2, {"field D", "a negative value"});
     deck.IND4N = 2;
     deck.common = {1, 2, 3, 4, 5, 6, 7, 8};
     ExpectEnd(deck, NodeList(deck.common), NodeList({1, 2, 3, 4, 5, 6, 7}), 2, {"Radial node card"});

@@ -174,8 +174,6 @@ std::vector<StopCase> StopsOfSolving() {
         {error + "ELENMENT No. =         1", "DET1= 0.", Deck("lines", "\n2 -1 1.", "\n2 -1 0.")},
         {"NIJE UGRADJENA ALFA INTEGRACIJA", "", Deck("lines", "\n1 0 0 9", "\n2 0 0 9"), "", kConsole},
         {pivot, "ZA JEDNACINU BR.   3\n", Replaced(loose, "\n1 0 0 2\n", "\n1 0 0 0\n")},
-        {pivot, "PIVOT= -0.", // of a fibre's own system
-         Deck("radial fibres", " 0.1000    0.0500    0.0200       5", "-0.1000    0.0500    0.0200       5")},
         {"ERROR IN SOLVER EXECUTION - STOPPING CALCULATION", "", loose, "", kConsole},
         {"Error in solver calling!", "", Deck("lines", "1.\n100. 2.\n1 1\n0. 1.", "0.\n100. 0.\n1 1\n0. 0."),
          "", kConsole},

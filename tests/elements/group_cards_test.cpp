@@ -178,9 +178,9 @@ TEST(GroupFamilies, Generation) {
 // an area that is 0 ahead of the first; the array out of its place behind the print flags, or there under NTHIC 0.
 TEST(GroupFamilies, ThicknessAndAreaAreCarried) {
     const std::string cards = "1 1 2 0 0 0 0 0 0 0\n2 1 2 0 0 0 0 0 0 2.5\n3 1 2 0 0 3 1 0 0 -1e-11\n"
-                              "5 1 2 0 0 0 0 0 0 -7\n";
+                              "5 1 2 0 0 0 0 0 0 7\n";
     EXPECT_EQ(Thicknesses(ReadModel({1, 5}, "1 1 2 0 0 2\n" + cards)),
-              (std::vector<double>{1.0, 2.5, 2.5, 2.5, -7.0}));
+              (std::vector<double>{1.0, 2.5, 2.5, 2.5, 7.0}));
     const std::string quadrilaterals = "1 1 2 3 4 0 0 0 0 0 0 0\n2 1 2 3 4 0 0 0 0 0 0 3.0\n";
     const ReadModel each({2, 2}, "1 1 4 2 0 2 2 1 0.5\n" + quadrilaterals);
     EXPECT_EQ(Thicknesses(each), (std::vector<double>{0.5, 3.0}));

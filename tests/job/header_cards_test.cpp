@@ -82,7 +82,7 @@ TEST(HeaderCards, TitleIsKeptAsEightyCharacters) {
 // the degradation card left behind.
 TEST(HeaderCards, DeviceCardsAreTakenByColumns) {
     SmallRun fixed("    1.5        2.    3.D-1         4         5     6.E-3\n   10   11   12   13    1\n"
-                   "        1.        2.        3.        4.        5.        6.        7.\nbasic\n");
+                   "        1.        .2        3.        4.        5.        6.        7.\nbasic\n");
     fixed.control.header.INDFOR = 2;
     ReadDeviceCards(fixed);
     EXPECT_EQ(fixed.control.header.ELPCL, 0.0004); // four implied decimals
