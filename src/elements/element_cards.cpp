@@ -109,6 +109,9 @@ std::int32_t ElementMaterial(ElementReader& reader) {
             StopOnMaterial(run, reader.family.elementMaterial, material);
         return material;
     }
+    if (field > 1)
+        NoteOnCard(run.deck, reader.layout.group, "MAT",
+                   "is passed over: without NDS every element has material 1");
     if (NMATT == 1)
         return 1;
     if (reader.group.NMAT < 2)

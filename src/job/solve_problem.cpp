@@ -7,6 +7,7 @@
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
 #include "homogenization/run_homogenization.h"
+#include "job/model_notes.h"
 #include "job/partition.h"
 #include "model/prescribed_values.h"
 #include "timeint/solution_pass.h"
@@ -17,23 +18,6 @@
 namespace zurt {
 
 namespace {
-
-// Behaviour that is required and yet bound to surprise.
-void WriteProblemNotes(const Run& run) {
-    if (run.control.header.NSTAC != 0 && run.control.state.NonlinearFlag == 0)
-        WriteNote(
-            "a transient problem with constant coefficients takes one solve a step, and its solution is not "
-            "the concentration: give a curve two points (of equal value), so that the steps iterate");
-    if (run.control.header.NSTAC == 0 && run.control.state.NonlinearFlag == 0 &&
-        (run.control.header.NDS == 1 || run.control.header.NDS == 3))
-        WriteNote(
-            "a steady problem with constant coefficients has no sound fluxes at the nodes, free nodes count "
-            "as 0 there: give a curve two points (of equal value), so that it iterates");
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        if (run.groups[NGE].IZIP == 2)
-            WriteNote("group " + std::to_string(NGE) +
-                      ": volume sources by concentration (IZIP 2) add no load");
-}
 
 // A plain run of the equivalent medium begins with a curve that is lowered by porosity and factors.
 void RescalePlainMedium(Run& run) {
@@ -89,7 +73,7 @@ void SolveProblem(Run& run) {
     state.PassCounter = 1;
     state.GraphicsEnabled = state.SolverReportFlag = run.fit.IFINALRUN;
     StartPrescribedValues(run);
-    WriteProblemNotes(run);
+    WriteModelNotes(run);
     if (RunsSeveralTimes(run))
         RunRepeatedProblem(run);
     else

@@ -19,11 +19,15 @@
 #include "model/time_functions.h"
 #include "model/time_steps.h"
 
+#include "support/expect_stop.h"
 #include "support/run_deck.h"
+#include "support/small_run.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <regex>
@@ -159,6 +163,98 @@ TEST(Manual, EveryLayoutOfTheHeadersIsCompared) {
     }
     EXPECT_EQ(declared.size(), std::set<const CardLayout*>(std::begin(kLayouts), std::end(kLayouts)).size())
         << testing::PrintToString(declared);
+}
+
+// --- the table of values ------------------------------------------------------------------------------------------
+
+std::string Shown(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", value);
+    return text;
+}
+
+std::string RangeOf(double low, double high) {
+    if (std::isinf(low) && std::isinf(high))
+        return "any";
+    return std::isinf(high)  ? Shown(low) + " and above"
+           : std::isinf(low) ? Shown(high) + " and below"
+                             : Shown(low) + " to " + Shown(high);
+}
+
+// A row of docs/values.md: what the field takes, and what becomes of the rest.
+std::string ValueRow(const CardLayout& layout, const CardField& field) {
+    const FieldValues& values = field.values;
+    double low = values.low;
+    std::string rest = "harmless: " + std::string(*field.effect != '\0' ? field.effect : field.meaning);
+    if (field.least != kAnyInteger)
+        low = field.least;
+    if (!std::isinf(low) || !std::isinf(values.high))
+        rest = *values.otherwise == '\0' ? "refused" : std::string("noted: ") + values.otherwise;
+    return std::string("| ") + layout.group + " | `" + field.name + "` | " + RangeOf(low, values.high) +
+           " | " + rest + " |\n";
+}
+
+std::vector<const CardLayout*> AllLayouts() {
+    std::vector<const CardLayout*> all(std::begin(kLayouts), std::end(kLayouts));
+    for (const FamilyCards* family : {&LineCards(), &QuadrilateralCards(), &BrickCards()})
+        for (const CardLayout* layout : {&family->groupCard, &family->deviceGroupCard, &family->elementCard,
+                                         &family->fullElementCard, &family->midSideCard})
+            if (layout->fieldCount > 0)
+                all.push_back(layout);
+    return all;
+}
+
+// Faults: a field whose values nobody has looked at; a row of the documents that the code does not keep.
+TEST(Values, TableIsThatOfTheCode) {
+    std::string table;
+    for (const CardLayout* layout : AllLayouts())
+        for (int f = 0; f < layout->fieldCount; ++f)
+            if (layout->fields[f].descriptor.kind != 'X')
+                table += ValueRow(*layout, layout->fields[f]);
+    const std::string document = zurt_test::ReadFile(ZURT_SOURCE_DIR "/docs/values.md");
+    EXPECT_TRUE(zurt_test::Contains(document, "| --- | --- | --- | --- |\n" + table + "\n")) << table;
+}
+
+// The card, by columns, with `value` in field `at` (its first place when the row stands for several) and blanks elsewhere.
+std::string CardWith(const CardLayout& layout, int at, double value) {
+    std::string card;
+    for (int f = 0; f < layout.fieldCount; ++f) {
+        const FieldDescriptor& descriptor = layout.fields[f].descriptor;
+        for (int k = 0; k < layout.fields[f].count; ++k) {
+            const double low = layout.fields[f].values.low;
+            std::string text = low > 0.0 ? Shown(low) : ""; // a code that a blank is none of
+            if (f == at && k == 0)
+                text = Shown(value) + (descriptor.kind == 'I' ? "" : ".");
+            card += std::string(static_cast<std::size_t>(descriptor.width) - text.size(), ' ') + text;
+        }
+    }
+    return card + "\n";
+}
+
+// Faults: a value without a meaning that is taken without a word, or one that is refused where the program knows what to do.
+TEST(Values, RefusedAndNotedAsTheTableSays) {
+    int checked = 0;
+    for (const CardLayout* layout : AllLayouts())
+        for (int f = 0; f < layout->fieldCount; ++f) {
+            const CardField& field = layout->fields[f];
+            const FieldValues& values = field.values;
+            const double low = field.least != kAnyInteger ? field.least : values.low;
+            if (std::isinf(low) && std::isinf(values.high))
+                continue;
+            ++checked;
+            std::vector<char> record(1 << 12);
+            zurt_test::SmallRun small(
+                CardWith(*layout, f, std::isinf(low) ? values.high + 1 : std::floor(low) - 1));
+            const auto read = [&] { ReadCardFields(small.deck, 2, *layout, record.data()); };
+            if (*values.otherwise == '\0') {
+                EXPECT_LIBRARY_ERROR(read(), std::string(layout->group) + ", field " + field.name);
+                continue;
+            }
+            read();
+            ASSERT_EQ(small.deck.notes.size(), 1U) << layout->group << field.name;
+            EXPECT_TRUE(zurt_test::Contains(small.deck.notes[0].text, values.otherwise));
+        }
+    EXPECT_GT(checked, 90);
 }
 
 } // namespace

@@ -64,12 +64,15 @@ int WaitFor(pid_t child, int secondsAllowed) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-void InterruptAfterSteps(pid_t child, const std::string& console, int steps) {
+// Once the console holds `words` so often, and so many milliseconds later.
+void InterruptAfter(pid_t child, const std::string& console, const std::string& words, int count,
+                    int milliseconds) {
     for (int tries = 0; tries < 5000; ++tries) {
-        if (CountOf(ReadFile(console), "*** END OF TIME STEP") >= steps)
+        if (CountOf(ReadFile(console), words) >= count)
             break;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     kill(child, SIGINT);
 }
 
@@ -118,7 +121,9 @@ RunResult RunProgram(const std::string& folder, const Invocation& invocation, in
         _exit(127);
     }
     if (invocation.interruptAfterSteps > 0)
-        InterruptAfterSteps(child, folder + "/console", invocation.interruptAfterSteps);
+        InterruptAfter(child, folder + "/console", "*** END OF TIME STEP", invocation.interruptAfterSteps, 0);
+    if (invocation.interruptAfterLines > 0)
+        InterruptAfter(child, folder + "/console", "\n", invocation.interruptAfterLines, 500);
     RunResult result;
     result.status = WaitFor(child, secondsAllowed);
     result.folder = folder + "/" + invocation.outputs;

@@ -31,6 +31,7 @@ struct Invocation {
     std::string input;
     std::string outputs = ".";
     int interruptAfterSteps = 0; // above 0: SIGINT once the console shows so many steps ended
+    int interruptAfterLines = 0; // or so many lines, and half a second more
 };
 RunResult RunProgram(const std::string& folder, const Invocation& invocation, int secondsAllowed = 120);
 

@@ -1,0 +1,157 @@
+#include "job/model_notes.h"
+
+#include "core/stop.h"
+#include "elements/group_views.h"
+#include "elements/radial_nodes.h"
+#include "model/material_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace zurt {
+
+namespace {
+
+// Tables of correction factors that end below the one, or begin beyond the other, of the box of the fibres hardly mean it.
+constexpr double kFarBelow = 1e-5, kFarAbove = 1e3;
+
+std::string Count(Word count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+void NoteKindOfProblem(const Run& run) {
+    const HeaderFields& header = run.control.header;
+    const bool linear = run.control.state.NonlinearFlag == 0;
+    if (header.NSTAC != 0 && linear)
+        WriteNote(
+            "a transient problem with constant coefficients takes one solve a step, and its solution is not "
+            "the concentration: give a curve two points (of equal value), so that the steps iterate");
+    if (header.NSTAC == 0 && linear && (header.NDS == 1 || header.NDS == 3))
+        WriteNote(
+            "a steady problem with constant coefficients has no sound fluxes at the nodes, free nodes count "
+            "as 0 there: give a curve two points (of equal value), so that it iterates");
+    if (header.NSTAC == 0 && linear && run.control.state.NDT == 1)
+        WriteNote("each step of a steady problem with constant coefficients shows at each step the solution "
+                  "of the step "
+                  "before: ask "
+                  "for two steps (NPER 2) and take the second");
+}
+
+void NoteSources(const Run& run) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        if (run.groups[NGE].IZIP == 2)
+            WriteNote("group " + std::to_string(NGE) +
+                      ": volume sources by concentration (IZIP 2) add no load");
+}
+
+// A held node has the outlet's value, 0 without outlet cards, from the first step on.
+void NoteValuesOfHeldNodes(const Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    const ConstRealArray values = NodeCardValues(run);
+    const double used = run.control.state.OutletEnd;
+    Word count = 0, first = 0;
+    for (Word i = 1; i <= ID.length; ++i)
+        if (ID(i) == 0 && values(i) != 0.0 && values(i) != used) {
+            first = first == 0 ? i : first;
+            ++count;
+        }
+    if (count > 0)
+        WriteNote(Count(count, "held node has a value", "held nodes have values") +
+                  " on the node card that is not used (node " + std::to_string(first) +
+                  " first): all held nodes have one value, that of the outlet cards, else 0");
+}
+
+void MarkNodesOfGroup(const Run& run, const ElementGroup& group, IntArray marks) {
+    if (IsRadial(group)) {
+        MarkRadialNodes(run, group, marks);
+        return;
+    }
+    const ConstIntTable NEL = Connectivity(run, group);
+    for (Word j = 1; j <= NEL.columns; ++j)
+        for (Word n = 1; n <= NEL.rows; ++n)
+            if (NEL(n, j) >= 1 && NEL(n, j) <= marks.length)
+                marks(NEL(n, j)) = 1;
+}
+
+void NoteNodesInNoElement(const Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    std::vector<std::int32_t> store(static_cast<std::size_t>(ID.length));
+    const IntArray marks(store.data(), ID.length);
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        MarkNodesOfGroup(run, run.groups[NGE], marks);
+    Word count = 0, first = 0;
+    for (Word i = 1; i <= ID.length; ++i)
+        if (marks(i) == 0 && ID(i) > 0) {
+            first = first == 0 ? i : first;
+            ++count;
+        }
+    if (count > 0)
+        WriteNote(Count(count, "node that is not held stands", "nodes that are not held stand") +
+                  " in no element (node " + std::to_string(first) +
+                  " first): the system has no equation for them");
+}
+
+bool IsOne(double value) {
+    return value == 0.0 || value == 1.0;
+}
+
+// What a card gives and no term takes.
+void NoteFactorsWithoutEffect(const Run& run) {
+    const HeaderFields& header = run.control.header;
+    if (header.NDS == 0 && header.IANIZ != 1) {
+        const ConstRealTable multipliers = MaterialMultipliers(run);
+        if (!std::all_of(multipliers.data, multipliers.data + multipliers.rows * multipliers.columns, IsOne))
+            WriteNote("the multipliers of the material cards take no part without IANIZ 1");
+    }
+    if (header.NDS != 0 && header.IANIZ == 1)
+        WriteNote("IANIZ 1 has no effect with NDS: no card gives multipliers, they are 1");
+    for (std::int32_t NGE = 1; NGE <= header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        if (group.NETIP != 2)
+            continue;
+        const ConstRealArray each = ElementThickness(run, group);
+        if (!IsOne(group.THIC) || !std::all_of(each.data, each.data + each.length, IsOne))
+            WriteNote("group " + std::to_string(NGE) +
+                      ": the thickness of quadrilaterals has no effect on any result");
+    }
+}
+
+void NoteUnitOfTable(const CorrectionTable& table, double size, std::size_t set) {
+    double smallest = HUGE_VAL, largest = 0.0;
+    for (const double distance : table.distance) {
+        if (distance > 0.0)
+            smallest = std::min(smallest, distance);
+        largest = std::max(largest, distance);
+    }
+    if (largest == 0.0 || (largest > kFarBelow * size && smallest < kFarAbove * size))
+        return;
+    WriteNote("fibre set " + std::to_string(set) + ": the distances of its correction factors lie far " +
+              (largest <= kFarBelow * size ? "below" : "above") +
+              " the size of the box of the fibres; they are given in nanometres, and the mesh's unit is a "
+              "thousand of them");
+}
+
+void NoteUnitsOfTables(const Run& run) {
+    const HeaderFields& header = run.control.header;
+    const double size = std::max({header.ELFIB, header.DFIB, header.WFIB});
+    for (std::size_t s = 0; s < run.fibres.sets.size(); ++s) {
+        NoteUnitOfTable(run.fibres.sets[s].table, size, s + 1);
+        if (run.fibres.sets[s].IANISY == 1)
+            NoteUnitOfTable(run.fibres.sets[s].tableY, size, s + 1);
+    }
+}
+
+} // namespace
+
+void WriteModelNotes(Run& run) {
+    NoteKindOfProblem(run);
+    NoteSources(run);
+    NoteValuesOfHeldNodes(run);
+    NoteNodesInNoElement(run);
+    NoteFactorsWithoutEffect(run);
+    NoteUnitsOfTables(run);
+}
+
+} // namespace zurt

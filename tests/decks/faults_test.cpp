@@ -1,0 +1,279 @@
+// The program while memory, files and the power fail, through the real binary and tests/faults/fail_preload.c.
+#include "support/bar_deck.h"
+#include "support/run_deck.h"
+#include "support/small_decks.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <sys/resource.h>
+#include <vector>
+
+#ifdef ZURT_FAIL_PRELOAD
+
+namespace zurt_test {
+namespace {
+
+using Settings = std::map<std::string, std::string>;
+
+constexpr int kSecondsAllowed = 20;
+
+// A deck in a folder of its own. In the dialogue an older listing stands in the way and is deleted.
+struct Subject {
+    std::string name, deck;
+    bool dialogue;
+    std::string folder = MakeTemporaryFolder();
+    RunResult good = {};
+};
+
+RunResult RunUnder(const Settings& settings, const Subject& subject, bool keepOutputs = false) {
+    const std::string folder = subject.folder + "/";
+    for (const char* name : {"zurt.lst", "zurt.unv", "MASS-X.LST", "MASS-Z.LST", "MESSAGES.LST"})
+        if (!keepOutputs)
+            std::filesystem::remove(folder + name);
+    if (subject.dialogue)
+        WriteFile(folder + "zurt.lst", "");
+    Invocation invocation = {{"--force", "zurt.dat"}, ""};
+    if (subject.dialogue)
+        invocation = {{}, "\n\n\n\n"};
+    setenv("LD_PRELOAD", ZURT_FAIL_PRELOAD, 1);
+    for (const auto& [name, value] : settings)
+        setenv(name.c_str(), value.c_str(), 1);
+    RunResult run = RunProgram(subject.folder, invocation, kSecondsAllowed);
+    for (const auto& setting : settings)
+        unsetenv(setting.first.c_str());
+    unsetenv("LD_PRELOAD");
+    return run;
+}
+
+Subject Prepare(const std::string& name, const std::string& deck, bool dialogue = false) {
+    Subject subject{name, deck, dialogue};
+    WriteFile(subject.folder + "/zurt.dat", deck);
+    subject.good = RunUnder({}, subject);
+    EXPECT_EQ(subject.good.status, 0) << name << subject.good.errors;
+    return subject;
+}
+
+std::vector<Subject> Subjects() {
+    return {Prepare("free", SmallDeckText("free"), true), Prepare("sparse", SmallDeckText("sparse")),
+            Prepare("fit", SmallDeckText("fit"))};
+}
+
+std::vector<std::string> OutputsOf(const RunResult& run) {
+    return {run.listing, run.graphics, run.messages, run.mass, ReadFile(run.folder + "/MASS-Z.LST")};
+}
+
+bool IsBeginning(const std::string& part, const std::string& whole) {
+    return whole.compare(0, part.size(), part) == 0;
+}
+
+// Where the steps of a good listing end: behind the last row of their last table.
+std::vector<std::size_t> StepsOfListing(const std::string& listing) {
+    std::vector<std::size_t> ends;
+    const std::string table = "M A S S   F L U X E S";
+    for (std::size_t at = listing.find(table); at != std::string::npos; at = listing.find(table, at + 1))
+        ends.push_back(std::min(listing.find("\n\n", at), listing.find("\n1\n", at)) + 1);
+    return ends;
+}
+
+std::vector<std::size_t> StepsOfGraphics(const std::string& graphics) {
+    std::vector<std::size_t> ends;
+    const std::string first = "CVORNE KONCENTRACIJE", between = "    -1\n    -1\n";
+    for (std::size_t at = graphics.find(first); at != std::string::npos;) {
+        at = graphics.find(first, at + 1);
+        ends.push_back(at == std::string::npos ? graphics.size() : graphics.rfind(between, at) + 7);
+    }
+    return ends;
+}
+
+// What is wrong with a run that was disturbed: all but the first `shown` less `unfinished` steps may be missing.
+std::string LossOf(const RunResult& run, const Subject& subject, int unfinished) {
+    if (ReadFile(subject.folder + "/zurt.dat") != subject.deck)
+        return "the deck has changed";
+    const std::vector<std::string> outputs = OutputsOf(run), whole = OutputsOf(subject.good);
+    for (std::size_t i = 0; i < outputs.size(); ++i)
+        if (!IsBeginning(outputs[i], whole[i]))
+            return "output " + std::to_string(i) + " is not the beginning of the good one";
+    const int steps = CountOf(run.console, " ***\n") - unfinished;
+    if (steps > 0 && run.listing.size() < StepsOfListing(subject.good.listing).at(steps - 1))
+        return "step " + std::to_string(steps) + " is not in the listing";
+    if (steps > 0 && run.graphics.size() < StepsOfGraphics(subject.good.graphics).at(steps - 1))
+        return "step " + std::to_string(steps) + " is not in the graphics file";
+    return "";
+}
+
+// What is wrong with a run in which a call failed: it ends with an error and with what was written before, or the failure
+// has done no harm.
+std::string VerdictOn(const RunResult& run, const Subject& subject) {
+    if (run.status != 0 && run.status != 2)
+        return "status " + std::to_string(run.status);
+    if (run.status == 0 && OutputsOf(run) != OutputsOf(subject.good))
+        return "success with other outputs";
+    int errors = 0;
+    std::istringstream lines(run.errors);
+    for (std::string line; std::getline(lines, line);)
+        if (!IsBeginning("zurt: note: ", line))
+            errors += IsBeginning("zurt: error: ", line) ? 1 : 100;
+    if (errors != (run.status == 2 ? 1 : 0))
+        return "other lines on standard error than one of the error";
+    return LossOf(run, subject, 1);
+}
+
+// The solver's own library checks part of its memory only, and ends the process elsewhere; but never with success.
+std::string VerdictOnSolver(const RunResult& run, const Subject& subject) {
+    return run.status == 0 && OutputsOf(run) != OutputsOf(subject.good) ? "success with other outputs" : "";
+}
+
+long CallsOf(const std::string& kind, const Subject& subject) {
+    RunUnder({{"FAULTS_COUNTS", "counts"}}, subject);
+    std::istringstream counts(ReadFile(subject.folder + "/counts"));
+    std::string name;
+    for (long count = 0; counts >> name >> count;)
+        if (name == kind)
+            return count;
+    return -1;
+}
+
+// Runs once for each call of the kind, or for so many of them that are spread out.
+void FailCalls(const Subject& subject, const std::string& kind, const std::string& mode, long most,
+               std::string (*verdictOn)(const RunResult&, const Subject&) = VerdictOn) {
+    const long calls = CallsOf(kind, subject), runs = std::min(most, calls);
+    ASSERT_GE(calls, 0) << kind;
+    std::map<std::string, std::set<long>> faults;
+    for (long i = 0; i < runs; ++i) {
+        const long at = runs == 1 ? 1 : 1 + i * (calls - 1) / (runs - 1);
+        const RunResult run = RunUnder(
+            {{"FAULTS_KIND", kind}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", mode}}, subject);
+        if (const std::string fault = verdictOn(run, subject); !fault.empty())
+            faults[fault + "; " + run.errors.substr(0, 200)].insert(at);
+    }
+    for (const auto& [fault, places] : faults)
+        ADD_FAILURE() << subject.name << ", " << kind << " " << mode << ", call " << *places.begin()
+                      << " and " << places.size() - 1 << " others of " << calls << ": " << fault;
+}
+
+// Faults: a refused open, lock, read, flush, close or scratch file passed over, reported twice or not as what it is; a
+// crash; records behind the failure; files of the run, or its deck, harmed.
+TEST(Faults, FailingFiles) {
+    for (const Subject& subject : Subjects())
+        for (const char* kind : {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink",
+                                 "read", "lock", "thread"})
+            for (const char* mode : {"once", "on"})
+                FailCalls(subject, kind, mode, 20);
+}
+
+// Faults: a record that is not written passed over, what stands ahead of it lost.
+TEST(Faults, FailingWrites) {
+    for (const Subject& subject : Subjects())
+        FailCalls(subject, "write", "once", 60);
+}
+
+// Faults: a disk that stays full ends the run by a second stop that nobody catches.
+TEST(Faults, FullDisk) {
+    for (const Subject& subject : Subjects())
+        FailCalls(subject, "write", "on", 20);
+}
+
+// Faults: a state of a file that the system doesn't tell ends a run that is complete by an uncaught exception.
+TEST(Faults, FailingStates) {
+    for (const Subject& subject : Subjects())
+        FailCalls(subject, "stat", "once", 60);
+}
+
+// Faults: memory that is missing while the arguments are read, in the run or while its end is reported: a crash.
+TEST(Faults, NoMemory) {
+    for (const Subject& subject : Subjects()) {
+        FailCalls(subject, "memory", "once", 60);
+        FailCalls(subject, "memory", "on", 10);
+    }
+}
+
+// Faults: a call of the solver without an answer, or an end of the process within it, taken for success.
+TEST(Faults, NoMemoryInTheSolver) {
+    const Subject subject = Prepare("sparse", SmallDeckText("sparse"));
+    FailCalls(subject, "solver", "once", 200, VerdictOnSolver);
+}
+
+// Faults: bytes that the disk has no room for passed over; what it has room for not written.
+TEST(Faults, LimitedFileSize) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    for (const char* name : {"sparse", "fit"}) {
+        const Subject subject = Prepare(name, SmallDeckText(name));
+        for (rlim_t limit = 1000; limit < subject.good.listing.size(); limit += 977) {
+            const struct rlimit lower = {limit, before.rlim_max};
+            setrlimit(RLIMIT_FSIZE, &lower);
+            const RunResult run = RunUnder({}, subject);
+            setrlimit(RLIMIT_FSIZE, &before);
+            EXPECT_EQ(run.status, 2) << limit;
+            EXPECT_EQ(VerdictOn(run, subject), "") << name << limit << run.errors;
+            EXPECT_TRUE(run.listing.size() == limit || run.graphics.size() == limit) << limit;
+        }
+    }
+    std::signal(SIGXFSZ, SIG_DFL);
+}
+
+Subject ManySteps() {
+    BarDeck bar;
+    bar.periods = {{60, 0.001}};
+    return Prepare("many steps", Build(bar));
+}
+
+// Faults: a step shown on the console ahead of what it stands for; a file that is cut between two flushes.
+TEST(Faults, KilledAtAFlush) {
+    const Subject subject = ManySteps();
+    const long flushes = CallsOf("flush", subject);
+    for (long at = 1; at <= flushes; at += 1 + flushes / 60) {
+        const RunResult run = RunUnder(
+            {{"FAULTS_KIND", "flush"}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", "kill"}}, subject);
+        ASSERT_EQ(run.status, 128 + SIGKILL);
+        ASSERT_EQ(LossOf(run, subject, 0), "") << "killed at flush " << at << " of " << flushes;
+    }
+}
+
+// Faults: a power cut that harms the deck or loses steps that were shown; remains that keep the next run from its work.
+TEST(Faults, KilledAtAnyMoment) {
+    std::mt19937 random(20);
+    int killed = 0;
+    for (const auto& [subject, runs] :
+         {std::pair{ManySteps(), 150}, {Prepare("fit", SmallDeckText("fit")), 50}}) {
+        const auto start = std::chrono::steady_clock::now();
+        RunUnder({}, subject);
+        const std::chrono::duration<double, std::micro> whole = std::chrono::steady_clock::now() - start;
+        for (int i = 1; i <= runs; ++i) {
+            const auto moment = 1 + static_cast<unsigned>(whole.count()) * (random() % 1000) / 1000;
+            const RunResult run = RunUnder({{"FAULTS_KILL", std::to_string(moment)}}, subject, true);
+            ASSERT_EQ(LossOf(run, subject, 0), "") << subject.name << " after " << moment << " us, run " << i;
+            killed += run.status == 128 + SIGKILL ? 1 : 0;
+            if (i % 10 != 0)
+                continue;
+            const RunResult again = RunUnder({}, subject, true);
+            EXPECT_EQ(again.status, 0) << again.errors;
+            EXPECT_EQ(OutputsOf(again), OutputsOf(subject.good)) << subject.name;
+        }
+    }
+    EXPECT_GT(killed, 100);
+}
+
+} // namespace
+} // namespace zurt_test
+
+#else
+
+// Faults: none; libraries are not preloaded under the sanitizers.
+TEST(Faults, Skipped) {
+    GTEST_SKIP() << "a preloaded library and the sanitizers don't go together";
+}
+
+#endif
