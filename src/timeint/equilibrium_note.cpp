@@ -45,9 +45,9 @@ double RoundedUp(double ratio) {
 std::string RoundingText(Run& run, double ratio) {
     const HeaderFields& header = run.control.header;
     const StiffestElement stiffest = FindStiffest(run);
-    std::string text = "; they rest at " + Short(ratio) + " of the step's largest, which is rounding. EPSTA " +
-                       Short(RoundedUp(run.control.state.LowestIncrement)) + " works, or EPSTR " +
-                       Short(RoundedUp(ratio));
+    std::string text =
+        "; they rest at " + Short(ratio) + " of the step's largest, which is rounding. EPSTA " +
+        Short(RoundedUp(run.control.state.LowestIncrement)) + " works, or EPSTR " + Short(RoundedUp(ratio));
     if (stiffest.element > 0 && header.EPSTR > 0.0)
         text +=
             "; so does a smaller coefficient, or a shorter or wider shape, of the stiffest elements (group " +
