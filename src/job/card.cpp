@@ -92,6 +92,12 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
     CheckReal(place, name, text, value);
 }
 
+// The check of every value, in line: most layouts have none to make, and nearly all values pass.
+inline void CheckRange(Deck& deck, const CardLayout& layout, const CardField& field, double value) {
+    if (layout.limited && (value < field.values.low || value > field.values.high))
+        CheckFieldValue(deck, layout.group, field, value);
+}
+
 void ReadFieldsByColumns(Deck& deck, const CardLayout& layout, std::string_view line, char* record) {
     const CardPlace place{deck, layout.group};
     CardBuffer image;
@@ -109,11 +115,11 @@ void ReadFieldsByColumns(Deck& deck, const CardLayout& layout, std::string_view 
                 std::int32_t& value = reinterpret_cast<std::int32_t*>(record + field.offset)[k];
                 ReadColumns(place, field.name, descriptor, card, column, value);
                 CheckInteger(place, field, value);
-                CheckFieldValue(deck, layout.group, field, value);
+                CheckRange(deck, layout, field, value);
             } else {
                 double& value = reinterpret_cast<double*>(record + field.offset)[k];
                 ReadColumns(place, field.name, descriptor, card, column, value);
-                CheckFieldValue(deck, layout.group, field, value);
+                CheckRange(deck, layout, field, value);
             }
         }
     }
@@ -163,15 +169,15 @@ bool NextNumber(ListRead& read, const char* name, double& value) {
 
 // A remark behind the last field is the author's; a number there was meant to be read.
 void NoteWhatIsLeft(ListRead& read) {
-    const std::string_view rest =
-        read.scanner.record.substr(std::min(read.scanner.position, read.scanner.record.size()));
-    const std::size_t first = rest.find_first_not_of(" \t,");
-    if (first == std::string_view::npos && read.scanner.repeatsLeft == 0)
-        return;
-    const char c = first == std::string_view::npos ? '0' : rest[first];
-    const char next = first + 1 < rest.size() ? rest[first + 1] : ' ';
-    const bool sign = (c == '-' || c == '+' || c == '.') && next >= '0' && next <= '9';
-    if ((c >= '0' && c <= '9') || sign)
+    const std::string_view record = read.scanner.record;
+    std::size_t at = read.scanner.position;
+    while (at < record.size() && (record[at] == ' ' || record[at] == '\t' || record[at] == ','))
+        ++at;
+    const auto isDigit = [&](std::size_t i) {
+        return i < record.size() && record[i] >= '0' && record[i] <= '9';
+    };
+    const bool sign = at < record.size() && (record[at] == '-' || record[at] == '+' || record[at] == '.');
+    if (isDigit(at) || (sign && isDigit(at + 1)) || read.scanner.repeatsLeft > 0)
         NoteOnCard(read.deck, read.group, "",
                    "numbers are left over behind the last field; a decimal comma, or a card that is missing "
                    "further up, shifts "
@@ -191,12 +197,12 @@ void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
                 if (!NextNumber(read, field.name, value))
                     return;
                 CheckInteger({deck, layout.group}, field, value);
-                CheckFieldValue(deck, layout.group, field, value);
+                CheckRange(deck, layout, field, value);
             } else {
                 double& value = reinterpret_cast<double*>(record + field.offset)[k];
                 if (!NextNumber(read, field.name, value))
                     return;
-                CheckFieldValue(deck, layout.group, field, value);
+                CheckRange(deck, layout, field, value);
             }
         }
     }

@@ -95,13 +95,17 @@ struct CardLayout {
     const char* group; // the card's name in error reports and in the manual
     const CardField* fields;
     int fieldCount;
-    int columns; // that the fields take when read by columns
+    int columns;  // that the fields take when read by columns
+    bool limited; // some field has values without a meaning
 };
 
 constexpr CardLayout Layout(const char* group, const CardField* fields, int fieldCount) {
-    CardLayout layout{group, fields, fieldCount, 0};
-    for (int f = 0; f < fieldCount; ++f)
+    CardLayout layout{group, fields, fieldCount, 0, false};
+    for (int f = 0; f < fieldCount; ++f) {
         layout.columns += fields[f].count * fields[f].descriptor.width;
+        layout.limited =
+            layout.limited || fields[f].values.low > -HUGE_VAL || fields[f].values.high < HUGE_VAL;
+    }
     return layout;
 }
 template <std::size_t N> constexpr CardLayout Layout(const char* group, const CardField (&fields)[N]) {

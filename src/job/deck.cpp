@@ -1,5 +1,6 @@
 #include "job/deck.h"
 
+#include "core/interrupt.h"
 #include "core/stop.h"
 
 #include <algorithm>
@@ -212,7 +213,8 @@ std::string_view NextRecord(Deck& deck, const char* group) {
 std::string_view ReadCardLine(Deck& deck, std::int32_t INDFOR, const char* group) {
     std::string_view line;
     do {
-        StopIfInterrupted();
+        if (interruptRequested != 0)
+            StopIfInterrupted();
         if (deck.CardCounter < std::numeric_limits<std::int32_t>::max())
             ++deck.CardCounter;
         GuardAgainstRepetition(deck, group);

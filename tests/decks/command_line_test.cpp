@@ -6,11 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <set>
 #include <string>
 #include <sys/file.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -218,6 +220,46 @@ TEST(CommandLine, InterruptLeavesFilesWhole) {
     EXPECT_EQ(CountOf(run.graphics, "CVORNE KONCENTRACIJE"), steps);
     EXPECT_TRUE(EndsWith(run.graphics, "    -1\n"));
     EXPECT_TRUE(Contains(run.console, "\nInterrupted; written so far: listing zurt.lst, ")) << run.console;
+}
+
+// --- what a parent may do to the process --------------------------------------------------------------------------
+
+struct Surroundings {
+    const char* command; // by the shell; $ZURT is the program
+    int status;
+    const char* errors;
+};
+
+// Faults: a signal or a crash in the place of a message; a stream that the parent has closed whose number a file of the run takes.
+TEST(CommandLine, HostileSurroundings) {
+    const Surroundings cases[] = {
+        {"(ulimit -f 8; $ZURT -q zurt.dat)", 2, "can't write to zurt.lst: File too large"},
+        {"$ZURT zurt.dat | true; exec 3>&-; exit 0", 0, "can't write to the console: Broken pipe"},
+        {"$ZURT zurt.dat >&-", 2, "can't write to the console: Bad file descriptor"},
+        {"$ZURT -q zurt.dat 2>&-", 0, ""},
+        {"$ZURT - <&-", 2, "can't read the deck on standard input"},
+        {"$ZURT zurt.dat > /dev/full", 2, "can't write to the console: No space left on device"},
+        {"(ulimit -s 64; $ZURT -q zurt.dat)", 0, ""},
+    };
+    setenv("ZURT", ZURT_BINARY, 1);
+    BarDeck bar;
+    bar.periods = {{200, 1e-3}};
+    for (const Surroundings& test : cases) {
+#ifdef ZURT_SANITIZE
+        if (std::string(test.command).find("ulimit -s") != std::string::npos)
+            continue; // the sanitizers need more themselves
+#endif
+        const std::string folder = FolderWith("zurt.dat", Build(bar));
+        const std::string command = "cd " + folder + " && { " + test.command + "; } > console 2> errors";
+        const int status = std::system(command.c_str());
+        EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, test.status) << test.command;
+        EXPECT_TRUE(Contains(ReadFile(folder + "/errors"), test.errors))
+            << test.command << ReadFile(folder + "/errors");
+        EXPECT_EQ(ReadFile(folder + "/zurt.dat"), Build(bar));
+        EXPECT_TRUE(test.status != 0 || *test.errors != '\0' ||
+                    AllConcentrations(ReadFile(folder + "/zurt.lst")).size() == 200U)
+            << test.command;
+    }
 }
 
 } // namespace
