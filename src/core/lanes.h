@@ -17,11 +17,9 @@ InstructionSet WidestInstructionSet();
 
 #define ZURT_INLINE inline __attribute__((always_inline))
 
-/// kWidth numbers in one register: 2, 4 and 8 for the three sets. In memory Anywhere may begin at any number, Vector at
-/// a multiple of its size alone.
+/// kWidth numbers in one register: 2, 4 and 8 for the three sets; in memory at a multiple of its size.
 template <int kWidth> struct Lanes {
     typedef double Vector __attribute__((vector_size(kWidth * sizeof(double)), may_alias));
-    typedef double Anywhere __attribute__((vector_size(kWidth * sizeof(double)), aligned(8), may_alias));
     typedef std::int64_t Mask __attribute__((vector_size(kWidth * sizeof(double)), may_alias));
 };
 
@@ -33,9 +31,14 @@ template <int kWidth> ZURT_INLINE const typename Lanes<kWidth>::Vector& LanesAt(
     return *reinterpret_cast<const typename Lanes<kWidth>::Vector*>(place);
 }
 
-/// The lanes from any `place` on.
-template <int kWidth> ZURT_INLINE typename Lanes<kWidth>::Anywhere& LanesAnywhere(double* place) {
-    return *reinterpret_cast<typename Lanes<kWidth>::Anywhere*>(place);
+/// The lanes from any `place` on. A copy, which compilers make one move of; a vector type of lesser alignment would do, but not
+/// every compiler keeps the alignment through a template.
+template <int kWidth> ZURT_INLINE void LoadLanes(const double* place, typename Lanes<kWidth>::Vector& lanes) {
+    __builtin_memcpy(&lanes, place, sizeof lanes);
+}
+template <int kWidth>
+ZURT_INLINE void StoreLanes(const typename Lanes<kWidth>::Vector& lanes, double* place) {
+    __builtin_memcpy(place, &lanes, sizeof lanes);
 }
 
 /// The number of each lane, from 0.

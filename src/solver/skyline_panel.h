@@ -141,8 +141,7 @@ template <int kWidth, bool kLoad> ZURT_INLINE void MoveWholeRows(const SkylinePa
 #pragma GCC unroll 8
             for (Word i = 0; i < kWidth; ++i) {
                 if (kLoad)
-                    square[i] =
-                        LanesAnywhere<kWidth>(panel.store + (panel.entry[lane + i] - panel.bottom + j));
+                    LoadLanes<kWidth>(panel.store + (panel.entry[lane + i] - panel.bottom + j), square[i]);
                 else
                     square[i] = LanesAt<kWidth>(&panel.reduced[j + i].lane[lane]) /
                                 panel.store[panel.pointers[panel.bottom - j - i] - 1];
@@ -153,8 +152,7 @@ template <int kWidth, bool kLoad> ZURT_INLINE void MoveWholeRows(const SkylinePa
                 if (kLoad)
                     LanesAt<kWidth>(&panel.reduced[j + i].lane[lane]) = square[i];
                 else
-                    LanesAnywhere<kWidth>(panel.store + (panel.entry[lane + i] - panel.bottom + j)) =
-                        square[i];
+                    StoreLanes<kWidth>(square[i], panel.store + (panel.entry[lane + i] - panel.bottom + j));
             }
         }
 }
