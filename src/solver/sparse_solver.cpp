@@ -172,6 +172,7 @@ void SolveSparseSystem(RealArray R, std::int32_t JEDN, std::int32_t /*reserved*/
     SparseKill(kSilent);
     if (JEDN < 1 || NZ < 1) {
         Write(BeginMessage(console), "(' Error in solver calling!')");
+        SetSolverControls(instance); // else it speaks at its end
         ReleaseSolver(instance);
         StopRun(console);
     }
