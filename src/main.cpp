@@ -3,6 +3,9 @@
 #include "job/driver.h"
 #include "job/process.h"
 
+#include <cstdio>
+#include <new>
+
 namespace {
 
 struct Arguments {
@@ -13,8 +16,13 @@ struct Arguments {
 int RunMain(void* pointer) {
     const Arguments& arguments = *static_cast<Arguments*>(pointer);
     int status = 0;
-    if (const auto settings = zurt::ReadCommandLine(arguments.count, arguments.values, status))
-        status = zurt::JobDriver(*settings, stdin, stdout);
+    try {
+        if (const auto settings = zurt::ReadCommandLine(arguments.count, arguments.values, status))
+            status = zurt::JobDriver(*settings, stdin, stdout);
+    } catch (const std::bad_alloc&) {
+        std::fputs("zurt: error: no memory left\n", stderr);
+        status = zurt::kFailed;
+    }
     return status;
 }
 

@@ -10,6 +10,7 @@
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
 
+#include <cstdio>
 #include <new>
 
 #if defined(__x86_64__)
@@ -67,20 +68,33 @@ void RunProblems(Run& run) {
     CloseUnits(run);
 }
 
+int RunAndReport(Run& run, const JobSettings& settings, std::FILE* consoleInput, std::FILE* consoleOutput) {
+    try {
+        StartUp(run, settings, consoleInput, consoleOutput);
+        RunProblems(run);
+        return kFinished;
+    } catch (const RunStop& stop) {
+        return ReportStop(run, stop);
+    } catch (const std::bad_alloc&) { // an enormous deck on a small machine
+        return ReportStop(run, {StopKind::LibraryError, "no memory left", ""});
+    }
+}
+
 } // namespace
 
 int JobDriver(const JobSettings& settings, std::FILE* consoleInput, std::FILE* consoleOutput) {
     Run run;
     int status = kFinished;
     try {
-        StartUp(run, settings, consoleInput, consoleOutput);
-        RunProblems(run);
-    } catch (const RunStop& stop) {
-        status = ReportStop(run, stop);
-    } catch (const std::bad_alloc&) { // an enormous deck on a small machine
-        status = ReportStop(run, {StopKind::LibraryError, "no memory left", ""});
+        status = RunAndReport(run, settings, consoleInput, consoleOutput);
+        return EndOfRun(run, settings, status);
+    } catch (const RunStop& stop) { // the end itself could not be written
+        if (status != kFailed)      // else the reason has been told
+            std::fprintf(stderr, "zurt: error: %s\n", stop.text.c_str());
+    } catch (const std::bad_alloc&) {
+        std::fputs("zurt: error: no memory left\n", stderr);
     }
-    return EndOfRun(run, settings, status);
+    return kFailed;
 }
 
 } // namespace zurt

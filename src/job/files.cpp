@@ -243,9 +243,9 @@ void OpenMessages(Run& run) {
 }
 
 void FlushUnits(Run& run) {
-    FlushTextUnit(run.units.console);
     for (TextUnit* unit : OutputUnits(run.units))
         FlushTextUnit(*unit);
+    FlushTextUnit(run.units.console); // what it shows as ended is in the files by then
 }
 
 void CloseUnits(Run& run) {

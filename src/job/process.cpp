@@ -1,7 +1,11 @@
 #include "job/process.h"
 
+#include "job/job_settings.h"
+
 #include <csignal>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
@@ -30,9 +34,24 @@ struct Job {
     int status;
 };
 
+volatile std::sig_atomic_t jobIsRunning = 0;
+
+// A library that can't go on (the sparse solver without memory) ends the process where it stands, perhaps with status 0.
+void FailWithinJob() {
+    if (jobIsRunning == 0)
+        return;
+    std::fflush(nullptr);
+    std::fputs(
+        "zurt: error: a library has ended the process; what it says stands above, if it says anything\n",
+        stderr);
+    _exit(kFailed);
+}
+
 void* RunJob(void* pointer) {
     Job& job = *static_cast<Job*>(pointer);
+    jobIsRunning = 1;
     job.status = job.run(job.argument);
+    jobIsRunning = 0;
     return nullptr;
 }
 
@@ -47,6 +66,7 @@ void PrepareProcess() {
 }
 
 int RunOnOwnStack(int (*job)(void* argument), void* argument) {
+    std::atexit(FailWithinJob);
     Job work{job, argument, 0};
     pthread_attr_t attributes;
     pthread_t thread;

@@ -43,7 +43,8 @@ std::string InterruptLine(const Run& run) {
 
 // A file may hold nothing but blanks: MESSAGES.LST after most runs.
 bool HoldsSomething(const std::string& name) {
-    if (!std::filesystem::is_regular_file(name))
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(name, ignored))
         return false;
     std::FILE* file = std::fopen(name.c_str(), "rb");
     if (file == nullptr)

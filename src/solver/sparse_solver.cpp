@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <string>
+#include <sys/mman.h>
 
 namespace zurt {
 
@@ -89,6 +91,25 @@ void ReleaseSolver(DMUMPS_STRUC_C& instance) {
     StopRun(console);
 }
 
+// What no message of the program's own stands for: memory that is missing outside of the factorisation, mostly.
+void RequireSuccess(DMUMPS_STRUC_C& instance, const char* phase) {
+    const MUMPS_INT code = instance.info[0], detail = instance.info[1];
+    if (code >= 0)
+        return;
+    ReleaseSolver(instance);
+    StopWithLibraryError(std::string("the sparse solver failed in its ") + phase + " (INFO1 " +
+                         std::to_string(code) + ", INFO2 " + std::to_string(detail) + ")");
+}
+
+// The BLAS takes its own memory at the first call, 128 MB of address space, and where there is none it waits for ever.
+void RequireAddressSpace() {
+    constexpr std::size_t kBytes = std::size_t{256} << 20;
+    void* const space = mmap(nullptr, kBytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (space == MAP_FAILED)
+        StopWithLibraryError("no address space left for the sparse solver and its BLAS");
+    munmap(space, kBytes);
+}
+
 // The factors of an unsymmetric system have no inertia. But b . x = x . A x is above zero for every solution of a positive
 // definite system; rounding leaves it within this of |b| |x|.
 constexpr double kRoundedEnergy = 1e-10;
@@ -111,11 +132,17 @@ void SolverStart(DMUMPS_STRUC_C& instance, std::int32_t N, std::int32_t NZ, Text
     // Distributions build the solver with SCOTCH, which orders large systems in as many threads as there are processors
     // and then differently each time. One thread gives the same digits in every run.
     setenv("SCOTCH_PTHREAD_NUMBER", "1", 1);
+    RequireAddressSpace();
     MPI_Init(nullptr, nullptr);
     instance.comm_fortran = kWorldCommunicator;
     instance.sym = kUnsymmetric;
     instance.par = kHostWorks;
     CallSolver(instance, kCreateInstance);
+    if (instance.info[0] < 0) {
+        MPI_Finalize();
+        StopWithLibraryError("the sparse solver could not be started (INFO1 " +
+                             std::to_string(instance.info[0]) + ")");
+    }
     instance.n = N;
     instance.nz = NZ;
     instance.irn = TakeArray<MUMPS_INT>(NZ);
@@ -148,6 +175,7 @@ void SolverBackSolve(DMUMPS_STRUC_C& instance, RealArray R) {
     const RealArray RHS{instance.rhs, instance.n};
     Copy<double>(R, RHS);
     CallSolver(instance, kSubstitute);
+    RequireSuccess(instance, "substitution");
     if (!HasPositiveEnergy(R, RHS)) {
         ReleaseSolver(instance);
         StopWithLibraryError(

@@ -1,0 +1,110 @@
+#include "fuzz/ticks.h"
+
+#include "core/stop.h"
+#include "core/text_unit.h"
+#include "elements/element_dispatch.h"
+
+#include <dmumps_c.h>
+
+#include <string>
+#include <string_view>
+
+namespace zurt_fuzz {
+
+namespace {
+
+constexpr std::int64_t kTicksOfLoop = 2;
+constexpr std::int64_t kTicksOfRecord = 1;
+constexpr std::int64_t kBytesOfTick = 64;
+constexpr std::int64_t kTicksOfElement = 2;
+constexpr std::int64_t kTicksOfSolver = 200;
+
+std::int64_t ticksLeft = 0;
+bool mustGoOn = false; // what the sparse solver has taken would be lost by a stop
+
+/// Counts, and stops the job when its budget is used up.
+void TakeTicks(std::int64_t ticks) {
+    ticksLeft -= ticks;
+    if (ticksLeft < 0 && !mustGoOn)
+        throw zurt::RunStop{zurt::StopKind::Interrupt, "", ""};
+}
+
+} // namespace
+
+void AllowTicks(std::int64_t ticks) {
+    ticksLeft = ticks;
+}
+
+std::int64_t TicksLeft() {
+    return ticksLeft;
+}
+
+// The names that the linker looks for: __wrap_ takes the call, __real_ is the program's own.
+
+void WrapStopIfInterrupted() __asm__("__wrap__ZN4zurt16StopIfInterruptedEv");
+void WrapStopIfInterrupted() {
+    TakeTicks(kTicksOfLoop);
+}
+
+void WrapWriteNote(const std::string& text) __asm__(
+    "__wrap__ZN4zurt9WriteNoteERKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
+void WrapWriteNote(const std::string& /*text*/) {}
+
+void RealPutRecord(zurt::TextUnit& unit, std::string_view record) __asm__(
+    "__real__ZN4zurt9PutRecordERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
+void WrapPutRecord(zurt::TextUnit& unit, std::string_view record) __asm__(
+    "__wrap__ZN4zurt9PutRecordERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
+void WrapPutRecord(zurt::TextUnit& unit, std::string_view record) {
+    TakeTicks(kTicksOfRecord + static_cast<std::int64_t>(record.size()) / kBytesOfTick);
+    RealPutRecord(unit, record);
+}
+
+void RealPutBytes(zurt::TextUnit& unit, std::string_view bytes) __asm__(
+    "__real__ZN4zurt8PutBytesERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
+void WrapPutBytes(zurt::TextUnit& unit, std::string_view bytes) __asm__(
+    "__wrap__ZN4zurt8PutBytesERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
+void WrapPutBytes(zurt::TextUnit& unit, std::string_view bytes) {
+    TakeTicks(kTicksOfRecord + static_cast<std::int64_t>(bytes.size()) / kBytesOfTick);
+    RealPutBytes(unit, bytes);
+}
+
+void RealDispatch(zurt::Run& run, zurt::ElementGroup& group, std::int32_t NETIP, std::int32_t phase) __asm__(
+    "__real__ZN4zurt20DispatchElementPhaseERNS_3RunERNS_12ElementGroupEii");
+void WrapDispatch(zurt::Run& run, zurt::ElementGroup& group, std::int32_t NETIP, std::int32_t phase) __asm__(
+    "__wrap__ZN4zurt20DispatchElementPhaseERNS_3RunERNS_12ElementGroupEii");
+void WrapDispatch(zurt::Run& run, zurt::ElementGroup& group, std::int32_t NETIP, std::int32_t phase) {
+    RealDispatch(run, group, NETIP, phase);
+    TakeTicks(kTicksOfElement * group.NET);
+}
+
+void RealSolver(DMUMPS_STRUC_C* instance) __asm__("__real_dmumps_c");
+void WrapSolver(DMUMPS_STRUC_C* instance) __asm__("__wrap_dmumps_c");
+void WrapSolver(DMUMPS_STRUC_C* instance) {
+    TakeTicks(kTicksOfSolver);
+    RealSolver(instance);
+}
+
+struct WholeStretch {
+    WholeStretch() { mustGoOn = true; }
+    ~WholeStretch() { mustGoOn = false; }
+    WholeStretch(const WholeStretch&) = delete;
+    WholeStretch& operator=(const WholeStretch&) = delete;
+};
+
+void RealSparse(
+    zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved, zurt::TextUnit& console,
+    zurt::TextUnit& listing,
+    std::int32_t
+        SolverReportFlag) __asm__("__real__ZN4zurt17SolveSparseSystemENS_9ArrayViewIdEEiiRNS_8TextUnitES3_i");
+void WrapSparse(
+    zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved, zurt::TextUnit& console,
+    zurt::TextUnit& listing,
+    std::int32_t
+        SolverReportFlag) __asm__("__wrap__ZN4zurt17SolveSparseSystemENS_9ArrayViewIdEEiiRNS_8TextUnitES3_i");
+void WrapSparse(zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved, zurt::TextUnit& console,
+                zurt::TextUnit& listing, std::int32_t SolverReportFlag) {
+    const WholeStretch whole;
+    RealSparse(R, JEDN, reserved, console, listing, SolverReportFlag);
+}
+
+} // namespace zurt_fuzz
