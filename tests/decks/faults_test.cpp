@@ -26,7 +26,6 @@ namespace {
 
 using Settings = std::map<std::string, std::string>;
 
-// Tests called DISABLED_ show promises that the program does not keep yet.
 constexpr int kSecondsAllowed = 20;
 
 // A deck in a folder of its own. In the dialogue an older listing stands in the way and is deleted.

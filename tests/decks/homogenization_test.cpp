@@ -277,6 +277,33 @@ TEST(WallCells, SpheresConserveAndAgree) {
     EXPECT_NEAR(fitted / direct, 1.0, 2e-3);
 }
 
+// Faults: fibres that touch, overlap, end in a wall, lie in the inlet or in the last plane of the mesh, a fit of a distance that
+// begins at 0, taken for something else without a word: a fit gives a coefficient between 0 and 1, or says why not.
+TEST(Homogenization, OddArrangementsAreRightOrTold) {
+    struct Arrangement {
+        const char* name;
+        double fraction, x, y;
+        int IHEQ;
+    };
+    const Arrangement cases[] = {{"touching", 0.7853, 0.5, 0.5, 0},      {"overlapping", 0.9, 0.5, 0.5, 0},
+                                 {"ending in a wall", 0.2, 0.5, 0.0, 0}, {"in the inlet", 0.2, 0.0, 0.5, 0},
+                                 {"in the outlet", 0.2, 1.0, 0.5, 0},    {"HEQ from 0", 0.2, 0.5, 0.5, 1}};
+    for (const Arrangement& odd : cases)
+        for (const bool inlet : {true, false}) {
+            GridDeck grid = CellOfQuadrilaterals(8, odd.fraction);
+            grid.cylinders[0].from = grid.cylinders[0].to = {odd.x, odd.y, 0.0};
+            grid.IHEQ = odd.IHEQ;
+            grid.factors[0] = odd.IHEQ == 1 ? 0.3 : 1.0;
+            if (!inlet) // nothing on the far side: the inlet is the lowest plane, and the cell is full from there on
+                grid.places[0].erase(grid.places[0].begin(), grid.places[0].begin() + 2);
+            Invocation invocation = {{"-", "--wall-cells", "4"}, Build(grid)};
+            const RunResult run = RunProgram(MakeTemporaryFolder(), invocation);
+            const double fitted = Fitted(run.mass).at(0);
+            const bool told = Contains(run.errors, "zurt: note: ") || run.status == 2;
+            EXPECT_TRUE(told || (run.status == 0 && fitted > 0.0 && fitted < 1.0)) << odd.name << run.errors;
+        }
+}
+
 // --- runs that can not be fitted ----------------------------------------------------------------------------------
 
 // Faults: a search that ends without a result and says nothing, or not which and why; a fit without fibres, a direction's file left
