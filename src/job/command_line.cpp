@@ -58,14 +58,17 @@ struct Arguments {
     std::string output;
     bool help = false;
     bool version = false;
+    const CLI::Option* outputGiven =
+        nullptr; // asked by pointer: a search by name may not fail for want of memory
+    const CLI::Option* wallCellsGiven = nullptr;
 };
 
 void DescribeArguments(CLI::App& app, Arguments& arguments) {
     app.set_help_flag(); // the page above is the help
     app.add_option("DECK", arguments.decks);
-    app.add_option("-o,--output", arguments.output);
+    arguments.outputGiven = app.add_option("-o,--output", arguments.output);
     app.add_option("--words", arguments.settings.words);
-    app.add_option("--wall-cells", arguments.settings.options.wallCells);
+    arguments.wallCellsGiven = app.add_option("--wall-cells", arguments.settings.options.wallCells);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -73,7 +76,7 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
 }
 
 // What is wrong with arguments that could be read; empty when nothing is.
-std::string FaultOf(const CLI::App& app, const Arguments& arguments) {
+std::string FaultOf(const Arguments& arguments) {
     const JobSettings& settings = arguments.settings;
     if (arguments.decks.empty() || arguments.decks[0].empty())
         return "no deck is named";
@@ -81,11 +84,11 @@ std::string FaultOf(const CLI::App& app, const Arguments& arguments) {
         return "one deck at a time, not " + arguments.decks[0] + " and " + arguments.decks[1];
     if (arguments.decks[0] != "-" && access(arguments.decks[0].c_str(), R_OK) != 0)
         return "can't open the deck " + arguments.decks[0] + ": " + std::strerror(errno);
-    if (app.count("--output") > 0 && arguments.output.empty())
+    if (arguments.outputGiven->count() > 0 && arguments.output.empty())
         return "--output needs the name of a folder";
     if (settings.words < 1 || settings.words > kMostWords)
         return "--words takes a count between 1 and " + std::to_string(kMostWords);
-    if (app.count("--wall-cells") > 0 &&
+    if (arguments.wallCellsGiven->count() > 0 &&
         (settings.options.wallCells < 2 || settings.options.wallCells > kMostWallCells))
         return "--wall-cells takes a count between 2 and " + std::to_string(kMostWallCells);
     return "";
@@ -128,10 +131,11 @@ std::optional<JobSettings> ReadCommandLine(int argc, const char* const* argv, in
         return std::nullopt;
     }
     if (arguments.help || arguments.version) {
-        std::fputs(arguments.help ? kHelp : kVersion, stdout);
+        if (std::fputs(arguments.help ? kHelp : kVersion, stdout) < 0 || std::fflush(stdout) != 0)
+            status = Refuse(std::string("can't write to the console: ") + std::strerror(errno));
         return std::nullopt;
     }
-    const std::string fault = FaultOf(app, arguments);
+    const std::string fault = FaultOf(arguments);
     if (!fault.empty()) {
         status = Refuse(fault);
         return std::nullopt;
