@@ -10,6 +10,9 @@ namespace zurt {
 
 namespace {
 
+constexpr const char* kNotCounted =
+    "is no code: the direction runs but is not counted, and results may stay unwritten";
+
 constexpr CardField kHomogenizationFields[] = {
     ZURT_COUNT(HomogenizationCard, NSETS, "I5", "number of fibre sets"),
     ZURT_CODE(HomogenizationCard, IEHM, "I5", 0, 1,
@@ -23,15 +26,9 @@ constexpr CardField kHomogenizationFields[] = {
               "iteration limit of the fit"),
     ZURT_CODE(HomogenizationCard, FITERR, "F10.6", 0.0, HUGE_VAL, "is met by no run: a fit ends at NFITMAX",
               "relative tolerance on mass"),
-    ZURT_CODE(HomogenizationCard, INDFITX, "I5", 0, 1,
-              "is no code: the direction runs but is not counted, and results may stay unwritten",
-              "1: homogenize for diffusion in X"),
-    ZURT_CODE(HomogenizationCard, INDFITY, "I5", 0, 1,
-              "is no code: the direction runs but is not counted, and results may stay unwritten",
-              "1: homogenize for diffusion in Y"),
-    ZURT_CODE(HomogenizationCard, INDFITZ, "I5", 0, 1,
-              "is no code: the direction runs but is not counted, and results may stay unwritten",
-              "1: homogenize for diffusion in Z"),
+    ZURT_CODE(HomogenizationCard, INDFITX, "I5", 0, 1, kNotCounted, "1: homogenize for diffusion in X"),
+    ZURT_CODE(HomogenizationCard, INDFITY, "I5", 0, 1, kNotCounted, "1: homogenize for diffusion in Y"),
+    ZURT_CODE(HomogenizationCard, INDFITZ, "I5", 0, 1, kNotCounted, "1: homogenize for diffusion in Z"),
     ZURT_CODE(HomogenizationCard, INDDEG, "I5", 0, 3, "becomes 1 or 3, whichever is nearer",
               "main diffusion direction: below 1 becomes 1, above 3 becomes 3"),
     ZURT_CODE(HomogenizationCard, IHEQ, "I5", 0, 1, "is no code: it acts as 0",

@@ -17,6 +17,20 @@ namespace {
 // Tables of correction factors that end below the one, or begin beyond the other, of the box of the fibres hardly mean it.
 constexpr double kFarBelow = 1e-5, kFarAbove = 1e3;
 
+struct NodesFound {
+    Word count = 0, first = 0;
+};
+
+template <class Predicate> NodesFound FindNodes(Word length, Predicate isFound) {
+    NodesFound found;
+    for (Word i = 1; i <= length; ++i)
+        if (isFound(i)) {
+            found.first = found.first == 0 ? i : found.first;
+            ++found.count;
+        }
+    return found;
+}
+
 std::string Count(Word count, const char* one, const char* many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
@@ -33,10 +47,8 @@ void NoteKindOfProblem(const Run& run) {
             "a steady problem with constant coefficients has no sound fluxes at the nodes, free nodes count "
             "as 0 there: give a curve two points (of equal value), so that it iterates");
     if (header.NSTAC == 0 && linear && run.control.state.NDT == 1)
-        WriteNote("each step of a steady problem with constant coefficients shows at each step the solution "
-                  "of the step "
-                  "before: ask "
-                  "for two steps (NPER 2) and take the second");
+        WriteNote("each step of a steady problem with constant coefficients shows the solution of the step "
+                  "before: ask for two steps (NPER 2) and take the second");
 }
 
 void NoteSources(const Run& run) {
@@ -51,15 +63,11 @@ void NoteValuesOfHeldNodes(const Run& run) {
     const ConstIntArray ID = EquationNumbers(run);
     const ConstRealArray values = NodeCardValues(run);
     const double used = run.control.state.OutletEnd;
-    Word count = 0, first = 0;
-    for (Word i = 1; i <= ID.length; ++i)
-        if (ID(i) == 0 && values(i) != 0.0 && values(i) != used) {
-            first = first == 0 ? i : first;
-            ++count;
-        }
-    if (count > 0)
-        WriteNote(Count(count, "held node has a value", "held nodes have values") +
-                  " on the node card that is not used (node " + std::to_string(first) +
+    const NodesFound found =
+        FindNodes(ID.length, [&](Word i) { return ID(i) == 0 && values(i) != 0.0 && values(i) != used; });
+    if (found.count > 0)
+        WriteNote(Count(found.count, "held node has a value", "held nodes have values") +
+                  " on the node card that is not used (node " + std::to_string(found.first) +
                   " first): all held nodes have one value, that of the outlet cards, else 0");
 }
 
@@ -81,15 +89,10 @@ void NoteNodesInNoElement(const Run& run) {
     const IntArray marks(store.data(), ID.length);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         MarkNodesOfGroup(run, run.groups[NGE], marks);
-    Word count = 0, first = 0;
-    for (Word i = 1; i <= ID.length; ++i)
-        if (marks(i) == 0 && ID(i) > 0) {
-            first = first == 0 ? i : first;
-            ++count;
-        }
-    if (count > 0)
-        WriteNote(Count(count, "node that is not held stands", "nodes that are not held stand") +
-                  " in no element (node " + std::to_string(first) +
+    const NodesFound found = FindNodes(ID.length, [&](Word i) { return marks(i) == 0 && ID(i) > 0; });
+    if (found.count > 0)
+        WriteNote(Count(found.count, "node that is not held stands", "nodes that are not held stand") +
+                  " in no element (node " + std::to_string(found.first) +
                   " first): the system has no equation for them");
 }
 

@@ -182,15 +182,6 @@ void TakeCards(Dice& dice, Lines& lines, const Lines& other) {
     lines.insert(At(lines, to), first, first + static_cast<std::ptrdiff_t>(count));
 }
 
-/// The other deck as the next problem: fixed decks take a card between the two, free ones don't.
-void JoinProblem(Dice& dice, Lines& lines, const Lines& next) {
-    while (lines.size() > 1 && lines.back().compare(0, 4, "STOP") == 0)
-        lines.pop_back();
-    if (Choose(dice, 2) == 0)
-        lines.emplace_back("NEXT\n");
-    lines.insert(lines.end(), next.begin(), next.end());
-}
-
 const Lines& AnySmallDeck(Dice& dice) {
     static const std::vector<Lines> decks = [] {
         std::vector<Lines> all;
@@ -217,9 +208,10 @@ void ChangeOnce(Dice& dice, Lines& lines) {
         ChangeLines(dice, lines);
     else if (kind < 28)
         TakeCards(dice, lines, AnySmallDeck(dice));
-    else if (kind < 29)
-        JoinProblem(dice, lines, AnySmallDeck(dice));
-    else if (kind < 30)
+    else if (kind < 29) {
+        const Lines& next = AnySmallDeck(dice);
+        zurt_test::AddProblem(lines, next, Choose(dice, 2) == 0);
+    } else if (kind < 30)
         CutEnd(dice, lines);
     else
         lines = zurt_test::SplitDeck(
@@ -263,7 +255,7 @@ std::string CrossDecks(const std::string& deck, const std::string& other, std::u
         break;
     }
     case 1:
-        JoinProblem(dice, lines, second);
+        zurt_test::AddProblem(lines, second, Choose(dice, 2) == 0);
         break;
     default:
         TakeCards(dice, lines, second);

@@ -150,15 +150,6 @@ void JoinTail(Dice& dice, Lines& lines, const Lines& other) {
     lines.insert(lines.end(), other.begin() + static_cast<std::ptrdiff_t>(from), other.end());
 }
 
-/// Another deck behind this one as its next problem: fixed decks take a card between the two, free ones don't.
-void AddProblem(Dice& dice, Lines& lines, const Lines& next) {
-    if (lines.back().compare(0, 4, "STOP") == 0)
-        lines.pop_back();
-    if (Choose(dice, 2) == 0)
-        lines.emplace_back("NEXT\n");
-    lines.insert(lines.end(), next.begin(), next.end());
-}
-
 } // namespace
 
 std::vector<std::string> SplitDeck(const std::string& deck) {
@@ -198,11 +189,21 @@ std::string WithItem(const std::string& line, const DeckItem& item, std::string_
     return head.append(text) + line.substr(item.begin + item.length);
 }
 
+void AddProblem(Lines& lines, const Lines& next, bool cardBetween) {
+    while (lines.size() > 1 && lines.back().compare(0, 4, "STOP") == 0)
+        lines.pop_back();
+    if (cardBetween)
+        lines.emplace_back("NEXT\n");
+    lines.insert(lines.end(), next.begin(), next.end());
+}
+
 std::string MutateDeck(const std::vector<std::string>& decks, std::uint32_t seed) {
     Dice dice{seed};
     Lines lines = SplitDeck(decks[Choose(dice, decks.size())]);
-    if (Choose(dice, 4) == 0)
-        AddProblem(dice, lines, SplitDeck(decks[Choose(dice, decks.size())]));
+    if (Choose(dice, 4) == 0) {
+        const Lines next = SplitDeck(decks[Choose(dice, decks.size())]);
+        AddProblem(lines, next, Choose(dice, 2) == 0);
+    }
     for (std::size_t faults = 1 + Choose(dice, 4); faults > 0; --faults) {
         const std::size_t kind = Choose(dice, 16);
         if (kind < 6)

@@ -23,9 +23,13 @@ std::vector<DeckItem> ItemsOf(const std::string& line);
 /// more than one, so that the columns behind it stay.
 std::string WithItem(const std::string& line, const DeckItem& item, std::string_view text);
 
-/// One of the decks, or two as problems of one deck, with one to four faults, the same for the same seed on every machine: bytes changed, taken out and
-/// put in, numbers replaced by others, items exchanged, lines deleted, repeated and exchanged, the end cut off, the
-/// head of one deck joined to the tail of another. No number becomes so large that a legal deck asks for hours of work.
+/// Puts another deck behind this one as its next problem; fixed decks take a card between the two, free ones don't.
+void AddProblem(std::vector<std::string>& lines, const std::vector<std::string>& next, bool cardBetween);
+
+/// One of the decks, or two as problems of one deck, with one to four faults, the same for the same seed on every
+/// machine: bytes changed, taken out and put in, numbers replaced by others, items exchanged, lines deleted, repeated
+/// and exchanged, the end cut off, the head of one deck joined to the tail of another. No number becomes so large that a
+/// legal deck asks for hours of work.
 std::string MutateDeck(const std::vector<std::string>& decks, std::uint32_t seed);
 
 } // namespace zurt_test
