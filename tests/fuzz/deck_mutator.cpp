@@ -1,6 +1,6 @@
 #include "fuzz/deck_mutator.h"
 
-#include "support/mutate.h"
+#include "support/deck_lines.h"
 #include "support/small_decks.h"
 
 #include <algorithm>
@@ -25,6 +25,10 @@ constexpr std::string_view kNumbers[] = {
     "1E-300", "1E300", "-1E300", "1E155", "1E-160", "1E999", "Infinity",   "-Infinity",   "NaN",
     "0.5",    "-0.5",  "0,5",    "1E-8",  "1E8",    "1D0",   "0.",         "-0.",         "1E-320",
     "1.5",    "0.1",   "3*1",    "2*0.5", "/",      "1E38",  "1E-10",      "99999999999"};
+
+constexpr std::string_view kInsertions[] = {
+    "/", ",",      ";",    ",,", "*",    " ", "\n", "\r", "\t", "\n\n", "-",        ".",   "E",  "D",  "0",
+    "9", "1 1 1 ", "STOP", "C ", "5*1 ", "!", "'",  "\"", "(",  "\xff", "\xc3\xa9", "0*1", "5*", " / "};
 
 std::size_t Choose(Dice& dice, std::size_t count) {
     return count == 0 ? 0 : static_cast<std::size_t>(dice() / 7) % count;
@@ -182,6 +186,37 @@ void TakeCards(Dice& dice, Lines& lines, const Lines& other) {
     lines.insert(At(lines, to), first, first + static_cast<std::ptrdiff_t>(count));
 }
 
+// --- bytes ----------------------------------------------------------------------------------------------------------
+
+void ChangeBytes(Dice& dice, Lines& lines) {
+    std::string& line = lines[Choose(dice, lines.size())];
+    if (line.empty())
+        return;
+    const std::size_t at = Choose(dice, line.size());
+    switch (Choose(dice, 4)) {
+    case 0:
+        line[at] = static_cast<char>(Choose(dice, 256));
+        break;
+    case 1:
+        line[at] = static_cast<char>(line[at] ^ (1 << Choose(dice, 8)));
+        break;
+    case 2:
+        line.erase(at, 1 + Choose(dice, 8));
+        break;
+    default:
+        line.insert(at, kInsertions[Choose(dice, std::size(kInsertions))]);
+    }
+}
+
+void InsertMass(Dice& dice, Lines& lines) {
+    constexpr char kFill[] = {' ', '0', '1', ',', ';', '.', '*', '\0', '\n', '9'};
+    std::string& line = lines[Choose(dice, lines.size())];
+    const char fill = kFill[Choose(dice, sizeof kFill)];
+    line.insert(Choose(dice, line.size() + 1), std::string(Choose(dice, 2) == 0 ? 120 : 10000, fill));
+}
+
+// --- decks ----------------------------------------------------------------------------------------------------------
+
 const Lines& AnySmallDeck(Dice& dice) {
     static const std::vector<Lines> decks = [] {
         std::vector<Lines> all;
@@ -213,9 +248,10 @@ void ChangeOnce(Dice& dice, Lines& lines) {
         zurt_test::AddProblem(lines, next, Choose(dice, 2) == 0);
     } else if (kind < 30)
         CutEnd(dice, lines);
+    else if (Choose(dice, 4) != 0)
+        ChangeBytes(dice, lines);
     else
-        lines = zurt_test::SplitDeck(
-            zurt_test::MutateDeck({zurt_test::JoinDeck(lines)}, static_cast<std::uint32_t>(dice())));
+        InsertMass(dice, lines);
 }
 
 /// Near seeds give near first numbers.

@@ -5,10 +5,12 @@
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <spawn.h>
 #include <sstream>
 #include <stdexcept>
 #include <sys/wait.h>
@@ -32,12 +34,25 @@ struct TemporaryFolders {
     }
 };
 
-void Redirect(const std::string& name, int flags, int descriptor) {
-    const int file = open(name.c_str(), flags, 0644);
-    if (file < 0)
-        _exit(126);
-    dup2(file, descriptor);
-    close(file);
+// Not by fork: that copies the tables of this process's memory, which are large under the sanitizers.
+pid_t StartProgram(const std::string& folder, const std::vector<std::string>& arguments) {
+    std::vector<char*> words = {const_cast<char*>("zurt")};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+    posix_spawn_file_actions_addopen(&actions, 0, "answers", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, "console", kWrite, 0644);
+    posix_spawn_file_actions_addopen(&actions, 2, "errors", kWrite, 0644);
+    pid_t child = 0;
+    const int failure = posix_spawn(&child, ZURT_BINARY, &actions, nullptr, words.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (failure != 0)
+        throw std::runtime_error(std::string("can't start " ZURT_BINARY ": ") + std::strerror(failure));
+    return child;
 }
 
 std::vector<double> NumbersOf(std::string line) {
@@ -106,20 +121,7 @@ RunResult RunInFolder(const std::string& folder, const std::string& answers, int
 
 RunResult RunProgram(const std::string& folder, const Invocation& invocation, int secondsAllowed) {
     WriteFile(folder + "/answers", invocation.input);
-    const pid_t child = fork();
-    if (child == 0) {
-        if (chdir(folder.c_str()) != 0)
-            _exit(126);
-        Redirect("answers", O_RDONLY, 0);
-        Redirect("console", O_WRONLY | O_CREAT | O_TRUNC, 1);
-        Redirect("errors", O_WRONLY | O_CREAT | O_TRUNC, 2);
-        std::vector<char*> words = {const_cast<char*>("zurt")};
-        for (const std::string& argument : invocation.arguments)
-            words.push_back(const_cast<char*>(argument.c_str()));
-        words.push_back(nullptr);
-        execv(ZURT_BINARY, words.data());
-        _exit(127);
-    }
+    const pid_t child = StartProgram(folder, invocation.arguments);
     if (invocation.interruptAfterSteps > 0)
         InterruptAfter(child, folder + "/console", "*** END OF TIME STEP", invocation.interruptAfterSteps, 0);
     if (invocation.interruptAfterLines > 0)

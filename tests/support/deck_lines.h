@@ -1,7 +1,6 @@
-// Damaged decks: what a slip of the hand, a broken transfer or a wrong file makes of a good deck.
+// A deck as lines and items, to be changed.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,11 +24,5 @@ std::string WithItem(const std::string& line, const DeckItem& item, std::string_
 
 /// Puts another deck behind this one as its next problem; fixed decks take a card between the two, free ones don't.
 void AddProblem(std::vector<std::string>& lines, const std::vector<std::string>& next, bool cardBetween);
-
-/// One of the decks, or two as problems of one deck, with one to four faults, the same for the same seed on every
-/// machine: bytes changed, taken out and put in, numbers replaced by others, items exchanged, lines deleted, repeated
-/// and exchanged, the end cut off, the head of one deck joined to the tail of another. No number becomes so large that a
-/// legal deck asks for hours of work.
-std::string MutateDeck(const std::vector<std::string>& decks, std::uint32_t seed);
 
 } // namespace zurt_test
