@@ -250,8 +250,8 @@ void FlushUnits(Run& run) {
 
 void CloseUnits(Run& run) {
     run.deck = Deck();
-    CloseTextUnit(run.units.listing);
-    CloseTextUnit(run.units.graphics);
+    for (TextUnit* unit : OutputUnits(run.units))
+        CloseTextUnit(*unit);
 }
 
 } // namespace zurt
