@@ -189,7 +189,7 @@ void FormUnderFibres(benchmark::State& state) {
         for (const std::int32_t NSETS : {0, 1}) {
             run.fit.card.NSETS = NSETS;
             const double start = ProcessorTime();
-            DispatchElementPhase(run, run.groups[1], 3, kFormPhase);
+            FormElementGroup(run, run.groups[1]);
             (NSETS == 0 ? plain : fibres).push_back(ProcessorTime() - start);
         }
     const double elements = run.groups[1].NET;

@@ -26,7 +26,7 @@ void FormBlock(benchmark::State& state, Problem problem) {
     for (Word i = 1; i <= T.length; ++i)
         T(i) = 0.2 + 0.6 * static_cast<double>(i) / static_cast<double>(T.length);
     for (auto _ : state)
-        DispatchElementPhase(run, run.groups[1], 3, kFormPhase);
+        FormElementGroup(run, run.groups[1]);
     state.counters["elements"] = benchmark::Counter(
         static_cast<double>(state.iterations()) * run.groups[1].NET, benchmark::Counter::kIsRate);
     DestroyWorkingVector(run.A);

@@ -12,7 +12,7 @@
 #include "solver/skyline_solve.h"
 #include "solver/sparse_solver.h"
 #include "solver/sparse_solver_instance.h"
-#include "timeint/solution_pass.h"
+#include "timeint/step.h"
 
 #include <array>
 #include <cstdio>
@@ -51,12 +51,12 @@ struct Times {
     int solves = 0;
 };
 
-struct Clock {
+struct Stopwatch {
     Times job;
     std::vector<Times> runs;
     double booked = 0.0; // of all phases
 };
-Clock theClock;
+Stopwatch theClock;
 
 double Now() {
     timespec time{};
@@ -100,6 +100,26 @@ void WriteReport() {
 
 const int registered = std::atexit(WriteReport);
 
+// A pass over the steps, from its making to its end.
+class PassTimer {
+public:
+    PassTimer() : start(Now()), before(theClock.job) {}
+    PassTimer(const PassTimer&) = delete;
+    PassTimer& operator=(const PassTimer&) = delete;
+    ~PassTimer() {
+        Times own = theClock.job;
+        for (std::size_t phase = 0; phase < kPhases; ++phase)
+            own.seconds[phase] -= before.seconds[phase];
+        own.solves -= before.solves;
+        own.total = Now() - start;
+        theClock.runs.push_back(own);
+    }
+
+private:
+    double start;
+    Times before;
+};
+
 } // namespace
 
 // NOLINTBEGIN(readability-identifier-naming): the linker's names
@@ -130,12 +150,18 @@ ZURT_WRAP(ComputeColumnHeights,
     Book(kNumbering, start);
 }
 
-ZURT_WRAP(DispatchElementPhase, "_ZN4zurt20DispatchElementPhaseERNS_3RunERNS_12ElementGroupEii",
-          (Run & run, ElementGroup& group, std::int32_t NETIP, std::int32_t phase)) {
+ZURT_WRAP(FormElementGroup, "_ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE",
+          (Run & run, ElementGroup& group)) {
     const double start = Unbooked();
-    RealDispatchElementPhase(run, group, NETIP, phase);
-    if (phase == kFormPhase) // the reading is part of the input
-        Book(run.control.state.ResultsPhaseFlag == 0 ? kForming : kFluxes, start);
+    RealFormElementGroup(run, group);
+    Book(kForming, start);
+}
+
+ZURT_WRAP(AddGroupResults, "_ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE",
+          (Run & run, ElementGroup& group)) {
+    const double start = Unbooked();
+    RealAddGroupResults(run, group);
+    Book(kFluxes, start);
 }
 
 ZURT_WRAP(SkylineSolve, "_ZN4zurt12SkylineSolveENS_9ArrayViewIdEES1_NS0_IKiEEiiiRNS_8TextUnitE",
@@ -182,16 +208,14 @@ ZURT_WRAP(WriteUnvResults, "_ZN4zurt15WriteUnvResultsERNS_3RunE", (Run & run)) {
     Book(kResults, start);
 }
 
-ZURT_WRAP(SolutionPass, "_ZN4zurt12SolutionPassERNS_3RunE", (Run & run)) {
-    const double start = Now();
-    const Times before = theClock.job;
-    RealSolutionPass(run);
-    Times own = theClock.job;
-    for (std::size_t phase = 0; phase < kPhases; ++phase)
-        own.seconds[phase] -= before.seconds[phase];
-    own.solves -= before.solves;
-    own.total = Now() - start;
-    theClock.runs.push_back(own);
+ZURT_WRAP(RecordedPass, "_ZN4zurt12RecordedPassERNS_3RunERKNS_4PassE", (Run & run, const Pass& pass)) {
+    const PassTimer timer;
+    RealRecordedPass(run, pass);
+}
+
+ZURT_WRAP(SolutionPass, "_ZN4zurt12SolutionPassERNS_3RunEi", (Run & run, std::int32_t steps)) {
+    const PassTimer timer;
+    RealSolutionPass(run, steps);
 }
 // NOLINTEND(readability-identifier-naming)
 

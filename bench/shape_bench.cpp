@@ -1,6 +1,6 @@
 // Time per Gauss point of the shape and Jacobian kernels. A brick of 8 nodes has 8 such points per forming.
-#include "elements/gauss_rules.h"
-#include "elements/jacobian.h"
+#include "geometry/gauss_rules.h"
+#include "geometry/jacobian.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // zurt: runs the deck of its command line; started without arguments, asks for its file names on the console.
 #include "job/command_line.h"
 #include "job/driver.h"
-#include "job/process.h"
+#include "run/process.h"
 
 #include <cstdio>
 #include <new>

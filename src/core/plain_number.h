@@ -1,6 +1,6 @@
 // Numbers in the plain spelling that nearly every field of a deck has, read eight characters at a time.
 //
-// Used by job/card.cpp and list_read.cpp ahead of the full readers: what is not plain is left to those, and what is gets
+// Used by input/card.cpp and list_read.cpp ahead of the full readers: what is not plain is left to those, and what is gets
 // the value that they would give it, to the last bit. A number is given as a place in its record, because eight
 // characters are loaded at once; nothing outside the record is touched, and records of less than eight are never plain.
 #pragma once

@@ -1,15 +1,15 @@
 #include "homogenization/direct_coefficient.h"
 
 #include "core/format.h"
-#include "elements/element_kernel.h"
-#include "elements/element_visit.h"
+#include "elements/forming/element_kernel.h"
+#include "elements/forming/element_visit.h"
 #include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
+#include "homogenization/recorded_pass.h"
 #include "microscale/marked_nodes.h"
 #include "model/curve_lookup.h"
 #include "model/material_tables.h"
-#include "timeint/solution_pass.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,7 +36,7 @@ struct Domain {
 Domain DomainOf(const Run& run) {
     const HeaderFields& header = run.control.header;
     Domain domain;
-    domain.axis = run.fit.card.INDDEG - 1;
+    domain.axis = run.fit.INDDEG - 1;
     const double size[3] = {header.ELFIB, header.DFIB, header.WFIB};
     const bool boxed = header.NANOCH > 0 && header.NDS != 0;
     for (int axis = 0; axis < 3; ++axis) {
@@ -168,12 +168,12 @@ double BulkCoefficient(const Run& run, double c) {
 
 // DIRECTTAB: concentration and coefficient of step KOR.
 RealTable DirectTable(const Run& run) {
-    return RealTableSection(run.A, run.control.at.LDIRD, 2, run.control.state.NDT);
+    return RealTableSection(run.A, run.control.at.LDIRD, 2, run.control.counts.NDT);
 }
 
 void PrintDirectTable(Run& run) {
     TextUnit& listing = run.units.listing;
-    const std::int32_t NDT = run.control.state.NDT;
+    const std::int32_t NDT = run.control.counts.NDT;
     Write(listing, "(A)",
           Say(run, " DIREKTNO IZRACUNAT EKVIVALENTNI KOEFICIJENT DIFUZIJE",
               " DIRECTLY CALCULATED EQUIVALENT DIFFUSION COEFFICIENT"));
@@ -187,11 +187,8 @@ void PrintDirectTable(Run& run) {
 }
 
 void BeginSecondPass(Run& run) {
-    RunState& state = run.control.state;
-    run.fit.card.IEHM = 1;
+    run.fit.IEHM = 1;
     ReformEquationNumbers(run);
-    state.PassCounter = 2;
-    state.GraphicsCounter = state.GraphicsWritten = 0;
     Fill(StepSolution(run), 0.0);
     Fill(SkylineStore(run), 0.0);
     RestoreInitialConcentrations(run);
@@ -221,17 +218,22 @@ void RecordDirectStep(Run& run) {
     const double flux = domain.flow / domain.volume;
     const bool meaningful = std::isfinite(flux / gradient);
     const RealTable table = DirectTable(run);
-    const std::int32_t KOR = run.control.state.KOR;
+    const std::int32_t KOR = run.clock.KOR;
     table(1, KOR) = concentration;
     table(2, KOR) = meaningful ? flux / gradient : bulk;
     WriteDirectRow(run, concentration, bulk, table(2, KOR));
 }
 
 void RunDirectCalculation(Run& run) {
-    SolutionPass(run);
+    Pass pass;
+    pass.NDT = run.control.counts.NDT;
+    pass.writesResults = run.control.header.IPASSPRINT == 1;
+    RecordedPass(run, pass);
     PrintDirectTable(run);
     BeginSecondPass(run);
-    SolutionPass(run);
+    pass.PassCounter = 2;
+    pass.writesResults = run.control.header.IPASSPRINT == 2;
+    RecordedPass(run, pass);
     WriteMassChange(run);
 }
 

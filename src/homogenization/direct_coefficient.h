@@ -6,7 +6,7 @@
 // IDIRECTD is 1, and by the time loop in the first pass.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

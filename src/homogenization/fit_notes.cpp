@@ -4,7 +4,7 @@
 #include "core/stop.h"
 #include "homogenization/fit_update.h"
 #include "homogenization/mass_monitor.h"
-#include "job/file_names.h"
+#include "run/file_names.h"
 
 #include <cmath>
 #include <string>
@@ -77,8 +77,8 @@ std::string Remedy(const FitState& fit, const SearchSeen& seen) {
 }
 
 std::string Begun(const Run& run, const SearchSeen& seen) {
-    return MassFileName(run.units, run.fit.card.INDDEG) + " shows the " +
-           (seen.ofDistance ? "HEQ" : "curve") + " that it began with";
+    return MassFileName(run.units, run.fit.INDDEG) + " shows the " + (seen.ofDistance ? "HEQ" : "curve") +
+           " that it began with";
 }
 
 } // namespace
@@ -86,7 +86,7 @@ std::string Begun(const Run& run, const SearchSeen& seen) {
 void NoteSearchWithoutResult(const Run& run) {
     const FitState& fit = run.fit;
     const SearchSeen seen = SearchOf(fit);
-    const std::string direction = std::string("direction ") + "?XYZ"[fit.card.INDDEG & 3];
+    const std::string direction = std::string("direction ") + "?XYZ"[fit.INDDEG & 3];
     const std::string search = seen.ofDistance ? "wall distance HEQ" : "diffusion curve";
     const std::string runs = std::to_string(fit.ITERFIT - 1) + " runs (NFITMAX)";
     if (IsMassOfRounding(run, fit.MASSFIB))

@@ -1,7 +1,7 @@
 // What a fit says on standard error when a search ends without a result.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

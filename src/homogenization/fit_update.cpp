@@ -105,8 +105,8 @@ void EndSearchOfCurve(FitState& fit) {
     if (fit.DCFIT2 < 0.0)
         fit.DCFIT2 = fit.D2 * 0.001;
     fit.IDCEND = 1;
-    fit.D1DIR[fit.card.INDDEG] = fit.DCTRY;
-    fit.D2DIR[fit.card.INDDEG] = fit.DCFIT2;
+    fit.D1DIR[fit.INDDEG] = fit.DCTRY;
+    fit.D2DIR[fit.INDDEG] = fit.DCFIT2;
 }
 
 } // namespace
@@ -118,7 +118,7 @@ void UpdateHeq(FitState& fit, double moleculeRadius) {
     TakeError(fit);
     if (WithinTolerance(fit)) {
         fit.IFITEND = 1;
-        fit.HEQDIR[fit.card.INDDEG] = fit.HEQ = fit.HEQTRY;
+        fit.HEQDIR[fit.INDDEG] = fit.HEQ = fit.HEQTRY;
         return;
     }
     if (BothSigns(fit)) {

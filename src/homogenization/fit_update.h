@@ -6,7 +6,7 @@
 // mesh's unit, coefficients and masses in the deck's.
 #pragma once
 
-#include "homogenization/fit_state.h"
+#include "run/fit_state.h"
 
 namespace zurt {
 

@@ -5,8 +5,8 @@
 // driver.
 #pragma once
 
-#include "homogenization/fit_state.h"
-#include "job/run.h"
+#include "run/fit_state.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -2,7 +2,7 @@
 
 #include "core/format.h"
 #include "core/stop.h"
-#include "job/echo.h"
+#include "run/echo.h"
 
 #include <algorithm>
 
@@ -95,7 +95,7 @@ void EchoHomogenizationCard(Run& run) {
                                 "/11X,'INDICATOR FOR HOMOGENIZATION OF D-C CURVE... IDCC    =',I5"
                                 "/11X,'INDICATOR FOR INCLUDING MOL. DIAMETER IN SF. IDIAM   =',I5)");
     const HomogenizationCard& card = run.fit.card;
-    const Format& format = run.control.state.Language == kSerbian ? serbian : english;
+    const Format& format = run.job.Language == kSerbian ? serbian : english;
     Write(run.units.listing, format, card.NSETS, card.IEHM, card.NFIT, card.NFITMAX, card.NFSTEP, 0.0,
           card.INDFITY, card.INDFITZ, card.INDDEG, card.IHEQ, card.IDCC, card.IDIAM);
 }

@@ -1,8 +1,8 @@
 // The first card of the fibre data, which stands in every deck: what to homogenize and how.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

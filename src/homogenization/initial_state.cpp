@@ -1,6 +1,6 @@
 #include "homogenization/initial_state.h"
 
-#include "elements/radial_nodes.h"
+#include "geometry/radial_nodes.h"
 
 namespace zurt {
 
@@ -31,7 +31,6 @@ void RestoreInitialConcentrations(Run& run) {
     Fill(StepIncrement(run), 0.0);
     Fill(StepStart(run), 0.0);
     Fill(RightHandSide(run), 0.0);
-    run.control.state.TIME = 0.0;
 }
 
 } // namespace zurt

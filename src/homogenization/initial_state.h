@@ -5,7 +5,7 @@
 // homogenization and, once the input has been read, by the driver.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

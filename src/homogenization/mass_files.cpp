@@ -1,7 +1,7 @@
 #include "homogenization/mass_files.h"
 
 #include "core/format.h"
-#include "job/file_names.h"
+#include "run/file_names.h"
 
 namespace zurt {
 
@@ -12,7 +12,7 @@ TextUnit& MassUnit(Run& run, std::int32_t direction) {
 }
 
 TextUnit& MainUnit(Run& run) {
-    return MassUnit(run, run.fit.card.INDDEG);
+    return MassUnit(run, run.fit.INDDEG);
 }
 
 // Later problems of the deck go on behind the tables of earlier ones; the head of a plain run alone is not kept.
@@ -38,9 +38,9 @@ void WriteCoefficientHead(TextUnit& unit) {
 void WriteDirectHeads(Run& run, std::int32_t direction) {
     WriteTitle(MassUnit(run, direction));
     if (direction == 1)
-        Write(run.units.massX, "(I10,D14.5)", run.control.state.NDT, run.control.state.POROSITY);
+        Write(run.units.massX, "(I10,D14.5)", run.control.counts.NDT, run.fibres.POROSITY);
     else
-        Write(run.units.massX, "(I10)", run.control.state.NDT);
+        Write(run.units.massX, "(I10)", run.control.counts.NDT);
     WriteCoefficientHead(MassUnit(run, direction));
 }
 
@@ -54,7 +54,7 @@ void WritePlainMassFile(Run& run) {
     TextUnit& unit = run.units.massX;
     OpenMassFile(run, 1);
     WriteTitle(unit);
-    Write(unit, "(I10,D14.5)", run.control.state.NDT, run.control.state.POROSITY);
+    Write(unit, "(I10,D14.5)", run.control.counts.NDT, run.fibres.POROSITY);
     WriteCoefficientHead(unit);
     CloseTextUnit(unit);
 }
@@ -63,7 +63,7 @@ void OpenMassFiles(Run& run) {
     const HomogenizationCard& card = run.fit.card;
     const std::int32_t wanted[4] = {0, card.INDFITX, card.INDFITY, card.INDFITZ};
     for (std::int32_t direction = 1; direction <= 3; ++direction) {
-        if (wanted[direction] != 1 && card.INDDEG != direction)
+        if (wanted[direction] != 1 && run.fit.INDDEG != direction)
             continue;
         OpenMassFile(run, direction);
         if (run.control.header.IDIRECTD == 1)
@@ -80,7 +80,7 @@ void WriteMassChange(Run& run) {
     TextUnit& unit = MainUnit(run);
     WriteChangeTitle(unit);
     Write(unit, "(7X,'STEP',17X,'FLUX-MICRO',10X,'FLUX-EQUIV')");
-    for (std::int32_t step = 1; step <= run.control.state.NDT; ++step) {
+    for (std::int32_t step = 1; step <= run.control.counts.NDT; ++step) {
         const auto row = static_cast<std::size_t>(step - 1);
         Write(unit, "(5X,I5,5X,D16.5,5X,D16.5)", step, run.mass.FLUXMICRO[row], run.mass.FLUXEQUIV[row]);
     }
@@ -89,7 +89,7 @@ void WriteMassChange(Run& run) {
 void PrintFittedParameters(Run& run) {
     TextUnit& unit = MainUnit(run);
     const FitState& fit = run.fit;
-    const std::int32_t i = fit.card.INDDEG;
+    const std::int32_t i = fit.INDDEG;
     const double HEQ =
         fit.card.IDIAM == 1 ? fit.HEQDIR[i] - 0.5 * run.control.header.DMOLECULE : fit.HEQDIR[i];
     Write(unit, "(' VALUES OF FITTED PARAMETERS')");
@@ -103,8 +103,7 @@ void WriteFlowRow(Run& run, std::int32_t result) {
     const auto row = static_cast<std::size_t>(result - 1);
     if (row >= run.mass.FLUXEQUIV.size())
         return;
-    Write(MainUnit(run), "(5X,I5,5X,D16.5,5X,D16.5)", result, run.control.state.TIME,
-          run.mass.FLUXEQUIV[row]);
+    Write(MainUnit(run), "(5X,I5,5X,D16.5,5X,D16.5)", result, run.clock.TIME, run.mass.FLUXEQUIV[row]);
 }
 
 } // namespace zurt

@@ -4,7 +4,7 @@
 // directions. What goes to a file that is not open is dropped.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

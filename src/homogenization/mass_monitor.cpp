@@ -1,6 +1,6 @@
 #include "homogenization/mass_monitor.h"
 
-#include "elements/form_elements.h"
+#include "elements/forming/form_elements.h"
 #include "timeint/finite_results.h"
 
 #include <algorithm>
@@ -112,7 +112,7 @@ double FlowThrough(Run& run, const CrossSection& section) {
 } // namespace
 
 void BeginMassTables(Run& run) {
-    const auto steps = static_cast<std::size_t>(std::max(run.control.state.NDT, 1));
+    const auto steps = static_cast<std::size_t>(std::max(run.control.counts.NDT, 1));
     run.mass.FLUXMICRO.assign(steps, 0.0);
     run.mass.FLUXEQUIV.assign(steps, 0.0);
     run.mass.nodalSums.assign(static_cast<std::size_t>(run.control.header.NP), 0.0);
@@ -121,13 +121,12 @@ void BeginMassTables(Run& run) {
 }
 
 void RecordFlow(Run& run) {
-    const HomogenizationCard& card = run.fit.card;
-    CrossSection& section = run.mass.section[card.INDDEG];
+    CrossSection& section = run.mass.section[run.fit.INDDEG];
     if (!section.found)
-        FindCrossSection(run, card.INDDEG, section);
-    std::vector<double>& flux = card.IEHM == 0 ? run.mass.FLUXMICRO : run.mass.FLUXEQUIV;
+        FindCrossSection(run, run.fit.INDDEG, section);
+    std::vector<double>& flux = run.fit.IEHM == 0 ? run.mass.FLUXMICRO : run.mass.FLUXEQUIV;
     const double flow = FlowThrough(run, section);
-    RealArray(flux.data(), static_cast<Word>(flux.size()))(run.control.state.KOR) = flow;
+    RealArray(flux.data(), static_cast<Word>(flux.size()))(run.clock.KOR) = flow;
     RequireFinite(run, flow, "flow through the inlet cross-section", "look for absurd sizes in the deck");
 }
 
@@ -146,7 +145,7 @@ bool IsMassOfRounding(const Run& run, double mass) {
 
 double MassOfRun(const Run& run, const std::vector<double>& flux, std::int32_t steps) {
     const bool steady = run.control.header.NSTAC == 0;
-    const ConstRealArray sizes = RealSection(run.A, run.control.at.LDT, steady ? 0 : run.control.state.NDT);
+    const ConstRealArray sizes = RealSection(run.A, run.control.at.LDT, steady ? 0 : run.control.counts.NDT);
     const ConstRealArray flows(flux.data(), static_cast<Word>(flux.size()));
     double mass = 0.0;
     for (Word step = 1; step <= steps; ++step)

@@ -7,7 +7,7 @@
 // 467-488). Flows are in units of amount over time. Called by the time loop in a fit and in the direct calculation.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

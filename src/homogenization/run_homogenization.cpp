@@ -6,8 +6,8 @@
 #include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
+#include "homogenization/recorded_pass.h"
 #include "microscale/marked_nodes.h"
-#include "timeint/solution_pass.h"
 
 #include <algorithm>
 
@@ -33,20 +33,19 @@ void BeginEquivalentMedium(Run& run, const FittedCurve& curve) {
             RescaleCurveFromCard(curve, fit);
     } else {
         WriteBanner(run, "running EHM model - Calculation of D-C curve...");
-        RescaleEquivalentCurve(curve, run.control.state.POROSITY, run.fibres, fit);
+        RescaleEquivalentCurve(curve, run.fibres.POROSITY, run.fibres, fit);
     }
 }
 
 // The curve has been found and HEQ is to follow: the model with fibres stands next, now with factors.
 void BeginDistanceStage(Run& run) {
     FitState& fit = run.fit;
-    fit.IPHASE = fit.ISFOFF = fit.card.IEHM = fit.ITERFIT = fit.IFITEND = 0;
+    fit.IPHASE = fit.ISFOFF = fit.IEHM = fit.ITERFIT = fit.IFITEND = 0;
     Write(run.units.console, "(/1X,A//1X,A/)", "Calculation of D-C curve finished!", kRunWithFactors);
     std::fill(run.mass.FLUXMICRO.begin(), run.mass.FLUXMICRO.end(), 0.0);
     std::fill(run.mass.FLUXEQUIV.begin(), run.mass.FLUXEQUIV.end(), 0.0);
     ReformEquationNumbers(run);
     fit.ERRFIT = 1.0;
-    run.control.state.TIME = 0.0;
     fit.SEENPOS = fit.SEENNEG = 0;
 }
 
@@ -86,22 +85,22 @@ void TakeMass(Run& run, std::int32_t steps) {
 // --- one direction ------------------------------------------------------------------------------------------------
 
 void RunSteps(Run& run, std::int32_t steps) {
-    RunState& state = run.control.state;
-    const std::int32_t NDT = state.NDT;
     RestoreInitialConcentrations(run);
-    state.NDT = std::max(steps, 0);
-    SolutionPass(run);
-    state.NDT = NDT;
+    Pass pass;
+    pass.NDT = std::max(steps, 0);
+    pass.writesResults = run.fit.IFINALRUN != 0;
+    pass.GraphicsEnabled = pass.SolverReportFlag = run.fit.IFINALRUN;
+    RecordedPass(run, pass);
 }
 
 void BeginDirection(Run& run, std::int32_t direction) {
     static const char* const names[4] = {"", "Homogenization for Difusion X", "Homogenization for Difusion Y",
                                          "Homogenization for Difusion Z"};
     FitState& fit = run.fit;
-    fit.card.INDDEG = direction;
+    fit.INDDEG = direction;
     fit.HEQ = fit.HEQDIR[direction];
     fit.ISFOFF = 1;
-    fit.IPHASE = fit.card.IEHM = fit.ITERFIT = fit.IFITEND = fit.IDCEND = fit.SEENPOS = fit.SEENNEG = 0;
+    fit.IPHASE = fit.IEHM = fit.ITERFIT = fit.IFITEND = fit.IDCEND = fit.SEENPOS = fit.SEENNEG = 0;
     fit.ERRFIT = 1.0;
     fit.clampedCurve = false;
     WriteBanner(run, names[direction]);
@@ -114,13 +113,13 @@ void CloseDirection(Run& run, bool last) {
     PrintFittedParameters(run);
     WriteBanner(run, "HOMOGENIZATION FINISHED!");
     if (last)
-        fit.IFINALRUN = run.control.state.GraphicsEnabled = run.control.state.SolverReportFlag = 1;
-    RunSteps(run, run.control.state.NDT);
+        fit.IFINALRUN = 1;
+    RunSteps(run, run.control.counts.NDT);
 }
 
 void FitDirection(Run& run, const FittedCurve& curve, bool last) {
     FitState& fit = run.fit;
-    const std::int32_t steps = std::min(fit.card.NFSTEP, run.control.state.NDT);
+    const std::int32_t steps = std::min(fit.card.NFSTEP, run.control.counts.NDT);
     BeginFitRun(run, curve);
     while (fit.IFITEND == 0) {
         RunSteps(run, steps);
@@ -164,7 +163,7 @@ void EndFitRun(Run& run, const FittedCurve& curve) {
     FitState& fit = run.fit;
     if (fit.IPHASE != 0)
         return;
-    fit.IPHASE = fit.card.IEHM = 1;
+    fit.IPHASE = fit.IEHM = 1;
     ReformEquationNumbers(run);
     Fill(StepIncrement(run), 0.0);
     Fill(StepStart(run), 0.0);

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "homogenization/fitted_curve.h"
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

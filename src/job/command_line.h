@@ -1,7 +1,7 @@
 // The command line: zurt [options] DECK. Without arguments the console dialogue asks for the file names.
 #pragma once
 
-#include "job/job_settings.h"
+#include "run/job_settings.h"
 
 #include <optional>
 

@@ -2,13 +2,13 @@
 
 #include "core/interrupt.h"
 #include "core/stop.h"
-#include "job/banner.h"
-#include "job/card.h"
-#include "job/files.h"
+#include "input/card.h"
 #include "job/read_problem.h"
 #include "job/run_end.h"
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
+#include "run/banner.h"
+#include "run/files.h"
 
 #include <cstdio>
 #include <new>
@@ -36,7 +36,7 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
         WatchForInterrupts(); // the dialogue ends as its terminal wants it
     CreateWorkingVector(run.A, settings.words);
     run.options = settings.options;
-    run.control.state.Language = kEnglish;
+    run.job.Language = kEnglish;
     run.units.consoleInput = consoleInput;
     if (!settings.quiet)
         AttachTextUnit(run.units.console, consoleOutput, "the console");

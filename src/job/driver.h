@@ -1,7 +1,7 @@
 // The driver: start-up, the problem loop, and within it the order of the deck and of the run.
 #pragma once
 
-#include "job/job_settings.h"
+#include "run/job_settings.h"
 
 #include <cstdio>
 

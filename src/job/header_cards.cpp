@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "core/stop.h"
+#include "run/partition.h"
 
 #include <cmath>
 #include <cstring>
@@ -187,7 +188,7 @@ void ReadFormatCard(Run& run) {
     ReadCardFields(run.deck, 1, kFormatCard, &header);
     if (header.INDFOR == 0)
         header.INDFOR = 1;
-    run.control.state.SparseMode = header.SolverSelector == 2 ? 1 : 0;
+    SetSolver(run, header.SolverSelector);
     header.IPASSPRINT = 1;
 }
 
@@ -241,14 +242,13 @@ void ReadExecutionCard(Run& run) {
 
 void ReadGroupCard(Run& run, ElementGroup& group) {
     ReadCardFields(run.deck, run.control.header.INDFOR, kGroupCard, &group);
-    RunState& state = run.control.state;
     if (group.IZIP > 0)
-        state.SourcePresent = 1;
+        run.job.SourcePresent = 1;
     if (group.IZIP == 2)
-        state.ConcentrationSource = 1;
+        run.job.ConcentrationSource = 1;
     if (group.ISUB4 > 0)
-        state.SubstructurePresent = 1;
-    state.LastISUB4 = group.ISUB4;
+        run.job.SubstructurePresent = 1;
+    run.job.LastISUB4 = group.ISUB4;
 }
 
 void ReadMaterialHeader(Run& run) {
@@ -269,7 +269,7 @@ void ReadBoundaryCard(Run& run) {
     ReadCardFields(run.deck, run.control.header.INDFOR, kBoundaryCard, &counts);
     if (counts.NPOC == 0 && run.control.header.NDS != 0)
         counts.NPOC = 1;
-    if (run.control.state.SourcePresent != 0 && counts.NQE == 0) {
+    if (run.job.SourcePresent != 0 && counts.NQE == 0) {
         TextUnit& unit = BeginMessage(run);
         Write(unit, "(2A)", " ERROR IN INPUTE DATA:", " THERE IS SOURCE TERM FOR ELEMENT GROUP, IZIP.GT.0");
         Write(unit, "(A)", " TIME FUNCTIONS MUST BE INPUT AND NQE MUST BE GT.0");

@@ -2,8 +2,8 @@
 // stand in job/header_echo.h. Layouts are public so that the manual's tables can be held against them.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -1,7 +1,7 @@
 #include "job/header_echo.h"
 
 #include "core/format.h"
-#include "job/echo.h"
+#include "run/echo.h"
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 // Echo of the header cards on the listing, after defaulting.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -1,7 +1,7 @@
 // Echo of the group card, the material header and the general boundary card.
 #include "core/format.h"
-#include "job/echo.h"
 #include "job/header_echo.h"
+#include "run/echo.h"
 
 namespace zurt {
 

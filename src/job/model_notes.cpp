@@ -1,8 +1,8 @@
 #include "job/model_notes.h"
 
 #include "core/stop.h"
-#include "elements/group_views.h"
-#include "elements/radial_nodes.h"
+#include "geometry/group_views.h"
+#include "geometry/radial_nodes.h"
 #include "model/material_tables.h"
 
 #include <algorithm>
@@ -37,7 +37,7 @@ std::string Count(Word count, const char* one, const char* many) {
 
 void NoteKindOfProblem(const Run& run) {
     const HeaderFields& header = run.control.header;
-    const bool linear = run.control.state.NonlinearFlag == 0;
+    const bool linear = run.job.NonlinearFlag == 0;
     if (header.NSTAC != 0 && linear)
         WriteNote(
             "a transient problem with constant coefficients takes one solve a step, and its solution is not "
@@ -46,7 +46,7 @@ void NoteKindOfProblem(const Run& run) {
         WriteNote(
             "a steady problem with constant coefficients has no sound fluxes at the nodes, free nodes count "
             "as 0 there: give a curve two points (of equal value), so that it iterates");
-    if (header.NSTAC == 0 && linear && run.control.state.NDT == 1)
+    if (header.NSTAC == 0 && linear && run.control.counts.NDT == 1)
         WriteNote("each step of a steady problem with constant coefficients shows the solution of the step "
                   "before: ask for two steps (NPER 2) and take the second");
 }
@@ -62,7 +62,7 @@ void NoteSources(const Run& run) {
 void NoteValuesOfHeldNodes(const Run& run) {
     const ConstIntArray ID = EquationNumbers(run);
     const ConstRealArray values = NodeCardValues(run);
-    const double used = run.control.state.OutletEnd;
+    const double used = run.control.outlet.OutletEnd;
     const NodesFound found =
         FindNodes(ID.length, [&](Word i) { return ID(i) == 0 && values(i) != 0.0 && values(i) != used; });
     if (found.count > 0)

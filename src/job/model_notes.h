@@ -1,7 +1,7 @@
 // Notes on a model as read: what the deck gives and nothing uses, and what is likely not meant. Once a problem, counted.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -2,17 +2,13 @@
 
 #include "core/format.h"
 #include "core/stop.h"
-#include "elements/element_dispatch.h"
-#include "elements/radial_nodes.h"
-#include "elements/surface_cards.h"
+#include "elements/element_phases.h"
+#include "elements/surfaces/surface_cards.h"
+#include "geometry/radial_nodes.h"
 #include "homogenization/homogenization_card.h"
 #include "homogenization/initial_state.h"
-#include "job/banner.h"
-#include "job/echo.h"
-#include "job/files.h"
 #include "job/header_cards.h"
 #include "job/header_echo.h"
-#include "job/partition.h"
 #include "microscale/correction_table.h"
 #include "microscale/fibre_data.h"
 #include "microscale/fibre_step.h"
@@ -28,6 +24,10 @@
 #include "model/time_functions.h"
 #include "model/time_steps.h"
 #include "results/unv_mesh.h"
+#include "run/banner.h"
+#include "run/echo.h"
+#include "run/files.h"
+#include "run/partition.h"
 
 #include <string_view>
 
@@ -44,17 +44,17 @@ void OpenOutputs(Run& run) {
               Say(run, "NE STAMPAJU SE ULAZNI PODACI ZA PROBLEM POD NASLOVOM",
                   "NO PRINTOUT INPUT DATA FOR PROBLEM UNDER TITLE"),
               std::string_view(header.title, 78));
-    if ((header.NULAZ >= 0 || header.NPRINT >= 0) && run.control.state.ListingOpen == 0) {
+    if ((header.NULAZ >= 0 || header.NPRINT >= 0) && run.units.ListingOpen == 0) {
         OpenListing(run);
         WriteBanner(run);
     }
     MarkReadStart(run);
-    if (header.IGRAF > 0 && run.control.state.GraphicsOpen == 0)
+    if (header.IGRAF > 0 && run.units.GraphicsOpen == 0)
         OpenGraphics(run);
-    if ((header.NULAZ == 1 || header.NULAZ == 2) && run.control.state.CardListingDone == 0) {
+    if ((header.NULAZ == 1 || header.NULAZ == 2) && run.job.CardListingDone == 0) {
         ListCards(run);
-        if (run.control.state.ListingOpen == 1)
-            run.control.state.CardListingDone = 1;
+        if (run.units.ListingOpen == 1)
+            run.job.CardListingDone = 1;
     }
 }
 
@@ -77,14 +77,13 @@ void ReadHeaderCards(Run& run) {
     ReadExecutionCard(run);
     if (EchoInput(run))
         EchoExecutionCard(run);
-    run.control.state.TIME = 0.0;
 }
 
 // --- model data ---------------------------------------------------------------------------------------------------
 
 void ReadTimeData(Run& run) {
     if (run.control.header.NSTAC == 0) {
-        run.control.state.NDT = run.control.header.NPER;
+        CountSteadySteps(run);
         return;
     }
     TakePeriodTables(run);
@@ -105,6 +104,8 @@ void ReadMicroscaleData(Run& run) {
     HomogenizationCard& card = run.fit.card;
     if (run.control.header.IDIRECTD == 1) // begins with the model of fibres, and goes before a fit
         card.IEHM = card.NFIT = 0;
+    run.fit.IEHM = card.IEHM;
+    run.fit.INDDEG = card.INDDEG;
     run.fit.IFINALRUN = card.NFIT != 1;
     ReadFibreData(run, run.fibres);
 }
@@ -136,8 +137,7 @@ void ReadElementGroups(Run& run) {
         Write(run.units.listing, "('1'///6X,A)",
               Say(run, "U L A Z N I    P O D A C I    O    G R U P A M A   E L E M E N A T A",
                   "I N P U T    D A T A    F O R    E L E M E N T  G R O U P S"));
-    RunState& state = run.control.state;
-    state.SourcePresent = state.ConcentrationSource = state.SubstructurePresent = 0;
+    run.job.SourcePresent = run.job.ConcentrationSource = run.job.SubstructurePresent = 0;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         if (NGE > kMaxGroups)
             StopOnTooManyGroups(run, NGE);
@@ -147,14 +147,13 @@ void ReadElementGroups(Run& run) {
         ReadGroupCard(run, group);
         if (EchoInput(run))
             EchoGroupCard(run, group, first);
-        DispatchElementPhase(run, group, group.NETIP, kReadPhase);
+        ReadElementGroup(run, group);
         WriteGroupToGraphics(run, group);
     }
 }
 
 // The fibre step stands ahead of the solution vectors: it may take equations away.
 void LayMeshOverFibres(Run& run) {
-    run.control.state.POROSITY = 1.0;
     if (run.fit.card.NSETS > 0)
         ApplyFibres(run, run.fibres);
     if (RunsSeveralTimes(run))
@@ -207,12 +206,11 @@ void ReadTimeDependence(Run& run) {
 // Which curves make the problem iterate within a step.
 void DecideKindOfProblem(Run& run) {
     const CurveCounts& counts = run.control.counts;
-    RunState& state = run.control.state;
-    state.ConductivityNonlinear = counts.NANLK > 0 || counts.MAXTK > 1;
-    state.CapacityNonlinear = counts.NANLC > 0 || counts.MAXTC > 1;
-    state.NonlinearFlag = state.ConductivityNonlinear != 0 || state.CapacityNonlinear != 0 ||
-                          counts.MAXTHP > 1 || (counts.MAXTQE > 1 && state.ConcentrationSource != 0) ||
-                          counts.MAXTHR > 0;
+    run.job.ConductivityNonlinear = counts.NANLK > 0 || counts.MAXTK > 1;
+    run.job.CapacityNonlinear = counts.NANLC > 0 || counts.MAXTC > 1;
+    run.job.NonlinearFlag = run.job.ConductivityNonlinear != 0 || run.job.CapacityNonlinear != 0 ||
+                            counts.MAXTHP > 1 || (counts.MAXTQE > 1 && run.job.ConcentrationSource != 0) ||
+                            counts.MAXTHR > 0;
 }
 
 void StartAssembledFibres(Run& run) {
@@ -230,11 +228,11 @@ void ReadBoundaryData(Run& run) {
     ReadFunctionTables(run);
     DecideKindOfProblem(run);
     TakeSolutionVectors(run);
-    if (run.control.header.NSTAC != 0 || run.control.state.NonlinearFlag == 1) {
+    if (run.control.header.NSTAC != 0 || run.job.NonlinearFlag == 1) {
         ReadInitialConditions(run);
         StartAssembledFibres(run);
     }
-    if (run.control.header.NSTAC == 0 || run.control.state.NonlinearFlag == 1) {
+    if (run.control.header.NSTAC == 0 || run.job.NonlinearFlag == 1) {
         Copy<double>(StepSolution(run), StepStart(run));
         Copy<double>(StepSolution(run), StepIncrement(run));
     }
@@ -242,21 +240,23 @@ void ReadBoundaryData(Run& run) {
         ReadSurfaceData(run);
 }
 
-// A problem does not see the fit of the one before; cards keep their fields.
+// A problem does not see the fit of the one before; cards keep their fields, those that a fit moves as it left them.
 void ForgetFit(Run& run) {
     FitState fresh;
     fresh.card = run.fit.card;
+    fresh.card.IEHM = run.fit.IEHM;
+    fresh.card.INDDEG = run.fit.INDDEG;
     run.fit = fresh;
     run.mass = MassTables{};
-    run.control.state.EquationRoom = 0;
-    run.control.state.MatrixRoom = 0;
+    ReserveRoom(run, 0, 0);
 }
 
 } // namespace
 
 void ReadProblem(Run& run) {
-    ++run.control.state.ProblemNumber;
-    run.control.state.Solving = 0;
+    ++run.job.ProblemNumber;
+    CarryOutletOver(run);
+    run.job.Solving = 0;
     RestartWorkingVector(run.A);
     ForgetFit(run);
     ReadHeaderCards(run);

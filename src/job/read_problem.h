@@ -3,7 +3,7 @@
 // Called by the driver for every problem; the deck, the console and A are there.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -13,15 +13,15 @@ namespace {
 
 // The place in the job: "problem 2, step 3, iteration 1", as listing and console count them.
 std::string PlaceOf(const Run& run) {
-    const RunState& state = run.control.state;
-    std::string place = "problem " + std::to_string(state.ProblemNumber);
-    if (state.Solving == 0 || state.KOR == 0)
+    std::string place = "problem " + std::to_string(run.job.ProblemNumber);
+    if (run.job.Solving == 0 || run.clock.KOR == 0)
         return place;
     if (run.fit.card.NFIT == 1) {
-        place += std::string(", fit in direction ") + "?XYZ"[run.fit.card.INDDEG & 3];
+        place += std::string(", fit in direction ") + "?XYZ"[run.fit.INDDEG & 3];
         place += ", run " + std::to_string(run.fit.ITERFIT + 1);
     }
-    return place + ", step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER);
+    return place + ", step " + std::to_string(run.clock.KOR) + ", iteration " +
+           std::to_string(run.clock.ITER);
 }
 
 std::string MessageLine(const Run& run, const RunStop& stop) {
@@ -32,11 +32,10 @@ std::string MessageLine(const Run& run, const RunStop& stop) {
 }
 
 std::string InterruptLine(const Run& run) {
-    const RunState& state = run.control.state;
     std::string line = "interrupted: " + PlaceOf(run);
-    if (state.Solving != 0 && state.KOR > 0) {
-        line += " of " + std::to_string(state.NDT) + " steps, time ";
-        line += FormatText("(1PE12.5)", state.TIME).substr(1, 11);
+    if (run.job.Solving != 0 && run.clock.KOR > 0) {
+        line += " of " + std::to_string(run.pass.NDT) + " steps, time ";
+        line += FormatText("(1PE12.5)", run.clock.TIME).substr(1, 11);
     }
     return line + "; what was written so far is whole";
 }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "core/stop.h"
-#include "job/job_settings.h"
-#include "job/run.h"
+#include "run/job_settings.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -8,9 +8,9 @@
 #include "homogenization/mass_monitor.h"
 #include "homogenization/run_homogenization.h"
 #include "job/model_notes.h"
-#include "job/partition.h"
 #include "model/prescribed_values.h"
-#include "timeint/solution_pass.h"
+#include "run/partition.h"
+#include "timeint/step.h"
 
 #include <algorithm>
 #include <vector>
@@ -26,14 +26,14 @@ void RescalePlainMedium(Run& run) {
     for (Word i = 1; i <= curve.points; ++i)
         asRead.push_back(CoefficientOf(curve, i));
     curve.DBULK = ConstRealArray(asRead.data(), curve.points);
-    RescaleEquivalentCurve(curve, run.control.state.POROSITY, run.fibres, run.fit);
+    RescaleEquivalentCurve(curve, run.fibres.POROSITY, run.fibres, run.fit);
 }
 
 void RunPlainProblem(Run& run) {
     WritePlainMassFile(run);
-    if (run.fit.card.IEHM == 1)
+    if (run.fit.IEHM == 1)
         RescalePlainMedium(run);
-    SolutionPass(run);
+    SolutionPass(run, run.control.counts.NDT);
 }
 
 void WriteNotesOfRepeatedRuns(const Run& run) {
@@ -63,15 +63,8 @@ void RunRepeatedProblem(Run& run) {
 } // namespace
 
 void SolveProblem(Run& run) {
-    RunState& state = run.control.state;
-    state.TIME = state.StartTime = 0.0; // a steady problem advances neither
-    state.KOR = 0;
-    state.Solving = 1;
-    state.NCZZ = 0;
-    state.PrintCounter = 0;
-    state.OutletStartOfRun = state.OutletStart;
-    state.PassCounter = 1;
-    state.GraphicsEnabled = state.SolverReportFlag = run.fit.IFINALRUN;
+    run.job.Solving = 1;
+    BeginSolution(run);
     StartPrescribedValues(run);
     WriteModelNotes(run);
     if (RunsSeveralTimes(run))

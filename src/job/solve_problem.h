@@ -3,7 +3,7 @@
 // Called by the driver behind ReadProblem.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -4,7 +4,7 @@
 // models and by the homogenization.
 #pragma once
 
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
 
 namespace zurt {
 

@@ -2,9 +2,9 @@
 
 #include "core/format.h"
 #include "core/stop.h"
-#include "job/card.h"
-#include "job/partition.h"
+#include "input/card.h"
 #include "microscale/correction_lookup.h"
+#include "run/partition.h"
 
 #include <algorithm>
 #include <string>
@@ -71,7 +71,7 @@ void EchoTableHead(Run& run) {
     Write(listing, "(/A)",
           Say(run, " TABELA KOREKCIONIH FAKTORA KOEFICIJENTA DIFUZIJE",
               " TABLE OF CORRECTION FACTORS OF DIFFUSION COEFFICIENT"));
-    if (run.control.state.Language == kSerbian)
+    if (run.job.Language == kSerbian)
         Write(listing, "(' BR RED',7X,'RAST ZID(NM)','/ KOEFICIJENTI')");
     else
         Write(listing, "(' ROW NO',7X,'DIST WALL(NM)','/ COEFFICIENTS')");

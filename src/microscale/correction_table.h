@@ -4,9 +4,9 @@
 // ReadFibreData and by the reader of the diffusion curves.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
-#include "microscale/fibre_set.h"
+#include "input/card.h"
+#include "run/fibre_set.h"
+#include "run/run.h"
 
 namespace zurt {
 

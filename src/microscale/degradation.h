@@ -5,7 +5,7 @@
 // element under INDDEGR 1, with TIME in the deck's unit.
 #pragma once
 
-#include "job/control.h"
+#include "run/control.h"
 
 namespace zurt {
 

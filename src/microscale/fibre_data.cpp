@@ -2,10 +2,10 @@
 
 #include "core/format.h"
 #include "core/vector.h"
-#include "job/card.h"
-#include "job/echo.h"
+#include "input/card.h"
 #include "microscale/correction_table.h"
 #include "microscale/fibre_geometry.h"
+#include "run/echo.h"
 
 #include <cmath>
 #include <string>

@@ -3,7 +3,7 @@
 // Lengths are in the mesh's unit. Called by the fibre step.
 #pragma once
 
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
 
 namespace zurt {
 

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "microscale/fibre_cells.h"
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
 
 #include <cstdint>
 #include <vector>

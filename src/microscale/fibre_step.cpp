@@ -1,16 +1,16 @@
 #include "microscale/fibre_step.h"
 
 #include "core/stop.h"
-#include "elements/radial_nodes.h"
-#include "elements/radial_views.h"
-#include "job/partition.h"
+#include "geometry/element_walk.h"
+#include "geometry/radial_nodes.h"
+#include "geometry/radial_views.h"
 #include "microscale/fibre_geometry.h"
 #include "microscale/fibre_search.h"
 #include "microscale/gauss_records.h"
-#include "microscale/gauss_walk.h"
 #include "microscale/heq_start.h"
 #include "microscale/marked_nodes.h"
 #include "microscale/merged_tables.h"
+#include "run/partition.h"
 
 #include <algorithm>
 #include <cmath>
@@ -116,7 +116,7 @@ void ClassifyGroups(Run& run, FibreModel& model, std::int32_t first, IntArray no
         if (!HasGaussPoints(group))
             continue;
         ClassifyGroup(run, model, search, group, nodeMarks);
-        if (NGE == first && run.fit.card.IEHM == 1)
+        if (NGE == first && run.fit.IEHM == 1)
             StartHeq(run, model, group, nodeMarks, region);
     }
 }
@@ -146,16 +146,17 @@ void RequireNodesOfSubstructures(const Run& run) {
 
 // Without an equation there is nothing to solve, and the solvers say so each in its own way or not at all.
 void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray nodeMarks) {
-    std::int32_t& JEDN = run.control.state.JEDN;
+    std::int32_t JEDN = 0;
     if (!LeaveOutUnmarkedNodes(EquationNumbers(run), nodeMarks, JEDN))
         return;
+    SetEquations(run, JEDN);
     if (JEDN == 0)
         StopWithLibraryError(
             "deck " + run.deck.name +
             ": no element with a Gauss point outside the fibres has a node that is not held; "
             "there is nothing to solve");
     RequireNodesOfSubstructures(run);
-    run.control.state.NWK = FormLayout(run, model, EquationNumbers(run), JEDN, LayoutElements::Kept);
+    SetMatrixLength(run, FormLayout(run, model, EquationNumbers(run), JEDN, LayoutElements::Kept));
     run.fit.keptLayout = true;
 }
 
@@ -176,12 +177,12 @@ void ApplyFibres(Run& run, FibreModel& model) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (IsRadial(run.groups[NGE]))
             MarkRadialNodes(run, run.groups[NGE], nodeMarks);
-    if (card.IEHM == 1)
+    if (run.fit.IEHM == 1)
         MergeCorrectionTables(model);
-    if (card.IEHM != 1 || card.NFIT != 0)
+    if (run.fit.IEHM != 1 || card.NFIT != 0)
         LeaveOutNodesInFibres(run, model, nodeMarks);
     if (card.NFIT == 0) // a fit keeps that of its first group
-        run.control.state.POROSITY = Porosity(model.VOLFLUID, model.totalVolume);
+        run.fibres.POROSITY = Porosity(model.VOLFLUID, model.totalVolume);
 }
 
 } // namespace zurt

@@ -4,8 +4,8 @@
 // ahead of the solution vectors, whose length it may change.
 #pragma once
 
-#include "job/run.h"
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
+#include "run/run.h"
 
 namespace zurt {
 

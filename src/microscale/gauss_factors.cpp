@@ -62,7 +62,7 @@ void GaussFactorEhm(const FibreModel& model, double HEQ, bool factorsOn, double 
 void GaussFactors(const FibreModel& model, const FitState& fit, bool direct, const GaussFibreRecord& record,
                   double c, double (&factor)[3]) {
     const bool factorsOn = FactorsOn(fit);
-    if (fit.card.IEHM == 0 || direct)
+    if (fit.IEHM == 0 || direct)
         GaussFactorCached(model, record, factorsOn, c, factor);
     else
         GaussFactorEhm(model, fit.HEQ, factorsOn, c, factor);

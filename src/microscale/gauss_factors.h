@@ -6,9 +6,9 @@
 // iteration) set the factors to 1 first; nothing is allocated.
 #pragma once
 
-#include "homogenization/fit_state.h"
 #include "microscale/fibre_search.h"
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
+#include "run/fit_state.h"
 
 namespace zurt {
 

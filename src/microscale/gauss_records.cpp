@@ -2,8 +2,7 @@
 
 #include "core/stop.h"
 #include "core/vector.h"
-#include "elements/element_fluxes.h"
-#include "microscale/gauss_walk.h"
+#include "geometry/element_walk.h"
 #include "microscale/wall_cells.h"
 
 #include <algorithm>

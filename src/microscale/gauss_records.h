@@ -4,9 +4,9 @@
 // Lengths are in the mesh's unit. Called by the fibre step, once a problem for every plane or space group.
 #pragma once
 
-#include "job/run.h"
 #include "microscale/fibre_search.h"
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
+#include "run/run.h"
 
 namespace zurt {
 
@@ -23,7 +23,7 @@ template <int Dimension>
 void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group,
                          IntArray nodeMarks);
 
-/// Records at the points where the group's fluxes are evaluated (elements/element_fluxes.h), if its own points are others:
+/// Records at the points where the group's fluxes are evaluated (elements/forming/element_fluxes.h), if its own points are others:
 /// those of all elements, in the order of that rule. Ends the run likewise.
 template <int Dimension>
 void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group);

@@ -1,8 +1,8 @@
 #include "microscale/heq_start.h"
 
+#include "geometry/element_walk.h"
 #include "microscale/fibre_geometry.h"
 #include "microscale/fibre_search.h"
-#include "microscale/gauss_walk.h"
 
 #include <vector>
 
@@ -131,7 +131,7 @@ void ComputeHeqStart(Run& run, FibreModel& model, const ElementGroup& group, Con
         HeqPass<Dimension> pass{search, tolerance, model.sets[s].WALLCUT, moleculeRadius};
         model.sets[s].meanDistance = SetMeanDistance(run, marks, group, nodeMarks, pass, domainVolume);
     }
-    run.control.state.POROSITY = Porosity(model.VOLFLUID, domainVolume);
+    run.fibres.POROSITY = Porosity(model.VOLFLUID, domainVolume);
     if constexpr (Dimension == 2)
         SetPlaneHeq(run.fit, model, moleculeRadius);
     else

@@ -4,8 +4,8 @@
 // is 1.
 #pragma once
 
-#include "job/run.h"
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
+#include "run/run.h"
 
 namespace zurt {
 

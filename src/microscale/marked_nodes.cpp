@@ -1,8 +1,8 @@
 #include "microscale/marked_nodes.h"
 
-#include "elements/radial_nodes.h"
-#include "elements/shape_functions.h"
-#include "job/partition.h"
+#include "geometry/radial_nodes.h"
+#include "geometry/shape_functions.h"
+#include "run/partition.h"
 #include "solver/skyline_layout.h"
 
 #include <algorithm>
@@ -47,7 +47,7 @@ bool LeaveOutUnmarkedNodes(IntArray ID, ConstIntArray marks, std::int32_t& JEDN)
 
 Word FormLayout(Run& run, const FibreModel& model, ConstIntArray ID, std::int32_t JEDN,
                 LayoutElements elements) {
-    if (run.control.state.SparseMode == 1)
+    if (run.sizes.SparseMode == 1)
         return 0;
     const IntArray MAXA = IntSection(run.A, run.control.at.LMAXA, Word{JEDN} + 1);
     Fill(MAXA, 0);
@@ -61,33 +61,31 @@ Word FormLayout(Run& run, const FibreModel& model, ConstIntArray ID, std::int32_
 }
 
 void ReformEquationNumbers(Run& run) {
-    RunState& state = run.control.state;
-    const bool all = run.fit.card.IEHM != 0;
+    const bool all = run.fit.IEHM != 0;
     const IntArray ID = EquationNumbers(run);
     const bool marked = !run.fibres.groups.empty();
     const ConstIntArray marks = IntSection(run.A, run.control.at.LFIBN, marked ? ID.length : 0);
     std::int32_t JEDN = 0;
     for (Word i = 1; i <= ID.length; ++i)
         ID(i) = all || !marked || marks(i) >= 1 ? ++JEDN : 0;
-    if (JEDN == state.JEDN && !run.fit.keptLayout)
+    if (JEDN == run.sizes.JEDN && !run.fit.keptLayout)
         return; // what is there serves all elements
-    state.JEDN = JEDN;
+    SetEquations(run, JEDN);
     run.fit.keptLayout = !all;
-    state.NWK = FormLayout(run, run.fibres, ID, JEDN, all ? LayoutElements::All : LayoutElements::Kept);
+    SetMatrixLength(run,
+                    FormLayout(run, run.fibres, ID, JEDN, all ? LayoutElements::All : LayoutElements::Kept));
 }
 
 void ReserveFullLayout(Run& run) {
-    RunState& state = run.control.state;
     const std::int32_t NP = run.control.header.NP;
-    if (state.SparseMode == 0 && Word{NP} + 1 > state.DiagonalRoom)
+    if (run.sizes.SparseMode == 0 && Word{NP} + 1 > run.sizes.DiagonalRoom)
         MoveDiagonalPositions(run, NP);
     const IntArray MAXA = DiagonalPositions(run);
     const std::vector<std::int32_t> own(MAXA.data, MAXA.data + MAXA.length);
     std::vector<std::int32_t> everyNode(static_cast<std::size_t>(NP));
     std::iota(everyNode.begin(), everyNode.end(), 1);
-    state.MatrixRoom =
-        FormLayout(run, run.fibres, ConstIntArray(everyNode.data(), NP), NP, LayoutElements::All);
-    state.EquationRoom = NP;
+    ReserveRoom(run, NP,
+                FormLayout(run, run.fibres, ConstIntArray(everyNode.data(), NP), NP, LayoutElements::All));
     std::copy(own.begin(), own.end(), MAXA.data);
 }
 

@@ -4,8 +4,8 @@
 // homogenization whenever it changes over between the model with fibres and the equivalent medium.
 #pragma once
 
-#include "job/run.h"
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
+#include "run/run.h"
 
 namespace zurt {
 

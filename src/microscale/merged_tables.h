@@ -3,7 +3,7 @@
 // Called by the fibre step, after all groups, when IEHM is 1.
 #pragma once
 
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
 
 namespace zurt {
 

@@ -10,8 +10,8 @@
 // Lengths are in the mesh's unit.
 #pragma once
 
+#include "geometry/element_walk.h"
 #include "microscale/fibre_search.h"
-#include "microscale/gauss_walk.h"
 
 #include <vector>
 

@@ -2,7 +2,7 @@
 // whatever the order of the points.
 #pragma once
 
-#include "job/deck.h"
+#include "input/deck.h"
 
 #include <string>
 #include <vector>

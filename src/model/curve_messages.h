@@ -3,8 +3,8 @@
 // Each writes its lines to the listing and stops the run.
 #pragma once
 
-#include "job/run.h"
 #include "model/analytic_materials.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -3,8 +3,8 @@
 // Called by ReadTimeFunctions and ReadFunctionTables. The layout of the table is that of pairs (model/curve_lookup.h).
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

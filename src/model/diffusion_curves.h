@@ -4,8 +4,8 @@
 // curves lie: model/material_tables.h.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -2,9 +2,9 @@
 
 #include "core/format.h"
 #include "core/stop.h"
-#include "job/echo.h"
-#include "job/partition.h"
 #include "model/curve_table.h"
+#include "run/echo.h"
+#include "run/partition.h"
 
 namespace zurt {
 
@@ -81,7 +81,7 @@ constexpr FunctionFamily kFamilies[] = {
               result.lastArgument);
         Write(unit, "(1X,A,E12.5)",
               Say(run, " VREMENSKI INTERVAL INTEGRACIJE, TMAX =", " INTEGRATION TIME INTERVAL, TMAX ="),
-              run.control.state.TIME);
+              run.control.counts.TotalTime);
         StopRun(unit);
     }
     Write(unit, "(1X,A,I3)", Say(run, "FUNKCIJA BR. =", "FUNCTION NO. ="), result.functionNumber);
@@ -105,7 +105,7 @@ void ReadFamily(Run& run, const FunctionFamily& family) {
     const FunctionTable table =
         FunctionTableAt(run, functions, largest, at.*family.countsAt, at.*family.tableAt);
     const CurveTableResult result = ReadCurveTable(run, table.points, table.pairs, functions, largest,
-                                                   run.control.state.TIME, family.ofTime);
+                                                   run.control.counts.TotalTime, family.ofTime);
     if (result.functionNumber != 0)
         StopOnFamilyError(run, family, result);
 }

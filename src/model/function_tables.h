@@ -5,8 +5,8 @@
 // problem by the driver. Element code takes the tables through the views below and looks them up with CurveLookup.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -54,7 +54,7 @@ void EchoSingleValue(Run& run, double CINITAL) {
                   " POINTS IN RESERVOARS (IN THE MODEL) HAVE CONCIN0 AND CONCOUT0"));
         return;
     }
-    if (run.control.state.Language == kSerbian)
+    if (run.job.Language == kSerbian)
         Write(listing, "(/6X,'SVE TACKE IMAJU ISTU POCETNU TEMPERATURU ... TPOC =',1PE10.3)", CINITAL);
     else
         Write(listing, "(/6X,'ALL POINTS HAVE SAME INITIAL CONCENTRATION.. CINITAL =',D10.4)", CINITAL);
@@ -67,9 +67,9 @@ void ReadSingleValue(Run& run, const StartArrays& arrays) {
             run.units.listing, "(///6X,A)",
             Say(run, "P O C E T N E   T E M P E R A T U R E", "I N I T I A L   C O N C E N T R A T I O N S"));
     InitialValueCard card;
-    card.VALUE = run.control.state.OutletStart;
+    card.VALUE = run.control.outlet.OutletStartOfRun;
     ReadCardFields(run.deck, run.control.header.INDFOR, kInitialValueCard, &card);
-    run.control.state.OutletStart = card.VALUE;
+    run.control.outlet.OutletStartOfRun = card.VALUE;
     if (EchoInput(run))
         EchoSingleValue(run, card.VALUE);
     Fill(arrays.byNode, card.VALUE);

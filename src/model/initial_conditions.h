@@ -3,8 +3,8 @@
 // Called once a problem by the driver, after TakeSolutionVectors, when the problem is transient or iterates.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

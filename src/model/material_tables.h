@@ -15,7 +15,7 @@
 // number, and the table may be rewritten in place by a fit.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 #include <algorithm>
 

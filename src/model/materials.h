@@ -3,8 +3,8 @@
 // Called once a problem by the driver, after TakeMaterialTables. Where the data lie: model/material_tables.h.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -1,8 +1,8 @@
 #include "model/nodes.h"
 
 #include "core/format.h"
-#include "job/echo.h"
-#include "job/partition.h"
+#include "run/echo.h"
+#include "run/partition.h"
 
 #include <cmath>
 #include <limits>
@@ -160,12 +160,12 @@ void WriteGeneratedHeading(Run& run) {
     Write(listing, "(6X,A//)",
           Say(run, "G E N E R I S A N I   P O D A C I   O   C V O R O V I M A",
               "G E N E R A T E D   N O D A L   D A T A"));
-    if (run.control.state.Language == kEnglish)
+    if (run.job.Language == kEnglish)
         Write(listing, "(6X,A/)", "IN CASE OF DARCY FLOW, THE SAME EQUATION NUMBERS ARE USED");
     Write(listing, "(15X,A,9X,A,26X,A)", Say(run, "CVOR ", " NODE"),
           Say(run, "JEDN. BR.(>0)", "EQUATION NO."),
           Say(run, "K O O R D I N A T E", "C O O R D I N A T E S"));
-    if (run.control.state.Language == kSerbian)
+    if (run.job.Language == kSerbian)
         Write(listing, "(15X,A,10X,A/)", "BROJ", "KONS.TEMP.(=0)");
 }
 
@@ -207,7 +207,7 @@ void ReadNodalData(Run& run) {
         WriteNodeHeading(run);
     const std::int32_t firstCard = ReadNodeCards(run);
     const IntArray shared = TakeSharedNodes(run, CountNegativeIndicators(ID));
-    run.control.state.JEDN = NumberEquations(ID, shared);
+    SetEquations(run, NumberEquations(ID, shared));
     run.control.counts.NZADC = 0;
     if (!EchoInput(run))
         return;

@@ -3,8 +3,8 @@
 // Called once a problem by the driver, after TakeNodeArrays. Coordinates are in the units of the deck.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

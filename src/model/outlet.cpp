@@ -1,10 +1,10 @@
 #include "model/outlet.h"
 
 #include "core/format.h"
-#include "job/echo.h"
-#include "job/partition.h"
 #include "model/curve_checks.h"
 #include "model/curve_lookup.h"
+#include "run/echo.h"
+#include "run/partition.h"
 
 #include <string>
 
@@ -100,7 +100,7 @@ void ReadConstantOutlet(Run& run) {
     Write(run.units.listing, "(/A,A,D13.5)",
           Say(run, " POCETNA ILI KONSTANTNA KONCENTR NA", " INITIAL OR CONSTANT CONCENTR AT"),
           Say(run, " IZLAZU, CONCOUT0=", " THE OUTLET, CONCOUT0="), outlet.CONCOUT0);
-    run.control.state.OutletStart = run.control.state.OutletEnd = outlet.CONCOUT0;
+    outlet.OutletStartOfRun = outlet.OutletEnd = outlet.CONCOUT0;
 }
 
 void ReadAnalyticOutlet(Run& run) {
@@ -140,6 +140,10 @@ void ReadTimeMultiplier(Run& run) {
 
 } // namespace
 
+void CarryOutletOver(Run& run) {
+    run.control.outlet.OutletStartOfRun = run.clock.OutletStart;
+}
+
 const CardLayout kOutletModeCard = Layout("Outlet mode card", kOutletModeFields);
 const CardLayout kOutletConcentrationCard = Layout("Outlet concentration card", kOutletConcentrationFields);
 const CardLayout kOutletCoefficientsCard = Layout("Outlet coefficients card", kOutletCoefficientsFields);
@@ -153,7 +157,7 @@ void ReadOutletData(Run& run) {
     ReadOutletMode(run);
     ReadTimeMultiplier(run);
     const HomogenizationCard& card = run.fit.card;
-    if (run.control.header.NDS == 3 && (card.INDFITX == 1 || card.INDDEG == 1))
+    if (run.control.header.NDS == 3 && (card.INDFITX == 1 || run.fit.INDDEG == 1))
         TakeReservoirVectors(run, run.control.outlet.NPOUT2 > 0);
 }
 
@@ -165,7 +169,7 @@ double TimeMultiplierOfGroup(const Run& run, std::int32_t NGE) {
     if (!cardsRead || !on)
         return 1.0;
     const ConstRealArray pairs = RealSection(run.A, run.control.at.LOUT2, 2 * Word{outlet.NTMF});
-    return TimeMultiplierLookup(pairs, outlet.NTMF, run.control.state.TIME);
+    return TimeMultiplierLookup(pairs, outlet.NTMF, run.clock.TIME);
 }
 
 } // namespace zurt

@@ -5,8 +5,8 @@
 // of a group.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 
@@ -20,6 +20,9 @@ extern const CardLayout kTimePairCard;
 /// start of the step and at its end, take CONCOUT0. The other modes are read and echoed and leave them alone. Takes the
 /// tables and the reservoir vectors in `A`. A negative NTMF, and an NTMF of 0 under a switch that is on, are deck errors.
 void ReadOutletData(Run& run);
+
+/// A new problem begins with the outlet's start value that the last step of the one before left; cards may set it.
+void CarryOutletOver(Run& run);
 
 /// Factor on the diffusion coefficients of group NGE at the current TIME: that of the multiplier's table for groups 1 and
 /// 2 whose switch is on, 1 for all others.

@@ -1,8 +1,8 @@
 #include "model/prescribed_values.h"
 
 #include "core/format.h"
-#include "job/partition.h"
 #include "model/time_functions.h"
+#include "run/partition.h"
 
 #include <string>
 
@@ -61,7 +61,7 @@ void GenerateEntries(EntryReader& reader, const PendingEntries& pending, const P
 
 void EchoHeading(Run& run) {
     TextUnit& listing = run.units.listing;
-    if (run.control.state.Language == kSerbian) {
+    if (run.job.Language == kSerbian) {
         Write(listing, "('1'///6X,A//)", "P O D A C I    O    Z A D A T I M    T E M P E R A T U R A M A");
     } else {
         Write(listing, "('1'///6X,A)", "D A T A    F O R   P R E S C R I B E D    T E MP E R A T U R E S");

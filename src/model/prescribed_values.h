@@ -1,11 +1,11 @@
 // Prescribed concentrations: nodes whose value follows a time function times a factor.
 //
 // The section is complete and dormant: no card sets the count NZADC of its entries. Element passes and nodal results
-// take the values of nodes without an equation from here (elements/gather.h, timeint/solution_pass.h).
+// take the values of nodes without an equation from here (geometry/gather.h, timeint/step.h).
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

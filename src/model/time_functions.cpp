@@ -2,10 +2,10 @@
 
 #include "core/format.h"
 #include "core/stop.h"
-#include "job/echo.h"
-#include "job/partition.h"
 #include "model/curve_lookup.h"
 #include "model/curve_table.h"
+#include "run/echo.h"
+#include "run/partition.h"
 
 namespace zurt {
 
@@ -75,7 +75,7 @@ TextUnit& BeginInputError(Run& run) {
     Write(unit, "(1X,A)", "VREMENSKA FUNKCIJA NIJE DEFINISANA U CELOM INREVALU");
     Write(unit, "(1X,A,I5)", "FUNKCIJA BR. =", result.functionNumber);
     Write(unit, "(1X,A,1PE12.5)", "INTERVAL DEFINISANOSTI =", result.lastArgument);
-    Write(unit, "(1X,A,1PE12.5)", "VREMENSKI INTERVAL INTEGRACIJE, TMAX =", run.control.state.TIME);
+    Write(unit, "(1X,A,1PE12.5)", "VREMENSKI INTERVAL INTEGRACIJE, TMAX =", run.control.counts.TotalTime);
     StopRun(unit);
 }
 
@@ -84,7 +84,7 @@ TextUnit& BeginInputError(Run& run) {
     Write(unit, "(1X,A)",
           Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "ARGUMENT IS OUT OF PRESCRIBED CURVE RANGE"));
     Write(unit, "(1X,A,I5)", Say(run, "VREMENSKA FUNKCIJA BROJ =", "TIME FUNCTION NO. ="), function);
-    Write(unit, "(1X,A,1PE12.4)", Say(run, "ARGUMENT VREME =", "ARGUMENT TIME  ="), run.control.state.TIME);
+    Write(unit, "(1X,A,1PE12.4)", Say(run, "ARGUMENT VREME =", "ARGUMENT TIME  ="), run.clock.TIME);
     StopRun(unit);
 }
 
@@ -105,7 +105,7 @@ void ReadTimeFunctions(Run& run) {
               Say(run, "V R E M E N S K E    F U N K C I J E", "T I M E    F U N C T I O N S"));
     const CurveTableResult result =
         ReadCurveTable(run, TimeFunctionPoints(run), TimeFunctionPairs(run), counts.NTABFT, counts.MAXTFT,
-                       run.control.state.TIME, true);
+                       run.control.counts.TotalTime, true);
     if (result.functionNumber == 0)
         return;
     if (result.endsEarly)
@@ -116,8 +116,8 @@ void ReadTimeFunctions(Run& run) {
 void EvaluateTimeFunctions(Run& run, RealArray out, ConstIntArray active, ConstIntArray functions,
                            ConstRealArray multipliers, Word count) {
     const std::int32_t undefined =
-        TimeFunctionValues(TimeFunctionPairs(run), TimeFunctionPoints(run), run.control.state.TIME, active,
-                           functions, multipliers, count, out);
+        TimeFunctionValues(TimeFunctionPairs(run), TimeFunctionPoints(run), run.clock.TIME, active, functions,
+                           multipliers, count, out);
     if (undefined != 0)
         StopOnTimeRange(run, undefined);
 }

@@ -4,8 +4,8 @@
 // with prescribed values. Times are in the units of the deck.
 #pragma once
 
-#include "job/card.h"
-#include "job/run.h"
+#include "input/card.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -1,7 +1,7 @@
 #include "model/time_steps.h"
 
 #include "core/format.h"
-#include "job/echo.h"
+#include "run/echo.h"
 
 #include <limits>
 #include <string>
@@ -60,10 +60,11 @@ void CountSteps(Run& run) {
         DeckError(run.deck, kStepCountCards.group, kStepCountFields[0].name, "0",
                   "a transient problem has at least one step");
     RequirePositiveSteps(run);
-    run.control.state.NDT = static_cast<std::int32_t>(total);
+    run.control.counts.NDT = static_cast<std::int32_t>(total);
 }
 
-void ExpandPeriods(Run& run) {
+// The sum of all steps.
+double ExpandPeriods(Run& run) {
     const IntArray NKDT = PeriodStepCounts(run);
     const RealArray DTDT = PeriodStepSizes(run);
     const RealArray steps = StepSizes(run);
@@ -75,7 +76,7 @@ void ExpandPeriods(Run& run) {
             total += DTDT(period);
         }
     }
-    run.control.state.TIME = total;
+    return total;
 }
 
 void WriteStepReport(Run& run) {
@@ -91,12 +92,12 @@ void WriteStepReport(Run& run) {
     for (Word period = 1; period <= NKDT.length; ++period)
         Write(listing, line, period, NKDT(period), DTDT(period));
     Write(listing, "(/11X,60('-'))");
-    if (run.control.state.Language == kSerbian)
+    if (run.job.Language == kSerbian)
         Write(listing, "(11X,' BROJ VREMENSKIH KORAKA NDT =',I4,5X,'UKUPNO VREME =',1PE12.5)",
-              run.control.state.NDT, run.control.state.TIME);
+              run.control.counts.NDT, run.control.counts.TotalTime);
     else
         Write(listing, "(11X,' TOTAL NUMBER OF TIME STEPS    NDT =',I10,5X,'TOTAL TIME =',D12.5)",
-              run.control.state.NDT, run.control.state.TIME);
+              run.control.counts.NDT, run.control.counts.TotalTime);
 }
 
 } // namespace
@@ -112,9 +113,14 @@ void ReadTimeSteps(Run& run, std::int32_t mode) {
         CountSteps(run);
         return;
     }
-    ExpandPeriods(run);
+    run.control.counts.TotalTime = ExpandPeriods(run);
     if (EchoInput(run))
         WriteStepReport(run);
+}
+
+void CountSteadySteps(Run& run) {
+    run.control.counts.NDT = run.control.header.NPER;
+    run.control.counts.TotalTime = 0.0;
 }
 
 } // namespace zurt

@@ -12,22 +12,21 @@ namespace {
 constexpr double kNegligible = 1e-15;
 
 void WritePageHead(Run& run) {
-    const RunState& state = run.control.state;
     static const Format english("(///'1'/' S T E P  NUMBER =',I6,25X,'  T I M E =',1PE12.5)");
     static const Format serbian("(///'1'/' K O R A K  BROJ =',I6,25X,'V R E M E =',1PE12.5/"
                                 "'               T   E   M   P   E   R   A   T   U   R   E')");
     TextUnit& listing = run.units.listing;
-    Write(listing, state.Language == kSerbian ? serbian : english, state.KOR, state.TIME);
-    if (state.NonlinearFlag != 0)
+    Write(listing, run.job.Language == kSerbian ? serbian : english, run.clock.KOR, run.clock.TIME);
+    if (run.job.NonlinearFlag != 0)
         Write(listing, "(A,I5)",
               Say(run, " BROJ ITERACIJA ............................. ITER =",
                   " NUMBER OF ITERATIONS ....................... ITER ="),
-              state.ITER);
+              run.clock.ITER);
 }
 
 void WriteConcentrations(Run& run) {
     TextUnit& listing = run.units.listing;
-    if (run.control.state.Language == kSerbian) {
+    if (run.job.Language == kSerbian) {
         Write(listing, "(A/)", "                  C V O R N E    T E M P E R A T U R E");
         Write(listing, "(A)", " CVOR  TEMPERATURA CVOR  TEMPERATURA CVOR  TEMPERATURA CVOR  TEMPERATURA");
     } else {
@@ -55,7 +54,7 @@ void WriteFluxes(Run& run) {
     Write(listing, "(A)",
           Say(run, "                C V O R N I   M A S E N I   F L U K S E V I",
               "                N O D A L   M A S S   F L U X E S"));
-    if (run.control.state.Language == kSerbian)
+    if (run.job.Language == kSerbian)
         Write(listing, "(' CVOR',10X,'FLUKS-X',11X,'FLUKS-Y',6X,'CVOR',7X,'FLUKS-X',10X,'FLUKS-Y')");
     else
         Write(listing, "(' NODE',10X,'FLUX-X',12X,'FLUX-Y',7X,'NODE',7X,'FLUX-X',11X,'FLUX-Y')");

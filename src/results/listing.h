@@ -1,7 +1,7 @@
 // Tables of nodal results on the listing.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -1,7 +1,7 @@
 // What listing and graphics file share of the nodal results.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

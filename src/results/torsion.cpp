@@ -1,10 +1,10 @@
 #include "results/torsion.h"
 
 #include "core/format.h"
-#include "elements/gauss_rules.h"
-#include "elements/group_checks.h"
-#include "elements/jacobian.h"
-#include "elements/jacobian_failure.h"
+#include "elements/cards/group_checks.h"
+#include "geometry/gauss_rules.h"
+#include "geometry/jacobian.h"
+#include "geometry/jacobian_failure.h"
 
 namespace zurt {
 
@@ -33,7 +33,7 @@ void TakeElement(const Run& run, const ElementGroup& group, std::int32_t n, Tors
 void EvaluatePoint(Run& run, const TorsionElement& element, double r, double s, ShapeValues<2>& shape,
                    JacobianValues<2>& jacobian) {
     if (!ShapeAndJacobian2D(r, s, 0, element.active, element.CORE, shape, jacobian))
-        StopOnJacobian2D(MessageUnit(run), run.control.state.Language, element.number, r, s, jacobian.DET);
+        StopOnJacobian2D(MessageUnit(run), run.job.Language, element.number, r, s, jacobian.DET);
 }
 
 void PrintStresses(Run& run, const ElementGroup& group, const TorsionElement& element) {

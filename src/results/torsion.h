@@ -5,7 +5,7 @@
 // Source: S. P. Timoshenko, J. N. Goodier, Theory of Elasticity, 1970, articles 104 and 105.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -1,7 +1,7 @@
 #include "results/unv_mesh.h"
 
 #include "core/format.h"
-#include "elements/radial_views.h"
+#include "geometry/radial_views.h"
 
 namespace zurt {
 

@@ -1,7 +1,7 @@
 // The mesh in the graphics file: universal datasets 15 (nodes) and 71 (elements).
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

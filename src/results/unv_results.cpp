@@ -1,7 +1,7 @@
 #include "results/unv_results.h"
 
 #include "core/format.h"
-#include "elements/radial_views.h"
+#include "geometry/radial_views.h"
 #include "results/nodal_values.h"
 
 #include <string_view>
@@ -27,17 +27,16 @@ constexpr DatasetHead kCoefficients = {"DIFFUSION COEFFICIENT",
 
 void WriteHead(Run& run, const DatasetHead& head) {
     TextUnit& graphics = run.units.graphics;
-    const RunState& state = run.control.state;
     Write(graphics, "(I6)", -1);
     Write(graphics, "(I6)", 55);
     Write(graphics, "(A)", std::string_view(run.control.header.title, kTitleLength));
     Write(graphics, "(A)", head.name);
     Write(graphics, "('DATUM')");
     Write(graphics, "('PRAZNA')");
-    Write(graphics, "('SLUCAJ OPTERECENJA:',I10)", state.GraphicsWritten);
+    Write(graphics, "('SLUCAJ OPTERECENJA:',I10)", run.outputs.GraphicsWritten);
     Write(graphics, "(A)", head.constants);
-    Write(graphics, "('         1         1',I10)", state.GraphicsWritten);
-    Write(graphics, "(D13.5)", state.TIME);
+    Write(graphics, "('         1         1',I10)", run.outputs.GraphicsWritten);
+    Write(graphics, "(D13.5)", run.clock.TIME);
 }
 
 void WriteEnd(Run& run) {

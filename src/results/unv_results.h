@@ -1,7 +1,7 @@
 // Result steps of the graphics file: universal datasets 55 (data at nodes).
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -24,13 +24,12 @@ bool FitRunIsSilent(const Run& run) {
 
 void WriteAbsoluteToleranceMessage(Run& run) {
     TextUnit& messages = run.units.messages;
-    const RunState& state = run.control.state;
     Write(messages, "(A,A)", " CONVERGENCE REACHED FOR INCREMENT SMALLER",
           " THAN NUMERICAL TOLERANCE IN ZUR-T  ");
-    Write(messages, "(A,1PE12.5)", " TIME=", state.TIME);
-    Write(messages, "(A,I10)", " STEP NO. =", state.KOR);
-    Write(messages, "(A,I5)", " ITERATION NO. =", state.ITER);
-    Write(messages, "(A,1PE12.5)", " INCERMENT =", state.IncrementNorm);
+    Write(messages, "(A,1PE12.5)", " TIME=", run.clock.TIME);
+    Write(messages, "(A,I10)", " STEP NO. =", run.clock.KOR);
+    Write(messages, "(A,I5)", " ITERATION NO. =", run.clock.ITER);
+    Write(messages, "(A,1PE12.5)", " INCERMENT =", run.clock.IncrementNorm);
     Write(messages, "(A,1PE12.5)", " NUMERICAL TOLERANCE IN ZUR-T, TOLABS=", kTOLABS);
 }
 
@@ -38,11 +37,11 @@ void ReportOnConsole(Run& run, const IterationReport& report, double solutionNor
     static const Format head("(//' ITERATIONS FOR STEP:',I10,' /',I7)");
     static const Format line("(' ITERATION =',I3,': INCREMENT      = ',1PE12.4,2X,'NORM     = ',E12.4/"
                              "'   ICR/ICREMSTEP  =',E12.4,2X,'ICR/NORM = ',E12.4)");
-    const RunState& state = run.control.state;
     TextUnit& console = run.units.console;
-    if (state.ITER == 0)
-        Write(console, head, state.KOR, state.NDT);
-    Write(console, line, state.ITER, state.IncrementNorm, solutionNorm, report.ratio, report.ratioToSolution);
+    if (run.clock.ITER == 0)
+        Write(console, head, run.clock.KOR, run.pass.NDT);
+    Write(console, line, run.clock.ITER, run.clock.IncrementNorm, solutionNorm, report.ratio,
+          report.ratioToSolution);
     if (report.belowAbsolute)
         Write(console, "(' UNBALANCED NORM.LT.ABS-TOLERANCE = ',1PE12.4)", kTOLABS);
 }
@@ -51,16 +50,16 @@ void ReportOnListing(Run& run, const IterationReport& report, double solutionNor
     static const Format head("(//' ITERATIONS FOR STEP:',I10,' /',I7)");
     static const Format line("(' ITERATION =',I3,': INCREMENT       = ',1PE12.4,3X,'NORM        = ',E12.4/"
                              "'   ICR/ICREMSTEP =',E12.4,3X,'ICR/NORM = ',E12.4)");
-    const RunState& state = run.control.state;
     const std::int32_t NPRINT = run.control.header.NPRINT;
-    const bool printed =
-        NPRINT < 2 || state.KOR < 2 || state.KOR >= state.NDT || state.PrintCounter == NPRINT - 1;
+    const bool printed = NPRINT < 2 || run.clock.KOR < 2 || run.clock.KOR >= run.pass.NDT ||
+                         run.outputs.PrintCounter == NPRINT - 1;
     if (!printed)
         return;
     TextUnit& listing = run.units.listing;
-    if (state.ITER == 0)
-        Write(listing, head, state.KOR, state.NDT);
-    Write(listing, line, state.ITER, state.IncrementNorm, solutionNorm, report.ratio, report.ratioToSolution);
+    if (run.clock.ITER == 0)
+        Write(listing, head, run.clock.KOR, run.pass.NDT);
+    Write(listing, line, run.clock.ITER, run.clock.IncrementNorm, solutionNorm, report.ratio,
+          report.ratioToSolution);
     if (report.belowAbsolute)
         Write(listing, "(' UNBALANCED NORM.LT.ABS-TOLERANCE = ',1PE12.4)", kTOLABS);
 }
@@ -68,7 +67,7 @@ void ReportOnListing(Run& run, const IterationReport& report, double solutionNor
 // Without a limit of iterations (MAXIT below 0) the lines of a step that does not converge thin out: behind the first hundred
 // those remain whose number has one digit that isn't 0.
 bool IsReported(const Run& run) {
-    std::int32_t iteration = run.control.state.ITER;
+    std::int32_t iteration = run.clock.ITER;
     if (run.control.header.MAXIT >= 0 || iteration < 100)
         return true;
     while (iteration % 10 == 0)
@@ -80,7 +79,7 @@ void ReportIteration(Run& run, IterationReport report, double solutionNorm) {
     if (!IsReported(run))
         return;
     if (!FitRunIsSilent(run) && !(solutionNorm < kSmallestNorm))
-        report.ratioToSolution = run.control.state.IncrementNorm / solutionNorm;
+        report.ratioToSolution = run.clock.IncrementNorm / solutionNorm;
     ReportOnConsole(run, report, solutionNorm);
     ReportOnListing(run, report, solutionNorm);
 }
@@ -118,20 +117,19 @@ IterationNorms ComputeIterationNorms(ConstRealArray increment, ConstRealArray re
 }
 
 bool ConvergenceTest(Run& run, ConstRealArray increment, ConstRealArray reference, ConstRealArray solution) {
-    RunState& state = run.control.state;
-    if (state.ITER == 0)
-        state.ReferenceNorm = 0.0;
+    if (run.clock.ITER == 0)
+        run.clock.ReferenceNorm = 0.0;
     const IterationNorms norms = ComputeIterationNorms(increment, reference, solution);
-    state.IncrementNorm = norms.increment;
-    if (state.ReferenceNorm < norms.reference)
-        state.ReferenceNorm = norms.reference;
+    run.clock.IncrementNorm = norms.increment;
+    if (run.clock.ReferenceNorm < norms.reference)
+        run.clock.ReferenceNorm = norms.reference;
     IterationReport report;
-    if (state.ReferenceNorm < kSmallestNorm) {
+    if (run.clock.ReferenceNorm < kSmallestNorm) {
         report.ratio = kSmallestNorm;
         ReportIteration(run, report, norms.solution);
         return true;
     }
-    report.ratio = norms.increment / state.ReferenceNorm;
+    report.ratio = norms.increment / run.clock.ReferenceNorm;
     bool converged = IncrementIsSmall(run.control.header, norms.increment, report.ratio);
     if (FitRunIsSilent(run))
         return converged;

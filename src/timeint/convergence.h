@@ -1,7 +1,7 @@
 // The convergence test of the equilibrium iteration.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -2,7 +2,7 @@
 
 #include "core/format.h"
 #include "core/stop.h"
-#include "elements/element_dispatch.h"
+#include "elements/element_phases.h"
 #include "solver/skyline_solve.h"
 #include "solver/sparse_assembler.h"
 #include "solver/sparse_solver.h"
@@ -22,7 +22,7 @@ constexpr std::int32_t kLastIteration = std::numeric_limits<std::int32_t>::max()
 
 // In sparse mode the tree begins anew; symmetry flag 0, both triangles of every element go in.
 void ClearSystem(Run& run) {
-    if (run.control.state.SparseMode == 1) {
+    if (run.sizes.SparseMode == 1) {
         SparseInit(0, 0);
         SparseZeroValues();
         Fill(RightHandSide(run), 0.0);
@@ -34,32 +34,30 @@ void ClearSystem(Run& run) {
 }
 
 void FormSystem(Run& run) {
-    run.control.state.ResultsPhaseFlag = 0;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        DispatchElementPhase(run, run.groups[NGE], run.groups[NGE].NETIP, kFormPhase);
+        FormElementGroup(run, run.groups[NGE]);
 }
 
 void SolveSystem(Run& run) {
-    const RunState& state = run.control.state;
-    if (state.SparseMode == 1) {
-        SolveSparseSystem(RightHandSide(run), state.JEDN, 0, run.units.console, MessageUnit(run),
-                          state.SolverReportFlag);
+    if (run.sizes.SparseMode == 1) {
+        SolveSparseSystem(RightHandSide(run), run.sizes.JEDN, 0, run.units.console, MessageUnit(run),
+                          run.pass.SolverReportFlag);
         return;
     }
-    const auto NWK = static_cast<std::int32_t>(state.NWK);
+    const auto NWK = static_cast<std::int32_t>(run.sizes.NWK);
     const RealArray store = SkylineStore(run);
     const RealArray R = RightHandSide(run);
     const IntArray MAXA = DiagonalPositions(run);
-    if (state.FactorFlag != 0)
-        SkylineSolve(store, R, MAXA, state.JEDN, NWK, kFactorMode, MessageUnit(run));
-    SkylineSolve(store, R, MAXA, state.JEDN, NWK, kSubstituteMode, MessageUnit(run));
+    if (run.clock.FactorFlag != 0)
+        SkylineSolve(store, R, MAXA, run.sizes.JEDN, NWK, kFactorMode, MessageUnit(run));
+    SkylineSolve(store, R, MAXA, run.sizes.JEDN, NWK, kSubstituteMode, MessageUnit(run));
 }
 
 // The increments add up over the step and the solution is the start value plus their sum.
 void UpdateBySum(Run& run) {
     const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run),
                     T0 = StepStart(run);
-    const bool first = run.control.state.ITER == 0;
+    const bool first = run.clock.ITER == 0;
     for (Word i = 1; i <= R.length; ++i) {
         DT(i) = first ? R(i) : DT(i) + R(i);
         T(i) = T0(i) + DT(i);
@@ -70,7 +68,7 @@ void UpdateBySum(Run& run) {
 void UpdateByCorrection(Run& run) {
     const RealArray R = RightHandSide(run), T = StepSolution(run), DT = StepIncrement(run),
                     T0 = StepStart(run);
-    const bool first = run.control.state.ITER == 0;
+    const bool first = run.clock.ITER == 0;
     for (Word i = 1; i <= R.length; ++i) {
         T(i) = first ? R(i) : T(i) + R(i);
         DT(i) = first ? T(i) - T0(i) : R(i);
@@ -86,12 +84,11 @@ void UpdateSolution(Run& run) {
 }
 
 void WriteIterationLimitToListing(Run& run, TextUnit& unit, double EPST) {
-    const RunState& state = run.control.state;
     Write(unit, "(//A)",
           Say(run, " DOSTIGNUT MAKSIMALAN BROJ ITERACIJA", " MAXIMUM NUMBER OF ITERATION ACHIEVED"));
-    Write(unit, "(A,I5)", Say(run, "KORAK BROJ =", " STEP NO. ="), state.KOR);
-    Write(unit, "(A,I5)", Say(run, "BROJ ITERACIJA, ITER =", " NUMBER OF ITERATION, ITER ="), state.ITER);
-    if (state.Language == kSerbian) {
+    Write(unit, "(A,I5)", Say(run, "KORAK BROJ =", " STEP NO. ="), run.clock.KOR);
+    Write(unit, "(A,I5)", Say(run, "BROJ ITERACIJA, ITER =", " NUMBER OF ITERATION, ITER ="), run.clock.ITER);
+    if (run.job.Language == kSerbian) {
         Write(unit, "(A,A,1PE12.5)", "DOZV. GRESKA U ODNOSU NA ",
               "POCETNI PRIRASTAJ TEMP. U KORAKU (%), EPST =", EPST);
     } else {
@@ -99,24 +96,23 @@ void WriteIterationLimitToListing(Run& run, TextUnit& unit, double EPST) {
         Write(unit, "(A,1PE12.5)", " (%) EPST =", EPST);
     }
     Write(unit, "(A,1PE12.5)", Say(run, "REFERENTNA VREDNOST, TREF =", " REF. VALUE, TREF ="),
-          state.ReferenceNorm);
+          run.clock.ReferenceNorm);
     Write(unit, "(A,A,1PE12.5)", Say(run, "DOSTIGNUTA VREDNOST ", " ACHIEVED VELUE OF "),
           Say(run, "MODULA PRIRASTAJA TEMP., DTMOD =", "TEMPERATURE INCREASE MODULE, DTMOD ="),
-          state.IncrementNorm);
+          run.clock.IncrementNorm);
 }
 
 void WriteIterationLimitToMessages(Run& run, double EPST) {
     TextUnit& unit = run.units.messages;
-    const RunState& state = run.control.state;
     Write(unit, "(A/)", " MAXIMUM NUMBER OF ITERATION REACHED");
-    Write(unit, "(A,1PE12.5)", " TIME=", state.TIME);
-    Write(unit, "(A,1PE12.5)", " TIME STEP=", state.TimeStep);
-    Write(unit, "(A,I5)", " STEP NO. =", state.KOR);
-    Write(unit, "(A,I5)", " NUMBER OF ITERATIONS, ITER =", state.ITER);
-    Write(unit, "(A,1PE12.5)", " CURRENT REFERENCE CONCENTRATION, CREFFERENCE=", state.ReferenceNorm);
+    Write(unit, "(A,1PE12.5)", " TIME=", run.clock.TIME);
+    Write(unit, "(A,1PE12.5)", " TIME STEP=", run.clock.TimeStep);
+    Write(unit, "(A,I5)", " STEP NO. =", run.clock.KOR);
+    Write(unit, "(A,I5)", " NUMBER OF ITERATIONS, ITER =", run.clock.ITER);
+    Write(unit, "(A,1PE12.5)", " CURRENT REFERENCE CONCENTRATION, CREFFERENCE=", run.clock.ReferenceNorm);
     Write(unit, "(A,A,1PE12.5)", " ALLOWED PERCENTAGE ERROR WITH RESPECT TO CREFFERENCE,",
           " ERRORPERCENT =", EPST);
-    Write(unit, "(A,1PE12.5/)", " UNBALANCED RIGHT-HAND SIDE, UNBALANCE =", state.IncrementNorm);
+    Write(unit, "(A,1PE12.5/)", " UNBALANCED RIGHT-HAND SIDE, UNBALANCE =", run.clock.IncrementNorm);
     Write(unit, "(A)", " Use smaller time step, or");
     Write(unit, "(A,A)", " Refine the mesh (particularly in regions of high gradients),", " or");
     Write(unit, "(A)", " Increase percentage error tolerance,ERRORPERCENT");
@@ -128,7 +124,7 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
     WriteIterationLimitToListing(run, unit, EPST);
     if (run.control.header.NDS > 0)
         WriteIterationLimitToMessages(run, EPST);
-    const std::int32_t NCZZ = run.control.state.NCZZ;
+    const std::int32_t NCZZ = run.outputs.NCZZ;
     if (NCZZ > 0) {
         Write(unit, "(A,I5,A)", Say(run, " POSTOJI ZAPISANO ZADNJIH NCZZ=", " THERE ARE LAST NCZZ="), NCZZ,
               Say(run, " KORAKA", "STEPS WRITTEN "));
@@ -140,42 +136,40 @@ void WriteIterationLimitToMessages(Run& run, double EPST) {
 
 // A negative MAXIT does not end the iteration by count.
 void StopAtLastIteration(const Run& run) {
-    const RunState& state = run.control.state;
-    if (state.ITER == kLastIteration)
-        StopWithLibraryError("step " + std::to_string(state.KOR) + ", iteration " +
-                             std::to_string(state.ITER) + ": no equilibrium, and MAXIT is negative");
+    if (run.clock.ITER == kLastIteration)
+        StopWithLibraryError("step " + std::to_string(run.clock.KOR) + ", iteration " +
+                             std::to_string(run.clock.ITER) + ": no equilibrium, and MAXIT is negative");
 }
 
 } // namespace
 
 void IterateStep(Run& run) {
-    RunState& state = run.control.state;
     const HeaderFields& header = run.control.header;
     while (true) {
-        state.FactorFlag = 1;
+        run.clock.FactorFlag = 1;
         StopIfInterrupted();
         ClearSystem(run);
         FormSystem(run);
         StopIfInterrupted();
         SolveSystem(run);
         RequireFiniteSolution(run);
-        if (state.NonlinearFlag == 0)
+        if (run.job.NonlinearFlag == 0)
             return;
         UpdateSolution(run);
         const RealArray reference = header.INTEB == 1 ? StepIncrement(run) : StepSolution(run);
         const bool converged = ConvergenceTest(run, RightHandSide(run), reference, StepSolution(run));
-        RequireFinite(run, state.IncrementNorm, "norm of the increment",
+        RequireFinite(run, run.clock.IncrementNorm, "norm of the increment",
                       "its entries lie at the end of the range of numbers");
         StopAtLastIteration(run);
         if (converged)
             return;
-        if (state.ITER == 0 || state.IncrementNorm < state.LowestIncrement) {
-            state.LowestIncrement = state.IncrementNorm;
-            state.LowestIteration = state.ITER;
+        if (run.clock.ITER == 0 || run.clock.IncrementNorm < run.clock.LowestIncrement) {
+            run.clock.LowestIncrement = run.clock.IncrementNorm;
+            run.clock.LowestIteration = run.clock.ITER;
         }
-        if (state.ITER == header.MAXIT)
+        if (run.clock.ITER == header.MAXIT)
             StopWithoutEquilibrium(run);
-        ++state.ITER;
+        ++run.clock.ITER;
     }
 }
 

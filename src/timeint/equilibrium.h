@@ -1,7 +1,7 @@
 // The equilibrium iteration of one step.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

@@ -1,7 +1,7 @@
 #include "timeint/equilibrium_note.h"
 
 #include "core/stop.h"
-#include "elements/form_elements.h"
+#include "elements/forming/form_elements.h"
 #include "timeint/convergence.h"
 
 #include <cmath>
@@ -47,7 +47,7 @@ std::string RoundingText(Run& run, double ratio) {
     const StiffestElement stiffest = FindStiffest(run);
     std::string text =
         "; they rest at " + Short(ratio) + " of the step's largest, which is rounding. EPSTA " +
-        Short(RoundedUp(run.control.state.LowestIncrement)) + " works, or EPSTR " + Short(RoundedUp(ratio));
+        Short(RoundedUp(run.clock.LowestIncrement)) + " works, or EPSTR " + Short(RoundedUp(ratio));
     if (stiffest.element > 0 && header.EPSTR > 0.0)
         text +=
             "; so does a smaller coefficient, or a shorter or wider shape, of the stiffest elements (group " +
@@ -60,19 +60,18 @@ std::string RoundingText(Run& run, double ratio) {
 } // namespace
 
 void NoteNoEquilibrium(Run& run) {
-    const RunState& state = run.control.state;
-    std::string text = "step " + std::to_string(state.KOR) +
+    std::string text = "step " + std::to_string(run.clock.KOR) +
                        ": no equilibrium within MAXIT = " + std::to_string(run.control.header.MAXIT) +
                        " iterations, the run ends (see the end of the listing)";
-    const double ratio = state.LowestIncrement / state.ReferenceNorm;
+    const double ratio = run.clock.LowestIncrement / run.clock.ReferenceNorm;
     const ConstRealArray solution = StepSolution(run);
     const double size = ComputeIterationNorms(solution, solution, solution).solution;
-    const bool rests =
-        2 * state.LowestIteration <= state.ITER || state.IncrementNorm > 0.5 * state.LowestIncrement;
-    if (ratio > 0.0 && state.LowestIncrement < kHeightOfRounding * size && rests &&
-        state.LowestIteration != state.ITER)
+    const bool rests = 2 * run.clock.LowestIteration <= run.clock.ITER ||
+                       run.clock.IncrementNorm > 0.5 * run.clock.LowestIncrement;
+    if (ratio > 0.0 && run.clock.LowestIncrement < kHeightOfRounding * size && rests &&
+        run.clock.LowestIteration != run.clock.ITER)
         text += RoundingText(run, ratio);
-    else if (state.LowestIteration == state.ITER)
+    else if (run.clock.LowestIteration == run.clock.ITER)
         text += "; the increments still fall: a larger MAXIT";
     else
         text += "; the increments don't fall: shorter steps, or a less abrupt curve";

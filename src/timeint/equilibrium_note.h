@@ -2,7 +2,7 @@
 // height of rounding, and what then works.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 namespace zurt {
 

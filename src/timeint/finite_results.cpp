@@ -43,14 +43,13 @@ void RequireFiniteAtNodes(const Run& run, ConstRealArray values, const char* wha
 void RequireFinite(const Run& run, double value, const std::string& what, const char* cause) {
     if (std::isfinite(value))
         return;
-    const RunState& state = run.control.state;
-    StopWithLibraryError("step " + std::to_string(state.KOR) + ", iteration " + std::to_string(state.ITER) +
-                         ": the " + what + " is " + Named(value) + "; " + cause);
+    StopWithLibraryError("step " + std::to_string(run.clock.KOR) + ", iteration " +
+                         std::to_string(run.clock.ITER) + ": the " + what + " is " + Named(value) + "; " +
+                         cause);
 }
 
 void RequireFiniteTime(const Run& run) {
-    RequireFinite(run, run.control.state.TIME, "time at the end of the step",
-                  "look at the sizes of the time steps");
+    RequireFinite(run, run.clock.TIME, "time at the end of the step", "look at the sizes of the time steps");
 }
 
 void RequireFiniteSolution(const Run& run) {

@@ -1,7 +1,7 @@
 // Results that are not numbers end the run where they appear: nothing behind them would mean anything.
 #pragma once
 
-#include "job/run.h"
+#include "run/run.h"
 
 #include <string>
 

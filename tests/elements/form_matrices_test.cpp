@@ -2,10 +2,10 @@
 //
 // Gauss abscissae carry single precision, so a quadratic integrand is off by some 4e-8 of its size; what holds
 // without it is held to rounding.
-#include "elements/brick_kernel.h"
-#include "elements/element_kernel.h"
-#include "elements/gather.h"
+#include "elements/forming/brick_kernel.h"
+#include "elements/forming/element_kernel.h"
 #include "form_model.h"
+#include "geometry/gather.h"
 
 #include <gtest/gtest.h>
 
@@ -223,7 +223,7 @@ TEST(FormMatrices, MixedElementsOfOneGroup) {
                     0; // element 4 has corners alone, the others every (n + 1)th mid-side node
     Model all(mesh, {});
     testmodel::FormSystem(all.run);
-    const Word JEDN = all.run.control.state.JEDN;
+    const Word JEDN = all.run.sizes.JEDN;
     std::vector<double> sum(static_cast<std::size_t>(JEDN * JEDN));
     for (const std::vector<int>& element : mesh.elements) {
         Mesh one = mesh;

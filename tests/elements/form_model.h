@@ -2,11 +2,11 @@
 // coefficients, and the system that a forming visit leaves.
 #pragma once
 
-#include "elements/element_dispatch.h"
-#include "job/partition.h"
-#include "job/run.h"
+#include "elements/element_phases.h"
 #include "model/function_tables.h"
 #include "model/material_tables.h"
+#include "run/partition.h"
+#include "run/run.h"
 #include "solver/skyline_layout.h"
 #include "solver/sparse_assembler.h"
 
@@ -72,7 +72,7 @@ inline void SetNodes(Run& run, const Mesh& mesh) {
     Fill(ID, 0);
     for (int node : mesh.held)
         ID(node) = -1;
-    std::int32_t& JEDN = run.control.state.JEDN;
+    std::int32_t& JEDN = run.sizes.JEDN;
     JEDN = 0;
     for (Word n = 1; n <= ID.length; ++n) {
         for (int axis = 1; axis <= 3; ++axis)
@@ -116,7 +116,7 @@ inline void SetGroup(Run& run, const Mesh& mesh, const Problem& problem) {
     }
     std::int32_t LM[21];
     ComputeColumnHeights(DiagonalPositions(run), EquationNumbers(run), NEL, IntArray(LM, 21), group.NET,
-                         run.control.state.JEDN, true, group.NDMAX, run.control.state.NWK);
+                         run.sizes.JEDN, true, group.NDMAX, run.sizes.NWK);
 }
 
 inline void SetDeviceCurves(Run& run, const Problem& problem) {
@@ -150,7 +150,6 @@ inline void SetMaterials(Run& run, const Problem& problem) {
 
 inline void SetCurves(Run& run, const Problem& problem) {
     CurveCounts& counts = run.control.counts;
-    RunState& state = run.control.state;
     const bool device = problem.NDS != 0;
     run.control.header.NMATT =
         static_cast<std::int32_t>(device ? problem.conduction.size() : problem.functions.size());
@@ -160,8 +159,8 @@ inline void SetCurves(Run& run, const Problem& problem) {
     counts.MAXTC = MostPoints(problem.capacity);
     counts.NQE = static_cast<std::int32_t>(problem.sources.size());
     counts.MAXTQE = MostPoints(problem.sources);
-    state.ConductivityNonlinear = problem.NANLK > 0 || counts.MAXTK > 1;
-    state.CapacityNonlinear = !device && (problem.NANLC > 0 || counts.MAXTC > 1);
+    run.job.ConductivityNonlinear = problem.NANLK > 0 || counts.MAXTK > 1;
+    run.job.CapacityNonlinear = !device && (problem.NANLC > 0 || counts.MAXTC > 1);
     TakeDiffusionCurves(run);
     TakeMaterialTables(run);
     if (device)
@@ -179,7 +178,6 @@ inline void SetCurves(Run& run, const Problem& problem) {
 inline void BuildModel(Run& run, const Mesh& mesh, const Problem& problem) {
     CreateWorkingVector(run.A, problem.size);
     HeaderFields& header = run.control.header;
-    RunState& state = run.control.state;
     header.NGET = 1;
     header.NDS = problem.NDS;
     header.NSTAC = problem.NSTAC;
@@ -187,14 +185,14 @@ inline void BuildModel(Run& run, const Mesh& mesh, const Problem& problem) {
     header.INTEB = problem.INTEB;
     header.ITOR = problem.ITOR;
     header.AMOLAR = problem.AMOLAR;
-    state.NonlinearFlag = problem.NonlinearFlag;
-    state.SparseMode = problem.SparseMode;
-    state.TIME = problem.TIME;
-    state.StartTime = problem.StartTime;
-    state.TimeStep = problem.TimeStep;
-    state.OutletStart = problem.OutletStart;
-    state.OutletEnd = problem.OutletEnd;
-    state.FactorFlag = 1;
+    run.job.NonlinearFlag = problem.NonlinearFlag;
+    run.sizes.SparseMode = problem.SparseMode;
+    run.clock.TIME = problem.TIME;
+    run.clock.StartTime = problem.StartTime;
+    run.clock.TimeStep = problem.TimeStep;
+    run.clock.OutletStart = problem.OutletStart;
+    run.control.outlet.OutletEnd = problem.OutletEnd;
+    run.clock.FactorFlag = 1;
     SetNodes(run, mesh);
     SetGroup(run, mesh, problem);
     SetCurves(run, problem);
@@ -213,11 +211,11 @@ struct Model {
 
 // What one forming visit adds to a cleared system.
 inline void FormSystem(Run& run) {
-    if (run.control.state.SparseMode == 1)
+    if (run.sizes.SparseMode == 1)
         SparseInit(0, 0);
     Fill(SkylineStore(run), 0.0);
     Fill(RightHandSide(run), 0.0);
-    DispatchElementPhase(run, run.groups[1], run.groups[1].NETIP, kFormPhase);
+    FormElementGroup(run, run.groups[1]);
 }
 
 // Entry (i, j) of the system matrix, by equation.
@@ -231,8 +229,8 @@ inline double SystemEntry(const Run& run, Word i, Word j) {
 // Sum of all entries of the system matrix: of a matrix of capacities alone, what the volume holds.
 inline double SystemSum(const Run& run) {
     double sum = 0.0;
-    for (Word i = 1; i <= run.control.state.JEDN; ++i)
-        for (Word j = 1; j <= run.control.state.JEDN; ++j)
+    for (Word i = 1; i <= run.sizes.JEDN; ++i)
+        for (Word j = 1; j <= run.sizes.JEDN; ++j)
             sum += SystemEntry(run, i, j);
     return sum;
 }

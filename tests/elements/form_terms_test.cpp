@@ -1,8 +1,8 @@
 // Forming beyond the matrices: time term and residual, values of nodes without an equation, sources, where the
 // coefficients come from, fluxes at the nodes, and how a visit treats the working vector and the kinds of run.
-#include "elements/gather.h"
-#include "elements/nodal_averaging.h"
+#include "elements/forming/nodal_averaging.h"
 #include "form_model.h"
+#include "geometry/gather.h"
 #include "support/small_run.h"
 
 #include <cmath>
@@ -105,7 +105,7 @@ TEST(FormTerms, SourceAtTheEndOfItsCurve) {
     problem.TIME = 0.5;
     Model model(Block(), problem);
     testmodel::FormSystem(model.run);
-    model.run.control.state.TIME = 1.0;
+    model.run.clock.TIME = 1.0;
     testmodel::FormSystem(model.run);
     EXPECT_NEAR(Sum(RightHandSide(model.run)), 5.0 * kVolume, kQuadrature * kVolume);
 }
@@ -120,7 +120,7 @@ double Stiffness(const Problem& problem, double concentration) {
         Model model(Block(), *problems[which]);
         Fill(StepSolution(model.run), concentration);
         testmodel::FormSystem(model.run);
-        for (Word i = 1; i <= model.run.control.state.JEDN; ++i)
+        for (Word i = 1; i <= model.run.sizes.JEDN; ++i)
             sum[which] += SystemEntry(model.run, i, i);
     }
     return sum[0] / sum[1];
@@ -208,8 +208,7 @@ RealArray Result(const Run& run, int number) {
 }
 
 void EvaluateResults(Run& run) {
-    run.control.state.ResultsPhaseFlag = 1;
-    DispatchElementPhase(run, run.groups[1], run.groups[1].NETIP, kFormPhase);
+    AddGroupResults(run, run.groups[1]);
     AverageNodalResults(run);
 }
 
@@ -339,7 +338,7 @@ TEST(FormVisit, WhatIsNotFormed) {
     sources.IZIP = 1;
     sources.sources = {{{0.0, 1.0}}};
     Model vector(DistortedBlock(), sources);
-    vector.run.control.state.FactorFlag = 0;
+    vector.run.clock.FactorFlag = 0;
     testmodel::FormSystem(vector.run);
     EXPECT_EQ(SystemEntry(vector.run, 1, 1), 0.0);
     EXPECT_NE(RightHandSide(vector.run)(1), 0.0);

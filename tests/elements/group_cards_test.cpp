@@ -1,8 +1,8 @@
 // Group and element cards of all families: defaults, field rules, generation, data block, messages, and what a deck may
 // not ask of them. Numbers outside their arrays are refused in tests/decks/damaged_test.cpp.
-#include "elements/element_dispatch.h"
-#include "elements/group_views.h"
-#include "job/partition.h"
+#include "elements/element_phases.h"
+#include "geometry/group_views.h"
+#include "run/partition.h"
 #include "support/expect_stop.h"
 #include "support/small_run.h"
 
@@ -26,9 +26,9 @@ RunPointer PrepareGroup(const GroupProblem& problem, const std::string& cards) {
     header.NGET = header.INTEB = 1;
     header.ITOR = problem.ITOR;
     header.PotentialFunctionSize = problem.PotentialFunctionSize;
-    run->control.state.SparseMode = problem.SparseMode;
+    run->sizes.SparseMode = problem.SparseMode;
     TakeNodeArrays(*run);
-    run->control.state.JEDN = header.NP;
+    run->sizes.JEDN = header.NP;
     for (std::int32_t n = 1; n <= header.NP; ++n)
         EquationNumbers (*run)(n) = n;
     TakeDiagonalPositions(*run);
@@ -40,27 +40,23 @@ RunPointer PrepareGroup(const GroupProblem& problem, const std::string& cards) {
     return run;
 }
 
-void Dispatch(Run& run, std::int32_t phase = kReadPhase) {
-    DispatchElementPhase(run, run.groups[1], run.groups[1].NETIP, phase);
-}
-
 struct ReadModel {
     RunPointer run;
     const ElementGroup& group;
     ReadModel(const GroupProblem& problem, const std::string& cards)
         : run(PrepareGroup(problem, cards)), group(run->groups[1]) {
-        Dispatch(*run);
+        ReadElementGroup(*run, run->groups[1]);
     }
 };
 
 std::string StopOf(const GroupProblem& problem, const std::string& cards) {
     const RunPointer run = PrepareGroup(problem, cards);
-    return zurt_test::WrittenByStop(run->units.listing, [&] { Dispatch(*run); });
+    return zurt_test::WrittenByStop(run->units.listing, [&] { ReadElementGroup(*run, run->groups[1]); });
 }
 
 void ExpectDeckError(const GroupProblem& problem, const std::string& cards, const std::string& pattern) {
     const RunPointer run = PrepareGroup(problem, cards);
-    EXPECT_LIBRARY_ERROR(Dispatch(*run), pattern);
+    EXPECT_LIBRARY_ERROR(ReadElementGroup(*run, run->groups[1]), pattern);
 }
 
 std::vector<int> Values(IntArray array) {
@@ -249,15 +245,6 @@ TEST(GroupFamilies, PotentialOfASource) {
     const ReadModel noLoad({2, 1, 0, 2, 0, 2, 0}, cards + "1 0 0 0 0 0\n");
     const ReadModel torsion({2, 1, 0, 1, 0, 1, 0}, cards + "1 0 0 0 0 0\n");
     EXPECT_EQ(ElementSources(*torsion.run, torsion.group)(1), 1);
-}
-
-// Faults: phase 3 that acts, an unknown phase that does not act as reading.
-TEST(GroupFamilies, Phases) {
-    const RunPointer run = PrepareGroup({}, "1 1 8 0 0 2 2 2\n1" + Corners(1) + " 0 0 0 0 0 0\n");
-    Dispatch(*run, kEmptyPhase);
-    EXPECT_EQ(run->deck.nextLine, 0);
-    Dispatch(*run, -7);
-    EXPECT_EQ(run->deck.nextLine, 2);
 }
 
 } // namespace

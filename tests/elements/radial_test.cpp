@@ -1,5 +1,5 @@
 // The radial fibre by itself: a ring's matrices, the release of one fibre, and the law of a degrading polymer.
-#include "elements/radial_kernel.h"
+#include "elements/radial/radial_kernel.h"
 #include "microscale/degradation.h"
 
 #include <gtest/gtest.h>

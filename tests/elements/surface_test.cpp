@@ -1,7 +1,7 @@
 // Surface records: their cards, and what they add to matrix and load.
 #include "elements/form_model.h"
-#include "elements/surface_cards.h"
-#include "elements/surface_terms.h"
+#include "elements/surfaces/surface_cards.h"
+#include "elements/surfaces/surface_terms.h"
 #include "support/bar_deck.h"
 #include "support/expect_stop.h"
 #include "support/small_run.h"
@@ -177,8 +177,8 @@ template <int Dimension> struct Terms {
         TakeShapeFactors(*run);
         for (std::size_t i = 0; i < model.shapeFactors.size(); ++i)
             ShapeFactors (*run)(static_cast<Word>(i) + 1) = model.shapeFactors[i];
-        run->control.state.TIME = model.TIME;
-        run->control.state.NonlinearFlag = model.NonlinearFlag;
+        run->clock.TIME = model.TIME;
+        run->job.NonlinearFlag = model.NonlinearFlag;
         ElementGroup& group = run->groups[1];
         group.NET = 1;
         group.INDAX = model.INDAX;
@@ -300,7 +300,7 @@ TEST(SurfaceTerms, RadiationByTheSecant) {
         const double scale = e * model.SBC * F * kFaces[1];
         EXPECT_NEAR(terms.Load(), scale * (std::pow(E, 4) - std::pow(T, 4)), 1e-9);
         EXPECT_NEAR(terms.MatrixSum(), scale * (T * T + E * E) * (T + E), 1e-11);
-        terms.run->control.state.NonlinearFlag = 0;
+        terms.run->job.NonlinearFlag = 0;
         terms.Add();
         EXPECT_EQ(terms.Load(), 0.0);
         EXPECT_EQ(terms.MatrixSum(), 0.0);
@@ -347,12 +347,12 @@ TEST(SurfaceTerms, ValuesOfTheSideBefore) {
     EXPECT_EQ(terms.FE[1], (3.0 + 65.0 * 11.0) * (7.0 - 2.0)); // radiation's coefficient, too
     terms.SetSide(1, {1, 0, 0, 0, 0});
     terms.SetSide(2, {0, 0, 0, 0, 0});
-    terms.run->control.state.TIME = 8.0;
+    terms.run->clock.TIME = 8.0;
     terms.Add();
     EXPECT_EQ(terms.FE[0], 0.0);
-    terms.run->control.state.TIME = 4.0;
+    terms.run->clock.TIME = 4.0;
     terms.Add();
-    terms.run->control.state.TIME = 8.0;
+    terms.run->clock.TIME = 8.0;
     terms.Add();
     EXPECT_EQ(terms.FE[0], 5.0);
 }

@@ -3,12 +3,12 @@
 #include "core/stop.h"
 #include "fuzz/ticks.h"
 #include "homogenization/initial_state.h"
-#include "job/banner.h"
-#include "job/card.h"
-#include "job/files.h"
+#include "input/card.h"
 #include "job/read_problem.h"
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
+#include "run/banner.h"
+#include "run/files.h"
 #include "solver/sparse_assembler.h"
 
 #include <cstdio>
@@ -91,7 +91,7 @@ void StartUp(Run& run, std::string_view deck) {
     Place& place = SharedPlace();
     FlushDenormalsToZero();
     zurt::CreateWorkingVector(run.A, kWords);
-    run.control.state.Language = zurt::kEnglish;
+    run.job.Language = zurt::kEnglish;
     run.units.dialogue = false;
     run.units.Folder = place.folder;
     run.units.DefaultListingName = place.folder + "listing";
@@ -130,10 +130,10 @@ bool RunProblems(Run& run, Job& job) {
         problem.listing.end = SizeOf(run.units.listing);
         problem.graphics.end = SizeOf(run.units.graphics);
         problem.INDFOR = run.control.header.INDFOR;
-        problem.NDT = run.control.state.NDT;
+        problem.NDT = run.control.counts.NDT;
         problem.asksForResults = AsksForResults(run);
         problem.listsCards = run.control.header.NULAZ == 1 || run.control.header.NULAZ == 2;
-        problem.leavesOutlet = run.control.state.OutletEnd != 0.0;
+        problem.leavesOutlet = run.control.outlet.OutletEnd != 0.0;
         job.problems.push_back(problem);
         zurt::CardBuffer card;
         zurt::ReadCard(run.deck, run.control.header.INDFOR, "Card behind the problem", card);

@@ -2,7 +2,7 @@
 
 #include "core/stop.h"
 #include "core/text_unit.h"
-#include "elements/element_dispatch.h"
+#include "elements/element_phases.h"
 
 #include <dmumps_c.h>
 
@@ -68,12 +68,21 @@ void WrapPutBytes(zurt::TextUnit& unit, std::string_view bytes) {
     RealPutBytes(unit, bytes);
 }
 
-void RealDispatch(zurt::Run& run, zurt::ElementGroup& group, std::int32_t NETIP, std::int32_t phase) __asm__(
-    "__real__ZN4zurt20DispatchElementPhaseERNS_3RunERNS_12ElementGroupEii");
-void WrapDispatch(zurt::Run& run, zurt::ElementGroup& group, std::int32_t NETIP, std::int32_t phase) __asm__(
-    "__wrap__ZN4zurt20DispatchElementPhaseERNS_3RunERNS_12ElementGroupEii");
-void WrapDispatch(zurt::Run& run, zurt::ElementGroup& group, std::int32_t NETIP, std::int32_t phase) {
-    RealDispatch(run, group, NETIP, phase);
+void RealForming(zurt::Run& run, zurt::ElementGroup& group) __asm__(
+    "__real__ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE");
+void WrapForming(zurt::Run& run, zurt::ElementGroup& group) __asm__(
+    "__wrap__ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE");
+void WrapForming(zurt::Run& run, zurt::ElementGroup& group) {
+    RealForming(run, group);
+    TakeTicks(kTicksOfElement * group.NET);
+}
+
+void RealResults(zurt::Run& run, zurt::ElementGroup& group) __asm__(
+    "__real__ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE");
+void WrapResults(zurt::Run& run, zurt::ElementGroup& group) __asm__(
+    "__wrap__ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE");
+void WrapResults(zurt::Run& run, zurt::ElementGroup& group) {
+    RealResults(run, group);
     TakeTicks(kTicksOfElement * group.NET);
 }
 

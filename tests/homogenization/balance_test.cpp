@@ -3,12 +3,12 @@
 #include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
-#include "job/partition.h"
+#include "homogenization/recorded_pass.h"
 #include "job/read_problem.h"
 #include "job/solve_problem.h"
+#include "run/partition.h"
 #include "support/grid_deck.h"
 #include "support/small_run.h"
-#include "timeint/solution_pass.h"
 
 #include <gtest/gtest.h>
 
@@ -54,8 +54,8 @@ struct JobRun {
     std::string before = std::filesystem::current_path();
     explicit JobRun(const GridDeck& grid) : small(Build(grid), 400000) {
         std::filesystem::current_path(small.folder);
-        small.control.state.ListingOpen = small.control.state.GraphicsOpen = 1;
-        small.control.state.Language = zurt::kEnglish;
+        small.units.ListingOpen = small.units.GraphicsOpen = 1;
+        small.job.Language = zurt::kEnglish;
         small.units.stepFile = std::tmpfile();
         ReadProblem(small);
     }
@@ -131,7 +131,13 @@ zurt::ConstRealArray View(const std::vector<double>& values) {
     return {values.data(), static_cast<zurt::Word>(values.size())};
 }
 
-void BeginPass(Run& run) {
+zurt::Pass PassOf(const Run& run) {
+    zurt::Pass pass;
+    pass.NDT = run.control.counts.NDT;
+    return pass;
+}
+
+void BeginTables(Run& run) {
     BeginMassTables(run);
     KeepInitialConcentrations(run);
     OpenMassFiles(run);
@@ -145,8 +151,8 @@ TEST(Balance, WhatPassesTheInletIsStoredBehindIt) {
         JobRun job(grid);
         auto& run = job.small;
         if (withFibres) {
-            BeginPass(run);
-            SolutionPass(run);
+            BeginTables(run);
+            RecordedPass(run, PassOf(run));
         } else {
             SolveProblem(run); // its second pass is that of the equivalent medium
         }
@@ -167,20 +173,20 @@ TEST(Balance, WhatPassesTheInletIsStoredOrLeaves) {
     const GridDeck grid = Cell(true);
     JobRun job(grid);
     auto& run = job.small;
-    BeginPass(run);
-    const zurt::Word steps = run.control.state.NDT;
+    BeginTables(run);
+    const zurt::Word steps = run.control.counts.NDT;
     std::vector<double> start = StartOf(grid), end;
     double before = Stored(grid, View(start), true), left = 0.0;
     const double first = before;
     // One step more at a time: the solution of every step is needed.
-    for (run.control.state.NDT = 1; run.control.state.NDT <= steps; ++run.control.state.NDT) {
+    zurt::Pass pass = PassOf(run);
+    for (pass.NDT = 1; pass.NDT <= steps; ++pass.NDT) {
         RestoreInitialConcentrations(run);
-        SolutionPass(run);
+        RecordedPass(run, pass);
         const Column last = ColumnOf(grid, NodalValues(run), grid.places[0].size() - 2, false);
         left += grid.size * kReservoir * (last.meanLow - last.meanHigh) / (kOutlet - 2.0);
         before = Stored(grid, NodalValues(run), true);
     }
-    run.control.state.NDT = static_cast<std::int32_t>(steps);
     const double passed = TotalFlow(run.mass.FLUXMICRO, grid.size);
     std::printf("passed %.12f, stored %.12f, left %.12f, ratio - 1 %.1e\n", passed, before - first, left,
                 (before - first + left) / passed - 1.0);
@@ -199,8 +205,8 @@ TEST(Balance, WithoutAPlaneAtZeroTheLowestOneIsTheInlet) {
     grid.startsFull = [](const Place& at) { return at[0] > 5.0; };
     JobRun job(grid);
     auto& run = job.small;
-    BeginPass(run);
-    SolutionPass(run);
+    BeginTables(run);
+    RecordedPass(run, PassOf(run));
     double change = -0.2 * (0.5 / 2 + 2.5); // the start: from 0 to 1 over the first column, then 1
     for (std::size_t i = 0; i < 3; ++i) {
         const Column column = ColumnOf(grid, NodalValues(run), i, false);

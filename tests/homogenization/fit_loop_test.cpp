@@ -1,7 +1,7 @@
 // The searches of a fit alone, driven with made-up masses: which runs follow one another, in which state, which values
 // they try, where they end.
 #include "homogenization/run_homogenization.h"
-#include "job/partition.h"
+#include "run/partition.h"
 #include "support/small_run.h"
 
 #include <gtest/gtest.h>
@@ -22,10 +22,10 @@ struct Fit {
         Run& run = small;
         run.control.header.NP = run.control.header.NMATT = run.control.header.NDS = 1;
         run.control.counts.MAXPMAT = 2;
-        run.control.state.JEDN = 1;
-        run.control.state.SparseMode = 1;
-        run.control.state.POROSITY = 0.5;
-        run.fit.card.NFIT = run.fit.card.NSETS = run.fit.card.INDDEG = 1;
+        run.sizes.JEDN = 1;
+        run.sizes.SparseMode = 1;
+        run.fibres.POROSITY = 0.5;
+        run.fit.card.NFIT = run.fit.card.NSETS = run.fit.INDDEG = 1;
         run.fit.card.IDCC = IDCC;
         run.fit.card.IHEQ = IHEQ;
         run.fit.card.NFITMAX = 30;
@@ -60,10 +60,9 @@ template <class Mass> std::vector<RunState> Drive(Fit& fit, double target, const
     std::vector<RunState> runs;
     BeginFitRun(fit.small, fit.curve);
     while (state.IFITEND == 0 && runs.size() < 100) {
-        EXPECT_EQ(state.card.IEHM, state.IPHASE);
+        EXPECT_EQ(state.IEHM, state.IPHASE);
         const double first = CoefficientOf(fit.curve, 1);
-        runs.push_back(
-            {state.card.IEHM == 0, state.ISFOFF == 0, state.HEQ, first, CoefficientOf(fit.curve, 2)});
+        runs.push_back({state.IEHM == 0, state.ISFOFF == 0, state.HEQ, first, CoefficientOf(fit.curve, 2)});
         (state.IPHASE == 0 ? state.MASSFIB : state.MASSEHM) = state.IPHASE == 0 ? target : mass(state, first);
         EndFitRun(fit.small, fit.curve);
         BeginFitRun(fit.small, fit.curve);

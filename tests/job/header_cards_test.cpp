@@ -24,12 +24,12 @@ TEST(HeaderCards, FormatCardIsAlwaysFree) {
     EXPECT_EQ(header.INDFOR, 1);
     EXPECT_EQ(header.NDS, 3);
     EXPECT_EQ(header.NANOCH, 2);
-    EXPECT_EQ(small.control.state.SparseMode, 1);
+    EXPECT_EQ(small.sizes.SparseMode, 1);
     header.IPASSPRINT = 9;
     ReadFormatCard(small);
     EXPECT_EQ(header.INDFOR, 3);
     EXPECT_EQ(header.NDS, -1);
-    EXPECT_EQ(small.control.state.SparseMode, 0);
+    EXPECT_EQ(small.sizes.SparseMode, 0);
     EXPECT_EQ(header.IPASSPRINT, 1);
     ReadFormatCard(small);
     EXPECT_EQ(header.INDFOR, 1);
@@ -137,10 +137,10 @@ TEST(HeaderCards, GroupCards) {
     run.control.header.INDFOR = 2;
     ReadGroupCard(run, run.groups[1]);
     ReadGroupCard(run, run.groups[2]);
-    EXPECT_EQ(run.control.state.SourcePresent, 1);
-    EXPECT_EQ(run.control.state.ConcentrationSource, 1);
-    EXPECT_EQ(run.control.state.SubstructurePresent, 1);
-    EXPECT_EQ(run.control.state.LastISUB4, 0); // of the last group alone
+    EXPECT_EQ(run.job.SourcePresent, 1);
+    EXPECT_EQ(run.job.ConcentrationSource, 1);
+    EXPECT_EQ(run.job.SubstructurePresent, 1);
+    EXPECT_EQ(run.job.LastISUB4, 0); // of the last group alone
 }
 
 // Faults: under NDS the first field taken for NANLK, or the other five kept; NPOC 0 kept under NDS, or changed without.

@@ -1,7 +1,7 @@
 // Small fibre models made in memory, for the tests of the micro scale.
 #pragma once
 
-#include "microscale/fibre_set.h"
+#include "run/fibre_set.h"
 
 #include <array>
 #include <initializer_list>

@@ -75,9 +75,9 @@ TEST(FibreStep, PorosityInThePlane) {
                   problem);
     for (FibreSet& set : medium.model.sets)
         set.WALLCUT = 10.0;
-    medium.run.fit.card.IEHM = 1;
+    medium.run.fit.IEHM = 1;
     ApplyFibres(medium.run, medium.model);
-    EXPECT_NEAR(medium.run.control.state.POROSITY, 1 - 0.1 - kPi / 4 * 0.25, 0.004);
+    EXPECT_NEAR(medium.run.fibres.POROSITY, 1 - 0.1 - kPi / 4 * 0.25, 0.004);
     EXPECT_NEAR(medium.model.sets[0].volume, 0.1, 1e-15);
     EXPECT_EQ(medium.run.fit.HEQ0, 0.0); // HEQ alone is set in the plane, the plain mean of the sets
     EXPECT_DOUBLE_EQ(medium.run.fit.HEQ,
@@ -102,7 +102,7 @@ FibreModel SphereInTheBar() {
 std::vector<std::int32_t> ExpectedMAXA(const Medium& medium, const Mesh& mesh, const std::vector<int>& kept) {
     const ConstIntArray ID = EquationNumbers(medium.run);
     std::vector<std::int32_t> MAXA = {1};
-    for (std::int32_t column = 1; column <= medium.run.control.state.JEDN; ++column) {
+    for (std::int32_t column = 1; column <= medium.run.sizes.JEDN; ++column) {
         std::int32_t lowest = column;
         for (const int e : kept)
             for (const int a : mesh.elements[static_cast<std::size_t>(e - 1)])
@@ -119,7 +119,7 @@ void ExpectMAXA(const Medium& medium, const std::vector<std::int32_t>& expected)
     ASSERT_EQ(MAXA.length, static_cast<Word>(expected.size()));
     for (std::size_t i = 0; i < expected.size(); ++i)
         EXPECT_EQ(MAXA(static_cast<Word>(i) + 1), expected[i]);
-    EXPECT_EQ(medium.run.control.state.NWK, expected.back() - 1);
+    EXPECT_EQ(medium.run.sizes.NWK, expected.back() - 1);
 }
 
 // Faults: held nodes freed or numbered, a node of some marked element taken out, heights of swallowed elements or of the
@@ -138,7 +138,7 @@ TEST(FibreStep, NodesOutsideTheFluidLeaveTheModel) {
         const bool held = std::count(mesh.held.begin(), mesh.held.end(), node) == 1;
         EXPECT_EQ(ID(node), held ? 0 : mark == 0 ? -1 : ++next) << node;
     }
-    EXPECT_EQ(medium.run.control.state.JEDN, next);
+    EXPECT_EQ(medium.run.sizes.JEDN, next);
     ExpectMAXA(medium, ExpectedMAXA(medium, mesh, {1, 2, 5, 6}));
 }
 
@@ -148,18 +148,18 @@ TEST(FibreStep, WhenNodesStayInTheModel) {
     const Mesh mesh = Bar(6);
     for (const int NFIT : {0, 1}) {
         Medium medium(mesh, SphereInTheBar());
-        medium.run.fit.card.IEHM = 1;
+        medium.run.fit.IEHM = 1;
         medium.run.fit.card.NFIT = NFIT;
-        const std::int32_t before = medium.run.control.state.JEDN;
+        const std::int32_t before = medium.run.sizes.JEDN;
         ApplyFibres(medium.run, medium.model);
-        EXPECT_EQ(medium.run.control.state.JEDN, NFIT == 0 ? before : before - 3); // node 4 is held
+        EXPECT_EQ(medium.run.sizes.JEDN, NFIT == 0 ? before : before - 3); // node 4 is held
     }
     Problem sparse;
     sparse.SparseMode = 1;
     Medium medium(mesh, SphereInTheBar(), sparse);
-    const Word NWK = medium.run.control.state.NWK;
+    const Word NWK = medium.run.sizes.NWK;
     ApplyFibres(medium.run, medium.model);
-    EXPECT_EQ(medium.run.control.state.NWK, NWK);
+    EXPECT_EQ(medium.run.sizes.NWK, NWK);
     Medium loose(mesh, OneSphere({3.0, 0.5, 0.5}, 0.1));
     Fill(DiagonalPositions(loose.run), 77);
     ApplyFibres(loose.run, loose.model);
@@ -238,7 +238,7 @@ TEST(HeqStart, OneSphereInARowOfBricks) {
         Medium medium(Bar(3), OneSphere(centre, 0.6));
         medium.model.sets[0].WALLCUT = test.WALLCUT;
         FitState& fit = medium.run.fit;
-        fit.card.IEHM = 1;
+        fit.IEHM = 1;
         fit.card.IDIAM = test.moleculeRadius > 0.0 ? 1 : 0;
         medium.run.control.header.DMOLECULE = test.moleculeRadius > 0.0 ? 2 * test.moleculeRadius : 0.4;
         ApplyFibres(medium.run, medium.model);
@@ -256,7 +256,7 @@ TEST(HeqStart, SetsWeighByTheirVolumes) {
                                              {FibreThrough({{0, 2, 0}, {2, 0.5, 0.5}}),
                                               FibreThrough({{1.0, 0.2, 0.2}, {1.1, 0.2, 0.2}})})}));
     medium.model.sets[0].WALLCUT = medium.model.sets[1].WALLCUT = 10.0;
-    medium.run.fit.card.IEHM = 1;
+    medium.run.fit.IEHM = 1;
     ApplyFibres(medium.run, medium.model);
     const FibreSet &spheres = medium.model.sets[0], &lines = medium.model.sets[1];
     EXPECT_NEAR(spheres.meanDistance, ExpectedHeq(3, {0.4, 0.45, 0.55}, 0.3, {10.0, 0.0}), 1e-12);

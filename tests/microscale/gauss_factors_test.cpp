@@ -145,7 +145,7 @@ TEST(GaussFactors, ChoiceByTheStateOfTheFit) {
         return Factors3{factor[0], factor[1], factor[2]};
     };
     ExpectFactors(factors(false), {0.1, 0.5, 0.5});
-    fit.card.IEHM = 1;
+    fit.IEHM = 1;
     fit.HEQ = 0.75;
     ExpectFactors(factors(false), {0.5, 0.5, 0.3});
     ExpectFactors(factors(true), {0.1, 0.5, 0.5});

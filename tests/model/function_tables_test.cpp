@@ -25,7 +25,7 @@ RunPointer FamilyRun(const std::string& deck, std::int32_t CurveCounts::*number,
     RunPointer run = MakeRun(deck, 1);
     run->control.counts.*number = functions;
     run->control.counts.*largest = most;
-    run->control.state.TIME = 2.0;
+    run->control.counts.TotalTime = 2.0;
     return run;
 }
 
@@ -99,9 +99,9 @@ TEST(TimeFunctionsStops, FailuresPrintTheirLines) {
     const auto read = [](const char* deck, Word words) {
         const RunPointer run = MakeRun(deck, 1, 1, words);
         zurt_test::ListOnStandardError(*run);
-        run->control.state.TIME = 2.0;
+        run->control.counts.TotalTime = 2.0;
         ReadTimeFunctions(*run);
-        run->control.state.TIME = 5.0;
+        run->clock.TIME = 5.0;
         const std::int32_t one[1] = {1};
         double out[1] = {1.0};
         EvaluateTimeFunctions(*run, RealArray(out, 1), ConstIntArray(one, 1), ConstIntArray(one, 1),

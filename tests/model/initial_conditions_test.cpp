@@ -1,7 +1,7 @@
 #include "model/initial_conditions.h"
 #include "support/expect_stop.h"
 
-#include "job/partition.h"
+#include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
 
@@ -25,7 +25,7 @@ RunPointer StartRun(const std::string& deck, std::int32_t NPOC, std::int32_t IND
     }
     EquationNumbers (*run)(2) = 0;
     EquationNumbers (*run)(3) = -1;
-    run->control.state.JEDN = NP - 2;
+    run->sizes.JEDN = NP - 2;
     run->control.counts.NPOC = NPOC;
     TakeSolutionVectors(*run);
     return run;
@@ -57,15 +57,15 @@ TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
             const RunPointer run = StartRun(deck, NPOC, INDFOR);
             ReadInitialConditions(*run);
             EXPECT_EQ(ListingOf(*run), "") << "no echo is asked for";
-            for (Word equation = 1; equation <= run->control.state.JEDN; ++equation)
+            for (Word equation = 1; equation <= run->sizes.JEDN; ++equation)
                 EXPECT_EQ(StepSolution(*run)(equation), 2.5);
-            EXPECT_EQ(run->control.state.OutletStart, 2.5);
-            EXPECT_EQ(run->control.state.OutletEnd, 0.0);
+            EXPECT_EQ(run->control.outlet.OutletStartOfRun, 2.5);
+            EXPECT_EQ(run->control.outlet.OutletEnd, 0.0);
             EXPECT_EQ(run->deck.nextLine, 2);
             if (NPOC == 1) {
                 run->deck.nextLine = 0;
                 run->control.header.NULAZ = 3;
-                run->control.state.Language = kSerbian;
+                run->job.Language = kSerbian;
                 ReadInitialConditions(*run);
                 EXPECT_TRUE(
                     Contains(ListingOf(*run), " TPOC = 2.500E+00\n                (ZA NSTAC.EQ.1)\n"));
@@ -84,12 +84,12 @@ TEST(InitialConditions, GroupsOfListsAndRanges) {
                              Range(39, -1, 20) + Range(19, 0, 19) + "\n" + Group(5.0, 0, 1) + Range(1, 1, 3) +
                              "\n" + "777\n";
     const RunPointer run = StartRun(deck, 3);
-    run->control.state.OutletStart = 9.0;
+    run->control.outlet.OutletStartOfRun = 9.0;
     ReadInitialConditions(*run);
     for (int N = 4; N <= 40; ++N)
         EXPECT_EQ(StartOf(*run, N), N == 4 || N == 6 || N == 8 || N >= 19 ? 2.5 : 1.5) << N;
     EXPECT_EQ(StartOf(*run, 1), 5.0);
-    EXPECT_EQ(run->control.state.OutletStart, 9.0) << "only the one value becomes CINITAL";
+    EXPECT_EQ(run->control.outlet.OutletStartOfRun, 9.0) << "only the one value becomes CINITAL";
     EXPECT_EQ(run->deck.nextLine, LineCount(run->deck) - 1);
     EXPECT_TRUE(Contains(ListingOf(*run), "\n    1  0.5000E+01    2  0.5000E+01    3  0.2500E+00"))
         << "printed although the echo is off";

@@ -1,10 +1,10 @@
 // Cards and curves of materials, and the built-in polynomials.
-#include "job/partition.h"
 #include "model/analytic_materials.h"
 #include "model/curve_lookup.h"
 #include "model/diffusion_curves.h"
 #include "model/material_tables.h"
 #include "model/materials.h"
+#include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
 

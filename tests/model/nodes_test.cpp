@@ -1,7 +1,7 @@
 #include "model/nodes.h"
 #include "support/expect_stop.h"
 
-#include "job/partition.h"
+#include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
 
@@ -52,7 +52,7 @@ TEST(Nodes, GenerationUpAndDownAddsItsIncrementAgainAndAgain) {
         const int closing = down == 1 ? 1 : 11;
         EXPECT_GT(EquationNumbers(*run)(closing), 0);
         EXPECT_EQ(NodeCardValues(*run)(closing), 8.5);
-        EXPECT_EQ(run->control.state.JEDN, 6);
+        EXPECT_EQ(run->sizes.JEDN, 6);
     }
 }
 

@@ -1,8 +1,8 @@
 #include "model/prescribed_values.h"
 #include "support/expect_stop.h"
 
-#include "job/partition.h"
 #include "model/time_functions.h"
+#include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
 
@@ -104,19 +104,19 @@ TEST(PrescribedValues, ValuesOverTheSteps) {
         EXPECT_EQ(RealSection(run->A, at.LZAD2, 3)(i), end);
         EXPECT_EQ(RealSection(run->A, at.LZAD3, 3)(i), increment);
     };
-    run->control.state.TIME = 0.0;
+    run->clock.TIME = 0.0;
     StartPrescribedValues(*run);
     expect(1, 0.0, 0.0, 0.0);
     expect(3, 0.0, 21.0, 21.0);
-    run->control.state.TIME = 1.0;
+    run->clock.TIME = 1.0;
     EvaluatePrescribedValues(*run);
     expect(1, 0.0, 20.0, 20.0);
-    run->control.state.TIME = 4.0;
+    run->clock.TIME = 4.0;
     EvaluatePrescribedValues(*run);
     expect(1, 20.0, 80.0, 60.0);
     expect(2, 0.0, 0.0, 0.0);
     expect(3, 21.0, 21.0, 0.0);
-    run->control.state.TIME = 11.0;
+    run->clock.TIME = 11.0;
     zurt_test::ListOnStandardError(*run);
     EXPECT_MESSAGE(EvaluatePrescribedValues(*run), "TIME FUNCTION NO. =    1");
 }

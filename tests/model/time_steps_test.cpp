@@ -1,6 +1,6 @@
 #include "model/time_steps.h"
 
-#include "job/partition.h"
+#include "run/partition.h"
 #include "support/small_run.h"
 
 namespace zurt {
@@ -21,8 +21,8 @@ TEST(TimeSteps, TotalIsARunningSumOverTheStepsOfAllPeriods) {
     for (int k = 0; k < 10; ++k)
         total += 0.1;
     ASSERT_NE(total, 1.0);
-    EXPECT_EQ(run->control.state.TIME, total + 0.25 + 0.25 + 0.25);
-    ASSERT_EQ(run->control.state.NDT, 13);
+    EXPECT_EQ(run->control.counts.TotalTime, total + 0.25 + 0.25 + 0.25);
+    ASSERT_EQ(run->control.counts.NDT, 13);
     EXPECT_EQ(StepSizes(*run)(10), 0.1);
     EXPECT_EQ(StepSizes(*run)(11), 0.25);
     EXPECT_EQ(StepSizes(*run)(13), 0.25);

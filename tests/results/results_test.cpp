@@ -1,8 +1,8 @@
 // Tables of results on the listing, mesh and results in the UNV file.
-#include "job/partition.h"
 #include "results/listing.h"
 #include "results/unv_mesh.h"
 #include "results/unv_results.h"
+#include "run/partition.h"
 #include "support/small_run.h"
 
 #include <cstring>
@@ -44,8 +44,8 @@ TEST(NodalListing, FixedFormAndFluxes) {
     run.control.header.IFORM = 2;
     PrintNodalResults(run);
     EXPECT_EQ(zurt_test::CountOf(ListingOf(run), "      0.15000E+01"), 1);
-    run.control.state.Language = kSerbian;
-    run.control.state.NonlinearFlag = 1;
+    run.job.Language = kSerbian;
+    run.job.NonlinearFlag = 1;
     PrintNodalResults(run);
     EXPECT_TRUE(zurt_test::Contains(
         ListingOf(run),
@@ -74,8 +74,8 @@ void Prepare(zurt::Run& run, std::int32_t NP, std::int32_t NDS) {
     run.control.header.IGRAF = 1;
     const std::string title = "A title" + std::string(73, ' ');
     std::memcpy(run.control.header.title, title.data(), kTitleLength);
-    run.control.state.GraphicsWritten = 7;
-    run.control.state.TIME = 0.25;
+    run.outputs.GraphicsWritten = 7;
+    run.clock.TIME = 0.25;
     TakeNodeArrays(run);
     TakeSolverVectors(run);
 }

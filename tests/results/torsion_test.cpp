@@ -1,5 +1,5 @@
 // Stresses and moments of torsion in whole runs; the moment of a square shaft converges in tests/decks/classical_test.cpp.
-#include "elements/gauss_rules.h"
+#include "geometry/gauss_rules.h"
 #include "support/plane_deck.h"
 #include "support/run_deck.h"
 #include "support/small_decks.h"

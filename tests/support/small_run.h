@@ -2,8 +2,8 @@
 // has any size. For tests of single steps of the job, of card readers, of the time loop and of the results.
 #pragma once
 
-#include "job/files.h"
-#include "job/run.h"
+#include "run/files.h"
+#include "run/run.h"
 #include "support/expect_stop.h"
 #include "support/run_deck.h"
 

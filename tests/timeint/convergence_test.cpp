@@ -1,7 +1,7 @@
 // The convergence test, the step file, and equations expanded to nodes.
 #include "support/small_run.h"
 #include "timeint/convergence.h"
-#include "timeint/solution_pass.h"
+#include "timeint/step.h"
 #include "timeint/step_file.h"
 
 #include <cstdio>
@@ -32,12 +32,11 @@ struct Outcome {
 
 Outcome TestIteration(const Iteration& iteration) {
     SmallRun run;
-    RunState& state = run.control.state;
-    state.ITER = iteration.ITER;
-    state.KOR = 2;
-    state.NDT = 3;
-    state.TIME = 0.5;
-    state.ReferenceNorm = iteration.before;
+    run.clock.ITER = iteration.ITER;
+    run.clock.KOR = 2;
+    run.pass.NDT = 3;
+    run.clock.TIME = 0.5;
+    run.clock.ReferenceNorm = iteration.before;
     run.control.header.NPRINT = 1;
     run.control.header.EPSTA = iteration.EPSTA;
     run.control.header.EPSTR = iteration.EPSTR;
@@ -52,8 +51,8 @@ Outcome TestIteration(const Iteration& iteration) {
     Outcome outcome;
     outcome.converged = ConvergenceTest(run, ConstRealArray(vectors[0], 2), ConstRealArray(vectors[1], 2),
                                         ConstRealArray(vectors[2], 2));
-    outcome.ReferenceNorm = state.ReferenceNorm;
-    outcome.IncrementNorm = state.IncrementNorm;
+    outcome.ReferenceNorm = run.clock.ReferenceNorm;
+    outcome.IncrementNorm = run.clock.IncrementNorm;
     outcome.console = Written(run.units.console);
     outcome.listing = Written(run.units.listing);
     outcome.messages = Written(run.units.messages);

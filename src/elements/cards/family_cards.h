@@ -1,0 +1,72 @@
+// What the isoparametric families have of their own in reading: one FamilyCards row each, and the records that their
+// cards are read into.
+//
+// The reading itself stands once, in elements/cards/group_cards.h and elements/cards/element_cards.h.
+#pragma once
+
+#include "core/format.h"
+#include "geometry/shape_functions.h"
+#include "input/card.h"
+#include "run/echo.h"
+
+namespace zurt {
+
+constexpr int kMaxColumns = kMaxNodes<3>;
+
+/// A text in both languages.
+struct TwinText {
+    const char* serbian;
+    const char* english;
+};
+
+/// Fields of a family's group card; a family reads those that it has.
+struct FamilyGroupCard {
+    std::int32_t NMAT = 0;      // number of materials, replaced after reading
+    std::int32_t MAT = 0;       // one material number, replaced after reading
+    std::int32_t MATDD = 0;     // group material under NDS
+    std::int32_t NPDMX = 0;     // largest node count of an element
+    std::int32_t IPRDC = 0;     // Gauss coordinate print flag
+    std::int32_t IPRTG = 0;     // Gauss value print flag
+    std::int32_t NGAUS[3] = {}; // Gauss orders by direction
+    std::int32_t NTHIC = 0;     // 2D: thickness by element
+    double THIC = 0.0;          // 2D: thickness of the group
+};
+
+/// Fields of an element card and of the card of mid-side nodes behind it.
+struct ElementCard {
+    std::int32_t NN = 0;
+    std::int32_t nodes[kMaxColumns] = {}; // corners, then mid-side nodes
+    std::int32_t MAT = 0;
+    std::int32_t ISRC = 0; // source curve
+    std::int32_t KG = 0;   // node step of the generation
+    std::int32_t KGEN = 0; // how many elements to generate
+    std::int32_t IPC = 0;  // Gauss coordinate print
+    std::int32_t IPT = 0;  // Gauss value print
+    double THIC = 0.0;     // thickness (2D), area (1D)
+};
+
+/// What one isoparametric family has of its own in reading.
+struct FamilyCards {
+    int dimension;
+    int corners;                // columns of an element without mid-side nodes, and the default of NPDMX
+    int columns;                // columns when NPDMX is above `corners`
+    CardLayout groupCard;       // NDS 0
+    CardLayout deviceGroupCard; // NDS not 0
+    CardLayout elementCard;     // with the corners
+    CardLayout midSideCard;     // the columns behind the corners, on a card of their own; or, without fields:
+    CardLayout fullElementCard; // an element card with all columns
+    const char* gaussNames[3];  // of the orders, one for each dimension
+    const char* name;           // "3D", in messages
+    TwinText groupMaterial;     // label of the group's material in the message
+    TwinText elementMaterial;   // label of an element's material in the message
+    const EchoLine* echo;       // group card under NDS 0, values from ElementGroup
+    std::size_t echoCount;
+    const EchoLine* deviceEcho; // group card under NDS
+    std::size_t deviceEchoCount;
+    TwinText heading;        // of the echoed group card
+    TwinText tableTitle;     // of the listed elements
+    TwinText tableHead;      // over their columns
+    const char* tableFields; // descriptors behind the nodes: MAT, SOU, COO, CONC, and thickness or area
+};
+
+} // namespace zurt

@@ -1,0 +1,135 @@
+#include "elements/cards/group_cards.h"
+
+#include "core/stop.h"
+#include "elements/cards/element_cards.h"
+#include "geometry/gauss_rules.h"
+#include "run/partition.h"
+#include "solver/skyline_layout.h"
+
+#include <cmath>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+// --- group card ---------------------------------------------------------------------------------------------------
+
+void CheckGaussOrders(Run& run, const FamilyCards& family, const CardLayout& card, ElementGroup& group) {
+    for (int d = 0; d < family.dimension; ++d) {
+        group.NGAUS[d] = GaussOrderOfCard(group.NGAUS[d]);
+        if (group.NGAUS[d] < 1 || group.NGAUS[d] > kMaxGaussOrder)
+            DeckError(run.deck, card.group, family.gaussNames[d], std::to_string(group.NGAUS[d]),
+                      "the order of a Gauss rule must lie between 1 and " + std::to_string(kMaxGaussOrder));
+    }
+}
+
+// Lines have an area each, quadrilaterals a thickness each when the card says so.
+void SetThickness(const FamilyCards& family, const FamilyGroupCard& card, ElementGroup& group) {
+    group.NTHIC = card.NTHIC;
+    group.THIC = card.THIC;
+    group.hasThickness = family.dimension == 1 || card.NTHIC != 0;
+    if (card.NTHIC == 0 && std::fabs(card.THIC) < kNoThickness)
+        group.THIC = 1.0;
+}
+
+void ReadFamilyGroupCard(Run& run, ElementGroup& group, const FamilyCards& family) {
+    const HeaderFields& header = run.control.header;
+    const bool device = header.NDS != 0;
+    const CardLayout& layout = device ? family.deviceGroupCard : family.groupCard;
+    FamilyGroupCard card;
+    ReadCardFields(run.deck, header.INDFOR, layout, &card);
+
+    group.MATDD = card.MATDD == 0 ? 1 : card.MATDD;
+    group.NPDMX = card.NPDMX == 0 ? family.corners : card.NPDMX;
+    group.IPRDC = card.IPRDC;
+    group.IPRTG = card.IPRTG;
+    for (int d = 0; d < 3; ++d)
+        group.NGAUS[d] = card.NGAUS[d];
+    // Whatever the card says: one material, or under NDS the count that is the group material's number.
+    group.MAT = 1;
+    group.NMAT = device ? group.MATDD : 1;
+    group.NDMAX = group.NPDMX > family.corners ? family.columns : family.corners;
+
+    SetThickness(family, card, group);
+    CheckGaussOrders(run, family, layout, group);
+    if (device && group.MATDD < 0)
+        RequireIndex(run.deck, layout.group, layout.fields[0].name, group.MATDD, header.NMATT);
+    if (device && group.MATDD > header.NMATT)
+        StopOnMaterial(run, family.groupMaterial, group.MATDD);
+}
+
+void EchoFamilyGroupCard(Run& run, const ElementGroup& group, const FamilyCards& family, std::int32_t first) {
+    PrintCardNumber(run, first, 1);
+    Write(run.units.listing, "(6X,A/)", Say(run, family.heading.serbian, family.heading.english));
+    if (run.control.header.NDS != 0)
+        WriteEchoLines(run, family.deviceEcho, family.deviceEchoCount, &group);
+    else
+        WriteEchoLines(run, family.echo, family.echoCount, &group);
+}
+
+// --- data block ---------------------------------------------------------------------------------------------------
+
+Word TakeIfPresent(Run& run, const char* name, Word n, bool present) {
+    return present ? TakeWords(run.A, name, n) : run.A.LMAX;
+}
+
+// Cleared, so that an element without a card has no nodes rather than what an earlier problem left.
+void TakeDataBlock(Run& run, ElementGroup& group) {
+    const Word NET = group.NET;
+    group.hasMaterials = group.NMAT > 1 || run.control.header.NDS != 0;
+    group.hasSources = group.IZIP > 0;
+    group.hasValueFlags = group.IPRTG > 1;
+    group.hasCoordinateFlags = group.IPRDC > 1;
+    group.LNEL = TakeWords(run.A, "NEL", group.NDMAX * NET);
+    group.LMATE = TakeIfPresent(run, "element materials", NET, group.hasMaterials);
+    group.LISRC = TakeIfPresent(run, "element sources", NET, group.hasSources);
+    group.LIPT = TakeIfPresent(run, "element value print flags", NET, group.hasValueFlags);
+    group.LIPC = TakeIfPresent(run, "element coordinate print flags", NET, group.hasCoordinateFlags);
+    group.LTHIC = TakeIfPresent(run, "element thickness", NET, group.hasThickness);
+    StopIfInputOverflows(run);
+    ClearWords(run.A, group.LNEL, run.A.LMAX - 1);
+}
+
+// --- column heights -----------------------------------------------------------------------------------------------
+
+void RaiseHeightsOfGroup(Run& run, const ElementGroup& group) {
+    std::int32_t LM[kMaxColumns];
+    ComputeColumnHeights(DiagonalPositions(run), EquationNumbers(run), Connectivity(run, group),
+                         IntArray(LM, kMaxColumns), group.NET, run.sizes.JEDN, false, group.NDMAX,
+                         run.sizes.NWK);
+}
+
+} // namespace
+
+void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family) {
+    const std::int32_t first = NumberOfNextCard(run.deck);
+    group.indicesChecked = false;
+    group.held = HeldCurveValues();
+    ReadFamilyGroupCard(run, group, family);
+    if (EchoInput(run))
+        EchoFamilyGroupCard(run, group, family, first);
+    TakeDataBlock(run, group);
+    ReadElementCards(run, group, family);
+    if (run.sizes.SparseMode == 0)
+        RaiseHeightsOfGroup(run, group);
+}
+
+void FinishColumnPointers(Run& run) {
+    const WorkingVector& A = run.A;
+    if (A.LMAX > A.NTOTA) {
+        TextUnit& unit = BeginMessage(run);
+        Write(unit, "(A)",
+              Say(run, "NEDOVOLJNA DIMENZIJA U VEKTORU A-ZA FORMIRANJE MAXA",
+                  " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR MAXA"));
+        const Format number(Say(run, "(A,I9)", "(A,I10)"));
+        Write(unit, number, Say(run, "POTREBNA DIMENZIJA , LMAX=", " REQUIRED DIMENSION, LMAX ="), A.LMAX);
+        Write(unit, number, Say(run, "RASPOLOZIVA DIMENZIJA , NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
+              A.NTOTA);
+        NoteSectionOutside(run);
+        StopRun(unit);
+    }
+    SetMatrixLength(run, MakeColumnPointers(DiagonalPositions(run), run.sizes.JEDN));
+}
+
+} // namespace zurt

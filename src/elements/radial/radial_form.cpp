@@ -1,0 +1,161 @@
+#include "elements/radial/radial_form.h"
+
+#include "core/stop.h"
+#include "elements/cards/group_checks.h"
+#include "elements/forming/element_work.h"
+#include "elements/radial/radial_kernel.h"
+#include "geometry/gather.h"
+#include "geometry/radial_views.h"
+#include "microscale/degradation.h"
+#include "solver/assembly.h"
+#include "solver/skyline_assembly.h"
+
+#include <cmath>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+struct RadialVisit {
+    Run& run;
+    const ElementGroup& group;
+    NodalViews nodes{};
+    ConstIntArray count{};
+    ConstRealArray D{}, length{}, radius{};
+    bool transient = false;
+    double dt = 0.0;
+    bool degrades = false;
+    DegradedCoefficient degraded{}; // the same for all fibres
+};
+
+RadialVisit BeginVisit(Run& run, const ElementGroup& group) {
+    const RadialGroup& radial = group.radial;
+    RadialVisit visit{run, group};
+    visit.nodes = NodalViewsOf(run);
+    visit.count = RadialCount(run, group);
+    visit.D = RealSection(run.A, radial.LD, group.NET);
+    visit.length = RealSection(run.A, radial.LLENGTH, group.NET);
+    visit.radius = RealSection(run.A, radial.LRADIUS, group.NET);
+    visit.transient = run.control.header.NSTAC != 0;
+    visit.dt = run.clock.TimeStep;
+    visit.degrades = run.control.header.INDDEGR == 1;
+    if (visit.degrades)
+        visit.degraded = DegradedDiffusion(run.control.header, run.clock.TIME);
+    return visit;
+}
+
+RadialScales ScalesOf(const RadialVisit& visit, Word n) {
+    const double D = visit.degrades ? visit.degraded.D : visit.D(n);
+    return ScalesOfFibre(D, visit.length(n), visit.radius(n), visit.count(n), visit.transient, visit.dt);
+}
+
+// --- assembled fibres ---------------------------------------------------------------------------------------------
+
+// The surface of a fibre with a partition value: concentrations of the continuum times f stand on its side, so the load
+// is formed with them and the column of the matrix is multiplied. The row is not, and the packed triangle takes the
+// scaled entry for both places.
+struct SurfaceRatio {
+    bool acts = false;
+    double f = 1.0;
+};
+
+void AddRing(const RadialVisit& visit, const SystemTarget& system, const RadialRing& ring,
+             const std::int32_t node[2], const SurfaceRatio& surface, RealArray packed) {
+    double c[2], c0[2], F[2];
+    std::int32_t LM[2];
+    for (int k = 0; k < 2; ++k) {
+        GatherNodeValue(visit.nodes, node[k], c[k], c0[k]);
+        LM[k] = visit.nodes.ID(node[k]);
+    }
+    if (surface.acts) {
+        c[1] *= surface.f;
+        c0[1] *= surface.f;
+    }
+    RingLoad(ring, c, c0, F);
+    RingMatrix(ring, packed.data);
+    if (surface.acts) {
+        packed(2) *= surface.f;
+        packed(3) *= surface.f;
+    }
+    AddElement(system, packed, ConstRealArray(F, 2), ConstIntArray(LM, 2), 2);
+}
+
+void FormAssembled(const RadialVisit& visit, RealArray packed) {
+    const Run& run = visit.run;
+    const SystemTarget system = SystemTargetOf(run);
+    const ConstIntTable nodes = RadialNodes(run, visit.group);
+    const ConstRealArray partition = PartitionValue(run, visit.group);
+    for (Word n = 1; n <= visit.group.NET; ++n) {
+        const RadialScales scales = ScalesOf(visit, n);
+        double r = 0.0;
+        for (int i = 1; i <= scales.count; ++i, r += scales.dr) {
+            SurfaceRatio surface;
+            surface.acts = i == scales.count && partition.length > 0;
+            if (surface.acts)
+                surface.f = partition(n) / (1.0 - visit.degraded.phi);
+            AddRing(visit, system, RingAt(scales, r), &nodes(i, n), surface, packed);
+        }
+    }
+}
+
+// --- substructured fibres -----------------------------------------------------------------------------------------
+
+// The listing could otherwise show a good solution beside a fibre that has none, when its continuum node is held.
+void RequireNumber(double flux, Word n) {
+    if (std::isnan(flux))
+        StopWithLibraryError("radial element " + std::to_string(n) +
+                             ": the solution is not a number; look for absurd sizes in the deck");
+}
+
+void SolveFibres(const RadialVisit& visit) {
+    Run& run = visit.run;
+    const RealTable values = FibreValue(run, visit.group), starts = FibreValue0(run, visit.group);
+    const RealArray flux = FibreFlux(run, visit.group);
+    const ConstIntArray continuum = ContinuumNode(run, visit.group);
+    if (run.clock.ITER == 0)
+        Copy<double>(RealArray(values.data, values.rows * values.columns),
+                     RealArray(starts.data, starts.rows * starts.columns));
+    Fill(flux, 0.0);
+    for (Word n = 1; n <= visit.group.NET; ++n) {
+        const RadialScales scales = ScalesOf(visit, n);
+        const Word surface = scales.count + 1;
+        GatherNodeValue(visit.nodes, continuum(n), values(surface, n), starts(surface, n));
+        flux(n) += SolveFibre(scales, RealArray(&values(1, n), surface),
+                              ConstRealArray(&starts(1, n), surface), MessageUnit(run));
+        RequireNumber(flux(n), n);
+    }
+}
+
+void AddFluxes(const RadialVisit& visit) {
+    const Run& run = visit.run;
+    const ConstRealArray flux = FibreFlux(run, visit.group);
+    const ConstIntArray continuum = ContinuumNode(run, visit.group);
+    const ConstIntTable common = CommonNodes(run, visit.group);
+    const RealArray R = RightHandSide(run);
+    const double share = 1.0F / static_cast<float>(visit.group.radial.CommonNodeCount);
+    for (Word n = 1; n <= visit.group.NET; ++n) {
+        if (common.columns == 0)
+            AddElementVector(R, ConstRealArray(&flux(n), 1), ConstIntArray(&visit.nodes.ID(continuum(n)), 1),
+                             1);
+        const double part = flux(n) * share;
+        for (Word k = 1; k <= common.columns; ++k)
+            AddElementVector(R, ConstRealArray(&part, 1), ConstIntArray(&visit.nodes.ID(common(n, k)), 1), 1);
+    }
+}
+
+} // namespace
+
+void FormGroupRadial(Run& run, ElementGroup& group) {
+    CheckRadialCards(run, group);
+    const ElementWork work = LayOutElementWork(run, group.radial.ND);
+    const RadialVisit visit = BeginVisit(run, group);
+    if (group.radial.substructured) {
+        SolveFibres(visit);
+        AddFluxes(visit);
+    } else {
+        FormAssembled(visit, RealSection(run.A, work.conduction, PackedLength(group.radial.ND)));
+    }
+}
+
+} // namespace zurt

@@ -1,0 +1,15 @@
+// Forming of radial fibre groups, assembled (the fibre's nodes are nodes of the model) or substructured (only what leaves
+// the fibre reaches the system).
+#pragma once
+
+#include "run/run.h"
+
+namespace zurt {
+
+/// One visit of a radial group at an iteration. An assembled fibre adds its
+/// rings to the system. A substructured one is brought to equilibrium with the value of its continuum node first, and
+/// then its flux is added to the right-hand side alone, at that node or in equal parts at the common nodes. The
+/// coefficient is that of the card, or under INDDEGR 1 that of the degrading polymer at TIME.
+void FormGroupRadial(Run& run, ElementGroup& group);
+
+} // namespace zurt

@@ -1,0 +1,247 @@
+#include "elements/surfaces/surface_cards.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+#include "elements/cards/family_cards.h"
+#include "run/partition.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace zurt {
+
+namespace {
+
+// --- cards --------------------------------------------------------------------------------------------------------
+
+constexpr int kCardFields = 2 + kSurfaceFields;
+using SurfaceCardFields = std::array<CardField, kCardFields>;
+
+constexpr CardField CurveField(const char* name, int field, const char* meaning, const char* effect = "") {
+    return {
+        name,  Descriptor("I5"), offsetof(SurfaceCard, curves) + 4 * (static_cast<std::size_t>(field) - 1),
+        1,     kAnyInteger,      meaning,
+        effect};
+}
+
+constexpr SurfaceCardFields FieldsOf(const char* nodeNames, int corners) {
+    return {ZURT_INTEGER(SurfaceCard, NE, "I5", "element; 0 ends the cards of the group"),
+            CardField{nodeNames, Descriptor("I5"), offsetof(SurfaceCard, nodes), corners, kAnyInteger,
+                      "corners of the side, in any order", ""},
+            CurveField("FLUX", kFluxCurve, "surface flux function"),
+            CurveField("CONV", kConvectionCurve, "convection function"),
+            CurveField("ENVI", kEnvironmentCurve, "environment function"),
+            CurveField("EMIS", kEmissivityCurve, "radiation function; also the number of the shape factor"),
+            CurveField("SHAPE", kShapeFactorField, "shape factor number", "stored and printed only")};
+}
+
+constexpr SurfaceCardFields kFields1D = FieldsOf("NODE1", kSideCorners<1>);
+constexpr SurfaceCardFields kFields2D = FieldsOf("NODE1 to NODE2", kSideCorners<2>);
+constexpr SurfaceCardFields kFields3D = FieldsOf("NODE1 to NODE4", kSideCorners<3>);
+
+// What one family has of its own.
+struct BoundaryFamily {
+    int dimension;
+    const CardLayout& card;
+    TwinText nodes;  // ahead of the nodes of a card that names no side
+    TwinText noSide; // and behind them
+};
+
+const BoundaryFamily kFamilies[] = {
+    {1,
+     kSurfaceCard1D,
+     {"UCITANI GRANICNI CVOROVI :", "READIN BOUNDARY NODES :"},
+     {"NE CINE KRAJ ELEMENTA", "DO NOT CONSTITUTE SIDE OF ELEMENT"}},
+    {2,
+     kSurfaceCard2D,
+     {"UCITANI GRANICNI CVOROVI :", "READ IN BOUNDARY NODES :"},
+     {"NE CINE JEDNU IVICU ELEMENTA", "DO NOT CONSTITUTE ONE EDGE OF ELEMENT"}},
+    {3,
+     kSurfaceCard3D,
+     {"UCITANI GRANICNI CVOROVI :", "READIN BOUNDARY NODES :"},
+     {"NE CINE JEDNU POVRSINU ELEMENTA", "DO NOT CONSTITUTE ONE SURFACE OF ELEMENT"}},
+};
+
+const BoundaryFamily& FamilyOf(const ElementGroup& group) {
+    return kFamilies[group.NETIP == 1 || group.NETIP == 2 ? group.NETIP - 1 : 2];
+}
+
+// --- sides --------------------------------------------------------------------------------------------------------
+
+// Faces of the brick by their corners. Quadrilateral and line have as sides what these leave of their own corners.
+constexpr std::int32_t kFaceCorners[kSides<3>][kSideCorners<3>] = {{1, 4, 8, 5}, {2, 6, 7, 3}, {1, 5, 6, 2},
+                                                                   {4, 3, 7, 8}, {1, 2, 3, 4}, {5, 8, 7, 6}};
+
+struct BoundaryReader {
+    Run& run;
+    const ElementGroup& group;
+    const BoundaryFamily& family;
+    IntTable NEL;
+    IntArray NSURF;
+    IntArray ISURF; // all records one behind the other
+    std::int32_t records = 0;
+    SurfaceCard card{};
+    std::int32_t carried[kSurfaceFields] = {}; // the fields stored last
+};
+
+int CornersOf(const BoundaryFamily& family) {
+    return 1 << (family.dimension - 1);
+}
+
+// The nodes of side `side` (from 0) of element NE; a column that the group does not have counts as node 0.
+void TakeSideNodes(const BoundaryReader& reader, int side, std::int32_t (&nodes)[kSideCorners<3>]) {
+    int count = 0;
+    for (std::int32_t corner : kFaceCorners[side])
+        if (corner <= 1 << reader.family.dimension)
+            nodes[count++] = corner <= reader.NEL.columns ? reader.NEL(reader.card.NE, corner) : 0;
+}
+
+// The first side with the corners of the card, from 1; 0 when there is none.
+int FindSide(const BoundaryReader& reader) {
+    const int corners = CornersOf(reader.family);
+    for (int side = 0; side < 2 * reader.family.dimension; ++side) {
+        std::int32_t nodes[kSideCorners<3>] = {};
+        TakeSideNodes(reader, side, nodes);
+        if (std::is_permutation(nodes, nodes + corners, reader.card.nodes))
+            return side + 1;
+    }
+    return 0;
+}
+
+[[noreturn]] void StopOnSide(BoundaryReader& reader) {
+    Run& run = reader.run;
+    const BoundaryFamily& family = reader.family;
+    TextUnit& unit = BeginMessage(run);
+    Write(unit, "(1X,A)",
+          Say(run, "GRESKA U ULAZNIM PODACIMA GRANICNIH USLOVA:", "ERROR IN BOUNDARY CONDITION INPUT DATA:"));
+    Write(unit, "(1X,A,I8)", Say(run, "ELEMENT BR.", "ELEMENT NO."), reader.card.NE);
+    Write(unit, "(1X,A,4I8)", Say(run, family.nodes.serbian, family.nodes.english),
+          IntArray(reader.card.nodes, CornersOf(family)));
+    Write(unit, "(1X,A)", Say(run, family.noSide.serbian, family.noSide.english));
+    StopRun(unit);
+}
+
+// --- fields -------------------------------------------------------------------------------------------------------
+
+void RequireCurve(const BoundaryReader& reader, SurfaceField field, const char* table, std::int32_t limit) {
+    const std::int32_t number = reader.carried[field - 1];
+    if (number < 0 || number > limit)
+        DeckError(reader.run.deck, reader.family.card.group, reader.family.card.fields[field + 1].name,
+                  std::to_string(number),
+                  "the number must lie between 0, none, and " + std::to_string(limit) + ", which is " +
+                      table);
+}
+
+void RequireCurves(const BoundaryReader& reader) {
+    const CurveCounts& counts = reader.run.control.counts;
+    RequireCurve(reader, kFluxCurve, "NQP", counts.NQP);
+    RequireCurve(reader, kConvectionCurve, "NHP", counts.NHP);
+    RequireCurve(reader, kEnvironmentCurve, "NTOK", counts.NTOK);
+    RequireCurve(reader, kEmissivityCurve, "NHR", counts.NHR);
+    if (counts.NFO != 0) // it chooses the shape factor, too
+        RequireCurve(reader, kEmissivityCurve, "NFO", counts.NFO);
+}
+
+// A card without any curve takes those of the card before.
+void CarryFields(BoundaryReader& reader) {
+    const std::int32_t* curves = reader.card.curves;
+    const bool none = std::all_of(curves, curves + kSurfaceFields, [](std::int32_t c) { return c < 1; });
+    if (!none)
+        std::copy(curves, curves + kSurfaceFields, reader.carried);
+}
+
+void EchoHead(Run& run, const ElementGroup& group) {
+    TextUnit& listing = run.units.listing;
+    Write(listing, "('1'///6X,A,I3)",
+          Say(run, "P O D A C I   O   G R A N I C N I M   P O V R S I N A M A   G R U P E",
+              "D A T A   F O R   B O U N D A R Y   S U R F A C E S   O F   G R O U P"),
+          group.NGE);
+    Write(listing, "(6X,A//)",
+          Say(run, "(UCITAVANJE SE ZAVRSAVA PRAZNOM LINIJOM)", "(READING ENDS WITH A BLANK LINE)"));
+    Write(listing, "(7X,'ELEMENT',6X,A,3(2X,A),1X,A,8X,A/)", Say(run, " FLUKS", "  FLUX"),
+          Say(run, "KOEF.KONV.", "CONV.COEF."), Say(run, "TEMP.OKOL.", "ENVI.TEMP."),
+          Say(run, "KOEF.EMIS.", "EMIS.COEF."), Say(run, "FUN.OBLIKA ", "SHAPE FUNC."),
+          Say(run, "CVOROVI", "NODES"));
+}
+
+void EchoCard(const BoundaryReader& reader) {
+    static const Format row("(6X,I8,5I12,4X,4I8)");
+    Write(reader.run.units.listing, row, reader.card.NE, ConstIntArray(reader.carried, kSurfaceFields),
+          ConstIntArray(reader.card.nodes, CornersOf(reader.family)));
+}
+
+// --- one group ----------------------------------------------------------------------------------------------------
+
+// (Under ITOR 3 LMAX is tested once more ahead of the block, which tells nothing new.) The block is written at once, so
+// it is tested itself, too.
+void TakeSurfaceBlock(Run& run, ElementGroup& group, Word recordWords) {
+    StopIfInputOverflows(run);
+    group.LNSURF = TakeWords(run.A, "surface record numbers", group.NET);
+    group.LISURF = TakeWords(run.A, "surface records", recordWords * group.NET);
+    StopIfInputOverflows(run);
+    ClearWords(run.A, group.LNSURF, run.A.LMAX - 1);
+}
+
+void StoreSide(BoundaryReader& reader) {
+    const SurfaceCard& card = reader.card;
+    RequireIndex(reader.run.deck, reader.family.card.group, "NE", card.NE, reader.group.NET);
+    const int side = FindSide(reader);
+    if (side == 0)
+        StopOnSide(reader);
+    std::int32_t& record = reader.NSURF(card.NE);
+    if (record == 0)
+        record = ++reader.records;
+    CarryFields(reader);
+    RequireCurves(reader);
+    const Word sides = 2 * Word{reader.family.dimension};
+    const Word first = kSurfaceFields * (sides * (record - 1) + side - 1) + 1;
+    Copy<std::int32_t>(ConstIntArray(reader.carried, kSurfaceFields),
+                       Section(reader.ISURF, first, kSurfaceFields));
+}
+
+void ReadBoundary(Run& run, ElementGroup& group, const BoundaryFamily& family) {
+    const Word recordWords = Word{kSurfaceFields} * 2 * family.dimension;
+    TakeSurfaceBlock(run, group, recordWords);
+    BoundaryReader reader{run,
+                          group,
+                          family,
+                          Connectivity(run, group),
+                          SurfaceRecordNumbers(run, group),
+                          IntSection(run.A, group.LISURF, recordWords * group.NET)};
+    const bool echo = EchoInput(run);
+    if (echo)
+        EchoHead(run, group);
+    for (;;) {
+        ReadCardFields(run.deck, run.control.header.INDFOR, family.card, &reader.card);
+        if (reader.card.NE == 0)
+            break;
+        StoreSide(reader);
+        if (echo)
+            EchoCard(reader);
+    }
+    group.surfaceRecords = reader.records;
+}
+
+} // namespace
+
+const CardLayout kSurfaceCard1D = Layout("1D surface card", kFields1D.data(), kCardFields);
+const CardLayout kSurfaceCard2D = Layout("2D surface card", kFields2D.data(), kCardFields);
+const CardLayout kSurfaceCard3D = Layout("3D surface card", kFields3D.data(), kCardFields);
+
+void ReadSurfaceData(Run& run) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        ElementGroup& group = run.groups[NGE];
+        ReadBoundary(run, group, FamilyOf(group));
+        if (group.surfaceRecords > 0 && group.NETIP != 2)
+            WriteNote("group " + std::to_string(NGE) +
+                      ": surface records act in 2D groups alone, those of this group have no effect");
+        if (group.surfaceRecords > 0 && group.NETIP == 2 && group.INDAX != 0)
+            WriteNote(
+                "group " + std::to_string(NGE) +
+                ": surface terms of axisymmetric groups take x as their radius, volumes take y: those on the "
+                "mantle of a body along x come out with the wrong one");
+    }
+}
+
+} // namespace zurt

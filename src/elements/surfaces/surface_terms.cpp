@@ -1,0 +1,273 @@
+#include "elements/surfaces/surface_terms.h"
+
+#include "core/format.h"
+#include "core/stop.h"
+#include "geometry/gauss_rules.h"
+#include "geometry/jacobian_failure.h"
+#include "model/curve_lookup.h"
+
+namespace zurt {
+
+namespace {
+
+// --- curves -------------------------------------------------------------------------------------------------------
+
+struct CurveWords {
+    const char* serbianCurve;
+    const char* englishCurve;
+    bool ofTime;
+};
+
+constexpr CurveWords kFluxWords = {
+    "KRIVA POVRSINSKI FLUKS - VREME,  BR. =", "CURVE SURFACE FLUX - TIME,  No. =", true};
+constexpr CurveWords kEnvironmentWords = {
+    "KRIVA TEMPERATURA OKOLINE - VREME,  BR. =", "CURVE ENVIRONMENT TEMPERATURE - TIME,  No. =", true};
+constexpr CurveWords kConvectionWords = {"KRIVA KOEFICIJENT KONVEKCIJE - TEMPERATURA,  BR. =",
+                                         "CURVE CONVECTION COEFICIENT - TEMPERATURE,  No. =", false};
+constexpr CurveWords kEmissivityWords = {"KRIVA KOEFICIJENT RADIJACIJE - TEMPERATURA,  BR. =",
+                                         "CURVE RADIATION COEFICIENT - TEMPERATURE,  No. =", false};
+
+[[noreturn]] void StopOnCurveRange(Run& run, const CurveWords& words, std::int32_t curve, double argument) {
+    TextUnit& unit = BeginMessage(run);
+    Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
+    Write(unit, "(1X,A,I5)", Say(run, words.serbianCurve, words.englishCurve), curve);
+    Write(unit, "(1X,A,1PE12.4)",
+          words.ofTime ? Say(run, "ARGUMENT VREME, VREME =", "ARGUMENT TIME, TIME =")
+                       : Say(run, "ARGUMENT TEMPERATURA, TEMP =", "ARGUMENT TEMPERATURE, TEMP ="),
+          argument);
+    StopRun(unit);
+}
+
+// At the exact end of the curve `value` stays as it is.
+void EvaluateCurve(Run& run, const FunctionTable& table, const CurveWords& words, std::int32_t curve,
+                   double argument, double& value) {
+    std::int32_t points = 0;
+    if (CurveLookup(table.pairs, table.points, curve, argument, value, points) != 0)
+        StopOnCurveRange(run, words, curve, argument);
+}
+
+// --- one side -----------------------------------------------------------------------------------------------------
+
+template <int Dimension> struct SurfaceVisit {
+    Run& run;
+    const ElementGroup& group;
+    HeldCurveValues& held;
+    const SurfaceTables& tables;
+    Word n; // the element
+    const ActiveNodes& active;
+    const ElementNodes<Dimension>& element;
+};
+
+// The curve numbers of a side, 0 none.
+struct SideCurves {
+    std::int32_t flux, convection, environment, emissivity;
+};
+
+// Packed matrices apart from the conduction matrix until all sides are summed.
+template <int Dimension> struct SideSums {
+    static constexpr int kLength = kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2;
+    double convection[kLength] = {};
+    double radiation[kLength] = {};
+    bool hasConvection = false, hasRadiation = false;
+};
+
+template <int Dimension> struct SidePoint {
+    double place[3] = {}; // r, s, t
+    double w = 1.0;       // weight times surface scale
+    ShapeValues<Dimension> shape;
+};
+
+// Shape functions at the point, and its weight times the surface scale. An end of a line has no extent to scale by. Edges
+// of axisymmetric elements take as radius the first coordinate, while the areas of these elements take the second.
+template <int Dimension>
+void EvaluatePoint(const SurfaceVisit<Dimension>& visit, int KFIX, SidePoint<Dimension>& point) {
+    [[maybe_unused]] const std::int32_t number = static_cast<std::int32_t>(visit.n);
+    [[maybe_unused]] const std::int32_t Language = visit.run.job.Language;
+    const double r = point.place[0];
+    [[maybe_unused]] const double s = point.place[1], t = point.place[2];
+    if constexpr (Dimension == 1) {
+        ShapeFunctions1D(r, visit.active, point.shape);
+    } else {
+        JacobianValues<Dimension> jacobian;
+        if constexpr (Dimension == 2) {
+            if (!ShapeAndJacobian2D(r, s, KFIX, visit.active, visit.element.CORE, point.shape, jacobian))
+                StopOnJacobian2D(MessageUnit(visit.run), Language, number, r, s, jacobian.DETS);
+        } else {
+            const std::int32_t NDS = visit.run.control.header.NDS;
+            if (!ShapeAndJacobian3D(r, s, t, KFIX, NDS, visit.active, visit.element.CORE, point.shape,
+                                    jacobian))
+                StopOnJacobian3D(MessageUnit(visit.run), Language, number, KFIX, r, s, t, jacobian.DETS);
+        }
+        point.w *= jacobian.DETS;
+        if (Dimension == 2 && visit.group.INDAX != 0) {
+            double radius = 0.0;
+            for (int i = 0; i < visit.active.ND; ++i)
+                radius += point.shape.H[i] * visit.element.CORE[0][i];
+            point.w *= radius;
+        }
+    }
+}
+
+// Values that hold for the whole side. A convection or emissivity curve of one point needs no concentration.
+template <int Dimension> void EvaluateSide(const SurfaceVisit<Dimension>& visit, const SideCurves& curves) {
+    Run& run = visit.run;
+    const SurfaceTables& tables = visit.tables;
+    HeldCurveValues& held = visit.held;
+    if (curves.convection > 0 && tables.convection.points(curves.convection) < 2)
+        EvaluateCurve(run, tables.convection, kConvectionWords, curves.convection, 0.0, held.HC);
+    if (curves.emissivity > 0 && tables.emissivity.points(curves.emissivity) < 2)
+        EvaluateCurve(run, tables.emissivity, kEmissivityWords, curves.emissivity, 0.0, held.EM);
+    if (curves.flux > 0)
+        EvaluateCurve(run, tables.flux, kFluxWords, curves.flux, tables.TIME, held.QS);
+    if (curves.environment > 0)
+        EvaluateCurve(run, tables.environment, kEnvironmentWords, curves.environment, tables.TIME, held.TE);
+}
+
+// HC and EM at the surface value TS, from curves of more than one point.
+template <int Dimension>
+void EvaluateAtSurface(const SurfaceVisit<Dimension>& visit, const SideCurves& curves, double TS) {
+    const SurfaceTables& tables = visit.tables;
+    if (curves.convection > 0 && tables.convection.points(curves.convection) > 1)
+        EvaluateCurve(visit.run, tables.convection, kConvectionWords, curves.convection, TS, visit.held.HC);
+    if (curves.emissivity > 0 && tables.emissivity.points(curves.emissivity) > 1)
+        EvaluateCurve(visit.run, tables.emissivity, kEmissivityWords, curves.emissivity, TS, visit.held.EM);
+}
+
+// The shape factor has the number of the emissivity curve, not that of the field named after it.
+double ShapeFactor(const SurfaceTables& tables, const SideCurves& curves) {
+    return tables.shapeFactors.length == 0 ? 1.0 : tables.shapeFactors(curves.emissivity);
+}
+
+template <int Dimension>
+void AddPoint(const SurfaceVisit<Dimension>& visit, const SideCurves& curves,
+              const SidePoint<Dimension>& point, SideSums<Dimension>& sums, RealArray FE) {
+    const SurfaceTables& tables = visit.tables;
+    HeldCurveValues& held = visit.held;
+    const double* N = point.shape.H;
+    const double* TE1 = visit.element.TE1;
+    const int ND = visit.active.ND;
+    double TS = 0.0;
+    if (tables.nonlinear) {
+        for (int i = 0; i < ND; ++i)
+            TS += N[i] * TE1[i];
+        EvaluateAtSurface(visit, curves, TS);
+    }
+    const double TE = held.TE;
+    const double FQ = held.QS * point.w;
+    const double FH = held.HC * point.w;
+    if (curves.environment != 0 && curves.emissivity != 0)
+        held.FR =
+            held.EM * tables.SBC * point.w * ShapeFactor(tables, curves) * (TS * TS + TE * TE) * (TS + TE);
+    const double FR = held.FR; // without an environment that of the point before
+    double S = 0.0;
+    for (int i = 0; i < ND; ++i)
+        S += N[i] * (tables.nonlinear ? TE - TE1[i] : TE);
+
+    const bool radiation = tables.nonlinear && curves.emissivity != 0;
+    for (int i = 0, entry = 0; i < ND; ++i) {
+        for (int j = i; j < ND; ++j, ++entry) {
+            if (radiation)
+                sums.radiation[entry] += N[i] * N[j] * FR;
+            if (curves.convection != 0)
+                sums.convection[entry] += N[i] * N[j] * FH;
+        }
+        if (radiation)
+            FE(i + 1) += N[i] * FR * S;
+        if (curves.convection != 0)
+            FE(i + 1) += N[i] * FH * S;
+        if (curves.flux != 0)
+            FE(i + 1) += FQ * N[i];
+    }
+}
+
+// The points of a side: natural direction `fixed` (from 0) is held at `end`, the others run in ascending order.
+template <int Dimension>
+void SumOverSide(const SurfaceVisit<Dimension>& visit, const SideCurves& curves, int fixed, double end,
+                 SideSums<Dimension>& sums, RealArray FE) {
+    const int a = fixed == 0 ? 1 : 0, b = fixed == 2 ? 1 : 2;
+    const std::int32_t* NGAUS = visit.group.NGAUS;
+    const std::int32_t orderA = Dimension > 1 ? NGAUS[a] : 1, orderB = Dimension > 2 ? NGAUS[b] : 1;
+    for (std::int32_t i = 1; i <= orderA; ++i)
+        for (std::int32_t j = 1; j <= orderB; ++j) {
+            SidePoint<Dimension> point;
+            point.place[fixed] = end;
+            if (Dimension > 1) {
+                point.place[a] = XG(orderA, i);
+                point.w = WGT(orderA, i);
+            }
+            if (Dimension > 2) {
+                point.place[b] = XG(orderB, j);
+                point.w *= WGT(orderB, j);
+            }
+            EvaluatePoint(visit, fixed + 1, point);
+            AddPoint(visit, curves, point, sums, FE);
+        }
+}
+
+template <int Dimension> SideCurves CurvesOf(const SurfaceTables& tables, Word record, int side) {
+    const auto field = [&](SurfaceField f) { return tables.ISURF(kSurfaceFields * (side - 1) + f, record); };
+    return {field(kFluxCurve), field(kConvectionCurve), field(kEnvironmentCurve), field(kEmissivityCurve)};
+}
+
+void AddMatrix(const double* matrix, RealArray K) {
+    for (Word entry = 1; entry <= K.length; ++entry)
+        K(entry) += matrix[entry - 1];
+}
+
+} // namespace
+
+template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group) {
+    const CurveCounts& counts = run.control.counts;
+    SurfaceTables tables;
+    tables.present = counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0;
+    if (!tables.present)
+        return tables;
+    tables.NSURF = SurfaceRecordNumbers(run, group);
+    tables.ISURF = SurfaceRecords<Dimension>(run, group);
+    tables.flux = FluxFunctions(run);
+    tables.convection = ConvectionFunctions(run);
+    tables.environment = EnvironmentFunctions(run);
+    tables.emissivity = RadiationFunctions(run);
+    if (counts.NHR != 0)
+        tables.shapeFactors = ShapeFactors(run);
+    tables.SBC = counts.SBC;
+    tables.TIME = run.clock.TIME;
+    tables.nonlinear = run.job.NonlinearFlag == 1;
+    return tables;
+}
+
+template <int Dimension>
+void SurfaceTerms(Run& run, ElementGroup& group, const SurfaceTables& tables, Word n,
+                  const ActiveNodes& active, const ElementNodes<Dimension>& element, RealArray K,
+                  RealArray FE) {
+    const std::int32_t record = tables.present ? tables.NSURF(n) : 0;
+    if (record == 0)
+        return;
+    const SurfaceVisit<Dimension> visit{run, group, group.held, tables, n, active, element};
+    SideSums<Dimension> sums;
+    for (int side = 1; side <= kSides<Dimension>; ++side) {
+        const SideCurves curves = CurvesOf<Dimension>(tables, record, side);
+        if (curves.flux == 0 && curves.convection == 0 && curves.environment == 0 && curves.emissivity == 0)
+            continue;
+        sums.hasConvection = sums.hasConvection || curves.convection != 0;
+        sums.hasRadiation = sums.hasRadiation || (tables.nonlinear && curves.emissivity != 0);
+        EvaluateSide(visit, curves);
+        SumOverSide(visit, curves, (side - 1) / 2, side % 2 == 1 ? 1.0 : -1.0, sums, FE);
+    }
+    if (sums.hasConvection)
+        AddMatrix(sums.convection, K);
+    if (sums.hasRadiation)
+        AddMatrix(sums.radiation, K);
+}
+
+#define ZURT_INSTANTIATE(DIMENSION)                                                                          \
+    template SurfaceTables SurfaceTablesOf<DIMENSION>(const Run&, const ElementGroup&);                      \
+    template void SurfaceTerms<DIMENSION>(Run&, ElementGroup&, const SurfaceTables&, Word,                   \
+                                          const ActiveNodes&, const ElementNodes<DIMENSION>&, RealArray,     \
+                                          RealArray);
+ZURT_INSTANTIATE(1)
+ZURT_INSTANTIATE(2)
+ZURT_INSTANTIATE(3)
+#undef ZURT_INSTANTIATE
+
+} // namespace zurt

@@ -1,0 +1,88 @@
+#include "geometry/gather.h"
+
+namespace zurt {
+
+namespace {
+
+// The first match wins.
+bool FindPrescribed(const NodalViews& views, std::int32_t node, double& TE1, double& TE0) {
+    for (Word i = 1; i <= views.prescribedNodes.length; ++i) {
+        if (views.prescribedNodes(i) != node)
+            continue;
+        if (views.solutionRead) {
+            TE1 = views.prescribedEnd(i);
+            TE0 = views.prescribedStart(i);
+        }
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+NodalViews NodalViewsOf(const Run& run) {
+    const Pointers& at = run.control.at;
+    const Word NZADC = run.control.counts.NZADC;
+    NodalViews views;
+    views.ID = EquationNumbers(run);
+    views.X = CoordinateColumn(run, 1);
+    views.Y = CoordinateColumn(run, 2);
+    views.Z = CoordinateColumn(run, 3);
+    views.T = StepSolution(run);
+    views.T0 = StepStart(run);
+    views.outletStart = run.clock.OutletStart;
+    views.outletEnd = run.control.outlet.OutletEnd;
+    views.byPrescribedValue = run.control.counts.GatherByPrescribedValue != 0;
+    const bool transient =
+        views.byPrescribedValue ? run.control.header.NSTAC != 0 : run.control.header.NSTAC > 0;
+    views.solutionRead = transient || run.job.NonlinearFlag == 1;
+    views.nodeValues = NodeCardValues(run);
+    if (NZADC > 0) {
+        views.prescribedNodes = IntSection(run.A, at.LPRES, NZADC);
+        views.prescribedStart = RealSection(run.A, at.LZAD1, NZADC);
+        views.prescribedEnd = RealSection(run.A, at.LZAD2, NZADC);
+    }
+    return views;
+}
+
+void GatherNodeValue(const NodalViews& views, std::int32_t node, double& TE1, double& TE0) {
+    TE1 = 0.0;
+    TE0 = 0.0;
+    const std::int32_t equation = views.ID(node);
+    if (views.byPrescribedValue) {
+        if (equation < 1)
+            TE1 = TE0 = views.nodeValues(node);
+    } else {
+        if (views.prescribedNodes.length > 0 && FindPrescribed(views, node, TE1, TE0))
+            return;
+        if (equation == 0) {
+            TE1 = views.outletEnd;
+            TE0 = views.outletStart;
+        }
+    }
+    if (equation > 0 && views.solutionRead) {
+        TE1 = views.T(equation);
+        TE0 = views.T0(equation);
+    }
+}
+
+template <int Dimension>
+void GatherElement(const NodalViews& views, ConstIntTable NEL, Word n, const ActiveNodes& active,
+                   ElementNodes<Dimension>& element) {
+    constexpr int corners = kCorners<Dimension>;
+    for (int k = 0; k < active.ND; ++k) {
+        const std::int32_t node = NEL(n, k < corners ? k + 1 : active.midSide[k - corners]);
+        element.node[k] = node;
+        element.LM[k] = views.ID(node);
+        element.CORE[0][k] = views.X(node);
+        element.CORE[1][k] = views.Y(node);
+        element.CORE[2][k] = views.Z(node);
+        GatherNodeValue(views, node, element.TE1[k], element.TE0[k]);
+    }
+}
+
+template void GatherElement<1>(const NodalViews&, ConstIntTable, Word, const ActiveNodes&, ElementNodes<1>&);
+template void GatherElement<2>(const NodalViews&, ConstIntTable, Word, const ActiveNodes&, ElementNodes<2>&);
+template void GatherElement<3>(const NodalViews&, ConstIntTable, Word, const ActiveNodes&, ElementNodes<3>&);
+
+} // namespace zurt

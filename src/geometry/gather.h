@@ -1,0 +1,48 @@
+// Nodal data of one element: equation numbers, coordinates and values of its active nodes in compressed order.
+//
+// Values are concentrations in the deck's unit, coordinates lengths in the mesh's unit. Called for every element by the
+// element loops; the views are made once per visit of a group.
+#pragma once
+
+#include "geometry/jacobian.h"
+#include "run/run.h"
+
+namespace zurt {
+
+/// The nodal arrays that elements read, and how a node without an equation gets its value.
+struct NodalViews {
+    ConstIntArray ID;               // 1..NP
+    ConstRealArray X, Y, Z;         // 1..NP
+    ConstRealArray T, T0;           // 1..JEDN: current iterate, start of the step
+    bool solutionRead = false;      // the problem is transient or iterates
+    double outletStart = 0.0;       // value of a node without an equation at the start of the step
+    double outletEnd = 0.0;         // and at its end
+    ConstIntArray prescribedNodes;  // 1..NZADC
+    ConstRealArray prescribedStart; // 1..NZADC
+    ConstRealArray prescribedEnd;   // 1..NZADC
+    bool byPrescribedValue = false; // the second form: nodes without an equation take the value of their card
+    ConstRealArray nodeValues;      // 1..NP
+};
+
+NodalViews NodalViewsOf(const Run& run);
+
+/// Column k (from 0) belongs to the element's node k + 1 in compressed order. (The increment of the step has no entry:
+/// no term reads it.)
+template <int Dimension> struct ElementNodes {
+    NodeCoordinates<Dimension> CORE;
+    double TE1[kMaxNodes<Dimension>];        // current iterate
+    double TE0[kMaxNodes<Dimension>];        // start of the step
+    std::int32_t LM[kMaxNodes<Dimension>];   // equation numbers
+    std::int32_t node[kMaxNodes<Dimension>]; // node numbers
+};
+
+/// Current and start value of one node. A node in the list of prescribed values takes them from there, a node with an
+/// equation from the solution, one with equation number 0 from the outlet pair; a negative number leaves zeros.
+void GatherNodeValue(const NodalViews& views, std::int32_t node, double& TE1, double& TE0);
+
+/// Gathers the `active` nodes of element n from its row of NEL (1..NET, 1..NDMAX); all of them lie in 1..NP.
+template <int Dimension>
+void GatherElement(const NodalViews& views, ConstIntTable NEL, Word n, const ActiveNodes& active,
+                   ElementNodes<Dimension>& element);
+
+} // namespace zurt

@@ -1,0 +1,25 @@
+// Names of the files of a run, and the check that no two of them are one file.
+#pragma once
+
+#include "run/run.h"
+
+#include <string>
+
+namespace zurt {
+
+/// Name of the table of masses of direction 1, 2 or 3, of MESSAGES.LST and of ZITEMP, in the run's folder.
+std::string MassFileName(const Units& units, std::int32_t direction);
+std::string MessagesName(const Units& units);
+std::string StepArchiveName(const Units& units);
+
+/// True for two names of one plain file: by device and inode where both exist (links count), else by their paths.
+bool AreOneFile(const std::string& name, const std::string& other);
+
+/// Ends the run with a library error when `name`, to be written, is the deck, the open listing, or one of the files with
+/// fixed names.
+void RequireUnused(const Run& run, const std::string& name);
+
+/// The same for the files with fixed names themselves: none may be the deck, nor may two of them be one.
+void RequireDistinctFixedFiles(const Run& run);
+
+} // namespace zurt

@@ -1,0 +1,36 @@
+// The files that a run opens, and the console dialogue for their names. A job on the command line takes the names that the
+// dialogue offers, in its folder.
+//
+// In the dialogue a name is the first 20 characters of a console line; a blank answer takes the default. The end of the console input
+// and a file that can't be opened end the run as library errors.
+#pragma once
+
+#include "run/job_settings.h"
+#include "run/run.h"
+
+namespace zurt {
+
+/// Asks for the deck's name, derives the default names of listing and graphics file, opens the deck and the work files
+/// ("ZITEMP" and two scratch files).
+void OpenInputDeck(Run& run);
+
+/// The same for a job on the command line: nothing is asked. Makes the folder of the outputs; an output that is the deck,
+/// and without `force` one that exists, is a library error, before anything is written.
+void OpenNamedDeck(Run& run, const JobSettings& settings);
+
+/// Asks for the listing's name, with the overwrite question for a file that exists, and opens unit 3.
+void OpenListing(Run& run);
+
+/// The same for the graphics file, unit 18.
+void OpenGraphics(Run& run);
+
+/// Connects MESSAGES.LST (once a run; later problems go on in it) and writes a record of six blanks.
+void OpenMessages(Run& run);
+
+/// Flushes every text unit.
+void FlushUnits(Run& run);
+
+/// After a "STOP" card: closes deck, listing and graphics file.
+void CloseUnits(Run& run);
+
+} // namespace zurt

@@ -1,0 +1,82 @@
+#include "run/process.h"
+
+#include "run/job_settings.h"
+
+#include <csignal>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <pthread.h>
+#include <unistd.h>
+
+namespace zurt {
+
+namespace {
+
+// The shape tables of one element visit take a quarter of a megabyte.
+constexpr std::size_t kStackSize = std::size_t{16} << 20;
+
+// Open only for what the stream is not used for, so that its use fails; messages go nowhere.
+void OpenMissingStream(int descriptor, int flags) {
+    if (fcntl(descriptor, F_GETFD) != -1)
+        return;
+    const int opened = open("/dev/null", flags);
+    if (opened >= 0 && opened != descriptor) {
+        dup2(opened, descriptor);
+        close(opened);
+    }
+}
+
+struct Job {
+    int (*run)(void* argument);
+    void* argument;
+    int status;
+};
+
+volatile std::sig_atomic_t jobIsRunning = 0;
+
+// A library that can't go on (the sparse solver without memory) ends the process where it stands, perhaps with status 0.
+void FailWithinJob() {
+    if (jobIsRunning == 0)
+        return;
+    std::fflush(nullptr);
+    std::fputs(
+        "zurt: error: a library has ended the process; what it says stands above, if it says anything\n",
+        stderr);
+    _exit(kFailed);
+}
+
+void* RunJob(void* pointer) {
+    Job& job = *static_cast<Job*>(pointer);
+    jobIsRunning = 1;
+    job.status = job.run(job.argument);
+    jobIsRunning = 0;
+    return nullptr;
+}
+
+} // namespace
+
+void PrepareProcess() {
+    OpenMissingStream(STDIN_FILENO, O_WRONLY);
+    OpenMissingStream(STDOUT_FILENO, O_RDONLY);
+    OpenMissingStream(STDERR_FILENO, O_WRONLY);
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+int RunOnOwnStack(int (*job)(void* argument), void* argument) {
+    std::atexit(FailWithinJob);
+    Job work{job, argument, 0};
+    pthread_attr_t attributes;
+    pthread_t thread;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, kStackSize);
+    if (pthread_create(&thread, &attributes, RunJob, &work) != 0)
+        return job(argument);
+    pthread_attr_destroy(&attributes);
+    pthread_join(thread, nullptr);
+    return work.status;
+}
+
+} // namespace zurt

@@ -1,0 +1,34 @@
+// The files of a run, under the numbers that the program's documentation gives them.
+#pragma once
+
+#include "core/text_unit.h"
+
+#include <cstdio>
+
+namespace zurt {
+
+/// Name fields take this many characters from the console.
+constexpr int kNameLength = 20;
+
+struct Units {
+    TextUnit listing;                  // 3
+    TextUnit console;                  // 6
+    TextUnit graphics;                 // 18
+    TextUnit massX;                    // 57
+    TextUnit massY;                    // 0: no number is ever assigned to it
+    TextUnit massZ;                    // 59
+    bool massTables = false;           // a fit or the direct calculation has written to these three
+    TextUnit messages;                 // 62, MESSAGES.LST
+    std::FILE* consoleInput = nullptr; // 5
+    std::FILE* scratch15 = nullptr;    // opened, never used
+    std::FILE* restart19 = nullptr;    // "ZITEMP": opened, never written, never read
+    std::FILE* stepFile = nullptr;     // 20, scratch
+    std::int32_t ListingOpen = 0, GraphicsOpen = 0; // 1 once the deck asked for them
+    bool dialogue = true; // names of outputs are asked for; else the defaults are taken
+    std::string
+        Folder; // of the files with fixed names and of the defaults, with its stroke; empty: the current one
+    std::string DefaultListingName;
+    std::string DefaultGraphicsName;
+};
+
+} // namespace zurt

@@ -1,0 +1,133 @@
+#include "input/deck.h"
+#include "support/expect_stop.h"
+
+#include "support/small_run.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace zurt {
+namespace {
+
+using zurt_test::SmallRun;
+
+std::string NextCard(Deck& deck, std::int32_t INDFOR) {
+    CardBuffer card;
+    ReadCard(deck, INDFOR, "Sample card", card);
+    return std::string(Image(card));
+}
+
+std::string Padded(std::string text) {
+    text.resize(kCardLength, ' ');
+    return text;
+}
+
+// Faults: a small c, a C with another letter or a C in column 2 taken for a comment; a lone C, which the blanks of the
+// image follow, taken for data; comments left out of the count; a byte order mark that hides the first C.
+TEST(Deck, CommentsBeginWithOneOfThreePairsExactly) {
+    SmallRun small("\xEF\xBB\xBF"
+                   "C a comment\nC*\nC---\nC\nCX title\nc small\n C shifted\nC\ttab\nC\r\nlast\n");
+    Deck& deck = small.deck;
+    EXPECT_EQ(NextCard(deck, 2), Padded("CX title"));
+    EXPECT_EQ(deck.CardCounter, 5);
+    EXPECT_EQ(NextCard(deck, 2), Padded("c small"));
+    EXPECT_EQ(NextCard(deck, 2), Padded(" C shifted"));
+    EXPECT_EQ(NextCard(deck, 2), Padded("C\ttab"));
+    EXPECT_EQ(NextCard(deck, 2), Padded("last"));
+    EXPECT_EQ(deck.CardCounter, 10);
+}
+
+// Faults: no step back under free format or an unknown indicator, a step back over the comments too, a count that
+// stands still or goes back with the step.
+TEST(Deck, StepsBackUnlessTheFormatIsFixed) {
+    for (const std::int32_t INDFOR : {1, 0, 3, -2}) {
+        SmallRun small("C comment\nfirst\nsecond\n");
+        Deck& deck = small.deck;
+        EXPECT_EQ(NextCard(deck, INDFOR), Padded("first")) << INDFOR;
+        EXPECT_EQ(deck.CardCounter, 2) << INDFOR;
+        EXPECT_EQ(NextCard(deck, INDFOR), Padded("first")) << INDFOR;
+        EXPECT_EQ(deck.CardCounter, 3) << INDFOR;
+        EXPECT_EQ(NextRecord(deck, "Sample card"), "first") << INDFOR;
+        EXPECT_EQ(NextCard(deck, 2), Padded("second")) << INDFOR;
+        EXPECT_EQ(deck.CardCounter, 4) << INDFOR;
+    }
+}
+
+// Faults: a card cut at 80 columns or not cut at all, remains of the card before behind a short one, a blank line passed
+// over, the other kind of line end left in the image, the last line lost for want of a line end.
+TEST(Deck, ImagesAreOf105CharactersWhateverTheLineEnds) {
+    const std::string line = std::string(104, 'x') + "yz";
+    SmallRun small(line + "\r\n\r\nshort\r\nlast");
+    Deck& deck = small.deck;
+    EXPECT_EQ(LineCount(deck), 4);
+    EXPECT_EQ(NextCard(deck, 2), line.substr(0, 105));
+    EXPECT_EQ(NextCard(deck, 2), Padded(""));
+    EXPECT_EQ(NextCard(deck, 2), Padded("short"));
+    EXPECT_EQ(NextCard(deck, 2), Padded("last"));
+}
+
+// Faults: a crash or a status of 0 at the end of the deck, a report that does not say where and what was wanted.
+TEST(Deck, ItsEndIsReportedWithLineAndGroup) {
+    SmallRun small("only\nC comment\n");
+    NextCard(small.deck, 2);
+    EXPECT_LIBRARY_ERROR(NextCard(small.deck, 2),
+                         "zurt: error: deck .*/deck, line 2, Sample card: the deck ends here");
+    SmallRun empty("");
+    EXPECT_EQ(LineCount(empty.deck), 0);
+    EXPECT_LIBRARY_ERROR(NextCard(empty.deck, 1), "line 0, Sample card");
+}
+
+// Faults: a reader that waits for a card which no read consumes hangs for ever; a deck of many equal cards refused.
+TEST(Deck, TheSameCardForEverEndsTheRun) {
+    SmallRun small("stuck\n");
+    EXPECT_LIBRARY_ERROR(while (true) NextCard(small.deck, 3),
+                         "line 1, Sample card: the same card is presented again and again");
+    std::string deck;
+    for (int line = 0; line < 1100; ++line)
+        deck += "equal\n";
+    SmallRun many(deck);
+    for (int line = 0; line < 1000; ++line)
+        for (int time = 0; time < 1100; ++time)
+            NextCard(many.deck, time == 1099 ? 2 : 1);
+    EXPECT_EQ(many.deck.CardCounter, 1100000);
+}
+
+// Faults: bytes lost or doubled where the deck grows, or where one read ends and the next begins; a deck of unknown size
+// refused; a line in the middle not found again.
+TEST(Deck, LongDecksComeWholeFromAPipe) {
+    const std::string name = testing::TempDir() + "zurt_deck_pipe" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+    std::thread writer([&name] {
+        std::ofstream pipe(name);
+        for (int line = 1; line <= 400000; ++line)
+            pipe << line << '\n';
+    });
+    Deck deck;
+    OpenDeck(deck, name);
+    writer.join();
+    unlink(name.c_str());
+    for (int line = 1; line <= 400000; ++line)
+        ASSERT_EQ(NextRecord(deck, ""), std::to_string(line));
+    EXPECT_EQ(LineCount(deck), 400000);
+    for (const Word line : {399999, 2, 200000, 400000})
+        EXPECT_EQ(LineText(deck, line), std::to_string(line));
+}
+
+// Faults: bytes that upset a terminal, or a whole file, in an error report.
+TEST(Deck, ReportsShowAShortPrintableExcerpt) {
+    SmallRun small("\x1b[31m" + std::string(200, 'q') + "\n");
+    NextCard(small.deck, 2);
+    EXPECT_LIBRARY_ERROR(DeckError(small.deck, "Sample card", "FIELD",
+                                   "\x07"
+                                   "12",
+                                   "no number"),
+                         "field FIELD: \"\\.12\": no number\n  card: \\.\\[31mq+\\.\\.\\.\n$");
+}
+
+} // namespace
+} // namespace zurt

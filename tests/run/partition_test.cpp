@@ -1,0 +1,201 @@
+#include "run/partition.h"
+#include "support/expect_stop.h"
+
+#include "core/format.h"
+
+#include "support/small_run.h"
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace zurt {
+namespace {
+
+using zurt_test::SmallRun;
+using zurt_test::Written;
+using zurt_test::WrittenByStop;
+
+// Faults: a section of another size or in another place, the step list taken behind its room for counting, the gap of NP
+// words forgotten or cleared, nodal vectors not cleared, material tables taken under NDS, NWK kept in sparse mode.
+TEST(Partition, TransientDeviceProblemInSparseMode) {
+    SmallRun run;
+    Control& control = run.control;
+    const Pointers& at = control.at;
+    TakeWords(run.A, "what the problem before has left", 200);
+    Fill(RealSection(run.A, 1, 200), 7.0);
+    RestartWorkingVector(run.A);
+    control.header.NP = control.header.NPER = 2;
+    control.header.NDS = control.header.NMATT = control.header.NSTAC = control.header.IDIRECTD = 1;
+    control.header.ITOR = 2;
+    control.header.PotentialFunctionSize = 3;
+    control.counts.MAXPMAT = 4;
+    control.counts.MAXTC = 5;
+    run.sizes.SparseMode = 1;
+    TakePeriodTables(run);
+    EXPECT_EQ(run.A.LMAX, 7); // room for one step a period
+    control.counts.NDT = 5;
+    TakeStepList(run);
+    TakeNodeArrays(run);
+    TakeSharedNodeList(run, 2);
+    run.sizes.JEDN = 2;
+    TakeDiagonalPositions(run);
+    TakeDiffusionCurves(run);
+    TakeNanochannelVectors(run);
+    TakeFitColumn(run);
+    TakeFibreNodes(run);
+    TakeMaterialTables(run);
+    TakeSolutionVectors(run);
+    run.sizes.NWK = 1000;
+    TakeSolverVectors(run);
+    const std::vector<Word> places = {at.LNKDT,   at.LDTDT,   at.LDT,      at.LCORD,    at.LID,     at.LNODEV,
+                                      at.LPOT,    at.LDIRD,   at.LNDS[1],  at.LNDS[9],  at.LSUBS,   at.LMAXA,
+                                      at.LNPMAT,  at.LDCT,    at.LNANO[4], at.LNANO[5], at.LFIT,    at.LFIBN,
+                                      at.LMAT[1], at.LMAT[9], at.LSK,      at.LRHS,     run.A.LMAXM};
+    EXPECT_EQ(places, (std::vector<Word>{1,  3,  5,  10, 16, 18, 20, 23, 35, 51, 53, 55,
+                                         58, 59, 67, 73, 75, 79, 81, 81, 91, 91, 93}));
+    EXPECT_EQ(run.sizes.NWK, 0);
+    for (const Word stale : {34, 53}) // the gap and the shared nodes
+        EXPECT_EQ(run.A.words[stale - 1], 7.0);
+    for (const Word cleared : {35, 52, 57, 86})
+        EXPECT_EQ(run.A.words[cleared - 1], 0.0);
+}
+
+// Fault: no room for shared nodes under the ISUB4 that the problem before has left.
+TEST(Partition, SharedNodesAfterASubstructure) {
+    SmallRun run;
+    run.control.header.NP = 5;
+    run.job.LastISUB4 = 1;
+    TakeSharedNodeList(run, 0);
+    EXPECT_EQ(run.A.LMAX, 6);
+    TakeSharedNodeList(run, 2);
+    EXPECT_EQ(run.A.LMAX, 8);
+}
+
+// A problem of 4 nodes, 3 equations, one transient material, one source function; every count is run.
+void PrepareSmallProblem(Run& run) {
+    run.control.header.NP = 4;
+    run.control.header.NPER = 2;
+    run.control.header.NMATT = 1;
+    run.control.header.NSTAC = 1;
+    run.control.counts.NDT = 2;
+    run.sizes.JEDN = 3;
+    run.sizes.NWK = 6;
+    run.control.counts.MAXPMAT = 2;
+    run.control.counts.MAXTK = 1;
+    run.control.counts.MAXTC = 1;
+    run.control.counts.NQE = 1;
+    run.control.counts.MAXTQE = 1;
+}
+
+struct Step {
+    const char* name;
+    void (*take)(Run&);
+    bool fullIsRefused; // where a section that leaves no free word is refused already
+};
+
+const Step kSteps[] = {
+    {"period tables", TakePeriodTables, false},
+    {"step list", TakeStepList, false},
+    {"node arrays", TakeNodeArrays, true},
+    {"MAXA", TakeDiagonalPositions, false},
+    {"diffusion curves", TakeDiffusionCurves, false},
+    {"material tables", TakeMaterialTables, false},
+    {"source functions",
+     [](Run& run) { TakeFunctionTable(run, "LQE", 1, 1, run.control.at.LQE1, run.control.at.LQE2); }, false},
+    {"solution vectors", TakeSolutionVectors, false},
+};
+
+// Takes the steps up to number `last` in a working vector of `size` words; returns LMAX behind them.
+Word TakeUpTo(SmallRun& run, std::size_t last) {
+    PrepareSmallProblem(run);
+    for (std::size_t k = 0; k <= last; ++k)
+        kSteps[k].take(run);
+    return run.A.LMAX;
+}
+
+// Faults: a test for overflow missing at its place, or one word too sharp or too lax there; another message; the node
+// arrays' second test forgotten, by which LMAX equal to NTOTA is refused.
+TEST(Partition, OverflowIsTestedAtItsPlaces) {
+    for (std::size_t k = 0; k < std::size(kSteps); ++k) {
+        SmallRun large;
+        const Word LMAX = TakeUpTo(large, k);
+        SmallRun fits("", kSteps[k].fullIsRefused ? LMAX + 1 : LMAX);
+        EXPECT_EQ(TakeUpTo(fits, k), LMAX) << kSteps[k].name;
+        EXPECT_EQ(Written(fits.units.listing), "") << kSteps[k].name;
+        for (const Word size : {fits.A.NTOTA - 1, Word{1}}) {
+            SmallRun tight("", size);
+            const std::string listing =
+                zurt_test::WrittenByStop(tight.units.listing, [&] { TakeUpTo(tight, k); });
+            SCOPED_TRACE(kSteps[k].name);
+            EXPECT_EQ(listing.substr(0, 67),
+                      " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA\n");
+            if (size > 1) {
+                EXPECT_EQ(listing.substr(67), FormatText("(' REQUIRED DIMENSION, LMAX =',I10/"
+                                                         "' AVAILABLE DIMENSION, NTOTA=',I10)",
+                                                         LMAX, size));
+            }
+        }
+    }
+}
+
+Word TakeSystem(SmallRun& small) {
+    PrepareSmallProblem(small);
+    TakeSolverVectors(small);
+    StopIfSystemOverflows(small);
+    return small.A.LMAXM;
+}
+
+// Faults: LMAXM equal to NTOTA refused, one more let through; MESSAGES.LST written without NDS or not under it.
+TEST(Partition, SystemMustFit) {
+    SmallRun large;
+    const Word LMAXM = TakeSystem(large);
+    EXPECT_EQ(LMAXM, 1 + 4 + 3 + 6 + 3);
+    SmallRun fits("", LMAXM);
+    EXPECT_EQ(TakeSystem(fits), LMAXM);
+    for (const std::int32_t NDS : {0, 2, -1}) {
+        SmallRun tight("", LMAXM - 1);
+        tight.control.header.NDS = NDS;
+        EXPECT_EQ(zurt_test::WrittenByStop(tight.units.listing, [&] { TakeSystem(tight); }),
+                  " UNSUFFICIENT DIMENSION OF WORKING VECTOR:\n"
+                  " REQUIRED DIMENSION LMAXM =        17\n"
+                  " AVAILABLE DIMENSION NTOT =        16\n");
+        EXPECT_EQ(Written(tight.units.messages),
+                  NDS <= 0 ? ""
+                           : " UNSUFFICIENT DIMENSION OF WORKING ARRAY:\n"
+                             " REQUIRED DIMENSION LMAXM =        17\n"
+                             " AVAILABLE DIMENSION NTOT =        16\n"
+                             "\n"
+                             " ** CONTACT THE SOFTWARE ZUR-T DEVELOPER TO INCREASE THE SIZE"
+                             " OF TH WORKING ARRAY\n"
+                             " ** OR USE COARSER MESH\n"
+                             "\n"
+                             "  PROGRAM STOPS\n");
+    }
+}
+
+// Faults: old contents lost or LMAX kept between problems; words given back that a later section still holds.
+TEST(WorkingVector, RestartsAndReleases) {
+    SmallRun small("", 20);
+    WorkingVector& A = small.A;
+    EXPECT_EQ(TakeWords(A, "first", 5), 1);
+    EXPECT_EQ(TakeWords(A, "none", -3), 6);
+    EXPECT_EQ(TakeWords(A, "second", 4), 6);
+    RealSection(A, 1, 5)(5) = 2.5;
+    IntSection(A, 6, 4)(3) = 77; // the low half of word 7
+    ReleaseFrom(A, 6);
+    EXPECT_EQ(A.LMAX, 6);
+    EXPECT_TRUE(WordsAvailable(A, 15));
+    EXPECT_FALSE(WordsAvailable(A, 16));
+    RestartWorkingVector(A);
+    EXPECT_EQ(TakeWords(A, "again", 9), 1);
+    EXPECT_EQ(RealSection(A, 1, 9)(5), 2.5);
+    EXPECT_EQ(IntSection(A, 6, 4)(3), 77);
+    EXPECT_LIBRARY_ERROR(RealSection(A, 20, 2), "outside it: word 20, length 2");
+    EXPECT_LIBRARY_ERROR(IntSection(A, 0, 1), "outside it");
+}
+
+} // namespace
+} // namespace zurt
