@@ -1,9 +1,12 @@
 #include "homogenization/fitted_curve.h"
 
+#include "core/stop.h"
 #include "microscale/correction_lookup.h"
 #include "microscale/direction_curves.h"
 #include "microscale/merged_tables.h"
 #include "model/material_tables.h"
+
+#include <string>
 
 namespace zurt {
 
@@ -18,6 +21,10 @@ FittedCurve FittedCurveOf(const Run& run) {
     curve.table = DiffusionTable(run);
     curve.material = run.control.header.NMATT;
     curve.points = DiffusionPoints(run)(curve.material);
+    if (curve.points < 1)
+        StopWithLibraryError("deck " + run.deck.name + ": material " + std::to_string(curve.material) +
+                             " (NMATT) has no diffusion curve, and that is the one which a fit or the "
+                             "equivalent medium changes");
     if (run.fit.card.NFIT == 1)
         curve.DBULK = RealSection(run.A, run.control.at.LFIT, run.control.counts.MAXPMAT);
     return curve;

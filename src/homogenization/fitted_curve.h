@@ -17,7 +17,8 @@ struct FittedCurve {
     ConstRealArray DBULK;      // 1..N
 };
 
-/// The curve of material NMATT; DBULK is the section that a fit has taken for it, empty without one.
+/// The curve of material NMATT; DBULK is the section that a fit has taken for it, empty without one. Ends the run with a
+/// library error when that material has no points.
 FittedCurve FittedCurveOf(const Run& run);
 
 inline double ConcentrationOf(const FittedCurve& curve, Word i) {

@@ -21,6 +21,7 @@ struct Finding {
 // Faults: a value without a meaning, a number that is none, an overflow or an empty result that passes in silence.
 TEST(Findings, EndAsTheyShould) {
     const Finding findings[] = {
+        {"memory_medium_without_curve", 2, "material 2 (NMATT) has no diffusion curve"},
         {"norm_overflow_1e155", 0, ""},
         {"norm_overflow_torsion", 0, ""},
         {"silent_ITOR2_stale_memory", 0, ""},
