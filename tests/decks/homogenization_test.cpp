@@ -85,10 +85,15 @@ TEST(Homogenization, MediumWithoutInfluenceHasTheBulkCoefficient) {
     grid.D[1] = 0.7;
     EXPECT_NEAR(Fitted(RunWell(grid).mass).at(0), 0.7, 0.7e-4);
     grid.IDIRECTD = 1;
-    const auto rows = RowsBelow(RunWell(grid).mass, " VALUES OF DIFFUSION", 2);
+    const std::string mass = RunWell(grid).mass;
+    const auto rows = RowsBelow(mass, " VALUES OF DIFFUSION", 2),
+               flows = RowsBelow(mass, " CHANGE OF MASS", 2);
     ASSERT_GE(rows.size(), 12U);
-    for (std::size_t step = 0; step < 12; ++step)
+    ASSERT_EQ(flows.size(), 12U) << "to the last step";
+    for (std::size_t step = 0; step < 12; ++step) {
         EXPECT_EQ(rows[step].at(2), 0.7) << step + 1;
+        EXPECT_EQ(flows[step].at(0), static_cast<double>(step + 1));
+    }
 }
 
 // References: series of Perrins, McKenzie and McPhedran (Proc. R. Soc. Lond. A 369, 1979). Along the flow the fluid alone
