@@ -212,9 +212,8 @@ void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
 // --- many numbers of one kind -------------------------------------------------------------------------------------
 
 template <typename Number>
-void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                     const char* descriptor, int perCard, ArrayView<Number> values) {
-    const FieldDescriptor form = Descriptor(descriptor);
+void ReadNumbers(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                 const FieldDescriptor& form, int perCard, ArrayView<Number> values) {
     if (INDFOR == 1) {
         ReadCardLine(deck, INDFOR, group);
         ListRead read{deck, group, {}};
@@ -262,14 +261,14 @@ void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, 
     ReadFieldsByColumns(deck, layout, line, static_cast<char*>(record));
 }
 
-void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                      const char* descriptor, int perCard, IntArray values) {
-    ReadNumberCards(deck, INDFOR, group, field, descriptor, perCard, values);
+void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                     const NumberDescriptor<std::int32_t>& descriptor, int perCard, IntArray values) {
+    ReadNumbers(deck, INDFOR, group, field, descriptor.form, perCard, values);
 }
 
-void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                   const char* descriptor, int perCard, RealArray values) {
-    ReadNumberCards(deck, INDFOR, group, field, descriptor, perCard, values);
+void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                     const NumberDescriptor<double>& descriptor, int perCard, RealArray values) {
+    ReadNumbers(deck, INDFOR, group, field, descriptor.form, perCard, values);
 }
 
 void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit) {

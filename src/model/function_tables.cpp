@@ -115,8 +115,8 @@ void ReadShapeFactors(Run& run) {
     StopIfInputOverflows(
         run); // the factors are written at once, the next test of the partition would come too late
     const RealArray factors = ShapeFactors(run);
-    ReadRealCards(run.deck, run.control.header.INDFOR, kShapeFactorCards.group, kShapeFactorFields[0].name,
-                  kShapeFactorDescriptor, kShapeFactorsPerCard, factors);
+    ReadNumberCards(run.deck, run.control.header.INDFOR, kShapeFactorCards.group, kShapeFactorFields[0].name,
+                    ZURT_DESCRIPTOR(double, kShapeFactorDescriptor), kShapeFactorsPerCard, factors);
     for (Word i = 1; i <= factors.length; ++i)
         CheckFieldValue(run.deck, kShapeFactorCards.group, kShapeFactorFields[0], factors(i));
     if (!EchoInput(run))
