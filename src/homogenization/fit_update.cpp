@@ -1,14 +1,11 @@
 #include "homogenization/fit_update.h"
 
+#include "core/widened_constants.h"
 #include <cmath>
 
 namespace zurt {
 
 namespace {
-
-// Single-precision literals, widened.
-constexpr double kLowestStep = -0.9900000095367432;   // -0.99
-constexpr double kAboveRadius = 0.009999999776482582; // 0.01
 
 constexpr double kFirstCurveStep = 5.0 * 0.01;
 constexpr double kGrowth = 5.0;

@@ -1,5 +1,7 @@
 #include "microscale/fibre_search.h"
 
+#include "core/widened_constants.h"
+
 #include <algorithm>
 #include <cmath>
 

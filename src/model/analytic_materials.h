@@ -2,7 +2,7 @@
 // number acts as 1.
 //
 // They belong to a fixed set of solids of the heat conduction days and are kept with their coefficients, some of which
-// are single precision decimals widened. Temperatures and results are in the units of those polynomials. Called by the
+// are single-precision numbers (core/widened_constants.h). Temperatures and results are in the units of those polynomials. Called by the
 // element passes at every integration point of a nonlinear problem whose material has no curve; kernels alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+#include "core/widened_constants.h"
 #include "microscale/gauss_factors.h"
 
 #include "microscale/direction_curves.h"

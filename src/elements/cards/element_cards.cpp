@@ -1,6 +1,7 @@
 #include "elements/cards/element_cards.h"
 
 #include "core/stop.h"
+#include "core/widened_constants.h"
 #include "geometry/group_views.h"
 #include "solver/assembly.h"
 
