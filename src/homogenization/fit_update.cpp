@@ -29,8 +29,8 @@ void TakeError(FitState& fit) {
     (fit.DMASS > 0.0 ? fit.SEENPOS : fit.SEENNEG) = 1;
 }
 
-// What both searches do at their second iteration. Returns true when this run counts as one of too much mass: so it does
-// as well when that sign was seen before.
+// What both searches do at their second iteration. Returns true when this run counts as one of too much mass: with DMASS
+// above 0, or when SEENPOS was set already.
 bool TakeFirstDifference(FitState& fit) {
     fit.ERRFIT = 1.0;
     fit.MASSREF = fit.MASSFIB;

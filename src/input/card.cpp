@@ -92,7 +92,7 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
     CheckReal(place, name, text, value);
 }
 
-// The check of every value, in line: most layouts have none to make, and nearly all values pass.
+// The check of every value, in line because most layouts have no limits and nearly all values lie within theirs.
 inline void CheckRange(Deck& deck, const CardLayout& layout, const CardField& field, double value) {
     if (layout.limited && (value < field.values.low || value > field.values.high))
         CheckFieldValue(deck, layout.group, field, value);
@@ -167,7 +167,7 @@ bool NextNumber(ListRead& read, const char* name, double& value) {
     return status != ListStatus::Ended;
 }
 
-// A remark behind the last field is the author's; a number there was meant to be read.
+// Text behind the last field is taken for a remark. A number there was probably meant for a field, so it gets a note.
 void NoteWhatIsLeft(ListRead& read) {
     const std::string_view record = read.scanner.record;
     std::size_t at = read.scanner.position;

@@ -23,7 +23,7 @@ inline bool FactorsOn(const FitState& fit) {
 void GaussFactorCached(const FibreModel& model, const GaussFibreRecord& record, bool factorsOn, double c,
                        double (&factor)[3]);
 
-/// The same from coordinates, by a visit of all fibres with endless lines (SearchOfAllSets with LineEnds::Endless): the
+/// Dormant: the same from coordinates, by a visit of all fibres with endless lines (SearchOfAllSets with LineEnds::Endless): the
 /// reference of the records.
 void GaussFactorDirect(const FibreModel& model, const FibreSearch& endless, const double (&X)[3],
                        bool factorsOn, double c, double (&factor)[3]);

@@ -10,7 +10,7 @@ namespace {
 constexpr std::int32_t kNodeColour = 8;
 constexpr std::int32_t kElementColour = 7;
 
-// Columns of the connectivity in the order of the file. Parabolic elements go round, corners and mid-sides in turn. Bricks
+// Columns of the connectivity in the order of the file. The nodes of parabolic elements go round, corners and mid-sides in turn. Bricks
 // begin with the face t = -1, whose normal points towards t = +1, and have the four upright edges in between.
 constexpr std::int32_t kLinearLine[2] = {1, 2};
 constexpr std::int32_t kParabolicLine[3] = {1, 3, 2};

@@ -63,7 +63,7 @@ const FamilyCards& QuadrilateralCards() {
         {"NGAU2X", "NGAU2Y", ""},
         "2D",
         {"   BROJ MATERIJALA ZA 2D ELEMENTE, MAT2D=", "   MATERIAL NUMBER FOR 2D ELEMENTS, MAT2D="},
-        // The message on one element says 3D here too.
+        // The message on one element says 3D in this family too.
         {"   BROJ MATERIJALA ZA 3D ELEMENT, NMAT=", "   MATERIAL NUMBER FOR 3D ELEMENT, NMAT="},
         kEcho,
         std::size(kEcho),

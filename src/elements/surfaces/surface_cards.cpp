@@ -172,8 +172,7 @@ void EchoCard(const BoundaryReader& reader) {
 
 // --- one group ----------------------------------------------------------------------------------------------------
 
-// (Under ITOR 3 LMAX is tested once more ahead of the block, which tells nothing new.) The block is written at once, so
-// it is tested itself, too.
+// The block is written to at once, so its overflow is tested here.
 void TakeSurfaceBlock(Run& run, ElementGroup& group, Word recordWords) {
     StopIfInputOverflows(run);
     group.LNSURF = TakeWords(run.A, "surface record numbers", group.NET);
