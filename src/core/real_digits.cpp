@@ -44,7 +44,7 @@ std::int64_t RoundScaled(const ScaledValue& scaled) {
     return up ? whole + 1 : whole;
 }
 
-/// The quick way, for values of ordinary size. False when `magnitude` is beyond it.
+/// The digits by one scaling to an integer. False for magnitudes and counts for which that is not exact enough.
 bool QuickDigits(double magnitude, int count, char* digits, int& power) {
     if (count > kQuickDigits || !(magnitude >= 1e-15 && magnitude < 1e30))
         return false;

@@ -20,7 +20,7 @@ namespace zurt {
 namespace {
 
 // Under an INDFOR other than 1 and 2 no read consumes a card, so a reader that waits for another card would never
-// end. No reader that ends asks for one card this often.
+// end. A reader that does end asks for one card far less often.
 constexpr Word kLargestRepeat = 100000;
 
 constexpr const char* kImageHint = "; some cards are always taken by columns, and under INDFOR 1 such a card "

@@ -20,7 +20,7 @@ constexpr std::int32_t kLinearBrick[8] = {5, 6, 7, 8, 1, 2, 3, 4};
 constexpr std::int32_t kParabolicBrick[20] = {5,  13, 6, 14, 7, 15, 8, 16, 17, 18,
                                               19, 20, 1, 9,  2, 10, 3, 11, 4,  12};
 
-// An element as the file knows it: the descriptor of dataset 71, its nodes and their order.
+// An element in the file: the descriptor of dataset 71, its nodes and their order.
 struct UnvShape {
     std::int32_t descriptor;
     std::int32_t count;

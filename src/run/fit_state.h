@@ -83,7 +83,7 @@ struct MassTables {
     std::vector<double> FLUXMICRO;       // flow by step 1..NDT at 0..NDT-1, in the model with fibres
     std::vector<double> FLUXEQUIV;       // and in the equivalent medium
     std::array<CrossSection, 4> section; // by direction 1..3
-    std::vector<double> nodalSums;       // 1..NP at 0..NP-1: residuals on hand
+    std::vector<double> nodalSums;       // 1..NP at 0..NP-1: work space for residuals
     std::vector<double>
         startValues; // 1..NP: initial concentration of every node, with an equation or without
 };
