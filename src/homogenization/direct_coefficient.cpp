@@ -3,7 +3,6 @@
 #include "core/format.h"
 #include "elements/forming/element_kernel.h"
 #include "elements/forming/element_visit.h"
-#include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
 #include "homogenization/recorded_pass.h"
@@ -76,13 +75,13 @@ template <int Dimension> void FindEnds(Run& run, ElementGroup& group, Domain& do
     }
 }
 
-// A point's part of the volume of its group, and of the group's area: the two differ by the radius in axisymmetric groups.
+// The measure of a point in volumes and its measure in areas: the two differ by the radius in axisymmetric groups.
 struct PointMeasures {
     double volume = 0.0, area = 0.0;
 };
 
-// By the divergence theorem the integral of a shape function's derivative along the axis is what the function has of the
-// two end faces: positive at the high one, negative at the low one. Along the radius the divergence has N / r beside it.
+// By the divergence theorem the volume integral of dN/dx along the axis is the integral of N over the high end face minus
+// that over the low one. Along the radius the divergence is dN/dr + N / r.
 template <int Dimension>
 void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementVisit<Dimension>& visit,
                  const ElementPoint<Dimension>& point, const PointMeasures& w, Domain& domain) {
@@ -123,7 +122,7 @@ template <int Dimension> double FluidShare(const ElementVisit<Dimension>& visit,
 }
 
 template <int Dimension>
-void AddPoint(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
+void AddPointToDomain(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
     const ElementPoint<Dimension>& point = visit.rule->point[p];
     const int ND = visit.points.active.ND;
     JacobianValues<Dimension> jacobian;
@@ -155,7 +154,7 @@ template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& do
             continue;
         const bool takesPart = TakesPart(visit, n);
         for (int p = 0; p < visit.rule->count; ++p)
-            AddPoint(visit, p, takesPart, domain);
+            AddPointToDomain(visit, p, takesPart, domain);
     }
 }
 

@@ -10,7 +10,7 @@ namespace {
 constexpr std::int32_t kNodeColour = 8;
 constexpr std::int32_t kElementColour = 7;
 
-// Columns of the connectivity in the order of the file. Parabolic elements go round, corners and mid-sides in turn. Bricks
+// Columns of the connectivity in the order of the file. The nodes of parabolic elements go round, corners and mid-sides in turn. Bricks
 // begin with the face t = -1, whose normal points towards t = +1, and have the four upright edges in between.
 constexpr std::int32_t kLinearLine[2] = {1, 2};
 constexpr std::int32_t kParabolicLine[3] = {1, 3, 2};
@@ -20,7 +20,7 @@ constexpr std::int32_t kLinearBrick[8] = {5, 6, 7, 8, 1, 2, 3, 4};
 constexpr std::int32_t kParabolicBrick[20] = {5,  13, 6, 14, 7, 15, 8, 16, 17, 18,
                                               19, 20, 1, 9,  2, 10, 3, 11, 4,  12};
 
-// An element as the file knows it: the descriptor of dataset 71, its nodes and their order.
+// An element in the file: the descriptor of dataset 71, its nodes and their order.
 struct UnvShape {
     std::int32_t descriptor;
     std::int32_t count;
