@@ -140,20 +140,17 @@ void TakeDiagonalPositions(Run& run) {
 
 void StopIfLayoutOverflows(Run& run) {
     const WorkingVector& A = run.A;
-    if (run.sizes.SparseMode == 1)
-        return; // MAXA is not formed
-    if (A.LMAX > A.NTOTA) {
-        TextUnit& unit = BeginMessage(run);
-        Write(unit, "(A)",
-              Say(run, "NEDOVOLJNA DIMENZIJA U VEKTORU A-ZA FORMIRANJE MAXA",
-                  " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR MAXA"));
-        const Format number(Say(run, "(A,I9)", "(A,I10)"));
-        Write(unit, number, Say(run, "POTREBNA DIMENZIJA , LMAX=", " REQUIRED DIMENSION, LMAX ="), A.LMAX);
-        Write(unit, number, Say(run, "RASPOLOZIVA DIMENZIJA , NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
-              A.NTOTA);
-        NoteSectionOutside(run);
-        StopRun(unit);
-    }
+    if (run.sizes.SparseMode == 1 || A.LMAX <= A.NTOTA)
+        return;
+    TextUnit& unit = BeginMessage(run);
+    Write(unit, "(A)",
+          Say(run, "NEDOVOLJNA DIMENZIJA U VEKTORU A-ZA FORMIRANJE MAXA",
+              " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR MAXA"));
+    const Format number(Say(run, "(A,I9)", "(A,I10)"));
+    Write(unit, number, Say(run, "POTREBNA DIMENZIJA , LMAX=", " REQUIRED DIMENSION, LMAX ="), A.LMAX);
+    Write(unit, number, Say(run, "RASPOLOZIVA DIMENZIJA , NTOTA=", " AVAILABLE DIMENSION, NTOTA="), A.NTOTA);
+    NoteSectionOutside(run);
+    StopRun(unit);
 }
 
 void MoveDiagonalPositions(Run& run, std::int32_t JEDN) {

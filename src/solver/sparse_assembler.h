@@ -1,10 +1,10 @@
 // Sparse assembler: sums the entries of the system matrix and delivers them as coordinate arrays in ascending (row,
 // column), the form that the sparse solver takes.
 //
-// The caller owns the tree. Rows and columns are one-based equation
-// numbers and are not symmetrised: (r, c) and (c, r) are two entries. The order of calls for one solve: SparseInit,
-// SparseZeroValues, any number of SparseAddElement, SparseNonzeroCount, SparseExtract, SparseKill. Verbosity 1 prints
-// a line on standard output; the run never asks for it.
+// The entries are in a tree that the caller owns. Rows and columns are one-based equation numbers and are not symmetrised:
+// (r, c) and (c, r) are two entries. The order of calls for one solve: SparseInit, SparseZeroValues, any number of
+// SparseAddElement, SparseNonzeroCount, SparseExtract, SparseKill. Verbosity 1 prints a line on standard output; the
+// run never asks for it.
 // Callers: solver/system_sparse, the sparse solver driver.
 #pragma once
 
@@ -14,7 +14,7 @@ namespace zurt {
 
 struct SparseTree;
 
-/// Makes the tree empty and keeps the flag. A tree that is still there is not freed.
+/// Makes the tree empty and keeps the flag. Nodes that are still there are not freed before SparseKill.
 void SparseInit(SparseTree& tree, std::int32_t symmetryFlag, std::int32_t verbosity);
 
 /// Sets every stored value to 0.0 and keeps the pattern.
