@@ -3,7 +3,7 @@
 //
 // Nothing in the program knows of it: the linker (--wrap, see CMakeLists.txt) leads calls of the functions below from
 // other files through here. Times exclude one another, but for "total" and "run".
-#include "elements/element_dispatch.h"
+#include "elements/element_phases.h"
 #include "homogenization/mass_monitor.h"
 #include "job/read_problem.h"
 #include "results/listing.h"
@@ -173,11 +173,12 @@ ZURT_WRAP(SkylineSolve, "_ZN4zurt12SkylineSolveENS_9ArrayViewIdEES1_NS0_IKiEEiii
     theClock.job.solves += mode == kSubstituteMode;
 }
 
-ZURT_WRAP(SolveSparseSystem, "_ZN4zurt17SolveSparseSystemENS_9ArrayViewIdEEiiRNS_8TextUnitES3_i",
-          (RealArray R, std::int32_t JEDN, std::int32_t reserved, TextUnit& console, TextUnit& listing,
-           std::int32_t flag)) {
+ZURT_WRAP(SolveSparseSystem,
+          "_ZN4zurt17SolveSparseSystemERNS_10SparseTreeENS_9ArrayViewIdEEiiRNS_8TextUnitES5_i",
+          (SparseTree & tree, RealArray R, std::int32_t JEDN, std::int32_t reserved, TextUnit& console,
+           TextUnit& listing, std::int32_t flag)) {
     const double start = Unbooked();
-    RealSolveSparseSystem(R, JEDN, reserved, console, listing, flag);
+    RealSolveSparseSystem(tree, R, JEDN, reserved, console, listing, flag);
     Book(kSparse, start);
     ++theClock.job.solves;
 }

@@ -6,6 +6,7 @@
 #include "solver/sparse_assembler.h"
 #include "solver/sparse_solver.h"
 #include "solver/sparse_solver_instance.h"
+#include "solver/sparse_tree.h"
 
 #include <benchmark/benchmark.h>
 
@@ -17,6 +18,8 @@
 namespace {
 
 using zurt::Word;
+
+zurt::SparseTree tree;
 
 /// Conduction of a brick of sides 1: the difference of two nodes enters with their distance.
 std::vector<double> BrickMatrix() {
@@ -40,7 +43,7 @@ void AddElements(std::int32_t side, const std::vector<double>& S) {
                 for (std::int32_t corner = 0; corner < 8; ++corner)
                     LM[corner] = 1 + x + (corner & 1) + row * (y + (corner >> 1 & 1)) +
                                  row * row * (z + (corner >> 2));
-                zurt::SparseAddElement(8, {LM, 8}, {S.data(), 8, 8});
+                zurt::SparseAddElement(tree, 8, {LM, 8}, {S.data(), 8, 8});
             }
 }
 
@@ -48,14 +51,14 @@ void BM_Assembly(benchmark::State& state) {
     const std::vector<double> S = BrickMatrix();
     std::int32_t count = 0;
     for (auto _ : state) {
-        zurt::SparseInit(0, 0);
+        zurt::SparseInit(tree, 0, 0);
         AddElements(static_cast<std::int32_t>(state.range(0)), S);
-        zurt::SparseNonzeroCount(count);
+        zurt::SparseNonzeroCount(tree, count);
         const std::size_t size = static_cast<std::size_t>(count);
         std::vector<std::int32_t> IRN(size), JCN(size);
         std::vector<double> A(size);
-        zurt::SparseExtract(count, {IRN.data(), count}, {JCN.data(), count}, {A.data(), count}, 0);
-        zurt::SparseKill(0);
+        zurt::SparseExtract(tree, count, {IRN.data(), count}, {JCN.data(), count}, {A.data(), count}, 0);
+        zurt::SparseKill(tree, 0);
         benchmark::DoNotOptimize(A.data());
     }
     state.counters["entries"] = count;
@@ -79,14 +82,14 @@ void BM_Solver(benchmark::State& state) {
     const std::int32_t side = static_cast<std::int32_t>(state.range(0));
     const std::int32_t N = (side + 1) * (side + 1) * (side + 1);
     zurt::TextUnit closed;
-    zurt::SparseInit(0, 0);
+    zurt::SparseInit(tree, 0, 0);
     AddElements(side, BrickMatrix());
     std::int32_t NZ = 0;
-    zurt::SparseNonzeroCount(NZ);
+    zurt::SparseNonzeroCount(tree, NZ);
     DMUMPS_STRUC_C instance{};
     zurt::SolverStart(instance, N, NZ, closed, 0);
-    zurt::SparseExtract(NZ, {instance.irn, NZ}, {instance.jcn, NZ}, {instance.a, NZ}, 0);
-    zurt::SparseKill(0);
+    zurt::SparseExtract(tree, NZ, {instance.irn, NZ}, {instance.jcn, NZ}, {instance.a, NZ}, 0);
+    zurt::SparseKill(tree, 0);
     zurt::SetSolverControls(instance);
     double analysis = 0.0, factorisation = 0.0, substitution = 0.0;
     for (auto _ : state) {
@@ -114,11 +117,11 @@ void BM_ProgramSolve(benchmark::State& state) {
     std::vector<double> R(static_cast<std::size_t>((side + 1) * (side + 1) * (side + 1)), 1.0);
     zurt::TextUnit closed;
     for (auto _ : state) {
-        zurt::SparseInit(0, 0);
+        zurt::SparseInit(tree, 0, 0);
         AddElements(side, S);
         const double start = ProcessorTime();
-        zurt::SolveSparseSystem({R.data(), static_cast<Word>(R.size())}, static_cast<std::int32_t>(R.size()),
-                                0, closed, closed, 0);
+        zurt::SolveSparseSystem(tree, {R.data(), static_cast<Word>(R.size())},
+                                static_cast<std::int32_t>(R.size()), 0, closed, closed, 0);
         state.SetIterationTime(ProcessorTime() - start);
     }
 }

@@ -17,6 +17,34 @@ InstructionSet WidestInstructionSet();
 
 #define ZURT_INLINE inline __attribute__((always_inline))
 
+/// A copy of the kernel KERNEL, a template of the number of lanes, under the name NAME: a function of these PARAMETERS, which it
+/// hands on as ARGUMENTS, both in brackets.
+#define ZURT_KERNEL_COPY(MARK, LANES, RESULT, NAME, KERNEL, PARAMETERS, ARGUMENTS)                           \
+    MARK RESULT NAME PARAMETERS {                                                                            \
+        return KERNEL<LANES> ARGUMENTS;                                                                      \
+    }
+
+/// NAME(instructions) is the copy of the kernel for a set that the machine runs. The compiler makes all copies; those for wider
+/// sets than Portable exist where the processor can have them.
+#ifdef __x86_64__
+#define ZURT_KERNEL(RESULT, NAME, KERNEL, PARAMETERS, ARGUMENTS)                                             \
+    ZURT_KERNEL_COPY(, 2, RESULT, NAME##Portable, KERNEL, PARAMETERS, ARGUMENTS)                             \
+    ZURT_KERNEL_COPY(__attribute__((target("avx2"))), 4, RESULT, NAME##Avx2, KERNEL, PARAMETERS, ARGUMENTS)  \
+    ZURT_KERNEL_COPY(__attribute__((target("avx512f"))), 8, RESULT, NAME##Avx512, KERNEL, PARAMETERS,        \
+                     ARGUMENTS)                                                                              \
+    auto NAME(InstructionSet instructions) {                                                                 \
+        return instructions == InstructionSet::Avx512 ? NAME##Avx512                                         \
+               : instructions == InstructionSet::Avx2 ? NAME##Avx2                                           \
+                                                      : NAME##Portable;                                      \
+    }
+#else
+#define ZURT_KERNEL(RESULT, NAME, KERNEL, PARAMETERS, ARGUMENTS)                                             \
+    ZURT_KERNEL_COPY(, 2, RESULT, NAME##Portable, KERNEL, PARAMETERS, ARGUMENTS)                             \
+    auto NAME(InstructionSet /*instructions*/) {                                                             \
+        return NAME##Portable;                                                                               \
+    }
+#endif
+
 /// kWidth numbers in one register: 2, 4 and 8 for the three sets; in memory at a multiple of its size.
 template <int kWidth> struct Lanes {
     typedef double Vector __attribute__((vector_size(kWidth * sizeof(double)), may_alias));

@@ -3,15 +3,18 @@
 #include "elements/cards/group_1d.h"
 #include "elements/cards/group_2d.h"
 #include "elements/cards/group_3d.h"
-#include "elements/cards/group_cards.h"
 #include "elements/forming/form_elements.h"
 #include "elements/forming/nodal_averaging.h"
 #include "elements/radial/radial_cards.h"
 #include "elements/radial/radial_form.h"
+#include "run/partition.h"
+#include "solver/linear_system.h"
 
 namespace zurt {
 
 void ReadElementGroup(Run& run, ElementGroup& group) {
+    if (group.NGE == 1)
+        BeginLayout(run, NumberingOf(run));
     switch (group.NETIP) {
     case 1:
         ReadGroup1D(run, group);
@@ -25,8 +28,10 @@ void ReadElementGroup(Run& run, ElementGroup& group) {
     default:
         ReadGroupRadial(run, group);
     }
-    if (group.NGE >= run.control.header.NGET && run.sizes.SparseMode == 0)
-        FinishColumnPointers(run);
+    if (group.NGE >= run.control.header.NGET) {
+        StopIfLayoutOverflows(run);
+        SetMatrixLength(run, FinishLayout(run, NumberingOf(run)));
+    }
 }
 
 void FormElementGroup(Run& run, ElementGroup& group) {

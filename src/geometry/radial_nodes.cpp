@@ -1,16 +1,8 @@
 #include "geometry/radial_nodes.h"
 
 #include "geometry/radial_views.h"
-#include "solver/skyline_layout.h"
 
 namespace zurt {
-
-namespace {
-
-constexpr Word kMostNodes =
-    2 * kMaxSubElements + 1; // rows of RadialNodes with room for three-node sub-elements
-
-} // namespace
 
 void SetFibreInitialValues(Run& run, const ElementGroup& group) {
     const ConstIntTable nodes = RadialNodes(run, group);
@@ -37,13 +29,10 @@ void MarkRadialNodes(const Run& run, const ElementGroup& group, IntArray marks) 
                 ++marks(nodes(k, n));
 }
 
-void RaiseRadialHeights(const Run& run, const ElementGroup& group, ConstIntArray ID, Word JEDN,
-                        IntArray MHT) {
+void LayOutRadialGroup(Run& run, const ElementGroup& group, const Numbering& numbering) {
     const IntTable nodes = RadialNodes(run, group);
-    std::int32_t LM[kMostNodes];
     for (Word n = 1; n <= nodes.columns; ++n)
-        RaiseColumnHeights(MHT, ID, ConstIntTable(&nodes(1, n), 1, nodes.rows), 1, IntArray(LM, kMostNodes),
-                           nodes.rows, JEDN);
+        LayOutElements(run, numbering, ConstIntTable(&nodes(1, n), 1, nodes.rows), nodes.rows, {});
 }
 
 Word InnerNodesBefore(const Run& run, std::int32_t NGE) {

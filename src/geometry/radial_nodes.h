@@ -1,10 +1,11 @@
 // What the rest of the program asks of radial groups besides their cards and their forming: start values, the nodes that
-// they use, column heights, counts of inner nodes.
+// they use, their part of the layout, counts of inner nodes.
 //
 // Called by the reader of the family, the driver, the fibre step and the writers of the graphics file.
 #pragma once
 
 #include "run/run.h"
+#include "solver/linear_system.h"
 
 namespace zurt {
 
@@ -19,9 +20,8 @@ void SetSubstructureInitialValues(Run& run, const ElementGroup& group);
 /// their own and count none.
 void MarkRadialNodes(const Run& run, const ElementGroup& group, IntArray marks);
 
-/// Raises the column heights MHT (1..JEDN) so that the equations of each element couple, under the equation numbers ID
-/// (1..NP). Nothing for substructured fibres.
-void RaiseRadialHeights(const Run& run, const ElementGroup& group, ConstIntArray ID, Word JEDN, IntArray MHT);
+/// Couples the equations of each element in the layout that has been begun. Nothing for substructured fibres.
+void LayOutRadialGroup(Run& run, const ElementGroup& group, const Numbering& numbering);
 
 /// Inner nodes of the substructured fibres in the groups ahead of group NGE: their numbers run on from NP.
 Word InnerNodesBefore(const Run& run, std::int32_t NGE);

@@ -189,7 +189,7 @@ void BeginSecondPass(Run& run) {
     run.fit.IEHM = 1;
     ReformEquationNumbers(run);
     Fill(StepSolution(run), 0.0);
-    Fill(SkylineStore(run), 0.0);
+    ClearMatrix(run);
     RestoreInitialConcentrations(run);
 }
 

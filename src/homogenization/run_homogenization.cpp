@@ -167,7 +167,7 @@ void EndFitRun(Run& run, const FittedCurve& curve) {
     ReformEquationNumbers(run);
     Fill(StepIncrement(run), 0.0);
     Fill(StepStart(run), 0.0);
-    Fill(SkylineStore(run), 0.0);
+    ClearMatrix(run);
     if (fit.ISFOFF == 0 && fit.card.IDCC == 1)
         SetFittedEnds(curve, fit);
 }

@@ -21,7 +21,7 @@ extern const CardLayout kBoundaryCard;
 
 /// The title: 80 characters of the first card that is no comment.
 void ReadTitle(Run& run);
-/// The format card, always list-directed; sets SparseMode and presets IPASSPRINT.
+/// The format card, always list-directed; sets the kind of solver and presets IPASSPRINT.
 void ReadFormatCard(Run& run);
 /// Device cards, and the degradation card under INDDEGR 1; always taken by columns.
 void ReadDeviceCards(Run& run);

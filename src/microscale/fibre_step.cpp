@@ -156,7 +156,7 @@ void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray node
             ": no element with a Gauss point outside the fibres has a node that is not held; "
             "there is nothing to solve");
     RequireNodesOfSubstructures(run);
-    SetMatrixLength(run, FormLayout(run, model, EquationNumbers(run), JEDN, LayoutElements::Kept));
+    SetMatrixLength(run, FormLayout(run, model, NumberingOf(run), LayoutElements::Kept));
     run.fit.keptLayout = true;
 }
 

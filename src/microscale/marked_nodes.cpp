@@ -1,9 +1,7 @@
 #include "microscale/marked_nodes.h"
 
 #include "geometry/radial_nodes.h"
-#include "geometry/shape_functions.h"
 #include "run/partition.h"
-#include "solver/skyline_layout.h"
 
 #include <algorithm>
 #include <numeric>
@@ -14,21 +12,12 @@ namespace zurt {
 
 namespace {
 
-void RaiseGroupHeights(const Run& run, const std::vector<std::int32_t>* marks, const ElementGroup& group,
-                       ConstIntArray ID, std::int32_t JEDN, IntArray MHT) {
-    const ConstIntTable NEL = Connectivity(run, group);
-    std::int32_t LM[kMaxNodes<3>];
-    for (Word n = 1; n <= group.NET; ++n)
-        if (marks == nullptr || (*marks)[static_cast<std::size_t>(n - 1)] != 0)
-            RaiseColumnHeights(MHT, ID, NEL, n, IntArray(LM, kMaxNodes<3>), group.NDMAX, JEDN);
-}
-
-// Element marks of a group under fibres, null for a group that has none.
-const std::vector<std::int32_t>* MarksOfGroup(const FibreModel& model, std::int32_t NGE) {
+// Element marks of a group under fibres, empty for a group that has none.
+ConstIntArray MarksOfGroup(const FibreModel& model, std::int32_t NGE) {
     if (model.groups.empty())
-        return nullptr;
+        return {};
     const std::vector<std::int32_t>& marks = model.groups[static_cast<std::size_t>(NGE)].elementMark;
-    return marks.empty() ? nullptr : &marks;
+    return {marks.data(), static_cast<Word>(marks.size())};
 }
 
 } // namespace
@@ -45,19 +34,17 @@ bool LeaveOutUnmarkedNodes(IntArray ID, ConstIntArray marks, std::int32_t& JEDN)
     return true;
 }
 
-Word FormLayout(Run& run, const FibreModel& model, ConstIntArray ID, std::int32_t JEDN,
-                LayoutElements elements) {
-    if (run.sizes.SparseMode == 1)
-        return 0;
-    const IntArray MAXA = IntSection(run.A, run.control.at.LMAXA, Word{JEDN} + 1);
-    Fill(MAXA, 0);
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        if (IsRadial(run.groups[NGE]))
-            RaiseRadialHeights(run, run.groups[NGE], ID, JEDN, MAXA);
+Word FormLayout(Run& run, const FibreModel& model, const Numbering& numbering, LayoutElements elements) {
+    BeginLayout(run, numbering);
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        if (IsRadial(group))
+            LayOutRadialGroup(run, group, numbering);
         else
-            RaiseGroupHeights(run, elements == LayoutElements::All ? nullptr : MarksOfGroup(model, NGE),
-                              run.groups[NGE], ID, JEDN, MAXA);
-    return MakeColumnPointers(MAXA, JEDN);
+            LayOutElements(run, numbering, Connectivity(run, group), group.NDMAX,
+                           elements == LayoutElements::All ? ConstIntArray() : MarksOfGroup(model, NGE));
+    }
+    return FinishLayout(run, numbering);
 }
 
 void ReformEquationNumbers(Run& run) {
@@ -72,21 +59,17 @@ void ReformEquationNumbers(Run& run) {
         return; // what is there serves all elements
     SetEquations(run, JEDN);
     run.fit.keptLayout = !all;
-    SetMatrixLength(run,
-                    FormLayout(run, run.fibres, ID, JEDN, all ? LayoutElements::All : LayoutElements::Kept));
+    SetMatrixLength(
+        run, FormLayout(run, run.fibres, NumberingOf(run), all ? LayoutElements::All : LayoutElements::Kept));
 }
 
 void ReserveFullLayout(Run& run) {
     const std::int32_t NP = run.control.header.NP;
-    if (run.sizes.SparseMode == 0 && Word{NP} + 1 > run.sizes.DiagonalRoom)
-        MoveDiagonalPositions(run, NP);
-    const IntArray MAXA = DiagonalPositions(run);
-    const std::vector<std::int32_t> own(MAXA.data, MAXA.data + MAXA.length);
     std::vector<std::int32_t> everyNode(static_cast<std::size_t>(NP));
     std::iota(everyNode.begin(), everyNode.end(), 1);
-    ReserveRoom(run, NP,
-                FormLayout(run, run.fibres, ConstIntArray(everyNode.data(), NP), NP, LayoutElements::All));
-    std::copy(own.begin(), own.end(), MAXA.data);
+    SetLayoutAside(run, NP);
+    ReserveRoom(run, NP, FormLayout(run, run.fibres, {{everyNode.data(), NP}, NP}, LayoutElements::All));
+    PutLayoutBack(run);
 }
 
 } // namespace zurt

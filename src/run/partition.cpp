@@ -138,6 +138,21 @@ void TakeDiagonalPositions(Run& run) {
     ClearWords(run.A, run.control.at.LMAXA, run.A.LMAX - 1);
 }
 
+void StopIfLayoutOverflows(Run& run) {
+    const WorkingVector& A = run.A;
+    if (run.sizes.SparseMode == 1 || A.LMAX <= A.NTOTA)
+        return;
+    TextUnit& unit = BeginMessage(run);
+    Write(unit, "(A)",
+          Say(run, "NEDOVOLJNA DIMENZIJA U VEKTORU A-ZA FORMIRANJE MAXA",
+              " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR MAXA"));
+    const Format number(Say(run, "(A,I9)", "(A,I10)"));
+    Write(unit, number, Say(run, "POTREBNA DIMENZIJA , LMAX=", " REQUIRED DIMENSION, LMAX ="), A.LMAX);
+    Write(unit, number, Say(run, "RASPOLOZIVA DIMENZIJA , NTOTA=", " AVAILABLE DIMENSION, NTOTA="), A.NTOTA);
+    NoteSectionOutside(run);
+    StopRun(unit);
+}
+
 void MoveDiagonalPositions(Run& run, std::int32_t JEDN) {
     const IntArray old = DiagonalPositions(run);
     const Word words = Word{JEDN} + 1;
@@ -237,8 +252,6 @@ void TakeSolverVectors(Run& run) {
     at.LZAD3 = TakeWords(run.A, "LZAD3", NZADC);
     at.LNODAL = TakeWords(run.A, "NodalValues", run.control.header.NP);
     at.LEQV = TakeWords(run.A, "LEQV", EquationWords(run));
-    if (run.sizes.SparseMode == 1)
-        run.sizes.NWK = 0;
     at.LSK = TakeWords(run.A, "SkylineMatrix", MatrixWords(run));
     at.LRHS = TakeWords(run.A, "RHS", EquationWords(run));
     run.A.LMAXM = run.A.LMAX;

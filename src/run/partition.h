@@ -31,6 +31,8 @@ void TakeSharedNodeList(Run& run, std::int32_t sharedNodes);
 void NoteSectionOutside(const Run& run);
 /// Row 12: MAXA, cleared.
 void TakeDiagonalPositions(Run& run);
+/// LMAX above NTOTA ahead of the forming of MAXA, which is formed unless SparseMode is on: message and stop.
+void StopIfLayoutOverflows(Run& run);
 /// A larger section for MAXA, with room for JEDN equations, behind what has been taken so far; its values go along.
 void MoveDiagonalPositions(Run& run, std::int32_t JEDN);
 /// Rows 14 and 15: diffusion curves.

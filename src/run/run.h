@@ -11,6 +11,7 @@
 #include "run/units.h"
 #include "run/working_vector.h"
 
+#include <any>
 #include <vector>
 
 namespace zurt {
@@ -37,7 +38,8 @@ struct Run {
     FitState fit;
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
-    MassTables mass; // empty but in a fit and in the direct calculation
+    MassTables mass;        // empty but in a fit and in the direct calculation
+    std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
 };
 
 /// The text of the run's language.
@@ -83,9 +85,6 @@ inline RealArray StepStart(const Run& run) {
 }
 inline RealArray RightHandSide(const Run& run) {
     return RealSection(run.A, run.control.at.LRHS, run.sizes.JEDN);
-}
-inline RealArray SkylineStore(const Run& run) {
-    return RealSection(run.A, run.control.at.LSK, run.sizes.NWK);
 }
 inline IntArray DiagonalPositions(const Run& run) {
     return IntSection(run.A, run.control.at.LMAXA, Word{run.sizes.JEDN} + 1);

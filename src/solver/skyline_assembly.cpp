@@ -38,7 +38,7 @@ void SkylineAddElement(RealArray SkylineMatrix, ConstIntArray MAXA, RealArray R,
 }
 
 void LocateSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntArray LM, Word ND,
-                          SkylinePlaces& places) {
+                          ElementPlaces& places) {
     double** place = places.entry;
     places.count = ND * (ND + 1) / 2;
     places.dropped = 0.0;
@@ -52,7 +52,7 @@ void LocateSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntA
         }
 }
 
-void AddAtPlaces(SkylinePlaces& places, ConstRealArray S) {
+void AddAtPlaces(ElementPlaces& places, ConstRealArray S) {
     for (Word k = 0; k < places.count; ++k)
         *places.entry[k] += S.data[k];
 }

@@ -22,9 +22,9 @@ void AddElementVector(RealArray R, ConstRealArray F, ConstIntArray LM, Word ND);
 void SkylineAddElement(RealArray SkylineMatrix, ConstIntArray MAXA, RealArray R, ConstRealArray S,
                        ConstRealArray F, ConstIntArray LM, Word ND, std::int32_t matrixFlag);
 
-/// The words of the store that the packed matrix of an element of at most 8 nodes goes to, in its order; `dropped` stands for
+/// The words of a store that the packed matrix of an element of at most 8 nodes goes to, in its order; `dropped` stands for
 /// those that have none.
-struct SkylinePlaces {
+struct ElementPlaces {
     static constexpr Word kMostNodes = 8;
     double* entry[kMostNodes * (kMostNodes + 1) / 2];
     Word count;
@@ -34,10 +34,10 @@ struct SkylinePlaces {
 /// Finds the words of an element of ND nodes and calls them into the caches: they lie in as many columns as it has nodes, and
 /// in a large store none of them is there, so that the misses run beside the forming of the element's matrix.
 void LocateSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntArray LM, Word ND,
-                          SkylinePlaces& places);
+                          ElementPlaces& places);
 
 /// Adds a packed matrix at the words found before.
-void AddAtPlaces(SkylinePlaces& places, ConstRealArray S);
+void AddAtPlaces(ElementPlaces& places, ConstRealArray S);
 
 /// Y := Y + factor K X for the symmetric matrix K in the store (not its factors). X and Y: 1..JEDN, apart.
 void SkylineMultiply(ConstRealArray SkylineMatrix, ConstRealArray X, RealArray Y, ConstIntArray MAXA,

@@ -117,19 +117,8 @@ template <int kWidth> ZURT_INLINE Word FactorColumns(SkylinePanel& panel, Word N
     return 0;
 }
 
-Word FactorPortable(SkylinePanel& panel, Word NN, const StepCosts& cost) {
-    return FactorColumns<2>(panel, NN, cost);
-}
-
-#ifdef __x86_64__
-__attribute__((target("avx2"))) Word FactorAvx2(SkylinePanel& panel, Word NN, const StepCosts& cost) {
-    return FactorColumns<4>(panel, NN, cost);
-}
-
-__attribute__((target("avx512f"))) Word FactorAvx512(SkylinePanel& panel, Word NN, const StepCosts& cost) {
-    return FactorColumns<8>(panel, NN, cost);
-}
-#endif
+ZURT_KERNEL(Word, FactorCopy, FactorColumns, (SkylinePanel & panel, Word NN, const StepCosts& cost),
+            (panel, NN, cost))
 
 } // namespace
 
@@ -144,20 +133,7 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, Instruc
     if (rows > 0)
         scratch.reset(new (std::nothrow) PanelRow[static_cast<std::size_t>(rows)]);
     panel.reduced = scratch.get();
-    Word failed = 0;
-    switch (instructions) {
-#ifdef __x86_64__
-    case InstructionSet::Avx512:
-        failed = FactorAvx512(panel, NN, cost);
-        break;
-    case InstructionSet::Avx2:
-        failed = FactorAvx2(panel, NN, cost);
-        break;
-#endif
-    default:
-        failed = FactorPortable(panel, NN, cost);
-    }
-    return failed;
+    return FactorCopy(instructions)(panel, NN, cost);
 }
 
 Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN) {

@@ -18,8 +18,6 @@ namespace {
 
 constexpr std::int32_t kTalkative = 1;
 
-SparseTree tree; // the one mutable global of the program
-
 // Entries that a row gets in a regular mesh: 9 under quadrilaterals, 27 under bricks. A row may get more.
 constexpr Word kCornersOfQuadrilateral = 4;
 constexpr std::int32_t kPlacesInPlane = 9;
@@ -49,7 +47,7 @@ void SortColumns(Word n, ConstIntArray LM, Word* order) {
     }
 }
 
-void AddColumn(Word n, Word i, ConstIntArray LM, ConstRealTable S) {
+void AddColumn(SparseTree& tree, Word n, Word i, ConstIntArray LM, ConstRealTable S) {
     const std::int32_t places = n <= kCornersOfQuadrilateral ? kPlacesInPlane : kPlacesInSpace;
     if (LM(i) == 0)
         return;
@@ -77,7 +75,7 @@ void SparseDumpEntry(SparseTree& walked, SparseNode& node) {
 
 } // namespace
 
-void SparseInit(std::int32_t symmetryFlag, std::int32_t verbosity) {
+void SparseInit(SparseTree& tree, std::int32_t symmetryFlag, std::int32_t verbosity) {
     if (verbosity == kTalkative)
         std::puts("Initializing Sparse Assembler...");
     KeepFreedMemory();
@@ -85,29 +83,30 @@ void SparseInit(std::int32_t symmetryFlag, std::int32_t verbosity) {
     tree.symmetryFlag = symmetryFlag;
 }
 
-void SparseZeroValues() {
+void SparseZeroValues(SparseTree& tree) {
     WalkSparseTree(tree, ZeroNode);
 }
 
-void SparseAddElement(Word n, ConstIntArray LM, ConstRealTable S) {
+void SparseAddElement(SparseTree& tree, Word n, ConstIntArray LM, ConstRealTable S) {
     PrefetchSparseRows(tree, LM, n);
     Word order[kMostSorted];
     if (n <= kMostSorted)
         SortColumns(n, LM, order);
     for (Word k = 1; k <= n; ++k)
-        AddColumn(n, n <= kMostSorted ? order[k - 1] : k, LM, S);
+        AddColumn(tree, n, n <= kMostSorted ? order[k - 1] : k, LM, S);
 }
 
-void SparseAddEntry(std::int32_t row, std::int32_t column, double value) {
+void SparseAddEntry(SparseTree& tree, std::int32_t row, std::int32_t column, double value) {
     if (value != 0.0)
         AddToSparseTree(tree, SparseKey(row, column), value, kPlacesInPlane);
 }
 
-void SparseNonzeroCount(std::int32_t& count) {
+void SparseNonzeroCount(const SparseTree& tree, std::int32_t& count) {
     count = tree.nodeCount;
 }
 
-void SparseExtract(std::int32_t& count, IntArray IRN, IntArray JCN, RealArray A, std::int32_t verbosity) {
+void SparseExtract(SparseTree& tree, std::int32_t& count, IntArray IRN, IntArray JCN, RealArray A,
+                   std::int32_t verbosity) {
     tree.IRN = IRN;
     tree.JCN = JCN;
     tree.A = A;
@@ -118,13 +117,13 @@ void SparseExtract(std::int32_t& count, IntArray IRN, IntArray JCN, RealArray A,
         std::printf("Nonzero count: %d\n", count);
 }
 
-void SparseKill(std::int32_t verbosity) {
+void SparseKill(SparseTree& tree, std::int32_t verbosity) {
     if (verbosity == kTalkative)
         std::puts("Killing Sparse Assembler...");
     ReleaseSparseNodes(tree);
 }
 
-void WriteSparseDump(const char* name) {
+void WriteSparseDump(SparseTree& tree, const char* name) {
     tree.dumpStream = std::fopen(name, "wb");
     if (tree.dumpStream == nullptr) {
         std::printf("Cannot open %s file for writing!\n", name);
@@ -135,10 +134,6 @@ void WriteSparseDump(const char* name) {
     if (std::fclose(tree.dumpStream) != 0 || failed)
         StopWithLibraryError("can't write to " + std::string(name) + ": " + std::strerror(errno));
     tree.dumpStream = nullptr;
-}
-
-const SparseTree& CurrentSparseTree() {
-    return tree;
 }
 
 } // namespace zurt

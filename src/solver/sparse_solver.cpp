@@ -190,14 +190,14 @@ void SolverStop(DMUMPS_STRUC_C& instance, TextUnit& console, std::int32_t Solver
     ReleaseSolver(instance);
 }
 
-void SolveSparseSystem(RealArray R, std::int32_t JEDN, std::int32_t /*reserved*/, TextUnit& console,
-                       TextUnit& listing, std::int32_t SolverReportFlag) {
+void SolveSparseSystem(SparseTree& tree, RealArray R, std::int32_t JEDN, std::int32_t /*reserved*/,
+                       TextUnit& console, TextUnit& listing, std::int32_t SolverReportFlag) {
     std::int32_t NZ = 0;
-    SparseNonzeroCount(NZ);
+    SparseNonzeroCount(tree, NZ);
     DMUMPS_STRUC_C instance{};
     SolverStart(instance, JEDN, NZ, console, SolverReportFlag);
-    SparseExtract(NZ, {instance.irn, NZ}, {instance.jcn, NZ}, {instance.a, NZ}, kSilent);
-    SparseKill(kSilent);
+    SparseExtract(tree, NZ, {instance.irn, NZ}, {instance.jcn, NZ}, {instance.a, NZ}, kSilent);
+    SparseKill(tree, kSilent);
     if (JEDN < 1 || NZ < 1) {
         Write(BeginMessage(console), "(' Error in solver calling!')");
         SetSolverControls(instance); // else it speaks at its end

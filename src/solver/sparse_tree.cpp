@@ -296,6 +296,10 @@ void DeleteNode(SparseTree& tree, SparseNode* node) {
 
 } // namespace
 
+SparseTree::~SparseTree() {
+    ReleaseSparseNodes(*this);
+}
+
 void EmptySparseTree(SparseTree& tree) {
     tree.sentinel = {-1, 0.0, &tree.sentinel, &tree.sentinel, &tree.sentinel, kBlack, &tree.sentinel};
     tree.root = &tree.sentinel;

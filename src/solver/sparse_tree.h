@@ -48,6 +48,11 @@ struct SparseTree;
 using SparseVisit = void (*)(SparseTree& tree, SparseNode& node);
 
 struct SparseTree {
+    SparseTree() = default;
+    ~SparseTree();                          // gives its nodes back
+    SparseTree(const SparseTree&) = delete; // nodes point at the sentinel
+    SparseTree& operator=(const SparseTree&) = delete;
+
     SparseNode sentinel{-1,      0.0,    nullptr, nullptr,
                         nullptr, kBlack, nullptr}; // `next`: the node of the lowest key
     SparseNode* root = &sentinel;

@@ -3,14 +3,11 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "elements/element_phases.h"
-#include "solver/skyline_solve.h"
-#include "solver/sparse_assembler.h"
-#include "solver/sparse_solver.h"
+#include "solver/linear_system.h"
 #include "timeint/convergence.h"
 #include "timeint/equilibrium_note.h"
 #include "timeint/finite_results.h"
 
-#include <cstring>
 #include <limits>
 #include <string>
 
@@ -20,37 +17,9 @@ namespace {
 
 constexpr std::int32_t kLastIteration = std::numeric_limits<std::int32_t>::max();
 
-// In sparse mode the tree begins anew; symmetry flag 0, both triangles of every element go in.
-void ClearSystem(Run& run) {
-    if (run.sizes.SparseMode == 1) {
-        SparseInit(0, 0);
-        SparseZeroValues();
-        Fill(RightHandSide(run), 0.0);
-        return;
-    }
-    const RealArray store = SkylineStore(run);
-    std::memset(store.data, 0, static_cast<std::size_t>(store.length) * sizeof(double));
-    Fill(RightHandSide(run), 0.0);
-}
-
 void FormSystem(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         FormElementGroup(run, run.groups[NGE]);
-}
-
-void SolveSystem(Run& run) {
-    if (run.sizes.SparseMode == 1) {
-        SolveSparseSystem(RightHandSide(run), run.sizes.JEDN, 0, run.units.console, MessageUnit(run),
-                          run.pass.SolverReportFlag);
-        return;
-    }
-    const auto NWK = static_cast<std::int32_t>(run.sizes.NWK);
-    const RealArray store = SkylineStore(run);
-    const RealArray R = RightHandSide(run);
-    const IntArray MAXA = DiagonalPositions(run);
-    if (run.clock.FactorFlag != 0)
-        SkylineSolve(store, R, MAXA, run.sizes.JEDN, NWK, kFactorMode, MessageUnit(run));
-    SkylineSolve(store, R, MAXA, run.sizes.JEDN, NWK, kSubstituteMode, MessageUnit(run));
 }
 
 // The increments add up over the step and the solution is the start value plus their sum.

@@ -7,8 +7,7 @@
 #include "model/material_tables.h"
 #include "run/partition.h"
 #include "run/run.h"
-#include "solver/skyline_layout.h"
-#include "solver/sparse_assembler.h"
+#include "solver/system_skyline.h"
 
 #include <array>
 #include <utility>
@@ -114,9 +113,10 @@ inline void SetGroup(Run& run, const Mesh& mesh, const Problem& problem) {
         if (!problem.thickness.empty())
             RealSection(run.A, group.LTHIC, group.NET)(n) = problem.thickness[at];
     }
-    std::int32_t LM[21];
-    ComputeColumnHeights(DiagonalPositions(run), EquationNumbers(run), NEL, IntArray(LM, 21), group.NET,
-                         run.sizes.JEDN, true, group.NDMAX, run.sizes.NWK);
+    const Numbering numbering = NumberingOf(run);
+    BeginLayout(run, numbering);
+    LayOutElements(run, numbering, NEL, group.NDMAX, {});
+    run.sizes.NWK = FinishLayout(run, numbering);
 }
 
 inline void SetDeviceCurves(Run& run, const Problem& problem) {
@@ -211,10 +211,7 @@ struct Model {
 
 // What one forming visit adds to a cleared system.
 inline void FormSystem(Run& run) {
-    if (run.sizes.SparseMode == 1)
-        SparseInit(0, 0);
-    Fill(SkylineStore(run), 0.0);
-    Fill(RightHandSide(run), 0.0);
+    ClearSystem(run);
     FormElementGroup(run, run.groups[1]);
 }
 

@@ -9,7 +9,6 @@
 #include "microscale/fibre_data.h"
 #include "run/banner.h"
 #include "run/files.h"
-#include "solver/sparse_assembler.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -171,7 +170,6 @@ void CleanUp(Run& run) {
         zurt::CloseTextUnit(*unit);
     zurt::FreeFibreModel(run.fibres);
     zurt::DestroyWorkingVector(run.A);
-    zurt::SparseKill(0);
 }
 
 } // namespace

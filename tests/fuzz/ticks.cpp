@@ -3,6 +3,7 @@
 #include "core/stop.h"
 #include "core/text_unit.h"
 #include "elements/element_phases.h"
+#include "solver/sparse_tree.h"
 
 #include <dmumps_c.h>
 
@@ -100,20 +101,18 @@ struct WholeStretch {
     WholeStretch& operator=(const WholeStretch&) = delete;
 };
 
-void RealSparse(
-    zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved, zurt::TextUnit& console,
-    zurt::TextUnit& listing,
-    std::int32_t
-        SolverReportFlag) __asm__("__real__ZN4zurt17SolveSparseSystemENS_9ArrayViewIdEEiiRNS_8TextUnitES3_i");
-void WrapSparse(
-    zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved, zurt::TextUnit& console,
-    zurt::TextUnit& listing,
-    std::int32_t
-        SolverReportFlag) __asm__("__wrap__ZN4zurt17SolveSparseSystemENS_9ArrayViewIdEEiiRNS_8TextUnitES3_i");
-void WrapSparse(zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved, zurt::TextUnit& console,
-                zurt::TextUnit& listing, std::int32_t SolverReportFlag) {
+void RealSparse(zurt::SparseTree& tree, zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved,
+                zurt::TextUnit& console, zurt::TextUnit& listing,
+                std::int32_t SolverReportFlag) __asm__("__real__ZN4zurt17SolveSparseSystemERNS_"
+                                                       "10SparseTreeENS_9ArrayViewIdEEiiRNS_8TextUnitES5_i");
+void WrapSparse(zurt::SparseTree& tree, zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved,
+                zurt::TextUnit& console, zurt::TextUnit& listing,
+                std::int32_t SolverReportFlag) __asm__("__wrap__ZN4zurt17SolveSparseSystemERNS_"
+                                                       "10SparseTreeENS_9ArrayViewIdEEiiRNS_8TextUnitES5_i");
+void WrapSparse(zurt::SparseTree& tree, zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved,
+                zurt::TextUnit& console, zurt::TextUnit& listing, std::int32_t SolverReportFlag) {
     const WholeStretch whole;
-    RealSparse(R, JEDN, reserved, console, listing, SolverReportFlag);
+    RealSparse(tree, R, JEDN, reserved, console, listing, SolverReportFlag);
 }
 
 } // namespace zurt_fuzz

@@ -19,8 +19,8 @@ using zurt_test::Written;
 using zurt_test::WrittenByStop;
 
 // Faults: a section of another size or in another place, the step list taken behind its room for counting, the gap of NP
-// words forgotten or cleared, nodal vectors not cleared, material tables taken under NDS, NWK kept in sparse mode.
-TEST(Partition, TransientDeviceProblemInSparseMode) {
+// words forgotten or cleared, nodal vectors not cleared, material tables taken under NDS.
+TEST(Partition, TransientDeviceProblem) {
     SmallRun run;
     Control& control = run.control;
     const Pointers& at = control.at;
@@ -33,7 +33,6 @@ TEST(Partition, TransientDeviceProblemInSparseMode) {
     control.header.PotentialFunctionSize = 3;
     control.counts.MAXPMAT = 4;
     control.counts.MAXTC = 5;
-    run.sizes.SparseMode = 1;
     TakePeriodTables(run);
     EXPECT_EQ(run.A.LMAX, 7); // room for one step a period
     control.counts.NDT = 5;
@@ -48,7 +47,6 @@ TEST(Partition, TransientDeviceProblemInSparseMode) {
     TakeFibreNodes(run);
     TakeMaterialTables(run);
     TakeSolutionVectors(run);
-    run.sizes.NWK = 1000;
     TakeSolverVectors(run);
     const std::vector<Word> places = {at.LNKDT,   at.LDTDT,   at.LDT,      at.LCORD,    at.LID,     at.LNODEV,
                                       at.LPOT,    at.LDIRD,   at.LNDS[1],  at.LNDS[9],  at.LSUBS,   at.LMAXA,
@@ -56,7 +54,6 @@ TEST(Partition, TransientDeviceProblemInSparseMode) {
                                       at.LMAT[1], at.LMAT[9], at.LSK,      at.LRHS,     run.A.LMAXM};
     EXPECT_EQ(places, (std::vector<Word>{1,  3,  5,  10, 16, 18, 20, 23, 35, 51, 53, 55,
                                          58, 59, 67, 73, 75, 79, 81, 81, 91, 91, 93}));
-    EXPECT_EQ(run.sizes.NWK, 0);
     for (const Word stale : {34, 53}) // the gap and the shared nodes
         EXPECT_EQ(run.A.words[stale - 1], 7.0);
     for (const Word cleared : {35, 52, 57, 86})

@@ -53,7 +53,7 @@ TEST(SkylineAssembly, AgreesWithADenseSumAndLeavesTheMatrixAloneWithoutTheFlag) 
         }
         zurt::SkylineAddElement(system.Store(), system.Pointers(), RealArray{R.data(), 6},
                                 RealArray{S.data(), 10}, RealArray{F.data(), 4}, ConstIntArray{LM, 4}, 4, 1);
-        zurt::SkylinePlaces places;
+        zurt::ElementPlaces places;
         zurt::LocateSkylineElement(placed.Store(), placed.Pointers(), ConstIntArray{LM, 4}, 4, places);
         zurt::AddAtPlaces(places, ConstRealArray{S.data(), 10});
     }

@@ -21,6 +21,8 @@ using zurt::SparseNode;
 using zurt::SparseTree;
 using zurt::Word;
 
+zurt::SparseTree tree;
+
 struct Entries {
     std::vector<std::int32_t> rows, columns;
     std::vector<double> values;
@@ -28,12 +30,12 @@ struct Entries {
 
 Entries Extract() {
     std::int32_t count = 0;
-    zurt::SparseNonzeroCount(count);
+    zurt::SparseNonzeroCount(tree, count);
     const std::size_t size = static_cast<std::size_t>(count);
     Entries entries{std::vector<std::int32_t>(size), std::vector<std::int32_t>(size),
                     std::vector<double>(size)};
     std::int32_t extracted = -1;
-    zurt::SparseExtract(extracted, {entries.rows.data(), count}, {entries.columns.data(), count},
+    zurt::SparseExtract(tree, extracted, {entries.rows.data(), count}, {entries.columns.data(), count},
                         {entries.values.data(), count}, 0);
     EXPECT_EQ(extracted, count);
     return entries;
@@ -47,18 +49,18 @@ void AddElement(std::vector<std::int32_t> LM, const std::vector<double>& byRows)
         for (std::size_t column = 0; column < n; ++column)
             S[row + n * column] = byRows[n * row + column];
     const Word size = static_cast<Word>(n);
-    zurt::SparseAddElement(size, {LM.data(), size}, {S.data(), size, size});
+    zurt::SparseAddElement(tree, size, {LM.data(), size}, {S.data(), size, size});
 }
 
 struct SparseAssembler : testing::Test {
-    void SetUp() override { zurt::SparseInit(0, 0); }
-    void TearDown() override { zurt::SparseKill(0); }
+    void SetUp() override { zurt::SparseInit(tree, 0, 0); }
+    void TearDown() override { zurt::SparseKill(tree, 0); }
 };
 
 // Faults: a test for zero that swallows what is not a number, or deletes by it.
 TEST_F(SparseAssembler, NotANumberIsKept) {
-    zurt::SparseAddEntry(1, 1, std::numeric_limits<double>::quiet_NaN());
-    zurt::SparseAddEntry(1, 1, 1.0);
+    zurt::SparseAddEntry(tree, 1, 1, std::numeric_limits<double>::quiet_NaN());
+    zurt::SparseAddEntry(tree, 1, 1, 1.0);
     const Entries entries = Extract();
     ASSERT_EQ(entries.values.size(), 1u);
     EXPECT_TRUE(std::isnan(entries.values[0]));
@@ -70,8 +72,8 @@ TEST_F(SparseAssembler, SumsInOrderOfArrival) {
     double expected = 0.0;
     for (int i = 0; i < 1000; ++i) {
         const double value = std::ldexp(static_cast<double>(random()) + 0.5, static_cast<int>(random() % 60));
-        zurt::SparseAddEntry(2, 1, value);
-        zurt::SparseAddEntry(1, 2, 1.0);
+        zurt::SparseAddEntry(tree, 2, 1, value);
+        zurt::SparseAddEntry(tree, 1, 2, 1.0);
         expected += value;
     }
     EXPECT_EQ(Extract().values, (std::vector<double>{1000.0, expected}));
@@ -97,7 +99,7 @@ TEST_F(SparseAssembler, EquationTwiceInAnElementSumsInTheOrderOfItsPlaces) {
 
 // Fault: the symmetry flag ignored, or the other half taken.
 TEST_F(SparseAssembler, SymmetryFlagTakesOneHalf) {
-    zurt::SparseInit(1, 0);
+    zurt::SparseInit(tree, 1, 0);
     AddElement({1, 2, 3}, {1, 2, 3, 4, 5, 6, 7, 8, 9});
     const Entries entries = Extract();
     EXPECT_EQ(entries.rows, (std::vector<std::int32_t>{1, 2, 2, 3, 3, 3}));
@@ -116,13 +118,13 @@ TEST_F(SparseAssembler, NegativeEquationReachesTheTree) {
 // Faults: zeroing that deletes; entries that survive the next start.
 TEST_F(SparseAssembler, ZeroingKeepsThePatternAndStartingDropsIt) {
     AddElement({1, 2}, {1, 2, 3, 4});
-    zurt::SparseZeroValues();
+    zurt::SparseZeroValues(tree);
     EXPECT_EQ(Extract().values, (std::vector<double>{0, 0, 0, 0}));
-    zurt::SparseAddEntry(1, 2, 6.0);
+    zurt::SparseAddEntry(tree, 1, 2, 6.0);
     EXPECT_EQ(Extract().values, (std::vector<double>{0, 6, 0, 0}));
-    zurt::SparseInit(0, 0);
+    zurt::SparseInit(tree, 0, 0);
     EXPECT_TRUE(Extract().rows.empty());
-    zurt::SparseAddEntry(2, 2, 1.0);
+    zurt::SparseAddEntry(tree, 2, 2, 1.0);
     EXPECT_EQ(Extract().values, (std::vector<double>{1}));
 }
 
@@ -131,17 +133,17 @@ TEST_F(SparseAssembler, SpeaksUnderVerbosityOneOnly) {
     std::int32_t row = 0, column = 0;
     double value = 0.0;
     for (const std::int32_t verbosity : {0, 1, 2}) {
-        zurt::SparseKill(0);
+        zurt::SparseKill(tree, 0);
         testing::internal::CaptureStdout();
-        zurt::SparseInit(0, verbosity);
-        zurt::SparseAddEntry(1, 1, 2.0);
-        zurt::SparseExtract(count, {&row, 1}, {&column, 1}, {&value, 1}, verbosity);
-        zurt::SparseKill(verbosity);
+        zurt::SparseInit(tree, 0, verbosity);
+        zurt::SparseAddEntry(tree, 1, 1, 2.0);
+        zurt::SparseExtract(tree, count, {&row, 1}, {&column, 1}, {&value, 1}, verbosity);
+        zurt::SparseKill(tree, verbosity);
         EXPECT_EQ(testing::internal::GetCapturedStdout(),
                   verbosity == 1
                       ? "Initializing Sparse Assembler...\nNonzero count: 1\nKilling Sparse Assembler...\n"
                       : "");
-        zurt::SparseInit(0, 0);
+        zurt::SparseInit(tree, 0, 0);
     }
 }
 
@@ -149,7 +151,7 @@ TEST_F(SparseAssembler, SpeaksUnderVerbosityOneOnly) {
 TEST_F(SparseAssembler, DumpHoldsBareRecords) {
     AddElement({1, 3}, {0.5, 0, 2, 4});
     const std::string name = zurt_test::MakeTemporaryFolder() + "/osparse.bin";
-    zurt::WriteSparseDump(name.c_str());
+    zurt::WriteSparseDump(tree, name.c_str());
     const std::int32_t places[3][2] = {{1, 1}, {3, 1}, {3, 3}};
     const double values[3] = {0.5, 2, 4};
     std::string expected;
@@ -160,7 +162,7 @@ TEST_F(SparseAssembler, DumpHoldsBareRecords) {
     EXPECT_EQ(zurt_test::ReadFile(name), expected);
 
     testing::internal::CaptureStdout();
-    zurt::WriteSparseDump("/no such folder/osparse.bin");
+    zurt::WriteSparseDump(tree, "/no such folder/osparse.bin");
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Cannot open /no such folder/osparse.bin file for writing!\n");
 }
@@ -175,20 +177,20 @@ std::int64_t KeyOf(Place place) {
 }
 
 // Walks the subtree against the model, from `next` on, and returns its black height; every fault is reported.
-int CheckSubtree(const SparseTree& tree, const SparseNode* node, Model::const_iterator& next,
+int CheckSubtree(const SparseTree& walked, const SparseNode* node, Model::const_iterator& next,
                  Model::const_iterator end) {
-    if (node == &tree.sentinel)
+    if (node == &walked.sentinel)
         return 1;
     if (node->color == zurt::kRed) {
         EXPECT_EQ(node->left->color, zurt::kBlack);
         EXPECT_EQ(node->right->color, zurt::kBlack);
     }
     for (const SparseNode* child : {node->left, node->right}) {
-        if (child != &tree.sentinel) {
+        if (child != &walked.sentinel) {
             EXPECT_EQ(child->parent, node);
         }
     }
-    const int left = CheckSubtree(tree, node->left, next, end);
+    const int left = CheckSubtree(walked, node->left, next, end);
     if (next == end) {
         ADD_FAILURE() << "more nodes than entries";
     } else {
@@ -196,26 +198,25 @@ int CheckSubtree(const SparseTree& tree, const SparseNode* node, Model::const_it
         EXPECT_EQ(node->value, next->second);
         ++next;
     }
-    const int right = CheckSubtree(tree, node->right, next, end);
+    const int right = CheckSubtree(walked, node->right, next, end);
     EXPECT_EQ(left, right) << "black heights differ";
     return left + (node->color == zurt::kBlack ? 1 : 0);
 }
 
 // Faults: a sequence that an insertion misses or that a deletion breaks.
-void CheckSequence(const SparseTree& tree, const Model& model) {
-    const SparseNode* node = tree.sentinel.next;
+void CheckSequence(const SparseTree& walked, const Model& model) {
+    const SparseNode* node = walked.sentinel.next;
     for (const auto& entry : model) {
-        ASSERT_NE(node, &tree.sentinel) << "the sequence ends early";
+        ASSERT_NE(node, &walked.sentinel) << "the sequence ends early";
         ASSERT_EQ(node->key, entry.first);
         node = node->next;
     }
-    EXPECT_EQ(node, &tree.sentinel) << "the sequence goes on";
-    EXPECT_EQ(tree.nodeCount, static_cast<std::int32_t>(model.size()));
+    EXPECT_EQ(node, &walked.sentinel) << "the sequence goes on";
+    EXPECT_EQ(walked.nodeCount, static_cast<std::int32_t>(model.size()));
 }
 
 // Content equal to the model, links both ways, colours, black heights, the sentinel's own fields.
 void CheckWhole(const Model& model) {
-    const SparseTree& tree = zurt::CurrentSparseTree();
     Model::const_iterator next = model.begin();
     CheckSubtree(tree, tree.root, next, model.end());
     EXPECT_TRUE(next == model.end()) << "fewer nodes than entries";
@@ -229,7 +230,7 @@ void CheckWhole(const Model& model) {
 }
 
 void Add(Model& model, Place place, double value) {
-    zurt::SparseAddEntry(place.row, place.column, value);
+    zurt::SparseAddEntry(tree, place.row, place.column, value);
     if (value == 0.0)
         return;
     const auto [entry, isNew] = model.insert({KeyOf(place), value});
@@ -251,7 +252,7 @@ TEST(SparseTree, EqualsAMapAfterEachOf100000Operations) {
     const std::int32_t rows[] = {1, 2, 3, 4, 5, 6, 7, 19, 20, 21, 100000000, 2147483647, -1, -7};
     std::mt19937 random(1);
     Model model;
-    zurt::SparseInit(0, 0);
+    zurt::SparseInit(tree, 0, 0);
     for (int operation = 0; operation < 100000 && !HasFailure(); ++operation) {
         Place place{rows[random() % std::size(rows)], static_cast<std::int32_t>(random() % 14) - 1};
         double value = static_cast<double>(random() % 7) - 3.0;
@@ -264,14 +265,14 @@ TEST(SparseTree, EqualsAMapAfterEachOf100000Operations) {
         CheckWhole(model);
     }
     EXPECT_FALSE(HasFailure());
-    zurt::SparseKill(0);
+    zurt::SparseKill(tree, 0);
 }
 
 // The same in a tree of thousands of nodes, all of it looked at every 2000 operations.
 TEST(SparseTree, EqualsAMapInAWideTree) {
     std::mt19937 random(2);
     Model model;
-    zurt::SparseInit(0, 0);
+    zurt::SparseInit(tree, 0, 0);
     std::vector<Place> places;
     for (int operation = 1; operation <= 100000 && !HasFailure(); ++operation) {
         Place place{static_cast<std::int32_t>(random() % 300) + 1,
@@ -290,7 +291,7 @@ TEST(SparseTree, EqualsAMapInAWideTree) {
             CheckWhole(model);
     }
     EXPECT_GT(model.size(), 1000u);
-    zurt::SparseKill(0);
+    zurt::SparseKill(tree, 0);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "core/text_unit.h"
 #include "solver/sparse_assembler.h"
+#include "solver/sparse_tree.h"
 #include "support/run_deck.h"
 
 #include <gtest/gtest.h>
@@ -17,6 +18,8 @@
 namespace {
 
 using zurt::Word;
+
+zurt::SparseTree tree;
 using Reals = std::vector<double>;
 
 zurt::RealArray View(Reals& values) {
@@ -28,7 +31,7 @@ std::string Solve(Reals& R, std::int32_t SolverReportFlag) {
     zurt::TextUnit console, listing;
     zurt::AttachTextUnit(console, stdout, "the console");
     testing::internal::CaptureStdout();
-    zurt::SolveSparseSystem(View(R), static_cast<std::int32_t>(R.size()), 0, console, listing,
+    zurt::SolveSparseSystem(tree, View(R), static_cast<std::int32_t>(R.size()), 0, console, listing,
                             SolverReportFlag);
     return testing::internal::GetCapturedStdout();
 }
@@ -43,11 +46,11 @@ Reals RandomVector(Word size, std::mt19937& random) {
 
 // Fault: the system handed over as a symmetric or a transposed one.
 TEST(SparseSolver, TakesAnUnsymmetricSystem) {
-    zurt::SparseInit(0, 0);
+    zurt::SparseInit(tree, 0, 0);
     const double K[3][3] = {{0, 2, 0}, {1, 0, 4}, {0, 3, 5}};
     for (std::int32_t r = 1; r <= 3; ++r)
         for (std::int32_t c = 1; c <= 3; ++c)
-            zurt::SparseAddEntry(r, c, K[r - 1][c - 1]);
+            zurt::SparseAddEntry(tree, r, c, K[r - 1][c - 1]);
     Reals R = {4, 13, 21};
     Solve(R, 0);
     EXPECT_NEAR(R[0], 1.0, 1e-14);
@@ -57,8 +60,8 @@ TEST(SparseSolver, TakesAnUnsymmetricSystem) {
 
 TEST(SparseSolver, ReportsItsStagesUnderFlagOneOnly) {
     for (const std::int32_t flag : {0, 1, 2}) {
-        zurt::SparseInit(0, 0);
-        zurt::SparseAddEntry(1, 1, 4.0);
+        zurt::SparseInit(tree, 0, 0);
+        zurt::SparseAddEntry(tree, 1, 1, 4.0);
         Reals R = {2.0};
         EXPECT_EQ(Solve(R, flag), flag != 1 ? ""
                                             : " Initializing solver...\n Starting analysis...\n Starting "
@@ -69,9 +72,9 @@ TEST(SparseSolver, ReportsItsStagesUnderFlagOneOnly) {
 
 /// A tree with ones in these rows and columns; a solve takes it away.
 void AssembleEntries(const std::vector<std::pair<int, int>>& places) {
-    zurt::SparseInit(0, 0);
+    zurt::SparseInit(tree, 0, 0);
     for (const auto& [row, column] : places)
-        zurt::SparseAddEntry(row, column, 1.0);
+        zurt::SparseAddEntry(tree, row, column, 1.0);
 }
 
 /// Runs a solve that stops; console on standard error, listing in a file. The listing is returned.
@@ -81,7 +84,8 @@ std::string ExpectStop(std::int32_t N, std::int32_t SolverReportFlag, const std:
     zurt::TextUnit units[2];
     zurt::AttachTextUnit(units[0], stderr, "the console");
     zurt::OpenTextUnit(units[1], name);
-    EXPECT_MESSAGE(zurt::SolveSparseSystem(View(R), N, 0, units[0], units[1], SolverReportFlag), console);
+    EXPECT_MESSAGE(zurt::SolveSparseSystem(tree, View(R), N, 0, units[0], units[1], SolverReportFlag),
+                   console);
     zurt::CloseTextUnit(units[1]);
     return zurt_test::ReadFile(name);
 }
@@ -92,7 +96,7 @@ Word AssembleCube(std::int32_t side) {
     for (std::size_t i = 0; i < 8; ++i)
         S[9 * i] = 7.25;
     const std::int32_t row = side + 1;
-    zurt::SparseInit(0, 0);
+    zurt::SparseInit(tree, 0, 0);
     for (std::int32_t z = 0; z < side; ++z)
         for (std::int32_t y = 0; y < side; ++y)
             for (std::int32_t x = 0; x < side; ++x) {
@@ -100,7 +104,7 @@ Word AssembleCube(std::int32_t side) {
                 for (std::int32_t corner = 0; corner < 8; ++corner)
                     LM[corner] =
                         1 + x + (corner & 1) + row * (y + (corner >> 1 & 1) + row * (z + (corner >> 2)));
-                zurt::SparseAddElement(8, {LM, 8}, {S.data(), 8, 8});
+                zurt::SparseAddElement(tree, 8, {LM, 8}, {S.data(), 8, 8});
             }
     return Word{row} * row * row;
 }
@@ -110,7 +114,7 @@ Word AssembleCube(std::int32_t side) {
 TEST(SparseSolverDeathTest, SameBitsInEveryProcess) {
     std::mt19937 random(4);
     const Reals vector = RandomVector(AssembleCube(19), random);
-    zurt::SparseKill(0);
+    zurt::SparseKill(tree, 0);
     const std::string folder = zurt_test::MakeTemporaryFolder();
     std::string first;
     for (const char* name : {"/1", "/2", "/3", "/4"}) {

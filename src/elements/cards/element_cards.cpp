@@ -3,7 +3,7 @@
 #include "core/stop.h"
 #include "core/widened_constants.h"
 #include "geometry/group_views.h"
-#include "solver/assembly.h"
+#include "solver/linear_system.h"
 
 #include <cmath>
 #include <string>
@@ -68,17 +68,18 @@ void CheckNode(const ElementReader& reader, int column, Word node) {
                            std::to_string(NP));
 }
 
-// The sparse assembler takes elements of so many nodes and no more.
-void CheckSparseNodes(const ElementReader& reader) {
-    if (reader.run.sizes.SparseMode == 0)
+// A solver may take elements of so many nodes and no more.
+void CheckNodeCount(const ElementReader& reader) {
+    const ElementLimit limit = ElementLimitOf(reader.run);
+    if (limit.nodes == 0)
         return;
     Word count = 0;
     for (int column = 0; column < reader.group.NDMAX; ++column)
         count += reader.nodes[column] != 0;
-    if (count > kMaxSparseNodes)
+    if (count > limit.nodes)
         ReportElementField(reader, reader.family.midSideCard, "number of nodes", count,
-                           "with the sparse solver (SolverSelector 2) an element has at most " +
-                               std::to_string(kMaxSparseNodes) + " nodes");
+                           std::string("with ") + limit.solver + " an element has at most " +
+                               std::to_string(limit.nodes) + " nodes");
 }
 
 // Under ITOR 2 a source of a quadrilateral asks for the potential of the element's nodes.
@@ -211,7 +212,7 @@ void MakeElement(ElementReader& reader) {
     if (reader.number == reader.card.NN && reader.group.NDMAX > reader.columnsOnCard)
         ReadMidSideCard(reader);
     StoreElement(reader, fields);
-    CheckSparseNodes(reader);
+    CheckNodeCount(reader);
     CheckPotential(reader, fields.source);
     if (reader.echo)
         EchoElement(reader, fields);

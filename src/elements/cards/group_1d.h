@@ -9,7 +9,7 @@ namespace zurt {
 /// Layouts, defaults and texts of the family.
 const FamilyCards& LineCards();
 
-/// Reads a 1D group: group card, data block, element cards, column heights.
+/// Reads a 1D group: group card, data block, element cards, layout.
 void ReadGroup1D(Run& run, ElementGroup& group);
 
 } // namespace zurt

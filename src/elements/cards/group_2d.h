@@ -9,7 +9,7 @@ namespace zurt {
 /// Layouts, defaults and texts of the family.
 const FamilyCards& QuadrilateralCards();
 
-/// Reads a 2D group: group card, data block, element cards, column heights.
+/// Reads a 2D group: group card, data block, element cards, layout.
 void ReadGroup2D(Run& run, ElementGroup& group);
 
 } // namespace zurt

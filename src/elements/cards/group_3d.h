@@ -9,7 +9,7 @@ namespace zurt {
 /// Layouts, defaults and texts of the family.
 const FamilyCards& BrickCards();
 
-/// Reads a 3D group: group card, data block, element cards, column heights.
+/// Reads a 3D group: group card, data block, element cards, layout.
 void ReadGroup3D(Run& run, ElementGroup& group);
 
 } // namespace zurt

@@ -5,7 +5,7 @@
 #include "elements/cards/element_cards.h"
 #include "geometry/gauss_rules.h"
 #include "run/partition.h"
-#include "solver/skyline_layout.h"
+#include "solver/linear_system.h"
 
 #include <cmath>
 #include <string>
@@ -92,16 +92,9 @@ void TakeDataBlock(Run& run, ElementGroup& group) {
     ClearWords(run.A, group.LNEL, run.A.LMAX - 1);
 }
 
-// --- column heights -----------------------------------------------------------------------------------------------
-
-void RaiseHeightsOfGroup(Run& run, const ElementGroup& group) {
-    std::int32_t LM[kMaxColumns];
-    ComputeColumnHeights(DiagonalPositions(run), EquationNumbers(run), Connectivity(run, group),
-                         IntArray(LM, kMaxColumns), group.NET, run.sizes.JEDN, false, group.NDMAX,
-                         run.sizes.NWK);
-}
-
 } // namespace
+
+static_assert(kMaxColumns <= kMostLayoutNodes);
 
 void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family) {
     const std::int32_t first = NumberOfNextCard(run.deck);
@@ -112,25 +105,7 @@ void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& fa
         EchoFamilyGroupCard(run, group, family, first);
     TakeDataBlock(run, group);
     ReadElementCards(run, group, family);
-    if (run.sizes.SparseMode == 0)
-        RaiseHeightsOfGroup(run, group);
-}
-
-void FinishColumnPointers(Run& run) {
-    const WorkingVector& A = run.A;
-    if (A.LMAX > A.NTOTA) {
-        TextUnit& unit = BeginMessage(run);
-        Write(unit, "(A)",
-              Say(run, "NEDOVOLJNA DIMENZIJA U VEKTORU A-ZA FORMIRANJE MAXA",
-                  " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR MAXA"));
-        const Format number(Say(run, "(A,I9)", "(A,I10)"));
-        Write(unit, number, Say(run, "POTREBNA DIMENZIJA , LMAX=", " REQUIRED DIMENSION, LMAX ="), A.LMAX);
-        Write(unit, number, Say(run, "RASPOLOZIVA DIMENZIJA , NTOTA=", " AVAILABLE DIMENSION, NTOTA="),
-              A.NTOTA);
-        NoteSectionOutside(run);
-        StopRun(unit);
-    }
-    SetMatrixLength(run, MakeColumnPointers(DiagonalPositions(run), run.sizes.JEDN));
+    LayOutElements(run, NumberingOf(run), Connectivity(run, group), group.NDMAX, {});
 }
 
 } // namespace zurt

@@ -1,5 +1,5 @@
 // Reading of an element group of the isoparametric families: group card, data block in `A`, element cards with their
-// generation, column heights.
+// generation, its part of the layout.
 //
 // The families share everything but their cards, their defaults and some words; a FamilyCards row says what differs.
 // Called by the read functions of the families; behind ReadElementGroup.
@@ -10,12 +10,8 @@
 
 namespace zurt {
 
-/// Reads the group's cards into `group` and its data block, with echo, and raises the column heights by the group's
-/// connectivity unless the run is in sparse mode. Ends the run with the family's messages or with a deck error.
+/// Reads the group's cards into `group` and its data block, with echo, and adds its elements to the layout of the linear
+/// system. Ends the run with the family's messages or with a deck error.
 void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family);
-
-/// After the last group, whatever its family: the slot of the heights becomes MAXA, NWK is set. Stops the run
-/// when LMAX has passed the end of `A`.
-void FinishColumnPointers(Run& run);
 
 } // namespace zurt

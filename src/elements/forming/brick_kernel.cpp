@@ -254,21 +254,13 @@ ZURT_INLINE void SumAllPoints(const BrickRule& rule, bool transient, double dt, 
 
 // --- one copy for each set of instructions -------------------------------------------------------------------------
 
-#define ZURT_BRICK_KERNELS(SUFFIX, WIDTH, TARGET)                                                            \
-    TARGET void LocateBrickPoints##SUFFIX(const BrickRule& rule, const NodeCoordinates<3>& CORE,             \
-                                          const double* TE1, BrickValues& brick) {                           \
-        LocateAllPoints<WIDTH>(rule, CORE, TE1, brick);                                                      \
-    }                                                                                                        \
-    TARGET void SumBrick##SUFFIX(const BrickRule& rule, bool transient, double dt, const double* TE0,        \
-                                 const double* TE1, BrickValues& brick, double* packed) {                    \
-        SumAllPoints<WIDTH>(rule, transient, dt, TE0, TE1, brick, packed);                                   \
-    }
-
-ZURT_BRICK_KERNELS(Portable, 2, )
-#ifdef __x86_64__
-ZURT_BRICK_KERNELS(Avx2, 4, __attribute__((target("avx2"))))
-ZURT_BRICK_KERNELS(Avx512, 8, __attribute__((target("avx512f"))))
-#endif
+ZURT_KERNEL(void, LocateCopy, LocateAllPoints,
+            (const BrickRule& rule, const NodeCoordinates<3>& CORE, const double* TE1, BrickValues& brick),
+            (rule, CORE, TE1, brick))
+ZURT_KERNEL(void, SumCopy, SumAllPoints,
+            (const BrickRule& rule, bool transient, double dt, const double* TE0, const double* TE1,
+             BrickValues& brick, double* packed),
+            (rule, transient, dt, TE0, TE1, brick, packed))
 
 } // namespace
 
@@ -288,30 +280,12 @@ void SetBrickRule(const ElementPoints<3>& points, BrickRule& rule) {
 
 void LocateBrickPoints(InstructionSet instructions, const BrickRule& rule, const NodeCoordinates<3>& CORE,
                        const double* TE1, BrickValues& brick) {
-    switch (instructions) {
-#ifdef __x86_64__
-    case InstructionSet::Avx512:
-        return LocateBrickPointsAvx512(rule, CORE, TE1, brick);
-    case InstructionSet::Avx2:
-        return LocateBrickPointsAvx2(rule, CORE, TE1, brick);
-#endif
-    default:
-        return LocateBrickPointsPortable(rule, CORE, TE1, brick);
-    }
+    LocateCopy(instructions)(rule, CORE, TE1, brick);
 }
 
 void SumBrick(InstructionSet instructions, const BrickRule& rule, bool transient, double dt,
               const double* TE0, const double* TE1, BrickValues& brick, double* packed) {
-    switch (instructions) {
-#ifdef __x86_64__
-    case InstructionSet::Avx512:
-        return SumBrickAvx512(rule, transient, dt, TE0, TE1, brick, packed);
-    case InstructionSet::Avx2:
-        return SumBrickAvx2(rule, transient, dt, TE0, TE1, brick, packed);
-#endif
-    default:
-        return SumBrickPortable(rule, transient, dt, TE0, TE1, brick, packed);
-    }
+    SumCopy(instructions)(rule, transient, dt, TE0, TE1, brick, packed);
 }
 
 } // namespace zurt

@@ -10,7 +10,7 @@
 #include "elements/forming/volume_source.h"
 #include "elements/surfaces/surface_terms.h"
 #include "geometry/group_views.h"
-#include "solver/assembly.h"
+#include "solver/linear_system.h"
 
 #include <algorithm>
 
@@ -187,7 +187,7 @@ void FormBrick(FormVisit<3>& visit) {
     BrickValues& brick = visit.brick->values;
     const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
     const ConstIntArray LM(element.LM, kBrickNodes);
-    SkylinePlaces places;
+    ElementPlaces places;
     LocateElement(visit.system, LM, kBrickNodes, places);
     std::fill(brick.FE, brick.FE + kBrickNodes, 0.0);
     LocateBrickPoints(visit.brick->instructions, rule, element.CORE, element.TE1, brick);

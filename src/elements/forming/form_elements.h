@@ -17,7 +17,7 @@ template <int Dimension> void FormGroup(Run& run, ElementGroup& group);
 /// Likewise; the elements add their fluxes and coefficients to the nodal sums.
 template <int Dimension> void AddGroupFluxes(Run& run, ElementGroup& group);
 
-/// Forms elements 1..NET and adds them to the system (solver/assembly.h). `conduction` is the place of the packed
+/// Forms elements 1..NET and adds them to the system (solver/linear_system.h). `conduction` is the place of the packed
 /// element matrix in `A`. Stops the run on an element without a positive Jacobian and on curves asked for values outside
 /// their range.
 template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction);

@@ -315,8 +315,7 @@ void ReadGroupRadial(Run& run, ElementGroup& group) {
     TakeRadialBlock(run, group);
     SetSubstructureInitialValues(run, group);
     ReadRadialElements(run, group);
-    if (!group.radial.substructured && run.sizes.SparseMode == 0)
-        RaiseRadialHeights(run, group, EquationNumbers(run), run.sizes.JEDN, DiagonalPositions(run));
+    LayOutRadialGroup(run, group, NumberingOf(run));
 }
 
 } // namespace zurt

@@ -31,7 +31,7 @@ extern const CardLayout kRadialElementCard;
 extern const CardLayout kRadialNodeCard;
 
 /// Reads a radial group: group card, data block in `A`, element cards with echo. Fibres with ISUB4 1 write their inner
-/// nodes to the graphics file; others raise the column heights unless the run is in sparse mode. Ends the run when
+/// nodes to the graphics file; others add their elements to the layout of the linear system. Ends the run when
 /// NSUBEL4MX is above kMaxSubElements, when an element number is above NET, and when the block does not fit into `A`;
 /// numbers that are used as indices and lie outside their arrays are deck errors.
 void ReadGroupRadial(Run& run, ElementGroup& group);

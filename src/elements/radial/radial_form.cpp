@@ -7,7 +7,7 @@
 #include "geometry/gather.h"
 #include "geometry/radial_views.h"
 #include "microscale/degradation.h"
-#include "solver/assembly.h"
+#include "solver/linear_system.h"
 #include "solver/skyline_assembly.h"
 
 #include <cmath>
@@ -82,7 +82,7 @@ void AddRing(const RadialVisit& visit, const SystemTarget& system, const RadialR
 }
 
 void FormAssembled(const RadialVisit& visit, RealArray packed) {
-    const Run& run = visit.run;
+    Run& run = visit.run;
     const SystemTarget system = SystemTargetOf(run);
     const ConstIntTable nodes = RadialNodes(run, visit.group);
     const ConstRealArray partition = PartitionValue(run, visit.group);
