@@ -42,7 +42,7 @@ std::int64_t TicksLeft() {
 
 // The names that the linker looks for: __wrap_ takes the call, __real_ is the program's own.
 
-void WrapStopIfInterrupted() __asm__("__wrap__ZN4zurt16StopIfInterruptedEv");
+void WrapStopIfInterrupted() __asm__("__wrap__ZN4zurt17StopIfInterruptedEv");
 void WrapStopIfInterrupted() {
     TakeTicks(kTicksOfLoop);
 }
