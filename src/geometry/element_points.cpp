@@ -6,16 +6,6 @@ namespace zurt {
 
 namespace {
 
-void EvaluateShape(const double (&place)[1], const ActiveNodes& active, ShapeValues<1>& shape) {
-    ShapeFunctions1D(place[0], active, shape);
-}
-void EvaluateShape(const double (&place)[2], const ActiveNodes& active, ShapeValues<2>& shape) {
-    ShapeFunctions2D(place[0], place[1], active, shape);
-}
-void EvaluateShape(const double (&place)[3], const ActiveNodes& active, ShapeValues<3>& shape) {
-    ShapeFunctions3D(place[0], place[1], place[2], active, shape);
-}
-
 // The next point of the rule in `number` (from 1 in each direction), the last direction running fastest; false behind the
 // last point.
 template <int Dimension> bool NextPoint(const std::int32_t* orders, std::int32_t (&number)[Dimension]) {
@@ -43,7 +33,7 @@ void SetElementPoints(const ActiveNodes& active, const std::int32_t* orders,
             point.place[d] = XG(orders[d], number[d]);
             point.weight *= WGT(orders[d], number[d]);
         }
-        EvaluateShape(point.place, active, point.shape);
+        ShapeFunctionsAt(point.place, active, point.shape);
     } while (NextPoint(orders, number));
 }
 

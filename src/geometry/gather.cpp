@@ -20,14 +20,19 @@ bool FindPrescribed(const NodalViews& views, std::int32_t node, double& TE1, dou
 
 } // namespace
 
-NodalViews NodalViewsOf(const Run& run) {
-    const Pointers& at = run.control.at;
-    const Word NZADC = run.control.counts.NZADC;
+NodalViews NodalPlacesOf(const Run& run) {
     NodalViews views;
     views.ID = EquationNumbers(run);
     views.X = CoordinateColumn(run, 1);
     views.Y = CoordinateColumn(run, 2);
     views.Z = CoordinateColumn(run, 3);
+    return views;
+}
+
+NodalViews NodalViewsOf(const Run& run) {
+    const Pointers& at = run.control.at;
+    const Word NZADC = run.control.counts.NZADC;
+    NodalViews views = NodalPlacesOf(run);
     views.T = StepSolution(run);
     views.T0 = StepStart(run);
     views.outletStart = run.clock.OutletStart;

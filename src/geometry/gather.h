@@ -26,6 +26,9 @@ struct NodalViews {
 
 NodalViews NodalViewsOf(const Run& run);
 
+/// Views of numbers and places alone, for use before there is a solution: every value gathered is 0.
+NodalViews NodalPlacesOf(const Run& run);
+
 /// Column k (from 0) belongs to the element's node k + 1 in compressed order. (The increment of the step has no entry:
 /// no term reads it.)
 template <int Dimension> struct ElementNodes {

@@ -120,19 +120,30 @@ template <int Dimension> void EndsOfEdge(int number, int (&ends)[2]) {
 template void EndsOfEdge<2>(int number, int (&ends)[2]);
 template void EndsOfEdge<3>(int number, int (&ends)[2]);
 
-void ShapeFunctions3D(double r, double s, double t, const ActiveNodes& active, ShapeValues<3>& shape) {
-    const DirectionFactors factors[3] = {FactorsAt(r), FactorsAt(s), FactorsAt(t)};
+template <int Dimension>
+void ShapeFunctionsAt(const double* place, const ActiveNodes& active, ShapeValues<Dimension>& shape) {
+    DirectionFactors factors[Dimension];
+    for (int d = 0; d < Dimension; ++d)
+        factors[d] = FactorsAt(place[d]);
     EvaluateShapes(factors, active, shape);
+}
+
+template void ShapeFunctionsAt(const double*, const ActiveNodes&, ShapeValues<1>&);
+template void ShapeFunctionsAt(const double*, const ActiveNodes&, ShapeValues<2>&);
+template void ShapeFunctionsAt(const double*, const ActiveNodes&, ShapeValues<3>&);
+
+void ShapeFunctions3D(double r, double s, double t, const ActiveNodes& active, ShapeValues<3>& shape) {
+    const double place[3] = {r, s, t};
+    ShapeFunctionsAt(place, active, shape);
 }
 
 void ShapeFunctions2D(double r, double s, const ActiveNodes& active, ShapeValues<2>& shape) {
-    const DirectionFactors factors[2] = {FactorsAt(r), FactorsAt(s)};
-    EvaluateShapes(factors, active, shape);
+    const double place[2] = {r, s};
+    ShapeFunctionsAt(place, active, shape);
 }
 
 void ShapeFunctions1D(double r, const ActiveNodes& active, ShapeValues<1>& shape) {
-    const DirectionFactors factors[1] = {FactorsAt(r)};
-    EvaluateShapes(factors, active, shape);
+    ShapeFunctionsAt(&r, active, shape);
 }
 
 } // namespace zurt

@@ -55,4 +55,22 @@ void ShapeFunctions2D(double r, double s, const ActiveNodes& active, ShapeValues
 /// The same for the line; its third node is its centre.
 void ShapeFunctions1D(double r, const ActiveNodes& active, ShapeValues<1>& shape);
 
+/// The same for each of them at place(0..Dimension - 1).
+template <int Dimension>
+void ShapeFunctionsAt(const double* place, const ActiveNodes& active, ShapeValues<Dimension>& shape);
+
+/// How many nodes an element has: `Nodes`, a count known when the program is compiled; 0 takes ND.
+template <int Nodes> inline int NodeCount(int ND) {
+    return Nodes > 0 ? Nodes : ND;
+}
+
+/// sum of N(i) v(i).
+template <int Nodes, int Columns>
+inline double Interpolate(const double (&H)[Columns], const double* v, int ND) {
+    double sum = 0.0;
+    for (int i = 0; i < NodeCount<Nodes>(ND); ++i)
+        sum += H[i] * v[i];
+    return sum;
+}
+
 } // namespace zurt

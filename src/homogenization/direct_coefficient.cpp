@@ -1,7 +1,6 @@
 #include "homogenization/direct_coefficient.h"
 
 #include "core/format.h"
-#include "elements/forming/element_kernel.h"
 #include "elements/forming/element_visit.h"
 #include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
@@ -20,9 +19,6 @@ namespace {
 
 /// Nodes this close to an end of the domain, relative to its length, lie in the end's cross-section.
 constexpr double kInPlane = 1e-9;
-
-/// The coordinate, from 0, that is the radius in axisymmetric groups.
-constexpr int kRadiusAxis = 1;
 
 struct Domain {
     int axis = 0;                              // direction INDDEG, from 0
@@ -47,12 +43,12 @@ Domain DomainOf(const Run& run) {
     return domain;
 }
 
-template <int Dimension> bool LiesWithin(const Domain& domain, const ElementVisit<Dimension>& visit) {
-    const int ND = visit.points.active.ND;
+template <int Dimension> bool LiesWithin(const Domain& domain, const ElementWalk<Dimension>& walk) {
+    const int ND = walk.points.active.ND;
     for (int axis = 0; axis < Dimension; ++axis) {
         double centre = 0.0;
         for (int k = 0; k < ND; ++k)
-            centre += visit.element.CORE[axis][k];
+            centre += walk.element.CORE[axis][k];
         centre /= ND;
         if (centre < domain.boxLow[axis] || centre > domain.boxHigh[axis])
             return false;
@@ -63,54 +59,39 @@ template <int Dimension> bool LiesWithin(const Domain& domain, const ElementVisi
 template <int Dimension> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
     if (domain.axis >= Dimension)
         return;
-    ElementVisit<Dimension> visit{run, group};
-    BeginElementVisit(visit, group.NGAUS);
+    ElementWalk<Dimension> walk{run, group};
+    BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
     for (std::int32_t n = 1; n <= group.NET; ++n) {
-        TakeElement(visit, n);
-        if (!LiesWithin(domain, visit))
+        TakeWalkElement(walk, n);
+        if (!LiesWithin(domain, walk))
             continue;
-        const double* x = visit.element.CORE[domain.axis];
-        const auto [low, high] = std::minmax_element(x, x + visit.points.active.ND);
+        const double* x = walk.element.CORE[domain.axis];
+        const auto [low, high] = std::minmax_element(x, x + walk.points.active.ND);
         domain.low = std::min(domain.low, *low);
         domain.high = std::max(domain.high, *high);
     }
 }
 
-// A point's part of the volume of its group, and of the group's area: the two differ by the radius in axisymmetric groups.
-struct PointMeasures {
-    double volume = 0.0, area = 0.0;
-};
-
 // By the divergence theorem the integral of a shape function's derivative along the axis is what the function has of the
 // two end faces: positive at the high one, negative at the low one. Along the radius the divergence has N / r beside it.
 template <int Dimension>
-void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementVisit<Dimension>& visit,
-                 const ElementPoint<Dimension>& point, const PointMeasures& w, Domain& domain) {
-    const bool alongRadius = Dimension == 2 && visit.group.INDAX != 0 && domain.axis == kRadiusAxis;
+void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementWalk<Dimension>& walk,
+                 const ElementPoint<Dimension>& point, double w, Domain& domain) {
+    const bool alongRadius = Dimension == 2 && walk.axisymmetric && domain.axis == kRadiusAxis<Dimension>;
     const double tolerance = kInPlane * (domain.high - domain.low);
-    for (int k = 0; k < visit.points.active.ND; ++k) {
-        const double x = visit.element.CORE[domain.axis][k];
+    for (int k = 0; k < walk.points.active.ND; ++k) {
+        const double x = walk.element.CORE[domain.axis][k];
         const int end = std::fabs(x - domain.low) <= tolerance ? 0 : 1;
         if (end == 1 && std::fabs(x - domain.high) > tolerance)
             continue;
-        double area = w.volume * jacobian.HX[domain.axis][k];
+        double area = w * jacobian.HX[domain.axis][k];
         if (alongRadius)
-            area += w.area * point.shape.H[k];
+            area += point.weight * jacobian.DET * point.shape.H[k];
         if (end == 0)
             area = -area;
         domain.endArea[end] += area;
-        domain.endAmount[end] += area * visit.element.TE1[k];
+        domain.endAmount[end] += area * walk.element.TE1[k];
     }
-}
-
-template <int Dimension>
-PointMeasures MeasuresOf(const ElementVisit<Dimension>& visit, const ElementPoint<Dimension>& point,
-                         double DET) {
-    const double area = point.weight * DET;
-    if (Dimension != 2 || visit.group.INDAX == 0)
-        return {area, area};
-    return {area * Interpolate<0>(point.shape.H, visit.element.CORE[kRadiusAxis], visit.points.active.ND),
-            area};
 }
 
 // What of point p (from 1) is fluid.
@@ -123,25 +104,23 @@ template <int Dimension> double FluidShare(const ElementVisit<Dimension>& visit,
 }
 
 template <int Dimension>
-void AddPoint(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
+void AddPointToDomain(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
     const ElementPoint<Dimension>& point = visit.rule->point[p];
-    const int ND = visit.points.active.ND;
+    const ElementWalk<Dimension>& walk = visit.walk;
+    const int ND = walk.points.active.ND;
     JacobianValues<Dimension> jacobian;
-    if (!JacobianVolume<Dimension>(point.shape, visit.element.CORE, ND, jacobian))
-        StopOnElementJacobian(visit, point, jacobian.DET);
-    const PointMeasures measures = MeasuresOf(visit, point, jacobian.DET);
-    const double w = measures.volume;
+    const double w = LocatePoint(walk, point, jacobian);
     domain.volume += w;
     if (!takesPart)
         return;
-    const double TG = Interpolate<0>(point.shape.H, visit.element.TE1, ND);
-    EvaluatePoint(visit, p + 1, TG);
+    const double TG = Interpolate<0>(point.shape.H, walk.element.TE1, ND);
+    EvaluateCoefficientsAt(visit, p + 1, TG);
     const double K[3] = {visit.coefficients.KX, visit.coefficients.KY, visit.coefficients.KZ};
-    domain.flow += w * K[domain.axis] * Interpolate<0>(jacobian.HX[domain.axis], visit.element.TE1, ND);
+    domain.flow += w * K[domain.axis] * Interpolate<0>(jacobian.HX[domain.axis], walk.element.TE1, ND);
     const double inFluid = FluidShare(visit, p + 1) * w;
     domain.fluid += inFluid;
     domain.amount += inFluid * TG;
-    AddEndNodes(jacobian, visit, point, measures, domain);
+    AddEndNodes(jacobian, walk, point, w, domain);
 }
 
 template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
@@ -150,12 +129,12 @@ template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& do
     ElementVisit<Dimension> visit{run, group};
     BeginElementVisit(visit, group.NGAUS);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
-        TakeElement(visit, n);
-        if (!LiesWithin(domain, visit))
+        VisitElement(visit, n);
+        if (!LiesWithin(domain, visit.walk))
             continue;
         const bool takesPart = TakesPart(visit, n);
         for (int p = 0; p < visit.rule->count; ++p)
-            AddPoint(visit, p, takesPart, domain);
+            AddPointToDomain(visit, p, takesPart, domain);
     }
 }
 

@@ -67,7 +67,7 @@ CutSearch<Dimension> BeginCuts(const Run& run, const ElementGroup& group, FibreG
 
 // Records and volumes of the walk's element in hand if a wall cuts it.
 template <int Dimension>
-bool TakeCut(CutSearch<Dimension>& cuts, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+bool TakeCut(CutSearch<Dimension>& cuts, const ElementWalk<Dimension>& walk, const FibreSearch& search,
              FibreGroup& marks, FibreModel& model) {
     if (cuts.run.options.wallCells == 0 || !CutByWall(cuts.cells, walk, search, cuts.cut))
         return false;
@@ -114,16 +114,18 @@ void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search,
     marks.elementMark.assign(static_cast<std::size_t>(group.NET), 0);
     marks.records.resize(static_cast<std::size_t>(marks.points * group.NET));
     GaussFibreRecord* record = marks.records.data();
-    GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk, group.NGAUS);
+    ElementWalk<Dimension> walk{run, group};
+    BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
     CutSearch<Dimension> cuts = BeginCuts<Dimension>(run, group, marks);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
         const bool cut = TakeCut(cuts, walk, search, marks, model);
         bool fluid = cut;
         for (int p = 0; p < marks.points; ++p, ++record) {
-            double X[3], w;
-            PlaceWalkPoint(walk, walk.points.point[p], X, w);
+            double X[3];
+            JacobianValues<Dimension> jacobian;
+            PlaceOfPoint(walk, walk.points.point[p], X);
+            const double w = LocatePoint(walk, walk.points.point[p], jacobian);
             FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
             if (cut)
                 continue;
@@ -151,13 +153,15 @@ void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, con
     RequireRoomForRecords(run, group, points * group.NET);
     records.resize(static_cast<std::size_t>(points * group.NET));
     GaussFibreRecord* record = records.data();
-    GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk, kFluxOrders);
+    ElementWalk<Dimension> walk{run, group};
+    BeginWalk(walk, kFluxOrders, NodalPlacesOf(run));
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
         for (int p = 0; p < walk.points.count; ++p, ++record) {
-            double X[3], w;
-            PlaceWalkPoint(walk, walk.points.point[p], X, w);
+            double X[3];
+            JacobianValues<Dimension> jacobian; // judged here, ahead of the solution
+            LocatePoint(walk, walk.points.point[p], jacobian);
+            PlaceOfPoint(walk, walk.points.point[p], X);
             FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
         }
     }

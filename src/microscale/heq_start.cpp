@@ -31,8 +31,8 @@ template <int Dimension> struct HeqPass {
 };
 
 template <int Dimension>
-void AddPoint(HeqPass<Dimension>& pass, const double (&H)[kMaxNodes<Dimension>], int ND, const double (&X)[3],
-              double w) {
+void AddWallDistance(HeqPass<Dimension>& pass, const double (&H)[kMaxNodes<Dimension>], int ND,
+                     const double (&X)[3], double w) {
     double d = WallDistance(SearchNearestFibre(pass.search, X));
     if (d > pass.wallCut)
         return;
@@ -47,7 +47,7 @@ void AddPoint(HeqPass<Dimension>& pass, const double (&H)[kMaxNodes<Dimension>],
 
 // Nodes that several marked elements share are passed over.
 template <int Dimension>
-void AddElementMeans(HeqPass<Dimension>& pass, const GaussWalk<Dimension>& walk, ConstIntArray nodeMarks) {
+void AddElementMeans(HeqPass<Dimension>& pass, const ElementWalk<Dimension>& walk, ConstIntArray nodeMarks) {
     for (int k = 0; k < walk.points.active.ND; ++k) {
         const std::int32_t node = walk.element.node[k];
         if (!(pass.A[k] > pass.tolerance) || nodeMarks(node) != 1)
@@ -75,8 +75,8 @@ double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& gr
                        HeqPass<Dimension>& pass, double& domainVolume) {
     pass.sum.assign(static_cast<std::size_t>(nodeMarks.length), 0.0);
     pass.count.assign(static_cast<std::size_t>(nodeMarks.length), 0);
-    GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk, group.NGAUS);
+    ElementWalk<Dimension> walk{run, group};
+    BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
     domainVolume = 0.0;
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
@@ -84,11 +84,13 @@ double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& gr
         for (int k = 0; k < ND; ++k)
             pass.A[k] = pass.B[k] = 0.0;
         for (int p = 0; p < walk.points.count; ++p) {
-            double X[3], w;
-            PlaceWalkPoint(walk, walk.points.point[p], X, w);
+            double X[3];
+            JacobianValues<Dimension> jacobian;
+            PlaceOfPoint(walk, walk.points.point[p], X);
+            const double w = LocatePoint(walk, walk.points.point[p], jacobian);
             domainVolume += w;
             if (ElementMarked(marks, n))
-                AddPoint(pass, walk.points.point[p].shape.H, ND, X, w);
+                AddWallDistance(pass, walk.points.point[p].shape.H, ND, X, w);
         }
         AddElementMeans(pass, walk, nodeMarks);
     }

@@ -22,13 +22,6 @@ double LagrangeAt(std::int32_t order, std::int32_t k, double x) {
     return value;
 }
 
-void EvaluateShape(const double (&at)[3], const ActiveNodes& active, ShapeValues<2>& shape) {
-    ShapeFunctions2D(at[0], at[1], active, shape);
-}
-void EvaluateShape(const double (&at)[3], const ActiveNodes& active, ShapeValues<3>& shape) {
-    ShapeFunctions3D(at[0], at[1], at[2], active, shape);
-}
-
 // Sub-points run as those of a rule do, the last direction fastest; in the plane the third direction has one.
 template <int Dimension, class Visit>
 void ForAllSubPoints(const WallCells<Dimension>& cells, const Visit& visit) {
@@ -51,7 +44,7 @@ template <int Dimension> void TakeShapes(WallCells<Dimension>& cells, const Acti
                               cells.place[static_cast<std::size_t>(j)],
                               cells.place[static_cast<std::size_t>(k)]};
         ShapeValues<Dimension> shape;
-        EvaluateShape(at, active, shape);
+        ShapeFunctionsAt(at, active, shape);
         cells.H.insert(cells.H.end(), shape.H, shape.H + active.ND);
     });
     cells.nearest.resize(cells.H.size() / static_cast<std::size_t>(active.ND));
@@ -154,7 +147,7 @@ template <int Dimension> void SumMoments(const WallCells<Dimension>& cells, std:
 
 // Means over the fluid sub-points that lie nearest to each point of the rule, for points that lie in a fibre.
 template <int Dimension>
-void TakeFluidNearby(const WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk,
+void TakeFluidNearby(const WallCells<Dimension>& cells, const ElementWalk<Dimension>& walk,
                      const FibreSearch& search, CutElement& cut) {
     const std::int32_t order = cells.order;
     const auto pointOf = [&](std::int32_t i) { return i * order / cells.along; };
@@ -190,15 +183,17 @@ void TakeFluidNearby(const WallCells<Dimension>& cells, const GaussWalk<Dimensio
 }
 
 template <int Dimension>
-void Condense(const WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, const FibreSearch& search,
-              CutElement& cut) {
+void Condense(const WallCells<Dimension>& cells, const ElementWalk<Dimension>& walk,
+              const FibreSearch& search, CutElement& cut) {
     SumMoments(cells, cut.share);
     cut.records.resize(cut.share.size());
     cut.fluid = cut.volume = 0.0;
     for (int p = 0; p < cells.rule.count; ++p) {
         const auto place = static_cast<std::size_t>(p);
-        double X[3], w;
-        PlaceWalkPoint(walk, cells.rule.point[p], X, w);
+        double X[3];
+        PlaceOfPoint(walk, cells.rule.point[p], X);
+        JacobianValues<Dimension> jacobian;
+        const double w = LocatePoint(walk, cells.rule.point[p], jacobian);
         cut.share[place] /= cells.rule.point[p].weight;
         cut.fluid += w * cut.share[place];
         cut.volume += w;
@@ -224,7 +219,7 @@ template <int Dimension> WallCells<Dimension> MakeWallCells(std::int32_t N, std:
 }
 
 template <int Dimension>
-bool CutByWall(WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+bool CutByWall(WallCells<Dimension>& cells, const ElementWalk<Dimension>& walk, const FibreSearch& search,
                CutElement& cut) {
     const ActiveNodes& active = walk.points.active;
     if (IsFarFromWalls<Dimension>(search, walk.element, active.ND))
@@ -246,7 +241,7 @@ bool CutByWall(WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, co
 
 template WallCells<2> MakeWallCells<2>(std::int32_t, std::int32_t);
 template WallCells<3> MakeWallCells<3>(std::int32_t, std::int32_t);
-template bool CutByWall<2>(WallCells<2>&, const GaussWalk<2>&, const FibreSearch&, CutElement&);
-template bool CutByWall<3>(WallCells<3>&, const GaussWalk<3>&, const FibreSearch&, CutElement&);
+template bool CutByWall<2>(WallCells<2>&, const ElementWalk<2>&, const FibreSearch&, CutElement&);
+template bool CutByWall<3>(WallCells<3>&, const ElementWalk<3>&, const FibreSearch&, CutElement&);
 
 } // namespace zurt

@@ -45,7 +45,7 @@ struct CutElement {
 
 /// Looks for a wall in the walk's element in hand. False when its sub-points lie on one side; else `cut` is filled.
 template <int Dimension>
-bool CutByWall(WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+bool CutByWall(WallCells<Dimension>& cells, const ElementWalk<Dimension>& walk, const FibreSearch& search,
                CutElement& cut);
 
 } // namespace zurt

@@ -32,16 +32,15 @@ void SetFlux(const JacobianValues<Dimension>& jacobian, const double* TE1, int N
 // Flux and coefficients of the corners of the element in hand by their Gauss points.
 template <int Dimension>
 void EvaluateCorners(ElementVisit<Dimension>& visit, ElementResults<Dimension>& results) {
-    const ElementNodes<Dimension>& element = visit.element;
-    const int ND = visit.points.active.ND;
+    const ElementNodes<Dimension>& element = visit.walk.element;
+    const int ND = visit.walk.points.active.ND;
     const Coefficients& K = visit.coefficients;
-    for (int p = 0; p < visit.points.count; ++p) {
-        const ElementPoint<Dimension>& point = visit.points.point[p];
+    for (int p = 0; p < visit.walk.points.count; ++p) {
+        const ElementPoint<Dimension>& point = visit.walk.points.point[p];
         JacobianValues<Dimension> jacobian;
-        if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
-            StopOnElementJacobian(visit, point, jacobian.DET);
+        LocatePoint(visit.walk, point, jacobian);
         const double TG = Interpolate<0>(point.shape.H, element.TE1, ND);
-        EvaluatePoint(visit, p + 1, TG);
+        EvaluateCoefficientsAt(visit, p + 1, TG);
         NodalResult& result = results[kCornerOfPoint<Dimension>[p]];
         const double byAxis[3] = {K.KX, K.KY, K.KZ};
         std::copy(byAxis, byAxis + Dimension, result.coefficient);
@@ -89,12 +88,12 @@ template <int Dimension> void AddElementFluxes(Run& run, ElementGroup& group) {
         if (!TakesPart(visit, n))
             continue;
         AnnounceElement(run, n);
-        TakeElement(visit, n);
+        VisitElement(visit, n);
         ElementResults<Dimension> results;
         EvaluateCorners<Dimension>(visit, results);
-        SpreadToMidSides<Dimension>(visit.points.active, results);
-        for (int k = 0; k < visit.points.active.ND; ++k)
-            AddNodalResult(sums, visit.element.node[k], results[k]);
+        SpreadToMidSides<Dimension>(visit.walk.points.active, results);
+        for (int k = 0; k < visit.walk.points.active.ND; ++k)
+            AddNodalResult(sums, visit.walk.element.node[k], results[k]);
     }
 }
 

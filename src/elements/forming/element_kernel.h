@@ -17,10 +17,6 @@ template <int Dimension, int Nodes> struct ElementSums {
     double FE[kRows];
 };
 
-template <int Nodes> inline int NodeCount(int ND) {
-    return Nodes > 0 ? Nodes : ND;
-}
-
 template <int Dimension, int Nodes> inline void ClearSums(ElementSums<Dimension, Nodes>& sums, int ND) {
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i) {
         for (int j = 0; j < NodeCount<Nodes>(ND); ++j)
@@ -113,15 +109,6 @@ inline void PackUpper(const ElementSums<Dimension, Nodes>& sums, int ND, double*
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i)
         for (int j = i; j < NodeCount<Nodes>(ND); ++j)
             *packed++ = sums.K[i][j];
-}
-
-/// sum of N(i) v(i).
-template <int Nodes, int Columns>
-inline double Interpolate(const double (&H)[Columns], const double* v, int ND) {
-    double sum = 0.0;
-    for (int i = 0; i < NodeCount<Nodes>(ND); ++i)
-        sum += H[i] * v[i];
-    return sum;
 }
 
 } // namespace zurt

@@ -3,7 +3,6 @@
 #include "core/format.h"
 #include "elements/cards/group_checks.h"
 #include "geometry/group_views.h"
-#include "geometry/jacobian_failure.h"
 #include "microscale/gauss_factors.h"
 #include "microscale/wall_cells.h"
 
@@ -25,7 +24,14 @@ template <int Dimension> std::int32_t CutNumberOf(const ElementVisit<Dimension>&
     const FibreGroup& fibres = *visit.fibres;
     if (!visit.integrates || fibres.cutRecords.empty() || visit.run.fit.IEHM != 0)
         return 0;
-    return fibres.cutNumber[static_cast<std::size_t>(visit.number - 1)];
+    return fibres.cutNumber[static_cast<std::size_t>(visit.walk.number - 1)];
+}
+
+// The rule of the elements that a wall cuts, for those with the nodes of the element in hand.
+template <int Dimension> void SetCutPoints(ElementVisit<Dimension>& visit) {
+    std::int32_t orders[Dimension];
+    std::fill(orders, orders + Dimension, CondensedOrder<Dimension>(visit.group.NDMAX));
+    SetElementPoints(visit.walk.points.active, orders, visit.cutPoints);
 }
 
 // Records of the forming visits, or of the fluxes where their rule is another one.
@@ -35,34 +41,23 @@ template <int Dimension> void TakeFibreRecords(ElementVisit<Dimension>& visit) {
     if (cut != 0) {
         visit.atPoints = {EntriesOf(fibres.cutRecords, cut, fibres.cutPoints),
                           EntriesOf(fibres.cutShares, cut, fibres.cutPoints)};
+        if (!ServesNodes(visit.cutPoints.active, visit.walk.points.active))
+            SetCutPoints(visit);
         visit.rule = &visit.cutPoints;
         return;
     }
-    const bool own = std::equal(visit.NGAUS, visit.NGAUS + Dimension, visit.group.NGAUS);
-    visit.atPoints = {EntriesOf(own ? fibres.records : fibres.fluxRecords, visit.number, visit.points.count),
-                      {}};
+    const bool own = std::equal(visit.walk.NGAUS, visit.walk.NGAUS + Dimension, visit.group.NGAUS);
+    visit.atPoints = {
+        EntriesOf(own ? fibres.records : fibres.fluxRecords, visit.walk.number, visit.walk.points.count), {}};
 }
 
 } // namespace
 
-template <int Dimension> void SetVisitPoints(ElementVisit<Dimension>& visit, const ActiveNodes& active) {
-    SetElementPoints(active, visit.NGAUS, visit.points);
-    if (visit.fibres == nullptr || visit.fibres->cutRecords.empty())
-        return;
-    if constexpr (Dimension > 1) {
-        std::int32_t orders[Dimension];
-        std::fill(orders, orders + Dimension, CondensedOrder<Dimension>(visit.group.NDMAX));
-        SetElementPoints(active, orders, visit.cutPoints);
-    }
-}
-
 template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders) {
     CheckGroupIndices(visit.run, visit.group);
-    visit.NEL = Connectivity(visit.run, visit.group);
+    BeginWalk(visit.walk, orders, NodalViewsOf(visit.run));
     visit.materials = ElementMaterials(visit.run, visit.group);
-    visit.nodes = NodalViewsOf(visit.run);
     visit.tables = CoefficientTablesOf(visit.run, visit.group);
-    std::copy(orders, orders + Dimension, visit.NGAUS);
     if (Dimension == 1 || visit.run.fit.card.NSETS < 1)
         return;
     if (visit.tables.tabulated) // fibres are in the table
@@ -78,32 +73,15 @@ void AnnounceElement(Run& run, std::int32_t n) {
         Write(run.units.listing, line, n);
 }
 
-template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n) {
-    visit.number = n;
-    ActiveNodes active;
-    ListActiveNodes<Dimension>(visit.NEL, n, active);
-    if (!ServesNodes(visit.points.active, active))
-        SetVisitPoints(visit, active);
-    visit.rule = &visit.points;
-    if (Dimension > 1 && visit.fibres != nullptr)
-        TakeFibreRecords(visit);
+template <int Dimension> void VisitElement(ElementVisit<Dimension>& visit, std::int32_t n) {
+    TakeWalkElement(visit.walk, n);
+    visit.rule = &visit.walk.points;
+    if constexpr (Dimension > 1)
+        if (visit.fibres != nullptr)
+            TakeFibreRecords(visit);
     const std::int32_t MATE = visit.materials.length > 0 ? visit.materials(n) : visit.group.MAT;
     if (MATE != visit.material.MATE)
         ChooseMaterial(visit.tables, MATE, visit.group.held, visit.material, visit.coefficients);
-    GatherElement<Dimension>(visit.nodes, visit.NEL, n, visit.points.active, visit.element);
-}
-
-template <int Dimension>
-void StopOnElementJacobian(const ElementVisit<Dimension>& visit, const ElementPoint<Dimension>& at,
-                           double DET) {
-    TextUnit& unit = MessageUnit(visit.run);
-    const int Language = visit.run.job.Language;
-    if constexpr (Dimension == 1)
-        StopOnJacobian1D(unit, Language, visit.number, at.place[0], DET);
-    else if constexpr (Dimension == 2)
-        StopOnJacobian2D(unit, Language, visit.number, at.place[0], at.place[1], DET);
-    else
-        StopOnJacobian3D(unit, Language, visit.number, 0, at.place[0], at.place[1], at.place[2], DET);
 }
 
 template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG) {
@@ -120,11 +98,8 @@ template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& vi
 
 #define ZURT_ELEMENT_VISIT(DIMENSION)                                                                        \
     template void BeginElementVisit(ElementVisit<DIMENSION>&, const std::int32_t*);                          \
-    template void SetVisitPoints(ElementVisit<DIMENSION>&, const ActiveNodes&);                              \
-    template void TakeElement(ElementVisit<DIMENSION>&, std::int32_t);                                       \
-    template void MultiplyByFibreFactors(ElementVisit<DIMENSION>&, int, double);                             \
-    template void StopOnElementJacobian(const ElementVisit<DIMENSION>&, const ElementPoint<DIMENSION>&,      \
-                                        double)
+    template void VisitElement(ElementVisit<DIMENSION>&, std::int32_t);                                      \
+    template void MultiplyByFibreFactors(ElementVisit<DIMENSION>&, int, double)
 ZURT_ELEMENT_VISIT(1);
 ZURT_ELEMENT_VISIT(2);
 ZURT_ELEMENT_VISIT(3);

@@ -30,8 +30,6 @@ template <int Dimension> struct FormVisit {
     VolumeSource source{};
     bool transient = false;
     double dt = 0.0;
-    bool axisymmetric = false;
-    ConstRealArray areas{};        // lines: 1..NET
     ConstRealArray potential{};    // quadrilaterals under ITOR 2, by node; empty: sources stand as they are
     SurfaceTables surfaces{};      // quadrilaterals
     BrickForming* brick = nullptr; // bricks
@@ -40,26 +38,6 @@ template <int Dimension> struct FormVisit {
 };
 
 // --- what the families have of their own --------------------------------------------------------------------------
-
-// Radius of the point on hand: lines take it from the first coordinate, quadrilaterals from the second.
-template <int Dimension, int Nodes>
-double RadiusAt(const FormVisit<Dimension>& visit, const ElementPoint<Dimension>& point, int ND) {
-    if (!visit.axisymmetric)
-        return 1.0;
-    return Interpolate<Nodes>(point.shape.H, visit.elements.element.CORE[Dimension - 1], ND);
-}
-
-// The w of a point: what of the element's volume it stands for. (The thickness of a quadrilateral has no effect.)
-template <int Dimension, int Nodes>
-double PointMeasure(const FormVisit<Dimension>& visit, const ElementPoint<Dimension>& point, double DET,
-                    int ND) {
-    double measure = point.weight;
-    if constexpr (Dimension == 1)
-        measure *= visit.areas(visit.elements.number);
-    if constexpr (Dimension < 3)
-        measure *= RadiusAt<Dimension, Nodes>(visit, point, ND);
-    return measure * DET;
-}
 
 // Under ITOR 2 a source heats by the square of the gradient of the stored potential.
 template <int Dimension, int Nodes>
@@ -71,7 +49,7 @@ double SourceAt(const FormVisit<Dimension>& visit, const JacobianValues<Dimensio
     for (int axis = 0; axis < Dimension; ++axis) {
         double slope = 0.0;
         for (int i = 0; i < ND; ++i)
-            slope += jacobian.HX[axis][i] * visit.potential(visit.elements.element.node[i]);
+            slope += jacobian.HX[axis][i] * visit.potential(visit.elements.walk.element.node[i]);
         squares += slope * slope;
     }
     return QV * squares;
@@ -84,16 +62,14 @@ template <int Dimension, int Nodes>
 void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<Dimension, Nodes>& sums) {
     ElementVisit<Dimension>& elements = visit.elements;
     const Coefficients& coefficients = elements.coefficients;
-    const ElementNodes<Dimension>& element = elements.element;
-    const int ND = NodeCount<Nodes>(elements.points.active.ND);
+    const ElementNodes<Dimension>& element = elements.walk.element;
+    const int ND = NodeCount<Nodes>(elements.walk.points.active.ND);
     for (int p = 0; p < elements.rule->count; ++p) {
         const ElementPoint<Dimension>& point = elements.rule->point[p];
         JacobianValues<Dimension> jacobian;
-        if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
-            StopOnElementJacobian(elements, point, jacobian.DET);
+        const double w = LocatePoint(elements.walk, point, jacobian);
         const double TG = Interpolate<Nodes>(point.shape.H, element.TE1, ND);
-        EvaluatePoint(elements, p + 1, TG);
-        const double w = PointMeasure<Dimension, Nodes>(visit, point, jacobian.DET, ND);
+        EvaluateCoefficientsAt(elements, p + 1, TG);
         AddConduction(jacobian.HX, {coefficients.KX, coefficients.KY, coefficients.KZ}, w, ND, sums);
         if (visit.transient)
             AddCapacity(point.shape.H, coefficients.CP, w, ND, sums);
@@ -106,10 +82,10 @@ void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<D
 template <int Dimension, int Nodes>
 void SumElement(FormVisit<Dimension>& visit, ElementSums<Dimension, Nodes>& sums) {
     ElementVisit<Dimension>& elements = visit.elements;
-    const ElementNodes<Dimension>& element = elements.element;
-    const int ND = NodeCount<Nodes>(elements.points.active.ND);
+    const ElementNodes<Dimension>& element = elements.walk.element;
+    const int ND = NodeCount<Nodes>(elements.walk.points.active.ND);
     ClearSums(sums, ND);
-    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
+    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.walk.number);
     SumOverPoints(visit, ISRC, sums);
     if (visit.transient)
         AddTimeTerm(visit.dt, element.TE0, ND, sums);
@@ -119,15 +95,15 @@ void SumElement(FormVisit<Dimension>& visit, ElementSums<Dimension, Nodes>& sums
 // The element in hand into the system. (The scaling of the first group by a fibre model belongs ahead of the assembly.)
 template <int Dimension, int Nodes> void FormElement(FormVisit<Dimension>& visit) {
     ElementVisit<Dimension>& elements = visit.elements;
-    const ElementNodes<Dimension>& element = elements.element;
-    const ActiveNodes& active = elements.points.active;
+    const ElementNodes<Dimension>& element = elements.walk.element;
+    const ActiveNodes& active = elements.walk.points.active;
     const int ND = NodeCount<Nodes>(active.ND);
     ElementSums<Dimension, Nodes> sums;
     SumElement(visit, sums);
     PackUpper(sums, ND, visit.packed.data);
     if constexpr (Dimension == 2)
-        SurfaceTerms<2>(elements.run, elements.group, visit.surfaces, elements.number, active, element,
-                        visit.packed, RealArray(sums.FE, ND));
+        SurfaceTerms(elements.walk, visit.surfaces, elements.group.held, visit.packed,
+                     RealArray(sums.FE, ND));
     AddElement(visit.system, visit.packed, ConstRealArray(sums.FE, ND), ConstIntArray(element.LM, ND), ND);
 }
 
@@ -136,19 +112,18 @@ template <int Dimension, int Nodes> void FormElement(FormVisit<Dimension>& visit
 template <int Dimension, int Nodes>
 void AddResidual(FormVisit<Dimension>& visit, bool withSurfaces, RealArray nodalSums) {
     ElementVisit<Dimension>& elements = visit.elements;
-    const ActiveNodes& active = elements.points.active;
+    const ActiveNodes& active = elements.walk.points.active;
     const int ND = NodeCount<Nodes>(active.ND);
     ElementSums<Dimension, Nodes> sums;
     SumElement(visit, sums);
     if (withSurfaces) {
         double packed[kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2];
         PackUpper(sums, ND, packed);
-        SurfaceTerms<Dimension>(elements.run, elements.group, visit.surfaces, elements.number, active,
-                                elements.element, RealArray(packed, ND * (ND + 1) / 2),
-                                RealArray(sums.FE, ND));
+        SurfaceTerms(elements.walk, visit.surfaces, elements.group.held, RealArray(packed, ND * (ND + 1) / 2),
+                     RealArray(sums.FE, ND));
     }
     for (int i = 0; i < ND; ++i)
-        nodalSums(elements.element.node[i]) += sums.FE[i];
+        nodalSums(elements.walk.element.node[i]) += sums.FE[i];
 }
 
 // Coefficients and measures of the points of the brick in hand.
@@ -158,12 +133,12 @@ void EvaluateBrickPoints(ElementVisit<3>& elements, const BrickRule& rule, Brick
         EvaluateDiffusion(elements.tables, elements.material, brick.TG, rule.count, brick.conduction[0]);
     for (int p = 0; p < rule.count; ++p) {
         if (!(brick.DET[p] > kSmallestJacobian))
-            StopOnElementJacobian(elements, elements.points.point[p], brick.DET[p]);
+            StopOnJacobian(elements.walk, 0, elements.walk.points.point[p].place, brick.DET[p]);
         if (atOnce) {
             coefficients.KX = coefficients.KY = coefficients.KZ = brick.conduction[0][p];
             PassThroughFibres(elements, p + 1, brick.TG[p]);
         } else {
-            EvaluatePoint(elements, p + 1, brick.TG[p]);
+            EvaluateCoefficientsAt(elements, p + 1, brick.TG[p]);
         }
         brick.measure[p] = rule.weight[p] * brick.DET[p];
         brick.conduction[0][p] = coefficients.KX;
@@ -182,10 +157,10 @@ void AddBrickSource(const BrickRule& rule, double QV, BrickValues& brick) {
 // What FormElement does, for a brick without mid-side nodes.
 void FormBrick(FormVisit<3>& visit) {
     ElementVisit<3>& elements = visit.elements;
-    const ElementNodes<3>& element = elements.element;
+    const ElementNodes<3>& element = elements.walk.element;
     const BrickRule& rule = visit.brick->rule;
     BrickValues& brick = visit.brick->values;
-    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
+    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.walk.number);
     const ConstIntArray LM(element.LM, kBrickNodes);
     SkylinePlaces places;
     LocateElement(visit.system, LM, kBrickNodes, places);
@@ -205,9 +180,6 @@ void FormBrick(FormVisit<3>& visit) {
 template <int Dimension> void BeginFamilyData(FormVisit<Dimension>& visit) {
     const Run& run = visit.elements.run;
     const ElementGroup& group = visit.elements.group;
-    visit.axisymmetric = group.INDAX != 0;
-    if constexpr (Dimension == 1)
-        visit.areas = ElementThickness(run, group);
     visit.surfaces = SurfaceTablesOf<Dimension>(run, group);
     if constexpr (Dimension == 2)
         if (run.control.header.ITOR == 2)
@@ -228,8 +200,9 @@ template <int Dimension> void BeginFormVisit(FormVisit<Dimension>& visit) {
 void BeginBricks(FormVisit<3>& visit, BrickForming& brick) {
     ActiveNodes corners;
     corners.ND = kBrickNodes;
-    SetVisitPoints(visit.elements, corners);
-    SetBrickRule(visit.elements.points, brick.rule);
+    ElementPoints<3>& points = visit.elements.walk.points;
+    SetElementPoints(corners, visit.elements.walk.NGAUS, points);
+    SetBrickRule(points, brick.rule);
     brick.instructions = WidestInstructionSet();
     visit.brick = &brick;
 }
@@ -251,7 +224,7 @@ template <int Dimension> void EndGroupVisit(Run& run, const ElementWork& work) {
 
 template <int Dimension> void FormCornerElement(FormVisit<Dimension>& visit) {
     if constexpr (Dimension == 3)
-        if (visit.elements.rule == &visit.elements.points)
+        if (visit.elements.rule == &visit.elements.walk.points)
             return FormBrick(visit);
     FormElement<Dimension, kCorners<Dimension>>(visit);
 }
@@ -270,8 +243,8 @@ template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word c
         if (!TakesPart(visit.elements, n))
             continue;
         AnnounceElement(run, n);
-        TakeElement(visit.elements, n);
-        if (visit.elements.points.active.ND > kCorners<Dimension>)
+        VisitElement(visit.elements, n);
+        if (visit.elements.walk.points.active.ND > kCorners<Dimension>)
             FormElement<Dimension, 0>(visit);
         else
             FormCornerElement(visit);
@@ -284,10 +257,10 @@ template <int Dimension> void FindStiffestElement(Run& run, ElementGroup& group,
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit.elements, n))
             continue;
-        TakeElement(visit.elements, n);
+        VisitElement(visit.elements, n);
         ElementSums<Dimension, 0> sums;
         SumElement(visit, sums);
-        for (int i = 0; i < visit.elements.points.active.ND; ++i)
+        for (int i = 0; i < visit.elements.walk.points.active.ND; ++i)
             if (sums.K[i][i] > stiffest.entry)
                 stiffest = {group.NGE, n, sums.K[i][i]};
     }
@@ -301,8 +274,8 @@ void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, 
     for (Word k = 1; k <= elements.length; ++k) {
         if (!TakesPart(visit.elements, elements(k)))
             continue;
-        TakeElement(visit.elements, elements(k));
-        if (visit.elements.points.active.ND == kCorners<Dimension>)
+        VisitElement(visit.elements, elements(k));
+        if (visit.elements.walk.points.active.ND == kCorners<Dimension>)
             AddResidual<Dimension, kCorners<Dimension>>(visit, withSurfaces, nodalSums);
         else
             AddResidual<Dimension, 0>(visit, withSurfaces, nodalSums);
