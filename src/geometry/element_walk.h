@@ -14,83 +14,82 @@
 namespace zurt {
 
 /// The coordinate, from 0, that is the radius of axisymmetric groups: in lines x, in areas y.
-template <int Dimension> constexpr int kRadiusAxis = Dimension == 1 ? 0 : 1;
+template <int Family> constexpr int kRadiusAxis = kDimension<Family> == 1 ? 0 : 1;
 
 /// On the edges of axisymmetric areas it is x all the same.
 constexpr int kEdgeRadiusAxis = 0;
 
-template <int Dimension> struct ElementWalk {
+template <int Family> struct ElementWalk {
     Run& run;
     const ElementGroup& group;
     ConstIntTable NEL{};
     NodalViews nodes{};
-    std::int32_t NGAUS[Dimension] = {};
-    bool axisymmetric = false;         // of no use in space
-    ConstRealArray areas{};            // lines: 1..NET
-    ElementPoints<Dimension> points{}; // of the rule, for the nodes of the element in hand
-    std::int32_t number = 0;           // of the element in hand
-    ElementNodes<Dimension> element{};
+    std::int32_t NGAUS[kDimension<Family>] = {};
+    bool axisymmetric = false;      // of no use in space
+    ConstRealArray areas{};         // lines: 1..NET
+    ElementPoints<Family> points{}; // of the rule, for the nodes of the element in hand
+    std::int32_t number = 0;        // of the element in hand
+    ElementNodes<Family> element{};
 };
 
 /// Gauss points of each element of the group.
-template <int Dimension> Word PointsPerElement(const ElementGroup& group);
+template <int Family> Word PointsPerElement(const ElementGroup& group);
 
 /// Views for a walk over walk.group with the rule of these orders (1..5 in each direction). `nodes` says what is gathered:
 /// NodalViewsOf, or NodalPlacesOf for a walk that reads no nodal values.
-template <int Dimension>
-void BeginWalk(ElementWalk<Dimension>& walk, const std::int32_t* orders, const NodalViews& nodes);
+template <int Family>
+void BeginWalk(ElementWalk<Family>& walk, const std::int32_t* orders, const NodalViews& nodes);
 
 /// Takes element n in hand: its nodes, and the table of points when they differ from those of the element before. An element
 /// without a card ends the run with a library error.
-template <int Dimension> void TakeWalkElement(ElementWalk<Dimension>& walk, std::int32_t n);
+template <int Family> void TakeWalkElement(ElementWalk<Family>& walk, std::int32_t n);
 
 /// Ends the run with the family's message: at a point of the element in hand `determinant` is not above
 /// kSmallestJacobian. For a point of a side KFIX is 1 and above, and the determinant its surface scale.
 ///   place  the natural coordinates
-template <int Dimension>
-[[noreturn]] void StopOnJacobian(const ElementWalk<Dimension>& walk, int KFIX, const double* place,
+template <int Family>
+[[noreturn]] void StopOnJacobian(const ElementWalk<Family>& walk, int KFIX, const double* place,
                                  double determinant);
 
 /// The measure of a point of the element in hand where the Jacobian's determinant is DET: weight times DET, for lines times
 /// their area, in axisymmetric groups times the radius. (The thickness of a quadrilateral has no effect.)
-template <int Dimension>
-inline double PointMeasure(const ElementWalk<Dimension>& walk, const ElementPoint<Dimension>& point,
-                           double DET) {
+template <int Family>
+inline double PointMeasure(const ElementWalk<Family>& walk, const ElementPoint<Family>& point, double DET) {
     double measure = point.weight;
-    if constexpr (Dimension == 1)
+    if constexpr (kDimension<Family> == 1)
         measure *= walk.areas(walk.number);
-    if constexpr (Dimension < 3)
+    if constexpr (kDimension<Family> < 3)
         if (walk.axisymmetric)
-            measure *= Interpolate<0>(point.shape.H, walk.element.CORE[kRadiusAxis<Dimension>],
-                                      walk.points.active.ND);
+            measure *=
+                Interpolate<0>(point.shape.H, walk.element.CORE[kRadiusAxis<Family>], walk.points.active.ND);
     return measure * DET;
 }
 
 /// Jacobian and measure of a point of the element in hand, be it of its rule or of another one for the same nodes. Ends
 /// the run when the determinant is not positive.
-template <int Dimension>
-inline double LocatePoint(const ElementWalk<Dimension>& walk, const ElementPoint<Dimension>& point,
-                          JacobianValues<Dimension>& jacobian) {
-    if (!JacobianVolume<Dimension>(point.shape, walk.element.CORE, walk.points.active.ND, jacobian))
+template <int Family>
+inline double LocatePoint(const ElementWalk<Family>& walk, const ElementPoint<Family>& point,
+                          JacobianValues<Family>& jacobian) {
+    if (!JacobianVolume<Family>(point.shape, walk.element.CORE, walk.points.active.ND, jacobian))
         StopOnJacobian(walk, 0, point.place, jacobian.DET);
     return PointMeasure(walk, point, jacobian.DET);
 }
 
 /// The place X of a point; z is 0 in the plane.
-template <int Dimension>
-void PlaceOfPoint(const ElementWalk<Dimension>& walk, const ElementPoint<Dimension>& point, double (&X)[3]);
+template <int Family>
+void PlaceOfPoint(const ElementWalk<Family>& walk, const ElementPoint<Family>& point, double (&X)[3]);
 
 /// A point on a side (end, edge, face) of an element.
-template <int Dimension> struct SidePoint {
+template <int Family> struct SidePoint {
     double place[3] = {}; // r, s, t (input)
     double weight = 1.0;  // of the rule over the side (input)
-    ShapeValues<Dimension> shape;
+    ShapeValues<Family> shape;
     double measure; // weight times surface scale; on axisymmetric edges times x. An end has no extent: 1
 };
 
 /// Shape functions and measure of a point of the element in hand on the side where natural direction KFIX (from 1) is
 /// held. Ends the run on a side without extent.
-template <int Dimension>
-void LocateSidePoint(const ElementWalk<Dimension>& walk, int KFIX, SidePoint<Dimension>& point);
+template <int Family>
+void LocateSidePoint(const ElementWalk<Family>& walk, int KFIX, SidePoint<Family>& point);
 
 } // namespace zurt

@@ -7,7 +7,7 @@ namespace zurt {
 
 namespace {
 
-constexpr Word kMostNodes =
+constexpr Word kMostRadialNodes =
     2 * kMaxSubElements + 1; // rows of RadialNodes with room for three-node sub-elements
 
 } // namespace
@@ -40,10 +40,10 @@ void MarkRadialNodes(const Run& run, const ElementGroup& group, IntArray marks) 
 void RaiseRadialHeights(const Run& run, const ElementGroup& group, ConstIntArray ID, Word JEDN,
                         IntArray MHT) {
     const IntTable nodes = RadialNodes(run, group);
-    std::int32_t LM[kMostNodes];
+    std::int32_t LM[kMostRadialNodes];
     for (Word n = 1; n <= nodes.columns; ++n)
-        RaiseColumnHeights(MHT, ID, ConstIntTable(&nodes(1, n), 1, nodes.rows), 1, IntArray(LM, kMostNodes),
-                           nodes.rows, JEDN);
+        RaiseColumnHeights(MHT, ID, ConstIntTable(&nodes(1, n), 1, nodes.rows), 1,
+                           IntArray(LM, kMostRadialNodes), nodes.rows, JEDN);
 }
 
 Word InnerNodesBefore(const Run& run, std::int32_t NGE) {

@@ -43,9 +43,9 @@ Domain DomainOf(const Run& run) {
     return domain;
 }
 
-template <int Dimension> bool LiesWithin(const Domain& domain, const ElementWalk<Dimension>& walk) {
+template <int Family> bool LiesWithin(const Domain& domain, const ElementWalk<Family>& walk) {
     const int ND = walk.points.active.ND;
-    for (int axis = 0; axis < Dimension; ++axis) {
+    for (int axis = 0; axis < kDimension<Family>; ++axis) {
         double centre = 0.0;
         for (int k = 0; k < ND; ++k)
             centre += walk.element.CORE[axis][k];
@@ -56,10 +56,10 @@ template <int Dimension> bool LiesWithin(const Domain& domain, const ElementWalk
     return true;
 }
 
-template <int Dimension> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
-    if (domain.axis >= Dimension)
+template <int Family> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
+    if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
         return;
-    ElementWalk<Dimension> walk{run, group};
+    ElementWalk<Family> walk{run, group};
     BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
@@ -74,10 +74,11 @@ template <int Dimension> void FindEnds(Run& run, ElementGroup& group, Domain& do
 
 // By the divergence theorem the integral of a shape function's derivative along the axis is what the function has of the
 // two end faces: positive at the high one, negative at the low one. Along the radius the divergence has N / r beside it.
-template <int Dimension>
-void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementWalk<Dimension>& walk,
-                 const ElementPoint<Dimension>& point, double w, Domain& domain) {
-    const bool alongRadius = Dimension == 2 && walk.axisymmetric && domain.axis == kRadiusAxis<Dimension>;
+template <int Family>
+void AddEndNodes(const JacobianValues<Family>& jacobian, const ElementWalk<Family>& walk,
+                 const ElementPoint<Family>& point, double w, Domain& domain) {
+    const bool alongRadius =
+        kDimension<Family> == 2 && walk.axisymmetric && domain.axis == kRadiusAxis<Family>;
     const double tolerance = kInPlane * (domain.high - domain.low);
     for (int k = 0; k < walk.points.active.ND; ++k) {
         const double x = walk.element.CORE[domain.axis][k];
@@ -95,7 +96,7 @@ void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementWalk<Di
 }
 
 // What of point p (from 1) is fluid.
-template <int Dimension> double FluidShare(const ElementVisit<Dimension>& visit, int p) {
+template <int Family> double FluidShare(const ElementVisit<Family>& visit, int p) {
     if (visit.fibres == nullptr)
         return 1.0;
     if (visit.atPoints.shares.length > 0)
@@ -103,12 +104,12 @@ template <int Dimension> double FluidShare(const ElementVisit<Dimension>& visit,
     return visit.atPoints.records(p).wall > 0.0 ? 1.0 : 0.0;
 }
 
-template <int Dimension>
-void AddPointToDomain(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
-    const ElementPoint<Dimension>& point = visit.rule->point[p];
-    const ElementWalk<Dimension>& walk = visit.walk;
+template <int Family>
+void AddPointToDomain(ElementVisit<Family>& visit, int p, bool takesPart, Domain& domain) {
+    const ElementPoint<Family>& point = visit.rule->point[p];
+    const ElementWalk<Family>& walk = visit.walk;
     const int ND = walk.points.active.ND;
-    JacobianValues<Dimension> jacobian;
+    JacobianValues<Family> jacobian;
     const double w = LocatePoint(walk, point, jacobian);
     domain.volume += w;
     if (!takesPart)
@@ -123,10 +124,10 @@ void AddPointToDomain(ElementVisit<Dimension>& visit, int p, bool takesPart, Dom
     AddEndNodes(jacobian, walk, point, w, domain);
 }
 
-template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
-    if (domain.axis >= Dimension)
+template <int Family> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
+    if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
         return;
-    ElementVisit<Dimension> visit{run, group};
+    ElementVisit<Family> visit{run, group};
     BeginElementVisit(visit, group.NGAUS);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         VisitElement(visit, n);
@@ -177,18 +178,12 @@ void BeginSecondPass(Run& run) {
 
 void RecordDirectStep(Run& run) {
     Domain domain = DomainOf(run);
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        if (run.groups[NGE].NETIP == 2)
-            FindEnds<2>(run, run.groups[NGE], domain);
-        else if (run.groups[NGE].NETIP == 3)
-            FindEnds<3>(run, run.groups[NGE], domain);
-    }
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        if (run.groups[NGE].NETIP == 2)
-            AddGroup<2>(run, run.groups[NGE], domain);
-        else if (run.groups[NGE].NETIP == 3)
-            AddGroup<3>(run, run.groups[NGE], domain);
-    }
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        WithFamily(run.groups[NGE],
+                   [&](auto family) { FindEnds<family.value>(run, run.groups[NGE], domain); });
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        WithFamily(run.groups[NGE],
+                   [&](auto family) { AddGroup<family.value>(run, run.groups[NGE], domain); });
     const double concentration = domain.fluid > 0.0 ? domain.amount / domain.fluid : 0.0;
     const double bulk = BulkCoefficient(run, concentration);
     const double gradient =

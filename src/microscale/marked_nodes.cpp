@@ -1,7 +1,6 @@
 #include "microscale/marked_nodes.h"
 
 #include "geometry/radial_nodes.h"
-#include "geometry/shape_functions.h"
 #include "run/partition.h"
 #include "solver/skyline_layout.h"
 
@@ -17,10 +16,10 @@ namespace {
 void RaiseGroupHeights(const Run& run, const std::vector<std::int32_t>* marks, const ElementGroup& group,
                        ConstIntArray ID, std::int32_t JEDN, IntArray MHT) {
     const ConstIntTable NEL = Connectivity(run, group);
-    std::int32_t LM[kMaxNodes<3>];
+    std::int32_t LM[kMostNodes];
     for (Word n = 1; n <= group.NET; ++n)
         if (marks == nullptr || (*marks)[static_cast<std::size_t>(n - 1)] != 0)
-            RaiseColumnHeights(MHT, ID, NEL, n, IntArray(LM, kMaxNodes<3>), group.NDMAX, JEDN);
+            RaiseColumnHeights(MHT, ID, NEL, n, IntArray(LM, kMostNodes), group.NDMAX, JEDN);
 }
 
 // Element marks of a group under fibres, null for a group that has none.

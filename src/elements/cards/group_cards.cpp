@@ -16,7 +16,7 @@ namespace {
 // --- group card ---------------------------------------------------------------------------------------------------
 
 void CheckGaussOrders(Run& run, const FamilyCards& family, const CardLayout& card, ElementGroup& group) {
-    for (int d = 0; d < family.dimension; ++d) {
+    for (int d = 0; d < family.shape.dimension; ++d) {
         group.NGAUS[d] = GaussOrderOfCard(group.NGAUS[d]);
         if (group.NGAUS[d] < 1 || group.NGAUS[d] > kMaxGaussOrder)
             DeckError(run.deck, card.group, family.gaussNames[d], std::to_string(group.NGAUS[d]),
@@ -28,7 +28,7 @@ void CheckGaussOrders(Run& run, const FamilyCards& family, const CardLayout& car
 void SetThickness(const FamilyCards& family, const FamilyGroupCard& card, ElementGroup& group) {
     group.NTHIC = card.NTHIC;
     group.THIC = card.THIC;
-    group.hasThickness = family.dimension == 1 || card.NTHIC != 0;
+    group.hasThickness = family.shape.dimension == 1 || card.NTHIC != 0;
     if (card.NTHIC == 0 && std::fabs(card.THIC) < kNoThickness)
         group.THIC = 1.0;
 }
@@ -41,7 +41,7 @@ void ReadFamilyGroupCard(Run& run, ElementGroup& group, const FamilyCards& famil
     ReadCardFields(run.deck, header.INDFOR, layout, &card);
 
     group.MATDD = card.MATDD == 0 ? 1 : card.MATDD;
-    group.NPDMX = card.NPDMX == 0 ? family.corners : card.NPDMX;
+    group.NPDMX = card.NPDMX == 0 ? family.shape.corners : card.NPDMX;
     group.IPRDC = card.IPRDC;
     group.IPRTG = card.IPRTG;
     for (int d = 0; d < 3; ++d)
@@ -49,7 +49,7 @@ void ReadFamilyGroupCard(Run& run, ElementGroup& group, const FamilyCards& famil
     // Whatever the card says: one material, or under NDS the count that is the group material's number.
     group.MAT = 1;
     group.NMAT = device ? group.MATDD : 1;
-    group.NDMAX = group.NPDMX > family.corners ? family.columns : family.corners;
+    group.NDMAX = group.NPDMX > family.shape.corners ? family.shape.mostNodes : family.shape.corners;
 
     SetThickness(family, card, group);
     CheckGaussOrders(run, family, layout, group);
@@ -94,15 +94,16 @@ void TakeDataBlock(Run& run, ElementGroup& group) {
 // --- column heights -----------------------------------------------------------------------------------------------
 
 void RaiseHeightsOfGroup(Run& run, const ElementGroup& group) {
-    std::int32_t LM[kMaxColumns];
+    std::int32_t LM[kMostNodes];
     ComputeColumnHeights(DiagonalPositions(run), EquationNumbers(run), Connectivity(run, group),
-                         IntArray(LM, kMaxColumns), group.NET, run.sizes.JEDN, false, group.NDMAX,
+                         IntArray(LM, kMostNodes), group.NET, run.sizes.JEDN, false, group.NDMAX,
                          run.sizes.NWK);
 }
 
 } // namespace
 
-void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family) {
+void ReadIsoparametricGroup(Run& run, ElementGroup& group) {
+    const FamilyCards& family = *CardsOfAllFamilies()[static_cast<std::size_t>(group.NETIP - 1)];
     const std::int32_t first = NumberOfNextCard(run.deck);
     group.indicesChecked = false;
     group.held = HeldCurveValues();

@@ -20,7 +20,7 @@ template <class T> ArrayView<const T> EntriesOf(const std::vector<T>& all, Word 
 }
 
 // The medium has no walls, whose elements need no rule of their own.
-template <int Dimension> std::int32_t CutNumberOf(const ElementVisit<Dimension>& visit) {
+template <int Family> std::int32_t CutNumberOf(const ElementVisit<Family>& visit) {
     const FibreGroup& fibres = *visit.fibres;
     if (!visit.integrates || fibres.cutRecords.empty() || visit.run.fit.IEHM != 0)
         return 0;
@@ -28,14 +28,14 @@ template <int Dimension> std::int32_t CutNumberOf(const ElementVisit<Dimension>&
 }
 
 // The rule of the elements that a wall cuts, for those with the nodes of the element in hand.
-template <int Dimension> void SetCutPoints(ElementVisit<Dimension>& visit) {
-    std::int32_t orders[Dimension];
-    std::fill(orders, orders + Dimension, CondensedOrder<Dimension>(visit.group.NDMAX));
+template <int Family> void SetCutPoints(ElementVisit<Family>& visit) {
+    std::int32_t orders[kDimension<Family>];
+    std::fill(orders, orders + kDimension<Family>, CondensedOrder<Family>(visit.group.NDMAX));
     SetElementPoints(visit.walk.points.active, orders, visit.cutPoints);
 }
 
 // Records of the forming visits, or of the fluxes where their rule is another one.
-template <int Dimension> void TakeFibreRecords(ElementVisit<Dimension>& visit) {
+template <int Family> void TakeFibreRecords(ElementVisit<Family>& visit) {
     const FibreGroup& fibres = *visit.fibres;
     const std::int32_t cut = CutNumberOf(visit);
     if (cut != 0) {
@@ -46,19 +46,19 @@ template <int Dimension> void TakeFibreRecords(ElementVisit<Dimension>& visit) {
         visit.rule = &visit.cutPoints;
         return;
     }
-    const bool own = std::equal(visit.walk.NGAUS, visit.walk.NGAUS + Dimension, visit.group.NGAUS);
+    const bool own = std::equal(visit.walk.NGAUS, visit.walk.NGAUS + kDimension<Family>, visit.group.NGAUS);
     visit.atPoints = {
         EntriesOf(own ? fibres.records : fibres.fluxRecords, visit.walk.number, visit.walk.points.count), {}};
 }
 
 } // namespace
 
-template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders) {
+template <int Family> void BeginElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders) {
     CheckGroupIndices(visit.run, visit.group);
     BeginWalk(visit.walk, orders, NodalViewsOf(visit.run));
     visit.materials = ElementMaterials(visit.run, visit.group);
     visit.tables = CoefficientTablesOf(visit.run, visit.group);
-    if (Dimension == 1 || visit.run.fit.card.NSETS < 1)
+    if (!kUnderFibres<Family> || visit.run.fit.card.NSETS < 1)
         return;
     if (visit.tables.tabulated) // fibres are in the table
         return;
@@ -73,10 +73,10 @@ void AnnounceElement(Run& run, std::int32_t n) {
         Write(run.units.listing, line, n);
 }
 
-template <int Dimension> void VisitElement(ElementVisit<Dimension>& visit, std::int32_t n) {
+template <int Family> void VisitElement(ElementVisit<Family>& visit, std::int32_t n) {
     TakeWalkElement(visit.walk, n);
     visit.rule = &visit.walk.points;
-    if constexpr (Dimension > 1)
+    if constexpr (kUnderFibres<Family>)
         if (visit.fibres != nullptr)
             TakeFibreRecords(visit);
     const std::int32_t MATE = visit.materials.length > 0 ? visit.materials(n) : visit.group.MAT;
@@ -84,7 +84,7 @@ template <int Dimension> void VisitElement(ElementVisit<Dimension>& visit, std::
         ChooseMaterial(visit.tables, MATE, visit.group.held, visit.material, visit.coefficients);
 }
 
-template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG) {
+template <int Family> void MultiplyByFibreFactors(ElementVisit<Family>& visit, int p, double TG) {
     double factor[3] = {1.0, 1.0, 1.0};
     const Run& run = visit.run;
     const bool direct = run.control.header.IDIRECTD == 1;
@@ -96,12 +96,11 @@ template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& vi
     visit.coefficients.KZ *= factor[2];
 }
 
-#define ZURT_ELEMENT_VISIT(DIMENSION)                                                                        \
-    template void BeginElementVisit(ElementVisit<DIMENSION>&, const std::int32_t*);                          \
-    template void VisitElement(ElementVisit<DIMENSION>&, std::int32_t);                                      \
-    template void MultiplyByFibreFactors(ElementVisit<DIMENSION>&, int, double)
-ZURT_ELEMENT_VISIT(1);
-ZURT_ELEMENT_VISIT(2);
-ZURT_ELEMENT_VISIT(3);
+#define ZURT_ELEMENT_VISIT(FAMILY)                                                                           \
+    template void BeginElementVisit(ElementVisit<FAMILY>&, const std::int32_t*);                             \
+    template void VisitElement(ElementVisit<FAMILY>&, std::int32_t);                                         \
+    template void MultiplyByFibreFactors(ElementVisit<FAMILY>&, int, double);
+ZURT_FOR_ALL_FAMILIES(ZURT_ELEMENT_VISIT)
+#undef ZURT_ELEMENT_VISIT
 
 } // namespace zurt

@@ -13,10 +13,10 @@ struct FibreRecordsInHand {
     ConstRealArray shares{}; // what of each point is fluid, in an element that a wall cuts; else empty
 };
 
-template <int Dimension> struct ElementVisit {
+template <int Family> struct ElementVisit {
     Run& run;
     ElementGroup& group;
-    ElementWalk<Dimension> walk{run, group};
+    ElementWalk<Family> walk{run, group};
     ConstIntArray materials{};          // empty when all elements have the group's
     const FibreGroup* fibres = nullptr; // of the group, when fibres lie under it
     bool skipsElements = false;         // those that fibres fill take no part
@@ -24,38 +24,37 @@ template <int Dimension> struct ElementVisit {
         true; // over elements, those that a wall cuts by a rule of their own; else points as such
     FibreRecordsInHand atPoints{};
     CoefficientTables tables{};
-    ElementPoints<Dimension> cutPoints{};           // of the rule for elements that a wall cuts
-    const ElementPoints<Dimension>* rule = nullptr; // this one or the walk's: it serves the element in hand
+    ElementPoints<Family> cutPoints{};           // of the rule for elements that a wall cuts
+    const ElementPoints<Family>* rule = nullptr; // this one or the walk's: it serves the element in hand
     MaterialInHand material{};
     Coefficients coefficients{};
 };
 
 /// The walk, views and tables for a visit of `group` with the rule of these orders (1..5 each).
-template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders);
+template <int Family> void BeginElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders);
 
 /// Under ITOR 3 the listing gets a line for each element that is formed.
 void AnnounceElement(Run& run, std::int32_t n);
 
 /// Takes element n in hand: in the walk, with its material and the rule that serves it.
-template <int Dimension> void VisitElement(ElementVisit<Dimension>& visit, std::int32_t n);
+template <int Family> void VisitElement(ElementVisit<Family>& visit, std::int32_t n);
 
 /// False for an element that lies in fibres as a whole: it is passed over.
-template <int Dimension> inline bool TakesPart(const ElementVisit<Dimension>& visit, std::int32_t n) {
+template <int Family> inline bool TakesPart(const ElementVisit<Family>& visit, std::int32_t n) {
     return !visit.skipsElements || ElementMarked(*visit.fibres, n);
 }
 
 /// Puts the factors of fibres at point p (from 1) and concentration TG on the coefficients in hand.
-template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG);
+template <int Family> void MultiplyByFibreFactors(ElementVisit<Family>& visit, int p, double TG);
 
 /// The same where fibres lie under the group.
-template <int Dimension> inline void PassThroughFibres(ElementVisit<Dimension>& visit, int p, double TG) {
-    if (Dimension > 1 && visit.fibres != nullptr)
+template <int Family> inline void PassThroughFibres(ElementVisit<Family>& visit, int p, double TG) {
+    if (kUnderFibres<Family> && visit.fibres != nullptr)
         MultiplyByFibreFactors(visit, p, TG);
 }
 
 /// Coefficients of the element in hand at point p (from 1) and concentration TG. Stops the run when there are none.
-template <int Dimension>
-inline void EvaluateCoefficientsAt(ElementVisit<Dimension>& visit, int p, double TG) {
+template <int Family> inline void EvaluateCoefficientsAt(ElementVisit<Family>& visit, int p, double TG) {
     CoefficientFailure failure;
     if (!EvaluateCoefficients(visit.tables, visit.material, TG, visit.group.held, visit.coefficients,
                               failure))

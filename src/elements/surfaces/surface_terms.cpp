@@ -47,8 +47,8 @@ void EvaluateCurve(Run& run, const FunctionTable& table, const CurveWords& words
 
 // --- one side -----------------------------------------------------------------------------------------------------
 
-template <int Dimension> struct SurfaceVisit {
-    const ElementWalk<Dimension>& walk; // with the element in hand
+template <int Family> struct SurfaceVisit {
+    const ElementWalk<Family>& walk; // with the element in hand
     const SurfaceTables& tables;
     HeldCurveValues& held;
 };
@@ -59,15 +59,15 @@ struct SideCurves {
 };
 
 // Packed matrices apart from the conduction matrix until all sides are summed.
-template <int Dimension> struct SideSums {
-    static constexpr int kLength = kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2;
+template <int Family> struct SideSums {
+    static constexpr int kLength = kMaxNodes<Family> * (kMaxNodes<Family> + 1) / 2;
     double convection[kLength] = {};
     double radiation[kLength] = {};
     bool hasConvection = false, hasRadiation = false;
 };
 
 // Values that hold for the whole side. A convection or emissivity curve of one point needs no concentration.
-template <int Dimension> void EvaluateSide(const SurfaceVisit<Dimension>& visit, const SideCurves& curves) {
+template <int Family> void EvaluateSide(const SurfaceVisit<Family>& visit, const SideCurves& curves) {
     Run& run = visit.walk.run;
     const SurfaceTables& tables = visit.tables;
     HeldCurveValues& held = visit.held;
@@ -82,8 +82,8 @@ template <int Dimension> void EvaluateSide(const SurfaceVisit<Dimension>& visit,
 }
 
 // HC and EM at the surface value TS, from curves of more than one point.
-template <int Dimension>
-void EvaluateAtSurface(const SurfaceVisit<Dimension>& visit, const SideCurves& curves, double TS) {
+template <int Family>
+void EvaluateAtSurface(const SurfaceVisit<Family>& visit, const SideCurves& curves, double TS) {
     const SurfaceTables& tables = visit.tables;
     if (curves.convection > 0 && tables.convection.points(curves.convection) > 1)
         EvaluateCurve(visit.walk.run, tables.convection, kConvectionWords, curves.convection, TS,
@@ -98,9 +98,9 @@ double ShapeFactor(const SurfaceTables& tables, const SideCurves& curves) {
     return tables.shapeFactors.length == 0 ? 1.0 : tables.shapeFactors(curves.emissivity);
 }
 
-template <int Dimension>
-void AddSidePoint(const SurfaceVisit<Dimension>& visit, const SideCurves& curves,
-                  const SidePoint<Dimension>& point, SideSums<Dimension>& sums, RealArray FE) {
+template <int Family>
+void AddSidePoint(const SurfaceVisit<Family>& visit, const SideCurves& curves, const SidePoint<Family>& point,
+                  SideSums<Family>& sums, RealArray FE) {
     const SurfaceTables& tables = visit.tables;
     HeldCurveValues& held = visit.held;
     const double* N = point.shape.H;
@@ -141,21 +141,22 @@ void AddSidePoint(const SurfaceVisit<Dimension>& visit, const SideCurves& curves
 }
 
 // The points of a side: natural direction `fixed` (from 0) is held at `end`, the others run in ascending order.
-template <int Dimension>
-void SumOverSide(const SurfaceVisit<Dimension>& visit, const SideCurves& curves, int fixed, double end,
-                 SideSums<Dimension>& sums, RealArray FE) {
+template <int Family>
+void SumOverSide(const SurfaceVisit<Family>& visit, const SideCurves& curves, int fixed, double end,
+                 SideSums<Family>& sums, RealArray FE) {
     const int a = fixed == 0 ? 1 : 0, b = fixed == 2 ? 1 : 2;
     const std::int32_t* NGAUS = visit.walk.NGAUS;
-    const std::int32_t orderA = Dimension > 1 ? NGAUS[a] : 1, orderB = Dimension > 2 ? NGAUS[b] : 1;
+    const std::int32_t orderA = kDimension<Family> > 1 ? NGAUS[a] : 1,
+                       orderB = kDimension<Family> > 2 ? NGAUS[b] : 1;
     for (std::int32_t i = 1; i <= orderA; ++i)
         for (std::int32_t j = 1; j <= orderB; ++j) {
-            SidePoint<Dimension> point;
+            SidePoint<Family> point;
             point.place[fixed] = end;
-            if (Dimension > 1) {
+            if (kDimension<Family> != 1) {
                 point.place[a] = XG(orderA, i);
                 point.weight = WGT(orderA, i);
             }
-            if (Dimension > 2) {
+            if (kDimension<Family> == 3) {
                 point.place[b] = XG(orderB, j);
                 point.weight *= WGT(orderB, j);
             }
@@ -164,7 +165,7 @@ void SumOverSide(const SurfaceVisit<Dimension>& visit, const SideCurves& curves,
         }
 }
 
-template <int Dimension> SideCurves CurvesOf(const SurfaceTables& tables, Word record, int side) {
+template <int Family> SideCurves CurvesOf(const SurfaceTables& tables, Word record, int side) {
     const auto field = [&](SurfaceField f) { return tables.ISURF(kSurfaceFields * (side - 1) + f, record); };
     return {field(kFluxCurve), field(kConvectionCurve), field(kEnvironmentCurve), field(kEmissivityCurve)};
 }
@@ -176,14 +177,14 @@ void AddMatrix(const double* matrix, RealArray K) {
 
 } // namespace
 
-template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group) {
+template <int Family> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group) {
     const CurveCounts& counts = run.control.counts;
     SurfaceTables tables;
     tables.present = counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0;
     if (!tables.present)
         return tables;
     tables.NSURF = SurfaceRecordNumbers(run, group);
-    tables.ISURF = SurfaceRecords<Dimension>(run, group);
+    tables.ISURF = SurfaceRecords<Family>(run, group);
     tables.flux = FluxFunctions(run);
     tables.convection = ConvectionFunctions(run);
     tables.environment = EnvironmentFunctions(run);
@@ -196,16 +197,16 @@ template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const Ele
     return tables;
 }
 
-template <int Dimension>
-void SurfaceTerms(const ElementWalk<Dimension>& walk, const SurfaceTables& tables, HeldCurveValues& held,
+template <int Family>
+void SurfaceTerms(const ElementWalk<Family>& walk, const SurfaceTables& tables, HeldCurveValues& held,
                   RealArray K, RealArray FE) {
     const std::int32_t record = tables.present ? tables.NSURF(walk.number) : 0;
     if (record == 0)
         return;
-    const SurfaceVisit<Dimension> visit{walk, tables, held};
-    SideSums<Dimension> sums;
-    for (int side = 1; side <= kSides<Dimension>; ++side) {
-        const SideCurves curves = CurvesOf<Dimension>(tables, record, side);
+    const SurfaceVisit<Family> visit{walk, tables, held};
+    SideSums<Family> sums;
+    for (int side = 1; side <= kSides<Family>; ++side) {
+        const SideCurves curves = CurvesOf<Family>(tables, record, side);
         if (curves.flux == 0 && curves.convection == 0 && curves.environment == 0 && curves.emissivity == 0)
             continue;
         sums.hasConvection = sums.hasConvection || curves.convection != 0;
@@ -219,13 +220,11 @@ void SurfaceTerms(const ElementWalk<Dimension>& walk, const SurfaceTables& table
         AddMatrix(sums.radiation, K);
 }
 
-#define ZURT_INSTANTIATE(DIMENSION)                                                                          \
-    template SurfaceTables SurfaceTablesOf<DIMENSION>(const Run&, const ElementGroup&);                      \
-    template void SurfaceTerms(const ElementWalk<DIMENSION>&, const SurfaceTables&, HeldCurveValues&,        \
+#define ZURT_SURFACE_TERMS(FAMILY)                                                                           \
+    template SurfaceTables SurfaceTablesOf<FAMILY>(const Run&, const ElementGroup&);                         \
+    template void SurfaceTerms(const ElementWalk<FAMILY>&, const SurfaceTables&, HeldCurveValues&,           \
                                RealArray, RealArray);
-ZURT_INSTANTIATE(1)
-ZURT_INSTANTIATE(2)
-ZURT_INSTANTIATE(3)
-#undef ZURT_INSTANTIATE
+ZURT_FOR_ALL_FAMILIES(ZURT_SURFACE_TERMS)
+#undef ZURT_SURFACE_TERMS
 
 } // namespace zurt

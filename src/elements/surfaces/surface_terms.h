@@ -26,7 +26,7 @@ struct SurfaceTables {
 };
 
 /// Made once per visit of the group, at the current TIME.
-template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group);
+template <int Family> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group);
 
 /// Adds the terms of the walk's element in hand.
 ///   held  what curves of this group gave last (in and out)
@@ -35,8 +35,8 @@ template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const Ele
 /// Nothing happens when tables.present is false or the element has no record. Stops the run on a side without extent
 /// and on a curve that is not defined at its argument; values that a curve gives nowhere stay those of the side before,
 /// in `held`.
-template <int Dimension>
-void SurfaceTerms(const ElementWalk<Dimension>& walk, const SurfaceTables& tables, HeldCurveValues& held,
+template <int Family>
+void SurfaceTerms(const ElementWalk<Family>& walk, const SurfaceTables& tables, HeldCurveValues& held,
                   RealArray K, RealArray FE);
 
 } // namespace zurt
