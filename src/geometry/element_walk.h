@@ -53,26 +53,26 @@ template <int Family>
 
 /// The measure of a point of the element in hand where the Jacobian's determinant is DET: weight times DET, for lines times
 /// their area, in axisymmetric groups times the radius. (The thickness of a quadrilateral has no effect.)
-template <int Family>
+template <int Nodes, int Family>
 inline double PointMeasure(const ElementWalk<Family>& walk, const ElementPoint<Family>& point, double DET) {
     double measure = point.weight;
     if constexpr (kDimension<Family> == 1)
         measure *= walk.areas(walk.number);
     if constexpr (kDimension<Family> < 3)
         if (walk.axisymmetric)
-            measure *=
-                Interpolate<0>(point.shape.H, walk.element.CORE[kRadiusAxis<Family>], walk.points.active.ND);
+            measure *= Interpolate<Nodes>(point.shape.H, walk.element.CORE[kRadiusAxis<Family>],
+                                          walk.points.active.ND);
     return measure * DET;
 }
 
 /// Jacobian and measure of a point of the element in hand, be it of its rule or of another one for the same nodes. Ends
-/// the run when the determinant is not positive.
-template <int Family>
+/// the run when the determinant is not positive. `Nodes`: see NodeCount.
+template <int Nodes = 0, int Family>
 inline double LocatePoint(const ElementWalk<Family>& walk, const ElementPoint<Family>& point,
                           JacobianValues<Family>& jacobian) {
     if (!JacobianVolume<Family>(point.shape, walk.element.CORE, walk.points.active.ND, jacobian))
         StopOnJacobian(walk, 0, point.place, jacobian.DET);
-    return PointMeasure(walk, point, jacobian.DET);
+    return PointMeasure<Nodes>(walk, point, jacobian.DET);
 }
 
 /// The place X of a point; z is 0 in the plane.

@@ -67,7 +67,7 @@ void SumOverPoints(FormVisit<Family>& visit, std::int32_t ISRC, ElementSums<Fami
     for (int p = 0; p < elements.rule->count; ++p) {
         const ElementPoint<Family>& point = elements.rule->point[p];
         JacobianValues<Family> jacobian;
-        const double w = LocatePoint(elements.walk, point, jacobian);
+        const double w = LocatePoint<Nodes>(elements.walk, point, jacobian);
         const double TG = Interpolate<Nodes>(point.shape.H, element.TE1, ND);
         EvaluateCoefficientsAt(elements, p + 1, TG);
         AddConduction(jacobian.HX, {coefficients.KX, coefficients.KY, coefficients.KZ}, w, ND, sums);
