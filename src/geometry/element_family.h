@@ -12,13 +12,15 @@
 
 namespace zurt {
 
-/// Every family, by number: DO(1) DO(2) and so on.
+/// Every family, by number. (4 is what decks say for radial fibres, as they could say any other.)
 #define ZURT_FOR_ALL_FAMILIES(DO) DO(1) DO(2) DO(3)
 
 /// Those that fibres can lie under.
 #define ZURT_FOR_FAMILIES_UNDER_FIBRES(DO) DO(2) DO(3)
 
-constexpr std::int32_t kFamilies = 3;
+#define ZURT_ONE_MORE(FAMILY) +1
+constexpr int kFamilies = ZURT_FOR_ALL_FAMILIES(ZURT_ONE_MORE);
+#undef ZURT_ONE_MORE
 
 /// Whether fibres can lie under a family.
 template <int Family>
@@ -32,7 +34,14 @@ constexpr bool kUnderFibres = [] {
 
 /// Every element type but those of the isoparametric families.
 inline bool IsRadial(const ElementGroup& group) {
-    return group.NETIP < 1 || group.NETIP > kFamilies;
+    switch (group.NETIP) {
+#define ZURT_FAMILY_CASE(FAMILY) case FAMILY:
+        ZURT_FOR_ALL_FAMILIES(ZURT_FAMILY_CASE)
+#undef ZURT_FAMILY_CASE
+        return false;
+    default:
+        return true;
+    }
 }
 
 /// An element as the graphics file knows it: descriptor of dataset 71, and the columns of the connectivity in the order
@@ -115,36 +124,28 @@ struct ElementFamily {
     const char* const* restriction; // Serbian, English; null when there is none
 };
 
-/// The record of family `Family`.
-template <int Family> constexpr ElementFamily MakeElementFamily() {
-    using Shape = FamilyShape<Family>;
-    return {Family,
-            Shape::kDimension,
-            Shape::kCorners,
-            Shape::kMaxNodes,
-            kSides<Family>,
-            kSideCorners<Family>,
-            &Shape::kSideCorners[0][0],
-            &Shape::kLinear,
-            &Shape::kParabolic,
-            Shape::kRestriction};
-}
+template <int Family>
+inline constexpr ElementFamily kElementFamily = {Family,
+                                                 kDimension<Family>,
+                                                 kCorners<Family>,
+                                                 kMaxNodes<Family>,
+                                                 kSides<Family>,
+                                                 kSideCorners<Family>,
+                                                 &FamilyShape<Family>::kSideCorners[0][0],
+                                                 &FamilyShape<Family>::kLinear,
+                                                 &FamilyShape<Family>::kParabolic,
+                                                 FamilyShape<Family>::kRestriction};
 
-/// All families, the one of number n at n - 1.
-#define ZURT_FAMILY_RECORD(FAMILY) MakeElementFamily<FAMILY>(),
-inline constexpr ElementFamily kElementFamilies[kFamilies] = {ZURT_FOR_ALL_FAMILIES(ZURT_FAMILY_RECORD)};
+/// All families, in the order of the list.
+#define ZURT_FAMILY_RECORD(FAMILY) &kElementFamily<FAMILY>,
+inline constexpr const ElementFamily* kElementFamilies[] = {ZURT_FOR_ALL_FAMILIES(ZURT_FAMILY_RECORD)};
 #undef ZURT_FAMILY_RECORD
-
-/// The family of a group that is not radial.
-inline const ElementFamily& FamilyOf(const ElementGroup& group) {
-    return kElementFamilies[group.NETIP - 1];
-}
 
 /// Most nodes and most corners of a side that any family has.
 constexpr int LargestOf(int ElementFamily::*field) {
     int largest = 0;
-    for (const ElementFamily& family : kElementFamilies)
-        largest = family.*field > largest ? family.*field : largest;
+    for (const ElementFamily* family : kElementFamilies)
+        largest = family->*field > largest ? family->*field : largest;
     return largest;
 }
 constexpr int kMostNodes = LargestOf(&ElementFamily::mostNodes);
@@ -163,6 +164,13 @@ template <class Act> void WithFamily(const ElementGroup& group, const Act& act) 
     default:
         break;
     }
+}
+
+/// The family of a group that is not radial.
+inline const ElementFamily& FamilyOf(const ElementGroup& group) {
+    const ElementFamily* found = nullptr;
+    WithFamily(group, [&](auto family) { found = &kElementFamily<family.value>; });
+    return *found;
 }
 
 } // namespace zurt

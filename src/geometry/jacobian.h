@@ -5,7 +5,7 @@
 // holds the coordinates of the element's active nodes in compressed order, one row for x, y and z, in the mesh's
 // unit of length; the plane family reads x and y alone, the line lies in space and reads all three.
 // Every function returns whether the point is sound. When it is not, the caller ends the run with the message of
-// geometry/jacobian_failure.h. A determinant that is not a number never counts as sound.
+// geometry/element_walk.h (StopOnJacobian). A determinant that is not a number never counts as sound.
 #pragma once
 
 #include "geometry/shape_functions.h"

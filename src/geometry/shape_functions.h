@@ -18,8 +18,8 @@ namespace zurt {
 /// Most mid-side nodes, the centre included, of any family.
 constexpr int kMostMidSideNodes = [] {
     int most = 0;
-    for (const ElementFamily& family : kElementFamilies)
-        most = family.mostNodes - family.corners > most ? family.mostNodes - family.corners : most;
+    for (const ElementFamily* family : kElementFamilies)
+        most = family->mostNodes - family->corners > most ? family->mostNodes - family->corners : most;
     return most;
 }();
 

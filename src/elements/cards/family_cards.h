@@ -74,7 +74,14 @@ template <int Family> const FamilyCards& CardsOfFamily();
 ZURT_FOR_ALL_FAMILIES(ZURT_FAMILY_CARDS)
 #undef ZURT_FAMILY_CARDS
 
-/// Those of all families, in the order of their numbers.
+/// Those of a group's family; not for radial groups.
+inline const FamilyCards& CardsOf(const ElementGroup& group) {
+    const FamilyCards* cards = nullptr;
+    WithFamily(group, [&](auto family) { cards = &CardsOfFamily<family.value>(); });
+    return *cards;
+}
+
+/// Those of all families, in the order of the list.
 #define ZURT_FAMILY_CARDS(FAMILY) &CardsOfFamily<FAMILY>(),
 inline std::array<const FamilyCards*, kFamilies> CardsOfAllFamilies() {
     return {ZURT_FOR_ALL_FAMILIES(ZURT_FAMILY_CARDS)};

@@ -54,7 +54,7 @@ constexpr EchoLine kDeviceEcho[] = {
 
 template <> const FamilyCards& CardsOfFamily<1>() {
     static const FamilyCards cards{
-        kElementFamilies[0],
+        kElementFamily<1>,
         Layout("1D group card", kGroupFields),
         Layout("1D group card", kDeviceGroupFields),
         Layout("1D element card", kElementFields),

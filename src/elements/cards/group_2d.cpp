@@ -51,7 +51,7 @@ constexpr EchoLine kDeviceEcho[] = {ZURT_ECHO_DEVICE_GROUP_MATERIAL("2"), ZURT_Q
 
 template <> const FamilyCards& CardsOfFamily<2>() {
     static const FamilyCards cards{
-        kElementFamilies[1],
+        kElementFamily<2>,
         Layout("2D group card", kGroupFields),
         Layout("2D group card", kDeviceGroupFields),
         Layout("2D element card", kElementFields),

@@ -42,7 +42,7 @@ constexpr EchoLine kDeviceEcho[] = {ZURT_ECHO_DEVICE_GROUP_MATERIAL("3"), ZURT_B
 
 template <> const FamilyCards& CardsOfFamily<3>() {
     static const FamilyCards cards{
-        kElementFamilies[2],
+        kElementFamily<3>,
         Layout("3D group card", kGroupFields),
         Layout("3D group card", kDeviceGroupFields),
         Layout("3D element card", kElementFields),

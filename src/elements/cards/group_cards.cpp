@@ -103,7 +103,7 @@ void RaiseHeightsOfGroup(Run& run, const ElementGroup& group) {
 } // namespace
 
 void ReadIsoparametricGroup(Run& run, ElementGroup& group) {
-    const FamilyCards& family = *CardsOfAllFamilies()[static_cast<std::size_t>(group.NETIP - 1)];
+    const FamilyCards& family = CardsOf(group);
     const std::int32_t first = NumberOfNextCard(run.deck);
     group.indicesChecked = false;
     group.held = HeldCurveValues();

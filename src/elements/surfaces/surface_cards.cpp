@@ -61,7 +61,7 @@ const SideWords kSideWords[] = {
 
 // A radial group goes by the cards of the brick.
 const ElementFamily& FamilyOfSides(const ElementGroup& group) {
-    return IsRadial(group) ? kElementFamilies[kFamilies - 1] : FamilyOf(group);
+    return IsRadial(group) ? kElementFamily<3> : FamilyOf(group);
 }
 
 // --- sides --------------------------------------------------------------------------------------------------------
