@@ -1,4 +1,4 @@
-// One-based views of arrays that somebody else owns.
+// One-based views of arrays, which own nothing.
 //
 // A view is a pointer and a length (or a shape). Tables are stored column by column: (i, j) stands next to
 // (i + 1, j). Debug and sanitizer builds (ZURT_CHECKED) check every index; release builds check none, so a number
@@ -73,11 +73,6 @@ template <class T> ArrayView<T> Section(ArrayView<T> array, Word first, Word cou
         ReportIndexOutsideArray(first + count - 1, array.length);
 #endif
     return {array.data + (first - 1), count};
-}
-
-/// Column j of a table as an array.
-template <class T> ArrayView<T> Column(TableView<T> table, Word j) {
-    return {&table(1, j), table.rows};
 }
 
 /// Sets every entry to `value`.

@@ -4,7 +4,7 @@
 namespace zurt {
 
 /// Takes the lock of an open file until it is closed or the process ends. False when another process holds it; a file system
-/// that knows no locks lets everybody in.
+/// without locks gives the lock to every process.
 bool LockFile(int descriptor);
 
 } // namespace zurt

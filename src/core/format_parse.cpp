@@ -7,7 +7,7 @@ namespace zurt {
 
 namespace {
 
-/// Beyond these a format is a slip of the pen, and the digit buffers of the writer rely on it.
+/// Largest numbers of a descriptor. Larger ones are errors in the format; the digit buffers of the writer rely on it.
 constexpr int kLargestWidth = 512;
 constexpr int kLargestDecimals = 300;
 constexpr int kLargestScale = 30;

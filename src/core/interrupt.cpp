@@ -15,7 +15,7 @@ extern "C" void RememberInterrupt(int /*signal*/) {
 void WatchForInterrupts() {
     struct sigaction action = {};
     action.sa_handler = RememberInterrupt;
-    // A record that is being written is written whole.
+    // SA_RESTART: a record that is being written is finished. SA_RESETHAND: a second signal ends the process.
     action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);

@@ -31,8 +31,8 @@ template <int kWidth> ZURT_INLINE const typename Lanes<kWidth>::Vector& LanesAt(
     return *reinterpret_cast<const typename Lanes<kWidth>::Vector*>(place);
 }
 
-/// The lanes from any `place` on. A copy, which compilers make one move of; a vector type of lesser alignment would do, but not
-/// every compiler keeps the alignment through a template.
+/// The lanes from any `place` on, by a copy that compilers turn into one move. (A vector type of lesser alignment would not
+/// do: some compilers lose the alignment in a template.)
 template <int kWidth> ZURT_INLINE void LoadLanes(const double* place, typename Lanes<kWidth>::Vector& lanes) {
     __builtin_memcpy(&lanes, place, sizeof lanes);
 }

@@ -5,12 +5,8 @@ namespace zurt {
 
 namespace {
 
-/// The largest r of r*c that a Fortran library takes; a larger one is a slip, not a wish.
+/// The largest r of r*c that a Fortran library takes; a larger one is not a number.
 constexpr int kLargestRepeat = 200000000;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 /// Reads digits alone, with a limit.
 FieldStatus ReadCount(std::string_view digits, int& count) {
@@ -137,7 +133,7 @@ ListStatus Finish(ListScanner& scanner, std::string_view item, FieldStatus statu
     return status == FieldStatus::OutOfRange ? ListStatus::OutOfRange : ListStatus::NotANumber;
 }
 
-/// A sign at most, then digits alone. An item that isn't is no number, be it ever so large.
+/// A sign at most, then digits alone. Any other item is not a number, however large it is.
 bool IsInteger(std::string_view item) {
     if (!item.empty() && (item[0] == '+' || item[0] == '-'))
         item.remove_prefix(1);
@@ -147,7 +143,7 @@ bool IsInteger(std::string_view item) {
     return !item.empty();
 }
 
-/// A fixed field may do without a digit ahead of its exponent and be 0; an item may not.
+/// A fixed field without a digit ahead of its exponent is 0; such an item is not a number.
 bool HasMantissa(std::string_view item) {
     if (!item.empty() && (item[0] == '+' || item[0] == '-'))
         item.remove_prefix(1);

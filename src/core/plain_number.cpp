@@ -7,9 +7,9 @@ namespace {
 __extension__ typedef unsigned __int128 WideInteger;
 
 constexpr int kMostDigits = 19;                // of a number below 2^64
-constexpr int kMostExactPower = 22;            // 10^22 is a double, 10^23 is none
+constexpr int kMostExactPower = 22;            // 10^22 is a double, 10^23 is not
 constexpr int kMostPowerOfFive = 27;           // 5^27 is below 2^63
-constexpr std::size_t kMostExponentDigits = 4; // more are a matter of limits
+constexpr std::size_t kMostExponentDigits = 4; // more are left to the full readers
 constexpr std::uint64_t kMostExactInteger = std::uint64_t{1} << 53;
 
 constexpr double kTen[kMostExactPower + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
@@ -42,7 +42,7 @@ bool IsDigitAt(std::string_view record, std::size_t at) {
     return at < record.size() && record[at] >= '0' && record[at] <= '9';
 }
 
-/// Appends the digits from `at` on to `number` and returns how many they are. Beyond kMostDigits the number is spoilt.
+/// Appends the digits from `at` on to `number` and returns how many they are. Beyond kMostDigits the number has overflowed.
 inline int TakeDigits(std::string_view record, std::size_t& at, std::uint64_t& number) {
     int taken = 0;
     while (IsDigitAt(record, at)) {
@@ -70,7 +70,7 @@ double DivideByTen(std::uint64_t number, int power) {
 }
 
 /// number * 10^power where that takes one exact step; false elsewhere.
-bool Scale(std::uint64_t number, int power, double& magnitude) {
+bool ScaleInOneStep(std::uint64_t number, int power, double& magnitude) {
     if (number == 0)
         magnitude = 0.0;
     else if (number <= kMostExactInteger && power >= 0 && power <= kMostExactPower)
@@ -122,7 +122,7 @@ std::size_t ReadPlainReal(std::string_view record, std::size_t at, int decimals,
         power = exponent - fraction;
     }
     double magnitude = 0.0;
-    if (!Scale(number, power, magnitude))
+    if (!ScaleInOneStep(number, power, magnitude))
         return 0;
     value = negative ? -magnitude : magnitude;
     return at;

@@ -1,7 +1,7 @@
 // Numbers in the plain spelling that nearly every field of a deck has, read eight characters at a time.
 //
-// Used by input/card.cpp and list_read.cpp ahead of the full readers: what is not plain is left to those, and what is gets
-// the value that they would give it, to the last bit. A number is given as a place in its record, because eight
+// Used by input/card.cpp and list_read.cpp ahead of the full readers: what is not plain is left to those; what is
+// plain gets the value that they would give it, to the last bit. A number is given as a place in its record, because eight
 // characters are loaded at once; nothing outside the record is touched, and records of less than eight are never plain.
 #pragma once
 
@@ -32,7 +32,7 @@ inline std::uint64_t EightFrom(std::string_view record, std::size_t at) {
     return left == 0 ? 0 : LoadEight(record.data() + record.size() - 8) >> (64 - 8 * left);
 }
 
-/// How many of eight characters are digits up to the first that is none.
+/// How many of eight characters are digits ahead of the first other character.
 inline int LeadingDigits(std::uint64_t text) {
     const std::uint64_t digits = text ^ kEightZeros; // 0 to 9 for a digit
     // A carry reaches only characters behind one that is no digit.

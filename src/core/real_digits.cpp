@@ -23,7 +23,7 @@ struct ScaledValue {
     double rest = 0.0;
 };
 
-ScaledValue Scale(double magnitude, int power) {
+ScaledValue ScaleByPowerOfTen(double magnitude, int power) {
     ScaledValue scaled;
     if (power >= 0) {
         scaled.value = magnitude * kPower[power];
@@ -44,7 +44,7 @@ std::int64_t RoundScaled(const ScaledValue& scaled) {
     return up ? whole + 1 : whole;
 }
 
-/// The quick way, for values of ordinary size. False when `magnitude` is beyond it.
+/// The digits by one scaling to an integer. False for magnitudes and counts for which that is not exact enough.
 bool QuickDigits(double magnitude, int count, char* digits, int& power) {
     if (count > kQuickDigits || !(magnitude >= 1e-15 && magnitude < 1e30))
         return false;
@@ -52,10 +52,10 @@ bool QuickDigits(double magnitude, int count, char* digits, int& power) {
         std::floor(std::ilogb(magnitude) * 0.30102999566398120)); // the true one, or 1 below it
     if (power - (count - 1) > kLargestExactPower - 1 || count - 1 - power > kLargestExactPower)
         return false;
-    ScaledValue scaled = Scale(magnitude, count - 1 - power);
+    ScaledValue scaled = ScaleByPowerOfTen(magnitude, count - 1 - power);
     if (scaled.value > kPower[count]) {
         ++power;
-        scaled = Scale(magnitude, count - 1 - power);
+        scaled = ScaleByPowerOfTen(magnitude, count - 1 - power);
     }
     std::int64_t number = RoundScaled(scaled);
     if (number == static_cast<std::int64_t>(kPower[count])) { // 9.96 became 10.0, or 10.0 stood there

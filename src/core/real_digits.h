@@ -1,6 +1,6 @@
 // The leading decimal digits of a double, rounded exactly.
 //
-// Used by format_write.cpp for E and D fields; nobody else needs it.
+// Used by format_write.cpp alone, for E and D fields.
 #pragma once
 
 namespace zurt {

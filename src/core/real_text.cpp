@@ -30,10 +30,6 @@ struct RealScan {
     bool exponentSeen = false;
 };
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 char LowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -47,7 +43,7 @@ void SkipBlanks(RealScan& scan) {
         ++scan.next;
 }
 
-/// Takes a sign if one stands next; true for a minus.
+/// Takes the sign if the next character is one; true for a minus.
 bool TakeSign(RealScan& scan) {
     if (scan.next == scan.end || (*scan.next != '-' && *scan.next != '+'))
         return false;

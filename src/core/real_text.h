@@ -1,11 +1,15 @@
 // Decimal text to double, as Fortran fields spell reals.
 //
-// Shared by the fixed fields of format_read.cpp and the items of list_read.cpp; nobody else needs it.
+// Used by the fixed fields of format_read.cpp and the items of list_read.cpp alone.
 #pragma once
 
 #include "core/format.h"
 
 namespace zurt {
+
+inline bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 /// How a text without a point is to be taken.
 struct RealTextRules {

@@ -1,6 +1,6 @@
 // How a run ends before its time.
 //
-// A stop is thrown and caught in one place, the driver, which still has the run in its hands: it flushes every file,
+// A stop is thrown and caught in one place, the driver, which holds the run: it flushes every file,
 // says what stopped the run, and chooses the status. Nothing in between catches it.
 //
 // A message of the program's own goes to its unit first (BeginMessage, then records) and then StopRun ends the run.
@@ -36,7 +36,7 @@ struct RunStop {
 /// Ends the run if a signal has asked for it (core/interrupt.h). Called where files are whole.
 void StopIfInterrupted();
 
-/// Writes "zurt: note: " and `text` to standard error: behaviour that is required and yet bound to surprise.
+/// Writes "zurt: note: " and `text` to standard error: behaviour that is meant and likely to surprise.
 void WriteNote(const std::string& text);
 
 } // namespace zurt

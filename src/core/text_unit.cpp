@@ -38,7 +38,7 @@ int FlagsOf(OpenMode mode) {
     StopWithLibraryError("can't open " + unit.name + " for writing: " + std::strerror(reason));
 }
 
-// What the file held goes only once it is this run's.
+// The file is cut to nothing only once this run has its lock.
 void OpenForWriting(TextUnit& unit, OpenMode mode) {
     const int descriptor = open(unit.name.c_str(), FlagsOf(mode), 0666);
     if (descriptor < 0)
@@ -57,7 +57,7 @@ void OpenForWriting(TextUnit& unit, OpenMode mode) {
         close(descriptor);
         StopOnOpening(unit, reason);
     }
-    // The library takes no size without a place. Units left open at the end of the process are written out from there.
+    // setvbuf takes a size only with a buffer. Units still open at the end of the process are written out from it.
     unit.buffer = static_cast<char*>(std::malloc(kBufferSize));
     if (unit.buffer != nullptr)
         std::setvbuf(unit.file, unit.buffer, _IOFBF, kBufferSize);

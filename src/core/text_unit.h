@@ -1,7 +1,7 @@
 // Sequential text units: the listing, the console, MESSAGES.LST, the graphics and the mass files.
 //
 // A unit is a buffered file to which whole records are appended. A record written to a unit that was never opened is
-// dropped: a run without a listing goes the same road as one with a listing. A record that can't be stored (a full
+// dropped: a run without a listing makes the same calls as one with it. A record that can't be stored (a full
 // disk) ends the run through StopWithLibraryError.
 #pragma once
 

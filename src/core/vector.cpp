@@ -1,15 +1,9 @@
 #include "core/vector.h"
 
+#include "core/widened_constants.h"
 #include <cmath>
 
 namespace zurt {
-
-namespace {
-
-// 1.E-10 as a single-precision literal, widened.
-constexpr double kNormalizeLimit = 1.000000013351432e-10;
-
-} // namespace
 
 double VectorLength(const double v[3]) {
     return std::sqrt(VectorDot(v, v));

@@ -8,7 +8,7 @@ namespace zurt {
 /// Euclidean length of the 3-vector v.
 double VectorLength(const double v[3]);
 
-/// Divides the 3-vector v by its length; a component of the result below 1.000000013351432e-10 in size becomes 0.
+/// Divides the 3-vector v by its length; a component of the result below kNormalizeLimit in size becomes 0.
 void VectorNormalize(double v[3]);
 
 /// c = a x b.

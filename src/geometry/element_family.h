@@ -45,7 +45,7 @@ inline bool IsRadial(const ElementGroup& group) {
 }
 
 /// An element as the graphics file knows it: descriptor of dataset 71, and the columns of the connectivity in the order
-/// of the file. Parabolic elements go round, corners and mid-sides in turn.
+/// of the file. The nodes of parabolic elements go round, corners and mid-sides in turn.
 struct GraphicsShape {
     std::int32_t descriptor;
     std::int32_t count;

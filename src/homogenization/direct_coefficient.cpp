@@ -2,7 +2,6 @@
 
 #include "core/format.h"
 #include "elements/forming/element_visit.h"
-#include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
 #include "homogenization/recorded_pass.h"
@@ -72,8 +71,8 @@ template <int Family> void FindEnds(Run& run, ElementGroup& group, Domain& domai
     }
 }
 
-// By the divergence theorem the integral of a shape function's derivative along the axis is what the function has of the
-// two end faces: positive at the high one, negative at the low one. Along the radius the divergence has N / r beside it.
+// By the divergence theorem the volume integral of dN/dx along the axis is the integral of N over the high end face minus
+// that over the low one. Along the radius the divergence is dN/dr + N / r.
 template <int Family>
 void AddEndNodes(const JacobianValues<Family>& jacobian, const ElementWalk<Family>& walk,
                  const ElementPoint<Family>& point, double w, Domain& domain) {

@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "core/stop.h"
+#include "core/widened_constants.h"
 #include "homogenization/fit_update.h"
 #include "homogenization/mass_monitor.h"
 #include "run/file_names.h"

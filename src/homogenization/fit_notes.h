@@ -6,7 +6,7 @@
 namespace zurt {
 
 /// Notes which search of direction INDDEG has ended at its limit of iterations: the values tried and their errors, what the mass
-/// file shows instead, and what helps. Called behind the last run of the search, before the next one begins.
+/// file shows instead, and what helps. Called after the last run of the search.
 void NoteSearchWithoutResult(const Run& run);
 
 } // namespace zurt

@@ -1,14 +1,11 @@
 #include "homogenization/fit_update.h"
 
+#include "core/widened_constants.h"
 #include <cmath>
 
 namespace zurt {
 
 namespace {
-
-// Single-precision literals, widened.
-constexpr double kLowestStep = -0.9900000095367432;   // -0.99
-constexpr double kAboveRadius = 0.009999999776482582; // 0.01
 
 constexpr double kFirstCurveStep = 5.0 * 0.01;
 constexpr double kGrowth = 5.0;
@@ -32,8 +29,8 @@ void TakeError(FitState& fit) {
     (fit.DMASS > 0.0 ? fit.SEENPOS : fit.SEENNEG) = 1;
 }
 
-// What both searches do at their second iteration. Returns true when this run counts as one of too much mass: so it does
-// as well when that sign was seen before.
+// What both searches do at their second iteration. Returns true when this run counts as one of too much mass: with DMASS
+// above 0, or when SEENPOS was set already.
 bool TakeFirstDifference(FitState& fit) {
     fit.ERRFIT = 1.0;
     fit.MASSREF = fit.MASSFIB;

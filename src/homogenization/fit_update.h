@@ -10,9 +10,6 @@
 
 namespace zurt {
 
-/// HEQ is never smaller: 0.0006, which is 0.6 nm, a single-precision literal, widened.
-constexpr double kLowestHeq = 0.0006000000284984708;
-
 /// Next HEQ, at ITERFIT 2 and above; never below 0.6 nm. At the end of the search IFITEND is 1 and HEQDIR of the
 /// direction INDDEG has the result. `moleculeRadius` bounds the steps of a search with IDIAM 1.
 void UpdateHeq(FitState& fit, double moleculeRadius);

@@ -1,6 +1,7 @@
 #include "homogenization/fitted_curve.h"
 
 #include "core/stop.h"
+#include "core/widened_constants.h"
 #include "microscale/correction_lookup.h"
 #include "microscale/direction_curves.h"
 #include "microscale/merged_tables.h"
@@ -9,12 +10,6 @@
 #include <string>
 
 namespace zurt {
-
-namespace {
-
-constexpr double kEquivalentRaise = 1.100000023841858; // 1.1, a single-precision literal, widened
-
-} // namespace
 
 FittedCurve FittedCurveOf(const Run& run) {
     FittedCurve curve;

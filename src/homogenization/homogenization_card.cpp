@@ -66,7 +66,8 @@ void SwitchOffWithoutFibres(HomogenizationCard& card) {
         card.IHEQ = card.IDCC = 0;
 }
 
-// The labels and the twelve values under them are not aligned; the last label stands without a value.
+// Thirteen labels for twelve values: INDFITX is not written, and the values from NFITMAX on do not stand at their own
+// labels. The record ends at the last label, which has no value.
 void EchoHomogenizationCard(Run& run) {
     static const Format serbian("(/11X,'BROJ SETOVA VLAKANA ........................ NSETS   =',I5"
                                 "/11X,'INDIKATOR EKVIVALENTNE HOMOGENE SREDINE .... IEHM    =',I5"

@@ -14,7 +14,7 @@ namespace {
 /// Nodes this close to the plane, relative to the extent of the mesh, lie in it.
 constexpr double kInPlane = 1e-9;
 
-/// Rounding leaves this much of what the box around the mesh could hold, and less.
+/// A mass up to this part of what the box around the mesh could hold is rounding.
 constexpr double kRounding = 1e-11;
 
 struct Extent {

@@ -14,7 +14,7 @@ namespace zurt {
 /// Both tables for NDT steps (at least 1), all zero; no cross-section is known.
 void BeginMassTables(Run& run);
 
-/// Takes the flow of step KOR through the cross-section of direction INDDEG into the table of the model in hand:
+/// Takes the flow of step KOR through the cross-section of direction INDDEG into the table of the model that runs:
 /// FLUXMICRO with IEHM 0, else FLUXEQUIV.
 void RecordFlow(Run& run);
 

@@ -3,7 +3,6 @@
 #include "core/format.h"
 #include "homogenization/fit_notes.h"
 #include "homogenization/fit_update.h"
-#include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
 #include "homogenization/recorded_pass.h"
@@ -18,7 +17,7 @@ namespace {
 const char* const kRunWithFactors = "running FIB model - with prescribed SF";
 const char* const kRunWithoutFactors = "running FIB model - without SF";
 
-void WriteBanner(Run& run, const char* text) {
+void ShowProgress(Run& run, const char* text) {
     Write(run.units.console, "(/1X,A/)", text);
 }
 
@@ -28,16 +27,16 @@ void WriteBanner(Run& run, const char* text) {
 void BeginEquivalentMedium(Run& run, const FittedCurve& curve) {
     FitState& fit = run.fit;
     if (fit.ISFOFF == 0) {
-        WriteBanner(run, "running EHM model - Calculation of HEQ...");
+        ShowProgress(run, "running EHM model - Calculation of HEQ...");
         if (fit.card.IDCC == 0)
             RescaleCurveFromCard(curve, fit);
     } else {
-        WriteBanner(run, "running EHM model - Calculation of D-C curve...");
+        ShowProgress(run, "running EHM model - Calculation of D-C curve...");
         RescaleEquivalentCurve(curve, run.fibres.POROSITY, run.fibres, fit);
     }
 }
 
-// The curve has been found and HEQ is to follow: the model with fibres stands next, now with factors.
+// The curve has been found and HEQ is to follow: the next run is of the model with fibres, now with factors.
 void BeginDistanceStage(Run& run) {
     FitState& fit = run.fit;
     fit.IPHASE = fit.ISFOFF = fit.IEHM = fit.ITERFIT = fit.IFITEND = 0;
@@ -103,17 +102,18 @@ void BeginDirection(Run& run, std::int32_t direction) {
     fit.IPHASE = fit.IEHM = fit.ITERFIT = fit.IFITEND = fit.IDCEND = fit.SEENPOS = fit.SEENNEG = 0;
     fit.ERRFIT = 1.0;
     fit.clampedCurve = false;
-    WriteBanner(run, names[direction]);
+    ShowProgress(run, names[direction]);
     if (fit.card.IDCC == 0)
         fit.ISFOFF = 0;
 }
 
-void CloseDirection(Run& run, bool last) {
-    FitState& fit = run.fit;
+void CloseDirection(Run& run, const FittedCurve& curve, bool last) {
     PrintFittedParameters(run);
-    WriteBanner(run, "HOMOGENIZATION FINISHED!");
-    if (last)
-        fit.IFINALRUN = 1;
+    ShowProgress(run, "HOMOGENIZATION FINISHED!");
+    if (last) {
+        run.fit.IFINALRUN = 1;
+        RestoreBulkCurve(curve); // the final run scales these values by direction
+    }
     RunSteps(run, run.control.counts.NDT);
 }
 
@@ -127,7 +127,7 @@ void FitDirection(Run& run, const FittedCurve& curve, bool last) {
         EndFitRun(run, curve);
         BeginFitRun(run, curve);
     }
-    CloseDirection(run, last);
+    CloseDirection(run, curve, last);
 }
 
 // The curve that a fit begins with: as read, or between the ends of the card.
@@ -144,11 +144,11 @@ void TakeCurveEnds(FitState& fit, const FittedCurve& curve) {
 void BeginFitRun(Run& run, const FittedCurve& curve) {
     FitState& fit = run.fit;
     if (fit.IPHASE == 0)
-        WriteBanner(run, fit.ISFOFF == 0 ? kRunWithFactors : kRunWithoutFactors);
+        ShowProgress(run, fit.ISFOFF == 0 ? kRunWithFactors : kRunWithoutFactors);
     else
         ++fit.ITERFIT;
     if (fit.ITERFIT > fit.card.NFITMAX) {
-        WriteBanner(run, "Max number of iterations for Homogenization reached");
+        ShowProgress(run, "Max number of iterations for Homogenization reached");
         NoteSearchWithoutResult(run);
         fit.IFITEND = 1;
         return;
@@ -176,7 +176,7 @@ void RunHomogenization(Run& run) {
     FitState& fit = run.fit;
     const FittedCurve curve = FittedCurveOf(run);
     TakeCurveEnds(fit, curve);
-    WriteBanner(run, "HOMOGENIZATION PROCEDURE STARTED");
+    ShowProgress(run, "HOMOGENIZATION PROCEDURE STARTED");
     std::int32_t begun = 0;
     for (std::int32_t direction = 1; direction <= 3; ++direction) {
         if (fit.activeDirection[direction] == 0)
@@ -184,7 +184,7 @@ void RunHomogenization(Run& run) {
         if (++begun > 1)
             RestoreBulkCurve(curve);
         BeginDirection(run, direction);
-        ReformEquationNumbers(run); // every direction aims at one and the same model with fibres
+        ReformEquationNumbers(run); // the model with fibres is the same for every direction
         FitDirection(run, curve, begun == fit.NACTDIR);
     }
 }

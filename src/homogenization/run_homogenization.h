@@ -14,11 +14,11 @@ namespace zurt {
 /// All of it. Messages go to the console.
 void RunHomogenization(Run& run);
 
-/// Head of a run of the fit: what the masses of the run before make of the parameters, and the message. When the fit
+/// Head of a run of the fit: updates the parameters by the masses of the run before and writes the message. When the fit
 /// ends here (IFITEND 1) there is no run.
 void BeginFitRun(Run& run, const FittedCurve& curve);
 
-/// Tail of a run: after a run with fibres the equivalent medium stands next, under a numbering of its own.
+/// Tail of a run: after a run with fibres switches to the equivalent medium, under its own numbering.
 void EndFitRun(Run& run, const FittedCurve& curve);
 
 } // namespace zurt

@@ -92,7 +92,7 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
     CheckReal(place, name, text, value);
 }
 
-// The check of every value, in line: most layouts have none to make, and nearly all values pass.
+// The check of every value, in line because most layouts have no limits and nearly all values lie within theirs.
 inline void CheckRange(Deck& deck, const CardLayout& layout, const CardField& field, double value) {
     if (layout.limited && (value < field.values.low || value > field.values.high))
         CheckFieldValue(deck, layout.group, field, value);
@@ -167,7 +167,7 @@ bool NextNumber(ListRead& read, const char* name, double& value) {
     return status != ListStatus::Ended;
 }
 
-// A remark behind the last field is the author's; a number there was meant to be read.
+// Text behind the last field is taken for a remark. A number there was probably meant for a field, so it gets a note.
 void NoteWhatIsLeft(ListRead& read) {
     const std::string_view record = read.scanner.record;
     std::size_t at = read.scanner.position;
@@ -212,9 +212,8 @@ void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
 // --- many numbers of one kind -------------------------------------------------------------------------------------
 
 template <typename Number>
-void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                     const char* descriptor, int perCard, ArrayView<Number> values) {
-    const FieldDescriptor form = Descriptor(descriptor);
+void ReadNumbers(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                 const FieldDescriptor& form, int perCard, ArrayView<Number> values) {
     if (INDFOR == 1) {
         ReadCardLine(deck, INDFOR, group);
         ListRead read{deck, group, {}};
@@ -262,14 +261,14 @@ void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, 
     ReadFieldsByColumns(deck, layout, line, static_cast<char*>(record));
 }
 
-void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                      const char* descriptor, int perCard, IntArray values) {
-    ReadNumberCards(deck, INDFOR, group, field, descriptor, perCard, values);
+void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                     const NumberDescriptor<std::int32_t>& descriptor, int perCard, IntArray values) {
+    ReadNumbers(deck, INDFOR, group, field, descriptor.form, perCard, values);
 }
 
-void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                   const char* descriptor, int perCard, RealArray values) {
-    ReadNumberCards(deck, INDFOR, group, field, descriptor, perCard, values);
+void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                     const NumberDescriptor<double>& descriptor, int perCard, RealArray values) {
+    ReadNumbers(deck, INDFOR, group, field, descriptor.form, perCard, values);
 }
 
 void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit) {

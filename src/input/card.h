@@ -1,7 +1,8 @@
 // Card layouts as constant data, and the one routine that reads a card by its layout.
 //
 // A layout lists the fields of a card in reading order: name, edit descriptor, where the value goes in the record that
-// the reader fills, and what it means. Errors name fields from these rows, and the manual's card tables are checked
+// the reader fills, and what it means. The number of fields and their type come from the record; a descriptor that does
+// not fit them does not compile. Errors name fields from these rows, and the manual's card tables are checked
 // against them. Every card of the deck is read here: list-directed under INDFOR 1, by columns under INDFOR 2, not at
 // all under any other value.
 #pragma once
@@ -12,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 namespace zurt {
 
@@ -22,21 +24,39 @@ struct FieldDescriptor {
     int decimals = 0;
 };
 
-/// Takes "I10", "D15.6" or "5X" apart.
-constexpr FieldDescriptor Descriptor(const char* text) {
-    FieldDescriptor field;
-    if (*text >= '0' && *text <= '9') {
-        for (; *text >= '0' && *text <= '9'; ++text)
-            field.width = field.width * 10 + (*text - '0');
-        return field;
-    }
-    field.kind = *text++;
+constexpr int LeadingNumber(const char*& text) {
+    int value = 0;
     for (; *text >= '0' && *text <= '9'; ++text)
-        field.width = field.width * 10 + (*text - '0');
-    if (*text == '.')
-        for (++text; *text >= '0' && *text <= '9'; ++text)
-            field.decimals = field.decimals * 10 + (*text - '0');
-    return field;
+        value = value * 10 + (*text - '0');
+    return value;
+}
+
+/// Takes "I10", "D15.6" or "5X" apart; anything else has the kind '?'.
+constexpr FieldDescriptor Descriptor(const char* text) {
+    const bool isBlank = *text >= '0' && *text <= '9';
+    const char kind = isBlank ? 'X' : *text++;
+    const int width = LeadingNumber(text);
+    const bool isReal = kind == 'F' || kind == 'E' || kind == 'D';
+    if ((!isBlank && !isReal && kind != 'I') || width < 1 || (isBlank && *text++ != 'X') ||
+        (isReal && *text++ != '.'))
+        return {'?', 0, 0};
+    const int decimals = isReal ? LeadingNumber(text) : 0;
+    if (*text != '\0' || decimals > width)
+        return {'?', 0, 0};
+    return {kind, width, decimals};
+}
+
+/// The number in a member of a record, which may be an array or one of its elements, and how many it holds.
+template <typename Member> using FieldNumber = std::remove_all_extents_t<std::remove_reference_t<Member>>;
+template <typename Member>
+constexpr int kFieldNumbers = sizeof(std::remove_reference_t<Member>) / sizeof(FieldNumber<Member>);
+
+/// Whether a descriptor fits a member: I fits 32-bit integers, F, E and D fit doubles, and nothing fits another type.
+template <typename Member> constexpr bool DescriptorFits(const char* text) {
+    const char kind = Descriptor(text).kind;
+    if (std::is_same_v<FieldNumber<Member>, std::int32_t>)
+        return kind == 'I';
+    return std::is_same_v<FieldNumber<Member>, double> && (kind == 'F' || kind == 'E' || kind == 'D');
 }
 
 constexpr std::int32_t kAnyInteger = std::numeric_limits<std::int32_t>::min();
@@ -59,15 +79,41 @@ struct CardField {
     FieldValues values = {};
 };
 
-/// A row of a layout. MEMBER may be an array: its elements are fields that follow one another.
-#define ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT)                                       \
-    ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT, ::zurt::FieldValues{})
-#define ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, LEAST, MEANING, EFFECT, ...)                          \
-    ::zurt::CardField {                                                                                      \
-#MEMBER, ::zurt::Descriptor(DESCRIPTOR), offsetof(RECORD, MEMBER),                                   \
-            static_cast < int>(sizeof(RECORD::MEMBER) / (DESCRIPTOR[0] == 'I' ? 4 : 8)), LEAST, MEANING,     \
-            EFFECT, __VA_ARGS__                                                                              \
-    }
+/// What a row states beside its place in the record.
+struct FieldMeaning {
+    std::int32_t least;
+    const char* meaning;
+    const char* effect;
+    FieldValues values = {};
+};
+
+/// The row of `count` numbers from `offset` on. Compiles only where the descriptor fits the member and the numbers lie
+/// inside it.
+template <bool Fits, bool Inside>
+constexpr CardField FieldRow(const char* name, const char* descriptor, std::size_t offset, int count,
+                             const FieldMeaning& is) {
+    static_assert(Fits, "the edit descriptor does not fit the type of the field in the record");
+    static_assert(Inside, "the fields reach beyond the end of their array in the record");
+    return {name, Descriptor(descriptor), offset, count, is.least, is.meaning, is.effect, is.values};
+}
+
+template <bool Blank> constexpr CardField BlankRow(const char* descriptor) {
+    static_assert(Blank, "blank columns are written nX");
+    return {"", Descriptor(descriptor), 0, 1, kAnyInteger, "", ""};
+}
+
+/// A row of a layout: all of MEMBER, which may be an array, whose elements are fields that follow one another. The dots
+/// stand for a FieldMeaning.
+#define ZURT_ROW(NAME, RECORD, MEMBER, DESCRIPTOR, ...)                                                      \
+    ::zurt::FieldRow<::zurt::DescriptorFits<decltype(RECORD::MEMBER)>(DESCRIPTOR), true>(                    \
+        NAME, DESCRIPTOR, offsetof(RECORD, MEMBER), ::zurt::kFieldNumbers<decltype(RECORD::MEMBER)>,         \
+        ::zurt::FieldMeaning{__VA_ARGS__})
+/// The same for COUNT elements of an array from element FIRST (from 1) on.
+#define ZURT_PART_ROW(NAME, RECORD, ARRAY, FIRST, COUNT, DESCRIPTOR, ...)                                    \
+    ::zurt::FieldRow<::zurt::DescriptorFits<decltype(RECORD::ARRAY)>(DESCRIPTOR),                            \
+                     (FIRST) >= 1 && (FIRST)-1 + (COUNT) <= ::zurt::kFieldNumbers<decltype(RECORD::ARRAY)>>( \
+        NAME, DESCRIPTOR, offsetof(RECORD, ARRAY[(FIRST)-1]), COUNT, ::zurt::FieldMeaning{__VA_ARGS__})
+#define ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ...) ZURT_ROW(#MEMBER, RECORD, MEMBER, DESCRIPTOR, __VA_ARGS__)
 #define ZURT_INTEGER(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                    \
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "")
 #define ZURT_COUNT(RECORD, MEMBER, DESCRIPTOR, MEANING) ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, 0, MEANING, "")
@@ -77,19 +123,16 @@ struct CardField {
     ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, EFFECT)
 /// A code of LOW to HIGH; OTHERWISE says what the program does with another one.
 #define ZURT_CODE(RECORD, MEMBER, DESCRIPTOR, LOW, HIGH, OTHERWISE, MEANING)                                 \
-    ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "",                         \
-                       ::zurt::FieldValues{LOW, HIGH, OTHERWISE})
+    ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "",                                 \
+               ::zurt::FieldValues{LOW, HIGH, OTHERWISE})
 /// A number that has a meaning between LOW and HIGH alone.
 #define ZURT_RANGE(RECORD, MEMBER, DESCRIPTOR, LOW, HIGH, MEANING)                                           \
-    ZURT_CHECKED_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "",                         \
-                       ::zurt::FieldValues{LOW, HIGH, ""})
+    ZURT_FIELD(RECORD, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, "",                                 \
+               ::zurt::FieldValues{LOW, HIGH, ""})
 /// A length, an area, a density ...: never negative.
 #define ZURT_AMOUNT(RECORD, MEMBER, DESCRIPTOR, MEANING)                                                     \
     ZURT_RANGE(RECORD, MEMBER, DESCRIPTOR, 0.0, HUGE_VAL, MEANING)
-#define ZURT_BLANKS(DESCRIPTOR)                                                                              \
-    ::zurt::CardField {                                                                                      \
-        "", ::zurt::Descriptor(DESCRIPTOR), 0, 1, ::zurt::kAnyInteger, "", ""                                \
-    }
+#define ZURT_BLANKS(DESCRIPTOR) ::zurt::BlankRow<::zurt::Descriptor(DESCRIPTOR).kind == 'X'>(DESCRIPTOR)
 
 struct CardLayout {
     const char* group; // the card's name in error reports and in the manual
@@ -123,11 +166,21 @@ void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, 
 /// The check of a value against a field's row, for numbers that are not read by ReadCardFields.
 void CheckFieldValue(Deck& deck, const char* group, const CardField& field, double value);
 
+/// A descriptor known to fit numbers of type Number.
+template <typename Number> struct NumberDescriptor { FieldDescriptor form; };
+
+template <typename Number, bool Fits> constexpr NumberDescriptor<Number> CheckedDescriptor(const char* text) {
+    static_assert(Fits, "the edit descriptor does not fit the type of the numbers");
+    return {Descriptor(text)};
+}
+#define ZURT_DESCRIPTOR(NUMBER, DESCRIPTOR)                                                                  \
+    ::zurt::CheckedDescriptor<NUMBER, ::zurt::DescriptorFits<NUMBER>(DESCRIPTOR)>(DESCRIPTOR)
+
 /// values.length numbers: list-directed in one statement, or `perCard` to a card under `descriptor`.
-void ReadIntegerCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                      const char* descriptor, int perCard, IntArray values);
-void ReadRealCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
-                   const char* descriptor, int perCard, RealArray values);
+void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                     const NumberDescriptor<std::int32_t>& descriptor, int perCard, IntArray values);
+void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
+                     const NumberDescriptor<double>& descriptor, int perCard, RealArray values);
 
 /// Ends the run with a deck error when an index from the deck lies outside 1..limit.
 void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit);

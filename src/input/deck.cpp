@@ -19,8 +19,8 @@ namespace zurt {
 
 namespace {
 
-// Under an INDFOR other than 1 and 2 no read consumes a card, so a reader that waits for the next card would wait for
-// ever. No reader that ends asks for one card this often.
+// Under an INDFOR other than 1 and 2 no read consumes a card, so a reader that waits for another card would never
+// end. A reader that does end asks for one card far less often.
 constexpr Word kLargestRepeat = 100000;
 
 constexpr const char* kImageHint = "; some cards are always taken by columns, and under INDFOR 1 such a card "
@@ -30,7 +30,7 @@ constexpr const char* kImageHint = "; some cards are always taken by columns, an
 // Longest piece of a card shown in an error report.
 constexpr std::size_t kLongestExcerpt = 60;
 
-// Many a device gives bytes without end; a terminal ends where its user says so.
+// Other devices may give bytes without end; the input of a terminal ends when its user says so.
 bool IsEndlessDevice(int file, const struct stat& status) {
     return (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode)) && isatty(file) == 0;
 }
@@ -86,7 +86,7 @@ void ReadBytes(Deck& deck, int file, Word expected) {
     }
 }
 
-// Editors of other systems put this ahead of the first line.
+// The byte order mark, which some editors put ahead of the first line.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 void DropByteOrderMark(Deck& deck) {
@@ -98,7 +98,7 @@ void DropByteOrderMark(Deck& deck) {
                  static_cast<std::size_t>(deck.size));
 }
 
-void ReadWholeFile(Deck& deck, int file) {
+void ReadDeckFile(Deck& deck, int file) {
     struct stat status = {};
     if (fstat(file, &status) != 0)
         StopOnRead(deck, std::strerror(errno));
@@ -139,7 +139,7 @@ std::string_view TextAt(const Deck& deck, const LinePlace& place) {
     return text;
 }
 
-// A card that ends behind its C is blank there.
+// C in the first column and a blank, an asterisk or a minus in the second; a line that ends behind its C is blank there.
 bool IsComment(std::string_view line) {
     if (line.empty() || line[0] != 'C')
         return false;
@@ -178,14 +178,14 @@ void OpenDeck(Deck& deck, const std::string& name) {
     const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         StopWithLibraryError("can't open the deck " + deck.name + ": " + std::strerror(errno));
-    ReadWholeFile(deck, file);
+    ReadDeckFile(deck, file);
     close(file);
 }
 
 void OpenDeckOnStandardInput(Deck& deck) {
     deck = Deck();
     deck.name = "on standard input";
-    ReadWholeFile(deck, STDIN_FILENO);
+    ReadDeckFile(deck, STDIN_FILENO);
 }
 
 Word LineCount(Deck& deck) {

@@ -1,8 +1,8 @@
 // The input deck on unit 1: cards, comments, the card counter, BACKSPACE and REWIND.
 //
 // The deck is read whole into memory; a step back only lowers the number of the next line. The place of
-// the line found last is kept, and the next one is found from there; lines are counted only for somebody who asks how
-// many there are. CRLF line ends and a byte order mark are taken. CardCounter counts the records that ReadCard has read,
+// the line found last is kept, and the next one is found from there; lines are counted only when LineCount is
+// called. CRLF line ends and a byte order mark are taken. CardCounter counts the records that ReadCard has read,
 // comments included, over all problems of the deck; `lineInHand` is the true line number, for error reports.
 #pragma once
 
@@ -38,7 +38,7 @@ struct Deck {
     std::vector<DeckNote> notes; // since the last WriteDeckNotes
     std::unique_ptr<char[]> bytes;
     Word size = 0;       // of the deck in bytes
-    Word lineCount = -1; // lines, a last one without an end included; below 0 until somebody has asked
+    Word lineCount = -1; // lines, a last one without an end included; below 0 until LineCount is called
     LinePlace found;     // the line found last
     Word nextLine = 0;   // zero-based index of the record that is read next
     Word lineInHand = 0; // one-based number of the record read last

@@ -41,11 +41,11 @@ Status: 0 finished, 1 stopped by a message of the program (end of the listing),
 2 a fault of deck, files, memory or arguments, 3 interrupted.
 )";
 
-// Sizes beyond this are no memory of today's machines, and their bytes would not fit into a length.
+// Larger sizes exceed the memory of any machine, and their count of bytes would overflow.
 constexpr Word kMostWords = Word{1} << 40;
 
-int Refuse(std::string fault) {
-    for (char& c : fault) // a line, whatever the argument holds
+int RefuseArguments(std::string fault) {
+    for (char& c : fault) // the message is one line, whatever the argument holds
         if (static_cast<unsigned char>(c) < ' ')
             c = ' ';
     std::fprintf(stderr, "zurt: error: %s; see zurt --help\n", fault.c_str());
@@ -58,8 +58,7 @@ struct Arguments {
     std::string output;
     bool help = false;
     bool version = false;
-    const CLI::Option* outputGiven =
-        nullptr; // asked by pointer: a search by name may not fail for want of memory
+    const CLI::Option* outputGiven = nullptr; // by pointer: a search by name could fail for lack of memory
     const CLI::Option* wallCellsGiven = nullptr;
 };
 
@@ -127,17 +126,17 @@ std::optional<JobSettings> ReadCommandLine(int argc, const char* const* argv, in
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        status = Refuse(FaultOfParsing(error));
+        status = RefuseArguments(FaultOfParsing(error));
         return std::nullopt;
     }
     if (arguments.help || arguments.version) {
         if (std::fputs(arguments.help ? kHelp : kVersion, stdout) < 0 || std::fflush(stdout) != 0)
-            status = Refuse(std::string("can't write to the console: ") + std::strerror(errno));
+            status = RefuseArguments(std::string("can't write to the console: ") + std::strerror(errno));
         return std::nullopt;
     }
     const std::string fault = FaultOf(arguments);
     if (!fault.empty()) {
-        status = Refuse(fault);
+        status = RefuseArguments(fault);
         return std::nullopt;
     }
     return SettingsOf(arguments);

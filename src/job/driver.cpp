@@ -33,7 +33,7 @@ void FlushDenormalsToZero() {
 void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std::FILE* consoleOutput) {
     FlushDenormalsToZero();
     if (!settings.dialogue)
-        WatchForInterrupts(); // the dialogue ends as its terminal wants it
+        WatchForInterrupts(); // the dialogue leaves signals to their default
     CreateWorkingVector(run.A, settings.words);
     run.options = settings.options;
     run.job.Language = kEnglish;
@@ -89,7 +89,7 @@ int JobDriver(const JobSettings& settings, std::FILE* consoleInput, std::FILE* c
         status = RunAndReport(run, settings, consoleInput, consoleOutput);
         return EndOfRun(run, settings, status);
     } catch (const RunStop& stop) { // the end itself could not be written
-        if (status != kFailed)      // else the reason has been told
+        if (status != kFailed)      // else the reason has been reported
             std::fprintf(stderr, "zurt: error: %s\n", stop.text.c_str());
     } catch (const std::bad_alloc&) {
         std::fputs("zurt: error: no memory left\n", stderr);

@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "core/stop.h"
+#include "core/widened_constants.h"
 #include "run/partition.h"
 
 #include <cmath>
@@ -13,8 +14,6 @@ namespace zurt {
 
 namespace {
 
-// 1.E-3 in single precision, widened.
-constexpr double kDefaultEPSTR = 0.0010000000474974513;
 constexpr double kSmallestTolerance = 1e-10;
 constexpr std::int32_t kDefaultMAXIT = 15;
 

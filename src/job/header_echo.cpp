@@ -180,7 +180,7 @@ void EchoTitle(Run& run) {
     Write(listing, "(/1X,78('*'))");
 }
 
-void EchoHeading(Run& run, const char* serbian, const char* english) {
+void EchoBlockTitle(Run& run, const char* serbian, const char* english) {
     Write(run.units.listing, "(/6X,A/)", Say(run, serbian, english));
 }
 
@@ -202,8 +202,8 @@ void EchoHeaderCards(Run& run, std::int32_t titleCard, std::int32_t formatCard) 
     WriteEcho(run, kFormatEcho, &header);
     run.deck.CardCounter = current;
     PrintCardNumber(run, current, 0);
-    EchoHeading(run, "O S N O V N I    P O D A C I    O   P R O B L E M U",
-                "B A S I C    D A T A    F O R   T H E   P R O B L E M");
+    EchoBlockTitle(run, "O S N O V N I    P O D A C I    O   P R O B L E M U",
+                   "B A S I C    D A T A    F O R   T H E   P R O B L E M");
     WriteEcho(run, kBasicDataEcho, &header);
 }
 

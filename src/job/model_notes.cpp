@@ -14,7 +14,8 @@ namespace zurt {
 
 namespace {
 
-// Tables of correction factors that end below the one, or begin beyond the other, of the box of the fibres hardly mean it.
+// Tables of correction factors that end below the first, or begin beyond the second, of these parts of the fibre box are
+// likely given in another unit.
 constexpr double kFarBelow = 1e-5, kFarAbove = 1e3;
 
 struct NodesFound {

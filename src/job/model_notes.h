@@ -1,4 +1,5 @@
-// Notes on a model as read: what the deck gives and nothing uses, and what is likely not meant. Once a problem, counted.
+// Notes on a model as read: data of the deck that nothing uses, and data that are likely not meant. Written once a
+// problem, with their count.
 #pragma once
 
 #include "run/run.h"

@@ -6,7 +6,7 @@
 #include "elements/surfaces/surface_cards.h"
 #include "geometry/radial_nodes.h"
 #include "homogenization/homogenization_card.h"
-#include "homogenization/initial_state.h"
+#include "homogenization/recorded_pass.h"
 #include "job/header_cards.h"
 #include "job/header_echo.h"
 #include "microscale/correction_table.h"
@@ -48,7 +48,7 @@ void OpenOutputs(Run& run) {
         OpenListing(run);
         WriteBanner(run);
     }
-    MarkReadStart(run);
+    MarkReadStart();
     if (header.IGRAF > 0 && run.units.GraphicsOpen == 0)
         OpenGraphics(run);
     if ((header.NULAZ == 1 || header.NULAZ == 2) && run.job.CardListingDone == 0) {
@@ -102,7 +102,8 @@ void ReadNodes(Run& run) {
 void ReadMicroscaleData(Run& run) {
     ReadHomogenizationCard(run);
     HomogenizationCard& card = run.fit.card;
-    if (run.control.header.IDIRECTD == 1) // begins with the model of fibres, and goes before a fit
+    if (run.control.header.IDIRECTD ==
+        1) // takes the model with fibres first; a fit asked for beside it is not made
         card.IEHM = card.NFIT = 0;
     run.fit.IEHM = card.IEHM;
     run.fit.INDDEG = card.INDDEG;
@@ -240,7 +241,8 @@ void ReadBoundaryData(Run& run) {
         ReadSurfaceData(run);
 }
 
-// A problem does not see the fit of the one before; cards keep their fields, those that a fit moves as it left them.
+// A problem begins without the fit of the one before. The homogenization card keeps its fields, which a free format card
+// may leave out; IEHM and INDDEG are as that fit left them.
 void ForgetFit(Run& run) {
     FitState fresh;
     fresh.card = run.fit.card;

@@ -8,8 +8,8 @@
 namespace zurt {
 
 /// Reads all cards of the next problem, opens the outputs that they ask for, lays out A, numbers equations, finds the
-/// heights of columns and sets the start values. Nothing of an earlier problem's model or fit is left; cards that keep
-/// their fields do. Ends the run when an array does not fit A.
+/// heights of columns and sets the start values. Nothing of an earlier problem's model or fit is left but
+/// the fields of cards. Ends the run when an array does not fit A.
 void ReadProblem(Run& run);
 
 } // namespace zurt

@@ -86,7 +86,7 @@ bool FlushEverything() {
 } // namespace
 
 int ReportStop(Run& run, const RunStop& stop) {
-    FlushEverything(); // the report stands last where both streams are one
+    FlushEverything(); // so that the report comes last where both streams are the same
     WriteDeckNotes(run.deck);
     std::string line = "error: " + stop.text;
     int status = kFailed;

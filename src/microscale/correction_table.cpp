@@ -14,7 +14,7 @@ namespace zurt {
 namespace {
 
 constexpr int kPerCard = 8;
-constexpr const char* kValueDescriptor = "D10.4";
+constexpr NumberDescriptor<double> kValueDescriptor = ZURT_DESCRIPTOR(double, "D10.4");
 constexpr const char* kValueCards = "Correction factor cards";
 constexpr double kNanometresPerUnit = 1000.0;
 
@@ -83,8 +83,8 @@ void EchoTableHead(Run& run) {
 void ReadCardsOfEight(Run& run, const char* field, RealArray values, const Format& echo) {
     for (Word first = 1; first <= values.length; first += kPerCard) {
         const RealArray card = Section(values, first, std::min<Word>(kPerCard, values.length - first + 1));
-        ReadRealCards(run.deck, run.control.header.INDFOR, kValueCards, field, kValueDescriptor, kPerCard,
-                      card);
+        ReadNumberCards(run.deck, run.control.header.INDFOR, kValueCards, field, kValueDescriptor, kPerCard,
+                        card);
         if (EchoInput(run))
             Write(run.units.listing, echo, card);
     }

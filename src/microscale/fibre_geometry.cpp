@@ -1,6 +1,7 @@
 #include "microscale/fibre_geometry.h"
 
 #include "core/vector.h"
+#include "core/widened_constants.h"
 
 #include <cmath>
 
@@ -8,9 +9,7 @@ namespace zurt {
 
 namespace {
 
-constexpr double kClipTolerance = 9.999999717180685e-10; // 1.E-9 as a single-precision literal, widened
 constexpr double kQuarterPi = 0.7853981633974483;
-constexpr double kSixthPi = 0.5235987912027583; // single precision, widened
 
 // Puts coordinate q of p on a face and shifts the other two by what the way along `a` takes, up or down by `sign`.
 void PutOnFace(double p[3], const double a[3], int q, double face, double sign) {

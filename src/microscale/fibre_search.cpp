@@ -1,5 +1,7 @@
 #include "microscale/fibre_search.h"
 
+#include "core/widened_constants.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -112,12 +114,12 @@ inline DistanceRange CountedDistances(const FibreSearch& search, const SearchFib
     return range;
 }
 
-// Looks at the fibres of one cell, in card order. True when the answer is that of a visit of all fibres, which meets
-// others before, between and after these. Nothing is known of its best fibre at first. It takes a fibre in any case
-// that is nearer, by more than the tolerance, than every fibre before it can be: the listed ones by their smallest
-// distance that may count, the others by the reach of the cell. From there on its best fibre is known, and its distance
-// up to the radius that it may hold; no fibre that is not listed can beat it, and the next one that is taken has a
-// known distance, too.
+// Looks at the fibres of one cell, in card order; true when the result is that of SearchAllFibres. Let e be the tolerance,
+// low(i) <= d(i) <= high(i) the distance of fibre i that counts, which depends on the best fibre before it, and r the reach
+// of the cell: d(j) >= r for every fibre j that is not listed. Fibre i is taken, whatever came before it, if
+//     min(r, low(k) of all listed k < i) - high(i) > e.
+// From the first such fibre on the best one, b, is known, and no unlisted j is taken, as d(b) < r - e <= d(j). A later i is
+// taken if low(b) - d(i) > e, passed over if high(b) - d(i) <= e, and undecided otherwise.
 bool SearchCell(const FibreSearch& search, const FibreCells& cells, Word cell, const double (&X)[3],
                 NearestFibre& nearest) {
     const auto first = static_cast<std::size_t>(cells.start[static_cast<std::size_t>(cell)]);
@@ -149,7 +151,7 @@ bool SearchCell(const FibreSearch& search, const FibreCells& cells, Word cell, c
             best = {d, d};
             nearest = {d, fibre.radius, cells.listed[i]};
         } else if (best.high - d > search.tolerance) {
-            return false; // taken or not, by the distance of the best one
+            return false; // undecided
         }
     }
     return nearest.fibre >= 0 && best.low == best.high;

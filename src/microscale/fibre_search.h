@@ -16,9 +16,6 @@
 
 namespace zurt {
 
-/// Distances that differ by no more are equal; 1.E-10 as a single-precision literal, widened.
-constexpr double kDistanceTolerance = 1.000000013351432e-10;
-
 /// The best distance before any fibre has been seen.
 constexpr double kNoDistance = 1.0e10;
 

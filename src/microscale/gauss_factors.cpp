@@ -1,5 +1,6 @@
 #include "microscale/gauss_factors.h"
 
+#include "core/widened_constants.h"
 #include "microscale/correction_lookup.h"
 #include "microscale/gauss_records.h"
 #include "microscale/merged_tables.h"

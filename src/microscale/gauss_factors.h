@@ -12,9 +12,6 @@
 
 namespace zurt {
 
-/// The least factor, which is also that of a point in a fibre; 1.E-6 as a single-precision literal, widened.
-constexpr double kSmallestFactor = 9.999999974752427e-07;
-
 /// Whether correction factors count in this run of a fit. In fibres they do in any case.
 inline bool FactorsOn(const FitState& fit) {
     return fit.ISFOFF != 1 || (fit.card.IDCSF != 0 && fit.ITERFIT < 1);
@@ -26,7 +23,7 @@ inline bool FactorsOn(const FitState& fit) {
 void GaussFactorCached(const FibreModel& model, const GaussFibreRecord& record, bool factorsOn, double c,
                        double (&factor)[3]);
 
-/// The same from coordinates, by a visit of all fibres with endless lines (SearchOfAllSets with LineEnds::Endless): the
+/// Dormant: the same from coordinates, by a visit of all fibres with endless lines (SearchOfAllSets with LineEnds::Endless): the
 /// reference of the records.
 void GaussFactorDirect(const FibreModel& model, const FibreSearch& endless, const double (&X)[3],
                        bool factorsOn, double c, double (&factor)[3]);

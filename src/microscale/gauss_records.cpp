@@ -2,6 +2,7 @@
 
 #include "core/stop.h"
 #include "core/vector.h"
+#include "core/widened_constants.h"
 #include "geometry/element_walk.h"
 #include "microscale/wall_cells.h"
 
@@ -12,7 +13,6 @@ namespace zurt {
 
 namespace {
 
-constexpr double kParallelLimit = 9.999999960041972e-13; // 1.E-12 as a single-precision literal, widened
 constexpr Word kMostRecords = Word{1} << 25;
 
 // Some direction across v.

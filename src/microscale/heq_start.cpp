@@ -1,5 +1,6 @@
 #include "microscale/heq_start.h"
 
+#include "core/widened_constants.h"
 #include "geometry/element_walk.h"
 #include "microscale/fibre_geometry.h"
 #include "microscale/fibre_search.h"
@@ -9,8 +10,6 @@
 namespace zurt {
 
 namespace {
-
-constexpr double kMillionth = 9.999999974752427e-07; // 1.E-6 as a single-precision literal, widened
 
 template <int Family> double HeqTolerance(const HeaderFields& header) {
     if (kDimension<Family> == 2)

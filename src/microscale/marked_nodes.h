@@ -25,7 +25,8 @@ Word FormLayout(Run& run, const FibreModel& model, ConstIntArray ID, std::int32_
                 LayoutElements elements);
 
 /// Numbers the equations of the model in hand anew: with IEHM not 0 all nodes, held or not, otherwise those with a mark
-/// of 1 or above, the others getting 0. Forms MAXA and NWK anew unless JEDN stays what it was and the layout serves all
+/// of 1 or above, the others getting 0 (not -1 as from LeaveOutUnmarkedNodes: they then take the outlet's value like held
+/// nodes, where -1 means the value 0). Forms MAXA and NWK anew unless JEDN stays what it was and the layout serves all
 /// elements. The partition must hold the larger of the layouts (ReserveFullLayout). Called when a run changes over between the
 /// models, and ahead of each direction of a fit, so that the model with fibres is the same in all of them.
 void ReformEquationNumbers(Run& run);

@@ -1,5 +1,6 @@
 #include "microscale/wall_cells.h"
 
+#include "core/widened_constants.h"
 #include "microscale/gauss_records.h"
 
 #include <algorithm>

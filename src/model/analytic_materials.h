@@ -1,8 +1,8 @@
 // Built-in polynomials of conductivity and specific heat in temperature, by material number 1 to 10; every other
 // number acts as 1.
 //
-// They belong to a fixed set of solids of the heat conduction days and are kept with their coefficients, some of which
-// are single precision decimals widened. Temperatures and results are in the units of those polynomials. Called by the
+// They belong to a fixed set of solids in heat conduction and keep their coefficients to the digit, some of which
+// are single-precision numbers (core/widened_constants.h). Temperatures and results are in the units of those polynomials. Called by the
 // element passes at every integration point of a nonlinear problem whose material has no curve; kernels alone.
 #pragma once
 

@@ -6,7 +6,7 @@ namespace zurt {
 
 namespace {
 
-std::string Shown(double value) {
+std::string SixDigits(double value) {
     char text[32];
     std::snprintf(text, sizeof text, "%.6g", value);
     return text;
@@ -42,15 +42,15 @@ void CheckCoefficients(Deck& deck, const char* group, const char* field, const T
     for (std::size_t i = 0; i < points.values.size(); ++i) {
         double atZero = 0.0;
         if ((constant || points.arguments[i] >= 0.0) && points.values[i] < 0.0)
-            DeckError(deck, group, field, Shown(points.values[i]),
+            DeckError(deck, group, field, SixDigits(points.values[i]),
                       "a negative coefficient " + what + " has no meaning");
         if (ValueAtZero(points, i, atZero) && atZero < 0.0)
-            DeckError(deck, group, field, Shown(points.values[i]),
+            DeckError(deck, group, field, SixDigits(points.values[i]),
                       "a negative coefficient at concentration 0 " + what + " has no meaning");
         if (points.values[i] < 0.0)
             NoteOnCard(deck, group, field,
-                       "a negative coefficient " + what + " at concentration " + Shown(points.arguments[i]) +
-                           ": no solution must come near it");
+                       "a negative coefficient " + what + " at concentration " +
+                           SixDigits(points.arguments[i]) + ": no solution must come near it");
     }
 }
 

@@ -1,5 +1,5 @@
-// What is odd about a table that the deck gives, told where it is read: lookups take the first interval that holds an argument,
-// whatever the order of the points.
+// Checks of the tables of a deck as they are read: deck errors and notes on points that are likely not meant. Look-ups take
+// the first interval that holds an argument, whatever the order of the points.
 #pragma once
 
 #include "input/deck.h"

@@ -15,8 +15,8 @@ CurveView PairCurve(ConstRealTable pairs, ConstIntArray points, std::int32_t f) 
 namespace {
 
 // Between the points at `argument`, `value` and the next ones.
-inline double Interpolate(const double* argument, const double* value, Word stride, double x) {
-    return *value + ((value[stride] - *value) / (argument[stride] - *argument)) * (x - *argument);
+inline double ValueBetween(const double* argument, const double* value, Word stride, double x) {
+    return ValueOnLine(*argument, *value, argument[stride], value[stride], x);
 }
 
 // Whether the scan takes x, which no interval holds, for the end of the curve that it lies beyond. Of a curve shorter than
@@ -29,24 +29,28 @@ inline bool IsAtItsEnd(double first, double last, double x) {
 
 } // namespace
 
-CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y) {
+CurveInterval FindOnCurve(const CurveView& curve, double x) {
     const double* argument = curve.argument;
-    const double* value = curve.value;
+    for (Word p = 0; p + 1 < curve.points; ++p, argument += curve.stride)
+        if (*argument <= x && x < argument[curve.stride])
+            return {CurvePlace::Inside, p};
+    if (std::fabs(x - *curve.argument) <= kCurveEndTolerance)
+        return {CurvePlace::AtFirst, 0};
+    if (std::fabs(x - *argument) <= kCurveEndTolerance)
+        return {CurvePlace::AtLast, Word{curve.points} - 1};
+    return {CurvePlace::Outside, 0};
+}
+
+CurvePlace LocateOnCurve(const CurveView& curve, double x, double& y) {
     if (curve.points < 2) {
-        y = *value;
+        y = *curve.value;
         return CurvePlace::Inside;
     }
-    for (std::int32_t p = 1; p < curve.points; ++p, argument += curve.stride, value += curve.stride) {
-        if (*argument <= x && x < argument[curve.stride]) {
-            y = Interpolate(argument, value, curve.stride, x);
-            return CurvePlace::Inside;
-        }
-    }
-    if (std::fabs(x - *curve.argument) <= kCurveEndTolerance)
-        return CurvePlace::AtFirst;
-    if (std::fabs(x - *argument) <= kCurveEndTolerance)
-        return CurvePlace::AtLast;
-    return CurvePlace::Outside;
+    const CurveInterval found = FindOnCurve(curve, x);
+    const Word at = found.point * curve.stride;
+    if (found.place == CurvePlace::Inside)
+        y = ValueBetween(curve.argument + at, curve.value + at, curve.stride, x);
+    return found.place;
 }
 
 bool ArgumentsRise(const CurveView& curve) {
@@ -76,7 +80,7 @@ bool LookUpRisingCurve(const CurveView& curve, int count, double* values) {
             intervals -= half;
         }
         const Word place = interval * curve.stride;
-        values[i] = Interpolate(curve.argument + place, curve.value + place, curve.stride, x);
+        values[i] = ValueBetween(curve.argument + place, curve.value + place, curve.stride, x);
     }
     return inside;
 }

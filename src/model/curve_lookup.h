@@ -5,7 +5,7 @@
 //             concentration, conduction and specific heat curves;
 //   diffusion row c belongs to curve c, columns 2p-1 and 2p hold argument and value of point p.
 // Intervals are half open: a point belongs to the interval that begins there. Outside its points a curve has no value,
-// but for an absolute tolerance of 1e-10 at both ends. Arguments rise by the care of the deck's author; nothing tests
+// but for an absolute tolerance of 1e-10 at both ends. Arguments are to rise; no look-up tests
 // that. Units are those of the deck. Called at every integration point and every step; kernels without any state.
 #pragma once
 
@@ -35,6 +35,21 @@ enum class CurvePlace {
 
 /// Curve f of a table of pairs; `points` holds the number of points of each curve.
 CurveView PairCurve(ConstRealTable pairs, ConstIntArray points, std::int32_t f);
+
+/// Where an argument lies on a curve: the number, from 0, of the point that begins its interval, or of the end that it
+/// counts as.
+struct CurveInterval {
+    CurvePlace place;
+    Word point;
+};
+
+/// The first interval of a curve of two points or more that holds x. NaN is outside every curve.
+CurveInterval FindOnCurve(const CurveView& curve, double x);
+
+/// The value at x of the line through (x0, y0) and (x1, y1).
+inline double ValueOnLine(double x0, double y0, double x1, double y1, double x) {
+    return y0 + ((y1 - y0) / (x1 - x0)) * (x - x0);
+}
 
 /// Looks for the first interval that holds x and interpolates into y. A curve of fewer than two points is the constant
 /// of its first point. With any other answer than Inside, y is left alone. NaN is outside every curve.

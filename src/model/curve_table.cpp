@@ -34,7 +34,7 @@ void EchoPairs(Run& run, const FunctionHeaderCard& header, ConstRealTable pairs)
         Write(listing, line, pairs(row - 1, p), pairs(row, p));
 }
 
-void ReadPoints(Run& run, const FunctionHeaderCard& header, RealTable pairs) {
+void ReadFunctionPoints(Run& run, const FunctionHeaderCard& header, RealTable pairs) {
     const Word row = 2 * Word{header.F};
     TablePoints points;
     for (Word p = 1; p <= header.N; ++p) {
@@ -78,7 +78,7 @@ CurveTableResult ReadCurveTable(Run& run, IntArray points, RealTable pairs, std:
         points(header.F) = header.N;
         if (echo)
             EchoHeader(run, header);
-        ReadPoints(run, header, pairs);
+        ReadFunctionPoints(run, header, pairs);
         if (checkCoverage) {
             const double last = pairs(2 * Word{header.F} - 1, header.N);
             if (last < TMAX)

@@ -112,11 +112,10 @@ void ReadFamily(Run& run, const FunctionFamily& family) {
 
 void ReadShapeFactors(Run& run) {
     TakeShapeFactors(run);
-    StopIfInputOverflows(
-        run); // the factors are written at once, the next test of the partition would come too late
+    StopIfInputOverflows(run); // here because the factors are written at once
     const RealArray factors = ShapeFactors(run);
-    ReadRealCards(run.deck, run.control.header.INDFOR, kShapeFactorCards.group, kShapeFactorFields[0].name,
-                  kShapeFactorDescriptor, kShapeFactorsPerCard, factors);
+    ReadNumberCards(run.deck, run.control.header.INDFOR, kShapeFactorCards.group, kShapeFactorFields[0].name,
+                    ZURT_DESCRIPTOR(double, kShapeFactorDescriptor), kShapeFactorsPerCard, factors);
     for (Word i = 1; i <= factors.length; ++i)
         CheckFieldValue(run.deck, kShapeFactorCards.group, kShapeFactorFields[0], factors(i));
     if (!EchoInput(run))

@@ -37,7 +37,7 @@ struct StartArrays {
     ConstIntArray ID;
     ConstRealArray nodeValue;
     RealArray start;
-    RealArray byNode; // start values of all nodes; empty when nobody asks for them
+    RealArray byNode; // start values of all nodes; empty when they are not wanted
 };
 
 // --- one value for all --------------------------------------------------------------------------------------------
@@ -99,7 +99,7 @@ void ReadSingleValue(Run& run, const StartArrays& arrays) {
     StopRun(unit);
 }
 
-/// A card that does not end its list, under an INDFOR that presents it again and again, never will.
+/// Under an INDFOR that takes the same card again and again, a card without a 0 would be read for ever: a deck error.
 void RequireProgress(const Run& run, const char* group) {
     if (run.control.header.INDFOR != 2)
         DeckError(run.deck, group, "", "",
@@ -135,8 +135,8 @@ void ReadSingleNodes(Run& run, const StartArrays& arrays, double value) {
     }
 }
 
-/// Walks from N1 to N2, which both lie in 1..NP. Nodes are collected by the card's number of nodes before they take the
-/// value, so a range that goes astray within its last batch is reported ahead of a held node there.
+/// Walks from N1 to N2, which both lie in 1..NP. Nodes are collected in batches of as many as a card
+/// holds, and take the value batch by batch: a range that misses N2 in a batch is reported before a held node of that batch.
 void ApplyToRange(Run& run, const StartArrays& arrays, const InitialRangeCard& range, double value) {
     std::int32_t batch[kNodesPerListCard];
     int collected = 0;

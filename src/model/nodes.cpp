@@ -24,8 +24,8 @@ constexpr CardField kNodeFields[] = {
     ZURT_INTEGER(NodeCard, K, "I5", "step of the generation that the next card closes; 0 none"),
 };
 
-/// What an item carries that the card leaves as it is: a list-directed card is read straight into the arrays, so an
-/// item left out keeps what the node held. No card can carry a NaN.
+/// Marks an item that a card has left out. A list-directed card leaves such an item as it is, so the node keeps what it
+/// held; no card can give a NaN.
 constexpr double kKeepReal = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int32_t kKeepInteger = std::numeric_limits<std::int32_t>::min();
 
@@ -76,7 +76,7 @@ void EchoNodeCard(Run& run, const NodeArrays& nodes, const NodeCard& card) {
 std::int64_t GenerateNodes(const NodeArrays& nodes, std::int64_t P, std::int64_t N, std::int64_t S) {
     const std::int64_t M = (N - P) / S;
     if (M < 2)
-        return M; // nothing between, and no division by N - P, which may be 0
+        return M; // no node lies between; N - P may be 0, so nothing is divided by it
     const double R = static_cast<double>(S) / static_cast<double>(N - P);
     const double DX = R * (nodes.X(N) - nodes.X(P));
     const double DY = R * (nodes.Y(N) - nodes.Y(P));
@@ -92,8 +92,8 @@ std::int64_t GenerateNodes(const NodeArrays& nodes, std::int64_t P, std::int64_t
     return M;
 }
 
-/// Reads cards until they cover NP nodes, and returns the number of the first card. Nothing but the count ends the
-/// reading, and it may pass NP without meeting it: then the end of the deck does.
+/// Reads cards until they cover NP nodes, and returns the number of the first card. Only a count equal to NP ends
+/// the reading; when a generation takes it past NP, reading goes on to the end of the deck, which is an error.
 std::int32_t ReadNodeCards(Run& run) {
     const NodeArrays nodes = ArraysOfNodes(run);
     const bool echo = EchoInput(run);

@@ -25,9 +25,4 @@ extern const CardLayout kNodeCard;
 /// the last node are deck errors.
 void ReadNodalData(Run& run);
 
-/// The nodes shared with radial elements, in ascending order: 1..NZADP4.
-inline ConstIntArray SharedNodes(const Run& run) {
-    return IntSection(run.A, run.control.at.LSUBS, run.control.counts.NZADP4);
-}
-
 } // namespace zurt

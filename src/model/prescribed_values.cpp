@@ -59,7 +59,7 @@ void GenerateEntries(EntryReader& reader, const PendingEntries& pending, const P
     }
 }
 
-void EchoHeading(Run& run) {
+void EchoPrescribedHeading(Run& run) {
     TextUnit& listing = run.units.listing;
     if (run.job.Language == kSerbian) {
         Write(listing, "('1'///6X,A//)", "P O D A C I    O    Z A D A T I M    T E M P E R A T U R A M A");
@@ -100,7 +100,7 @@ void ReadPrescribedCards(EntryReader& reader) {
     }
 }
 
-// Written at once, so tested at once.
+// Written to at once, so the overflow is tested here.
 void TakePrescribedArrays(Run& run) {
     const Word NZADC = run.control.counts.NZADC;
     TakeWords(run.A, "factors of prescribed values", NZADC);
@@ -116,7 +116,7 @@ const CardLayout kPrescribedCard = Layout("Prescribed value card", kPrescribedFi
 void ReadPrescribedValues(Run& run) {
     TakePrescribedArrays(run);
     if (EchoInput(run))
-        EchoHeading(run);
+        EchoPrescribedHeading(run);
     EntryReader reader{run, PrescribedFactors(run), PrescribedFunctions(run), PrescribedNodes(run)};
     ReadPrescribedCards(reader);
 }

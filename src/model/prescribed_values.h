@@ -1,7 +1,7 @@
 // Prescribed concentrations: nodes whose value follows a time function times a factor.
 //
-// The section is complete and dormant: no card sets the count NZADC of its entries. Element passes and nodal results
-// take the values of nodes without an equation from here (geometry/gather.h, timeint/step.h).
+// Dormant: no card sets the count NZADC of the entries, so none are read and none evaluated. With entries, element passes
+// and nodal results would take the values of nodes without an equation from here (geometry/gather.h, timeint/step.h).
 #pragma once
 
 #include "input/card.h"

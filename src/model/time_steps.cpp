@@ -25,10 +25,11 @@ constexpr CardField kStepSizeFields[] = {
 void ReadPeriodCards(Run& run) {
     const std::int32_t INDFOR = run.control.header.INDFOR;
     const std::int32_t firstCard = NumberOfNextCard(run.deck);
-    ReadIntegerCards(run.deck, INDFOR, kStepCountCards.group, kStepCountFields[0].name, kStepCountDescriptor,
-                     kPeriodsPerCard, PeriodStepCounts(run));
-    ReadRealCards(run.deck, INDFOR, kStepSizeCards.group, kStepSizeFields[0].name, kStepSizeDescriptor,
-                  kPeriodsPerCard, PeriodStepSizes(run));
+    ReadNumberCards(run.deck, INDFOR, kStepCountCards.group, kStepCountFields[0].name,
+                    ZURT_DESCRIPTOR(std::int32_t, kStepCountDescriptor), kPeriodsPerCard,
+                    PeriodStepCounts(run));
+    ReadNumberCards(run.deck, INDFOR, kStepSizeCards.group, kStepSizeFields[0].name,
+                    ZURT_DESCRIPTOR(double, kStepSizeDescriptor), kPeriodsPerCard, PeriodStepSizes(run));
     if (EchoInput(run)) // heads the report, written here because the card counter moves on
         PrintCardNumber(run, firstCard, 1);
 }

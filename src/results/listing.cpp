@@ -24,7 +24,7 @@ void WritePageHead(Run& run) {
               run.clock.ITER);
 }
 
-void WriteConcentrations(Run& run) {
+void ListConcentrations(Run& run) {
     TextUnit& listing = run.units.listing;
     if (run.job.Language == kSerbian) {
         Write(listing, "(A/)", "                  C V O R N E    T E M P E R A T U R E");
@@ -82,7 +82,7 @@ void SetNegligibleToZero(RealArray values) {
 
 void PrintNodalResults(Run& run) {
     WritePageHead(run);
-    WriteConcentrations(run);
+    ListConcentrations(run);
     WriteFluxes(run);
 }
 

@@ -6,7 +6,7 @@ namespace zurt {
 
 namespace {
 
-// Ten lines of block letters, each drawn with copies of itself.
+// The program's name in block letters, each drawn with copies of itself.
 constexpr const char* kBlockLetters[10] = {
     "ZZZZZZZZZZZ   UU       UU   RRRRRRRRR     TTTTTTTTTTT",
     "ZZZZZZZZZZZ   UU       UU   RRRRRRRRRR    TTTTTTTTTTT",
@@ -22,7 +22,7 @@ constexpr const char* kBlockLetters[10] = {
 
 constexpr const char* kVersionDashes = "---------------------------";
 
-// Dormant: the clocks of the execution report, by part and moment; nothing fills them.
+// Dormant: the clocks of the execution report, by part and moment; the report prints these zeros.
 constexpr std::int32_t kTimingTable[4][3] = {};
 
 void WriteClock(Run& run, const char* label, int moment) {
@@ -84,9 +84,5 @@ void WriteCheckReport(Run& run) {
           Say(run, "ZA IZVRSAVANJE PROGRAMA UNETI:   IREST = 1",
               "FOR EXECUTION OF PROGRAM ENTER:   IREST = 1"));
 }
-
-void MarkReadStart(Run& /*run*/) {}
-
-void MarkMatrixStart(Run& /*run*/) {}
 
 } // namespace zurt

@@ -5,17 +5,17 @@
 
 namespace zurt {
 
-/// Written once, when the listing is opened.
+/// The banner, written once, when the listing is opened.
 void WriteBanner(Run& run);
 
-/// Hours, minutes, seconds and hundredths of three moments. Nothing reads a clock, so the report prints zeros.
+/// Hours, minutes, seconds and hundredths of three moments, all 0: no clock is read.
 void WriteExecutionReport(Run& run);
 
-/// At the end of a check run (IREST 0), which reads and solves nothing.
+/// The report of a check run (IREST 0), which reads the problem and solves nothing.
 void WriteCheckReport(Run& run);
 
-/// The points where a clock would be read; both do nothing.
-void MarkReadStart(Run& run);
-void MarkMatrixStart(Run& run);
+/// Dormant: the points where a clock would be read.
+inline void MarkReadStart() {}
+inline void MarkMatrixStart() {}
 
 } // namespace zurt

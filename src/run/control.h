@@ -1,9 +1,8 @@
 // What the cards of a problem gave: header fields, counts, the outlet; and the pointers into `A`. Nothing changes it once it
 // is read.
 //
-// Integers are 32-bit, reals 64-bit. A field keeps its value from one problem of the deck to the next unless a card or
-// a step of the driver sets it anew. Pointers are one-based word
-// indices into `A`; the partition (run/partition.h) sets them all for every problem.
+// A field keeps its value from one problem of the deck to the next unless a card or a step of the driver sets it anew.
+// Pointers are one-based word indices into `A`; the partition (run/partition.h) sets them for every problem.
 #pragma once
 
 #include "core/array_view.h"
@@ -82,11 +81,12 @@ struct CurveCounts {
     std::int32_t NHR = 0, MAXTHR = 0;             // radiation
     double SBC = 0.0;                             // Stefan-Boltzmann constant
     std::int32_t NFO = 0;                         // shape factors
-    std::int32_t NZADC = 0;                       // prescribed concentrations; no card sets it
-    std::int32_t GatherByPrescribedValue = 0;     // selects the second form of the gather; no card sets it
     std::int32_t NZADP4 = 0;                      // nodes shared with radial elements
     std::int32_t NDT = 0;                         // steps of all periods
     double TotalTime = 0.0;                       // their sum; 0 in a steady problem
+    // Dormant: no card sets these two.
+    std::int32_t NZADC = 0;                   // prescribed concentrations
+    std::int32_t GatherByPrescribedValue = 0; // selects the second form of the gather
 };
 
 /// Outlet and time multiplier cards of problems with a nanochannel.
@@ -111,13 +111,15 @@ struct Pointers {
     Word LFIT = 0, LFIBN = 0;
     Word LMAT[10] = {};        // LMAT1 to LMAT9
     Word LOUT1 = 0, LOUT2 = 0; // outlet pairs, time multiplier pairs
-    Word LPRES = 1, LRES1 = 1, LRES2 = 1;
     Word LTFT1 = 0, LTFT2 = 0; // time functions: table, points per function
     Word LQE1 = 0, LQE2 = 0, LQP1 = 0, LQP2 = 0, LTOK1 = 0, LTOK2 = 0, LHP1 = 0, LHP2 = 0, LHR1 = 0, LHR2 = 0;
     Word LFO = 0;
     Word LTT1 = 0, LTT2 = 0, LTT3 = 0; // StepSolution, StepIncrement, StepStart
-    Word LZAD1 = 0, LZAD2 = 0, LZAD3 = 0;
-    Word LNODAL = 0, LEQV = 0, LSK = 0, LRHS = 0;
+    Word LNODAL = 0, LSK = 0, LRHS = 0;
+    // Dormant: the section of prescribed values, empty while NZADC is 0.
+    Word LPRES = 1, LZAD1 = 0, LZAD2 = 0, LZAD3 = 0;
+    // Dormant: sections that keep their place in `A`, and nothing uses. LNANO(4) and LNANO(5) are two more.
+    Word LRES1 = 1, LRES2 = 1, LEQV = 0;
 };
 
 struct Control {

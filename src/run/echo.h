@@ -4,6 +4,8 @@
 #include "run/run.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <type_traits>
 
 namespace zurt {
 
@@ -16,14 +18,20 @@ struct EchoLine {
     std::size_t offset; // of the value in the record
 };
 
+/// The line of one value; compiles only where the member has the type that its kind is written from.
+template <EchoKind Kind, typename Member>
+constexpr EchoLine EchoValue(const char* serbian, const char* english, std::size_t offset) {
+    using Written = std::conditional_t<Kind == EchoKind::Integer, std::int32_t, double>;
+    static_assert(std::is_same_v<std::remove_reference_t<Member>, Written>,
+                  "the echo does not fit the type of the field in the record");
+    return {serbian, english, Kind, offset};
+}
 #define ZURT_ECHO_INTEGER(RECORD, MEMBER, SERBIAN, ENGLISH)                                                  \
-    ::zurt::EchoLine {                                                                                       \
-        SERBIAN, ENGLISH, ::zurt::EchoKind::Integer, offsetof(RECORD, MEMBER)                                \
-    }
+    ::zurt::EchoValue<::zurt::EchoKind::Integer, decltype(RECORD::MEMBER)>(SERBIAN, ENGLISH,                 \
+                                                                           offsetof(RECORD, MEMBER))
 #define ZURT_ECHO_REAL(RECORD, MEMBER, SERBIAN, ENGLISH)                                                     \
-    ::zurt::EchoLine {                                                                                       \
-        SERBIAN, ENGLISH, ::zurt::EchoKind::Real, offsetof(RECORD, MEMBER)                                   \
-    }
+    ::zurt::EchoValue<::zurt::EchoKind::Real, decltype(RECORD::MEMBER)>(SERBIAN, ENGLISH,                    \
+                                                                        offsetof(RECORD, MEMBER))
 #define ZURT_ECHO_REMARK(SERBIAN, ENGLISH)                                                                   \
     ::zurt::EchoLine {                                                                                       \
         SERBIAN, ENGLISH, ::zurt::EchoKind::Remark, 0                                                        \

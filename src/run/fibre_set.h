@@ -77,7 +77,7 @@ struct GaussFibreRecord {
     double towards[3]; // squares of the components of the unit vector from the fibre to the point
     double wall;       // distance to the fibre's wall; kInFibre marks a point in a fibre
     std::int32_t set;  // of the nearest fibre, from 1; 0: no set's box holds the point, the factors are 1
-    std::int32_t none; // what the alignment leaves over
+    std::int32_t none; // padding
 };
 
 constexpr double kInFibre = -1.0;
@@ -109,11 +109,6 @@ struct FibreModel {
 
 inline bool ElementMarked(const FibreGroup& group, Word element) {
     return ConstIntArray(group.elementMark.data(), static_cast<Word>(group.elementMark.size()))(element) != 0;
-}
-
-inline const GaussFibreRecord& RecordOf(const FibreGroup& group, Word element, Word point) {
-    return ArrayView<const GaussFibreRecord>(group.records.data(), static_cast<Word>(group.records.size()))(
-        (element - 1) * group.points + point);
 }
 
 /// End of the problem: gives the heap back.

@@ -15,7 +15,7 @@ struct FixedFile {
     bool written; // by every run, or by some
 };
 
-// Those at the end are the exchange files of an external solver, which no run of today writes.
+// Those at the end are the exchange files of an external solver, which no run writes.
 std::vector<FixedFile> FixedFiles(const Units& units) {
     std::vector<FixedFile> files = {{StepArchiveName(units), true}, {MessagesName(units), true}};
     for (std::int32_t direction = 1; direction <= 3; ++direction)

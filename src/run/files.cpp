@@ -57,7 +57,7 @@ bool FileExists(const std::string& name) {
     return stat(name.c_str(), &status) == 0;
 }
 
-// Only a plain file is deleted: a device or a pipe is written to as it stands, and a folder can't be.
+// Only a plain file is deleted: a device or a pipe is written to as it is, and a folder can't be written to.
 bool IsPlainFile(const std::string& name) {
     struct stat status;
     return stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode);
@@ -97,7 +97,7 @@ std::FILE* OpenStepArchive(const Run& run) {
     std::FILE* file = std::fopen(name.c_str(), "ab");
     if (file == nullptr)
         StopWithLibraryError("can't open " + name + " for writing: " + std::strerror(errno));
-    // Every run holds it, so it stands for the folder with its fixed names.
+    // Every run opens this file, so its lock is the lock of the folder, whose other files have fixed names.
     if (!LockFile(fileno(file))) {
         std::fclose(file);
         StopWithLibraryError("another run is writing to this folder (it holds " + name +
@@ -163,7 +163,7 @@ std::string FileNameOf(const std::string& path) {
 void MakeFolder(const std::string& folder) {
     std::error_code failure;
     if (!folder.empty() && !std::filesystem::is_directory(folder, failure)) {
-        // With its stroke the name would stand for a folder without a name within.
+        // Without the slash at its end, which create_directories would take for one more folder with an empty name.
         std::filesystem::create_directories(folder.substr(0, folder.size() - 1), failure);
         if (failure)
             StopWithLibraryError("can't make the folder " + folder + ": " + failure.message());

@@ -1,7 +1,10 @@
-// The homogenization card and the run state of a fit, which element code reads.
+// The homogenization card, the run state of a fit, which element code reads, and what fits and the direct calculation keep
+// on the heap.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <vector>
 
 namespace zurt {
 
@@ -41,7 +44,7 @@ struct FitState {
     double ERRFIT = 0.0;  // relative error of the iteration
 
     std::int32_t ITERFIT = 0; // iteration of the fit in work; runs with fibres do not count
-    std::int32_t IPHASE = 0;  // 0: a run with fibres stands next; 1: runs of the equivalent medium
+    std::int32_t IPHASE = 0;  // 0: the next run is of the model with fibres; 1: of the equivalent medium
     std::int32_t ISFOFF = 0;  // 1: correction factors are off
     std::int32_t IFITEND = 0; // 1: the fit of this direction has ended
     std::int32_t IDCEND = 0;  // 1: the D-C curve has been found
@@ -65,6 +68,24 @@ struct FitState {
     double DCFIT1 = 0.0, DCFIT2 = 0.0;     // fitted curve ends
     double D1DIR[4] = {}; // first value of the D-C curve by direction 1..3, for the final run
     double D2DIR[4] = {}; // last value
+};
+
+/// The cross-section of one direction: a plane of the mesh, and the elements that stand on its high side.
+struct CrossSection {
+    bool found = false;
+    std::vector<std::int32_t> nodes;                 // in the plane
+    std::vector<std::vector<std::int32_t>> elements; // by group at 1..NGET
+};
+
+/// Flows through the inlet cross-section and the start of runs: filled by homogenization/mass_monitor.h and
+/// homogenization/recorded_pass.h, empty in other problems.
+struct MassTables {
+    std::vector<double> FLUXMICRO;       // flow by step 1..NDT at 0..NDT-1, in the model with fibres
+    std::vector<double> FLUXEQUIV;       // and in the equivalent medium
+    std::array<CrossSection, 4> section; // by direction 1..3
+    std::vector<double> nodalSums;       // 1..NP at 0..NP-1: work space for residuals
+    std::vector<double>
+        startValues; // 1..NP: initial concentration of every node, with an equation or without
 };
 
 } // namespace zurt

@@ -1,7 +1,6 @@
 // How a job was asked for: by the dialogue, or by the command line (job/command_line.h).
 #pragma once
 
-#include "run/run_options.h"
 #include "run/working_vector.h"
 
 #include <string>
@@ -14,13 +13,21 @@ constexpr int kStopped = 1;     // by a message of the program's own
 constexpr int kFailed = 2;      // deck, files, memory, arguments
 constexpr int kInterrupted = 3; // by a signal
 
+/// Most sub-cells in each direction.
+constexpr std::int32_t kMostWallCells = 32;
+
+/// What the command line asks of the calculation beyond the deck; without it the deck alone decides.
+struct RunOptions {
+    // Sub-cells a direction in elements that a fibre wall cuts; 0: none (microscale/wall_cells.h).
+    std::int32_t wallCells = 0;
+};
+
 struct JobSettings {
-    bool dialogue =
-        true; // file names are asked for on the console, and none of the fields below but `words` counts
-    std::string deck;   // its name, "-" for standard input
-    std::string folder; // of all files that the run writes, with its stroke; empty: the current one
-    bool force = false; // files of earlier runs are overwritten
-    bool quiet = false; // nothing on standard output
+    bool dialogue = true; // file names are asked for on the console; of the fields below only `words` counts
+    std::string deck;     // its name, "-" for standard input
+    std::string folder;   // of all files that the run writes, with a slash at its end; empty: the current one
+    bool force = false;   // files of earlier runs are overwritten
+    bool quiet = false;   // nothing on standard output
     Word words = kWorkingVectorSize;
     RunOptions options;
 };

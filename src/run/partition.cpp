@@ -98,7 +98,7 @@ void TakeNodeArrays(Run& run) {
         TakeResultVectors(run);
     }
     StopIfInputOverflows(run);
-    // Nothing sets the potential of ITOR 2; what a problem before has left there is none of it.
+    // No card sets the potential of ITOR 2: it is 0, whatever an earlier problem left in these words.
     ClearWords(run.A, at.LPOT, at.LDIRD - 1);
     if (run.A.LMAX >= run.A.NTOTA) // here a table that exactly fills A is refused already
         StopOnInputOverflow(run);

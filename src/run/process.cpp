@@ -17,7 +17,7 @@ namespace {
 // The shape tables of one element visit take a quarter of a megabyte.
 constexpr std::size_t kStackSize = std::size_t{16} << 20;
 
-// Open only for what the stream is not used for, so that its use fails; messages go nowhere.
+// Opened in the direction that the stream is not used in, so that reads or writes fail; standard error is discarded.
 void OpenMissingStream(int descriptor, int flags) {
     if (fcntl(descriptor, F_GETFD) != -1)
         return;

@@ -19,8 +19,8 @@ struct JobState {
     std::int32_t ConductivityNonlinear = 0, CapacityNonlinear = 0;
     std::int32_t SourcePresent = 0;       // some group has IZIP positive
     std::int32_t ConcentrationSource = 0; // some group has IZIP equal to 2
-    std::int32_t SubstructurePresent = 0; // some group has ISUB4 positive
     std::int32_t LastISUB4 = 0;           // ISUB4 of the last group card read
+    std::int32_t SubstructurePresent = 0; // Dormant: some group has ISUB4 positive; nothing reads it
 };
 
 /// Sizes of the linear system. Written by run/ (run/partition.h has the operations), which keeps room for them in `A`.
@@ -28,9 +28,10 @@ struct SystemSizes {
     std::int32_t SparseMode = 0; // 1 when SolverSelector is 2
     std::int32_t JEDN = 0;       // number of equations
     Word NWK = 0;                // length of SkylineMatrix
-    std::int32_t EquationRoom =
-        0;                 // JEDN and NWK for which the partition keeps room, since a fit changes between
-    Word MatrixRoom = 0;   // layouts; 0 with every new problem
+    // A fit changes between numberings of different sizes: the largest JEDN and NWK for which room is kept in `A`. 0 with
+    // every new problem.
+    std::int32_t EquationRoom = 0;
+    Word MatrixRoom = 0;
     Word DiagonalRoom = 0; // integers that the section of MAXA holds
 };
 
@@ -49,18 +50,17 @@ struct Clock {
     double StartTime = 0.0; // start of the current step
     double TimeStep = 0.0;
     std::int32_t KOR = 0, ITER = 0;
-    double OutletStart = 0.0;    // value of nodes without an equation at the start of the step
-    std::int32_t FactorFlag = 0; // 1: assemble and factor the matrix
-    double ReferenceNorm = 0.0;  // TREF
-    double IncrementNorm = 0.0;  // DTMOD
-    double LowestIncrement =
-        0.0; // smallest IncrementNorm of the step so far, and the iteration that reached it
-    std::int32_t LowestIteration = 0;
+    double OutletStart = 0.0;         // value of nodes without an equation at the start of the step
+    std::int32_t FactorFlag = 0;      // 1: assemble and factor the matrix
+    double ReferenceNorm = 0.0;       // TREF
+    double IncrementNorm = 0.0;       // DTMOD
+    double LowestIncrement = 0.0;     // smallest IncrementNorm of the step so far
+    std::int32_t LowestIteration = 0; // the iteration that reached it
 };
 
 /// Counters of outputs. Written by timeint/.
 struct OutputCounters {
-    double GraphicsInterval = 0.0;    // IGRAF times TimeStep
+    double GraphicsInterval = 0.0;    // Dormant: IGRAF times TimeStep; nothing reads it
     std::int32_t GraphicsLimit = 0;   // NDT / IGRAF, formed by transient passes only
     std::int32_t GraphicsCounter = 0; // steps since the last graphics output
     std::int32_t GraphicsWritten = 0; // graphics outputs of this pass

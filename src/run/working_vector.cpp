@@ -109,10 +109,6 @@ const SectionRecord* FirstSectionOutside(const WorkingVector& A) {
     return nullptr;
 }
 
-bool WordsAvailable(const WorkingVector& A, Word n) {
-    return n <= A.NTOTA && A.LMAX <= A.NTOTA + 1 - n;
-}
-
 RealArray RealSection(const WorkingVector& A, Word first, Word n) {
     RequireWithin(A, first, n);
     return {A.words + (first - 1), n};

@@ -3,8 +3,8 @@
 // Sections are known by their first word (one-based) and are handed out as views; this module holds the only cast of
 // words to 32-bit integers. LMAX is the first free word. A section may be taken beyond the end of `A`: the tests for
 // overflow stand at fixed places of the input (run/partition.h), and no view is made before the next of them.
-// Pages cost nothing until they are touched. Sanitizer builds poison what lies from LMAX up, as far as a stray index may
-// well reach: to poison all of it would take longer than most runs.
+// Pages cost nothing until they are touched. Sanitizer builds poison the words from LMAX up, but only as many as a
+// stray index is likely to reach: poisoning all would take longer than most runs.
 #pragma once
 
 #include "core/array_view.h"
@@ -46,9 +46,6 @@ void ReleaseFrom(WorkingVector& A, Word first);
 
 /// The first section that does not lie within `A`, null when all do.
 const SectionRecord* FirstSectionOutside(const WorkingVector& A);
-
-/// True when the first n words from LMAX on lie within `A`.
-bool WordsAvailable(const WorkingVector& A, Word n);
 
 /// The n words from `first` on; a section that does not lie within `A` is a fault and stops the run.
 RealArray RealSection(const WorkingVector& A, Word first, Word n);

@@ -64,8 +64,8 @@ void ReportOnListing(Run& run, const IterationReport& report, double solutionNor
         Write(listing, "(' UNBALANCED NORM.LT.ABS-TOLERANCE = ',1PE12.4)", kTOLABS);
 }
 
-// Without a limit of iterations (MAXIT below 0) the lines of a step that does not converge thin out: behind the first hundred
-// those remain whose number has one digit that isn't 0.
+// Without a limit of iterations (MAXIT below 0) only the first hundred of a step are all reported, and of the others those
+// whose number has a single digit other than 0 (200, 3000).
 bool IsReported(const Run& run) {
     std::int32_t iteration = run.clock.ITER;
     if (run.control.header.MAXIT >= 0 || iteration < 100)
@@ -84,7 +84,8 @@ void ReportIteration(Run& run, IterationReport report, double solutionNorm) {
     ReportOnListing(run, report, solutionNorm);
 }
 
-// The test proper: relative, absolute, and the increment that is nothing at all.
+// The increment is small relative to the step's reference (EPSTR), absolutely (EPSTA, when it is given), or below
+// kSmallestNorm.
 bool IncrementIsSmall(const HeaderFields& header, double increment, double ratio) {
     return ratio <= header.EPSTR || (header.EPSTA > kSmallestNorm && increment <= header.EPSTA) ||
            increment < kSmallestNorm;
@@ -131,6 +132,7 @@ bool ConvergenceTest(Run& run, ConstRealArray increment, ConstRealArray referenc
     }
     report.ratio = norms.increment / run.clock.ReferenceNorm;
     bool converged = IncrementIsSmall(run.control.header, norms.increment, report.ratio);
+    // A fit run that prints nothing leaves the test here: the absolute tolerance below is not tried.
     if (FitRunIsSilent(run))
         return converged;
     if (norms.increment < kTOLABS && !converged) {

@@ -13,7 +13,7 @@ namespace zurt {
 
 namespace {
 
-// Increments so far below the solution that no longer fall are no matter of the problem's curves.
+// Increments this far below the solution that no longer fall come from rounding, not from the problem's curves.
 constexpr double kHeightOfRounding = 1e-6;
 
 std::string Short(double value) {
@@ -31,7 +31,7 @@ StiffestElement FindStiffest(Run& run) {
     return stiffest;
 }
 
-// What rests scatters; the lowest value of many iterations is met again at this multiple.
+// Increments of rounding vary: a tolerance of this multiple of the lowest one is met again.
 constexpr double kScatter = 10.0;
 
 double RoundedUp(double ratio) {

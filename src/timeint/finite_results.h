@@ -1,4 +1,4 @@
-// Results that are not numbers end the run where they appear: nothing behind them would mean anything.
+// Results that are not finite end the run where they first appear.
 #pragma once
 
 #include "run/run.h"

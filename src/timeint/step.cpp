@@ -50,8 +50,8 @@ void FillNodalValues(Run& run) {
         Copy<double>(RightHandSide(run), StepSolution(run));
 }
 
-// Nothing but the writers reads what stands here, and it is left out where they don't run: in a fit it is a fifth of all.
-// ITOR 3 wants a line for every element that is visited.
+// Only the writers read these results, so passes that write nothing leave them out, which saves a fifth of the time of a
+// fit. Under ITOR 3 the visit of every element writes a line, so there they are always evaluated.
 void EvaluateNodalResults(Run& run) {
     const std::int32_t NDS = run.control.header.NDS;
     if ((NDS != 1 && NDS != 3) || (!run.pass.writesResults && run.control.header.ITOR != 3))
@@ -116,7 +116,7 @@ void ExpandToNodes(ConstIntArray ID, RealArray nodalValues, ConstRealArray solut
 }
 
 void BeginSolution(Run& run) {
-    run.clock.TIME = run.clock.StartTime = 0.0; // a steady problem advances neither
+    run.clock.TIME = run.clock.StartTime = 0.0; // in a steady problem both stay 0
     run.clock.KOR = 0;
     run.outputs.NCZZ = 0;
     run.outputs.PrintCounter = 0;
@@ -124,7 +124,7 @@ void BeginSolution(Run& run) {
 
 void BeginPass(Run& run, const Pass& pass) {
     run.pass = pass;
-    MarkMatrixStart(run);
+    MarkMatrixStart();
     ReleaseFrom(run.A, run.A.LMAXM);
     run.clock.OutletStart = run.control.outlet.OutletStartOfRun;
     run.outputs.GraphicsWritten = 0;
@@ -154,7 +154,7 @@ void SolutionPass(Run& run, std::int32_t steps) {
     Pass pass;
     pass.NDT = steps;
     BeginPass(run, pass);
-    while (run.clock.KOR < steps) { // the last step may have the largest number there is
+    while (run.clock.KOR < steps) { // not KOR <= steps: steps may be the largest integer
         SolveStep(run);
         WriteStep(run);
         FlushUnits(run);

@@ -18,7 +18,7 @@ constexpr double kIntegerTolerance = 1e-10;
     StopWithLibraryError(std::string("can't write to the step file: ") + std::strerror(errno));
 }
 
-// A sequential write ends the file behind its record: what stood there before is gone.
+// A sequential write ends the file behind its record: older records behind it are dropped.
 void TruncateBehindPosition(std::FILE* unit) {
     if (std::fflush(unit) != 0 || ftruncate(fileno(unit), std::ftell(unit)) != 0)
         StopOnStepFile();

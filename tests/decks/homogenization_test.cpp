@@ -1,5 +1,6 @@
 // Homogenization by whole decks: media without influence, square arrays of cylinders, a known mean of a distance, layers,
 // three directions, runs that can not be fitted. Prints the figures of docs/verification.md.
+#include "support/bar_deck.h"
 #include "support/grid_deck.h"
 #include "support/run_deck.h"
 
@@ -85,10 +86,15 @@ TEST(Homogenization, MediumWithoutInfluenceHasTheBulkCoefficient) {
     grid.D[1] = 0.7;
     EXPECT_NEAR(Fitted(RunWell(grid).mass).at(0), 0.7, 0.7e-4);
     grid.IDIRECTD = 1;
-    const auto rows = RowsBelow(RunWell(grid).mass, " VALUES OF DIFFUSION", 2);
+    const std::string mass = RunWell(grid).mass;
+    const auto rows = RowsBelow(mass, " VALUES OF DIFFUSION", 2),
+               flows = RowsBelow(mass, " CHANGE OF MASS", 2);
     ASSERT_GE(rows.size(), 12U);
-    for (std::size_t step = 0; step < 12; ++step)
+    ASSERT_EQ(flows.size(), 12U) << "to the last step";
+    for (std::size_t step = 0; step < 12; ++step) {
         EXPECT_EQ(rows[step].at(2), 0.7) << step + 1;
+        EXPECT_EQ(flows[step].at(0), static_cast<double>(step + 1));
+    }
 }
 
 // References: series of Perrins, McKenzie and McPhedran (Proc. R. Soc. Lond. A 369, 1979). Along the flow the fluid alone
@@ -349,6 +355,32 @@ TEST(Homogenization, RunsThatCanNotBeFittedEnd) {
     const RunResult plain = RunWell(grid);
     EXPECT_FALSE(Contains(plain.console, "HOMOGENIZATION"));
     EXPECT_EQ(LastConcentrations(plain.listing).size(), 378U);
+}
+
+// A field left out of a free format card keeps what it holds, and a fit changes two of those that its card set: IEHM is
+// that of its last run, INDDEG the last direction. Faults: the card's own values taken, or none kept.
+TEST(Homogenization, FieldsLeftOutTakeWhatTheFitBeforeLeft) {
+    Channel channel;
+    channel.mesh = 2;
+    GridDeck fit = Deck(channel);
+    fit.steps = fit.NFSTEP = 3;
+    fit.directions = {0, 1, 0}; // INDDEG 1 on the card
+    BarDeck next;
+    next.periods = {{1, 0.01}};
+    for (const auto& [NFITMAX, IEHM] :
+         {std::pair{3, 1}, std::pair{-1, 0}}) // -1: it ends ahead of its first run
+        for (const int NSETS : {0, 1}) {
+            fit.NFITMAX = NFITMAX;
+            next.fibres = Print("%d,,0,3,3,1e-5,0,0,0,,0,0,0,0\n1. 1.\n", NSETS);
+            std::string deck = Build(fit);
+            deck = deck.substr(0, deck.size() - 5) + "\n" + Build(next);
+            const RunResult run = RunDeck(deck);
+            const std::string echo = run.listing.substr(run.listing.rfind("NUMBER OF FIBRE SETS"));
+            EXPECT_TRUE(Contains(echo, Print(" IEHM    =%5d\n", NSETS * IEHM))) << echo; // 0 without sets
+            EXPECT_TRUE(Contains(echo, " INDFITZ =    2\n")) << echo; // INDDEG, at the label ahead of its own
+            EXPECT_EQ(run.status, NSETS == 0 ? 0 : 2)
+                << run.errors; // a free format deck has no cards for the box
+        }
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include "core/stop.h"
 #include "fuzz/ticks.h"
-#include "homogenization/initial_state.h"
+#include "homogenization/recorded_pass.h"
 #include "input/card.h"
 #include "job/read_problem.h"
 #include "job/solve_problem.h"

@@ -1,6 +1,5 @@
 // Conservation in full precision: what has gone through the inlet cross-section is what is stored behind it and what has
 // left, in the model with fibres and in the equivalent medium. Amounts are integrated here, element by element.
-#include "homogenization/initial_state.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
 #include "homogenization/recorded_pass.h"

@@ -78,8 +78,10 @@ TEST(Card, UnknownIndicatorReadsNothing) {
     Sample sample;
     std::int32_t number = -7;
     ReadCardFields(small.deck, 3, kSample, &sample);
-    ReadIntegerCards(small.deck, 3, "Sample cards", "N", "I5", 1, IntArray(&number, 1));
-    ReadRealCards(small.deck, 0, "Sample cards", "X", "F5.0", 1, RealArray(sample.X, 2));
+    ReadNumberCards(small.deck, 3, "Sample cards", "N", ZURT_DESCRIPTOR(std::int32_t, "I5"), 1,
+                    IntArray(&number, 1));
+    ReadNumberCards(small.deck, 0, "Sample cards", "X", ZURT_DESCRIPTOR(double, "F5.0"), 1,
+                    RealArray(sample.X, 2));
     ExpectSample(sample, -7, -7.0, -7.0, -7);
     EXPECT_EQ(number, -7);
     EXPECT_EQ(small.deck.CardCounter, 3);
@@ -125,20 +127,23 @@ TEST(Card, ImageCardsIgnoreTheIndicator) {
 TEST(Card, TablesOfNumbers) {
     double values[5] = {};
     SmallRun fixed("  1.0  2.0\nC comment\n  3.0   40\n  5.0  9.0\nnext\n");
-    ReadRealCards(fixed.deck, 2, "Sample cards", "X", "F5.1", 2, RealArray(values, 5));
+    ReadNumberCards(fixed.deck, 2, "Sample cards", "X", ZURT_DESCRIPTOR(double, "F5.1"), 2,
+                    RealArray(values, 5));
     EXPECT_EQ(values[1], 2.0);
     EXPECT_EQ(values[3], 4.0);
     EXPECT_EQ(values[4], 5.0);
     EXPECT_EQ(fixed.deck.CardCounter, 4);
     std::int32_t numbers[5] = {};
     SmallRun free("1 2\n3*7 9\nnext\n");
-    ReadIntegerCards(free.deck, 1, "Sample cards", "N", "I5", 2, IntArray(numbers, 5));
+    ReadNumberCards(free.deck, 1, "Sample cards", "N", ZURT_DESCRIPTOR(std::int32_t, "I5"), 2,
+                    IntArray(numbers, 5));
     EXPECT_EQ(numbers[1], 2);
     EXPECT_EQ(numbers[4], 7);
     EXPECT_EQ(free.deck.CardCounter, 1);
     EXPECT_EQ(NextRecord(free.deck, "Sample cards"), "next");
     SmallRun bad("    1    x\n");
-    EXPECT_LIBRARY_ERROR(ReadIntegerCards(bad.deck, 2, "Sample cards", "N", "I5", 2, IntArray(numbers, 5)),
+    EXPECT_LIBRARY_ERROR(ReadNumberCards(bad.deck, 2, "Sample cards", "N",
+                                         ZURT_DESCRIPTOR(std::int32_t, "I5"), 2, IntArray(numbers, 5)),
                          "line 1, Sample cards, field N: \"    x\"");
 }
 

@@ -11,6 +11,12 @@ namespace zurt::testfibres {
 
 using Point = std::array<double, 3>;
 
+// The record of a Gauss point: element and point from 1.
+inline const GaussFibreRecord& RecordOf(const FibreGroup& group, Word element, Word point) {
+    return ArrayView<const GaussFibreRecord>(group.records.data(), static_cast<Word>(group.records.size()))(
+        (element - 1) * group.points + point);
+}
+
 inline Fibre FibreThrough(std::initializer_list<Point> points) {
     Fibre fibre;
     fibre.NPOINTS = static_cast<std::int32_t>(points.size());

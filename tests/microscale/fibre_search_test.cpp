@@ -1,4 +1,5 @@
 // Fibres clipped to their box, and the nearest fibre of a point.
+#include "core/widened_constants.h"
 #include "microscale/fibre_geometry.h"
 #include "microscale/fibre_models.h"
 #include "microscale/fibre_search.h"
@@ -70,7 +71,8 @@ TEST(ClipFibres, LengthsBySet) {
     const double pi = std::acos(-1.0);
     FibreVolumes(model, kSpaceFibres);
     EXPECT_NEAR(model.sets[0].volume, pi / 4 * 0.01 * 1.5, 1e-15);
-    EXPECT_DOUBLE_EQ(model.sets[1].volume, 2 * 0.008 * 0.5235987912027583); // the single-precision pi/6
+    EXPECT_DOUBLE_EQ(model.sets[1].volume,
+                     2 * 0.008 * 0.5235987912027583); // pi times a single-precision sixth
     EXPECT_NEAR(model.fibreVolume, model.sets[0].volume + model.sets[1].volume + pi / 4 * 0.09 * 0.5, 1e-15);
     FibreVolumes(model, kPlaneFibres);
     EXPECT_NEAR(model.sets[0].volume, 0.15, 1e-15);

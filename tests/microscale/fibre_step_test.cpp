@@ -17,6 +17,7 @@ using testfibres::FibreThrough;
 using testfibres::MakeModel;
 using testfibres::MakeSet;
 using testfibres::MakeTable;
+using testfibres::RecordOf;
 using testmodel::BlockOfBricks;
 using testmodel::Mesh;
 using testmodel::Point;

@@ -1,3 +1,4 @@
+#include "core/widened_constants.h"
 #include "microscale/gauss_factors.h"
 
 #include "microscale/direction_curves.h"
@@ -208,12 +209,12 @@ TEST(MergedTables, TwoSetsTakeTheStorageOfTheFirst) {
 
 // --- curves by direction ------------------------------------------------------------------------------------------
 
-// Faults: the low end of Z brought into line, the curve left scaled, ends of a curve outside, a constant looked up.
+// Faults: the low end of Z brought into line, the table written to, ends of a curve outside, a constant looked up.
 TEST(DirectionCurves, EachDirectionHasItsOwnEnds) {
     std::vector<double> words = {0, 0, 0, 2, 0, 6, 0, 1, 0, 2, 0, 3}; // row 2: (0, 2), (1, 6), ... set below
     const RealTable table(words.data(), 2, 6);
     const double curve[6] = {0.0,  77.0, 1.0,
-                             77.0, 3.0,  77.0}; // concentrations; coefficients to be overwritten
+                             77.0, 3.0,  77.0}; // concentrations; coefficients that a fit has left
     for (Word j = 1; j <= 6; ++j)
         table(2, j) = curve[j - 1];
     std::int32_t points[2] = {1, 3};
@@ -227,8 +228,8 @@ TEST(DirectionCurves, EachDirectionHasItsOwnEnds) {
     EXPECT_DOUBLE_EQ(x, 2.0); // half way from 1 to 3
     EXPECT_DOUBLE_EQ(y, 4.0);
     EXPECT_DOUBLE_EQ(z, 2.0 + 4.0); // its span is 32, but it begins at 2
-    for (Word i = 1; i <= 3; ++i)
-        EXPECT_EQ(table(2, 2 * i), DBULK[i - 1]);
+    for (Word j = 1; j <= 6; ++j)
+        EXPECT_EQ(table(2, j), curve[j - 1]);
     EXPECT_EQ(at(3.0 + 0.5e-10), 0);
     EXPECT_DOUBLE_EQ(z, 34.0);
     EXPECT_EQ(at(-0.5e-10), 0);

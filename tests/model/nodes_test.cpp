@@ -106,8 +106,9 @@ TEST(Nodes, NegativeIndicatorsAreFreeAndListed) {
     for (int N = 1; N <= 4; ++N)
         EXPECT_EQ(EquationNumbers(*run)(N), expected[N - 1]);
     ASSERT_EQ(run->control.counts.NZADP4, 2);
-    EXPECT_EQ(SharedNodes(*run)(1), 2);
-    EXPECT_EQ(SharedNodes(*run)(2), 4);
+    const IntArray shared = IntSection(run->A, run->control.at.LSUBS, 2);
+    EXPECT_EQ(shared(1), 2);
+    EXPECT_EQ(shared(2), 4);
     EXPECT_EQ(run->A.LMAX, run->control.at.LSUBS + 2);
     EXPECT_EQ(run->control.counts.NZADC, 0);
 }

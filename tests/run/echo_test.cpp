@@ -88,7 +88,8 @@ TEST(CardListing, PutsTheDeckBackByTheNumberOfItsCards) {
     ListCards(small);
     EXPECT_EQ(NextRecord(deck, "Sample card"), "card 3");
     std::int32_t numbers[3] = {};
-    ReadIntegerCards(deck, 1, "Sample cards", "N", "I5", 3, IntArray(numbers, 3));
+    ReadNumberCards(deck, 1, "Sample cards", "N", ZURT_DESCRIPTOR(std::int32_t, "I5"), 3,
+                    IntArray(numbers, 3));
     EXPECT_EQ(deck.CardCounter, 3);
     ListCards(small);
     EXPECT_EQ(NextRecord(deck, "Sample card"), "1");

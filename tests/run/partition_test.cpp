@@ -187,8 +187,6 @@ TEST(WorkingVector, RestartsAndReleases) {
     IntSection(A, 6, 4)(3) = 77; // the low half of word 7
     ReleaseFrom(A, 6);
     EXPECT_EQ(A.LMAX, 6);
-    EXPECT_TRUE(WordsAvailable(A, 15));
-    EXPECT_FALSE(WordsAvailable(A, 16));
     RestartWorkingVector(A);
     EXPECT_EQ(TakeWords(A, "again", 9), 1);
     EXPECT_EQ(RealSection(A, 1, 9)(5), 2.5);

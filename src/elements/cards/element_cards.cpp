@@ -1,6 +1,7 @@
 #include "elements/cards/element_cards.h"
 
 #include "core/stop.h"
+#include "core/widened_constants.h"
 #include "geometry/group_views.h"
 #include "solver/assembly.h"
 
@@ -173,7 +174,7 @@ void StoreElement(ElementReader& reader, const ElementFields& fields) {
         reader.thickness(n) = fields.thickness;
 }
 
-void EchoTableHead(ElementReader& reader) {
+void EchoElementTableHead(ElementReader& reader) {
     Run& run = reader.run;
     const FamilyCards& family = reader.family;
     TextUnit& listing = run.units.listing;
@@ -298,7 +299,7 @@ void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& fa
     if (reader.echo) {
         const std::string nodes = std::to_string(reader.columnsOnCard);
         reader.row = Format(("(I8,1X," + nodes + "I8,2X," + family.tableFields + ")").c_str());
-        EchoTableHead(reader);
+        EchoElementTableHead(reader);
     }
     while (reader.count < NET)
         ReadElementRun(reader);

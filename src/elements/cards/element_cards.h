@@ -8,9 +8,6 @@
 
 namespace zurt {
 
-/// A thickness or area below this in size is none.
-constexpr double kNoThickness = 1.000000013351432e-10;
-
 /// Reads cards until as many elements as the group has have been read or generated; a group of 0 elements has no
 /// cards. A card writes into the row of its number; numbers may repeat and leave gaps, only the count ends the reading.
 void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& family);

@@ -12,10 +12,7 @@
 // --- group card ---------------------------------------------------------------------------------------------------
 
 #define ZURT_GROUP_ROW(NAME, MEMBER, MEANING, EFFECT)                                                        \
-    ::zurt::CardField {                                                                                      \
-        NAME, ::zurt::Descriptor("I5"), offsetof(::zurt::FamilyGroupCard, MEMBER), 1, ::zurt::kAnyInteger,   \
-            MEANING, EFFECT                                                                                  \
-    }
+    ZURT_ROW(NAME, ::zurt::FamilyGroupCard, MEMBER, "I5", ::zurt::kAnyInteger, MEANING, EFFECT)
 
 #define ZURT_GROUP_MATERIAL_ROWS(D)                                                                          \
     ZURT_GROUP_ROW("NMAT" D "D", NMAT, "number of materials of the group", "replaced by 1"),                 \
@@ -39,16 +36,11 @@
 
 // COUNT nodes from node FIRST on.
 #define ZURT_NODE_ROW(NAME, FIRST, COUNT, DESCRIPTOR, MEANING)                                               \
-    ::zurt::CardField {                                                                                      \
-        NAME, ::zurt::Descriptor(DESCRIPTOR), offsetof(::zurt::ElementCard, nodes[(FIRST)-1]), COUNT,        \
-            ::zurt::kAnyInteger, MEANING, ""                                                                 \
-    }
+    ZURT_PART_ROW(NAME, ::zurt::ElementCard, nodes, FIRST, COUNT, DESCRIPTOR, ::zurt::kAnyInteger, MEANING,  \
+                  "")
 
 #define ZURT_ELEMENT_ROW(NAME, MEMBER, DESCRIPTOR, MEANING, EFFECT)                                          \
-    ::zurt::CardField {                                                                                      \
-        NAME, ::zurt::Descriptor(DESCRIPTOR), offsetof(::zurt::ElementCard, MEMBER), 1, ::zurt::kAnyInteger, \
-            MEANING, EFFECT                                                                                  \
-    }
+    ZURT_ROW(NAME, ::zurt::ElementCard, MEMBER, DESCRIPTOR, ::zurt::kAnyInteger, MEANING, EFFECT)
 
 #define ZURT_ELEMENT_NUMBER_ROW ZURT_ELEMENT_ROW("NN", NN, "I8", "element number", "")
 

@@ -15,12 +15,9 @@ constexpr CardField kGroupFields[] = {ZURT_GROUP_MATERIAL_ROWS("1"), ZURT_LINE_G
 constexpr CardField kDeviceGroupFields[] = {ZURT_DEVICE_GROUP_MATERIAL_ROWS("1"), ZURT_LINE_GROUP_ROWS};
 
 #define ZURT_AREA_ROW                                                                                        \
-    CardField {                                                                                              \
-        "AREA", Descriptor("F10.0"), offsetof(ElementCard, THIC), 1, kAnyInteger,                            \
-            "cross-section area; none takes the one before, at first 1.0", "", FieldValues {                 \
-            -1e-10, HUGE_VAL, ""                                                                             \
-        }                                                                                                    \
-    }
+    ZURT_ROW("AREA", ElementCard, THIC, "F10.0", kAnyInteger,                                                \
+             "cross-section area; none takes the one before, at first 1.0", "",                              \
+             FieldValues{-1e-10, HUGE_VAL, ""})
 
 constexpr CardField kElementFields[] = {
     ZURT_ELEMENT_NUMBER_ROW,

@@ -10,10 +10,9 @@ namespace {
 #define ZURT_QUADRILATERAL_GROUP_ROWS                                                                        \
     ZURT_GROUP_NODES_ROW("2", "4"), ZURT_GROUP_PRINT_ROWS("IPR2DC", "IPTG2"),                                \
         ZURT_GROUP_GAUSS_ROW("NGAU2X", 0, "KSI"), ZURT_GROUP_GAUSS_ROW("NGAU2Y", 1, "ETA"),                  \
-        ZURT_GROUP_ROW("NTHIC", NTHIC, "thickness: 0 of the group, 1 by element", ""), CardField {           \
-        "THIC", Descriptor("F10.3"), offsetof(FamilyGroupCard, THIC), 1, kAnyInteger,                        \
-            "thickness of the group; none becomes 1.0", "no effect on any result"                            \
-    }
+        ZURT_GROUP_ROW("NTHIC", NTHIC, "thickness: 0 of the group, 1 by element", ""),                       \
+        ZURT_ROW("THIC", FamilyGroupCard, THIC, "F10.3", kAnyInteger,                                        \
+                 "thickness of the group; none becomes 1.0", "no effect on any result")
 
 constexpr CardField kGroupFields[] = {ZURT_GROUP_MATERIAL_ROWS("2"), ZURT_QUADRILATERAL_GROUP_ROWS};
 constexpr CardField kDeviceGroupFields[] = {ZURT_DEVICE_GROUP_MATERIAL_ROWS("2"),
@@ -60,7 +59,7 @@ template <> const FamilyCards& CardsOfFamily<2>() {
         {"NGAU2X", "NGAU2Y", ""},
         "2D",
         {"   BROJ MATERIJALA ZA 2D ELEMENTE, MAT2D=", "   MATERIAL NUMBER FOR 2D ELEMENTS, MAT2D="},
-        // The message on one element says 3D here too.
+        // The message on one element says 3D in this family too.
         {"   BROJ MATERIJALA ZA 3D ELEMENT, NMAT=", "   MATERIAL NUMBER FOR 3D ELEMENT, NMAT="},
         kEcho,
         std::size(kEcho),

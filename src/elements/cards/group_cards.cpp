@@ -1,6 +1,7 @@
 #include "elements/cards/group_cards.h"
 
 #include "core/stop.h"
+#include "core/widened_constants.h"
 #include "elements/cards/element_cards.h"
 #include "geometry/gauss_rules.h"
 #include "run/partition.h"

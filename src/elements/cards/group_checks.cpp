@@ -16,7 +16,7 @@ namespace {
                          what);
 }
 
-// Of each element a number that every card sets above 0: where it is 0, no card has written.
+// `numbers` holds one number of each element that every card sets above 0: a 0 means that no card gave the element.
 void RequireCards(const Run& run, const ElementGroup& group, ConstIntArray numbers) {
     for (Word n = 1; n <= group.NET; ++n)
         if (numbers(n) == 0)

@@ -23,7 +23,7 @@ struct CoefficientTables {
     bool anisotropic = false;
     double timeMultiplier = 1.0; // on the diffusion curve
     bool conductivityNonlinear = false, capacityNonlinear = false;
-    RealTable diffusionCurves; // NDS not 0: model/material_tables.h has the layouts
+    ConstRealTable diffusionCurves; // NDS not 0: model/material_tables.h has the layouts
     ConstIntArray diffusionPoints;
     bool tabulated = false; // second direct pass: tabulatedD instead, in all axes
     double tabulatedD = 0.0;

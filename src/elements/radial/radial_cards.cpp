@@ -33,12 +33,15 @@ constexpr CardField kElementFields[] = {
     ZURT_DORMANT(RadialElementCard, ContinuumNode, "I8", "ISUB4 1: node of the continuum at its surface",
                  "no effect with `ISUB4` 0"),
     ZURT_REAL(RadialElementCard, CENTRE, "D10.2", "centre of the fibre, for the graphics file"),
-    ZURT_CHECKED_FIELD(RadialElementCard, PARTITION, "D10.2", kAnyInteger, "partition value, under IPARTIT 1",
-                       "no effect with `ISUB4` 1", FieldValues{0.0, HUGE_VAL, ""}),
+    ZURT_FIELD(RadialElementCard, PARTITION, "D10.2", kAnyInteger, "partition value, under IPARTIT 1",
+               "no effect with `ISUB4` 1", FieldValues{0.0, HUGE_VAL, ""}),
 };
 
+constexpr const char* kNodeDescriptor = "I8";
+
 constexpr CardField kNodeFields[] = {
-    ZURT_INTEGER(RadialNodeCard, NODE, "I8", "nodes from the axis outward, or common nodes of the continuum"),
+    ZURT_INTEGER(RadialNodeCard, NODE, kNodeDescriptor,
+                 "nodes from the axis outward, or common nodes of the continuum"),
 };
 
 #define ZURT_RADIAL_INTEGER(MEMBER, SERBIAN, ENGLISH) ZURT_ECHO_INTEGER(RadialGroup, MEMBER, SERBIAN, ENGLISH)
@@ -199,8 +202,9 @@ void StoreElement(const RadialReader& reader, std::int32_t count) {
 void ReadNodeNumbers(const RadialReader& reader, std::int32_t count, RadialNodeCard& card) {
     Run& run = reader.run;
     const CardField& field = kNodeFields[0];
-    ReadIntegerCards(run.deck, run.control.header.INDFOR, kRadialNodeCard.group, field.name, "I8",
-                     kNodesPerRadialCard, IntArray(card.NODE, count));
+    ReadNumberCards(run.deck, run.control.header.INDFOR, kRadialNodeCard.group, field.name,
+                    ZURT_DESCRIPTOR(std::int32_t, kNodeDescriptor), kNodesPerRadialCard,
+                    IntArray(card.NODE, count));
     for (std::int32_t k = 0; k < count; ++k)
         RequireIndex(run.deck, kRadialNodeCard.group, field.name, card.NODE[k], run.control.header.NP);
 }

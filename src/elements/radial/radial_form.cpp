@@ -53,8 +53,8 @@ RadialScales ScalesOf(const RadialVisit& visit, Word n) {
 // --- assembled fibres ---------------------------------------------------------------------------------------------
 
 // The surface of a fibre with a partition value: concentrations of the continuum times f stand on its side, so the load
-// is formed with them and the column of the matrix is multiplied. The row is not, and the packed triangle takes the
-// scaled entry for both places.
+// is formed with them and the column of the matrix is multiplied. The row is not; the packed triangle has one
+// entry for both places and takes the scaled one.
 struct SurfaceRatio {
     bool acts = false;
     double f = 1.0;
@@ -101,7 +101,7 @@ void FormAssembled(const RadialVisit& visit, RealArray packed) {
 
 // --- substructured fibres -----------------------------------------------------------------------------------------
 
-// The listing could otherwise show a good solution beside a fibre that has none, when its continuum node is held.
+// When the continuum node of a fibre is held, the solution of the system does not show that the fibre has none.
 void RequireNumber(double flux, Word n) {
     if (std::isnan(flux))
         StopWithLibraryError("radial element " + std::to_string(n) +

@@ -18,27 +18,26 @@ namespace {
 constexpr int kCardFields = 2 + kSurfaceFields;
 using SurfaceCardFields = std::array<CardField, kCardFields>;
 
-constexpr CardField CurveField(const char* name, int field, const char* meaning, const char* effect = "") {
+#define ZURT_CURVE_ROW(NAME, FIELD, MEANING, EFFECT)                                                         \
+    ZURT_PART_ROW(NAME, SurfaceCard, curves, FIELD, 1, "I5", kAnyInteger, MEANING, EFFECT)
+
+template <int Corners> constexpr SurfaceCardFields FieldsOf(const char* nodeNames) {
     return {
-        name,  Descriptor("I5"), offsetof(SurfaceCard, curves) + 4 * (static_cast<std::size_t>(field) - 1),
-        1,     kAnyInteger,      meaning,
-        effect};
+        ZURT_INTEGER(SurfaceCard, NE, "I5", "element; 0 ends the cards of the group"),
+        ZURT_PART_ROW(nodeNames, SurfaceCard, nodes, 1, Corners, "I5", kAnyInteger,
+                      "corners of the side, in any order", ""),
+        ZURT_CURVE_ROW("FLUX", kFluxCurve, "surface flux function", ""),
+        ZURT_CURVE_ROW("CONV", kConvectionCurve, "convection function", ""),
+        ZURT_CURVE_ROW("ENVI", kEnvironmentCurve, "environment function", ""),
+        ZURT_CURVE_ROW("EMIS", kEmissivityCurve, "radiation function; also the number of the shape factor",
+                       ""),
+        ZURT_CURVE_ROW("SHAPE", kShapeFactorField, "shape factor number", "stored and printed only"),
+    };
 }
 
-constexpr SurfaceCardFields FieldsOf(const char* nodeNames, int corners) {
-    return {ZURT_INTEGER(SurfaceCard, NE, "I5", "element; 0 ends the cards of the group"),
-            CardField{nodeNames, Descriptor("I5"), offsetof(SurfaceCard, nodes), corners, kAnyInteger,
-                      "corners of the side, in any order", ""},
-            CurveField("FLUX", kFluxCurve, "surface flux function"),
-            CurveField("CONV", kConvectionCurve, "convection function"),
-            CurveField("ENVI", kEnvironmentCurve, "environment function"),
-            CurveField("EMIS", kEmissivityCurve, "radiation function; also the number of the shape factor"),
-            CurveField("SHAPE", kShapeFactorField, "shape factor number", "stored and printed only")};
-}
-
-constexpr SurfaceCardFields kFields1D = FieldsOf("NODE1", kSideCorners<1>);
-constexpr SurfaceCardFields kFields2D = FieldsOf("NODE1 to NODE2", kSideCorners<2>);
-constexpr SurfaceCardFields kFields3D = FieldsOf("NODE1 to NODE4", kSideCorners<3>);
+constexpr SurfaceCardFields kFields1D = FieldsOf<kSideCorners<1>>("NODE1");
+constexpr SurfaceCardFields kFields2D = FieldsOf<kSideCorners<2>>("NODE1 to NODE2");
+constexpr SurfaceCardFields kFields3D = FieldsOf<kSideCorners<3>>("NODE1 to NODE4");
 
 // What the families of one dimension have of their own.
 struct SideWords {
@@ -163,8 +162,7 @@ void EchoCard(const BoundaryReader& reader) {
 
 // --- one group ----------------------------------------------------------------------------------------------------
 
-// (Under ITOR 3 LMAX is tested once more ahead of the block, which tells nothing new.) The block is written at once, so
-// it is tested itself, too.
+// The block is written to at once, so its overflow is tested here.
 void TakeSurfaceBlock(Run& run, ElementGroup& group, Word recordWords) {
     StopIfInputOverflows(run);
     group.LNSURF = TakeWords(run.A, "surface record numbers", group.NET);

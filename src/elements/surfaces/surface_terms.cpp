@@ -118,7 +118,7 @@ void AddSidePoint(const SurfaceVisit<Family>& visit, const SideCurves& curves, c
     if (curves.environment != 0 && curves.emissivity != 0)
         held.FR = held.EM * tables.SBC * point.measure * ShapeFactor(tables, curves) * (TS * TS + TE * TE) *
                   (TS + TE);
-    const double FR = held.FR; // without an environment that of the point before
+    const double FR = held.FR; // without an environment function: that of the point before
     double S = 0.0;
     for (int i = 0; i < ND; ++i)
         S += N[i] * (tables.nonlinear ? TE - TE1[i] : TE);
