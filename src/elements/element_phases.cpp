@@ -1,12 +1,11 @@
 #include "elements/element_phases.h"
 
-#include "elements/cards/group_1d.h"
-#include "elements/cards/group_2d.h"
-#include "elements/cards/group_3d.h"
+#include "elements/cards/group_cards.h"
 #include "elements/forming/form_elements.h"
 #include "elements/forming/nodal_averaging.h"
 #include "elements/radial/radial_cards.h"
 #include "elements/radial/radial_form.h"
+#include "geometry/element_family.h"
 #include "run/partition.h"
 #include "solver/linear_system.h"
 
@@ -15,19 +14,10 @@ namespace zurt {
 void ReadElementGroup(Run& run, ElementGroup& group) {
     if (group.NGE == 1)
         BeginLayout(run, NumberingOf(run));
-    switch (group.NETIP) {
-    case 1:
-        ReadGroup1D(run, group);
-        break;
-    case 2:
-        ReadGroup2D(run, group);
-        break;
-    case 3:
-        ReadGroup3D(run, group);
-        break;
-    default:
+    if (IsRadial(group))
         ReadGroupRadial(run, group);
-    }
+    else
+        ReadIsoparametricGroup(run, group);
     if (group.NGE >= run.control.header.NGET) {
         StopIfLayoutOverflows(run);
         SetMatrixLength(run, FinishLayout(run, NumberingOf(run)));
@@ -35,14 +25,10 @@ void ReadElementGroup(Run& run, ElementGroup& group) {
 }
 
 void FormElementGroup(Run& run, ElementGroup& group) {
-    if (group.NETIP == 1)
-        FormGroup<1>(run, group);
-    else if (group.NETIP == 2)
-        FormGroup<2>(run, group);
-    else if (group.NETIP == 3)
-        FormGroup<3>(run, group);
-    else
+    if (IsRadial(group))
         FormGroupRadial(run, group);
+    else
+        WithFamily(group, [&](auto family) { FormGroup<family.value>(run, group); });
 }
 
 void AddGroupResults(Run& run, ElementGroup& group) {
@@ -50,12 +36,7 @@ void AddGroupResults(Run& run, ElementGroup& group) {
         return;
     if (group.NGE == 1)
         ClearNodalResults(run);
-    if (group.NETIP == 1)
-        AddGroupFluxes<1>(run, group);
-    else if (group.NETIP == 2)
-        AddGroupFluxes<2>(run, group);
-    else if (group.NETIP == 3)
-        AddGroupFluxes<3>(run, group);
+    WithFamily(group, [&](auto family) { AddGroupFluxes<family.value>(run, group); });
 }
 
 } // namespace zurt

@@ -5,8 +5,8 @@
 
 namespace zurt {
 
-/// Reads the group's cards and lays out its data block in `A`. NETIP 1, 2, 3 are the isoparametric family of that
-/// dimension, every other value the radial fibres. The last group (NGE not below NGET) finishes MAXA and NWK, unless the
+/// Reads the group's cards and lays out its data block in `A`. NETIP is the number of an isoparametric
+/// family (geometry/element_family.h), every other value means radial fibres. The last group (NGE not below NGET) finishes MAXA and NWK, unless the
 /// run is in sparse mode.
 void ReadElementGroup(Run& run, ElementGroup& group);
 

@@ -6,20 +6,10 @@ namespace zurt {
 
 namespace {
 
-void EvaluateShape(const double (&place)[1], const ActiveNodes& active, ShapeValues<1>& shape) {
-    ShapeFunctions1D(place[0], active, shape);
-}
-void EvaluateShape(const double (&place)[2], const ActiveNodes& active, ShapeValues<2>& shape) {
-    ShapeFunctions2D(place[0], place[1], active, shape);
-}
-void EvaluateShape(const double (&place)[3], const ActiveNodes& active, ShapeValues<3>& shape) {
-    ShapeFunctions3D(place[0], place[1], place[2], active, shape);
-}
-
 // The next point of the rule in `number` (from 1 in each direction), the last direction running fastest; false behind the
 // last point.
-template <int Dimension> bool NextPoint(const std::int32_t* orders, std::int32_t (&number)[Dimension]) {
-    for (int d = Dimension - 1; d >= 0; --d) {
+template <int Family> bool NextPoint(const std::int32_t* orders, std::int32_t (&number)[kDimension<Family>]) {
+    for (int d = kDimension<Family> - 1; d >= 0; --d) {
         if (++number[d] <= orders[d])
             return true;
         number[d] = 1;
@@ -29,27 +19,27 @@ template <int Dimension> bool NextPoint(const std::int32_t* orders, std::int32_t
 
 } // namespace
 
-template <int Dimension>
-void SetElementPoints(const ActiveNodes& active, const std::int32_t* orders,
-                      ElementPoints<Dimension>& points) {
+template <int Family>
+void SetElementPoints(const ActiveNodes& active, const std::int32_t* orders, ElementPoints<Family>& points) {
     points.active = active;
     points.count = 0;
-    std::int32_t number[Dimension];
-    std::fill(number, number + Dimension, 1);
+    std::int32_t number[kDimension<Family>];
+    std::fill(number, number + kDimension<Family>, 1);
     do {
-        ElementPoint<Dimension>& point = points.point[points.count++];
+        ElementPoint<Family>& point = points.point[points.count++];
         point.weight = 1.0;
-        for (int d = 0; d < Dimension; ++d) {
+        for (int d = 0; d < kDimension<Family>; ++d) {
             point.place[d] = XG(orders[d], number[d]);
             point.weight *= WGT(orders[d], number[d]);
         }
-        EvaluateShape(point.place, active, point.shape);
-    } while (NextPoint(orders, number));
+        ShapeFunctionsAt(point.place, active, point.shape);
+    } while (NextPoint<Family>(orders, number));
 }
 
-template void SetElementPoints(const ActiveNodes&, const std::int32_t*, ElementPoints<1>&);
-template void SetElementPoints(const ActiveNodes&, const std::int32_t*, ElementPoints<2>&);
-template void SetElementPoints(const ActiveNodes&, const std::int32_t*, ElementPoints<3>&);
+#define ZURT_ELEMENT_POINTS(FAMILY)                                                                          \
+    template void SetElementPoints(const ActiveNodes&, const std::int32_t*, ElementPoints<FAMILY>&);
+ZURT_FOR_ALL_FAMILIES(ZURT_ELEMENT_POINTS)
+#undef ZURT_ELEMENT_POINTS
 
 bool ServesNodes(const ActiveNodes& table, const ActiveNodes& active) {
     return table.ND == active.ND &&

@@ -9,26 +9,30 @@
 
 namespace zurt {
 
-/// Most points of a rule: 5, 25, 125.
-template <int Dimension> constexpr int kMaxPoints = kMaxGaussOrder* kMaxPoints<Dimension - 1>;
-template <> inline constexpr int kMaxPoints<0> = 1;
+/// Most points of a rule.
+template <int Family>
+constexpr int kMaxPoints = [] {
+    int points = 1;
+    for (int d = 0; d < kDimension<Family>; ++d)
+        points *= kMaxGaussOrder;
+    return points;
+}();
 
-template <int Dimension> struct ElementPoint {
-    ShapeValues<Dimension> shape;
-    double weight = 0.0;     // wr*ws*wt
-    double place[Dimension]; // r, s, t
+template <int Family> struct ElementPoint {
+    ShapeValues<Family> shape;
+    double weight = 0.0;              // wr*ws*wt
+    double place[kDimension<Family>]; // r, s, t
 };
 
-template <int Dimension> struct ElementPoints {
+template <int Family> struct ElementPoints {
     ActiveNodes active; // the nodes that the table is made for; ND 0: none yet
     int count = 0;
-    ElementPoint<Dimension> point[kMaxPoints<Dimension>];
+    ElementPoint<Family> point[kMaxPoints<Family>];
 };
 
 /// Makes the table for elements with the nodes `active`; orders: of each direction, 1..5.
-template <int Dimension>
-void SetElementPoints(const ActiveNodes& active, const std::int32_t* orders,
-                      ElementPoints<Dimension>& points);
+template <int Family>
+void SetElementPoints(const ActiveNodes& active, const std::int32_t* orders, ElementPoints<Family>& points);
 
 /// True when the table serves elements with these nodes.
 bool ServesNodes(const ActiveNodes& table, const ActiveNodes& active);

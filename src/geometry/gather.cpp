@@ -20,14 +20,19 @@ bool FindPrescribed(const NodalViews& views, std::int32_t node, double& TE1, dou
 
 } // namespace
 
-NodalViews NodalViewsOf(const Run& run) {
-    const Pointers& at = run.control.at;
-    const Word NZADC = run.control.counts.NZADC;
+NodalViews NodalPlacesOf(const Run& run) {
     NodalViews views;
     views.ID = EquationNumbers(run);
     views.X = CoordinateColumn(run, 1);
     views.Y = CoordinateColumn(run, 2);
     views.Z = CoordinateColumn(run, 3);
+    return views;
+}
+
+NodalViews NodalViewsOf(const Run& run) {
+    const Pointers& at = run.control.at;
+    const Word NZADC = run.control.counts.NZADC;
+    NodalViews views = NodalPlacesOf(run);
     views.T = StepSolution(run);
     views.T0 = StepStart(run);
     views.outletStart = run.clock.OutletStart;
@@ -66,10 +71,10 @@ void GatherNodeValue(const NodalViews& views, std::int32_t node, double& TE1, do
     }
 }
 
-template <int Dimension>
+template <int Family>
 void GatherElement(const NodalViews& views, ConstIntTable NEL, Word n, const ActiveNodes& active,
-                   ElementNodes<Dimension>& element) {
-    constexpr int corners = kCorners<Dimension>;
+                   ElementNodes<Family>& element) {
+    constexpr int corners = kCorners<Family>;
     for (int k = 0; k < active.ND; ++k) {
         const std::int32_t node = NEL(n, k < corners ? k + 1 : active.midSide[k - corners]);
         element.node[k] = node;
@@ -81,8 +86,10 @@ void GatherElement(const NodalViews& views, ConstIntTable NEL, Word n, const Act
     }
 }
 
-template void GatherElement<1>(const NodalViews&, ConstIntTable, Word, const ActiveNodes&, ElementNodes<1>&);
-template void GatherElement<2>(const NodalViews&, ConstIntTable, Word, const ActiveNodes&, ElementNodes<2>&);
-template void GatherElement<3>(const NodalViews&, ConstIntTable, Word, const ActiveNodes&, ElementNodes<3>&);
+#define ZURT_GATHER(FAMILY)                                                                                  \
+    template void GatherElement(const NodalViews&, ConstIntTable, Word, const ActiveNodes&,                  \
+                                ElementNodes<FAMILY>&);
+ZURT_FOR_ALL_FAMILIES(ZURT_GATHER)
+#undef ZURT_GATHER
 
 } // namespace zurt

@@ -26,14 +26,17 @@ struct NodalViews {
 
 NodalViews NodalViewsOf(const Run& run);
 
+/// Views of numbers and places alone, for use before there is a solution: every value gathered is 0.
+NodalViews NodalPlacesOf(const Run& run);
+
 /// Column k (from 0) belongs to the element's node k + 1 in compressed order. (The increment of the step has no entry:
 /// no term reads it.)
-template <int Dimension> struct ElementNodes {
-    NodeCoordinates<Dimension> CORE;
-    double TE1[kMaxNodes<Dimension>];        // current iterate
-    double TE0[kMaxNodes<Dimension>];        // start of the step
-    std::int32_t LM[kMaxNodes<Dimension>];   // equation numbers
-    std::int32_t node[kMaxNodes<Dimension>]; // node numbers
+template <int Family> struct ElementNodes {
+    NodeCoordinates<Family> CORE;
+    double TE1[kMaxNodes<Family>];        // current iterate
+    double TE0[kMaxNodes<Family>];        // start of the step
+    std::int32_t LM[kMaxNodes<Family>];   // equation numbers
+    std::int32_t node[kMaxNodes<Family>]; // node numbers
 };
 
 /// Current and start value of one node. A node in the list of prescribed values takes them from there, a node with an
@@ -41,8 +44,8 @@ template <int Dimension> struct ElementNodes {
 void GatherNodeValue(const NodalViews& views, std::int32_t node, double& TE1, double& TE0);
 
 /// Gathers the `active` nodes of element n from its row of NEL (1..NET, 1..NDMAX); all of them lie in 1..NP.
-template <int Dimension>
+template <int Family>
 void GatherElement(const NodalViews& views, ConstIntTable NEL, Word n, const ActiveNodes& active,
-                   ElementNodes<Dimension>& element);
+                   ElementNodes<Family>& element);
 
 } // namespace zurt

@@ -4,6 +4,7 @@
 // Called by the reader of the family, the driver, the fibre step and the writers of the graphics file.
 #pragma once
 
+#include "geometry/element_family.h"
 #include "run/run.h"
 #include "solver/linear_system.h"
 

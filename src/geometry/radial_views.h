@@ -3,6 +3,7 @@
 // Elements are columns, and nodes of a fibre run from its axis outward. Values are concentrations in the deck's unit.
 #pragma once
 
+#include "geometry/element_family.h"
 #include "run/run.h"
 
 namespace zurt {

@@ -1,7 +1,6 @@
 #include "homogenization/direct_coefficient.h"
 
 #include "core/format.h"
-#include "elements/forming/element_kernel.h"
 #include "elements/forming/element_visit.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
@@ -19,9 +18,6 @@ namespace {
 
 /// Nodes this close to an end of the domain, relative to its length, lie in the end's cross-section.
 constexpr double kInPlane = 1e-9;
-
-/// The coordinate, from 0, that is the radius in axisymmetric groups.
-constexpr int kRadiusAxis = 1;
 
 struct Domain {
     int axis = 0;                              // direction INDDEG, from 0
@@ -46,12 +42,12 @@ Domain DomainOf(const Run& run) {
     return domain;
 }
 
-template <int Dimension> bool LiesWithin(const Domain& domain, const ElementVisit<Dimension>& visit) {
-    const int ND = visit.points.active.ND;
-    for (int axis = 0; axis < Dimension; ++axis) {
+template <int Family> bool LiesWithin(const Domain& domain, const ElementWalk<Family>& walk) {
+    const int ND = walk.points.active.ND;
+    for (int axis = 0; axis < kDimension<Family>; ++axis) {
         double centre = 0.0;
         for (int k = 0; k < ND; ++k)
-            centre += visit.element.CORE[axis][k];
+            centre += walk.element.CORE[axis][k];
         centre /= ND;
         if (centre < domain.boxLow[axis] || centre > domain.boxHigh[axis])
             return false;
@@ -59,61 +55,47 @@ template <int Dimension> bool LiesWithin(const Domain& domain, const ElementVisi
     return true;
 }
 
-template <int Dimension> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
-    if (domain.axis >= Dimension)
+template <int Family> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
+    if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
         return;
-    ElementVisit<Dimension> visit{run, group};
-    BeginElementVisit(visit, group.NGAUS);
+    ElementWalk<Family> walk{run, group};
+    BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
     for (std::int32_t n = 1; n <= group.NET; ++n) {
-        TakeElement(visit, n);
-        if (!LiesWithin(domain, visit))
+        TakeWalkElement(walk, n);
+        if (!LiesWithin(domain, walk))
             continue;
-        const double* x = visit.element.CORE[domain.axis];
-        const auto [low, high] = std::minmax_element(x, x + visit.points.active.ND);
+        const double* x = walk.element.CORE[domain.axis];
+        const auto [low, high] = std::minmax_element(x, x + walk.points.active.ND);
         domain.low = std::min(domain.low, *low);
         domain.high = std::max(domain.high, *high);
     }
 }
 
-// The measure of a point in volumes and its measure in areas: the two differ by the radius in axisymmetric groups.
-struct PointMeasures {
-    double volume = 0.0, area = 0.0;
-};
-
 // By the divergence theorem the volume integral of dN/dx along the axis is the integral of N over the high end face minus
 // that over the low one. Along the radius the divergence is dN/dr + N / r.
-template <int Dimension>
-void AddEndNodes(const JacobianValues<Dimension>& jacobian, const ElementVisit<Dimension>& visit,
-                 const ElementPoint<Dimension>& point, const PointMeasures& w, Domain& domain) {
-    const bool alongRadius = Dimension == 2 && visit.group.INDAX != 0 && domain.axis == kRadiusAxis;
+template <int Family>
+void AddEndNodes(const JacobianValues<Family>& jacobian, const ElementWalk<Family>& walk,
+                 const ElementPoint<Family>& point, double w, Domain& domain) {
+    const bool alongRadius =
+        kDimension<Family> == 2 && walk.axisymmetric && domain.axis == kRadiusAxis<Family>;
     const double tolerance = kInPlane * (domain.high - domain.low);
-    for (int k = 0; k < visit.points.active.ND; ++k) {
-        const double x = visit.element.CORE[domain.axis][k];
+    for (int k = 0; k < walk.points.active.ND; ++k) {
+        const double x = walk.element.CORE[domain.axis][k];
         const int end = std::fabs(x - domain.low) <= tolerance ? 0 : 1;
         if (end == 1 && std::fabs(x - domain.high) > tolerance)
             continue;
-        double area = w.volume * jacobian.HX[domain.axis][k];
+        double area = w * jacobian.HX[domain.axis][k];
         if (alongRadius)
-            area += w.area * point.shape.H[k];
+            area += point.weight * jacobian.DET * point.shape.H[k];
         if (end == 0)
             area = -area;
         domain.endArea[end] += area;
-        domain.endAmount[end] += area * visit.element.TE1[k];
+        domain.endAmount[end] += area * walk.element.TE1[k];
     }
 }
 
-template <int Dimension>
-PointMeasures MeasuresOf(const ElementVisit<Dimension>& visit, const ElementPoint<Dimension>& point,
-                         double DET) {
-    const double area = point.weight * DET;
-    if (Dimension != 2 || visit.group.INDAX == 0)
-        return {area, area};
-    return {area * Interpolate<0>(point.shape.H, visit.element.CORE[kRadiusAxis], visit.points.active.ND),
-            area};
-}
-
 // What of point p (from 1) is fluid.
-template <int Dimension> double FluidShare(const ElementVisit<Dimension>& visit, int p) {
+template <int Family> double FluidShare(const ElementVisit<Family>& visit, int p) {
     if (visit.fibres == nullptr)
         return 1.0;
     if (visit.atPoints.shares.length > 0)
@@ -121,36 +103,34 @@ template <int Dimension> double FluidShare(const ElementVisit<Dimension>& visit,
     return visit.atPoints.records(p).wall > 0.0 ? 1.0 : 0.0;
 }
 
-template <int Dimension>
-void AddPointToDomain(ElementVisit<Dimension>& visit, int p, bool takesPart, Domain& domain) {
-    const ElementPoint<Dimension>& point = visit.rule->point[p];
-    const int ND = visit.points.active.ND;
-    JacobianValues<Dimension> jacobian;
-    if (!JacobianVolume<Dimension>(point.shape, visit.element.CORE, ND, jacobian))
-        StopOnElementJacobian(visit, point, jacobian.DET);
-    const PointMeasures measures = MeasuresOf(visit, point, jacobian.DET);
-    const double w = measures.volume;
+template <int Family>
+void AddPointToDomain(ElementVisit<Family>& visit, int p, bool takesPart, Domain& domain) {
+    const ElementPoint<Family>& point = visit.rule->point[p];
+    const ElementWalk<Family>& walk = visit.walk;
+    const int ND = walk.points.active.ND;
+    JacobianValues<Family> jacobian;
+    const double w = LocatePoint(walk, point, jacobian);
     domain.volume += w;
     if (!takesPart)
         return;
-    const double TG = Interpolate<0>(point.shape.H, visit.element.TE1, ND);
-    EvaluatePoint(visit, p + 1, TG);
+    const double TG = Interpolate<0>(point.shape.H, walk.element.TE1, ND);
+    EvaluateCoefficientsAt(visit, p + 1, TG);
     const double K[3] = {visit.coefficients.KX, visit.coefficients.KY, visit.coefficients.KZ};
-    domain.flow += w * K[domain.axis] * Interpolate<0>(jacobian.HX[domain.axis], visit.element.TE1, ND);
+    domain.flow += w * K[domain.axis] * Interpolate<0>(jacobian.HX[domain.axis], walk.element.TE1, ND);
     const double inFluid = FluidShare(visit, p + 1) * w;
     domain.fluid += inFluid;
     domain.amount += inFluid * TG;
-    AddEndNodes(jacobian, visit, point, measures, domain);
+    AddEndNodes(jacobian, walk, point, w, domain);
 }
 
-template <int Dimension> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
-    if (domain.axis >= Dimension)
+template <int Family> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
+    if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
         return;
-    ElementVisit<Dimension> visit{run, group};
+    ElementVisit<Family> visit{run, group};
     BeginElementVisit(visit, group.NGAUS);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
-        TakeElement(visit, n);
-        if (!LiesWithin(domain, visit))
+        VisitElement(visit, n);
+        if (!LiesWithin(domain, visit.walk))
             continue;
         const bool takesPart = TakesPart(visit, n);
         for (int p = 0; p < visit.rule->count; ++p)
@@ -197,18 +177,12 @@ void BeginSecondPass(Run& run) {
 
 void RecordDirectStep(Run& run) {
     Domain domain = DomainOf(run);
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        if (run.groups[NGE].NETIP == 2)
-            FindEnds<2>(run, run.groups[NGE], domain);
-        else if (run.groups[NGE].NETIP == 3)
-            FindEnds<3>(run, run.groups[NGE], domain);
-    }
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        if (run.groups[NGE].NETIP == 2)
-            AddGroup<2>(run, run.groups[NGE], domain);
-        else if (run.groups[NGE].NETIP == 3)
-            AddGroup<3>(run, run.groups[NGE], domain);
-    }
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        WithFamily(run.groups[NGE],
+                   [&](auto family) { FindEnds<family.value>(run, run.groups[NGE], domain); });
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        WithFamily(run.groups[NGE],
+                   [&](auto family) { AddGroup<family.value>(run, run.groups[NGE], domain); });
     const double concentration = domain.fluid > 0.0 ? domain.amount / domain.fluid : 0.0;
     const double bulk = BulkCoefficient(run, concentration);
     const double gradient =

@@ -1,6 +1,7 @@
 #include "homogenization/mass_monitor.h"
 
 #include "elements/forming/form_elements.h"
+#include "geometry/element_family.h"
 #include "timeint/finite_results.h"
 
 #include <algorithm>
@@ -32,14 +33,10 @@ Extent ElementExtent(ConstIntTable NEL, Word n, ConstRealArray X) {
     return extent;
 }
 
-bool IsIsoparametric(const ElementGroup& group) {
-    return group.NETIP >= 1 && group.NETIP <= 3;
-}
-
 Extent MeshExtent(const Run& run, ConstRealArray X) {
     Extent mesh;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        if (IsIsoparametric(run.groups[NGE]))
+        if (!IsRadial(run.groups[NGE]))
             for (Word n = 1; n <= run.groups[NGE].NET; ++n) {
                 const Extent extent = ElementExtent(Connectivity(run, run.groups[NGE]), n, X);
                 mesh.low = std::min(mesh.low, extent.low);
@@ -52,7 +49,7 @@ Extent MeshExtent(const Run& run, ConstRealArray X) {
 bool PartsAtZero(const Run& run, ConstRealArray X, double tolerance) {
     bool below = false, above = false;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        if (!IsIsoparametric(run.groups[NGE]))
+        if (IsRadial(run.groups[NGE]))
             continue;
         for (Word n = 1; n <= run.groups[NGE].NET; ++n) {
             const Extent extent = ElementExtent(Connectivity(run, run.groups[NGE]), n, X);
@@ -76,7 +73,7 @@ void FindCrossSection(const Run& run, int direction, CrossSection& section) {
     section.elements.resize(static_cast<std::size_t>(run.control.header.NGET) + 1);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         const ElementGroup& group = run.groups[NGE];
-        if (!IsIsoparametric(group))
+        if (IsRadial(group))
             continue;
         for (std::int32_t n = 1; n <= group.NET; ++n)
             if (std::fabs(ElementExtent(Connectivity(run, group), n, X).low - plane) <= tolerance)
@@ -85,23 +82,17 @@ void FindCrossSection(const Run& run, int direction, CrossSection& section) {
     section.found = true;
 }
 
-void AddGroupResiduals(Run& run, ElementGroup& group, ConstIntArray elements, RealArray nodalSums) {
-    if (group.NETIP == 1)
-        AddElementResiduals<1>(run, group, elements, false, nodalSums);
-    else if (group.NETIP == 2)
-        AddElementResiduals<2>(run, group, elements, false, nodalSums);
-    else
-        AddElementResiduals<3>(run, group, elements, false, nodalSums);
-}
-
 double FlowThrough(Run& run, const CrossSection& section) {
     const RealArray sums(run.mass.nodalSums.data(), static_cast<Word>(run.mass.nodalSums.size()));
     Fill(sums, 0.0);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         const std::vector<std::int32_t>& elements = section.elements[static_cast<std::size_t>(NGE)];
         if (!elements.empty())
-            AddGroupResiduals(run, run.groups[NGE],
-                              ConstIntArray(elements.data(), static_cast<Word>(elements.size())), sums);
+            WithFamily(run.groups[NGE], [&](auto family) {
+                AddElementResiduals<family.value>(
+                    run, run.groups[NGE], ConstIntArray(elements.data(), static_cast<Word>(elements.size())),
+                    false, sums);
+            });
     }
     double flow = 0.0;
     for (const std::int32_t node : section.nodes)

@@ -20,8 +20,18 @@ namespace zurt {
 
 namespace {
 
+// Calls act(f) with f.value the number of the group's family when fibres can lie under it.
+template <class Act> void WithFamilyUnderFibres(const ElementGroup& group, const Act& act) {
+    WithFamily(group, [&](auto family) {
+        if constexpr (kUnderFibres<family.value>)
+            act(family);
+    });
+}
+
 bool HasGaussPoints(const ElementGroup& group) {
-    return group.NETIP == 2 || group.NETIP == 3;
+    bool has = false;
+    WithFamilyUnderFibres(group, [&](auto) { has = true; });
+    return has;
 }
 
 // The first group that counts, 0 when there is none.
@@ -75,9 +85,8 @@ Word GaussPointsUnderFibres(const Run& run) {
     Word points = 0;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         const ElementGroup& group = run.groups[NGE];
-        if (HasGaussPoints(group))
-            points +=
-                group.NET * (group.NETIP == 2 ? PointsPerElement<2>(group) : PointsPerElement<3>(group));
+        WithFamilyUnderFibres(
+            group, [&](auto family) { points += group.NET * PointsPerElement<family.value>(group); });
     }
     return points;
 }
@@ -86,23 +95,18 @@ void ClassifyGroup(Run& run, FibreModel& model, const FibreSearch& search, const
                    IntArray nodeMarks) {
     const std::int32_t NDS = run.control.header.NDS;
     const bool hasFluxes = NDS == 1 || NDS == 3;
-    if (group.NETIP == 2) {
-        ClassifyGaussPoints<2>(run, model, search, group, nodeMarks);
+    WithFamilyUnderFibres(group, [&](auto family) {
+        ClassifyGaussPoints<family.value>(run, model, search, group, nodeMarks);
         if (hasFluxes)
-            FillFluxRecords<2>(run, model, search, group);
-    } else {
-        ClassifyGaussPoints<3>(run, model, search, group, nodeMarks);
-        if (hasFluxes)
-            FillFluxRecords<3>(run, model, search, group);
-    }
+            FillFluxRecords<family.value>(run, model, search, group);
+    });
 }
 
 void StartHeq(Run& run, FibreModel& model, const ElementGroup& group, IntArray nodeMarks,
               const Region& region) {
-    if (group.NETIP == 2)
-        ComputeHeqStart<2>(run, model, group, nodeMarks, region.low, region.high);
-    else
-        ComputeHeqStart<3>(run, model, group, nodeMarks, region.low, region.high);
+    WithFamilyUnderFibres(group, [&](auto family) {
+        ComputeHeqStart<family.value>(run, model, group, nodeMarks, region.low, region.high);
+    });
 }
 
 void ClassifyGroups(Run& run, FibreModel& model, std::int32_t first, IntArray nodeMarks) {
@@ -171,7 +175,7 @@ void ApplyFibres(Run& run, FibreModel& model) {
     const HomogenizationCard& card = run.fit.card;
     const IntArray nodeMarks = IntSection(run.A, run.control.at.LFIBN, run.control.header.NP);
     Fill(nodeMarks, 0);
-    model.dimension = run.groups[first].NETIP;
+    model.dimension = FamilyOf(run.groups[first]).dimension;
     ClipFibres(run, model);
     ClassifyGroups(run, model, first, nodeMarks);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)

@@ -48,26 +48,26 @@ void RequireRoomForRecords(const Run& run, const ElementGroup& group, Word recor
 
 // --- elements that a wall cuts ------------------------------------------------------------------------------------
 
-template <int Dimension> struct CutSearch {
+template <int Family> struct CutSearch {
     const Run& run;
     const ElementGroup& group;
-    WallCells<Dimension> cells{}; // without sub-points when none are asked for
+    WallCells<Family> cells{}; // without sub-points when none are asked for
     CutElement cut{};
 };
 
-template <int Dimension>
-CutSearch<Dimension> BeginCuts(const Run& run, const ElementGroup& group, FibreGroup& marks) {
-    CutSearch<Dimension> cuts{run, group};
+template <int Family>
+CutSearch<Family> BeginCuts(const Run& run, const ElementGroup& group, FibreGroup& marks) {
+    CutSearch<Family> cuts{run, group};
     if (run.options.wallCells > 0) {
-        cuts.cells = MakeWallCells<Dimension>(run.options.wallCells, group.NDMAX);
+        cuts.cells = MakeWallCells<Family>(run.options.wallCells, group.NDMAX);
         marks.cutNumber.assign(static_cast<std::size_t>(group.NET), 0);
     }
     return cuts;
 }
 
 // Records and volumes of the walk's element in hand if a wall cuts it.
-template <int Dimension>
-bool TakeCut(CutSearch<Dimension>& cuts, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+template <int Family>
+bool TakeCut(CutSearch<Family>& cuts, const ElementWalk<Family>& walk, const FibreSearch& search,
              FibreGroup& marks, FibreModel& model) {
     if (cuts.run.options.wallCells == 0 || !CutByWall(cuts.cells, walk, search, cuts.cut))
         return false;
@@ -105,25 +105,27 @@ void FillGaussRecord(const FibreSearch& search, const NearestFibre& nearest, con
         record.towards[k] = axis3[k] * axis3[k];
 }
 
-template <int Dimension>
+template <int Family>
 void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group,
                          IntArray nodeMarks) {
     FibreGroup& marks = model.groups[static_cast<std::size_t>(group.NGE)];
-    marks.points = PointsPerElement<Dimension>(group);
+    marks.points = PointsPerElement<Family>(group);
     RequireRoomForRecords(run, group, marks.points * group.NET);
     marks.elementMark.assign(static_cast<std::size_t>(group.NET), 0);
     marks.records.resize(static_cast<std::size_t>(marks.points * group.NET));
     GaussFibreRecord* record = marks.records.data();
-    GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk, group.NGAUS);
-    CutSearch<Dimension> cuts = BeginCuts<Dimension>(run, group, marks);
+    ElementWalk<Family> walk{run, group};
+    BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
+    CutSearch<Family> cuts = BeginCuts<Family>(run, group, marks);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
         const bool cut = TakeCut(cuts, walk, search, marks, model);
         bool fluid = cut;
         for (int p = 0; p < marks.points; ++p, ++record) {
-            double X[3], w;
-            PlaceWalkPoint(walk, walk.points.point[p], X, w);
+            double X[3];
+            JacobianValues<Family> jacobian;
+            PlaceOfPoint(walk, walk.points.point[p], X);
+            const double w = LocatePoint(walk, walk.points.point[p], jacobian);
             FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
             if (cut)
                 continue;
@@ -141,31 +143,35 @@ void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search,
     }
 }
 
-template <int Dimension>
+template <int Family>
 void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group) {
     std::vector<GaussFibreRecord>& records = model.groups[static_cast<std::size_t>(group.NGE)].fluxRecords;
     records.clear();
-    if (std::equal(kFluxOrders, kFluxOrders + Dimension, group.NGAUS))
+    if (std::equal(kFluxOrders, kFluxOrders + kDimension<Family>, group.NGAUS))
         return;
-    const Word points = Word{1} << Dimension;
+    const Word points = Word{1} << kDimension<Family>;
     RequireRoomForRecords(run, group, points * group.NET);
     records.resize(static_cast<std::size_t>(points * group.NET));
     GaussFibreRecord* record = records.data();
-    GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk, kFluxOrders);
+    ElementWalk<Family> walk{run, group};
+    BeginWalk(walk, kFluxOrders, NodalPlacesOf(run));
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
         for (int p = 0; p < walk.points.count; ++p, ++record) {
-            double X[3], w;
-            PlaceWalkPoint(walk, walk.points.point[p], X, w);
+            double X[3];
+            JacobianValues<Family> jacobian; // judged here, ahead of the solution
+            LocatePoint(walk, walk.points.point[p], jacobian);
+            PlaceOfPoint(walk, walk.points.point[p], X);
             FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
         }
     }
 }
 
-template void ClassifyGaussPoints<2>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&, IntArray);
-template void ClassifyGaussPoints<3>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&, IntArray);
-template void FillFluxRecords<2>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&);
-template void FillFluxRecords<3>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&);
+#define ZURT_GAUSS_RECORDS(FAMILY)                                                                           \
+    template void ClassifyGaussPoints<FAMILY>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&,    \
+                                              IntArray);                                                     \
+    template void FillFluxRecords<FAMILY>(Run&, FibreModel&, const FibreSearch&, const ElementGroup&);
+ZURT_FOR_FAMILIES_UNDER_FIBRES(ZURT_GAUSS_RECORDS)
+#undef ZURT_GAUSS_RECORDS
 
 } // namespace zurt

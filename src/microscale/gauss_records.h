@@ -19,13 +19,13 @@ void FillGaussRecord(const FibreSearch& search, const NearestFibre& nearest, con
 /// and adds one to the mark of each node of a marked element.
 ///   nodeMarks  1..NP (in and out)
 /// Ends the run with a library error when the records of the group would not fit a reasonable memory.
-template <int Dimension>
+template <int Family>
 void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group,
                          IntArray nodeMarks);
 
 /// Records at the points where the group's fluxes are evaluated (elements/forming/element_fluxes.h), if its own points are others:
 /// those of all elements, in the order of that rule. Ends the run likewise.
-template <int Dimension>
+template <int Family>
 void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, const ElementGroup& group);
 
 } // namespace zurt

@@ -11,27 +11,27 @@ namespace zurt {
 
 namespace {
 
-template <int Dimension> double HeqTolerance(const HeaderFields& header) {
-    if (Dimension == 2)
+template <int Family> double HeqTolerance(const HeaderFields& header) {
+    if (kDimension<Family> == 2)
         return header.ELFIB * kMillionth * header.DFIB;
     return header.ELFIB * header.DFIB * header.WFIB * kMillionth;
 }
 
 // The pass of one set: what it adds to the nodes of the element in hand, and the nodes' means.
-template <int Dimension> struct HeqPass {
+template <int Family> struct HeqPass {
     const FibreSearch& search;
     double tolerance = 0.0;
     double wallCut = 0.0;
-    double moleculeRadius = 0.0;         // 0 unless IDIAM is 1
-    double A[kMaxNodes<Dimension>] = {}; // of the element in hand: sum of w N
-    double B[kMaxNodes<Dimension>] = {}; // sum of w N d
-    std::vector<double> sum{};           // by node: mean distances of its elements
+    double moleculeRadius = 0.0;      // 0 unless IDIAM is 1
+    double A[kMaxNodes<Family>] = {}; // of the element in hand: sum of w N
+    double B[kMaxNodes<Family>] = {}; // sum of w N d
+    std::vector<double> sum{};        // by node: mean distances of its elements
     std::vector<std::int32_t> count{};
 };
 
-template <int Dimension>
-void AddPoint(HeqPass<Dimension>& pass, const double (&H)[kMaxNodes<Dimension>], int ND, const double (&X)[3],
-              double w) {
+template <int Family>
+void AddWallDistance(HeqPass<Family>& pass, const double (&H)[kMaxNodes<Family>], int ND,
+                     const double (&X)[3], double w) {
     double d = WallDistance(SearchNearestFibre(pass.search, X));
     if (d > pass.wallCut)
         return;
@@ -45,8 +45,8 @@ void AddPoint(HeqPass<Dimension>& pass, const double (&H)[kMaxNodes<Dimension>],
 }
 
 // Nodes that several marked elements share are passed over.
-template <int Dimension>
-void AddElementMeans(HeqPass<Dimension>& pass, const GaussWalk<Dimension>& walk, ConstIntArray nodeMarks) {
+template <int Family>
+void AddElementMeans(HeqPass<Family>& pass, const ElementWalk<Family>& walk, ConstIntArray nodeMarks) {
     for (int k = 0; k < walk.points.active.ND; ++k) {
         const std::int32_t node = walk.element.node[k];
         if (!(pass.A[k] > pass.tolerance) || nodeMarks(node) != 1)
@@ -56,7 +56,7 @@ void AddElementMeans(HeqPass<Dimension>& pass, const GaussWalk<Dimension>& walk,
     }
 }
 
-template <int Dimension> double MeanOverNodes(const HeqPass<Dimension>& pass, ConstIntArray nodeMarks) {
+template <int Family> double MeanOverNodes(const HeqPass<Family>& pass, ConstIntArray nodeMarks) {
     double total = 0.0;
     Word nodes = 0;
     for (std::size_t i = 0; i < pass.sum.size(); ++i) {
@@ -69,13 +69,13 @@ template <int Dimension> double MeanOverNodes(const HeqPass<Dimension>& pass, Co
 }
 
 // Mean wall distance of one set; domainVolume gets the weights of all points.
-template <int Dimension>
+template <int Family>
 double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& group, ConstIntArray nodeMarks,
-                       HeqPass<Dimension>& pass, double& domainVolume) {
+                       HeqPass<Family>& pass, double& domainVolume) {
     pass.sum.assign(static_cast<std::size_t>(nodeMarks.length), 0.0);
     pass.count.assign(static_cast<std::size_t>(nodeMarks.length), 0);
-    GaussWalk<Dimension> walk{run, group};
-    BeginWalk(walk, group.NGAUS);
+    ElementWalk<Family> walk{run, group};
+    BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
     domainVolume = 0.0;
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         TakeWalkElement(walk, n);
@@ -83,11 +83,13 @@ double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& gr
         for (int k = 0; k < ND; ++k)
             pass.A[k] = pass.B[k] = 0.0;
         for (int p = 0; p < walk.points.count; ++p) {
-            double X[3], w;
-            PlaceWalkPoint(walk, walk.points.point[p], X, w);
+            double X[3];
+            JacobianValues<Family> jacobian;
+            PlaceOfPoint(walk, walk.points.point[p], X);
+            const double w = LocatePoint(walk, walk.points.point[p], jacobian);
             domainVolume += w;
             if (ElementMarked(marks, n))
-                AddPoint(pass, walk.points.point[p].shape.H, ND, X, w);
+                AddWallDistance(pass, walk.points.point[p].shape.H, ND, X, w);
         }
         AddElementMeans(pass, walk, nodeMarks);
     }
@@ -115,31 +117,32 @@ void SetPlaneHeq(FitState& fit, const FibreModel& model, double moleculeRadius) 
 
 } // namespace
 
-template <int Dimension>
+template <int Family>
 void ComputeHeqStart(Run& run, FibreModel& model, const ElementGroup& group, ConstIntArray nodeMarks,
                      const double (&low)[3], const double (&high)[3]) {
     const HeaderFields& header = run.control.header;
     const FibreGroup& marks = model.groups[static_cast<std::size_t>(group.NGE)];
-    const double tolerance = HeqTolerance<Dimension>(header);
+    const double tolerance = HeqTolerance<Family>(header);
     const double moleculeRadius = run.fit.card.IDIAM == 1 ? header.DMOLECULE / 2.0 : 0.0;
     double domainVolume = 0.0;
-    FibreVolumes(model, Dimension == 2 ? kPlaneFibres : kSpaceFibres);
+    FibreVolumes(model, kDimension<Family> == 2 ? kPlaneFibres : kSpaceFibres);
     for (std::size_t s = 0; s < model.sets.size(); ++s) {
-        FibreSearch search = SearchOfOneSet(model, static_cast<Word>(s) + 1, Dimension, tolerance);
+        FibreSearch search = SearchOfOneSet(model, static_cast<Word>(s) + 1, kDimension<Family>, tolerance);
         MakeFibreCells(search, low, high, marks.points * group.NET);
-        HeqPass<Dimension> pass{search, tolerance, model.sets[s].WALLCUT, moleculeRadius};
+        HeqPass<Family> pass{search, tolerance, model.sets[s].WALLCUT, moleculeRadius};
         model.sets[s].meanDistance = SetMeanDistance(run, marks, group, nodeMarks, pass, domainVolume);
     }
     run.fibres.POROSITY = Porosity(model.VOLFLUID, domainVolume);
-    if constexpr (Dimension == 2)
+    if constexpr (kDimension<Family> == 2)
         SetPlaneHeq(run.fit, model, moleculeRadius);
     else
         SetSpaceHeq(run.fit, model, moleculeRadius);
 }
 
-template void ComputeHeqStart<2>(Run&, FibreModel&, const ElementGroup&, ConstIntArray, const double (&)[3],
-                                 const double (&)[3]);
-template void ComputeHeqStart<3>(Run&, FibreModel&, const ElementGroup&, ConstIntArray, const double (&)[3],
-                                 const double (&)[3]);
+#define ZURT_HEQ_START(FAMILY)                                                                               \
+    template void ComputeHeqStart<FAMILY>(Run&, FibreModel&, const ElementGroup&, ConstIntArray,             \
+                                          const double(&)[3], const double(&)[3]);
+ZURT_FOR_FAMILIES_UNDER_FIBRES(ZURT_HEQ_START)
+#undef ZURT_HEQ_START
 
 } // namespace zurt

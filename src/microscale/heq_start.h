@@ -16,7 +16,7 @@ namespace zurt {
 /// distances and added to the result.
 ///   nodeMarks  1..NP: marked elements at each node (input)
 ///   low, high  the region of the group's Gauss points
-template <int Dimension>
+template <int Family>
 void ComputeHeqStart(Run& run, FibreModel& model, const ElementGroup& group, ConstIntArray nodeMarks,
                      const double (&low)[3], const double (&high)[3]);
 

@@ -23,17 +23,9 @@ double LagrangeAt(std::int32_t order, std::int32_t k, double x) {
     return value;
 }
 
-void EvaluateShape(const double (&at)[3], const ActiveNodes& active, ShapeValues<2>& shape) {
-    ShapeFunctions2D(at[0], at[1], active, shape);
-}
-void EvaluateShape(const double (&at)[3], const ActiveNodes& active, ShapeValues<3>& shape) {
-    ShapeFunctions3D(at[0], at[1], at[2], active, shape);
-}
-
 // Sub-points run as those of a rule do, the last direction fastest; in the plane the third direction has one.
-template <int Dimension, class Visit>
-void ForAllSubPoints(const WallCells<Dimension>& cells, const Visit& visit) {
-    const std::int32_t last = Dimension == 3 ? cells.along : 1;
+template <int Family, class Visit> void ForAllSubPoints(const WallCells<Family>& cells, const Visit& visit) {
+    const std::int32_t last = kDimension<Family> == 3 ? cells.along : 1;
     std::size_t q = 0;
     for (std::int32_t i = 0; i < cells.along; ++i)
         for (std::int32_t j = 0; j < cells.along; ++j)
@@ -41,30 +33,30 @@ void ForAllSubPoints(const WallCells<Dimension>& cells, const Visit& visit) {
                 visit(q, i, j, k);
 }
 
-template <int Dimension> void TakeShapes(WallCells<Dimension>& cells, const ActiveNodes& active) {
+template <int Family> void TakeShapes(WallCells<Family>& cells, const ActiveNodes& active) {
     cells.active = active;
-    std::int32_t orders[Dimension];
-    std::fill(orders, orders + Dimension, cells.order);
+    std::int32_t orders[kDimension<Family>];
+    std::fill(orders, orders + kDimension<Family>, cells.order);
     SetElementPoints(active, orders, cells.rule);
     cells.H.clear();
     ForAllSubPoints(cells, [&](std::size_t, std::int32_t i, std::int32_t j, std::int32_t k) {
         const double at[3] = {cells.place[static_cast<std::size_t>(i)],
                               cells.place[static_cast<std::size_t>(j)],
                               cells.place[static_cast<std::size_t>(k)]};
-        ShapeValues<Dimension> shape;
-        EvaluateShape(at, active, shape);
+        ShapeValues<Family> shape;
+        ShapeFunctionsAt(at, active, shape);
         cells.H.insert(cells.H.end(), shape.H, shape.H + active.ND);
     });
     cells.nearest.resize(cells.H.size() / static_cast<std::size_t>(active.ND));
 }
 
-template <int Dimension>
-void PlaceSubPoint(const WallCells<Dimension>& cells, const ElementNodes<Dimension>& element, std::size_t q,
+template <int Family>
+void PlaceSubPoint(const WallCells<Family>& cells, const ElementNodes<Family>& element, std::size_t q,
                    double (&X)[3]) {
     const double* H = cells.H.data() + q * static_cast<std::size_t>(cells.active.ND);
     X[0] = X[1] = X[2] = 0.0;
     for (int i = 0; i < cells.active.ND; ++i)
-        for (int axis = 0; axis < Dimension; ++axis)
+        for (int axis = 0; axis < kDimension<Family>; ++axis)
             X[axis] += H[i] * element.CORE[axis][i];
 }
 
@@ -81,16 +73,16 @@ double Distance(const double (&a)[3], const double (&b)[3]) {
 }
 
 // Around the element's nodes.
-template <int Dimension> Ball BallAround(const ElementNodes<Dimension>& element, int ND) {
+template <int Family> Ball BallAround(const ElementNodes<Family>& element, int ND) {
     Ball ball;
-    for (int axis = 0; axis < Dimension; ++axis) {
+    for (int axis = 0; axis < kDimension<Family>; ++axis) {
         for (int i = 0; i < ND; ++i)
             ball.centre[axis] += element.CORE[axis][i];
         ball.centre[axis] /= ND;
     }
     for (int i = 0; i < ND; ++i) {
         double node[3] = {};
-        for (int axis = 0; axis < Dimension; ++axis)
+        for (int axis = 0; axis < kDimension<Family>; ++axis)
             node[axis] = element.CORE[axis][i];
         ball.radius = std::max(ball.radius, Distance(node, ball.centre));
     }
@@ -104,9 +96,9 @@ bool EndOfLineWithin(const FibreSearch& search, const double (&centre)[3], doubl
     });
 }
 
-template <int Dimension> bool BoxesHold(const FibreSearch& search, const Ball& ball) {
+template <int Family> bool BoxesHold(const FibreSearch& search, const Ball& ball) {
     for (const SearchBox& box : search.boxes)
-        for (int axis = 0; axis < Dimension; ++axis)
+        for (int axis = 0; axis < kDimension<Family>; ++axis)
             if (ball.centre[axis] - ball.radius < box.low[axis] ||
                 ball.centre[axis] + ball.radius > box.high[axis])
                 return false;
@@ -115,12 +107,12 @@ template <int Dimension> bool BoxesHold(const FibreSearch& search, const Ball& b
 
 // The computed distance to a wall changes by no more than the way that one goes, except at ends of lines, at faces of search
 // boxes, and between fibres of different diameters, whose order goes by their axes.
-template <int Dimension>
-bool IsFarFromWalls(const FibreSearch& search, const ElementNodes<Dimension>& element, int ND) {
+template <int Family>
+bool IsFarFromWalls(const FibreSearch& search, const ElementNodes<Family>& element, int ND) {
     constexpr double kCurved = 1.1; // sides may bulge beyond their nodes
-    Ball ball = BallAround<Dimension>(element, ND);
+    Ball ball = BallAround<Family>(element, ND);
     ball.radius *= kCurved;
-    if (search.radii.size() != 1 || !BoxesHold<Dimension>(search, ball))
+    if (search.radii.size() != 1 || !BoxesHold<Family>(search, ball))
         return false;
     return std::fabs(WallDistance(SearchNearestFibre(search, ball.centre))) > ball.radius &&
            !EndOfLineWithin(search, ball.centre, search.radii[0] + ball.radius);
@@ -133,7 +125,7 @@ bool InFluid(const NearestFibre& nearest) {
 }
 
 // shares := sum over sub-points in fluid of the moments, the rule's points in their order.
-template <int Dimension> void SumMoments(const WallCells<Dimension>& cells, std::vector<double>& sums) {
+template <int Family> void SumMoments(const WallCells<Family>& cells, std::vector<double>& sums) {
     const std::int32_t order = cells.order;
     const auto at = [&](std::int32_t i) { return cells.moment.data() + i * order; };
     sums.assign(static_cast<std::size_t>(cells.rule.count), 0.0);
@@ -144,7 +136,7 @@ template <int Dimension> void SumMoments(const WallCells<Dimension>& cells, std:
         for (std::int32_t a = 0; a < order; ++a)
             for (std::int32_t b = 0; b < order; ++b) {
                 const double plane = at(i)[a] * at(j)[b];
-                if constexpr (Dimension == 2)
+                if constexpr (kDimension<Family> == 2)
                     sums[p++] += plane;
                 else
                     for (std::int32_t c = 0; c < order; ++c)
@@ -154,8 +146,8 @@ template <int Dimension> void SumMoments(const WallCells<Dimension>& cells, std:
 }
 
 // Means over the fluid sub-points that lie nearest to each point of the rule, for points that lie in a fibre.
-template <int Dimension>
-void TakeFluidNearby(const WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk,
+template <int Family>
+void TakeFluidNearby(const WallCells<Family>& cells, const ElementWalk<Family>& walk,
                      const FibreSearch& search, CutElement& cut) {
     const std::int32_t order = cells.order;
     const auto pointOf = [&](std::int32_t i) { return i * order / cells.along; };
@@ -168,8 +160,9 @@ void TakeFluidNearby(const WallCells<Dimension>& cells, const GaussWalk<Dimensio
         PlaceSubPoint(cells, walk.element, q, X);
         GaussFibreRecord record;
         FillGaussRecord(search, cells.nearest[q], X, record);
-        const std::int32_t p = Dimension == 2 ? pointOf(i) * order + pointOf(j)
-                                              : (pointOf(i) * order + pointOf(j)) * order + pointOf(k);
+        const std::int32_t p = kDimension<Family> == 2
+                                   ? pointOf(i) * order + pointOf(j)
+                                   : (pointOf(i) * order + pointOf(j)) * order + pointOf(k);
         for (const int slot : {static_cast<int>(p), kMostShares}) {
             for (int axis = 0; axis < 3; ++axis)
                 sums[slot].towards[axis] += record.towards[axis];
@@ -190,16 +183,18 @@ void TakeFluidNearby(const WallCells<Dimension>& cells, const GaussWalk<Dimensio
     }
 }
 
-template <int Dimension>
-void Condense(const WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+template <int Family>
+void Condense(const WallCells<Family>& cells, const ElementWalk<Family>& walk, const FibreSearch& search,
               CutElement& cut) {
     SumMoments(cells, cut.share);
     cut.records.resize(cut.share.size());
     cut.fluid = cut.volume = 0.0;
     for (int p = 0; p < cells.rule.count; ++p) {
         const auto place = static_cast<std::size_t>(p);
-        double X[3], w;
-        PlaceWalkPoint(walk, cells.rule.point[p], X, w);
+        double X[3];
+        PlaceOfPoint(walk, cells.rule.point[p], X);
+        JacobianValues<Family> jacobian;
+        const double w = LocatePoint(walk, cells.rule.point[p], jacobian);
         cut.share[place] /= cells.rule.point[p].weight;
         cut.fluid += w * cut.share[place];
         cut.volume += w;
@@ -210,10 +205,10 @@ void Condense(const WallCells<Dimension>& cells, const GaussWalk<Dimension>& wal
 
 } // namespace
 
-template <int Dimension> WallCells<Dimension> MakeWallCells(std::int32_t N, std::int32_t NDMAX) {
-    WallCells<Dimension> cells;
+template <int Family> WallCells<Family> MakeWallCells(std::int32_t N, std::int32_t NDMAX) {
+    WallCells<Family> cells;
     cells.along = kOrderInCell * N;
-    cells.order = CondensedOrder<Dimension>(NDMAX);
+    cells.order = CondensedOrder<Family>(NDMAX);
     for (std::int32_t cell = 0; cell < N; ++cell)
         for (std::int32_t k = 1; k <= kOrderInCell; ++k) {
             const double x = (2 * cell + 1 + XG(kOrderInCell, k)) / N - 1.0;
@@ -224,11 +219,11 @@ template <int Dimension> WallCells<Dimension> MakeWallCells(std::int32_t N, std:
     return cells;
 }
 
-template <int Dimension>
-bool CutByWall(WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+template <int Family>
+bool CutByWall(WallCells<Family>& cells, const ElementWalk<Family>& walk, const FibreSearch& search,
                CutElement& cut) {
     const ActiveNodes& active = walk.points.active;
-    if (IsFarFromWalls<Dimension>(search, walk.element, active.ND))
+    if (IsFarFromWalls<Family>(search, walk.element, active.ND))
         return false;
     if (!ServesNodes(cells.active, active))
         TakeShapes(cells, active);
@@ -245,9 +240,10 @@ bool CutByWall(WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, co
     return true;
 }
 
-template WallCells<2> MakeWallCells<2>(std::int32_t, std::int32_t);
-template WallCells<3> MakeWallCells<3>(std::int32_t, std::int32_t);
-template bool CutByWall<2>(WallCells<2>&, const GaussWalk<2>&, const FibreSearch&, CutElement&);
-template bool CutByWall<3>(WallCells<3>&, const GaussWalk<3>&, const FibreSearch&, CutElement&);
+#define ZURT_WALL_CELLS(FAMILY)                                                                              \
+    template WallCells<FAMILY> MakeWallCells<FAMILY>(std::int32_t, std::int32_t);                            \
+    template bool CutByWall(WallCells<FAMILY>&, const ElementWalk<FAMILY>&, const FibreSearch&, CutElement&);
+ZURT_FOR_FAMILIES_UNDER_FIBRES(ZURT_WALL_CELLS)
+#undef ZURT_WALL_CELLS
 
 } // namespace zurt

@@ -18,23 +18,23 @@
 namespace zurt {
 
 /// Order of the rule that sub-points of a group are condensed to.
-template <int Dimension> constexpr std::int32_t CondensedOrder(std::int32_t NDMAX) {
-    return NDMAX > kCorners<Dimension> ? 5 : 3;
+template <int Family> constexpr std::int32_t CondensedOrder(std::int32_t NDMAX) {
+    return NDMAX > kCorners<Family> ? 5 : 3;
 }
 
-template <int Dimension> struct WallCells {
+template <int Family> struct WallCells {
     std::int32_t along = 0;              // sub-points in each direction, 2 N
     std::int32_t order = 0;              // of the rule that they are condensed to
     std::vector<double> place;           // natural coordinate of sub-point i along a direction
     std::vector<double> moment;          // weight of i times L_k(i), at i * order + k
     ActiveNodes active{};                // the nodes that H is made for
     std::vector<double> H;               // shape functions at the sub-points, ND to a point
-    ElementPoints<Dimension> rule{};     // the condensed rule, for the same nodes
+    ElementPoints<Family> rule{};        // the condensed rule, for the same nodes
     std::vector<NearestFibre> nearest{}; // scratch: of each sub-point
 };
 
 /// Sub-points for N sub-cells in elements of up to NDMAX nodes.
-template <int Dimension> WallCells<Dimension> MakeWallCells(std::int32_t N, std::int32_t NDMAX);
+template <int Family> WallCells<Family> MakeWallCells(std::int32_t N, std::int32_t NDMAX);
 
 /// What a cut element has at the points of its condensed rule, one entry a point.
 struct CutElement {
@@ -44,8 +44,8 @@ struct CutElement {
 };
 
 /// Looks for a wall in the walk's element in hand. False when its sub-points lie on one side; else `cut` is filled.
-template <int Dimension>
-bool CutByWall(WallCells<Dimension>& cells, const GaussWalk<Dimension>& walk, const FibreSearch& search,
+template <int Family>
+bool CutByWall(WallCells<Family>& cells, const ElementWalk<Family>& walk, const FibreSearch& search,
                CutElement& cut);
 
 } // namespace zurt

@@ -2,90 +2,72 @@
 
 #include "core/format.h"
 #include "elements/cards/group_checks.h"
-#include "geometry/gauss_rules.h"
-#include "geometry/jacobian.h"
-#include "geometry/jacobian_failure.h"
+#include "geometry/element_walk.h"
 
 namespace zurt {
 
 namespace {
 
-struct TorsionElement {
-    std::int32_t number = 0;
-    ActiveNodes active;
-    NodeCoordinates<2> CORE = {};
-    double T[kMaxNodes<2>] = {}; // nodal values
+// An element of the group with the nodal values that are printed. A shaft's cross-section is plane: no radius counts.
+struct TorsionWalk {
+    ElementWalk<2> walk;
+    ConstRealArray values; // 1..NP
+    double T[kMaxNodes<2>] = {};
 };
 
-void TakeElement(const Run& run, const ElementGroup& group, std::int32_t n, TorsionElement& element) {
-    const IntTable NEL = Connectivity(run, group);
-    const RealArray values = NodalValues(run), X = CoordinateColumn(run, 1), Y = CoordinateColumn(run, 2);
-    element.number = n;
-    ListActiveNodes<2>(NEL, n, element.active);
-    for (int k = 0; k < element.active.ND; ++k) {
-        const std::int32_t node = NEL(n, k < kCorners<2> ? k + 1 : element.active.midSide[k - kCorners<2>]);
-        element.CORE[0][k] = X(node);
-        element.CORE[1][k] = Y(node);
-        element.T[k] = values(node);
-    }
+void TakeTorsionElement(TorsionWalk& torsion, std::int32_t n) {
+    TakeWalkElement(torsion.walk, n);
+    for (int k = 0; k < torsion.walk.points.active.ND; ++k)
+        torsion.T[k] = torsion.values(torsion.walk.element.node[k]);
 }
 
-void EvaluatePoint(Run& run, const TorsionElement& element, double r, double s, ShapeValues<2>& shape,
-                   JacobianValues<2>& jacobian) {
-    if (!ShapeAndJacobian2D(r, s, 0, element.active, element.CORE, shape, jacobian))
-        StopOnJacobian2D(MessageUnit(run), run.job.Language, element.number, r, s, jacobian.DET);
-}
-
-void PrintStresses(Run& run, const ElementGroup& group, const TorsionElement& element) {
+void PrintStresses(Run& run, const TorsionWalk& torsion) {
     static const Format row("(2I5,6X,D10.3,5X,D10.3,5X,F5.2,F6.2)");
+    const ElementWalk<2>& walk = torsion.walk;
     TextUnit& listing = run.units.listing;
     Write(listing, "(A,I5)",
           Say(run, " SMICUCI NAPONI U GAUSOVIM TACKAMA ELEMENTA", " SHARE STRESS AT GAUSS POINTS OF ELEMENT"),
-          element.number);
+          walk.number);
     Write(listing, "('   NGX','  NGY',7X,'TAUZY',10X,'TAUZX',10X,'R',5X,'S')");
-    for (std::int32_t i = 1; i <= group.NGAUS[0]; ++i)
-        for (std::int32_t j = 1; j <= group.NGAUS[1]; ++j) {
-            const double r = XG(group.NGAUS[0], i), s = XG(group.NGAUS[1], j);
-            ShapeValues<2> shape;
-            JacobianValues<2> jacobian;
-            EvaluatePoint(run, element, r, s, shape, jacobian);
-            double byX = 0.0, byY = 0.0;
-            for (int k = 0; k < element.active.ND; ++k) {
-                byX += jacobian.HX[0][k] * element.T[k];
-                byY += jacobian.HX[1][k] * element.T[k];
-            }
-            const double TAUZY = -byX, TAUZX = byY;
-            Write(listing, row, i, j, TAUZY, TAUZX, r, s);
-        }
+    for (int p = 0; p < walk.points.count; ++p) {
+        const ElementPoint<2>& point = walk.points.point[p];
+        JacobianValues<2> jacobian;
+        LocatePoint(walk, point, jacobian);
+        const double TAUZY = -Interpolate<0>(jacobian.HX[0], torsion.T, walk.points.active.ND);
+        const double TAUZX = Interpolate<0>(jacobian.HX[1], torsion.T, walk.points.active.ND);
+        Write(listing, row, p / walk.NGAUS[1] + 1, p % walk.NGAUS[1] + 1, TAUZY, TAUZX, point.place[0],
+              point.place[1]);
+    }
 }
 
 // TORZE: twice the integral of the field over the element.
-double ElementMoment(Run& run, const ElementGroup& group, const TorsionElement& element) {
+double ElementMoment(const TorsionWalk& torsion) {
+    const ElementWalk<2>& walk = torsion.walk;
     double sum = 0.0;
-    for (std::int32_t i = 1; i <= group.NGAUS[0]; ++i)
-        for (std::int32_t j = 1; j <= group.NGAUS[1]; ++j) {
-            ShapeValues<2> shape;
-            JacobianValues<2> jacobian;
-            EvaluatePoint(run, element, XG(group.NGAUS[0], i), XG(group.NGAUS[1], j), shape, jacobian);
-            const double w = WGT(group.NGAUS[0], i) * WGT(group.NGAUS[1], j) * jacobian.DET;
-            for (int k = 0; k < element.active.ND; ++k)
-                sum += w * shape.H[k] * element.T[k];
-        }
+    for (int p = 0; p < walk.points.count; ++p) {
+        const ElementPoint<2>& point = walk.points.point[p];
+        JacobianValues<2> jacobian;
+        const double w = LocatePoint(walk, point, jacobian);
+        for (int k = 0; k < walk.points.active.ND; ++k)
+            sum += w * point.shape.H[k] * torsion.T[k];
+    }
     return 2.0 * sum;
 }
 
 // The elements of the group that are printed; their moments add to TORZM.
 void PrintGroupTorsion(Run& run, ElementGroup& group, double& TORZM) {
     CheckGroupIndices(run, group);
+    TorsionWalk torsion{{run, group}, NodalValues(run)};
+    BeginWalk(torsion.walk, group.NGAUS, NodalPlacesOf(run));
+    torsion.walk.axisymmetric = false;
     const IntArray flags = IntSection(run.A, group.LIPT, group.hasValueFlags ? group.NET : 0);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         const std::int32_t flag = group.hasValueFlags ? flags(n) : group.IPRTG;
         if (flag == 0)
             continue;
-        TorsionElement element;
-        TakeElement(run, group, n, element);
-        PrintStresses(run, group, element);
-        const double TORZE = ElementMoment(run, group, element);
+        TakeTorsionElement(torsion, n);
+        PrintStresses(run, torsion);
+        const double TORZE = ElementMoment(torsion);
         Write(run.units.listing, "(A,D12.5)",
               Say(run, " TORZIONI MOMENT ELEMENTA ........TORZE =",
                   " TORSIONAL MOMENT OF ELEMENT ........TORZE ="),

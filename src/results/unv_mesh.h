@@ -11,12 +11,22 @@ void WriteUnvNodes(Run& run);
 /// Dataset 71 of one group: linear (2 nodes) or parabolic (3) beams, linear (4) or parabolic (8) plane quadrilaterals,
 /// linear (8) or parabolic (20) bricks, in the node order of these. A group of quadrilaterals or bricks whose largest node
 /// count is neither of the two is written as the one below, with a warning on the listing; so is, without one, an element
-/// that lacks one of its mid-side nodes. Labels run on from group to group.
-void WriteUnvElements1D(Run& run, const ElementGroup& group);
-void WriteUnvElements2D(Run& run, const ElementGroup& group);
-void WriteUnvElements3D(Run& run, const ElementGroup& group);
+/// that lacks one of its mid-side nodes. Of radial fibres whose nodes are nodes of the model (ISUB4 0) each sub-element is
+/// a linear beam; others are left out. Labels run on from group to group. Nothing under a negative IGRAF.
+void WriteUnvElements(Run& run, const ElementGroup& group);
 
-/// Dataset 71 of radial fibres whose nodes are nodes of the model (ISUB4 0): each sub-element is a linear beam.
-void WriteUnvElementsRadial(Run& run, const ElementGroup& group);
+// The same, for callers that know the family.
+inline void WriteUnvElements1D(Run& run, const ElementGroup& group) {
+    WriteUnvElements(run, group);
+}
+inline void WriteUnvElements2D(Run& run, const ElementGroup& group) {
+    WriteUnvElements(run, group);
+}
+inline void WriteUnvElements3D(Run& run, const ElementGroup& group) {
+    WriteUnvElements(run, group);
+}
+inline void WriteUnvElementsRadial(Run& run, const ElementGroup& group) {
+    WriteUnvElements(run, group);
+}
 
 } // namespace zurt

@@ -96,11 +96,6 @@ struct ElementGroup {
     RadialGroup radial; // of use in groups of that family alone
 };
 
-/// Every element type but those of the three isoparametric families.
-inline bool IsRadial(const ElementGroup& group) {
-    return group.NETIP < 1 || group.NETIP > 3;
-}
-
 /// Packed upper triangle of an element matrix.
 inline Word PackedLength(std::int32_t NDMAX) {
     return Word{NDMAX} * (NDMAX + 1) / 2;

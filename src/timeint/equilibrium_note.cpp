@@ -2,6 +2,7 @@
 
 #include "core/stop.h"
 #include "elements/forming/form_elements.h"
+#include "geometry/element_family.h"
 #include "timeint/convergence.h"
 
 #include <cmath>
@@ -25,12 +26,7 @@ StiffestElement FindStiffest(Run& run) {
     StiffestElement stiffest;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         ElementGroup& group = run.groups[NGE];
-        if (group.NETIP == 1)
-            FindStiffestElement<1>(run, group, stiffest);
-        else if (group.NETIP == 2)
-            FindStiffestElement<2>(run, group, stiffest);
-        else if (group.NETIP == 3)
-            FindStiffestElement<3>(run, group, stiffest);
+        WithFamily(group, [&](auto family) { FindStiffestElement<family.value>(run, group, stiffest); });
     }
     return stiffest;
 }

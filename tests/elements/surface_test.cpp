@@ -208,8 +208,14 @@ template <int Dimension> struct Terms {
         const int ND = active.ND;
         std::fill(std::begin(K), std::end(K), 0.0);
         std::fill(std::begin(FE), std::end(FE), 0.0);
-        SurfaceTerms<Dimension>(*run, run->groups[1], SurfaceTablesOf<Dimension>(*run, run->groups[1]), 1,
-                                active, element, RealArray(K, ND * (ND + 1) / 2), RealArray(FE, ND));
+        ElementGroup& group = run->groups[1];
+        ElementWalk<Dimension> walk{*run, group};
+        BeginWalk(walk, group.NGAUS, {});
+        walk.number = 1;
+        walk.points.active = active;
+        walk.element = element;
+        SurfaceTerms(walk, SurfaceTablesOf<Dimension>(*run, group), group.held,
+                     RealArray(K, ND * (ND + 1) / 2), RealArray(FE, ND));
     }
     double Load() const { return std::accumulate(FE, FE + active.ND, 0.0); }
     double MatrixSum() const {

@@ -1,7 +1,5 @@
 // The manual's card tables against the layouts by which cards are read: the two can't drift apart.
-#include "elements/cards/group_1d.h"
-#include "elements/cards/group_2d.h"
-#include "elements/cards/group_3d.h"
+#include "elements/cards/family_cards.h"
 #include "elements/radial/radial_cards.h"
 #include "elements/surfaces/surface_cards.h"
 #include "homogenization/homogenization_card.h"
@@ -146,7 +144,7 @@ TEST(Manual, CardTablesAreTheLayoutsOfTheCode) {
         ASSERT_EQ(found->second.size(), 1U) << "one table under the heading";
         ExpectTable(found->second[0], *layout);
     }
-    for (const FamilyCards* family : {&LineCards(), &QuadrilateralCards(), &BrickCards()})
+    for (const FamilyCards* family : CardsOfAllFamilies())
         ExpectFamily(manual, *family);
 }
 
@@ -196,7 +194,7 @@ std::string ValueRow(const CardLayout& layout, const CardField& field) {
 
 std::vector<const CardLayout*> AllLayouts() {
     std::vector<const CardLayout*> all(std::begin(kLayouts), std::end(kLayouts));
-    for (const FamilyCards* family : {&LineCards(), &QuadrilateralCards(), &BrickCards()})
+    for (const FamilyCards* family : CardsOfAllFamilies())
         for (const CardLayout* layout : {&family->groupCard, &family->deviceGroupCard, &family->elementCard,
                                          &family->fullElementCard, &family->midSideCard})
             if (layout->fieldCount > 0)

@@ -181,9 +181,7 @@ TEST(UnvMesh, ElementsOfAllFamilies) {
         SmallRun small;
         Prepare(small, 2, 0);
         ElementGroup& group = MakeGroup(small, one.NPDMX, one.nodes, one.NETIP);
-        (one.NETIP == 1   ? WriteUnvElements1D
-         : one.NETIP == 2 ? WriteUnvElements2D
-                          : WriteUnvElements3D)(small, group);
+        WriteUnvElements(small, group);
         EXPECT_EQ(Written(small.units.graphics),
                   "    -1\n    71\n        41" + std::string(one.rows) + "    -1\n");
         EXPECT_EQ(Written(small.units.listing),
@@ -202,7 +200,7 @@ TEST(UnvMesh, NothingUnderANegativeInterval) {
     ElementGroup& group = MakeGroup(small, 8, 8);
     small.control.header.IGRAF = -1;
     WriteUnvNodes(small);
-    WriteUnvElements3D(small, group);
+    WriteUnvElements(small, group);
     EXPECT_EQ(Written(small.units.graphics), "");
     small.control.header.IGRAF = 2;
     CoordinateColumn(small, 1)(2) = 1.5;

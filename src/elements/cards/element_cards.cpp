@@ -29,9 +29,9 @@ struct ElementReader {
     bool echo = false;
     Format row{}; // of the listed elements
     ElementCard card{};
-    std::int32_t number = 0;              // of the element being made
-    std::int32_t nodes[kMaxColumns] = {}; // and its nodes
-    Word count = 0;                       // elements made
+    std::int32_t number = 0;             // of the element being made
+    std::int32_t nodes[kMostNodes] = {}; // and its nodes
+    Word count = 0;                      // elements made
     std::int32_t previousMaterial = 1;
     std::int32_t previousSource = kNoneBefore;
     std::int32_t previousValueFlag = kNoneBefore;
@@ -59,7 +59,7 @@ void CheckElementNumber(ElementReader& reader, Word number) {
 
 void CheckNode(const ElementReader& reader, int column, Word node) {
     const std::int32_t NP = reader.run.control.header.NP;
-    const bool corner = column < reader.family.corners;
+    const bool corner = column < reader.family.shape.corners;
     if (node <= NP && (node >= 1 || (node == 0 && !corner)))
         return;
     ReportElementField(reader, column < reader.columnsOnCard ? reader.layout : reader.family.midSideCard,
@@ -85,7 +85,7 @@ void CheckNodeCount(const ElementReader& reader) {
 // Under ITOR 2 a source of a quadrilateral asks for the potential of the element's nodes.
 void CheckPotential(const ElementReader& reader, std::int32_t source) {
     const HeaderFields& header = reader.run.control.header;
-    if (header.ITOR != 2 || reader.family.dimension != 2 || reader.group.IZIP != 1 || source <= 0)
+    if (header.ITOR != 2 || reader.family.shape.dimension != 2 || reader.group.IZIP != 1 || source <= 0)
         return;
     for (int column = 0; column < reader.group.NDMAX; ++column)
         if (reader.nodes[column] > header.PotentialFunctionSize)
@@ -187,7 +187,7 @@ void EchoElement(ElementReader& reader, const ElementFields& fields) {
     static const Format midSides("(9X,8I8)");
     TextUnit& listing = reader.run.units.listing;
     const IntArray nodes(reader.nodes, reader.columnsOnCard);
-    if (reader.family.dimension == 3)
+    if (reader.family.shape.dimension == 3)
         Write(listing, reader.row, reader.number, nodes, fields.material, fields.source,
               fields.coordinateFlag, fields.valueFlag);
     else
@@ -283,12 +283,12 @@ void StopOnMaterial(Run& run, const TwinText& label, std::int32_t material) {
 
 void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& family) {
     const Word NET = group.NET;
-    const bool full = group.NDMAX > family.corners && family.fullElementCard.fieldCount > 0;
+    const bool full = group.NDMAX > family.shape.corners && family.fullElementCard.fieldCount > 0;
     ElementReader reader{run,
                          group,
                          family,
                          full ? family.fullElementCard : family.elementCard,
-                         full ? group.NDMAX : family.corners,
+                         full ? group.NDMAX : family.shape.corners,
                          group.THIC};
     reader.NEL = Connectivity(run, group);
     reader.materials = ElementMaterials(run, group);

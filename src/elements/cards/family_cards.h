@@ -5,13 +5,13 @@
 #pragma once
 
 #include "core/format.h"
-#include "geometry/shape_functions.h"
+#include "geometry/element_family.h"
 #include "input/card.h"
 #include "run/echo.h"
 
-namespace zurt {
+#include <array>
 
-constexpr int kMaxColumns = kMaxNodes<3>;
+namespace zurt {
 
 /// A text in both languages.
 struct TwinText {
@@ -35,7 +35,7 @@ struct FamilyGroupCard {
 /// Fields of an element card and of the card of mid-side nodes behind it.
 struct ElementCard {
     std::int32_t NN = 0;
-    std::int32_t nodes[kMaxColumns] = {}; // corners, then mid-side nodes
+    std::int32_t nodes[kMostNodes] = {}; // corners, then mid-side nodes
     std::int32_t MAT = 0;
     std::int32_t ISRC = 0; // source curve
     std::int32_t KG = 0;   // node step of the generation
@@ -47,10 +47,9 @@ struct ElementCard {
 
 /// What one isoparametric family has of its own in reading.
 struct FamilyCards {
-    int dimension;
-    int corners;                // columns of an element without mid-side nodes, and the default of NPDMX
-    int columns;                // columns when NPDMX is above `corners`
-    CardLayout groupCard;       // NDS 0
+    const ElementFamily&
+        shape;            // its corners are the default of NPDMX; above them elements have mostNodes columns
+    CardLayout groupCard; // NDS 0
     CardLayout deviceGroupCard; // NDS not 0
     CardLayout elementCard;     // with the corners
     CardLayout midSideCard;     // the columns behind the corners, on a card of their own; or, without fields:
@@ -68,5 +67,25 @@ struct FamilyCards {
     TwinText tableHead;      // over their columns
     const char* tableFields; // descriptors behind the nodes: MAT, SOU, COO, CONC, and thickness or area
 };
+
+/// The cards of a family; each has a file of its own that puts them together.
+template <int Family> const FamilyCards& CardsOfFamily();
+#define ZURT_FAMILY_CARDS(FAMILY) template <> const FamilyCards& CardsOfFamily<FAMILY>();
+ZURT_FOR_ALL_FAMILIES(ZURT_FAMILY_CARDS)
+#undef ZURT_FAMILY_CARDS
+
+/// Those of a group's family; not for radial groups.
+inline const FamilyCards& CardsOf(const ElementGroup& group) {
+    const FamilyCards* cards = nullptr;
+    WithFamily(group, [&](auto family) { cards = &CardsOfFamily<family.value>(); });
+    return *cards;
+}
+
+/// Those of all families, in the order of the list.
+#define ZURT_FAMILY_CARDS(FAMILY) &CardsOfFamily<FAMILY>(),
+inline std::array<const FamilyCards*, kFamilies> CardsOfAllFamilies() {
+    return {ZURT_FOR_ALL_FAMILIES(ZURT_FAMILY_CARDS)};
+}
+#undef ZURT_FAMILY_CARDS
 
 } // namespace zurt

@@ -1,7 +1,5 @@
-#include "elements/cards/group_1d.h"
-
+// Cards of the 1D family: lines in space, each with an area.
 #include "elements/cards/family_rows.h"
-#include "elements/cards/group_cards.h"
 
 #include <iterator>
 
@@ -51,11 +49,9 @@ constexpr EchoLine kDeviceEcho[] = {
 
 } // namespace
 
-const FamilyCards& LineCards() {
+template <> const FamilyCards& CardsOfFamily<1>() {
     static const FamilyCards cards{
-        1,
-        kCorners<1>,
-        kMaxNodes<1>,
+        kElementFamily<1>,
         Layout("1D group card", kGroupFields),
         Layout("1D group card", kDeviceGroupFields),
         Layout("1D element card", kElementFields),
@@ -75,10 +71,6 @@ const FamilyCards& LineCards() {
          " ELEM.        NODES          MAT. SOURCE COORD.  CONC.       AREA"},
         "I6,3I7,1X,1PE10.3"};
     return cards;
-}
-
-void ReadGroup1D(Run& run, ElementGroup& group) {
-    ReadIsoparametricGroup(run, group, LineCards());
 }
 
 } // namespace zurt

@@ -1,7 +1,5 @@
-#include "elements/cards/group_2d.h"
-
+// Cards of the 2D family: quadrilaterals in the plane.
 #include "elements/cards/family_rows.h"
-#include "elements/cards/group_cards.h"
 
 #include <iterator>
 
@@ -50,11 +48,9 @@ constexpr EchoLine kDeviceEcho[] = {ZURT_ECHO_DEVICE_GROUP_MATERIAL("2"), ZURT_Q
 
 } // namespace
 
-const FamilyCards& QuadrilateralCards() {
+template <> const FamilyCards& CardsOfFamily<2>() {
     static const FamilyCards cards{
-        2,
-        kCorners<2>,
-        kMaxNodes<2>,
+        kElementFamily<2>,
         Layout("2D group card", kGroupFields),
         Layout("2D group card", kDeviceGroupFields),
         Layout("2D element card", kElementFields),
@@ -75,10 +71,6 @@ const FamilyCards& QuadrilateralCards() {
          " ELEMENT              NODES                MAT. SOU. COO. CONC.  THICKNESS"},
         "4I5,1X,1PE10.3"};
     return cards;
-}
-
-void ReadGroup2D(Run& run, ElementGroup& group) {
-    ReadIsoparametricGroup(run, group, QuadrilateralCards());
 }
 
 } // namespace zurt

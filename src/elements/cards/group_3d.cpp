@@ -1,7 +1,5 @@
-#include "elements/cards/group_3d.h"
-
+// Cards of the 3D family: bricks.
 #include "elements/cards/family_rows.h"
-#include "elements/cards/group_cards.h"
 
 #include <iterator>
 
@@ -42,11 +40,9 @@ constexpr EchoLine kDeviceEcho[] = {ZURT_ECHO_DEVICE_GROUP_MATERIAL("3"), ZURT_B
 
 } // namespace
 
-const FamilyCards& BrickCards() {
+template <> const FamilyCards& CardsOfFamily<3>() {
     static const FamilyCards cards{
-        3,
-        kCorners<3>,
-        kMaxNodes<3>,
+        kElementFamily<3>,
         Layout("3D group card", kGroupFields),
         Layout("3D group card", kDeviceGroupFields),
         Layout("3D element card", kElementFields),
@@ -66,10 +62,6 @@ const FamilyCards& BrickCards() {
          " ELEMENT                           NODES                                  MAT. SOU. COO. CONC."},
         "4I5"};
     return cards;
-}
-
-void ReadGroup3D(Run& run, ElementGroup& group) {
-    ReadIsoparametricGroup(run, group, BrickCards());
 }
 
 } // namespace zurt

@@ -17,7 +17,7 @@ namespace {
 // --- group card ---------------------------------------------------------------------------------------------------
 
 void CheckGaussOrders(Run& run, const FamilyCards& family, const CardLayout& card, ElementGroup& group) {
-    for (int d = 0; d < family.dimension; ++d) {
+    for (int d = 0; d < family.shape.dimension; ++d) {
         group.NGAUS[d] = GaussOrderOfCard(group.NGAUS[d]);
         if (group.NGAUS[d] < 1 || group.NGAUS[d] > kMaxGaussOrder)
             DeckError(run.deck, card.group, family.gaussNames[d], std::to_string(group.NGAUS[d]),
@@ -29,7 +29,7 @@ void CheckGaussOrders(Run& run, const FamilyCards& family, const CardLayout& car
 void SetThickness(const FamilyCards& family, const FamilyGroupCard& card, ElementGroup& group) {
     group.NTHIC = card.NTHIC;
     group.THIC = card.THIC;
-    group.hasThickness = family.dimension == 1 || card.NTHIC != 0;
+    group.hasThickness = family.shape.dimension == 1 || card.NTHIC != 0;
     if (card.NTHIC == 0 && std::fabs(card.THIC) < kNoThickness)
         group.THIC = 1.0;
 }
@@ -42,7 +42,7 @@ void ReadFamilyGroupCard(Run& run, ElementGroup& group, const FamilyCards& famil
     ReadCardFields(run.deck, header.INDFOR, layout, &card);
 
     group.MATDD = card.MATDD == 0 ? 1 : card.MATDD;
-    group.NPDMX = card.NPDMX == 0 ? family.corners : card.NPDMX;
+    group.NPDMX = card.NPDMX == 0 ? family.shape.corners : card.NPDMX;
     group.IPRDC = card.IPRDC;
     group.IPRTG = card.IPRTG;
     for (int d = 0; d < 3; ++d)
@@ -50,7 +50,7 @@ void ReadFamilyGroupCard(Run& run, ElementGroup& group, const FamilyCards& famil
     // Whatever the card says: one material, or under NDS the count that is the group material's number.
     group.MAT = 1;
     group.NMAT = device ? group.MATDD : 1;
-    group.NDMAX = group.NPDMX > family.corners ? family.columns : family.corners;
+    group.NDMAX = group.NPDMX > family.shape.corners ? family.shape.mostNodes : family.shape.corners;
 
     SetThickness(family, card, group);
     CheckGaussOrders(run, family, layout, group);
@@ -94,9 +94,10 @@ void TakeDataBlock(Run& run, ElementGroup& group) {
 
 } // namespace
 
-static_assert(kMaxColumns <= kMostLayoutNodes);
+static_assert(kMostNodes <= kMostLayoutNodes);
 
-void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family) {
+void ReadIsoparametricGroup(Run& run, ElementGroup& group) {
+    const FamilyCards& family = CardsOf(group);
     const std::int32_t first = NumberOfNextCard(run.deck);
     group.indicesChecked = false;
     group.held = HeldCurveValues();

@@ -1,17 +1,16 @@
 // Reading of an element group of the isoparametric families: group card, data block in `A`, element cards with their
 // generation, its part of the layout.
 //
-// The families share everything but their cards, their defaults and some words; a FamilyCards row says what differs.
-// Called by the read functions of the families; behind ReadElementGroup.
+// The families share everything but their cards, their defaults and some words; FamilyCards says what differs.
+// Called by ReadElementGroup.
 #pragma once
 
-#include "elements/cards/family_cards.h"
 #include "run/run.h"
 
 namespace zurt {
 
 /// Reads the group's cards into `group` and its data block, with echo, and adds its elements to the layout of the linear
 /// system. Ends the run with the family's messages or with a deck error.
-void ReadIsoparametricGroup(Run& run, ElementGroup& group, const FamilyCards& family);
+void ReadIsoparametricGroup(Run& run, ElementGroup& group);
 
 } // namespace zurt

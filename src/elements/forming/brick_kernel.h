@@ -12,7 +12,8 @@
 
 namespace zurt {
 
-constexpr int kBrickNodes = 8;
+constexpr int kBrickFamily = 3;
+constexpr int kBrickNodes = kCorners<kBrickFamily>;
 
 /// Gauss points that go side by side, and how many such blocks the largest rule has. Points behind the last one of a
 /// rule repeat it and enter no sum.

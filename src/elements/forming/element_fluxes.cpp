@@ -10,19 +10,14 @@ namespace zurt {
 
 namespace {
 
-// The corner, from 0, in whose half, quarter or octant each point of the rule lies.
-template <int Dimension> constexpr int kCornerOfPoint[kCorners<Dimension>] = {1, 0};
-template <> constexpr int kCornerOfPoint<2>[kCorners<2>] = {2, 1, 3, 0};
-template <> constexpr int kCornerOfPoint<3>[kCorners<3>] = {6, 2, 5, 1, 7, 3, 4, 0};
-
-template <int Dimension> using ElementResults = NodalResult[kMaxNodes<Dimension>];
+template <int Family> using ElementResults = NodalResult[kMaxNodes<Family>];
 
 // Flux -K grad c at a point from the derivatives of c, which for a line is one: along its tangent.
-template <int Dimension>
-void SetFlux(const JacobianValues<Dimension>& jacobian, const double* TE1, int ND, NodalResult& result) {
-    for (int axis = 0; axis < Dimension; ++axis)
+template <int Family>
+void SetFlux(const JacobianValues<Family>& jacobian, const double* TE1, int ND, NodalResult& result) {
+    for (int axis = 0; axis < kDimension<Family>; ++axis)
         result.flux[axis] = -Interpolate<0>(jacobian.HX[axis], TE1, ND) * result.coefficient[axis];
-    if constexpr (Dimension == 1) {
+    if constexpr (kDimension<Family> == 1) {
         const double along = result.flux[0];
         for (int axis = 0; axis < 3; ++axis)
             result.flux[axis] = along * (jacobian.XJ[0][axis] / jacobian.DET);
@@ -30,22 +25,20 @@ void SetFlux(const JacobianValues<Dimension>& jacobian, const double* TE1, int N
 }
 
 // Flux and coefficients of the corners of the element in hand by their Gauss points.
-template <int Dimension>
-void EvaluateCorners(ElementVisit<Dimension>& visit, ElementResults<Dimension>& results) {
-    const ElementNodes<Dimension>& element = visit.element;
-    const int ND = visit.points.active.ND;
+template <int Family> void EvaluateCorners(ElementVisit<Family>& visit, ElementResults<Family>& results) {
+    const ElementNodes<Family>& element = visit.walk.element;
+    const int ND = visit.walk.points.active.ND;
     const Coefficients& K = visit.coefficients;
-    for (int p = 0; p < visit.points.count; ++p) {
-        const ElementPoint<Dimension>& point = visit.points.point[p];
-        JacobianValues<Dimension> jacobian;
-        if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
-            StopOnElementJacobian(visit, point, jacobian.DET);
+    for (int p = 0; p < visit.walk.points.count; ++p) {
+        const ElementPoint<Family>& point = visit.walk.points.point[p];
+        JacobianValues<Family> jacobian;
+        LocatePoint(visit.walk, point, jacobian);
         const double TG = Interpolate<0>(point.shape.H, element.TE1, ND);
-        EvaluatePoint(visit, p + 1, TG);
-        NodalResult& result = results[kCornerOfPoint<Dimension>[p]];
+        EvaluateCoefficientsAt(visit, p + 1, TG);
+        NodalResult& result = results[FamilyShape<Family>::kCornerOfPoint[p]];
         const double byAxis[3] = {K.KX, K.KY, K.KZ};
-        std::copy(byAxis, byAxis + Dimension, result.coefficient);
-        SetFlux<Dimension>(jacobian, element.TE1, ND, result);
+        std::copy(byAxis, byAxis + kDimension<Family>, result.coefficient);
+        SetFlux<Family>(jacobian, element.TE1, ND, result);
     }
 }
 
@@ -63,16 +56,15 @@ NodalResult MeanOf(const NodalResult* results, const int* corners, int count) {
     return mean;
 }
 
-template <int Dimension>
-void SpreadToMidSides(const ActiveNodes& active, ElementResults<Dimension>& results) {
-    constexpr int corners = kCorners<Dimension>;
+template <int Family> void SpreadToMidSides(const ActiveNodes& active, ElementResults<Family>& results) {
+    constexpr int corners = kCorners<Family>;
     for (int i = 0; i < active.midSideCount; ++i) {
         NodalResult& result = results[corners + i];
-        result = MeanOf(results, kCornerOfPoint<Dimension>, corners);
-        if constexpr (Dimension > 1)
-            if (active.midSide[i] < kMaxNodes<Dimension>) {
+        result = MeanOf(results, FamilyShape<Family>::kCornerOfPoint, corners);
+        if constexpr (kDimension<Family> != 1)
+            if (active.midSide[i] < kMaxNodes<Family>) {
                 int ends[2];
-                EndsOfEdge<Dimension>(active.midSide[i], ends);
+                EndsOfEdge<Family>(active.midSide[i], ends);
                 result = MeanOf(results, ends, 2);
             }
     }
@@ -80,8 +72,8 @@ void SpreadToMidSides(const ActiveNodes& active, ElementResults<Dimension>& resu
 
 } // namespace
 
-template <int Dimension> void AddElementFluxes(Run& run, ElementGroup& group) {
-    ElementVisit<Dimension> visit{run, group};
+template <int Family> void AddElementFluxes(Run& run, ElementGroup& group) {
+    ElementVisit<Family> visit{run, group};
     visit.integrates = false;
     BeginElementVisit(visit, kFluxOrders);
     const NodalSums sums = NodalSumsOf(run);
@@ -89,17 +81,17 @@ template <int Dimension> void AddElementFluxes(Run& run, ElementGroup& group) {
         if (!TakesPart(visit, n))
             continue;
         AnnounceElement(run, n);
-        TakeElement(visit, n);
-        ElementResults<Dimension> results;
-        EvaluateCorners<Dimension>(visit, results);
-        SpreadToMidSides<Dimension>(visit.points.active, results);
-        for (int k = 0; k < visit.points.active.ND; ++k)
-            AddNodalResult(sums, visit.element.node[k], results[k]);
+        VisitElement(visit, n);
+        ElementResults<Family> results;
+        EvaluateCorners<Family>(visit, results);
+        SpreadToMidSides<Family>(visit.walk.points.active, results);
+        for (int k = 0; k < visit.walk.points.active.ND; ++k)
+            AddNodalResult(sums, visit.walk.element.node[k], results[k]);
     }
 }
 
-template void AddElementFluxes<1>(Run&, ElementGroup&);
-template void AddElementFluxes<2>(Run&, ElementGroup&);
-template void AddElementFluxes<3>(Run&, ElementGroup&);
+#define ZURT_ELEMENT_FLUXES(FAMILY) template void AddElementFluxes<FAMILY>(Run&, ElementGroup&);
+ZURT_FOR_ALL_FAMILIES(ZURT_ELEMENT_FLUXES)
+#undef ZURT_ELEMENT_FLUXES
 
 } // namespace zurt

@@ -10,18 +10,14 @@
 namespace zurt {
 
 /// Element matrices and load; columns as in ShapeValues.
-template <int Dimension, int Nodes> struct ElementSums {
-    static constexpr int kRows = Nodes > 0 ? Nodes : kMaxNodes<Dimension>;
+template <int Family, int Nodes> struct ElementSums {
+    static constexpr int kRows = Nodes > 0 ? Nodes : kMaxNodes<Family>;
     double K[kRows][kRows];
     double C[kRows][kRows];
     double FE[kRows];
 };
 
-template <int Nodes> inline int NodeCount(int ND) {
-    return Nodes > 0 ? Nodes : ND;
-}
-
-template <int Dimension, int Nodes> inline void ClearSums(ElementSums<Dimension, Nodes>& sums, int ND) {
+template <int Family, int Nodes> inline void ClearSums(ElementSums<Family, Nodes>& sums, int ND) {
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i) {
         for (int j = 0; j < NodeCount<Nodes>(ND); ++j)
             sums.K[i][j] = sums.C[i][j] = 0.0;
@@ -30,16 +26,16 @@ template <int Dimension, int Nodes> inline void ClearSums(ElementSums<Dimension,
 }
 
 /// K(i,j) += (sum over the axes of conduction(axis) N,axis(i) N,axis(j)) w for i <= j.
-template <int Dimension, int Nodes>
-inline void AddConduction(const double (&HX)[Dimension][kMaxNodes<Dimension>], const double (&conduction)[3],
-                          double w, int ND, ElementSums<Dimension, Nodes>& sums) {
+template <int Family, int Nodes>
+inline void AddConduction(const double (&HX)[kDimension<Family>][kMaxNodes<Family>],
+                          const double (&conduction)[3], double w, int ND, ElementSums<Family, Nodes>& sums) {
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i) {
-        double flow[Dimension];
-        for (int axis = 0; axis < Dimension; ++axis)
+        double flow[kDimension<Family>];
+        for (int axis = 0; axis < kDimension<Family>; ++axis)
             flow[axis] = conduction[axis] * HX[axis][i];
         for (int j = i; j < NodeCount<Nodes>(ND); ++j) {
             double product = flow[0] * HX[0][j];
-            for (int axis = 1; axis < Dimension; ++axis)
+            for (int axis = 1; axis < kDimension<Family>; ++axis)
                 product += flow[axis] * HX[axis][j];
             sums.K[i][j] += product * w;
         }
@@ -47,9 +43,9 @@ inline void AddConduction(const double (&HX)[Dimension][kMaxNodes<Dimension>], c
 }
 
 /// C(i,j) += CP N(i) N(j) w for i <= j.
-template <int Dimension, int Nodes>
-inline void AddCapacity(const double (&H)[kMaxNodes<Dimension>], double CP, double w, int ND,
-                        ElementSums<Dimension, Nodes>& sums) {
+template <int Family, int Nodes>
+inline void AddCapacity(const double (&H)[kMaxNodes<Family>], double CP, double w, int ND,
+                        ElementSums<Family, Nodes>& sums) {
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i) {
         const double c = CP * H[i];
         for (int j = i; j < NodeCount<Nodes>(ND); ++j)
@@ -58,9 +54,9 @@ inline void AddCapacity(const double (&H)[kMaxNodes<Dimension>], double CP, doub
 }
 
 /// FE(i) += N(i) w QV.
-template <int Dimension, int Nodes>
-inline void AddSource(const double (&H)[kMaxNodes<Dimension>], double QV, double w, int ND,
-                      ElementSums<Dimension, Nodes>& sums) {
+template <int Family, int Nodes>
+inline void AddSource(const double (&H)[kMaxNodes<Family>], double QV, double w, int ND,
+                      ElementSums<Family, Nodes>& sums) {
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i)
         sums.FE[i] += H[i] * w * QV;
 }
@@ -82,8 +78,8 @@ inline void Multiply(const double (&matrix)[Rows][Rows], const double* v, int ND
 }
 
 /// C := C/dt, FE += C TE0, K := K + C.
-template <int Dimension, int Nodes>
-inline void AddTimeTerm(double dt, const double* TE0, int ND, ElementSums<Dimension, Nodes>& sums) {
+template <int Family, int Nodes>
+inline void AddTimeTerm(double dt, const double* TE0, int ND, ElementSums<Family, Nodes>& sums) {
     const int n = NodeCount<Nodes>(ND);
     for (int i = 0; i < n; ++i)
         for (int j = i; j < n; ++j) {
@@ -91,37 +87,28 @@ inline void AddTimeTerm(double dt, const double* TE0, int ND, ElementSums<Dimens
             sums.K[i][j] += sums.C[i][j];
         }
     Mirror<Nodes>(sums.C, ND);
-    double product[ElementSums<Dimension, Nodes>::kRows];
+    double product[ElementSums<Family, Nodes>::kRows];
     Multiply<Nodes>(sums.C, TE0, ND, product);
     for (int i = 0; i < n; ++i)
         sums.FE[i] += product[i];
 }
 
 /// FE -= K TE1.
-template <int Dimension, int Nodes>
-inline void TakeResidual(const double* TE1, int ND, ElementSums<Dimension, Nodes>& sums) {
+template <int Family, int Nodes>
+inline void TakeResidual(const double* TE1, int ND, ElementSums<Family, Nodes>& sums) {
     Mirror<Nodes>(sums.K, ND);
-    double product[ElementSums<Dimension, Nodes>::kRows];
+    double product[ElementSums<Family, Nodes>::kRows];
     Multiply<Nodes>(sums.K, TE1, ND, product);
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i)
         sums.FE[i] -= product[i];
 }
 
 /// The upper triangle of K row by row.
-template <int Dimension, int Nodes>
-inline void PackUpper(const ElementSums<Dimension, Nodes>& sums, int ND, double* packed) {
+template <int Family, int Nodes>
+inline void PackUpper(const ElementSums<Family, Nodes>& sums, int ND, double* packed) {
     for (int i = 0; i < NodeCount<Nodes>(ND); ++i)
         for (int j = i; j < NodeCount<Nodes>(ND); ++j)
             *packed++ = sums.K[i][j];
-}
-
-/// sum of N(i) v(i).
-template <int Nodes, int Columns>
-inline double Interpolate(const double (&H)[Columns], const double* v, int ND) {
-    double sum = 0.0;
-    for (int i = 0; i < NodeCount<Nodes>(ND); ++i)
-        sum += H[i] * v[i];
-    return sum;
 }
 
 } // namespace zurt

@@ -3,7 +3,6 @@
 #include "core/format.h"
 #include "elements/cards/group_checks.h"
 #include "geometry/group_views.h"
-#include "geometry/jacobian_failure.h"
 #include "microscale/gauss_factors.h"
 #include "microscale/wall_cells.h"
 
@@ -21,49 +20,45 @@ template <class T> ArrayView<const T> EntriesOf(const std::vector<T>& all, Word 
 }
 
 // The medium has no walls, whose elements need no rule of their own.
-template <int Dimension> std::int32_t CutNumberOf(const ElementVisit<Dimension>& visit) {
+template <int Family> std::int32_t CutNumberOf(const ElementVisit<Family>& visit) {
     const FibreGroup& fibres = *visit.fibres;
     if (!visit.integrates || fibres.cutRecords.empty() || visit.run.fit.IEHM != 0)
         return 0;
-    return fibres.cutNumber[static_cast<std::size_t>(visit.number - 1)];
+    return fibres.cutNumber[static_cast<std::size_t>(visit.walk.number - 1)];
+}
+
+// The rule of the elements that a wall cuts, for those with the nodes of the element in hand.
+template <int Family> void SetCutPoints(ElementVisit<Family>& visit) {
+    std::int32_t orders[kDimension<Family>];
+    std::fill(orders, orders + kDimension<Family>, CondensedOrder<Family>(visit.group.NDMAX));
+    SetElementPoints(visit.walk.points.active, orders, visit.cutPoints);
 }
 
 // Records of the forming visits, or of the fluxes where their rule is another one.
-template <int Dimension> void TakeFibreRecords(ElementVisit<Dimension>& visit) {
+template <int Family> void TakeFibreRecords(ElementVisit<Family>& visit) {
     const FibreGroup& fibres = *visit.fibres;
     const std::int32_t cut = CutNumberOf(visit);
     if (cut != 0) {
         visit.atPoints = {EntriesOf(fibres.cutRecords, cut, fibres.cutPoints),
                           EntriesOf(fibres.cutShares, cut, fibres.cutPoints)};
+        if (!ServesNodes(visit.cutPoints.active, visit.walk.points.active))
+            SetCutPoints(visit);
         visit.rule = &visit.cutPoints;
         return;
     }
-    const bool own = std::equal(visit.NGAUS, visit.NGAUS + Dimension, visit.group.NGAUS);
-    visit.atPoints = {EntriesOf(own ? fibres.records : fibres.fluxRecords, visit.number, visit.points.count),
-                      {}};
+    const bool own = std::equal(visit.walk.NGAUS, visit.walk.NGAUS + kDimension<Family>, visit.group.NGAUS);
+    visit.atPoints = {
+        EntriesOf(own ? fibres.records : fibres.fluxRecords, visit.walk.number, visit.walk.points.count), {}};
 }
 
 } // namespace
 
-template <int Dimension> void SetVisitPoints(ElementVisit<Dimension>& visit, const ActiveNodes& active) {
-    SetElementPoints(active, visit.NGAUS, visit.points);
-    if (visit.fibres == nullptr || visit.fibres->cutRecords.empty())
-        return;
-    if constexpr (Dimension > 1) {
-        std::int32_t orders[Dimension];
-        std::fill(orders, orders + Dimension, CondensedOrder<Dimension>(visit.group.NDMAX));
-        SetElementPoints(active, orders, visit.cutPoints);
-    }
-}
-
-template <int Dimension> void BeginElementVisit(ElementVisit<Dimension>& visit, const std::int32_t* orders) {
+template <int Family> void BeginElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders) {
     CheckGroupIndices(visit.run, visit.group);
-    visit.NEL = Connectivity(visit.run, visit.group);
+    BeginWalk(visit.walk, orders, NodalViewsOf(visit.run));
     visit.materials = ElementMaterials(visit.run, visit.group);
-    visit.nodes = NodalViewsOf(visit.run);
     visit.tables = CoefficientTablesOf(visit.run, visit.group);
-    std::copy(orders, orders + Dimension, visit.NGAUS);
-    if (Dimension == 1 || visit.run.fit.card.NSETS < 1)
+    if (!kUnderFibres<Family> || visit.run.fit.card.NSETS < 1)
         return;
     if (visit.tables.tabulated) // fibres are in the table
         return;
@@ -78,35 +73,18 @@ void AnnounceElement(Run& run, std::int32_t n) {
         Write(run.units.listing, line, n);
 }
 
-template <int Dimension> void TakeElement(ElementVisit<Dimension>& visit, std::int32_t n) {
-    visit.number = n;
-    ActiveNodes active;
-    ListActiveNodes<Dimension>(visit.NEL, n, active);
-    if (!ServesNodes(visit.points.active, active))
-        SetVisitPoints(visit, active);
-    visit.rule = &visit.points;
-    if (Dimension > 1 && visit.fibres != nullptr)
-        TakeFibreRecords(visit);
+template <int Family> void VisitElement(ElementVisit<Family>& visit, std::int32_t n) {
+    TakeWalkElement(visit.walk, n);
+    visit.rule = &visit.walk.points;
+    if constexpr (kUnderFibres<Family>)
+        if (visit.fibres != nullptr)
+            TakeFibreRecords(visit);
     const std::int32_t MATE = visit.materials.length > 0 ? visit.materials(n) : visit.group.MAT;
     if (MATE != visit.material.MATE)
         ChooseMaterial(visit.tables, MATE, visit.group.held, visit.material, visit.coefficients);
-    GatherElement<Dimension>(visit.nodes, visit.NEL, n, visit.points.active, visit.element);
 }
 
-template <int Dimension>
-void StopOnElementJacobian(const ElementVisit<Dimension>& visit, const ElementPoint<Dimension>& at,
-                           double DET) {
-    TextUnit& unit = MessageUnit(visit.run);
-    const int Language = visit.run.job.Language;
-    if constexpr (Dimension == 1)
-        StopOnJacobian1D(unit, Language, visit.number, at.place[0], DET);
-    else if constexpr (Dimension == 2)
-        StopOnJacobian2D(unit, Language, visit.number, at.place[0], at.place[1], DET);
-    else
-        StopOnJacobian3D(unit, Language, visit.number, 0, at.place[0], at.place[1], at.place[2], DET);
-}
-
-template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& visit, int p, double TG) {
+template <int Family> void MultiplyByFibreFactors(ElementVisit<Family>& visit, int p, double TG) {
     double factor[3] = {1.0, 1.0, 1.0};
     const Run& run = visit.run;
     const bool direct = run.control.header.IDIRECTD == 1;
@@ -118,15 +96,11 @@ template <int Dimension> void MultiplyByFibreFactors(ElementVisit<Dimension>& vi
     visit.coefficients.KZ *= factor[2];
 }
 
-#define ZURT_ELEMENT_VISIT(DIMENSION)                                                                        \
-    template void BeginElementVisit(ElementVisit<DIMENSION>&, const std::int32_t*);                          \
-    template void SetVisitPoints(ElementVisit<DIMENSION>&, const ActiveNodes&);                              \
-    template void TakeElement(ElementVisit<DIMENSION>&, std::int32_t);                                       \
-    template void MultiplyByFibreFactors(ElementVisit<DIMENSION>&, int, double);                             \
-    template void StopOnElementJacobian(const ElementVisit<DIMENSION>&, const ElementPoint<DIMENSION>&,      \
-                                        double)
-ZURT_ELEMENT_VISIT(1);
-ZURT_ELEMENT_VISIT(2);
-ZURT_ELEMENT_VISIT(3);
+#define ZURT_ELEMENT_VISIT(FAMILY)                                                                           \
+    template void BeginElementVisit(ElementVisit<FAMILY>&, const std::int32_t*);                             \
+    template void VisitElement(ElementVisit<FAMILY>&, std::int32_t);                                         \
+    template void MultiplyByFibreFactors(ElementVisit<FAMILY>&, int, double);
+ZURT_FOR_ALL_FAMILIES(ZURT_ELEMENT_VISIT)
+#undef ZURT_ELEMENT_VISIT
 
 } // namespace zurt

@@ -25,13 +25,11 @@ struct BrickForming {
     BrickValues values;
 };
 
-template <int Dimension> struct FormVisit {
-    ElementVisit<Dimension> elements;
+template <int Family> struct FormVisit {
+    ElementVisit<Family> elements;
     VolumeSource source{};
     bool transient = false;
     double dt = 0.0;
-    bool axisymmetric = false;
-    ConstRealArray areas{};        // lines: 1..NET
     ConstRealArray potential{};    // quadrilaterals under ITOR 2, by node; empty: sources stand as they are
     SurfaceTables surfaces{};      // quadrilaterals
     BrickForming* brick = nullptr; // bricks
@@ -41,37 +39,17 @@ template <int Dimension> struct FormVisit {
 
 // --- what the families have of their own --------------------------------------------------------------------------
 
-// Radius of the point on hand: lines take it from the first coordinate, quadrilaterals from the second.
-template <int Dimension, int Nodes>
-double RadiusAt(const FormVisit<Dimension>& visit, const ElementPoint<Dimension>& point, int ND) {
-    if (!visit.axisymmetric)
-        return 1.0;
-    return Interpolate<Nodes>(point.shape.H, visit.elements.element.CORE[Dimension - 1], ND);
-}
-
-// The w of a point: what of the element's volume it stands for. (The thickness of a quadrilateral has no effect.)
-template <int Dimension, int Nodes>
-double PointMeasure(const FormVisit<Dimension>& visit, const ElementPoint<Dimension>& point, double DET,
-                    int ND) {
-    double measure = point.weight;
-    if constexpr (Dimension == 1)
-        measure *= visit.areas(visit.elements.number);
-    if constexpr (Dimension < 3)
-        measure *= RadiusAt<Dimension, Nodes>(visit, point, ND);
-    return measure * DET;
-}
-
 // Under ITOR 2 a source heats by the square of the gradient of the stored potential.
-template <int Dimension, int Nodes>
-double SourceAt(const FormVisit<Dimension>& visit, const JacobianValues<Dimension>& jacobian, int ND) {
+template <int Family, int Nodes>
+double SourceAt(const FormVisit<Family>& visit, const JacobianValues<Family>& jacobian, int ND) {
     const double QV = visit.elements.group.held.QV;
-    if (Dimension != 2 || visit.potential.length == 0)
+    if (kDimension<Family> != 2 || visit.potential.length == 0)
         return QV;
     double squares = 0.0;
-    for (int axis = 0; axis < Dimension; ++axis) {
+    for (int axis = 0; axis < kDimension<Family>; ++axis) {
         double slope = 0.0;
         for (int i = 0; i < ND; ++i)
-            slope += jacobian.HX[axis][i] * visit.potential(visit.elements.element.node[i]);
+            slope += jacobian.HX[axis][i] * visit.potential(visit.elements.walk.element.node[i]);
         squares += slope * slope;
     }
     return QV * squares;
@@ -80,36 +58,33 @@ double SourceAt(const FormVisit<Dimension>& visit, const JacobianValues<Dimensio
 // --- one element --------------------------------------------------------------------------------------------------
 
 // The sums over the Gauss points of the element in hand; ISRC 0: no load.
-template <int Dimension, int Nodes>
-void SumOverPoints(FormVisit<Dimension>& visit, std::int32_t ISRC, ElementSums<Dimension, Nodes>& sums) {
-    ElementVisit<Dimension>& elements = visit.elements;
+template <int Family, int Nodes>
+void SumOverPoints(FormVisit<Family>& visit, std::int32_t ISRC, ElementSums<Family, Nodes>& sums) {
+    ElementVisit<Family>& elements = visit.elements;
     const Coefficients& coefficients = elements.coefficients;
-    const ElementNodes<Dimension>& element = elements.element;
-    const int ND = NodeCount<Nodes>(elements.points.active.ND);
+    const ElementNodes<Family>& element = elements.walk.element;
+    const int ND = NodeCount<Nodes>(elements.walk.points.active.ND);
     for (int p = 0; p < elements.rule->count; ++p) {
-        const ElementPoint<Dimension>& point = elements.rule->point[p];
-        JacobianValues<Dimension> jacobian;
-        if (!JacobianVolume<Dimension>(point.shape, element.CORE, ND, jacobian))
-            StopOnElementJacobian(elements, point, jacobian.DET);
+        const ElementPoint<Family>& point = elements.rule->point[p];
+        JacobianValues<Family> jacobian;
+        const double w = LocatePoint<Nodes>(elements.walk, point, jacobian);
         const double TG = Interpolate<Nodes>(point.shape.H, element.TE1, ND);
-        EvaluatePoint(elements, p + 1, TG);
-        const double w = PointMeasure<Dimension, Nodes>(visit, point, jacobian.DET, ND);
+        EvaluateCoefficientsAt(elements, p + 1, TG);
         AddConduction(jacobian.HX, {coefficients.KX, coefficients.KY, coefficients.KZ}, w, ND, sums);
         if (visit.transient)
             AddCapacity(point.shape.H, coefficients.CP, w, ND, sums);
         if (ISRC != 0)
-            AddSource(point.shape.H, SourceAt<Dimension, Nodes>(visit, jacobian, ND), w, ND, sums);
+            AddSource(point.shape.H, SourceAt<Family, Nodes>(visit, jacobian, ND), w, ND, sums);
     }
 }
 
 // Matrix and right-hand side of the element in hand: volume terms, time term, residual.
-template <int Dimension, int Nodes>
-void SumElement(FormVisit<Dimension>& visit, ElementSums<Dimension, Nodes>& sums) {
-    ElementVisit<Dimension>& elements = visit.elements;
-    const ElementNodes<Dimension>& element = elements.element;
-    const int ND = NodeCount<Nodes>(elements.points.active.ND);
+template <int Family, int Nodes> void SumElement(FormVisit<Family>& visit, ElementSums<Family, Nodes>& sums) {
+    ElementVisit<Family>& elements = visit.elements;
+    const ElementNodes<Family>& element = elements.walk.element;
+    const int ND = NodeCount<Nodes>(elements.walk.points.active.ND);
     ClearSums(sums, ND);
-    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
+    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.walk.number);
     SumOverPoints(visit, ISRC, sums);
     if (visit.transient)
         AddTimeTerm(visit.dt, element.TE0, ND, sums);
@@ -117,38 +92,37 @@ void SumElement(FormVisit<Dimension>& visit, ElementSums<Dimension, Nodes>& sums
 }
 
 // The element in hand into the system. (The scaling of the first group by a fibre model belongs ahead of the assembly.)
-template <int Dimension, int Nodes> void FormElement(FormVisit<Dimension>& visit) {
-    ElementVisit<Dimension>& elements = visit.elements;
-    const ElementNodes<Dimension>& element = elements.element;
-    const ActiveNodes& active = elements.points.active;
+template <int Family, int Nodes> void FormElement(FormVisit<Family>& visit) {
+    ElementVisit<Family>& elements = visit.elements;
+    const ElementNodes<Family>& element = elements.walk.element;
+    const ActiveNodes& active = elements.walk.points.active;
     const int ND = NodeCount<Nodes>(active.ND);
-    ElementSums<Dimension, Nodes> sums;
+    ElementSums<Family, Nodes> sums;
     SumElement(visit, sums);
     PackUpper(sums, ND, visit.packed.data);
-    if constexpr (Dimension == 2)
-        SurfaceTerms<2>(elements.run, elements.group, visit.surfaces, elements.number, active, element,
-                        visit.packed, RealArray(sums.FE, ND));
+    if constexpr (kDimension<Family> == 2)
+        SurfaceTerms(elements.walk, visit.surfaces, elements.group.held, visit.packed,
+                     RealArray(sums.FE, ND));
     AddElement(visit.system, visit.packed, ConstRealArray(sums.FE, ND), ConstIntArray(element.LM, ND), ND);
 }
 
 // The residual of the element in hand to the sums of its nodes. Surface terms are added where the caller wants them; they
 // need the room of a packed matrix, which is of no use then.
-template <int Dimension, int Nodes>
-void AddResidual(FormVisit<Dimension>& visit, bool withSurfaces, RealArray nodalSums) {
-    ElementVisit<Dimension>& elements = visit.elements;
-    const ActiveNodes& active = elements.points.active;
+template <int Family, int Nodes>
+void AddResidual(FormVisit<Family>& visit, bool withSurfaces, RealArray nodalSums) {
+    ElementVisit<Family>& elements = visit.elements;
+    const ActiveNodes& active = elements.walk.points.active;
     const int ND = NodeCount<Nodes>(active.ND);
-    ElementSums<Dimension, Nodes> sums;
+    ElementSums<Family, Nodes> sums;
     SumElement(visit, sums);
     if (withSurfaces) {
-        double packed[kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2];
+        double packed[kMaxNodes<Family> * (kMaxNodes<Family> + 1) / 2];
         PackUpper(sums, ND, packed);
-        SurfaceTerms<Dimension>(elements.run, elements.group, visit.surfaces, elements.number, active,
-                                elements.element, RealArray(packed, ND * (ND + 1) / 2),
-                                RealArray(sums.FE, ND));
+        SurfaceTerms(elements.walk, visit.surfaces, elements.group.held, RealArray(packed, ND * (ND + 1) / 2),
+                     RealArray(sums.FE, ND));
     }
     for (int i = 0; i < ND; ++i)
-        nodalSums(elements.element.node[i]) += sums.FE[i];
+        nodalSums(elements.walk.element.node[i]) += sums.FE[i];
 }
 
 // Coefficients and measures of the points of the brick in hand.
@@ -158,12 +132,12 @@ void EvaluateBrickPoints(ElementVisit<3>& elements, const BrickRule& rule, Brick
         EvaluateDiffusion(elements.tables, elements.material, brick.TG, rule.count, brick.conduction[0]);
     for (int p = 0; p < rule.count; ++p) {
         if (!(brick.DET[p] > kSmallestJacobian))
-            StopOnElementJacobian(elements, elements.points.point[p], brick.DET[p]);
+            StopOnJacobian(elements.walk, 0, elements.walk.points.point[p].place, brick.DET[p]);
         if (atOnce) {
             coefficients.KX = coefficients.KY = coefficients.KZ = brick.conduction[0][p];
             PassThroughFibres(elements, p + 1, brick.TG[p]);
         } else {
-            EvaluatePoint(elements, p + 1, brick.TG[p]);
+            EvaluateCoefficientsAt(elements, p + 1, brick.TG[p]);
         }
         brick.measure[p] = rule.weight[p] * brick.DET[p];
         brick.conduction[0][p] = coefficients.KX;
@@ -182,10 +156,10 @@ void AddBrickSource(const BrickRule& rule, double QV, BrickValues& brick) {
 // What FormElement does, for a brick without mid-side nodes.
 void FormBrick(FormVisit<3>& visit) {
     ElementVisit<3>& elements = visit.elements;
-    const ElementNodes<3>& element = elements.element;
+    const ElementNodes<3>& element = elements.walk.element;
     const BrickRule& rule = visit.brick->rule;
     BrickValues& brick = visit.brick->values;
-    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.number);
+    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.walk.number);
     const ConstIntArray LM(element.LM, kBrickNodes);
     ElementPlaces places;
     LocateElement(visit.system, LM, kBrickNodes, places);
@@ -202,20 +176,17 @@ void FormBrick(FormVisit<3>& visit) {
 
 // --- one group ----------------------------------------------------------------------------------------------------
 
-template <int Dimension> void BeginFamilyData(FormVisit<Dimension>& visit) {
+template <int Family> void BeginFamilyData(FormVisit<Family>& visit) {
     const Run& run = visit.elements.run;
     const ElementGroup& group = visit.elements.group;
-    visit.axisymmetric = group.INDAX != 0;
-    if constexpr (Dimension == 1)
-        visit.areas = ElementThickness(run, group);
-    visit.surfaces = SurfaceTablesOf<Dimension>(run, group);
-    if constexpr (Dimension == 2)
+    visit.surfaces = SurfaceTablesOf<Family>(run, group);
+    if constexpr (kDimension<Family> == 2)
         if (run.control.header.ITOR == 2)
             visit.potential =
                 RealSection(run.A, run.control.at.LPOT, run.control.header.PotentialFunctionSize);
 }
 
-template <int Dimension> void BeginFormVisit(FormVisit<Dimension>& visit) {
+template <int Family> void BeginFormVisit(FormVisit<Family>& visit) {
     Run& run = visit.elements.run;
     ElementGroup& group = visit.elements.group;
     visit.transient = run.control.header.NSTAC != 0;
@@ -228,15 +199,16 @@ template <int Dimension> void BeginFormVisit(FormVisit<Dimension>& visit) {
 void BeginBricks(FormVisit<3>& visit, BrickForming& brick) {
     ActiveNodes corners;
     corners.ND = kBrickNodes;
-    SetVisitPoints(visit.elements, corners);
-    SetBrickRule(visit.elements.points, brick.rule);
+    ElementPoints<3>& points = visit.elements.walk.points;
+    SetElementPoints(corners, visit.elements.walk.NGAUS, points);
+    SetBrickRule(points, brick.rule);
     brick.instructions = WidestInstructionSet();
     visit.brick = &brick;
 }
 
 // The work block for one visit of the group.
-template <int Dimension> ElementWork BeginGroupVisit(Run& run, const ElementGroup& group) {
-    if (Dimension == 1 && run.control.header.INTEB == 2) {
+template <int Family> ElementWork BeginGroupVisit(Run& run, const ElementGroup& group) {
+    if (kDimension<Family> == 1 && run.control.header.INTEB == 2) {
         TextUnit& unit = BeginMessage(run.units.console);
         Write(unit, "(1X,A)", "NIJE UGRADJENA ALFA INTEGRACIJA");
         StopRun(unit);
@@ -244,103 +216,92 @@ template <int Dimension> ElementWork BeginGroupVisit(Run& run, const ElementGrou
     return LayOutElementWork(run, group.NDMAX);
 }
 
-template <int Dimension> void EndGroupVisit(Run& run, const ElementWork& work) {
-    if (Dimension == 2)
+template <int Family> void EndGroupVisit(Run& run, const ElementWork& work) {
+    if (kDimension<Family> == 2)
         ReleaseFrom(run.A, work.first);
 }
 
-template <int Dimension> void FormCornerElement(FormVisit<Dimension>& visit) {
-    if constexpr (Dimension == 3)
-        if (visit.elements.rule == &visit.elements.points)
+template <int Family> void FormCornerElement(FormVisit<Family>& visit) {
+    if constexpr (Family == kBrickFamily)
+        if (visit.elements.rule == &visit.elements.walk.points)
             return FormBrick(visit);
-    FormElement<Dimension, kCorners<Dimension>>(visit);
+    FormElement<Family, kCorners<Family>>(visit);
 }
 
 } // namespace
 
-template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction) {
-    FormVisit<Dimension> visit{{run, group}};
+template <int Family> void FormElements(Run& run, ElementGroup& group, Word conduction) {
+    FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     visit.packed = RealSection(run.A, conduction, PackedLength(group.NDMAX));
     visit.system = SystemTargetOf(run);
     BrickForming brick;
-    if constexpr (Dimension == 3)
+    if constexpr (Family == kBrickFamily)
         BeginBricks(visit, brick);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit.elements, n))
             continue;
         AnnounceElement(run, n);
-        TakeElement(visit.elements, n);
-        if (visit.elements.points.active.ND > kCorners<Dimension>)
-            FormElement<Dimension, 0>(visit);
+        VisitElement(visit.elements, n);
+        if (visit.elements.walk.points.active.ND > kCorners<Family>)
+            FormElement<Family, 0>(visit);
         else
             FormCornerElement(visit);
     }
 }
 
-template <int Dimension> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest) {
-    FormVisit<Dimension> visit{{run, group}};
+template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest) {
+    FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         if (!TakesPart(visit.elements, n))
             continue;
-        TakeElement(visit.elements, n);
-        ElementSums<Dimension, 0> sums;
+        VisitElement(visit.elements, n);
+        ElementSums<Family, 0> sums;
         SumElement(visit, sums);
-        for (int i = 0; i < visit.elements.points.active.ND; ++i)
+        for (int i = 0; i < visit.elements.walk.points.active.ND; ++i)
             if (sums.K[i][i] > stiffest.entry)
                 stiffest = {group.NGE, n, sums.K[i][i]};
     }
 }
 
-template <int Dimension>
+template <int Family>
 void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
                          RealArray nodalSums) {
-    FormVisit<Dimension> visit{{run, group}};
+    FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     for (Word k = 1; k <= elements.length; ++k) {
         if (!TakesPart(visit.elements, elements(k)))
             continue;
-        TakeElement(visit.elements, elements(k));
-        if (visit.elements.points.active.ND == kCorners<Dimension>)
-            AddResidual<Dimension, kCorners<Dimension>>(visit, withSurfaces, nodalSums);
+        VisitElement(visit.elements, elements(k));
+        if (visit.elements.walk.points.active.ND == kCorners<Family>)
+            AddResidual<Family, kCorners<Family>>(visit, withSurfaces, nodalSums);
         else
-            AddResidual<Dimension, 0>(visit, withSurfaces, nodalSums);
+            AddResidual<Family, 0>(visit, withSurfaces, nodalSums);
     }
 }
 
-template void AddElementResiduals<1>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
-template void AddElementResiduals<2>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
-template void AddElementResiduals<3>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);
-
-template void FindStiffestElement<1>(Run&, ElementGroup&, StiffestElement&);
-template void FindStiffestElement<2>(Run&, ElementGroup&, StiffestElement&);
-template void FindStiffestElement<3>(Run&, ElementGroup&, StiffestElement&);
-
-template void FormElements<1>(Run&, ElementGroup&, Word);
-template void FormElements<2>(Run&, ElementGroup&, Word);
-template void FormElements<3>(Run&, ElementGroup&, Word);
-
-template <int Dimension> void FormGroup(Run& run, ElementGroup& group) {
-    const ElementWork work = BeginGroupVisit<Dimension>(run, group);
+template <int Family> void FormGroup(Run& run, ElementGroup& group) {
+    const ElementWork work = BeginGroupVisit<Family>(run, group);
     if (run.control.header.INTEB == 1)
-        FormElements<Dimension>(run, group, work.conduction);
-    EndGroupVisit<Dimension>(run, work);
+        FormElements<Family>(run, group, work.conduction);
+    EndGroupVisit<Family>(run, work);
 }
 
-template <int Dimension> void AddGroupFluxes(Run& run, ElementGroup& group) {
-    const ElementWork work = BeginGroupVisit<Dimension>(run, group);
+template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group) {
+    const ElementWork work = BeginGroupVisit<Family>(run, group);
     if (run.control.header.INTEB == 1)
-        AddElementFluxes<Dimension>(run, group);
-    EndGroupVisit<Dimension>(run, work);
+        AddElementFluxes<Family>(run, group);
+    EndGroupVisit<Family>(run, work);
 }
 
-template void FormGroup<1>(Run&, ElementGroup&);
-template void FormGroup<2>(Run&, ElementGroup&);
-template void FormGroup<3>(Run&, ElementGroup&);
-
-template void AddGroupFluxes<1>(Run&, ElementGroup&);
-template void AddGroupFluxes<2>(Run&, ElementGroup&);
-template void AddGroupFluxes<3>(Run&, ElementGroup&);
+#define ZURT_FORM_ELEMENTS(FAMILY)                                                                           \
+    template void FormElements<FAMILY>(Run&, ElementGroup&, Word);                                           \
+    template void FindStiffestElement<FAMILY>(Run&, ElementGroup&, StiffestElement&);                        \
+    template void AddElementResiduals<FAMILY>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);          \
+    template void FormGroup<FAMILY>(Run&, ElementGroup&);                                                    \
+    template void AddGroupFluxes<FAMILY>(Run&, ElementGroup&);
+ZURT_FOR_ALL_FAMILIES(ZURT_FORM_ELEMENTS)
+#undef ZURT_FORM_ELEMENTS
 
 } // namespace zurt

@@ -12,15 +12,15 @@ namespace zurt {
 /// One visit of a group: the element work block behind LMAXM, then all elements, which go to the system. Only Euler
 /// backward exists: under an INTEB other than 1 nothing is formed and nothing said, but that under INTEB 2 a group of
 /// lines ends the run. Quadrilaterals give the work block back.
-template <int Dimension> void FormGroup(Run& run, ElementGroup& group);
+template <int Family> void FormGroup(Run& run, ElementGroup& group);
 
 /// Likewise; the elements add their fluxes and coefficients to the nodal sums.
-template <int Dimension> void AddGroupFluxes(Run& run, ElementGroup& group);
+template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group);
 
 /// Forms elements 1..NET and adds them to the system (solver/linear_system.h). `conduction` is the place of the packed
 /// element matrix in `A`. Stops the run on an element without a positive Jacobian and on curves asked for values outside
 /// their range.
-template <int Dimension> void FormElements(Run& run, ElementGroup& group, Word conduction);
+template <int Family> void FormElements(Run& run, ElementGroup& group, Word conduction);
 
 /// The element whose matrix holds the largest entry at the solution in hand: what rounding of K T is measured by.
 struct StiffestElement {
@@ -29,14 +29,14 @@ struct StiffestElement {
 };
 
 /// Looks through one group, and keeps what is there already if it is larger. Elements in fibres are passed over.
-template <int Dimension> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest);
+template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest);
 
 /// Adds the right-hand sides of the listed elements, load minus conduction and capacity at the solution in hand, to the
 /// sums of their nodes; the system is left alone. Elements that lie in fibres as a whole are passed over.
 ///   elements      numbers from 1..NET (input)
 ///   withSurfaces  flux, convection and radiation through their sides take part
 ///   nodalSums     1..NP (in and out)
-template <int Dimension>
+template <int Family>
 void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
                          RealArray nodalSums);
 

@@ -39,43 +39,37 @@ constexpr SurfaceCardFields kFields1D = FieldsOf<kSideCorners<1>>("NODE1");
 constexpr SurfaceCardFields kFields2D = FieldsOf<kSideCorners<2>>("NODE1 to NODE2");
 constexpr SurfaceCardFields kFields3D = FieldsOf<kSideCorners<3>>("NODE1 to NODE4");
 
-// What one family has of its own.
-struct BoundaryFamily {
-    int dimension;
+// What the families of one dimension have of their own.
+struct SideWords {
     const CardLayout& card;
     TwinText nodes;  // ahead of the nodes of a card that names no side
     TwinText noSide; // and behind them
 };
 
-const BoundaryFamily kFamilies[] = {
-    {1,
-     kSurfaceCard1D,
+const SideWords kSideWords[] = {
+    {kSurfaceCard1D,
      {"UCITANI GRANICNI CVOROVI :", "READIN BOUNDARY NODES :"},
      {"NE CINE KRAJ ELEMENTA", "DO NOT CONSTITUTE SIDE OF ELEMENT"}},
-    {2,
-     kSurfaceCard2D,
+    {kSurfaceCard2D,
      {"UCITANI GRANICNI CVOROVI :", "READ IN BOUNDARY NODES :"},
      {"NE CINE JEDNU IVICU ELEMENTA", "DO NOT CONSTITUTE ONE EDGE OF ELEMENT"}},
-    {3,
-     kSurfaceCard3D,
+    {kSurfaceCard3D,
      {"UCITANI GRANICNI CVOROVI :", "READIN BOUNDARY NODES :"},
      {"NE CINE JEDNU POVRSINU ELEMENTA", "DO NOT CONSTITUTE ONE SURFACE OF ELEMENT"}},
 };
 
-const BoundaryFamily& FamilyOf(const ElementGroup& group) {
-    return kFamilies[group.NETIP == 1 || group.NETIP == 2 ? group.NETIP - 1 : 2];
+// A radial group goes by the cards of the brick.
+const ElementFamily& FamilyOfSides(const ElementGroup& group) {
+    return IsRadial(group) ? kElementFamily<3> : FamilyOf(group);
 }
 
 // --- sides --------------------------------------------------------------------------------------------------------
 
-// Faces of the brick by their corners. Quadrilateral and line have as sides what these leave of their own corners.
-constexpr std::int32_t kFaceCorners[kSides<3>][kSideCorners<3>] = {{1, 4, 8, 5}, {2, 6, 7, 3}, {1, 5, 6, 2},
-                                                                   {4, 3, 7, 8}, {1, 2, 3, 4}, {5, 8, 7, 6}};
-
 struct BoundaryReader {
     Run& run;
     const ElementGroup& group;
-    const BoundaryFamily& family;
+    const ElementFamily& family;
+    const SideWords& words;
     IntTable NEL;
     IntArray NSURF;
     IntArray ISURF; // all records one behind the other
@@ -84,25 +78,21 @@ struct BoundaryReader {
     std::int32_t carried[kSurfaceFields] = {}; // the fields stored last
 };
 
-int CornersOf(const BoundaryFamily& family) {
-    return 1 << (family.dimension - 1);
-}
-
 // The nodes of side `side` (from 0) of element NE; a column that the group does not have counts as node 0.
-void TakeSideNodes(const BoundaryReader& reader, int side, std::int32_t (&nodes)[kSideCorners<3>]) {
-    int count = 0;
-    for (std::int32_t corner : kFaceCorners[side])
-        if (corner <= 1 << reader.family.dimension)
-            nodes[count++] = corner <= reader.NEL.columns ? reader.NEL(reader.card.NE, corner) : 0;
+void TakeSideNodes(const BoundaryReader& reader, int side, std::int32_t (&nodes)[kMostSideCorners]) {
+    const int corners = reader.family.cornersOfSide;
+    for (int k = 0; k < corners; ++k) {
+        const int corner = reader.family.sideCorners[side * corners + k];
+        nodes[k] = corner <= reader.NEL.columns ? reader.NEL(reader.card.NE, corner) : 0;
+    }
 }
 
 // The first side with the corners of the card, from 1; 0 when there is none.
 int FindSide(const BoundaryReader& reader) {
-    const int corners = CornersOf(reader.family);
-    for (int side = 0; side < 2 * reader.family.dimension; ++side) {
-        std::int32_t nodes[kSideCorners<3>] = {};
+    for (int side = 0; side < reader.family.sides; ++side) {
+        std::int32_t nodes[kMostSideCorners] = {};
         TakeSideNodes(reader, side, nodes);
-        if (std::is_permutation(nodes, nodes + corners, reader.card.nodes))
+        if (std::is_permutation(nodes, nodes + reader.family.cornersOfSide, reader.card.nodes))
             return side + 1;
     }
     return 0;
@@ -110,14 +100,14 @@ int FindSide(const BoundaryReader& reader) {
 
 [[noreturn]] void StopOnSide(BoundaryReader& reader) {
     Run& run = reader.run;
-    const BoundaryFamily& family = reader.family;
+    const SideWords& words = reader.words;
     TextUnit& unit = BeginMessage(run);
     Write(unit, "(1X,A)",
           Say(run, "GRESKA U ULAZNIM PODACIMA GRANICNIH USLOVA:", "ERROR IN BOUNDARY CONDITION INPUT DATA:"));
     Write(unit, "(1X,A,I8)", Say(run, "ELEMENT BR.", "ELEMENT NO."), reader.card.NE);
-    Write(unit, "(1X,A,4I8)", Say(run, family.nodes.serbian, family.nodes.english),
-          IntArray(reader.card.nodes, CornersOf(family)));
-    Write(unit, "(1X,A)", Say(run, family.noSide.serbian, family.noSide.english));
+    Write(unit, "(1X,A,4I8)", Say(run, words.nodes.serbian, words.nodes.english),
+          IntArray(reader.card.nodes, reader.family.cornersOfSide));
+    Write(unit, "(1X,A)", Say(run, words.noSide.serbian, words.noSide.english));
     StopRun(unit);
 }
 
@@ -126,7 +116,7 @@ int FindSide(const BoundaryReader& reader) {
 void RequireCurve(const BoundaryReader& reader, SurfaceField field, const char* table, std::int32_t limit) {
     const std::int32_t number = reader.carried[field - 1];
     if (number < 0 || number > limit)
-        DeckError(reader.run.deck, reader.family.card.group, reader.family.card.fields[field + 1].name,
+        DeckError(reader.run.deck, reader.words.card.group, reader.words.card.fields[field + 1].name,
                   std::to_string(number),
                   "the number must lie between 0, none, and " + std::to_string(limit) + ", which is " +
                       table);
@@ -167,7 +157,7 @@ void EchoHead(Run& run, const ElementGroup& group) {
 void EchoCard(const BoundaryReader& reader) {
     static const Format row("(6X,I8,5I12,4X,4I8)");
     Write(reader.run.units.listing, row, reader.card.NE, ConstIntArray(reader.carried, kSurfaceFields),
-          ConstIntArray(reader.card.nodes, CornersOf(reader.family)));
+          ConstIntArray(reader.card.nodes, reader.family.cornersOfSide));
 }
 
 // --- one group ----------------------------------------------------------------------------------------------------
@@ -183,7 +173,7 @@ void TakeSurfaceBlock(Run& run, ElementGroup& group, Word recordWords) {
 
 void StoreSide(BoundaryReader& reader) {
     const SurfaceCard& card = reader.card;
-    RequireIndex(reader.run.deck, reader.family.card.group, "NE", card.NE, reader.group.NET);
+    RequireIndex(reader.run.deck, reader.words.card.group, "NE", card.NE, reader.group.NET);
     const int side = FindSide(reader);
     if (side == 0)
         StopOnSide(reader);
@@ -192,18 +182,20 @@ void StoreSide(BoundaryReader& reader) {
         record = ++reader.records;
     CarryFields(reader);
     RequireCurves(reader);
-    const Word sides = 2 * Word{reader.family.dimension};
+    const Word sides = reader.family.sides;
     const Word first = kSurfaceFields * (sides * (record - 1) + side - 1) + 1;
     Copy<std::int32_t>(ConstIntArray(reader.carried, kSurfaceFields),
                        Section(reader.ISURF, first, kSurfaceFields));
 }
 
-void ReadBoundary(Run& run, ElementGroup& group, const BoundaryFamily& family) {
-    const Word recordWords = Word{kSurfaceFields} * 2 * family.dimension;
+void ReadBoundary(Run& run, ElementGroup& group) {
+    const ElementFamily& family = FamilyOfSides(group);
+    const Word recordWords = Word{kSurfaceFields} * family.sides;
     TakeSurfaceBlock(run, group, recordWords);
     BoundaryReader reader{run,
                           group,
                           family,
+                          kSideWords[family.dimension - 1],
                           Connectivity(run, group),
                           SurfaceRecordNumbers(run, group),
                           IntSection(run.A, group.LISURF, recordWords * group.NET)};
@@ -211,7 +203,7 @@ void ReadBoundary(Run& run, ElementGroup& group, const BoundaryFamily& family) {
     if (echo)
         EchoHead(run, group);
     for (;;) {
-        ReadCardFields(run.deck, run.control.header.INDFOR, family.card, &reader.card);
+        ReadCardFields(run.deck, run.control.header.INDFOR, reader.words.card, &reader.card);
         if (reader.card.NE == 0)
             break;
         StoreSide(reader);
@@ -230,7 +222,7 @@ const CardLayout kSurfaceCard3D = Layout("3D surface card", kFields3D.data(), kC
 void ReadSurfaceData(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         ElementGroup& group = run.groups[NGE];
-        ReadBoundary(run, group, FamilyOf(group));
+        ReadBoundary(run, group);
         if (group.surfaceRecords > 0 && group.NETIP != 2)
             WriteNote("group " + std::to_string(NGE) +
                       ": surface records act in 2D groups alone, those of this group have no effect");

@@ -12,13 +12,10 @@
 
 namespace zurt {
 
-template <int Dimension> constexpr int kSides = 2 * Dimension;
-template <int Dimension> constexpr int kSideCorners = 1 << (Dimension - 1);
-
 constexpr int kSurfaceFields = 5;
 
 /// Words of `A` that the records of one element take.
-template <int Dimension> constexpr Word kSurfaceRecordWords = Word{kSides<Dimension>} * kSurfaceFields;
+template <int Family> constexpr Word kSurfaceRecordWords = Word{kSides<Family>} * kSurfaceFields;
 
 /// Places of the five integers of a side.
 enum SurfaceField {
@@ -31,7 +28,7 @@ enum SurfaceField {
 
 struct SurfaceCard {
     std::int32_t NE = 0; // element, 0 ends the cards of the group
-    std::int32_t nodes[kSideCorners<3>] = {};
+    std::int32_t nodes[kMostSideCorners] = {};
     std::int32_t curves[kSurfaceFields] = {};
 };
 
@@ -44,8 +41,8 @@ extern const CardLayout kSurfaceCard3D;
 inline IntArray SurfaceRecordNumbers(const Run& run, const ElementGroup& group) {
     return IntSection(run.A, group.LNSURF, group.NET);
 }
-template <int Dimension> IntTable SurfaceRecords(const Run& run, const ElementGroup& group) {
-    return IntTableSection(run.A, group.LISURF, kSurfaceRecordWords<Dimension>, group.NET);
+template <int Family> IntTable SurfaceRecords(const Run& run, const ElementGroup& group) {
+    return IntTableSection(run.A, group.LISURF, kSurfaceRecordWords<Family>, group.NET);
 }
 
 /// Takes the surface block of every group and reads its cards up to the one with element 0, with echo: NETIP 1 by the

@@ -3,7 +3,6 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "geometry/gauss_rules.h"
-#include "geometry/jacobian_failure.h"
 #include "model/curve_lookup.h"
 
 namespace zurt {
@@ -48,14 +47,10 @@ void EvaluateCurve(Run& run, const FunctionTable& table, const CurveWords& words
 
 // --- one side -----------------------------------------------------------------------------------------------------
 
-template <int Dimension> struct SurfaceVisit {
-    Run& run;
-    const ElementGroup& group;
-    HeldCurveValues& held;
+template <int Family> struct SurfaceVisit {
+    const ElementWalk<Family>& walk; // with the element in hand
     const SurfaceTables& tables;
-    Word n; // the element
-    const ActiveNodes& active;
-    const ElementNodes<Dimension>& element;
+    HeldCurveValues& held;
 };
 
 // The curve numbers of a side, 0 none.
@@ -64,53 +59,16 @@ struct SideCurves {
 };
 
 // Packed matrices apart from the conduction matrix until all sides are summed.
-template <int Dimension> struct SideSums {
-    static constexpr int kLength = kMaxNodes<Dimension> * (kMaxNodes<Dimension> + 1) / 2;
+template <int Family> struct SideSums {
+    static constexpr int kLength = kMaxNodes<Family> * (kMaxNodes<Family> + 1) / 2;
     double convection[kLength] = {};
     double radiation[kLength] = {};
     bool hasConvection = false, hasRadiation = false;
 };
 
-template <int Dimension> struct SidePoint {
-    double place[3] = {}; // r, s, t
-    double w = 1.0;       // weight times surface scale
-    ShapeValues<Dimension> shape;
-};
-
-// Shape functions at the point, and its weight times the surface scale. An end of a line has no extent to scale by. Edges
-// of axisymmetric elements take as radius the first coordinate, while the areas of these elements take the second.
-template <int Dimension>
-void EvaluatePoint(const SurfaceVisit<Dimension>& visit, int KFIX, SidePoint<Dimension>& point) {
-    [[maybe_unused]] const std::int32_t number = static_cast<std::int32_t>(visit.n);
-    [[maybe_unused]] const std::int32_t Language = visit.run.job.Language;
-    const double r = point.place[0];
-    [[maybe_unused]] const double s = point.place[1], t = point.place[2];
-    if constexpr (Dimension == 1) {
-        ShapeFunctions1D(r, visit.active, point.shape);
-    } else {
-        JacobianValues<Dimension> jacobian;
-        if constexpr (Dimension == 2) {
-            if (!ShapeAndJacobian2D(r, s, KFIX, visit.active, visit.element.CORE, point.shape, jacobian))
-                StopOnJacobian2D(MessageUnit(visit.run), Language, number, r, s, jacobian.DETS);
-        } else {
-            const std::int32_t NDS = visit.run.control.header.NDS;
-            if (!ShapeAndJacobian3D(r, s, t, KFIX, NDS, visit.active, visit.element.CORE, point.shape,
-                                    jacobian))
-                StopOnJacobian3D(MessageUnit(visit.run), Language, number, KFIX, r, s, t, jacobian.DETS);
-        }
-        point.w *= jacobian.DETS;
-        if (Dimension == 2 && visit.group.INDAX != 0) {
-            double radius = 0.0;
-            for (int i = 0; i < visit.active.ND; ++i)
-                radius += point.shape.H[i] * visit.element.CORE[0][i];
-            point.w *= radius;
-        }
-    }
-}
-
 // Values that hold for the whole side. A convection or emissivity curve of one point needs no concentration.
-template <int Dimension> void EvaluateSide(const SurfaceVisit<Dimension>& visit, const SideCurves& curves) {
-    Run& run = visit.run;
+template <int Family> void EvaluateSide(const SurfaceVisit<Family>& visit, const SideCurves& curves) {
+    Run& run = visit.walk.run;
     const SurfaceTables& tables = visit.tables;
     HeldCurveValues& held = visit.held;
     if (curves.convection > 0 && tables.convection.points(curves.convection) < 2)
@@ -124,13 +82,15 @@ template <int Dimension> void EvaluateSide(const SurfaceVisit<Dimension>& visit,
 }
 
 // HC and EM at the surface value TS, from curves of more than one point.
-template <int Dimension>
-void EvaluateAtSurface(const SurfaceVisit<Dimension>& visit, const SideCurves& curves, double TS) {
+template <int Family>
+void EvaluateAtSurface(const SurfaceVisit<Family>& visit, const SideCurves& curves, double TS) {
     const SurfaceTables& tables = visit.tables;
     if (curves.convection > 0 && tables.convection.points(curves.convection) > 1)
-        EvaluateCurve(visit.run, tables.convection, kConvectionWords, curves.convection, TS, visit.held.HC);
+        EvaluateCurve(visit.walk.run, tables.convection, kConvectionWords, curves.convection, TS,
+                      visit.held.HC);
     if (curves.emissivity > 0 && tables.emissivity.points(curves.emissivity) > 1)
-        EvaluateCurve(visit.run, tables.emissivity, kEmissivityWords, curves.emissivity, TS, visit.held.EM);
+        EvaluateCurve(visit.walk.run, tables.emissivity, kEmissivityWords, curves.emissivity, TS,
+                      visit.held.EM);
 }
 
 // The shape factor has the number of the emissivity curve, not that of the field named after it.
@@ -138,14 +98,14 @@ double ShapeFactor(const SurfaceTables& tables, const SideCurves& curves) {
     return tables.shapeFactors.length == 0 ? 1.0 : tables.shapeFactors(curves.emissivity);
 }
 
-template <int Dimension>
-void AddPoint(const SurfaceVisit<Dimension>& visit, const SideCurves& curves,
-              const SidePoint<Dimension>& point, SideSums<Dimension>& sums, RealArray FE) {
+template <int Family>
+void AddSidePoint(const SurfaceVisit<Family>& visit, const SideCurves& curves, const SidePoint<Family>& point,
+                  SideSums<Family>& sums, RealArray FE) {
     const SurfaceTables& tables = visit.tables;
     HeldCurveValues& held = visit.held;
     const double* N = point.shape.H;
-    const double* TE1 = visit.element.TE1;
-    const int ND = visit.active.ND;
+    const double* TE1 = visit.walk.element.TE1;
+    const int ND = visit.walk.points.active.ND;
     double TS = 0.0;
     if (tables.nonlinear) {
         for (int i = 0; i < ND; ++i)
@@ -153,11 +113,11 @@ void AddPoint(const SurfaceVisit<Dimension>& visit, const SideCurves& curves,
         EvaluateAtSurface(visit, curves, TS);
     }
     const double TE = held.TE;
-    const double FQ = held.QS * point.w;
-    const double FH = held.HC * point.w;
+    const double FQ = held.QS * point.measure;
+    const double FH = held.HC * point.measure;
     if (curves.environment != 0 && curves.emissivity != 0)
-        held.FR =
-            held.EM * tables.SBC * point.w * ShapeFactor(tables, curves) * (TS * TS + TE * TE) * (TS + TE);
+        held.FR = held.EM * tables.SBC * point.measure * ShapeFactor(tables, curves) * (TS * TS + TE * TE) *
+                  (TS + TE);
     const double FR = held.FR; // without an environment function: that of the point before
     double S = 0.0;
     for (int i = 0; i < ND; ++i)
@@ -181,30 +141,31 @@ void AddPoint(const SurfaceVisit<Dimension>& visit, const SideCurves& curves,
 }
 
 // The points of a side: natural direction `fixed` (from 0) is held at `end`, the others run in ascending order.
-template <int Dimension>
-void SumOverSide(const SurfaceVisit<Dimension>& visit, const SideCurves& curves, int fixed, double end,
-                 SideSums<Dimension>& sums, RealArray FE) {
+template <int Family>
+void SumOverSide(const SurfaceVisit<Family>& visit, const SideCurves& curves, int fixed, double end,
+                 SideSums<Family>& sums, RealArray FE) {
     const int a = fixed == 0 ? 1 : 0, b = fixed == 2 ? 1 : 2;
-    const std::int32_t* NGAUS = visit.group.NGAUS;
-    const std::int32_t orderA = Dimension > 1 ? NGAUS[a] : 1, orderB = Dimension > 2 ? NGAUS[b] : 1;
+    const std::int32_t* NGAUS = visit.walk.NGAUS;
+    const std::int32_t orderA = kDimension<Family> > 1 ? NGAUS[a] : 1,
+                       orderB = kDimension<Family> > 2 ? NGAUS[b] : 1;
     for (std::int32_t i = 1; i <= orderA; ++i)
         for (std::int32_t j = 1; j <= orderB; ++j) {
-            SidePoint<Dimension> point;
+            SidePoint<Family> point;
             point.place[fixed] = end;
-            if (Dimension > 1) {
+            if (kDimension<Family> != 1) {
                 point.place[a] = XG(orderA, i);
-                point.w = WGT(orderA, i);
+                point.weight = WGT(orderA, i);
             }
-            if (Dimension > 2) {
+            if (kDimension<Family> == 3) {
                 point.place[b] = XG(orderB, j);
-                point.w *= WGT(orderB, j);
+                point.weight *= WGT(orderB, j);
             }
-            EvaluatePoint(visit, fixed + 1, point);
-            AddPoint(visit, curves, point, sums, FE);
+            LocateSidePoint(visit.walk, fixed + 1, point);
+            AddSidePoint(visit, curves, point, sums, FE);
         }
 }
 
-template <int Dimension> SideCurves CurvesOf(const SurfaceTables& tables, Word record, int side) {
+template <int Family> SideCurves CurvesOf(const SurfaceTables& tables, Word record, int side) {
     const auto field = [&](SurfaceField f) { return tables.ISURF(kSurfaceFields * (side - 1) + f, record); };
     return {field(kFluxCurve), field(kConvectionCurve), field(kEnvironmentCurve), field(kEmissivityCurve)};
 }
@@ -216,14 +177,14 @@ void AddMatrix(const double* matrix, RealArray K) {
 
 } // namespace
 
-template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group) {
+template <int Family> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group) {
     const CurveCounts& counts = run.control.counts;
     SurfaceTables tables;
     tables.present = counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0;
     if (!tables.present)
         return tables;
     tables.NSURF = SurfaceRecordNumbers(run, group);
-    tables.ISURF = SurfaceRecords<Dimension>(run, group);
+    tables.ISURF = SurfaceRecords<Family>(run, group);
     tables.flux = FluxFunctions(run);
     tables.convection = ConvectionFunctions(run);
     tables.environment = EnvironmentFunctions(run);
@@ -236,17 +197,16 @@ template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const Ele
     return tables;
 }
 
-template <int Dimension>
-void SurfaceTerms(Run& run, ElementGroup& group, const SurfaceTables& tables, Word n,
-                  const ActiveNodes& active, const ElementNodes<Dimension>& element, RealArray K,
-                  RealArray FE) {
-    const std::int32_t record = tables.present ? tables.NSURF(n) : 0;
+template <int Family>
+void SurfaceTerms(const ElementWalk<Family>& walk, const SurfaceTables& tables, HeldCurveValues& held,
+                  RealArray K, RealArray FE) {
+    const std::int32_t record = tables.present ? tables.NSURF(walk.number) : 0;
     if (record == 0)
         return;
-    const SurfaceVisit<Dimension> visit{run, group, group.held, tables, n, active, element};
-    SideSums<Dimension> sums;
-    for (int side = 1; side <= kSides<Dimension>; ++side) {
-        const SideCurves curves = CurvesOf<Dimension>(tables, record, side);
+    const SurfaceVisit<Family> visit{walk, tables, held};
+    SideSums<Family> sums;
+    for (int side = 1; side <= kSides<Family>; ++side) {
+        const SideCurves curves = CurvesOf<Family>(tables, record, side);
         if (curves.flux == 0 && curves.convection == 0 && curves.environment == 0 && curves.emissivity == 0)
             continue;
         sums.hasConvection = sums.hasConvection || curves.convection != 0;
@@ -260,14 +220,11 @@ void SurfaceTerms(Run& run, ElementGroup& group, const SurfaceTables& tables, Wo
         AddMatrix(sums.radiation, K);
 }
 
-#define ZURT_INSTANTIATE(DIMENSION)                                                                          \
-    template SurfaceTables SurfaceTablesOf<DIMENSION>(const Run&, const ElementGroup&);                      \
-    template void SurfaceTerms<DIMENSION>(Run&, ElementGroup&, const SurfaceTables&, Word,                   \
-                                          const ActiveNodes&, const ElementNodes<DIMENSION>&, RealArray,     \
-                                          RealArray);
-ZURT_INSTANTIATE(1)
-ZURT_INSTANTIATE(2)
-ZURT_INSTANTIATE(3)
-#undef ZURT_INSTANTIATE
+#define ZURT_SURFACE_TERMS(FAMILY)                                                                           \
+    template SurfaceTables SurfaceTablesOf<FAMILY>(const Run&, const ElementGroup&);                         \
+    template void SurfaceTerms(const ElementWalk<FAMILY>&, const SurfaceTables&, HeldCurveValues&,           \
+                               RealArray, RealArray);
+ZURT_FOR_ALL_FAMILIES(ZURT_SURFACE_TERMS)
+#undef ZURT_SURFACE_TERMS
 
 } // namespace zurt

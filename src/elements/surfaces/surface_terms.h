@@ -7,7 +7,7 @@
 #pragma once
 
 #include "elements/surfaces/surface_cards.h"
-#include "geometry/gather.h"
+#include "geometry/element_walk.h"
 #include "model/function_tables.h"
 #include "run/run.h"
 
@@ -26,18 +26,17 @@ struct SurfaceTables {
 };
 
 /// Made once per visit of the group, at the current TIME.
-template <int Dimension> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group);
+template <int Family> SurfaceTables SurfaceTablesOf(const Run& run, const ElementGroup& group);
 
-/// Adds the terms of element n.
-///   active, element  its nodes and their data (input)
+/// Adds the terms of the walk's element in hand.
+///   held  what curves of this group gave last (in and out)
 ///   K    packed upper triangle of the element matrix, row by row, ND*(ND+1)/2 (input, output)
 ///   FE   1..ND: right-hand side (input, output)
 /// Nothing happens when tables.present is false or the element has no record. Stops the run on a side without extent
 /// and on a curve that is not defined at its argument; values that a curve gives nowhere stay those of the side before,
-/// in group.held.
-template <int Dimension>
-void SurfaceTerms(Run& run, ElementGroup& group, const SurfaceTables& tables, Word n,
-                  const ActiveNodes& active, const ElementNodes<Dimension>& element, RealArray K,
-                  RealArray FE);
+/// in `held`.
+template <int Family>
+void SurfaceTerms(const ElementWalk<Family>& walk, const SurfaceTables& tables, HeldCurveValues& held,
+                  RealArray K, RealArray FE);
 
 } // namespace zurt
