@@ -15,6 +15,15 @@ namespace zurt {
 /// Every family, by number. (4 is what decks say for radial fibres, as they could say any other.)
 #define ZURT_FOR_ALL_FAMILIES(DO) DO(1) DO(2) DO(3)
 
+/// The largest NETIP that means something; 4 is that of radial fibres.
+constexpr int kLargestElementType = [] {
+    int largest = 4;
+#define ZURT_LARGER(FAMILY) largest = FAMILY > largest ? FAMILY : largest;
+    ZURT_FOR_ALL_FAMILIES(ZURT_LARGER)
+#undef ZURT_LARGER
+    return largest;
+}();
+
 /// Those that fibres can lie under.
 #define ZURT_FOR_FAMILIES_UNDER_FIBRES(DO) DO(2) DO(3)
 

@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "core/widened_constants.h"
+#include "geometry/element_family.h"
 #include "run/partition.h"
 
 #include <cmath>
@@ -113,7 +114,7 @@ constexpr CardField kExecutionFields[] = {
 };
 
 constexpr CardField kGroupFields[] = {
-    ZURT_CODE(ElementGroup, NETIP, "I5", 1, 4, "acts as 4: radial fibre elements",
+    ZURT_CODE(ElementGroup, NETIP, "I5", 1, kLargestElementType, "acts as 4: radial fibre elements",
               "element type: 1, 2, 3 by dimension, any other the radial fibre element"),
     ZURT_COUNT(ElementGroup, NET, "I10", "number of elements"),
     ZURT_CODE(ElementGroup, INDAX, "I5", 0, 1, "acts as 1: axisymmetric", "1: axisymmetric"),

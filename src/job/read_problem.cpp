@@ -122,17 +122,6 @@ void ReadMicroscaleData(Run& run) {
     StopRun(unit);
 }
 
-void WriteGroupToGraphics(Run& run, const ElementGroup& group) {
-    if (group.NETIP == 1)
-        WriteUnvElements1D(run, group);
-    else if (group.NETIP == 2)
-        WriteUnvElements2D(run, group);
-    else if (group.NETIP == 3)
-        WriteUnvElements3D(run, group);
-    else if (group.ISUB4 == 0)
-        WriteUnvElementsRadial(run, group);
-}
-
 void ReadElementGroups(Run& run) {
     if (EchoInput(run))
         Write(run.units.listing, "('1'///6X,A)",
@@ -149,7 +138,7 @@ void ReadElementGroups(Run& run) {
         if (EchoInput(run))
             EchoGroupCard(run, group, first);
         ReadElementGroup(run, group);
-        WriteGroupToGraphics(run, group);
+        WriteUnvElements(run, group);
     }
 }
 

@@ -15,18 +15,4 @@ void WriteUnvNodes(Run& run);
 /// a linear beam; others are left out. Labels run on from group to group. Nothing under a negative IGRAF.
 void WriteUnvElements(Run& run, const ElementGroup& group);
 
-// The same, for callers that know the family.
-inline void WriteUnvElements1D(Run& run, const ElementGroup& group) {
-    WriteUnvElements(run, group);
-}
-inline void WriteUnvElements2D(Run& run, const ElementGroup& group) {
-    WriteUnvElements(run, group);
-}
-inline void WriteUnvElements3D(Run& run, const ElementGroup& group) {
-    WriteUnvElements(run, group);
-}
-inline void WriteUnvElementsRadial(Run& run, const ElementGroup& group) {
-    WriteUnvElements(run, group);
-}
-
 } // namespace zurt
