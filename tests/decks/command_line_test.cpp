@@ -192,6 +192,9 @@ TEST(CommandLine, RunsInOneFolderAreKeptApart) {
         EXPECT_TRUE(Contains(direct.errors, words)) << direct.errors;
         EXPECT_EQ(RunProgram(folder, {{"-f", "zurt.dat"}, ""}).status, 0) << "the lock ends with its run";
     }
+    const std::string folder = FolderWith("zurt.dat");
+    const RunResult nowhere = RunInFolder(folder, "zurt.dat\n/dev/null\n\n/dev/null\n\n", 60);
+    EXPECT_EQ(nowhere.status, 0) << "a device is nobody's: " << nowhere.errors;
 }
 
 // Faults: an interrupt that loses or cuts results, that ends as success, or says nothing of how far the run came.
