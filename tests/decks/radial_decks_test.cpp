@@ -85,6 +85,8 @@ FibreResult Solve(const FibreDeck& deck) {
     FibreResult result;
     result.run = RunDeck(Build(deck));
     EXPECT_EQ(result.run.status, 0) << result.run.errors;
+    // In a universal file a dataset stands between two of these.
+    EXPECT_EQ(CountOf(result.run.graphics, "    -1\n") % 2, 0) << "a dataset without an end";
     const std::vector<double> all = LastUnvValues(result.run.graphics, 1);
     const auto inner = all.begin() + std::min<std::ptrdiff_t>(BlockNodes(deck.bar), all.end() - all.begin());
     EXPECT_EQ(all.end() - inner, deck.rings * static_cast<int>(deck.surface.size())) << result.run.errors;
