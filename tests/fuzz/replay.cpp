@@ -1,9 +1,7 @@
 // Every deck of the folders and files named goes through the harness once. Status 1 if an oracle objects to one.
 //
 //   zurt_fuzz_replay [-v] NAME...      -v: each name ahead of its run, to see which one crashes
-//   zurt_fuzz_replay --seeds FOLDER    writes the small decks of the tests there
 #include "fuzz/oracles.h"
-#include "support/small_decks.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -38,12 +36,6 @@ std::string ReadText(const std::string& name) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-int WriteSeeds(const std::string& folder) {
-    for (const zurt_test::SmallDeck& deck : zurt_test::SmallDecks())
-        std::ofstream(folder + "/" + deck.name, std::ios::binary) << deck.text;
-    return 0;
-}
-
 int Replay(const std::vector<std::string>& names, bool verbose) {
     const Oracles oracles = OraclesAskedFor();
     int objections = 0;
@@ -68,8 +60,6 @@ int Replay(const std::vector<std::string>& names, bool verbose) {
 
 int main(int count, char** values) {
     std::vector<std::string> arguments(values + 1, values + count);
-    if (arguments.size() == 2 && arguments[0] == "--seeds")
-        return zurt_fuzz::WriteSeeds(arguments[1]);
     const bool verbose = !arguments.empty() && arguments[0] == "-v";
     if (verbose)
         arguments.erase(arguments.begin());

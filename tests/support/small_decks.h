@@ -1,4 +1,4 @@
-// Small good decks that among them reach every reader of cards. Each runs in a few milliseconds.
+// The small good decks of tests/data/decks, which among them reach every reader of cards. Each runs in a few milliseconds.
 #pragma once
 
 #include <string>
