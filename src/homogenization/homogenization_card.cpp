@@ -106,6 +106,15 @@ void EchoHomogenizationCard(Run& run) {
 const CardLayout kHomogenizationCard = Layout("Homogenization card", kHomogenizationFields);
 const CardLayout kCurveEndsCard = Layout("Card of the curve ends", kCurveEndsFields);
 
+void ForgetFit(Run& run) {
+    FitState fresh;
+    fresh.card = run.fit.card;
+    fresh.card.IEHM = run.fit.IEHM;
+    fresh.card.INDDEG = run.fit.INDDEG;
+    run.fit = fresh;
+    run.mass = MassTables{};
+}
+
 void ReadHomogenizationCard(Run& run) {
     HomogenizationCard& card = run.fit.card;
     const std::int32_t INDFOR = run.control.header.INDFOR;
@@ -127,6 +136,21 @@ void ReadHomogenizationCard(Run& run) {
         PrintCardNumber(run, first, 0);
         EchoHomogenizationCard(run);
     }
+    if (run.control.header.IDIRECTD == 1) // takes the model with fibres first; a fit beside it is not made
+        card.IEHM = card.NFIT = 0;
+    run.fit.IEHM = card.IEHM;
+    run.fit.INDDEG = card.INDDEG;
+    run.fit.IFINALRUN = card.NFIT != 1;
+}
+
+void TakeHeqStart(Run& run) {
+    FitState& fit = run.fit;
+    fit.HEQ = run.fibres.HEQ;
+    if (run.fibres.dimension != 3)
+        return;
+    fit.HEQ0 = fit.HEQ;
+    for (int direction = 1; direction <= 3; ++direction)
+        fit.HEQDIR[direction] = fit.HEQ;
 }
 
 } // namespace zurt

@@ -101,13 +101,6 @@ void ReadNodes(Run& run) {
 
 void ReadMicroscaleData(Run& run) {
     ReadHomogenizationCard(run);
-    HomogenizationCard& card = run.fit.card;
-    if (run.control.header.IDIRECTD ==
-        1) // takes the model with fibres first; a fit asked for beside it is not made
-        card.IEHM = card.NFIT = 0;
-    run.fit.IEHM = card.IEHM;
-    run.fit.INDDEG = card.INDDEG;
-    run.fit.IFINALRUN = card.NFIT != 1;
     ReadFibreData(run, run.fibres);
 }
 
@@ -144,8 +137,10 @@ void ReadElementGroups(Run& run) {
 
 // The fibre step stands ahead of the solution vectors: it may take equations away.
 void LayMeshOverFibres(Run& run) {
-    if (run.fit.card.NSETS > 0)
+    if (run.fit.card.NSETS > 0) {
         ApplyFibres(run, run.fibres);
+        TakeHeqStart(run);
+    }
     if (RunsSeveralTimes(run))
         ReserveFullLayout(run);
 }
@@ -230,18 +225,6 @@ void ReadBoundaryData(Run& run) {
         ReadSurfaceData(run);
 }
 
-// A problem begins without the fit of the one before. The homogenization card keeps its fields, which a free format card
-// may leave out; IEHM and INDDEG are as that fit left them.
-void ForgetFit(Run& run) {
-    FitState fresh;
-    fresh.card = run.fit.card;
-    fresh.card.IEHM = run.fit.IEHM;
-    fresh.card.INDDEG = run.fit.INDDEG;
-    run.fit = fresh;
-    run.mass = MassTables{};
-    ReserveRoom(run, 0, 0);
-}
-
 } // namespace
 
 void ReadProblem(Run& run) {
@@ -250,6 +233,7 @@ void ReadProblem(Run& run) {
     run.job.Solving = 0;
     RestartWorkingVector(run.A);
     ForgetFit(run);
+    ReserveRoom(run, 0, 0);
     ReadHeaderCards(run);
     ReadTimeData(run);
     ReadNodes(run);

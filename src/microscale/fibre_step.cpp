@@ -149,7 +149,7 @@ void RequireNodesOfSubstructures(const Run& run) {
 }
 
 // Without an equation there is nothing to solve, and the solvers say so each in its own way or not at all.
-void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray nodeMarks) {
+void LeaveOutNodesInFibres(Run& run, FibreModel& model, ConstIntArray nodeMarks) {
     std::int32_t JEDN = 0;
     if (!LeaveOutUnmarkedNodes(EquationNumbers(run), nodeMarks, JEDN))
         return;
@@ -161,7 +161,7 @@ void LeaveOutNodesInFibres(Run& run, const FibreModel& model, ConstIntArray node
             "there is nothing to solve");
     RequireNodesOfSubstructures(run);
     SetMatrixLength(run, FormLayout(run, model, NumberingOf(run), LayoutElements::Kept));
-    run.fit.keptLayout = true;
+    model.keptLayout = true;
 }
 
 } // namespace
@@ -186,7 +186,7 @@ void ApplyFibres(Run& run, FibreModel& model) {
     if (run.fit.IEHM != 1 || card.NFIT != 0)
         LeaveOutNodesInFibres(run, model, nodeMarks);
     if (card.NFIT == 0) // a fit keeps that of its first group
-        run.fibres.POROSITY = Porosity(model.VOLFLUID, model.totalVolume);
+        model.POROSITY = Porosity(model.VOLFLUID, model.totalVolume);
 }
 
 } // namespace zurt

@@ -96,23 +96,20 @@ double SetMeanDistance(Run& run, const FibreGroup& marks, const ElementGroup& gr
     return MeanOverNodes(pass, nodeMarks);
 }
 
-void SetSpaceHeq(FitState& fit, const FibreModel& model, double moleculeRadius) {
+double SpaceHeq(const FibreModel& model, double moleculeRadius) {
     double weighted = 0.0;
     for (const FibreSet& set : model.sets)
         weighted += set.volume * set.meanDistance;
-    const double HEQ = weighted / model.fibreVolume + moleculeRadius;
-    fit.HEQ = fit.HEQ0 = HEQ;
-    for (int direction = 1; direction <= 3; ++direction)
-        fit.HEQDIR[direction] = HEQ;
+    return weighted / model.fibreVolume + moleculeRadius;
 }
 
-void SetPlaneHeq(FitState& fit, const FibreModel& model, double moleculeRadius) {
-    fit.HEQ = 0.0;
+double PlaneHeq(const FibreModel& model, double moleculeRadius) {
+    double HEQ = 0.0;
     for (const FibreSet& set : model.sets)
-        fit.HEQ += set.meanDistance;
+        HEQ += set.meanDistance;
     if (model.sets.size() > 1)
-        fit.HEQ /= static_cast<double>(model.sets.size());
-    fit.HEQ += moleculeRadius;
+        HEQ /= static_cast<double>(model.sets.size());
+    return HEQ + moleculeRadius;
 }
 
 } // namespace
@@ -132,11 +129,8 @@ void ComputeHeqStart(Run& run, FibreModel& model, const ElementGroup& group, Con
         HeqPass<Family> pass{search, tolerance, model.sets[s].WALLCUT, moleculeRadius};
         model.sets[s].meanDistance = SetMeanDistance(run, marks, group, nodeMarks, pass, domainVolume);
     }
-    run.fibres.POROSITY = Porosity(model.VOLFLUID, domainVolume);
-    if constexpr (kDimension<Family> == 2)
-        SetPlaneHeq(run.fit, model, moleculeRadius);
-    else
-        SetSpaceHeq(run.fit, model, moleculeRadius);
+    model.POROSITY = Porosity(model.VOLFLUID, domainVolume);
+    model.HEQ = kDimension<Family> == 2 ? PlaneHeq(model, moleculeRadius) : SpaceHeq(model, moleculeRadius);
 }
 
 #define ZURT_HEQ_START(FAMILY)                                                                               \

@@ -11,8 +11,8 @@ namespace zurt {
 
 /// For every set the mean wall distance at nodes that belong to one marked element alone, from distances at Gauss points
 /// weighted by the shape functions; points farther than WALLCUT stay out, and a set without any such node takes WALLCUT.
-/// Sets the volumes of the sets, their meanDistance, POROSITY, and in space HEQ0, HEQDIR and HEQ, the mean of the sets
-/// weighted by volume; in the plane HEQ alone, their plain mean. With IDIAM 1 the molecule's radius is subtracted from
+/// Sets the volumes of the sets, their meanDistance, and the model's POROSITY and HEQ: in space the mean of the sets
+/// weighted by volume, in the plane their plain mean. With IDIAM 1 the molecule's radius is subtracted from
 /// distances and added to the result.
 ///   nodeMarks  1..NP: marked elements at each node (input)
 ///   low, high  the region of the group's Gauss points

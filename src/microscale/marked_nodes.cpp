@@ -55,10 +55,10 @@ void ReformEquationNumbers(Run& run) {
     std::int32_t JEDN = 0;
     for (Word i = 1; i <= ID.length; ++i)
         ID(i) = all || !marked || marks(i) >= 1 ? ++JEDN : 0;
-    if (JEDN == run.sizes.JEDN && !run.fit.keptLayout)
+    if (JEDN == run.sizes.JEDN && !run.fibres.keptLayout)
         return; // what is there serves all elements
     SetEquations(run, JEDN);
-    run.fit.keptLayout = !all;
+    run.fibres.keptLayout = !all;
     SetMatrixLength(
         run, FormLayout(run, run.fibres, NumberingOf(run), all ? LayoutElements::All : LayoutElements::Kept));
 }

@@ -105,6 +105,8 @@ struct FibreModel {
     double totalVolume = 0.0;       // volume of all Gauss points
     double fibreVolume = 0.0;       // sum over the sets
     double POROSITY = 1.0;          // of the domain; 1 without fibres
+    double HEQ = 0.0;        // mean wall distance over the sets, with which an equivalent medium starts
+    bool keptLayout = false; // the layout in force is that of the elements outside fibres alone
 };
 
 inline bool ElementMarked(const FibreGroup& group, Word element) {

@@ -35,7 +35,6 @@ struct FitState {
     std::int32_t activeDirection[4] = {}; // flags at 1..3
     std::int32_t NACTDIR = 0;             // how many of them are 1
     std::int32_t IFINALRUN = 1;           // 1: this run writes results
-    bool keptLayout = false;              // MAXA is that of the elements outside fibres alone
 
     double MASSFIB = 0.0; // mass through the inlet in the run with fibres
     double MASSEHM = 0.0; // and in the last run of the equivalent medium

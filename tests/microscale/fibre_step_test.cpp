@@ -1,3 +1,4 @@
+#include "homogenization/homogenization_card.h"
 #include "microscale/fibre_step.h"
 #include "support/expect_stop.h"
 
@@ -78,12 +79,15 @@ TEST(FibreStep, PorosityInThePlane) {
         set.WALLCUT = 10.0;
     medium.run.fit.IEHM = 1;
     ApplyFibres(medium.run, medium.model);
-    EXPECT_NEAR(medium.run.fibres.POROSITY, 1 - 0.1 - kPi / 4 * 0.25, 0.004);
+    EXPECT_NEAR(medium.model.POROSITY, 1 - 0.1 - kPi / 4 * 0.25, 0.004);
     EXPECT_NEAR(medium.model.sets[0].volume, 0.1, 1e-15);
-    EXPECT_EQ(medium.run.fit.HEQ0, 0.0); // HEQ alone is set in the plane, the plain mean of the sets
-    EXPECT_DOUBLE_EQ(medium.run.fit.HEQ,
+    EXPECT_DOUBLE_EQ(medium.model.HEQ,
                      (medium.model.sets[0].meanDistance + medium.model.sets[1].meanDistance) / 2);
-    EXPECT_GT(medium.run.fit.HEQ, 0.0);
+    EXPECT_GT(medium.model.HEQ, 0.0);
+    medium.run.fibres = medium.model;
+    TakeHeqStart(medium.run);
+    EXPECT_EQ(medium.run.fit.HEQ, medium.model.HEQ);
+    EXPECT_EQ(medium.run.fit.HEQ0, 0.0) << "HEQ alone is set in the plane, the plain mean of the sets";
 }
 
 // --- nodes and layout ---------------------------------------------------------------------------------------------
@@ -243,6 +247,8 @@ TEST(HeqStart, OneSphereInARowOfBricks) {
         fit.card.IDIAM = test.moleculeRadius > 0.0 ? 1 : 0;
         medium.run.control.header.DMOLECULE = test.moleculeRadius > 0.0 ? 2 * test.moleculeRadius : 0.4;
         ApplyFibres(medium.run, medium.model);
+        medium.run.fibres = medium.model;
+        TakeHeqStart(medium.run);
         const double expected = ExpectedHeq(3, centre, 0.3, test);
         EXPECT_NEAR(fit.HEQ0, expected, 1e-12) << test.WALLCUT;
         EXPECT_EQ(fit.HEQ, fit.HEQ0);
@@ -261,7 +267,7 @@ TEST(HeqStart, SetsWeighByTheirVolumes) {
     ApplyFibres(medium.run, medium.model);
     const FibreSet &spheres = medium.model.sets[0], &lines = medium.model.sets[1];
     EXPECT_NEAR(spheres.meanDistance, ExpectedHeq(3, {0.4, 0.45, 0.55}, 0.3, {10.0, 0.0}), 1e-12);
-    EXPECT_NEAR(medium.run.fit.HEQ0,
+    EXPECT_NEAR(medium.model.HEQ,
                 (spheres.meanDistance * spheres.volume + lines.meanDistance * lines.volume) /
                     (spheres.volume + lines.volume),
                 1e-14);
