@@ -29,6 +29,10 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
                      that outgrow it (default: 120000000)
       --wall-cells N elements that a fibre wall cuts are integrated over N x N (x N)
                      sub-cells (changes digits; default: Gauss points alone)
+      --solver NAME  skyline, sparse or cg (conjugate gradients) in the place of
+                     the solver that the deck chooses
+      --tolerance T  residual at which cg ends, relative to the right-hand side
+                     (default: 1e-12)
   -h, --help         this page
       --version      the program's version
 
@@ -60,7 +64,25 @@ struct Arguments {
     bool version = false;
     const CLI::Option* outputGiven = nullptr; // by pointer: a search by name could fail for lack of memory
     const CLI::Option* wallCellsGiven = nullptr;
+    std::string solver;
+    const CLI::Option* solverGiven = nullptr;
+    const CLI::Option* toleranceGiven = nullptr;
 };
+
+struct SolverName {
+    const char* name;
+    SolverChoice choice;
+};
+constexpr SolverName kSolverNames[] = {
+    {"skyline", SolverChoice::Skyline}, {"sparse", SolverChoice::Sparse}, {"cg", SolverChoice::Gradients}};
+
+// OfDeck for a name that no solver has.
+SolverChoice SolverOf(const std::string& name) {
+    for (const SolverName& solver : kSolverNames)
+        if (name == solver.name)
+            return solver.choice;
+    return SolverChoice::OfDeck;
+}
 
 void DescribeArguments(CLI::App& app, Arguments& arguments) {
     app.set_help_flag(); // the page above is the help
@@ -68,6 +90,8 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     arguments.outputGiven = app.add_option("-o,--output", arguments.output);
     app.add_option("--words", arguments.settings.words);
     arguments.wallCellsGiven = app.add_option("--wall-cells", arguments.settings.options.wallCells);
+    arguments.solverGiven = app.add_option("--solver", arguments.solver);
+    arguments.toleranceGiven = app.add_option("--tolerance", arguments.settings.options.tolerance);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -90,6 +114,12 @@ std::string FaultOf(const Arguments& arguments) {
     if (arguments.wallCellsGiven->count() > 0 &&
         (settings.options.wallCells < 2 || settings.options.wallCells > kMostWallCells))
         return "--wall-cells takes a count between 2 and " + std::to_string(kMostWallCells);
+    if (arguments.solverGiven->count() > 0 && SolverOf(arguments.solver) == SolverChoice::OfDeck)
+        return "--solver takes skyline, sparse or cg, not " + arguments.solver;
+    if (arguments.toleranceGiven->count() > 0 && SolverOf(arguments.solver) != SolverChoice::Gradients)
+        return "--tolerance belongs to --solver cg";
+    if (!(settings.options.tolerance > 0.0 && settings.options.tolerance < 1.0))
+        return "--tolerance takes a number between 0 and 1";
     return "";
 }
 
@@ -100,13 +130,14 @@ std::string FaultOfParsing(const CLI::ParseError& error) {
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
         return "no such option" + found;
     if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)
-        return "a whole number is expected" + found;
+        return "a number is expected" + found;
     return text;
 }
 
 JobSettings SettingsOf(const Arguments& arguments) {
     JobSettings settings = arguments.settings;
     settings.dialogue = false;
+    settings.options.solver = SolverOf(arguments.solver);
     settings.deck = arguments.decks[0];
     settings.folder = arguments.output;
     if (!settings.folder.empty() && settings.folder.back() != '/')

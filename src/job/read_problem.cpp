@@ -28,6 +28,7 @@
 #include "run/echo.h"
 #include "run/files.h"
 #include "run/partition.h"
+#include "solver/linear_system.h"
 
 #include <string_view>
 
@@ -244,6 +245,7 @@ void ReadProblem(Run& run) {
     ReadBoundaryData(run);
     TakeSolverVectors(run);
     WriteSizeReport(run);
+    ReportSystem(run);
     StopIfSystemOverflows(run);
     WriteDeckNotes(run.deck);
 }

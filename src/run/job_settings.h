@@ -16,10 +16,18 @@ constexpr int kInterrupted = 3; // by a signal
 /// Most sub-cells in each direction.
 constexpr std::int32_t kMostWallCells = 32;
 
+/// Who solves the linear systems.
+enum class SolverChoice { OfDeck, Skyline, Sparse, Gradients };
+
+/// The residual at which conjugate gradients end, relative to the right-hand side.
+constexpr double kUsualTolerance = 1e-12;
+
 /// What the command line asks of the calculation beyond the deck; without it the deck alone decides.
 struct RunOptions {
     // Sub-cells a direction in elements that a fibre wall cuts; 0: none (microscale/wall_cells.h).
     std::int32_t wallCells = 0;
+    SolverChoice solver = SolverChoice::OfDeck;
+    double tolerance = kUsualTolerance;
 };
 
 struct JobSettings {

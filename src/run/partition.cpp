@@ -114,7 +114,9 @@ void TakeSharedNodeList(Run& run, std::int32_t sharedNodes) {
 }
 
 void SetSolver(Run& run, std::int32_t SolverSelector) {
-    run.sizes.SparseMode = SolverSelector == 2 ? 1 : 0;
+    const SolverChoice choice = run.options.solver;
+    const bool sparse = choice == SolverChoice::OfDeck ? SolverSelector == 2 : choice == SolverChoice::Sparse;
+    run.sizes.SparseMode = sparse ? 1 : 0;
 }
 
 void SetEquations(Run& run, std::int32_t JEDN) {

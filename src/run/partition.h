@@ -8,7 +8,7 @@
 
 namespace zurt {
 
-/// Which solver the sections are for: SparseMode, from SolverSelector.
+/// Which solver the sections are for: SparseMode, from SolverSelector or the command line.
 void SetSolver(Run& run, std::int32_t SolverSelector);
 /// The number of equations, and the length of SkylineMatrix.
 void SetEquations(Run& run, std::int32_t JEDN);

@@ -1,5 +1,6 @@
 #include "solver/linear_system.h"
 
+#include "solver/system_rows.h"
 #include "solver/system_skyline.h"
 #include "solver/system_sparse.h"
 
@@ -9,6 +10,8 @@ namespace {
 
 /// The one place where the kind of solver is decided.
 SolverKind KindOf(const Run& run) {
+    if (run.options.solver == SolverChoice::Gradients)
+        return SolverKind::Rows;
     return run.sizes.SparseMode == 1 ? SolverKind::Sparse : SolverKind::Skyline;
 }
 
@@ -22,6 +25,8 @@ void BeginLayout(Run& run, const Numbering& numbering) {
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         return BeginSkyline(run, numbering);
+    case SolverKind::Rows:
+        return BeginRows(run);
     case SolverKind::Sparse:
         return;
     }
@@ -31,6 +36,8 @@ void LayOutElements(Run& run, const Numbering& numbering, ConstIntTable NEL, Wor
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         return RaiseHeights(run, numbering, NEL, NDIM, marks);
+    case SolverKind::Rows:
+        return CoupleRows(run, numbering, NEL, NDIM, marks);
     case SolverKind::Sparse:
         return;
     }
@@ -40,6 +47,9 @@ Word FinishLayout(Run& run, const Numbering& numbering) {
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         return FinishSkyline(run, numbering);
+    case SolverKind::Rows:
+        FinishRows(run, numbering);
+        break;
     case SolverKind::Sparse:
         break;
     }
@@ -50,6 +60,8 @@ void SetLayoutAside(Run& run, std::int32_t JEDN) {
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         return SetPointersAside(run, JEDN);
+    case SolverKind::Rows:
+        return SetRowsAside(run);
     case SolverKind::Sparse:
         return;
     }
@@ -59,6 +71,18 @@ void PutLayoutBack(Run& run) {
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         return PutPointersBack(run);
+    case SolverKind::Rows:
+        return PutRowsBack(run);
+    case SolverKind::Sparse:
+        return;
+    }
+}
+
+void ReportSystem(Run& run) {
+    switch (KindOf(run)) {
+    case SolverKind::Rows:
+        return ReportRows(run);
+    case SolverKind::Skyline:
     case SolverKind::Sparse:
         return;
     }
@@ -68,6 +92,8 @@ ElementLimit ElementLimitOf(const Run& run) {
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         break;
+    case SolverKind::Rows:
+        return {0, "conjugate gradients"};
     case SolverKind::Sparse:
         return {kMaxSparseNodes, "the sparse solver (SolverSelector 2)"};
     }
@@ -78,6 +104,8 @@ void ClearMatrix(Run& run) {
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         return ClearStore(run);
+    case SolverKind::Rows:
+        return ClearRows(run);
     case SolverKind::Sparse:
         return BeginTree(run);
     }
@@ -97,6 +125,9 @@ SystemTarget SystemTargetOf(Run& run) {
     case SolverKind::Skyline:
         OpenStore(run, system);
         break;
+    case SolverKind::Rows:
+        OpenRows(run, system);
+        break;
     case SolverKind::Sparse:
         OpenTree(run, system);
         break;
@@ -108,6 +139,8 @@ void AddElement(const SystemTarget& system, ConstRealArray S, ConstRealArray FE,
     switch (system.kind) {
     case SolverKind::Skyline:
         return AddToStore(system, S, FE, LM, ND);
+    case SolverKind::Rows:
+        return AddToRows(system, S, FE, LM, ND);
     case SolverKind::Sparse:
         return AddToTree(system, S, FE, LM, ND);
     }
@@ -120,6 +153,7 @@ void LocateElement(const SystemTarget& system, ConstIntArray LM, Word ND, Elemen
     switch (system.kind) {
     case SolverKind::Skyline:
         return LocateInStore(system, LM, ND, places);
+    case SolverKind::Rows:
     case SolverKind::Sparse:
         return;
     }
@@ -139,6 +173,8 @@ void SolveSystem(Run& run) {
     switch (KindOf(run)) {
     case SolverKind::Skyline:
         return SolveStore(run);
+    case SolverKind::Rows:
+        return SolveRows(run);
     case SolverKind::Sparse:
         return SolveTree(run);
     }

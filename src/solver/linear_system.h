@@ -12,9 +12,9 @@
 
 namespace zurt {
 
-/// The solvers. What differs between them stands in a pair of files each (system_skyline, system_sparse); linear_system.cpp
+/// The solvers. What differs between them stands in a pair of files each (system_skyline, system_sparse, system_rows); linear_system.cpp
 /// leads from here to there.
-enum class SolverKind { Skyline, Sparse };
+enum class SolverKind { Skyline, Sparse, Rows };
 
 // --- layout -------------------------------------------------------------------------------------------------------
 
@@ -44,6 +44,9 @@ Word FinishLayout(Run& run, const Numbering& numbering);
 void SetLayoutAside(Run& run, std::int32_t JEDN);
 /// Puts it back.
 void PutLayoutBack(Run& run);
+
+/// What the report of sizes says beyond the partition of `A`.
+void ReportSystem(Run& run);
 
 /// Node columns of the widest table of elements: a radial fibre's.
 constexpr Word kMostLayoutNodes = 2 * kMaxSubElements + 1;

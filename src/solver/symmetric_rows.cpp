@@ -1,0 +1,137 @@
+#include "solver/symmetric_rows.h"
+
+#include <algorithm>
+
+namespace zurt {
+
+namespace {
+
+// Rows of a block, about: enough for the work of a thread, few enough for the caches.
+constexpr std::int32_t kBlockRows = 8192;
+constexpr std::int32_t kMostBlocks = 32;
+
+/// The elements of each equation: of equation i at element[start[i-1]] and behind, each from 0.
+struct ElementsOfEquations {
+    std::vector<Word> start;
+    std::vector<std::int32_t> element;
+};
+
+ElementsOfEquations ElementsByEquation(const ElementEquations& elements, std::int32_t JEDN) {
+    ElementsOfEquations by;
+    by.start.assign(static_cast<std::size_t>(JEDN) + 1, 0);
+    for (const std::int32_t i : elements.equation)
+        ++by.start[static_cast<std::size_t>(i)];
+    for (std::size_t i = 1; i < by.start.size(); ++i)
+        by.start[i] += by.start[i - 1];
+    by.element.resize(elements.equation.size());
+    std::vector<Word> next(by.start.begin(), by.start.end() - 1);
+    for (std::size_t e = 0; e + 1 < elements.start.size(); ++e)
+        for (Word k = elements.start[e]; k < elements.start[e + 1]; ++k) {
+            const auto row = static_cast<std::size_t>(elements.equation[static_cast<std::size_t>(k)] - 1);
+            by.element[static_cast<std::size_t>(next[row]++)] = static_cast<std::int32_t>(e);
+        }
+    return by;
+}
+
+void CutIntoBlocks(SymmetricRows& rows) {
+    const std::int32_t count = std::clamp(rows.JEDN / kBlockRows, 1, kMostBlocks);
+    rows.block.clear();
+    rows.lowest.clear();
+    for (std::int32_t b = 0; b <= count; ++b)
+        rows.block.push_back(static_cast<std::int32_t>(Word{rows.JEDN} * b / count));
+    for (std::int32_t b = 0; b < count; ++b) {
+        std::int32_t lowest = rows.block[static_cast<std::size_t>(b)];
+        for (auto i = static_cast<std::size_t>(lowest);
+             i < static_cast<std::size_t>(rows.block[static_cast<std::size_t>(b) + 1]); ++i)
+            lowest = std::min(lowest, rows.column[static_cast<std::size_t>(rows.start[i])]);
+        rows.lowest.push_back(lowest);
+    }
+}
+
+} // namespace
+
+void AddElementEquations(ElementEquations& elements, ConstIntArray LM, Word ND) {
+    if (elements.start.empty())
+        elements.start.push_back(0);
+    for (Word k = 1; k <= ND; ++k)
+        if (LM(k) > 0)
+            elements.equation.push_back(LM(k));
+    elements.start.push_back(static_cast<Word>(elements.equation.size()));
+}
+
+void MakePattern(SymmetricRows& rows, const ElementEquations& elements, std::int32_t JEDN) {
+    const ElementsOfEquations by = ElementsByEquation(elements, JEDN);
+    rows.JEDN = JEDN;
+    rows.start.assign(1, 0);
+    rows.start.reserve(static_cast<std::size_t>(JEDN) + 1);
+    rows.column.clear();
+    std::vector<std::int32_t> seenIn(static_cast<std::size_t>(JEDN),
+                                     -1); // the last row that took this column
+    for (std::int32_t i = 0; i < JEDN; ++i) {
+        const auto first = static_cast<std::ptrdiff_t>(rows.column.size());
+        for (Word k = by.start[static_cast<std::size_t>(i)]; k < by.start[static_cast<std::size_t>(i) + 1];
+             ++k) {
+            const auto e = static_cast<std::size_t>(by.element[static_cast<std::size_t>(k)]);
+            for (Word at = elements.start[e]; at < elements.start[e + 1]; ++at) {
+                const std::int32_t j = elements.equation[static_cast<std::size_t>(at)] - 1;
+                if (j < i && seenIn[static_cast<std::size_t>(j)] != i) {
+                    seenIn[static_cast<std::size_t>(j)] = i;
+                    rows.column.push_back(j);
+                }
+            }
+        }
+        std::sort(rows.column.begin() + first, rows.column.end());
+        rows.column.push_back(i);
+        rows.start.push_back(static_cast<Word>(rows.column.size()));
+    }
+    rows.value.assign(rows.column.size() + 1, 0.0);
+    CutIntoBlocks(rows);
+}
+
+Word PlaceOfEntry(const SymmetricRows& rows, std::int32_t i, std::int32_t j) {
+    const auto row = static_cast<std::size_t>(std::max(i, j));
+    const std::int32_t column = std::min(i, j) - 1;
+    const auto first = rows.column.begin() + rows.start[row - 1],
+               last = rows.column.begin() + rows.start[row];
+    const auto found = std::lower_bound(first, last, column);
+    return found == last || *found != column ? -1 : found - rows.column.begin();
+}
+
+void MultiplyBlock(const SymmetricRows& rows, std::int32_t b, const double* v, double* product,
+                   std::vector<double>& ahead) {
+    const double* const value = rows.value.data();
+    const std::int32_t* const column = rows.column.data();
+    const Word* const start = rows.start.data();
+    const std::int32_t first = rows.block[static_cast<std::size_t>(b)],
+                       lowest = rows.lowest[static_cast<std::size_t>(b)];
+    ahead.assign(static_cast<std::size_t>(first - lowest), 0.0);
+    double* const before = ahead.data();
+    for (std::int32_t i = first; i < rows.block[static_cast<std::size_t>(b) + 1]; ++i) {
+        const Word diagonal = start[i + 1] - 1;
+        const double own = v[i];
+        double sum = value[diagonal] * own;
+        Word k = start[i];
+        for (; column[k] < first; ++k) { // the diagonal ends it
+            sum += value[k] * v[column[k]];
+            before[column[k] - lowest] += value[k] * own;
+        }
+        for (; k < diagonal; ++k) {
+            sum += value[k] * v[column[k]];
+            product[column[k]] += value[k] * own;
+        }
+        product[i] = sum;
+    }
+}
+
+void AddFromBlocksBehind(const SymmetricRows& rows, std::int32_t b,
+                         const std::vector<std::vector<double>>& ahead, double* product) {
+    const std::int32_t first = rows.block[static_cast<std::size_t>(b)],
+                       end = rows.block[static_cast<std::size_t>(b) + 1];
+    for (auto c = static_cast<std::size_t>(b) + 1; c < ahead.size(); ++c) {
+        const std::int32_t lowest = rows.lowest[c];
+        for (std::int32_t i = std::max(first, lowest); i < end; ++i)
+            product[i] += ahead[c][static_cast<std::size_t>(i - lowest)];
+    }
+}
+
+} // namespace zurt

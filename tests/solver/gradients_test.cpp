@@ -1,0 +1,185 @@
+// Conjugate gradients against systems whose solution is known, and the program with them against the skyline solver.
+#include "solver/conjugate_gradients.h"
+#include "support/run_deck.h"
+#include "support/small_decks.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <set>
+#include <sstream>
+
+namespace {
+
+using namespace zurt_test;
+using zurt::GradientsEnd;
+
+struct System {
+    zurt::SymmetricRows A;
+    std::vector<double> b;
+
+    zurt::RealArray Right() { return {b.data(), static_cast<zurt::Word>(b.size())}; }
+    void Add(std::int32_t i, std::int32_t j, double value) {
+        A.value[static_cast<std::size_t>(PlaceOfEntry(A, i, j))] += value;
+    }
+};
+
+// Equations i and i + 1, and i and i + stride, couple by -1.
+System MakeGrid(std::int32_t JEDN, std::int32_t stride, double diagonal) {
+    System system;
+    zurt::ElementEquations elements;
+    for (std::int32_t i = 1; i <= JEDN; ++i)
+        for (const std::int32_t j : {i + 1, i + stride}) {
+            const std::int32_t pair[] = {i, j <= JEDN ? j : 0};
+            AddElementEquations(elements, {pair, 2}, 2);
+        }
+    MakePattern(system.A, elements, JEDN);
+    for (std::int32_t i = 1; i <= JEDN; ++i)
+        system.Add(i, i, diagonal);
+    for (std::int32_t i = 1; i < JEDN; ++i)
+        system.Add(i, i + 1, -1.0);
+    for (std::int32_t i = 1; i + stride <= JEDN; ++i)
+        system.Add(i + stride, i, -1.0);
+    system.b.assign(static_cast<std::size_t>(JEDN), 0.0);
+    return system;
+}
+
+// b = A x by the definition of the grid, entry by entry.
+void TakeRightHandSide(System& system, std::int32_t stride, double diagonal, const std::vector<double>& x) {
+    const auto JEDN = static_cast<std::int32_t>(x.size());
+    const auto at = [&](std::int32_t i) { return i >= 0 && i < JEDN ? x[static_cast<std::size_t>(i)] : 0.0; };
+    for (std::int32_t i = 0; i < JEDN; ++i)
+        system.b[static_cast<std::size_t>(i)] =
+            diagonal * at(i) - at(i - 1) - at(i + 1) - at(i - stride) - at(i + stride);
+}
+
+// Faults: what a block gives to rows ahead of it is lost or counted twice (70,000 equations are several blocks), magnitudes
+// whose squares are no numbers any more, equations of very different size.
+TEST(Gradients, FindTheSolutionThatTheRightHandSideWasMadeOf) {
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> entry(-1.0, 1.0);
+    for (const double magnitude : {1.0, 1e-200, 1e200}) {
+        const std::int32_t JEDN = 70000, stride = 260;
+        System system = MakeGrid(JEDN, stride, 4.01);
+        std::vector<double> x(static_cast<std::size_t>(JEDN));
+        for (double& value : x)
+            value = entry(random);
+        TakeRightHandSide(system, stride, 4.01, x);
+        // Row and column i times weight(i): the solution is divided by it.
+        const auto weight = [](std::int32_t i) { return i % 3 == 0 ? 1e-6 : i % 3 == 1 ? 1e3 : 1.0; };
+        for (std::int32_t i = 0; i < JEDN; ++i) {
+            system.b[static_cast<std::size_t>(i)] *= magnitude * weight(i);
+            for (auto k = system.A.start[static_cast<std::size_t>(i)];
+                 k < system.A.start[static_cast<std::size_t>(i) + 1]; ++k)
+                system.A.value[static_cast<std::size_t>(k)] *=
+                    weight(i) * weight(system.A.column[static_cast<std::size_t>(k)]);
+        }
+        zurt::GradientsWork work;
+        const auto report = SolveByGradients(system.A, system.Right(), 1e-13, 1000, work);
+        ASSERT_EQ(report.end, GradientsEnd::Converged) << magnitude;
+        EXPECT_TRUE(report.factored && report.shift == 0.0);
+        double worst = 0.0;
+        for (std::int32_t i = 0; i < JEDN; ++i)
+            worst = std::max(worst, std::abs(system.b[static_cast<std::size_t>(i)] * weight(i) / magnitude -
+                                             x[static_cast<std::size_t>(i)]));
+        EXPECT_LT(worst, 1e-10) << magnitude;
+    }
+}
+
+// D. S. Kershaw's matrix (J. Comp. Phys. 26, 1978): positive definite, and its incomplete factor has a negative pivot.
+TEST(Gradients, ShiftTheDiagonalWhereAPivotFails) {
+    System system = MakeGrid(4, 3, 3.0);
+    system.Add(1, 2, -1.0), system.Add(2, 3, -1.0), system.Add(3, 4, -1.0), system.Add(1, 4, 3.0);
+    system.b = {3.0 - 4.0 + 8.0, -2.0 + 6.0 - 6.0, -4.0 + 9.0 - 8.0, 2.0 - 6.0 + 12.0}; // solution 1, 2, 3, 4
+    zurt::GradientsWork work;
+    const auto report = SolveByGradients(system.A, system.Right(), 1e-12, 100, work);
+    ASSERT_EQ(report.end, GradientsEnd::Converged);
+    EXPECT_GT(report.shift, 0.0);
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_NEAR(system.b[i], static_cast<double>(i) + 1.0, 1e-10);
+}
+
+// Never a silent answer: the right-hand side stays as it was, and the report says why.
+TEST(Gradients, SayWhatTheyCantSolve) {
+    zurt::GradientsWork work;
+    System few = MakeGrid(400, 20, 4.0);
+    few.b[7] = 1.0;
+    EXPECT_EQ(SolveByGradients(few.A, few.Right(), 1e-12, 3, work).end, GradientsEnd::NotConverged);
+    EXPECT_EQ(few.b[7], 1.0);
+    System indefinite = MakeGrid(400, 20, 1.0);
+    indefinite.b[7] = 1.0;
+    EXPECT_EQ(SolveByGradients(indefinite.A, indefinite.Right(), 1e-12, 1000, work).end,
+              GradientsEnd::NotPositiveDefinite);
+    System empty = MakeGrid(3, 2, 1.0);
+    empty.Add(2, 2, -1.0);
+    EXPECT_EQ(SolveByGradients(empty.A, empty.Right(), 1e-12, 10, work).equation, 2);
+}
+
+RunResult RunWith(const std::string& deck, const std::vector<std::string>& options) {
+    const std::string folder = MakeTemporaryFolder();
+    WriteFile(folder + "/zurt.dat", deck);
+    Invocation invocation;
+    invocation.arguments = options;
+    invocation.arguments.push_back("zurt.dat");
+    return RunProgram(folder, invocation);
+}
+
+double Largest(const std::vector<double>& values) {
+    double largest = 0.0;
+    for (const double value : values)
+        largest = std::max(largest, std::abs(value));
+    return largest;
+}
+
+// All examples: steps and iterations as with the skyline solver, concentrations and fluxes to the digits shown.
+TEST(Gradients, GiveTheResultsOfTheSkylineSolver) {
+    for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples")) {
+        const std::string deck = entry.path().string() + "/zurt.dat";
+        if (!std::filesystem::exists(deck))
+            continue;
+        SCOPED_TRACE(deck);
+        const RunResult direct = RunWith(ReadFile(deck), {"--solver", "skyline"});
+        const RunResult run = RunWith(ReadFile(deck), {"--solver", "cg"});
+        ASSERT_EQ(run.status, 0) << run.errors;
+        EXPECT_EQ(run.errors, direct.errors);
+        EXPECT_EQ(NumbersBehind(run.listing, "ITER ="), NumbersBehind(direct.listing, "ITER ="));
+        const auto tables = AllConcentrations(run.listing), expected = AllConcentrations(direct.listing);
+        ASSERT_EQ(tables.size(), expected.size());
+        for (std::size_t step = 0; step < tables.size(); ++step)
+            for (std::size_t node = 0; node < tables[step].size(); ++node)
+                EXPECT_NEAR(tables[step][node], expected[step][node],
+                            1.01e-4 * std::abs(expected[step][node]) + 1e-9 * Largest(expected[step]));
+        for (const int which : {2, 3, 4}) {
+            const auto values = LastUnvValues(run.graphics, which),
+                       shown = LastUnvValues(direct.graphics, which);
+            ASSERT_EQ(values.size(), shown.size());
+            for (std::size_t i = 0; i < values.size(); ++i)
+                EXPECT_NEAR(values[i], shown[i], 1.01e-4 * std::abs(shown[i]) + 1e-9 * Largest(shown) + 1e-13)
+                    << which;
+        }
+    }
+}
+
+// Faults: a message that is passed over, --tolerance that isn't heard, a matrix that still takes room in the working vector.
+TEST(Gradients, EndTheRunWithAMessage) {
+    std::istringstream deck(SmallDeckText("steady free"));
+    std::string singular, line;
+    for (int number = 1; std::getline(deck, line); ++number) {
+        if (number > 5 && number <= 5 + 32) // the cards of its nodes: none is held any more
+            line.replace(line.find(' '), 2, " 0");
+        singular += line + "\n";
+    }
+    const RunResult stopped = RunWith(singular, {"--solver", "cg"});
+    EXPECT_EQ(stopped.status, 1) << stopped.errors;
+    EXPECT_TRUE(Contains(stopped.listing, "CONJUGATE GRADIENTS")) << stopped.errors;
+    const std::string spheres = ReadFile(ZURT_SOURCE_DIR "/examples/spheres/zurt.dat");
+    const RunResult loose = RunWith(spheres, {"--solver", "cg", "--tolerance", "0.5"});
+    EXPECT_GT(CountOf(loose.console, "ITERATION ="), CountOf(RunWith(spheres, {}).console, "ITERATION ="));
+    EXPECT_TRUE(Contains(loose.listing, "SOLUTION BY CONJUGATE GRADIENTS, MATRIX OUTSIDE WORKING VECTOR"));
+    EXPECT_TRUE(Contains(loose.listing, "NWK =        0"));
+}
+
+} // namespace
