@@ -2,6 +2,7 @@
 
 #include "core/file_lock.h"
 #include "core/stop.h"
+#include "core/workers.h"
 
 #include <algorithm>
 #include <cctype>
@@ -107,6 +108,8 @@ void FlushTextUnit(TextUnit& unit) {
 }
 
 TextUnit& BeginMessage(TextUnit& unit) {
+    if (unit.workers != nullptr && unit.workers->sideBySide)
+        throw OutOfTurn{};
     unit.awaitsWords = true;
     unit.words.clear();
     return unit;

@@ -11,6 +11,8 @@
 
 namespace zurt {
 
+struct Workers; // core/workers.h
+
 struct TextUnit {
     std::FILE* file = nullptr; // null while the unit is not open
     char* buffer = nullptr;    // of a file that the unit has opened
@@ -18,6 +20,8 @@ struct TextUnit {
     bool keepsOlder = false;   // a file that an earlier run left is not replaced
     bool awaitsWords = false;  // a message has begun and its first line of words is still to come
     std::string words;         // that line, without blanks around it
+    // Of a unit that takes messages: none begins while these are side by side.
+    const Workers* workers = nullptr;
 };
 
 inline bool IsOpen(const TextUnit& unit) {
@@ -46,7 +50,7 @@ void CloseTextUnit(TextUnit& unit);
 void FlushTextUnit(TextUnit& unit);
 
 /// A message that ends the run follows on this unit; its first line that holds letters is kept in `words`. Returns the
-/// unit.
+/// unit. Throws OutOfTurn instead while its workers are side by side (core/workers.h).
 TextUnit& BeginMessage(TextUnit& unit);
 
 /// Appends one record and its line end.

@@ -33,6 +33,8 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
                      the solver that the deck chooses
       --tolerance T  residual at which cg ends, relative to the right-hand side
                      (default: 1e-12)
+      --threads N    threads that share the work; 0: one for each processor
+                     (changes no digit; default: 1)
   -h, --help         this page
       --version      the program's version
 
@@ -92,6 +94,7 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     arguments.wallCellsGiven = app.add_option("--wall-cells", arguments.settings.options.wallCells);
     arguments.solverGiven = app.add_option("--solver", arguments.solver);
     arguments.toleranceGiven = app.add_option("--tolerance", arguments.settings.options.tolerance);
+    app.add_option("--threads", arguments.settings.options.threads);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -120,6 +123,8 @@ std::string FaultOf(const Arguments& arguments) {
         return "--tolerance belongs to --solver cg";
     if (!(settings.options.tolerance > 0.0 && settings.options.tolerance < 1.0))
         return "--tolerance takes a number between 0 and 1";
+    if (settings.options.threads < 0 || settings.options.threads > kMostThreads)
+        return "--threads takes a count between 0 and " + std::to_string(kMostThreads);
     return "";
 }
 

@@ -37,6 +37,8 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
     CreateWorkingVector(run.A, settings.words);
     run.options = settings.options;
     run.job.Language = kEnglish;
+    StartWorkers(run.workers, run.options.threads);
+    run.units.listing.workers = run.units.console.workers = &run.workers;
     run.units.consoleInput = consoleInput;
     if (!settings.quiet)
         AttachTextUnit(run.units.console, consoleOutput, "the console");

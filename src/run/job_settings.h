@@ -21,6 +21,8 @@ enum class SolverChoice { OfDeck, Skyline, Sparse, Gradients };
 
 /// The residual at which conjugate gradients end, relative to the right-hand side.
 constexpr double kUsualTolerance = 1e-12;
+/// Most threads.
+constexpr std::int32_t kMostThreads = 256;
 
 /// What the command line asks of the calculation beyond the deck; without it the deck alone decides.
 struct RunOptions {
@@ -28,6 +30,8 @@ struct RunOptions {
     std::int32_t wallCells = 0;
     SolverChoice solver = SolverChoice::OfDeck;
     double tolerance = kUsualTolerance;
+    // Threads at work in the loops that have them (core/workers.h); 0: one a processor. No digit depends on it.
+    std::int32_t threads = 1;
 };
 
 struct JobSettings {

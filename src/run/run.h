@@ -1,6 +1,7 @@
 // Everything that one run of the program holds; passed by reference from the driver down.
 #pragma once
 
+#include "core/workers.h"
 #include "input/deck.h"
 #include "run/control.h"
 #include "run/element_group.h"
@@ -25,6 +26,7 @@ struct NodalAveraging {
 
 struct Run {
     RunOptions options;
+    Workers workers; // one thread unless the command line asks for more
     Control control;
     JobState job;
     SystemSizes sizes;
