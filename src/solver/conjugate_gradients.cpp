@@ -1,7 +1,5 @@
 #include "solver/conjugate_gradients.h"
 
-#include "solver/incomplete_cholesky.h"
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -15,19 +13,31 @@ constexpr double kShifts[] = {0.0, 1e-3, 1e-2, 1e-1, 1.0};
 /// A residual of so many roundings of the solution can't be made smaller: what a direct solver leaves is no less.
 constexpr double kRoundings = 100.0 * std::numeric_limits<double>::epsilon();
 
+// The system in hand as one worker of the team sees it. Each does the blocks of rows that are its own, and all come to the
+// same scalars from the sums of the blocks.
+struct Gradients {
+    TeamMember member;
+    SymmetricRows& A;
+    const LevelSchedule& schedule;
+    GradientsWork& work;
+    bool factored = false;
+};
+
 // The rows of a block, from 0.
 struct RowRange {
     std::size_t first, end;
 };
 
-RowRange RowsOf(const SymmetricRows& A, std::int32_t b) {
-    const auto block = static_cast<std::size_t>(b);
-    return {static_cast<std::size_t>(A.block[block]), static_cast<std::size_t>(A.block[block + 1])};
-}
-
-template <class Body> void ForBlocks(const SymmetricRows& A, const Body& body) {
-    for (std::int32_t b = 0; b < BlockCount(A); ++b)
-        body(b, RowsOf(A, b));
+// Calls body(block, rows) for this worker's blocks, and waits for the others.
+template <class Body> void ForBlocks(const Gradients& gradients, const Body& body) {
+    const std::int32_t count = BlockCount(gradients.A), workers = gradients.member.workers.count,
+                       worker = gradients.member.worker;
+    for (std::int32_t b = count * worker / workers; b < count * (worker + 1) / workers; ++b) {
+        const auto block = static_cast<std::size_t>(b);
+        body(block, RowRange{static_cast<std::size_t>(gradients.A.block[block]),
+                             static_cast<std::size_t>(gradients.A.block[block + 1])});
+    }
+    MeetWorkers(gradients.member.workers);
 }
 
 double Dot(const std::vector<double>& u, const std::vector<double>& v, RowRange rows) {
@@ -44,17 +54,6 @@ double Total(const std::vector<double>& sums) {
     return total;
 }
 
-// The first equation whose diagonal is not positive; 0: none.
-std::int32_t TakeScale(const SymmetricRows& A, std::vector<double>& scale) {
-    for (std::size_t i = 0; i < scale.size(); ++i) {
-        const double entry = A.value[static_cast<std::size_t>(A.start[i + 1]) - 1];
-        if (!(entry > 0.0))
-            return static_cast<std::int32_t>(i) + 1;
-        scale[i] = 1.0 / std::sqrt(entry);
-    }
-    return 0;
-}
-
 void ScaleBlock(SymmetricRows& A, RowRange rows, const std::vector<double>& scale) {
     for (std::size_t i = rows.first; i < rows.end; ++i) {
         const auto diagonal = static_cast<std::size_t>(A.start[i + 1]) - 1;
@@ -64,14 +63,15 @@ void ScaleBlock(SymmetricRows& A, RowRange rows, const std::vector<double>& scal
     }
 }
 
-void Factor(const SymmetricRows& A, GradientsWork& work, GradientsReport& report) {
-    work.L.resize(A.column.size());
+void Factor(Gradients& gradients, GradientsReport& report) {
     for (const double shift : kShifts) {
         report.shift = shift;
-        report.factored = FactorRows(A, shift, work.L);
-        if (report.factored)
-            return;
+        gradients.factored =
+            FactorRows(gradients.member, gradients.A, gradients.schedule, shift, gradients.work.factor);
+        if (gradients.factored)
+            break;
     }
+    report.factored = gradients.factored;
 }
 
 struct Norms {
@@ -79,33 +79,38 @@ struct Norms {
 };
 
 // z = M^-1 r.
-Norms Precondition(const SymmetricRows& A, bool factored, GradientsWork& work) {
-    if (factored)
-        SubstituteRows(A, work.L, work.r, work.z);
-    else
-        work.z = work.r;
-    ForBlocks(A, [&](std::int32_t b, RowRange rows) {
-        work.sums[static_cast<std::size_t>(b)] = Dot(work.r, work.r, rows);
-        work.moreSums[static_cast<std::size_t>(b)] = Dot(work.r, work.z, rows);
+Norms Precondition(const Gradients& gradients) {
+    GradientsWork& work = gradients.work;
+    if (gradients.factored)
+        SubstituteRows(gradients.member, gradients.A, gradients.schedule, work.factor, work.r.data(),
+                       work.z.data());
+    ForBlocks(gradients, [&](std::size_t block, RowRange rows) {
+        if (!gradients.factored)
+            std::copy(&work.r[rows.first], &work.r[rows.first] + (rows.end - rows.first),
+                      &work.z[rows.first]);
+        work.sums[block] = Dot(work.r, work.r, rows);
+        work.moreSums[block] = Dot(work.r, work.z, rows);
     });
     return {Total(work.sums), Total(work.moreSums)};
 }
 
 // Ap = A v; returns v A v.
-double Multiply(const SymmetricRows& A, const std::vector<double>& v, GradientsWork& work) {
-    ForBlocks(A, [&](std::int32_t b, RowRange) {
-        MultiplyBlock(A, b, v.data(), work.Ap.data(), work.ahead[static_cast<std::size_t>(b)]);
+double Multiply(const Gradients& gradients, const std::vector<double>& v) {
+    GradientsWork& work = gradients.work;
+    ForBlocks(gradients, [&](std::size_t block, RowRange) {
+        MultiplyBlock(gradients.A, block, v.data(), work.Ap.data(), work.ahead[block]);
     });
-    ForBlocks(A, [&](std::int32_t b, RowRange rows) {
-        AddFromBlocksBehind(A, b, work.ahead, work.Ap.data());
-        work.sums[static_cast<std::size_t>(b)] = Dot(v, work.Ap, rows);
+    ForBlocks(gradients, [&](std::size_t block, RowRange rows) {
+        AddFromBlocksBehind(gradients.A, block, work.ahead, work.Ap.data());
+        work.sums[block] = Dot(v, work.Ap, rows);
     });
     return Total(work.sums);
 }
 
 // x += step p, r -= step Ap.
-void Advance(const SymmetricRows& A, double step, GradientsWork& work) {
-    ForBlocks(A, [&](std::int32_t, RowRange rows) {
+void Advance(const Gradients& gradients, double step) {
+    GradientsWork& work = gradients.work;
+    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
         for (std::size_t i = rows.first; i < rows.end; ++i) {
             work.x[i] += step * work.p[i];
             work.r[i] -= step * work.Ap[i];
@@ -113,35 +118,41 @@ void Advance(const SymmetricRows& A, double step, GradientsWork& work) {
     });
 }
 
-// r = b - A x.
-void TakeResidual(const SymmetricRows& A, GradientsWork& work) {
-    Multiply(A, work.x, work);
-    ForBlocks(A, [&](std::int32_t, RowRange rows) {
+// r = b - A x; returns x x.
+double TakeResidual(const Gradients& gradients) {
+    GradientsWork& work = gradients.work;
+    Multiply(gradients, work.x);
+    ForBlocks(gradients, [&](std::size_t block, RowRange rows) {
         for (std::size_t i = rows.first; i < rows.end; ++i)
             work.r[i] = work.b[i] - work.Ap[i];
+        work.moreSums[block] = Dot(work.x, work.x, rows);
     });
+    const double size = Total(work.moreSums);
+    MeetWorkers(gradients.member.workers); // the sums have been read
+    return size;
 }
 
 // p = z + ratio p.
-void TurnDirection(const SymmetricRows& A, double ratio, GradientsWork& work) {
-    ForBlocks(A, [&](std::int32_t, RowRange rows) {
+void TurnDirection(const Gradients& gradients, double ratio) {
+    GradientsWork& work = gradients.work;
+    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
         for (std::size_t i = rows.first; i < rows.end; ++i)
             work.p[i] = work.z[i] + ratio * work.p[i];
     });
 }
 
 // Iterates until the residual of the recurrence is at most `small`, squared. False when the matrix is not positive definite.
-bool Iterate(const SymmetricRows& A, double small, std::int32_t limit, Norms norms, GradientsWork& work,
+bool Iterate(const Gradients& gradients, double small, std::int32_t limit, Norms norms,
              GradientsReport& report) {
     double ratio = 0.0;
     while (norms.rr > small && report.iterations < limit) {
-        TurnDirection(A, ratio, work);
-        const double energy = Multiply(A, work.p, work);
+        TurnDirection(gradients, ratio);
+        const double energy = Multiply(gradients, gradients.work.p);
         if (!(energy > 0.0 && norms.rz > 0.0 && std::isfinite(energy)))
             return false;
         const double before = norms.rz;
-        Advance(A, before / energy, work);
-        norms = Precondition(A, report.factored, work);
+        Advance(gradients, before / energy);
+        norms = Precondition(gradients);
         ratio = norms.rz / before;
         ++report.iterations;
     }
@@ -149,29 +160,35 @@ bool Iterate(const SymmetricRows& A, double small, std::int32_t limit, Norms nor
 }
 
 // Turns of the iteration, each from the residual of the solution itself: that of the recurrence drifts away from it.
-void IterateInTurns(const SymmetricRows& A, double tolerance, std::int32_t limit, GradientsWork& work,
-                    GradientsReport& report) {
-    work.r = work.b;
-    const Norms begin = Precondition(A, report.factored, work);
+GradientsEnd IterateInTurns(const Gradients& gradients, const GradientsLimits& limits,
+                            GradientsReport& report) {
+    const double tolerance = limits.tolerance;
+    const Norms begin = Precondition(gradients);
     Norms norms = begin;
-    report.end = GradientsEnd::NotPositiveDefinite;
     while (begin.rr > 0.0) {
         const double before = norms.rr;
-        if (!Iterate(A, tolerance * tolerance * begin.rr, limit, norms, work, report))
-            return;
-        TakeResidual(A, work);
-        norms = Precondition(A, report.factored, work);
+        if (!Iterate(gradients, tolerance * tolerance * begin.rr, limits.iterations, norms, report))
+            return GradientsEnd::NotPositiveDefinite;
+        const double size = TakeResidual(gradients);
+        norms = Precondition(gradients);
         report.residual = std::sqrt(norms.rr / begin.rr);
-        double size = 0.0;
-        ForBlocks(A, [&](std::int32_t, RowRange rows) { size += Dot(work.x, work.x, rows); });
         if (report.residual <= tolerance || norms.rr <= kRoundings * kRoundings * size)
             break;
-        if (report.iterations >= limit || norms.rr > 0.25 * before) {
-            report.end = GradientsEnd::NotConverged;
-            return;
-        }
+        if (report.iterations >= limits.iterations || norms.rr > 0.25 * before)
+            return GradientsEnd::NotConverged;
     }
-    report.end = GradientsEnd::Converged;
+    return GradientsEnd::Converged;
+}
+
+// The first equation whose diagonal is not positive; 0: none.
+std::int32_t TakeScale(const SymmetricRows& A, std::vector<double>& scale) {
+    for (std::size_t i = 0; i < scale.size(); ++i) {
+        const double entry = A.value[static_cast<std::size_t>(A.start[i + 1]) - 1];
+        if (!(entry > 0.0))
+            return static_cast<std::int32_t>(i) + 1;
+        scale[i] = 1.0 / std::sqrt(entry);
+    }
+    return 0;
 }
 
 bool SmallerMagnitude(double one, double other) {
@@ -189,33 +206,45 @@ void TakeRoom(const SymmetricRows& A, GradientsWork& work) {
     work.moreSums.assign(blocks, 0.0);
 }
 
-} // namespace
-
-GradientsReport SolveByGradients(SymmetricRows& A, RealArray b, double tolerance, std::int32_t limit,
-                                 GradientsWork& work) {
+// What each worker of the team does.
+GradientsReport SolveInTeam(Gradients gradients, RealArray b, const GradientsLimits& limits) {
     GradientsReport report;
-    if (A.JEDN == 0) {
-        report.end = GradientsEnd::Converged;
-        return report;
-    }
-    TakeRoom(A, work);
-    report.equation = TakeScale(A, work.scale);
-    if (report.equation != 0) {
-        report.end = GradientsEnd::NotPositiveDefinite;
-        return report;
-    }
+    GradientsWork& work = gradients.work;
     int exponent = 0; // of the largest entry of b: squares of what is left neither over- nor underflow
     std::frexp(*std::max_element(b.data, b.data + b.length, SmallerMagnitude), &exponent);
-    ForBlocks(A, [&](std::int32_t, RowRange rows) {
-        ScaleBlock(A, rows, work.scale);
+    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
+        ScaleBlock(gradients.A, rows, work.scale);
         for (std::size_t i = rows.first; i < rows.end; ++i)
-            work.b[i] = std::ldexp(work.scale[i] * b.data[i], -exponent);
+            work.b[i] = work.r[i] = std::ldexp(work.scale[i] * b.data[i], -exponent);
     });
-    Factor(A, work, report);
-    IterateInTurns(A, tolerance, limit, work, report);
-    if (report.end == GradientsEnd::Converged)
-        for (std::size_t i = 0; i < work.x.size(); ++i)
-            b.data[i] = std::ldexp(work.scale[i] * work.x[i], exponent);
+    Factor(gradients, report);
+    report.end = IterateInTurns(gradients, limits, report);
+    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
+        if (report.end == GradientsEnd::Converged)
+            for (std::size_t i = rows.first; i < rows.end; ++i)
+                b.data[i] = std::ldexp(work.scale[i] * work.x[i], exponent);
+    });
+    return report;
+}
+
+} // namespace
+
+GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const LevelSchedule& schedule,
+                                 RealArray b, const GradientsLimits& limits, GradientsWork& work) {
+    GradientsReport report;
+    report.end = GradientsEnd::Converged;
+    if (A.JEDN == 0)
+        return report;
+    TakeRoom(A, work);
+    TakeFactorRoom(A, schedule, workers.count, work.factor);
+    report.equation = TakeScale(A, work.scale);
+    report.end = GradientsEnd::NotPositiveDefinite;
+    if (report.equation == 0)
+        InTeam(workers, [&](int worker) {
+            const GradientsReport found = SolveInTeam({{workers, worker}, A, schedule, work}, b, limits);
+            if (worker == 0)
+                report = found;
+        });
     return report;
 }
 

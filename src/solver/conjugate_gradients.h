@@ -1,11 +1,11 @@
-// Conjugate gradients for symmetric positive definite systems, preconditioned by incomplete Cholesky factors.
+// Conjugate gradients for symmetric positive definite systems, preconditioned by an incomplete Cholesky factor.
 //
 // M. R. Hestenes and E. Stiefel, J. Res. Nat. Bur. Standards 49 (1952) 409-436. The system is scaled to a diagonal of 1
 // first, so that equations of reservoirs and of narrow channels count alike in the test of the residual. Called by
 // solver/system_rows.
 #pragma once
 
-#include "solver/symmetric_rows.h"
+#include "solver/incomplete_cholesky.h"
 
 namespace zurt {
 
@@ -17,23 +17,30 @@ struct GradientsReport {
     double residual = 0.0;     // norm of b - A x over the norm of b, both of the scaled system
     std::int32_t equation = 0; // whose diagonal is not positive; 0: the matrix shows it otherwise
     double shift = 0.0;        // of the diagonal of 1 that was factored
-    bool factored = false;     // false: no shift of up to 1 sufficed, the diagonal stood in for the factors
+    bool factored = false;     // false: no shift of up to 1 sufficed, the diagonal stood in for the factor
+};
+
+/// Where the iteration ends: the residual relative to b, and a number of iterations.
+struct GradientsLimits {
+    double tolerance;
+    std::int32_t iterations;
 };
 
 /// Vectors of an iteration, each with a word for each row of the matrix, kept from system to system.
 struct GradientsWork {
-    std::vector<double> scale; // entry i of the solution over that of the scaled system
-    std::vector<float> L;      // factors, as the values of the matrix
+    std::vector<double> scale; // row i of the solution over that of the scaled system
+    IncompleteFactor factor;
     std::vector<double> b, x, r, z, p, Ap;
     std::vector<std::vector<double>> ahead; // what each block gives to rows ahead of it
     std::vector<double> sums, moreSums;     // one a block
 };
 
-/// Solves A x = b until the residual is at most `tolerance` times b, both of the scaled system, or as small as rounding lets
-/// it be; starts from zero.
-///   A  values are scaled (output)
-///   b  1..JEDN: right-hand side (input), then the solution (output); left alone unless the iteration converges
-GradientsReport SolveByGradients(SymmetricRows& A, RealArray b, double tolerance, std::int32_t limit,
-                                 GradientsWork& work);
+/// Solves A x = b until the residual is at most the tolerance times b, both of the scaled system, or as small as rounding
+/// lets it be; starts from zero. The digits do not depend on the number of workers.
+///   A         values are scaled (output)
+///   schedule  of A's pattern, or none
+///   b         1..JEDN: right-hand side (input), then the solution (output); left alone unless the iteration converges
+GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const LevelSchedule& schedule,
+                                 RealArray b, const GradientsLimits& limits, GradientsWork& work);
 
 } // namespace zurt

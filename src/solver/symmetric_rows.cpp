@@ -7,7 +7,7 @@ namespace zurt {
 namespace {
 
 // Rows of a block, about: enough for the work of a thread, few enough for the caches.
-constexpr std::int32_t kBlockRows = 8192;
+constexpr std::int32_t kBlockRows = 2048;
 constexpr std::int32_t kMostBlocks = 32;
 
 /// The elements of each equation: of equation i at element[start[i-1]] and behind, each from 0.
@@ -97,16 +97,15 @@ Word PlaceOfEntry(const SymmetricRows& rows, std::int32_t i, std::int32_t j) {
     return found == last || *found != column ? -1 : found - rows.column.begin();
 }
 
-void MultiplyBlock(const SymmetricRows& rows, std::int32_t b, const double* v, double* product,
+void MultiplyBlock(const SymmetricRows& rows, std::size_t b, const double* v, double* product,
                    std::vector<double>& ahead) {
     const double* const value = rows.value.data();
     const std::int32_t* const column = rows.column.data();
     const Word* const start = rows.start.data();
-    const std::int32_t first = rows.block[static_cast<std::size_t>(b)],
-                       lowest = rows.lowest[static_cast<std::size_t>(b)];
+    const std::int32_t first = rows.block[b], lowest = rows.lowest[b];
     ahead.assign(static_cast<std::size_t>(first - lowest), 0.0);
     double* const before = ahead.data();
-    for (std::int32_t i = first; i < rows.block[static_cast<std::size_t>(b) + 1]; ++i) {
+    for (std::int32_t i = first; i < rows.block[b + 1]; ++i) {
         const Word diagonal = start[i + 1] - 1;
         const double own = v[i];
         double sum = value[diagonal] * own;
@@ -123,11 +122,10 @@ void MultiplyBlock(const SymmetricRows& rows, std::int32_t b, const double* v, d
     }
 }
 
-void AddFromBlocksBehind(const SymmetricRows& rows, std::int32_t b,
+void AddFromBlocksBehind(const SymmetricRows& rows, std::size_t b,
                          const std::vector<std::vector<double>>& ahead, double* product) {
-    const std::int32_t first = rows.block[static_cast<std::size_t>(b)],
-                       end = rows.block[static_cast<std::size_t>(b) + 1];
-    for (auto c = static_cast<std::size_t>(b) + 1; c < ahead.size(); ++c) {
+    const std::int32_t first = rows.block[b], end = rows.block[b + 1];
+    for (std::size_t c = b + 1; c < ahead.size(); ++c) {
         const std::int32_t lowest = rows.lowest[c];
         for (std::int32_t i = std::max(first, lowest); i < end; ++i)
             product[i] += ahead[c][static_cast<std::size_t>(i - lowest)];

@@ -45,11 +45,11 @@ inline std::int32_t BlockCount(const SymmetricRows& rows) {
 /// The share of block b (from 0) in product = A v: rows of the block get their sums over the block's own columns and those
 /// ahead of it. What the block gives to rows ahead of it comes to `ahead`, which has a word for each row from lowest[b] on.
 ///   v, product  entries 1..JEDN at 0..JEDN-1
-void MultiplyBlock(const SymmetricRows& rows, std::int32_t b, const double* v, double* product,
+void MultiplyBlock(const SymmetricRows& rows, std::size_t b, const double* v, double* product,
                    std::vector<double>& ahead);
 
 /// Adds what the blocks behind block b have given to its rows, in the order of the blocks.
-void AddFromBlocksBehind(const SymmetricRows& rows, std::int32_t b,
+void AddFromBlocksBehind(const SymmetricRows& rows, std::size_t b,
                          const std::vector<std::vector<double>>& ahead, double* product);
 
 } // namespace zurt

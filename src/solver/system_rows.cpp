@@ -22,6 +22,7 @@ struct RowLayout {
     // known again, and the places of their packed matrices in `rows.value`.
     std::vector<std::int32_t> equation;
     std::vector<std::uint32_t> place;
+    LevelSchedule schedule; // with several threads
 };
 
 struct RowStorage {
@@ -116,6 +117,7 @@ void FinishRows(Run& run, const Numbering& numbering) {
     RowLayout& layout = StorageOf<RowStorage>(run).layout;
     MakePattern(layout.rows, layout.elements, numbering.JEDN);
     layout.elements = {};
+    layout.schedule = run.workers.count > 1 ? MakeSchedule(layout.rows) : LevelSchedule{};
     if (layout.rows.column.size() >= std::numeric_limits<std::uint32_t>::max())
         StopWithLibraryError("the matrix has " + std::to_string(layout.rows.column.size()) +
                              " entries, more than conjugate gradients can count");
@@ -169,8 +171,9 @@ void AddToRows(const SystemTarget& system, ConstRealArray S, ConstRealArray FE, 
 
 void SolveRows(Run& run) {
     RowStorage& storage = StorageOf<RowStorage>(run);
-    const GradientsReport report = SolveByGradients(storage.layout.rows, RightHandSide(run),
-                                                    run.options.tolerance, kMostIterations, storage.work);
+    const GradientsReport report =
+        SolveByGradients(run.workers, storage.layout.rows, storage.layout.schedule, RightHandSide(run),
+                         {run.options.tolerance, kMostIterations}, storage.work);
     NoteShift(storage, report);
     if (report.end != GradientsEnd::Converged)
         StopOnGradients(run, report);

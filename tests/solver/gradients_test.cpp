@@ -27,20 +27,21 @@ struct System {
     }
 };
 
-// Equations i and i + 1, and i and i + stride, couple by -1.
-System MakeGrid(std::int32_t JEDN, std::int32_t stride, double diagonal) {
+// Equations i and i + stride couple by -1, and i and i + 1 unless i ends a line of the grid.
+System MakeGrid(std::int32_t JEDN, std::int32_t stride, double diagonal, bool lines = false) {
     System system;
     zurt::ElementEquations elements;
     for (std::int32_t i = 1; i <= JEDN; ++i)
         for (const std::int32_t j : {i + 1, i + stride}) {
-            const std::int32_t pair[] = {i, j <= JEDN ? j : 0};
+            const std::int32_t pair[] = {i, j > JEDN || (lines && j == i + 1 && i % stride == 0) ? 0 : j};
             AddElementEquations(elements, {pair, 2}, 2);
         }
     MakePattern(system.A, elements, JEDN);
     for (std::int32_t i = 1; i <= JEDN; ++i)
         system.Add(i, i, diagonal);
     for (std::int32_t i = 1; i < JEDN; ++i)
-        system.Add(i, i + 1, -1.0);
+        if (!lines || i % stride != 0)
+            system.Add(i, i + 1, -1.0);
     for (std::int32_t i = 1; i + stride <= JEDN; ++i)
         system.Add(i + stride, i, -1.0);
     system.b.assign(static_cast<std::size_t>(JEDN), 0.0);
@@ -52,8 +53,17 @@ void TakeRightHandSide(System& system, std::int32_t stride, double diagonal, con
     const auto JEDN = static_cast<std::int32_t>(x.size());
     const auto at = [&](std::int32_t i) { return i >= 0 && i < JEDN ? x[static_cast<std::size_t>(i)] : 0.0; };
     for (std::int32_t i = 0; i < JEDN; ++i)
-        system.b[static_cast<std::size_t>(i)] =
-            diagonal * at(i) - at(i - 1) - at(i + 1) - at(i - stride) - at(i + stride);
+        system.b[static_cast<std::size_t>(i)] = diagonal * at(i) - (i % stride == 0 ? 0.0 : at(i - 1)) -
+                                                ((i + 1) % stride == 0 ? 0.0 : at(i + 1)) - at(i - stride) -
+                                                at(i + stride);
+}
+
+zurt::GradientsReport Solve(System& system, double tolerance, std::int32_t limit, int threads = 1) {
+    zurt::Workers workers;
+    zurt::StartWorkers(workers, threads);
+    zurt::GradientsWork work;
+    return SolveByGradients(workers, system.A, threads > 1 ? MakeSchedule(system.A) : zurt::LevelSchedule{},
+                            system.Right(), {tolerance, limit}, work);
 }
 
 // Faults: what a block gives to rows ahead of it is lost or counted twice (70,000 equations are several blocks), magnitudes
@@ -63,7 +73,7 @@ TEST(Gradients, FindTheSolutionThatTheRightHandSideWasMadeOf) {
     std::uniform_real_distribution<double> entry(-1.0, 1.0);
     for (const double magnitude : {1.0, 1e-200, 1e200}) {
         const std::int32_t JEDN = 70000, stride = 260;
-        System system = MakeGrid(JEDN, stride, 4.01);
+        System system = MakeGrid(JEDN, stride, 4.01, true);
         std::vector<double> x(static_cast<std::size_t>(JEDN));
         for (double& value : x)
             value = entry(random);
@@ -77,8 +87,8 @@ TEST(Gradients, FindTheSolutionThatTheRightHandSideWasMadeOf) {
                 system.A.value[static_cast<std::size_t>(k)] *=
                     weight(i) * weight(system.A.column[static_cast<std::size_t>(k)]);
         }
-        zurt::GradientsWork work;
-        const auto report = SolveByGradients(system.A, system.Right(), 1e-13, 1000, work);
+        System shared = system;
+        const auto report = Solve(system, 1e-13, 1000);
         ASSERT_EQ(report.end, GradientsEnd::Converged) << magnitude;
         EXPECT_TRUE(report.factored && report.shift == 0.0);
         double worst = 0.0;
@@ -86,6 +96,9 @@ TEST(Gradients, FindTheSolutionThatTheRightHandSideWasMadeOf) {
             worst = std::max(worst, std::abs(system.b[static_cast<std::size_t>(i)] * weight(i) / magnitude -
                                              x[static_cast<std::size_t>(i)]));
         EXPECT_LT(worst, 1e-10) << magnitude;
+        ASSERT_FALSE(MakeSchedule(shared.A).level.empty());
+        EXPECT_EQ(Solve(shared, 1e-13, 1000, 3).iterations, report.iterations);
+        EXPECT_EQ(shared.b, system.b) << "other digits with three threads";
     }
 }
 
@@ -94,8 +107,7 @@ TEST(Gradients, ShiftTheDiagonalWhereAPivotFails) {
     System system = MakeGrid(4, 3, 3.0);
     system.Add(1, 2, -1.0), system.Add(2, 3, -1.0), system.Add(3, 4, -1.0), system.Add(1, 4, 3.0);
     system.b = {3.0 - 4.0 + 8.0, -2.0 + 6.0 - 6.0, -4.0 + 9.0 - 8.0, 2.0 - 6.0 + 12.0}; // solution 1, 2, 3, 4
-    zurt::GradientsWork work;
-    const auto report = SolveByGradients(system.A, system.Right(), 1e-12, 100, work);
+    const auto report = Solve(system, 1e-12, 100);
     ASSERT_EQ(report.end, GradientsEnd::Converged);
     EXPECT_GT(report.shift, 0.0);
     for (std::size_t i = 0; i < 4; ++i)
@@ -104,18 +116,16 @@ TEST(Gradients, ShiftTheDiagonalWhereAPivotFails) {
 
 // Never a silent answer: the right-hand side stays as it was, and the report says why.
 TEST(Gradients, SayWhatTheyCantSolve) {
-    zurt::GradientsWork work;
     System few = MakeGrid(400, 20, 4.0);
     few.b[7] = 1.0;
-    EXPECT_EQ(SolveByGradients(few.A, few.Right(), 1e-12, 3, work).end, GradientsEnd::NotConverged);
+    EXPECT_EQ(Solve(few, 1e-12, 3).end, GradientsEnd::NotConverged);
     EXPECT_EQ(few.b[7], 1.0);
     System indefinite = MakeGrid(400, 20, 1.0);
     indefinite.b[7] = 1.0;
-    EXPECT_EQ(SolveByGradients(indefinite.A, indefinite.Right(), 1e-12, 1000, work).end,
-              GradientsEnd::NotPositiveDefinite);
+    EXPECT_EQ(Solve(indefinite, 1e-12, 1000).end, GradientsEnd::NotPositiveDefinite);
     System empty = MakeGrid(3, 2, 1.0);
     empty.Add(2, 2, -1.0);
-    EXPECT_EQ(SolveByGradients(empty.A, empty.Right(), 1e-12, 10, work).equation, 2);
+    EXPECT_EQ(Solve(empty, 1e-12, 10).equation, 2);
 }
 
 RunResult RunWith(const std::string& deck, const std::vector<std::string>& options) {
