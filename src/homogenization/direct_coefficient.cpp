@@ -72,7 +72,7 @@ template <int Family> void FindEnds(Run& run, ElementGroup& group, Domain& domai
 }
 
 // By the divergence theorem the volume integral of dN/dx along the axis is the integral of N over the high end face minus
-// that over the low one. Along the radius the divergence is dN/dr + N / r.
+// that over the low one, whose sign cancels in its mean. Along the radius the divergence is dN/dr + N / r.
 template <int Family>
 void AddEndNodes(const JacobianValues<Family>& jacobian, const ElementWalk<Family>& walk,
                  const ElementPoint<Family>& point, double w, Domain& domain) {
@@ -87,8 +87,6 @@ void AddEndNodes(const JacobianValues<Family>& jacobian, const ElementWalk<Famil
         double area = w * jacobian.HX[domain.axis][k];
         if (alongRadius)
             area += point.weight * jacobian.DET * point.shape.H[k];
-        if (end == 0)
-            area = -area;
         domain.endArea[end] += area;
         domain.endAmount[end] += area * walk.element.TE1[k];
     }
