@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Solves the same cubes with this program, by both of its solvers, and with CalculiX's ccx; prints times side by side.
+"""Solves the same cubes with this program, by each of its solvers, and with CalculiX's ccx; prints times side by side.
 
     bench/compare_calculix.py                              # cubes of 20, 30 and 40 elements a side, about 15 minutes
     bench/compare_calculix.py --sides 10 20 --steps 5 --rounds 1
@@ -22,7 +22,7 @@ from measure import WORK, clean_up, in_turns, median, new_folder, pin_to_core, p
 STEP_SIZE = 0.01
 ACCURACY = 1e-5  # of the last increment, relative to the change in the step; the peer takes it of its residual too
 PLAN = {20: (10, 3), 30: (10, 1), 40: (3, 1)}  # steps and rounds of a cube, so that the largest ends in minutes
-OURS = {"skyline": "skyline", "sparse": "sparse"}
+OURS = {"skyline": (), "sparse": ("--solver", "sparse"), "gradients": ("--solver", "cg")}
 PEER = {"peer": "", "peer, iterative": ",SOLVER=ITERATIVE CHOLESKY"}  # its default is a sparse direct solver
 
 
@@ -52,9 +52,9 @@ def write_peer_deck(name, options, solver):
                   f"*NODE PRINT,NSET=ALL,FREQUENCY={options.steps}\nNT\n*END STEP\n")
 
 
-def solve_ours(folder):
+def solve_ours(folder, options):
     """What ended, its passes, and the values of the last step by node."""
-    ended = solve(folder)
+    ended = solve(folder, options=options)
     return ended, ended.output.count("ITERATION ="), values_of(os.path.join(folder, "zurt.lst"), "NODE CONCENTRAT\n")
 
 
@@ -82,10 +82,10 @@ def values_of(name, heading):
 
 def make_cube(name, side, steps, solver):
     """A folder with the cube's deck for a solver, and the function that solves it there."""
-    folder = new_folder(f"{name}_{solver}")
+    folder = new_folder(f"{name}_{solver.replace(', ', '_')}")
     words = [side] * 3 + ["--format", "fixed", "--cards", "rows", "--steps", steps, "--step-size", STEP_SIZE,
                           "--device", 2, "--hold", side, "--held-from-start", "--accuracy", ACCURACY,
-                          "--results", "last", "--solver", OURS.get(solver, "skyline")]
+                          "--results", "last"]
     deck = os.path.join(folder, "zurt.dat")
     options = make_block_deck.parse_arguments([deck, *map(str, words)])
     if solver in PEER:
@@ -93,7 +93,7 @@ def make_cube(name, side, steps, solver):
         return lambda: solve_peer(folder)
     with open(deck, "w", buffering=1 << 20) as out:
         make_block_deck.write_deck(out, options)
-    return lambda: solve_ours(folder)
+    return lambda: solve_ours(folder, OURS[solver])
 
 
 def difference(values, others):

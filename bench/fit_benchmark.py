@@ -68,13 +68,17 @@ def print_tables(args, job, runs, stages):
     print(f"\nThe dearest run spends {100.0 * max(beyond(run) / run['total'] for run in runs):.2f} % beyond its solves.")
 
 
-def main():
+def parse_arguments(words=None):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--side", type=int, default=30)
     parser.add_argument("--fibres", type=int, default=200)
     parser.add_argument("--steps", type=int, default=20)
     parser.add_argument("--solver", type=int, default=0, help="SolverSelector: 2 is the sparse solver")
-    args = parser.parse_args()
+    return parser.parse_args(words)
+
+
+def main():
+    args = parse_arguments()
     with tempfile.TemporaryDirectory() as folder:
         pathlib.Path(folder, "zurt.dat").write_text(make_deck(args))
         console = subprocess.run([ROOT / "build" / "bench" / "zurt_phases"], input="\n\n\n", cwd=folder, check=True,

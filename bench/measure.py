@@ -90,12 +90,12 @@ def make_deck(name, *arguments):
     return folder
 
 
-def solve(folder, program=PROGRAM):
-    """The program on the deck of a folder, every offered file name taken; results of an earlier run are removed."""
+def solve(folder, program=PROGRAM, options=()):
+    """The program on the deck of a folder, every offered file name taken, or with options; results of an earlier run are removed."""
     for name in os.listdir(folder):
         if name != "zurt.dat":
             os.remove(os.path.join(folder, name))
-    return run([program], folder, "\n\n\n")
+    return run([program, *map(str, options), "zurt.dat"], folder) if options else run([program], folder, "\n\n\n")
 
 
 def kernels(pattern, rounds):
