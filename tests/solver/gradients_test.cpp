@@ -87,7 +87,6 @@ TEST(Gradients, FindTheSolutionThatTheRightHandSideWasMadeOf) {
                 system.A.value[static_cast<std::size_t>(k)] *=
                     weight(i) * weight(system.A.column[static_cast<std::size_t>(k)]);
         }
-        System shared = system;
         const auto report = Solve(system, 1e-13, 1000);
         ASSERT_EQ(report.end, GradientsEnd::Converged) << magnitude;
         EXPECT_TRUE(report.factored && report.shift == 0.0);
@@ -96,10 +95,18 @@ TEST(Gradients, FindTheSolutionThatTheRightHandSideWasMadeOf) {
             worst = std::max(worst, std::abs(system.b[static_cast<std::size_t>(i)] * weight(i) / magnitude -
                                              x[static_cast<std::size_t>(i)]));
         EXPECT_LT(worst, 1e-10) << magnitude;
-        ASSERT_FALSE(MakeSchedule(shared.A).level.empty());
-        EXPECT_EQ(Solve(shared, 1e-13, 1000, 3).iterations, report.iterations);
-        EXPECT_EQ(shared.b, system.b) << "other digits with three threads";
     }
+}
+
+// Fault: a sum whose order hangs on who makes it.
+TEST(Gradients, HaveTheSameDigitsWithThreeThreads) {
+    System alone = MakeGrid(20000, 141, 4.01, true);
+    for (std::size_t i = 0; i < alone.b.size(); ++i)
+        alone.b[i] = std::sin(static_cast<double>(i));
+    System shared = alone;
+    ASSERT_FALSE(MakeSchedule(shared.A).level.empty());
+    EXPECT_EQ(Solve(shared, 1e-4, 100, 3).iterations, Solve(alone, 1e-4, 100).iterations);
+    EXPECT_EQ(shared.b, alone.b);
 }
 
 // D. S. Kershaw's matrix (J. Comp. Phys. 26, 1978): positive definite, and its incomplete factor has a negative pivot.
