@@ -22,7 +22,7 @@ struct RowLayout {
     // known again, and the places of their packed matrices in `rows.value`.
     std::vector<std::int32_t> equation;
     std::vector<std::uint32_t> place;
-    LevelSchedule schedule; // with several threads
+    LevelSchedule schedule; // none with one thread
 };
 
 struct RowStorage {
@@ -117,7 +117,9 @@ void FinishRows(Run& run, const Numbering& numbering) {
     RowLayout& layout = StorageOf<RowStorage>(run).layout;
     MakePattern(layout.rows, layout.elements, numbering.JEDN);
     layout.elements = {};
-    layout.schedule = run.workers.count > 1 ? MakeSchedule(layout.rows) : LevelSchedule{};
+    // Threads meet behind every level: where they outnumber the processors, that takes longer than it saves.
+    const bool shared = run.workers.count > 1 && run.workers.count <= ProcessorCount();
+    layout.schedule = shared ? MakeSchedule(layout.rows) : LevelSchedule{};
     if (layout.rows.column.size() >= std::numeric_limits<std::uint32_t>::max())
         StopWithLibraryError("the matrix has " + std::to_string(layout.rows.column.size()) +
                              " entries, more than conjugate gradients can count");
