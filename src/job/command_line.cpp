@@ -32,7 +32,7 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
       --solver NAME  skyline, sparse or cg (conjugate gradients) in the place of
                      the solver that the deck chooses
       --tolerance T  residual at which cg ends, relative to the right-hand side
-                     (default: 1e-12)
+                     (default: 1e-11)
       --threads N    threads that share the work; 0: one for each processor
                      (changes no digit; default: 1)
   -h, --help         this page

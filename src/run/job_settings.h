@@ -20,7 +20,7 @@ constexpr std::int32_t kMostWallCells = 32;
 enum class SolverChoice { OfDeck, Skyline, Sparse, Gradients };
 
 /// The residual at which conjugate gradients end, relative to the right-hand side.
-constexpr double kUsualTolerance = 1e-12;
+constexpr double kUsualTolerance = 1e-11;
 /// Most threads.
 constexpr std::int32_t kMostThreads = 256;
 
