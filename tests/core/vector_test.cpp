@@ -1,8 +1,7 @@
 #include "core/vector.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
+#include <gtest/gtest.h>
 
 namespace zurt {
 namespace {

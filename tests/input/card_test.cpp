@@ -1,9 +1,5 @@
 #include "input/card.h"
-#include "support/expect_stop.h"
-
 #include "support/small_run.h"
-
-#include <gtest/gtest.h>
 
 namespace zurt {
 namespace {

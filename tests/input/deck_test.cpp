@@ -1,12 +1,7 @@
 #include "input/deck.h"
-#include "support/expect_stop.h"
-
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
-#include <string>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>

@@ -4,15 +4,10 @@
 #include "job/header_cards.h"
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 namespace zurt {
 namespace {
 
-using zurt_test::SmallRun;
-using zurt_test::Written;
+using namespace zurt_test;
 
 // Faults: INDFOR 0 or an odd value changed otherwise, any nonzero SolverSelector taken for the sparse solver, the
 // sparse mode or IPASSPRINT of the problem before kept.

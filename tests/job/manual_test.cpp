@@ -16,12 +16,7 @@
 #include "model/prescribed_values.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
-
-#include "support/expect_stop.h"
-#include "support/run_deck.h"
 #include "support/small_run.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -31,8 +26,6 @@
 #include <regex>
 #include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
 namespace zurt {
 namespace {

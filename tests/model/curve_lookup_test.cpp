@@ -1,10 +1,9 @@
 #include "model/curve_lookup.h"
 
 #include <cmath>
+#include <gtest/gtest.h>
 #include <limits>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace zurt {
 namespace {

@@ -1,16 +1,13 @@
-#include "model/function_tables.h"
-#include "support/expect_stop.h"
-
 #include "model/curve_lookup.h"
 #include "model/curve_table.h"
+#include "model/function_tables.h"
 #include "model/time_functions.h"
 #include "support/small_run.h"
 
 namespace zurt {
 namespace {
 
-using zurt_test::MakeRun;
-using zurt_test::RunPointer;
+using namespace zurt_test;
 
 double ValueOf(const FunctionTable& table, std::int32_t f, double x) {
     double y = -1.0;
@@ -30,7 +27,7 @@ RunPointer FamilyRun(const std::string& deck, std::int32_t CurveCounts::*number,
 }
 
 void ReadListed(const RunPointer& run) {
-    zurt_test::ListOnStandardError(*run);
+    ListOnStandardError(*run);
     ReadFunctionTables(*run);
 }
 
@@ -98,7 +95,7 @@ TEST(FunctionTablesStops, FunctionsOfTimeMustReachTheEnd) {
 TEST(TimeFunctionsStops, FailuresPrintTheirLines) {
     const auto read = [](const char* deck, Word words) {
         const RunPointer run = MakeRun(deck, 1, 1, words);
-        zurt_test::ListOnStandardError(*run);
+        ListOnStandardError(*run);
         run->control.counts.TotalTime = 2.0;
         ReadTimeFunctions(*run);
         run->clock.TIME = 5.0;

@@ -1,6 +1,4 @@
 #include "model/initial_conditions.h"
-#include "support/expect_stop.h"
-
 #include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
@@ -8,11 +6,7 @@
 namespace zurt {
 namespace {
 
-using zurt_test::Contains;
-using zurt_test::ListingOf;
-using zurt_test::MakeRun;
-using zurt_test::Print;
-using zurt_test::RunPointer;
+using namespace zurt_test;
 
 // Nodes 1..NP with equations in falling order; node 2 is held at 5.0 and node 3 lies outside the model.
 RunPointer StartRun(const std::string& deck, std::int32_t NPOC, std::int32_t INDFOR = 2,
@@ -32,7 +26,7 @@ RunPointer StartRun(const std::string& deck, std::int32_t NPOC, std::int32_t IND
 }
 
 void ReadListed(const RunPointer& run) {
-    zurt_test::ListOnStandardError(*run);
+    ListOnStandardError(*run);
     ReadInitialConditions(*run);
 }
 

@@ -9,16 +9,11 @@
 #include "support/small_run.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace zurt {
 namespace {
 
-using zurt_test::Contains;
-using zurt_test::ListingOf;
-using zurt_test::MakeRun;
-using zurt_test::Print;
-using zurt_test::RunPointer;
+using namespace zurt_test;
 
 struct Header {
     std::int32_t NMATT, NTABK, MAXTK, NANLC, NTABC, MAXTC, NSTAC;

@@ -1,6 +1,4 @@
 #include "model/nodes.h"
-#include "support/expect_stop.h"
-
 #include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
@@ -10,11 +8,7 @@
 namespace zurt {
 namespace {
 
-using zurt_test::Contains;
-using zurt_test::ListingOf;
-using zurt_test::MakeRun;
-using zurt_test::Print;
-using zurt_test::RunPointer;
+using namespace zurt_test;
 
 RunPointer ReadNodes(const std::string& deck, std::int32_t NP, std::int32_t INDFOR = 1) {
     RunPointer run = MakeRun(deck, INDFOR, NP);

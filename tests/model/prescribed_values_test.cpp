@@ -1,26 +1,20 @@
 #include "model/prescribed_values.h"
-#include "support/expect_stop.h"
-
 #include "model/time_functions.h"
 #include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
 
 #include <tuple>
-#include <vector>
 
 namespace zurt {
 namespace {
 
-using zurt_test::Contains;
-using zurt_test::ListingOf;
-using zurt_test::Print;
-using zurt_test::RunPointer;
+using namespace zurt_test;
 
 // Two time functions: f1 = 10 t up to 10, f2 the constant 7; NZADC entries.
 RunPointer MakePrescribed(const std::string& deck, std::int32_t NZADC, std::int32_t INDFOR = 1,
                           Word words = 2000) {
-    RunPointer run = zurt_test::MakeRun(deck, INDFOR, 100, words);
+    RunPointer run = MakeRun(deck, INDFOR, 100, words);
     CurveCounts& counts = run->control.counts;
     counts.NTABFT = counts.MAXTFT = 2;
     counts.NZADC = NZADC;
@@ -89,7 +83,7 @@ TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
     refuse("1 1 1. 1\n2 1 1. 0\n", 1, "more entries than NZADC"); // a run is never open at the end
     refuse("1 1 1. 1\n2 1 1. 0\n", 3, "the deck ends here");
     RunPointer full = MakePrescribed("", 2000);
-    zurt_test::ListOnStandardError(*full);
+    ListOnStandardError(*full);
     EXPECT_MESSAGE(ReadPrescribedValues(*full), "UNSUFFICIENT DIMENSION");
 }
 
@@ -117,7 +111,7 @@ TEST(PrescribedValues, ValuesOverTheSteps) {
     expect(2, 0.0, 0.0, 0.0);
     expect(3, 21.0, 21.0, 0.0);
     run->clock.TIME = 11.0;
-    zurt_test::ListOnStandardError(*run);
+    ListOnStandardError(*run);
     EXPECT_MESSAGE(EvaluatePrescribedValues(*run), "TIME FUNCTION NO. =    1");
 }
 

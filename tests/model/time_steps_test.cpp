@@ -1,5 +1,4 @@
 #include "model/time_steps.h"
-
 #include "run/partition.h"
 #include "support/small_run.h"
 

@@ -1,21 +1,12 @@
-#include "run/echo.h"
-
 #include "input/card.h"
 #include "run/banner.h"
+#include "run/echo.h"
 #include "support/small_run.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace zurt {
 namespace {
 
-using zurt_test::CountOf;
-using zurt_test::Lines;
-using zurt_test::SmallRun;
-using zurt_test::Written;
+using namespace zurt_test;
 
 std::string DeckOfLines(int count) {
     std::string deck;

@@ -1,22 +1,13 @@
-#include "run/partition.h"
-#include "support/expect_stop.h"
-
 #include "core/format.h"
-
+#include "run/partition.h"
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-
 #include <iterator>
-#include <string>
-#include <vector>
 
 namespace zurt {
 namespace {
 
-using zurt_test::SmallRun;
-using zurt_test::Written;
-using zurt_test::WrittenByStop;
+using namespace zurt_test;
 
 // Faults: a section of another size or in another place, the step list taken behind its room for counting, the gap of NP
 // words forgotten or cleared, nodal vectors not cleared, material tables taken under NDS.
@@ -124,8 +115,7 @@ TEST(Partition, OverflowIsTestedAtItsPlaces) {
         EXPECT_EQ(Written(fits.units.listing), "") << kSteps[k].name;
         for (const Word size : {fits.A.NTOTA - 1, Word{1}}) {
             SmallRun tight("", size);
-            const std::string listing =
-                zurt_test::WrittenByStop(tight.units.listing, [&] { TakeUpTo(tight, k); });
+            const std::string listing = WrittenByStop(tight.units.listing, [&] { TakeUpTo(tight, k); });
             SCOPED_TRACE(kSteps[k].name);
             EXPECT_EQ(listing.substr(0, 67),
                       " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA\n");
@@ -155,7 +145,7 @@ TEST(Partition, SystemMustFit) {
     for (const std::int32_t NDS : {0, 2, -1}) {
         SmallRun tight("", LMAXM - 1);
         tight.control.header.NDS = NDS;
-        EXPECT_EQ(zurt_test::WrittenByStop(tight.units.listing, [&] { TakeSystem(tight); }),
+        EXPECT_EQ(WrittenByStop(tight.units.listing, [&] { TakeSystem(tight); }),
                   " UNSUFFICIENT DIMENSION OF WORKING VECTOR:\n"
                   " REQUIRED DIMENSION LMAXM =        17\n"
                   " AVAILABLE DIMENSION NTOT =        16\n");

@@ -1,15 +1,10 @@
 #include "solver/exchange_files.h"
-#include "support/expect_stop.h"
-
 #include "solver/skyline_reference.h"
+#include "support/expect_stop.h"
 #include "support/run_deck.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
-#include <string>
-#include <vector>
 
 namespace {
 

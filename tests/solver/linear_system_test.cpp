@@ -1,10 +1,8 @@
 // The door to the solvers: what one solver gives, the other gives too, through the same calls.
+#include "elements/form_model.h"
 #include "solver/linear_system.h"
 
-#include "elements/form_model.h"
-
 #include <gtest/gtest.h>
-
 #include <vector>
 
 namespace {

@@ -20,8 +20,7 @@ using zurt::ConstIntArray;
 using zurt::ConstRealArray;
 using zurt::RealArray;
 using zurt::Word;
-using zurt_test::MakeSystem;
-using zurt_test::SkylineSystem;
+using namespace zurt_test;
 
 // Elements of 4 degrees of freedom over 6 equations: descending, with gaps, one twice in the same element,
 // all empty.
@@ -30,7 +29,7 @@ const std::int32_t kElements[][4] = {{1, 2, 5, 6}, {6, 3, 0, 2}, {0, 0, 0, 0}, {
 // Faults: an upper entry added to the wrong column when the equations descend, the packed index left behind
 // on a row without equation, F skipped; the places of an element's entries in another order than its packed matrix.
 TEST(SkylineAssembly, AgreesWithADenseSumAndLeavesTheMatrixAloneWithoutTheFlag) {
-    zurt_test::SkylineSystem system = zurt_test::MakeSystem({0, 1, 2, 3, 4, 5}), placed = system;
+    SkylineSystem system = MakeSystem({0, 1, 2, 3, 4, 5}), placed = system;
     Dense K(6, std::vector<double>(6, 0.0));
     std::vector<double> R(6, 0.5), expectedR(6, 0.5), S(10), F(4);
     double value = 1.0;
@@ -75,7 +74,7 @@ TEST(SkylineAssembly, AgreesWithADenseSumAndLeavesTheMatrixAloneWithoutTheFlag) 
 
 // Faults: the mirrored half left out, the diagonal counted twice, Y overwritten instead of added to.
 TEST(SkylineAssembly, MultiplyIsTheSymmetricProductAddedToY) {
-    zurt_test::SkylineSystem system = zurt_test::MakeSystem({0, 1, 0, 2, 4, 1});
+    SkylineSystem system = MakeSystem({0, 1, 0, 2, 4, 1});
     Dense K(6, std::vector<double>(6, 0.0));
     double value = 0.0;
     for (std::size_t c = 0; c < 6; ++c) {
@@ -130,7 +129,7 @@ std::vector<InstructionSet> Sets() {
 // Every set of instructions must give the bits of the plain loops, and the substitution with its factors too.
 void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std::string& what) {
     SkylineSystem reference = system;
-    const Word failed = zurt_test::ReferenceFactor(reference.Store(), reference.Pointers(), reference.NN);
+    const Word failed = ReferenceFactor(reference.Store(), reference.Pointers(), reference.NN);
     for (const InstructionSet set : Sets()) {
         const std::string where = what + " set " + std::to_string(static_cast<int>(set));
         SkylineSystem solved = system;
@@ -150,7 +149,7 @@ void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std
         v = entry(random);
     Reals expected = V;
     SkylineSystem solved = reference;
-    zurt_test::ReferenceSubstitute(reference.Store(), View(expected), reference.Pointers(), reference.NN);
+    ReferenceSubstitute(reference.Store(), View(expected), reference.Pointers(), reference.NN);
     zurt::SubstituteSkyline(solved.Store(), View(V), solved.Pointers(), solved.NN);
     EXPECT_EQ(FirstDifference(V, expected), 0) << what;
     EXPECT_EQ(FirstDifference(solved.store, reference.store), 0)
@@ -193,7 +192,7 @@ TEST(SkylineSolve, SameBitsAsThePlainLoopsOnShapedSkylines) {
         FillDominant(system, random);
         ExpectSameBits(system, random, "shape " + std::to_string(++shape));
     }
-    SkylineSystem cube = zurt_test::MakeCube(7);
+    SkylineSystem cube = MakeCube(7);
     FillDominant(cube, random);
     ExpectSameBits(cube, random, "cube");
 }

@@ -11,8 +11,6 @@
 #include <limits>
 #include <map>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace {
 

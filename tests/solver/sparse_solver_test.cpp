@@ -1,19 +1,14 @@
-#include "solver/sparse_solver.h"
-#include "support/expect_stop.h"
-
 #include "core/text_unit.h"
 #include "solver/sparse_assembler.h"
+#include "solver/sparse_solver.h"
 #include "solver/sparse_tree.h"
+#include "support/expect_stop.h"
 #include "support/run_deck.h"
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace {
 
