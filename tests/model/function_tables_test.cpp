@@ -16,17 +16,28 @@ double ValueOf(const FunctionTable& table, std::int32_t f, double x) {
     return y;
 }
 
-// A run with one family of `functions` functions of up to `most` points, whose end of integration is 2.
-RunPointer FamilyRun(const std::string& deck, std::int32_t CurveCounts::*number,
-                     std::int32_t CurveCounts::*largest, std::int32_t functions, std::int32_t most) {
-    RunPointer run = MakeRun(deck, 1);
-    run->control.counts.*number = functions;
-    run->control.counts.*largest = most;
-    run->control.counts.TotalTime = 2.0;
-    return run;
-}
+// The counts of one family of functions, and how its errors begin.
+struct Family {
+    std::int32_t CurveCounts::*number;
+    std::int32_t CurveCounts::*largest;
+    std::string head;
+    bool ofTime = true;
+};
+const Family kFamilies[] = {
+    {&CurveCounts::NQE, &CurveCounts::MAXTQE,
+     "ERROR IN FUNCTIONS OF TEMPERATURE SOURCES \\(SINKS\\) INPUT DATA:"},
+    {&CurveCounts::NQP, &CurveCounts::MAXTQP, "ERROR IN FUNCTIONS OF SURFACE FLUXES INPUT DATA  :"},
+    {&CurveCounts::NTOK, &CurveCounts::MAXTOK, "ERROR IN ENVIRONMENT TEMPERATURE FUNCTIONS INPUT DATA :"},
+    {&CurveCounts::NHP, &CurveCounts::MAXTHP,
+     "ERROR IN FUNCTIONS OF CONVECTION COEFICIENT TEMPERATURE DEPENDENCE  :", false},
+    {&CurveCounts::NHR, &CurveCounts::MAXTHR, "ERROR IN FUNCTIONS OF SURFACE FLUXES INPUT DATA  :", false}};
 
-void ReadListed(const RunPointer& run) {
+// One function of up to two points of the family; the end of integration is 2.
+void ReadFamily(const Family& family, const std::string& deck) {
+    const RunPointer run = MakeRun(deck + "5.67e-8 0\n", 1); // the radiation card, for those who read it
+    run->control.counts.*family.number = 1;
+    run->control.counts.*family.largest = 2;
+    run->control.counts.TotalTime = 2.0;
     ListOnStandardError(*run);
     ReadFunctionTables(*run);
 }
@@ -54,42 +65,22 @@ TEST(FunctionTables, FamiliesFollowTheOrderOfTheDeck) {
     EXPECT_EQ(run->A.LMAX, 1 + (2 + 8) + (1 + 4) + (1 + 4) + (1 + 8) + (1 + 2) + 10);
 }
 
-TEST(FunctionTablesStops, TooManyPointsNameTheFamily) {
-    struct Family {
-        std::int32_t CurveCounts::*number;
-        std::int32_t CurveCounts::*largest;
-        const char* head;
-    };
-    for (const Family& family :
-         {Family{&CurveCounts::NQE, &CurveCounts::MAXTQE,
-                 "ERROR IN FUNCTIONS OF TEMPERATURE SOURCES \\(SINKS\\) INPUT DATA:"},
-          Family{&CurveCounts::NQP, &CurveCounts::MAXTQP,
-                 "ERROR IN FUNCTIONS OF SURFACE FLUXES INPUT DATA  :"},
-          Family{&CurveCounts::NTOK, &CurveCounts::MAXTOK,
-                 "ERROR IN ENVIRONMENT TEMPERATURE FUNCTIONS INPUT DATA :"},
-          Family{&CurveCounts::NHP, &CurveCounts::MAXTHP,
-                 "ERROR IN FUNCTIONS OF CONVECTION COEFICIENT TEMPERATURE DEPENDENCE  :"},
-          Family{&CurveCounts::NHR, &CurveCounts::MAXTHR,
-                 "ERROR IN FUNCTIONS OF SURFACE FLUXES INPUT DATA  :"}})
-        EXPECT_MESSAGE(ReadListed(FamilyRun("1 3\n0 1\n1 1\n3 1\n", family.number, family.largest, 1, 2)),
-                       family.head +
-                           std::string("(.|\n)*FUNCTION NO. =  1\n.*NUMBER OF POINTS READ IN, IMAX=    3\n"
-                                       ".*PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    2\n"));
-}
-
-TEST(FunctionTablesStops, FunctionsOfTimeMustReachTheEnd) {
-    const std::string lines =
-        "(.|\n)*TIME FUNCTION IS NOT DEFINED WITHIN THE WHOLE RANGE (.|\n)*FUNCTION NO. =  1\n"
-        ".*DEFINE INTERVAL = 0.19000E\\+01\n.*TMAX = 0.20000E\\+01\n";
-    const std::string early = "1 2\n0 1\n1.9 1\n";
-    EXPECT_MESSAGE(ReadListed(FamilyRun(early, &CurveCounts::NQE, &CurveCounts::MAXTQE, 1, 2)),
-                   "SOURCES" + lines);
-    EXPECT_MESSAGE(ReadListed(FamilyRun(early, &CurveCounts::NTOK, &CurveCounts::MAXTOK, 1, 2)),
-                   "ENVIRONMENT" + lines);
-    const RunPointer exact = FamilyRun("1 2\n0 1\n2 1\n", &CurveCounts::NQP, &CurveCounts::MAXTQP, 1, 2);
-    ReadFunctionTables(*exact); // reaching it is enough
-    const RunPointer coefficient = FamilyRun(early, &CurveCounts::NHP, &CurveCounts::MAXTHP, 1, 2);
-    ReadFunctionTables(*coefficient); // no function of time
+TEST(FunctionTablesStops, TooManyPointsAndFunctionsOfTimeThatEndEarly) {
+    for (const Family& family : kFamilies) {
+        SCOPED_TRACE(family.head);
+        EXPECT_MESSAGE(ReadFamily(family, "1 3\n0 1\n1 1\n3 1\n"),
+                       family.head + "(.|\n)*FUNCTION NO. =  1\n.*NUMBER OF POINTS READ IN, IMAX=    3\n"
+                                     ".*PRESCRIBED MAX. NO. OF POINTS FOR CURVE =    2\n");
+        ReadFamily(family, "1 2\n0 1\n2 1\n"); // reaching the end is enough
+        if (family.ofTime)
+            EXPECT_MESSAGE(
+                ReadFamily(family, "1 2\n0 1\n1.9 1\n"),
+                family.head +
+                    "(.|\n)*TIME FUNCTION IS NOT DEFINED WITHIN THE WHOLE RANGE (.|\n)*FUNCTION NO. =  1\n"
+                    ".*DEFINE INTERVAL = 0.19000E\\+01\n.*TMAX = 0.20000E\\+01\n");
+        else
+            ReadFamily(family, "1 2\n0 1\n1.9 1\n");
+    }
 }
 
 TEST(TimeFunctionsStops, FailuresPrintTheirLines) {
