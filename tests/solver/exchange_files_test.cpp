@@ -2,6 +2,7 @@
 #include "solver/skyline_reference.h"
 #include "support/expect_stop.h"
 #include "support/run_deck.h"
+#include "support/views.h"
 
 #include <algorithm>
 #include <cstring>
@@ -9,15 +10,9 @@
 namespace {
 
 using zurt::Word;
+using zurt_test::View;
 using Integers = std::vector<std::int32_t>;
 using Reals = std::vector<double>;
-
-zurt::RealArray View(Reals& values) {
-    return {values.data(), static_cast<Word>(values.size())};
-}
-zurt::IntArray View(Integers& values) {
-    return {values.data(), static_cast<Word>(values.size())};
-}
 
 template <class T> std::string Bytes(T value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof value);

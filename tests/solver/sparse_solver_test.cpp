@@ -4,6 +4,7 @@
 #include "solver/sparse_tree.h"
 #include "support/expect_stop.h"
 #include "support/run_deck.h"
+#include "support/views.h"
 
 #include <cmath>
 #include <cstdio>
@@ -13,13 +14,9 @@
 namespace {
 
 using zurt::Word;
-
+using zurt_test::View;
 zurt::SparseTree tree;
 using Reals = std::vector<double>;
-
-zurt::RealArray View(Reals& values) {
-    return {values.data(), static_cast<Word>(values.size())};
-}
 
 /// Solves what is assembled; returns what was written to the console.
 std::string Solve(Reals& R, std::int32_t SolverReportFlag) {
