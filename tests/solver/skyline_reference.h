@@ -6,6 +6,7 @@
 #include "solver/skyline_layout.h"
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -67,8 +68,7 @@ inline SkylineSystem MakeCube(std::int32_t side) {
                                                row * row * (z + (corner >> 2));
             }
     std::vector<std::int32_t> ID(static_cast<std::size_t>(JEDN));
-    for (Word node = 1; node <= JEDN; ++node)
-        ID[static_cast<std::size_t>(node - 1)] = static_cast<std::int32_t>(node);
+    std::iota(ID.begin(), ID.end(), 1);
     SkylineSystem system;
     system.NN = JEDN;
     system.MAXA.assign(static_cast<std::size_t>(JEDN + 1), 0);
@@ -80,45 +80,27 @@ inline SkylineSystem MakeCube(std::int32_t side) {
     return system;
 }
 
-/// The plain factorisation; returns the equation of the pivot that failed, 0 for none.
+/// The plain factorisation; returns the equation of the pivot that failed, 0 for none. Entry (r, n) stands at D - r.
 inline Word ReferenceFactor(zurt::RealArray A, zurt::ConstIntArray MAXA, Word NN) {
     for (Word n = 1; n <= NN; ++n) {
-        const Word KN = MAXA(n);
-        const Word KL = KN + 1;
-        const Word KU = MAXA(n + 1) - 1;
-        const Word KH = KU - KL;
-        if (KH > 0) {
-            Word K = n - KH;
-            Word IC = 0;
-            Word KLT = KU;
-            for (Word J = 1; J <= KH; ++J) {
-                IC += 1;
-                KLT -= 1;
-                const Word KI = MAXA(K);
-                const Word ND2 = MAXA(K + 1) - KI - 1;
-                if (ND2 > 0) {
-                    const Word KK = std::min(IC, ND2);
-                    double C = 0.0;
-                    for (Word L = 1; L <= KK; ++L)
-                        C += A(KI + L) * A(KLT + L);
-                    A(KLT) -= C;
-                }
-                K += 1;
-            }
+        const Word D = MAXA(n) + n, top = D + 1 - MAXA(n + 1);
+        for (Word i = top + 1; i < n; ++i) {
+            const Word E = MAXA(i) + i, first = std::max(top, E + 1 - MAXA(i + 1));
+            double C = 0.0;
+            for (Word r = i - 1; r >= first; --r)
+                C += A(E - r) * A(D - r);
+            if (first < i)
+                A(D - i) -= C;
         }
-        if (KH >= 0) {
-            Word K = n;
-            double B = 0.0;
-            for (Word KK = KL; KK <= KU; ++KK) {
-                K -= 1;
-                const Word KI = MAXA(K);
-                const double C = A(KK) / A(KI);
-                B += C * A(KK);
-                A(KK) = C;
-            }
-            A(KN) -= B;
+        double B = 0.0;
+        for (Word i = n - 1; i >= top; --i) {
+            const double C = A(D - i) / A(MAXA(i));
+            B += C * A(D - i);
+            A(D - i) = C;
         }
-        if (0.0 >= A(KN))
+        if (top < n)
+            A(D - n) -= B;
+        if (0.0 >= A(D - n))
             return n;
     }
     return 0;
@@ -128,29 +110,17 @@ inline Word ReferenceFactor(zurt::RealArray A, zurt::ConstIntArray MAXA, Word NN
 inline void ReferenceSubstitute(zurt::ConstRealArray A, zurt::RealArray V, zurt::ConstIntArray MAXA,
                                 Word NN) {
     for (Word n = 1; n <= NN; ++n) {
-        const Word KL = MAXA(n) + 1;
-        const Word KU = MAXA(n + 1) - 1;
-        if (KU < KL)
-            continue;
-        Word K = n;
         double C = 0.0;
-        for (Word KK = KL; KK <= KU; ++KK) {
-            K -= 1;
-            C += A(KK) * V(K);
-        }
-        V(n) -= C;
+        for (Word at = MAXA(n) + 1, i = n - 1; at < MAXA(n + 1); ++at, --i)
+            C += A(at) * V(i);
+        if (MAXA(n) + 1 < MAXA(n + 1))
+            V(n) -= C;
     }
     for (Word n = 1; n <= NN; ++n)
         V(n) = V(n) / A(MAXA(n));
-    for (Word n = NN; n >= 2; --n) {
-        const Word KL = MAXA(n) + 1;
-        const Word KU = MAXA(n + 1) - 1;
-        Word K = n;
-        for (Word KK = KL; KK <= KU; ++KK) {
-            K -= 1;
-            V(K) -= A(KK) * V(n);
-        }
-    }
+    for (Word n = NN; n >= 2; --n)
+        for (Word at = MAXA(n) + 1, i = n - 1; at < MAXA(n + 1); ++at, --i)
+            V(i) -= A(at) * V(n);
 }
 
 } // namespace zurt_test
