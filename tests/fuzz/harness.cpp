@@ -14,6 +14,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <new>
 
@@ -42,37 +44,29 @@ void FlushDenormalsToZero() {
 struct Place {
     std::string folder;
     std::FILE* stepFile = nullptr;
-    std::FILE* console = nullptr;
+    std::FILE* console = std::fopen("/dev/null", "w");
 
-    Place();
-    ~Place();
+    Place() {
+        const char* wanted = std::getenv("ZURT_FUZZ_FOLDER");
+        for (const char* parent : {wanted, "/dev/shm", "/tmp"}) {
+            std::string name = std::string(parent == nullptr ? "" : parent) + "/zurt-fuzz-XXXXXX";
+            if (stepFile != nullptr || parent == nullptr || mkdtemp(name.data()) == nullptr)
+                continue;
+            folder = name + "/";
+            stepFile = std::fopen((folder + "steps").c_str(), "w+b");
+        }
+        if (stepFile == nullptr || console == nullptr) {
+            std::fputs("no folder for the files of the jobs\n", stderr);
+            std::abort();
+        }
+    }
+    ~Place() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    }
     Place(const Place&) = delete;
     Place& operator=(const Place&) = delete;
 };
-
-Place::Place() {
-    const char* wanted = std::getenv("ZURT_FUZZ_FOLDER");
-    for (const char* parent : {wanted, "/dev/shm", "/tmp"}) {
-        std::string name = std::string(parent == nullptr ? "" : parent) + "/zurt-fuzz-XXXXXX";
-        if (parent == nullptr || mkdtemp(name.data()) == nullptr)
-            continue;
-        folder = name + "/";
-        stepFile = std::fopen((folder + "steps").c_str(), "w+b");
-        console = std::fopen("/dev/null", "w");
-        break;
-    }
-    if (stepFile == nullptr || console == nullptr) {
-        std::fputs("no folder for the files of the jobs\n", stderr);
-        std::abort();
-    }
-}
-
-Place::~Place() {
-    std::fclose(stepFile);
-    std::fclose(console);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-}
 
 Place& SharedPlace() {
     static Place place;
@@ -150,17 +144,8 @@ End EndOf(const zurt::RunStop& stop) {
 }
 
 std::string ContentOf(const zurt::TextUnit& unit) {
-    std::string text;
-    if (unit.name.empty())
-        return text;
-    std::FILE* file = std::fopen(unit.name.c_str(), "rb");
-    if (file == nullptr)
-        return text;
-    char piece[16384];
-    for (std::size_t count = 0; (count = std::fread(piece, 1, sizeof piece, file)) > 0;)
-        text.append(piece, count);
-    std::fclose(file);
-    return text;
+    std::ifstream file(unit.name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void CleanUp(Run& run) {
