@@ -74,29 +74,33 @@ std::string Moved(Dice& dice, const std::string& text) {
 }
 
 std::string NewText(Dice& dice, const Lines& lines, const std::string& text) {
-    switch (Choose(dice, 8)) {
-    case 0:
-    case 1:
+    const std::size_t kind = Choose(dice, 8);
+    if (kind < 2)
         return Moved(dice, text);
-    case 2: {
+    if (kind == 2) {
         const std::string& other = lines[Choose(dice, lines.size())];
         const std::vector<DeckItem> items = zurt_test::ItemsOf(other);
         return items.empty() ? "" : ItemText(other, items[Choose(dice, items.size())]);
     }
-    case 3:
+    if (kind == 3)
         return Choose(dice, 4) == 0 ? "" : std::string(1, static_cast<char>('0' + Choose(dice, 4)));
-    default:
-        return std::string(kNumbers[Choose(dice, std::size(kNumbers))]);
-    }
+    return std::string(kNumbers[Choose(dice, std::size(kNumbers))]);
 }
 
+/// Another text in the place of a field; at times none, or the field twice.
 void ChangeField(Dice& dice, Lines& lines) {
     std::string& line = lines[ChooseCard(dice, lines)];
     const std::vector<DeckItem> items = zurt_test::ItemsOf(line);
     if (items.empty())
         return;
     const DeckItem item = items[Choose(dice, items.size())];
-    line = zurt_test::WithItem(line, item, NewText(dice, lines, ItemText(line, item)));
+    const std::size_t kind = Choose(dice, 16);
+    if (kind == 0)
+        line.erase(item.begin, item.length);
+    else if (kind == 1)
+        line.insert(item.begin, ItemText(line, item) + " ");
+    else
+        line = zurt_test::WithItem(line, item, NewText(dice, lines, ItemText(line, item)));
 }
 
 /// The same field in a run of cards, such as a value at every node.
@@ -114,18 +118,6 @@ void ChangeColumn(Dice& dice, Lines& lines) {
         if (items.size() == count)
             lines[i] = zurt_test::WithItem(lines[i], items[column], text);
     }
-}
-
-void ChangeFieldCount(Dice& dice, Lines& lines) {
-    std::string& line = lines[ChooseCard(dice, lines)];
-    const std::vector<DeckItem> items = zurt_test::ItemsOf(line);
-    if (items.empty())
-        return;
-    const DeckItem item = items[Choose(dice, items.size())];
-    if (Choose(dice, 2) == 0)
-        line.erase(item.begin, item.length);
-    else
-        line.insert(item.begin, ItemText(line, item) + " ");
 }
 
 /// A card in the other of the two ways of the deck: columns of five, or items between blanks.
@@ -146,23 +138,15 @@ void ChangeLines(Dice& dice, Lines& lines) {
     const std::size_t from = Choose(dice, lines.size()), to = Choose(dice, lines.size());
     const std::size_t count = std::min(1 + Choose(dice, 3), lines.size() - from);
     const Lines block(At(lines, from), At(lines, from + count));
-    switch (Choose(dice, 5)) {
-    case 0:
+    const std::size_t kind = Choose(dice, 5);
+    if (kind == 0)
         std::swap(lines[from], lines[to]);
-        break;
-    case 1:
-        lines.insert(At(lines, from), block.begin(), block.end());
-        break;
-    case 2:
-        lines.insert(At(lines, to), block.begin(), block.end());
-        break;
-    case 3:
+    else if (kind < 3)
+        lines.insert(At(lines, kind == 1 ? from : to), block.begin(), block.end());
+    else if (kind == 3)
         lines.insert(At(lines, from), Choose(dice, 2) == 0 ? "\n" : "STOP\n");
-        break;
-    default:
-        if (lines.size() > count)
-            lines.erase(At(lines, from), At(lines, from + count));
-    }
+    else if (lines.size() > count)
+        lines.erase(At(lines, from), At(lines, from + count));
 }
 
 void CutEnd(Dice& dice, Lines& lines) {
@@ -217,12 +201,10 @@ void ChangeOnce(Dice& dice, Lines& lines) {
     if (lines.empty())
         lines.emplace_back("\n");
     const std::size_t kind = Choose(dice, 32);
-    if (kind < 15)
+    if (kind < 17)
         ChangeField(dice, lines);
-    else if (kind < 18)
-        ChangeColumn(dice, lines);
     else if (kind < 20)
-        ChangeFieldCount(dice, lines);
+        ChangeColumn(dice, lines);
     else if (kind < 21)
         Realign(dice, lines);
     else if (kind < 25)
@@ -267,18 +249,15 @@ std::string CrossDecks(const std::string& deck, const std::string& other, std::u
     const Lines second = zurt_test::SplitDeck(other);
     if (lines.empty() || second.empty())
         return deck + other;
-    switch (Choose(dice, 4)) {
-    case 0: {
+    const std::size_t kind = Choose(dice, 4);
+    if (kind == 0) {
         lines.resize(1 + Choose(dice, lines.size()));
         const std::size_t from =
             Choose(dice, 2) == 0 ? std::min(lines.size(), second.size()) : Choose(dice, second.size());
         lines.insert(lines.end(), second.begin() + static_cast<std::ptrdiff_t>(from), second.end());
-        break;
-    }
-    case 1:
+    } else if (kind == 1) {
         zurt_test::AddProblem(lines, second, Choose(dice, 2) == 0);
-        break;
-    default:
+    } else {
         TakeCards(dice, lines, second);
     }
     return Joined(lines, most);
