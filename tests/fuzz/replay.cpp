@@ -37,14 +37,13 @@ std::string ReadText(const std::string& name) {
 }
 
 int Replay(const std::vector<std::string>& names, bool verbose) {
-    const Oracles oracles = OraclesAskedFor();
     int objections = 0;
     for (const std::string& name : names) {
         if (verbose) {
             std::printf("%s\n", name.c_str());
             std::fflush(stdout);
         }
-        const std::string objection = CheckDeck(ReadText(name), oracles);
+        const std::string objection = CheckDeck(ReadText(name));
         if (!objection.empty()) {
             std::printf("%s: %s\n", name.c_str(), objection.c_str());
             ++objections;
