@@ -1,5 +1,6 @@
 #include "core/format.h"
 #include "run/partition.h"
+#include "solver/linear_system.h"
 #include "support/small_run.h"
 
 #include <iterator>
@@ -135,6 +136,8 @@ TEST(Partition, SystemMustFit) {
     EXPECT_EQ(LMAXM, 1 + 4 + 3 + 6 + 3);
     SmallRun fits("", LMAXM);
     EXPECT_EQ(TakeSystem(fits), LMAXM);
+    fits.sizes.SparseMode = 1;
+    EXPECT_EQ(FinishLayout(fits, {}), 0) << "the sparse solver has no words there";
     for (const std::int32_t NDS : {0, 2, -1}) {
         SmallRun tight("", LMAXM - 1);
         tight.control.header.NDS = NDS;

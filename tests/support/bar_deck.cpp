@@ -23,12 +23,9 @@ std::string ConstantTable(double factor) {
     return Print("%5d%5d\n%10.2e%10.2e\n%10.4f\n%10.4f\n%10.4f\n", 2, 1, 1.0, 1.0e6, 1.0, factor, factor);
 }
 
-std::string FibreCards(const FibreSetCards& set) {
-    std::string cards = Print("%5d%5d\n\n", 1, set.IEHM);
-    cards += Print("%5d%5d%5d%5d%10.6f\n", 1, static_cast<int>(set.fibres.size()),
-                   set.tables.size() == 2 ? 1 : 0, set.fibres[0].size() == 1 ? 1 : 0, set.diameter);
-    cards += "\n" + Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, set.boxHigh, set.boxHigh, set.boxHigh);
-    for (const auto& points : set.fibres) {
+std::string FibresOfSet(const FibreSetCards& set, const Place& box) {
+    std::string cards = "\n" + Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, box[0], box[1], box[2]);
+    for (const std::vector<Place>& points : set.fibres) {
         cards += Print("%5d%5d\n", 1, static_cast<int>(points.size()));
         for (const auto& [x, y, z] : points)
             cards += Print("%5d%10.6f%10.6f%10.6f\n", 1, x, y, z);
@@ -36,6 +33,12 @@ std::string FibreCards(const FibreSetCards& set) {
     for (const std::string& table : set.tables)
         cards += table;
     return cards;
+}
+
+std::string FibreCards(const FibreSetCards& set) {
+    return Print("%5d%5d\n\n%5d%5d%5d%5d%10.6f\n", 1, set.IEHM, 1, static_cast<int>(set.fibres.size()),
+                 set.tables.size() == 2, set.fibres[0].size() == 1, set.diameter) +
+           FibresOfSet(set, {set.boxHigh, set.boxHigh, set.boxHigh});
 }
 
 std::string OneFibre(int IEHM, double diameter, const std::vector<std::array<double, 3>>& points,

@@ -29,6 +29,9 @@ struct FibreSetCards {
     int IEHM = 0;
 };
 
+/// The cards of a set behind its first one.
+std::string FibresOfSet(const FibreSetCards& set, const Place& box);
+
 /// The homogenization card of the set, its card of the curve ends, and the set.
 std::string FibreCards(const FibreSetCards& set);
 

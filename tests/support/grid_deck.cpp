@@ -14,20 +14,15 @@ std::string Five(const std::vector<int>& values, const char* end = "\n") {
 }
 
 std::string FibreCards(const GridDeck& grid) {
-    const double diameter = grid.cylinders.front().diameter;
-    const bool spheres = grid.cylinders.front().from == grid.cylinders.front().to;
-    std::string cards = Five({1, static_cast<int>(grid.cylinders.size()), 0, spheres}, "") +
-                        Print("%10.6f%10.6f%10.4f\n\n", diameter, 1.0, grid.HEQ);
-    cards += Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, grid.box[0], grid.box[1], grid.box[2]);
-    int number = 0;
-    for (const Cylinder& cylinder : grid.cylinders) {
-        cards += Print("%5d%5d%10.6f\n", ++number, 2, cylinder.diameter);
-        int end = 0;
-        for (const Place& at : {cylinder.from, cylinder.to})
-            cards += Print("%5d%10.4f%10.4f%10.6f\n", ++end, at[0], at[1], at[2]);
-    }
-    cards += Five({2, 1}) + Print("%10.2e%10.2e\n%10.4f\n", grid.tableEnds[0], grid.tableEnds[1], 1.0);
-    return cards + Print("%10.4f\n%10.4f\n", grid.factors[0], grid.factors[1]);
+    FibreSetCards set;
+    for (const Cylinder& cylinder : grid.cylinders)
+        set.fibres.push_back({cylinder.from, cylinder.to});
+    set.tables = {Five({2, 1}) + Print("%10.2e%10.2e\n%10.4f\n%10.4f\n%10.4f\n", grid.tableEnds[0],
+                                       grid.tableEnds[1], 1.0, grid.factors[0], grid.factors[1])};
+    const bool spheres = grid.cylinders[0].from == grid.cylinders[0].to;
+    return Five({1, static_cast<int>(set.fibres.size()), 0, spheres}, "") +
+           Print("%10.6f%10.6f%10.4f\n", grid.cylinders[0].diameter, 1.0, grid.HEQ) +
+           FibresOfSet(set, grid.box);
 }
 
 // The nodes that start full, fourteen to a card.
