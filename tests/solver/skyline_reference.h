@@ -51,31 +51,36 @@ inline void FillDominant(SkylineSystem& system, std::mt19937& random) {
         system.Store()(system.Pointers()(n)) = weight[static_cast<std::size_t>(n)];
 }
 
-/// A cube of side^3 eight-node bricks, nodes numbered with x fastest, all of them free.
-inline SkylineSystem MakeCube(std::int32_t side) {
+/// The nodes of side^3 eight-node bricks in a cube, element by element, numbered with x fastest.
+inline std::vector<std::int32_t> NodesOfCube(std::int32_t side) {
     const std::int32_t row = side + 1;
-    const Word JEDN = static_cast<Word>(row) * row * row;
-    const Word NE = static_cast<Word>(side) * side * side;
-    std::vector<std::int32_t> nodes(static_cast<std::size_t>(8 * NE));
-    zurt::IntTable NEL{nodes.data(), NE, 8};
-    Word element = 0;
-    for (std::int32_t z = 0; z < side; ++z)
-        for (std::int32_t y = 0; y < side; ++y)
-            for (std::int32_t x = 0; x < side; ++x) {
-                ++element;
-                for (std::int32_t corner = 0; corner < 8; ++corner)
-                    NEL(element, corner + 1) = 1 + x + (corner & 1) + row * (y + (corner >> 1 & 1)) +
-                                               row * row * (z + (corner >> 2));
-            }
-    std::vector<std::int32_t> ID(static_cast<std::size_t>(JEDN));
+    std::vector<std::int32_t> nodes;
+    for (std::int32_t element = 0; element < side * side * side; ++element)
+        for (std::int32_t corner = 0; corner < 8; ++corner) {
+            const std::int32_t x = element % side + (corner & 1),
+                               y = element / side % side + (corner >> 1 & 1);
+            nodes.push_back(1 + x + row * (y + row * (element / side / side + (corner >> 2))));
+        }
+    return nodes;
+}
+
+/// The system of such a cube, all nodes free.
+inline SkylineSystem MakeCube(std::int32_t side) {
+    const Word NE = static_cast<Word>(side) * side * side,
+               JEDN = static_cast<Word>(side + 1) * (side + 1) * (side + 1);
+    const std::vector<std::int32_t> byElements = NodesOfCube(side);
+    std::vector<std::int32_t> nodes, ID(static_cast<std::size_t>(JEDN));
+    for (std::size_t corner = 0; corner < 8; ++corner)
+        for (std::size_t at = corner; at < byElements.size(); at += 8)
+            nodes.push_back(byElements[at]);
     std::iota(ID.begin(), ID.end(), 1);
     SkylineSystem system;
     system.NN = JEDN;
     system.MAXA.assign(static_cast<std::size_t>(JEDN + 1), 0);
     std::int32_t LM[8];
     Word NWK = 0;
-    zurt::ComputeColumnHeights({system.MAXA.data(), JEDN + 1}, {ID.data(), JEDN}, NEL, {LM, 8}, NE, JEDN,
-                               true, 8, NWK);
+    zurt::ComputeColumnHeights({system.MAXA.data(), JEDN + 1}, {ID.data(), JEDN}, {nodes.data(), NE, 8},
+                               {LM, 8}, NE, JEDN, true, 8, NWK);
     system.store.assign(static_cast<std::size_t>(NWK), 0.0);
     return system;
 }

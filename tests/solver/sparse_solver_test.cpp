@@ -1,4 +1,5 @@
 #include "core/text_unit.h"
+#include "solver/skyline_reference.h"
 #include "solver/sparse_assembler.h"
 #include "solver/sparse_solver.h"
 #include "solver/sparse_tree.h"
@@ -74,17 +75,10 @@ void AssembleCube(std::int32_t side) {
     Reals S(64, -1.0);
     for (std::size_t i = 0; i < 8; ++i)
         S[9 * i] = 7.25;
-    const std::int32_t row = side + 1;
+    std::vector<std::int32_t> nodes = zurt_test::NodesOfCube(side);
     zurt::SparseInit(tree, 0, 0);
-    for (std::int32_t z = 0; z < side; ++z)
-        for (std::int32_t y = 0; y < side; ++y)
-            for (std::int32_t x = 0; x < side; ++x) {
-                std::int32_t LM[8];
-                for (std::int32_t corner = 0; corner < 8; ++corner)
-                    LM[corner] =
-                        1 + x + (corner & 1) + row * (y + (corner >> 1 & 1) + row * (z + (corner >> 2)));
-                zurt::SparseAddElement(tree, 8, {LM, 8}, {S.data(), 8, 8});
-            }
+    for (std::size_t element = 0; element < nodes.size(); element += 8)
+        zurt::SparseAddElement(tree, 8, {&nodes[element], 8}, {S.data(), 8, 8});
 }
 
 // Fault: an ordering in threads, whose outcome differs from run to run. The system is large enough for the solver to
