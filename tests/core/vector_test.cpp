@@ -23,15 +23,5 @@ TEST(Vector, NormalizeClearsComponentsBelowTheWidenedLimit) {
     }
 }
 
-// Faults: entries without an equation written, repeated numbers overwritten, entries past n taken.
-TEST(Vector, AddScatterAddsWhereThereIsAnEquation) {
-    // The array begins at the third, so that numbers below 1 would show.
-    std::vector<double> room = {1, 2, 10, 20, 30, 40};
-    const double source[5] = {1, 2, 3, 4, 5};
-    const std::int32_t LM[5] = {3, 0, 3, -1, 1};
-    AddScatter({room.data() + 2, 4}, {source, 5}, {LM, 5}, 4);
-    EXPECT_EQ(room, (std::vector<double>{1, 2, 10, 20, 34, 40}));
-}
-
 } // namespace
 } // namespace zurt

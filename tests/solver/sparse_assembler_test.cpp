@@ -149,13 +149,11 @@ TEST_F(SparseAssembler, DumpHoldsBareRecords) {
     AddElement({1, 3}, {0.5, 0, 2, 4});
     const std::string name = zurt_test::MakeTemporaryFolder() + "/osparse.bin";
     zurt::WriteSparseDump(tree, name.c_str());
-    const std::int32_t places[3][2] = {{1, 1}, {3, 1}, {3, 3}};
-    const double values[3] = {0.5, 2, 4};
-    std::string expected;
-    for (int i = 0; i < 3; ++i) {
-        expected.append(reinterpret_cast<const char*>(places[i]), 8);
-        expected.append(reinterpret_cast<const char*>(&values[i]), 8);
-    }
+    const struct {
+        std::int32_t row, column;
+        double value;
+    } records[3] = {{1, 1, 0.5}, {3, 1, 2}, {3, 3, 4}};
+    const std::string expected(reinterpret_cast<const char*>(records), sizeof records);
     EXPECT_EQ(zurt_test::ReadFile(name), expected);
 
     testing::internal::CaptureStdout();
