@@ -228,10 +228,6 @@ Dice MakeDice(std::uint32_t seed) {
     return dice;
 }
 
-std::string Joined(const Lines& lines, std::size_t most) {
-    return zurt_test::JoinDeck(lines).substr(0, most);
-}
-
 } // namespace
 
 std::string ChangeDeck(const std::string& deck, std::uint32_t seed, std::size_t most) {
@@ -239,7 +235,7 @@ std::string ChangeDeck(const std::string& deck, std::uint32_t seed, std::size_t 
     Lines lines = zurt_test::SplitDeck(deck);
     for (std::size_t changes = 1 + Choose(dice, 2) * Choose(dice, 4); changes > 0; --changes)
         ChangeOnce(dice, lines);
-    return Joined(lines, most);
+    return zurt_test::JoinDeck(lines).substr(0, most);
 }
 
 std::string CrossDecks(const std::string& deck, const std::string& other, std::uint32_t seed,
@@ -260,7 +256,7 @@ std::string CrossDecks(const std::string& deck, const std::string& other, std::u
     } else {
         TakeCards(dice, lines, second);
     }
-    return Joined(lines, most);
+    return zurt_test::JoinDeck(lines).substr(0, most);
 }
 
 } // namespace zurt_fuzz

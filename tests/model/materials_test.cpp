@@ -76,37 +76,22 @@ TEST(Materials, SpecificHeatOfASteadyProblemIsReadAndDropped) {
     EXPECT_EQ(SpecificHeatPoints(*run).length, 0);
 }
 
-RunPointer DiffusionRun(const std::string& deck, std::int32_t NMATT, std::int32_t MAXPMAT,
-                        std::int32_t INDFOR = 2) {
-    RunPointer run = MakeRun(deck, INDFOR);
-    run->control.header.NDS = 1;
-    run->control.header.NMATT = NMATT;
-    run->control.counts.MAXPMAT = MAXPMAT;
-    TakeDiffusionCurves(*run);
-    ReadDiffusionCurves(*run);
-    return run;
-}
-
-double Diffusion(const Run& run, std::int32_t material, double x) {
-    double y = -1.0;
-    EXPECT_EQ(DiffusionLookup(DiffusionTable(run), DiffusionPoints(run), material, x, y), 0);
-    return y;
-}
-
 // Curve and point exchanged in the table, zeros that are not taken for ones.
 TEST(DiffusionCurves, ReadByColumnsWithZerosAsOnes) {
     const char* point = "%20.6E%20.6E\n";
     const RunPointer run =
-        DiffusionRun(Print("%5d%5d\n", 3, 2) + Print(point, 0.0, 1.0) + "C between\n" +
-                         Print(point, 2.0, 3.0) + "\n" + Print(point, 0.0, 8.0) + Print("%5d%5d\n", 3, 2) +
-                         Print(point, 0.0, 5.0) + Print(point, 2.0, 7.0),
-                     3, 4);
-    EXPECT_EQ(Diffusion(*run, 1, 123.0), 8.0);
-    EXPECT_EQ(Diffusion(*run, 3, 1.0), 6.0);
-    EXPECT_EQ(Diffusion(*run, 3, 2.0), 7.0);
-    EXPECT_EQ(DiffusionPoints(*run)(2), 0);
-    EXPECT_EQ(Diffusion(*run, 2, 1.0), 0.0) << "the table is cleared ahead of the cards";
-    EXPECT_EQ(DiffusionTable(*run)(1, 4), 0.0);
+        MakeRun(Print("%5d%5d\n", 3, 2) + Print(point, 0.0, 1.0) + "C between\n" + Print(point, 2.0, 3.0) +
+                    "\n" + Print(point, 0.0, 8.0) + Print("%5d%5d\n", 3, 2) + Print(point, 0.0, 5.0) +
+                    Print(point, 2.0, 7.0),
+                2);
+    run->control.header.NDS = 1;
+    run->control.header.NMATT = 3;
+    run->control.counts.MAXPMAT = 4;
+    TakeDiffusionCurves(*run);
+    ReadDiffusionCurves(*run);
+    EXPECT_EQ(Values(DiffusionPoints(*run)), (std::vector<std::int32_t>{1, 0, 2}));
+    EXPECT_EQ(Values(DiffusionTable(*run)), // what no card gives is cleared
+              (std::vector<double>{0, 0, 0, 8, 0, 5, 0, 0, 2, 0, 0, 7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 // Coefficients of rising powers of T; many are single precision decimals, widened. Conduction of materials 1 to 4, 7, 8:

@@ -69,17 +69,16 @@ TEST(CardListing, RepeatsItsHeadAtTheFiftyFirstLine) {
 // short after a read that has run over line ends.
 TEST(CardListing, PutsTheDeckBackByTheNumberOfItsCards) {
     SmallRun small("C one\ncard 2\ncard 3\n1\n2\n3\nnext\n");
-    Deck& deck = small.deck;
     CardBuffer card;
-    ReadCard(deck, 2, "Sample card", card);
+    ReadCard(small.deck, 2, "Sample card", card);
     ListCards(small);
-    EXPECT_EQ(NextRecord(deck, "Sample card"), "card 3");
-    std::int32_t numbers[3] = {};
-    ReadNumberCards(deck, 1, "Sample cards", "N", ZURT_DESCRIPTOR(std::int32_t, "I5"), 3,
-                    IntArray(numbers, 3));
-    EXPECT_EQ(deck.CardCounter, 3);
+    EXPECT_EQ(NextRecord(small.deck, "Sample card"), "card 3");
+    std::vector<std::int32_t> numbers(3);
+    ReadNumberCards(small.deck, 1, "Sample cards", "N", ZURT_DESCRIPTOR(std::int32_t, "I5"), 3,
+                    View(numbers));
+    EXPECT_EQ(small.deck.CardCounter, 3);
     ListCards(small);
-    EXPECT_EQ(NextRecord(deck, "Sample card"), "1");
+    EXPECT_EQ(NextRecord(small.deck, "Sample card"), "1");
 }
 
 std::string CardNumber(std::int32_t counter, std::int32_t first, std::int32_t page, int language) {
