@@ -160,12 +160,6 @@ LATER = {"(I5,2(1X,I3),F6.2)": "iir", "(I5,(1X,F8.3))": "r", "(I3,2(F7.2,(I4,'x'
          "(2X,I8,10X,3(3X,D10.4),I10,7X,3D10.2)": "rrrirrr", "(2X,I8,10X,3(3X,D10.4)/10I8)": "rrr" + "i" * 10}
 
 
-def type_at(form, types, index):
-    if index < len(types) or form not in LATER:
-        return types[index % len(types)]
-    return LATER[form][(index - len(types)) % len(LATER[form])]
-
-
 # --- the Fortran side ---------------------------------------------------------------------------------------------
 
 # The list of items of a statement is fixed when it is compiled: each case is a statement of its own.
@@ -252,7 +246,7 @@ def make_write_table(rng):
     for index, (form, values) in enumerate(cases):  # bring the types of later passes in line with the format
         types = next((types for known, types in RECORDS if known == form), None)
         if types:
-            kinds = [type_at(form, types, k) for k in range(len(values))]
+            kinds = types + LATER.get(form, types) * len(values)
             cases[index] = (form, [v if v[0] == kind else draw(rng, kind) for v, kind in zip(values, kinds)])
     output = run_fortran(["form = %s\nwrite (20, form, iostat=status) %s\nwrite (20, '(A,I0)') '@@@@', status"
                           % (quoted(form), ", ".join(write_item(value) for value in values)) for form, values in cases])
@@ -421,11 +415,9 @@ def list_cases(rng):
 
 
 def status_of(line):
-    number, message = line.split(" ", 1) if " " in line else (line, "")
-    if number == "0":
-        return "ok"
-    if number == "-1":
-        return "eof"
+    number, _, message = line.partition(" ")
+    if number in ("0", "-1"):
+        return "ok" if number == "0" else "eof"
     if message.startswith("Read type"):
         return "mixed"
     return "range" if "overflow" in message else "bad"
