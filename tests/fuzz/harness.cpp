@@ -68,20 +68,8 @@ struct Place {
     Place& operator=(const Place&) = delete;
 };
 
-Place& SharedPlace() {
-    static Place place;
-    return place;
-}
-
-void TakeDeck(zurt::Deck& deck, std::string_view text) {
-    deck.name = "deck";
-    deck.bytes.reset(new char[text.size() + 1]);
-    std::memcpy(deck.bytes.get(), text.data(), text.size());
-    deck.size = static_cast<zurt::Word>(text.size());
-}
-
 void StartUp(Run& run, std::string_view deck) {
-    Place& place = SharedPlace();
+    static Place place;
     FlushDenormalsToZero();
     zurt::CreateWorkingVector(run.A, kWords);
     run.job.Language = zurt::kEnglish;
@@ -91,7 +79,10 @@ void StartUp(Run& run, std::string_view deck) {
     run.units.DefaultGraphicsName = place.folder + "graphics";
     run.units.stepFile = place.stepFile;
     zurt::AttachTextUnit(run.units.console, place.console, "the console");
-    TakeDeck(run.deck, deck);
+    run.deck.name = "deck";
+    run.deck.bytes.reset(new char[deck.size() + 1]);
+    std::memcpy(run.deck.bytes.get(), deck.data(), deck.size());
+    run.deck.size = static_cast<zurt::Word>(deck.size());
 }
 
 std::size_t SizeOf(zurt::TextUnit& unit) {
@@ -99,11 +90,6 @@ std::size_t SizeOf(zurt::TextUnit& unit) {
         return 0;
     zurt::FlushTextUnit(unit);
     return static_cast<std::size_t>(std::ftell(unit.file));
-}
-
-// A fit has results of its own, or none.
-bool AsksForResults(const Run& run) {
-    return run.control.header.NPRINT >= 0 && !zurt::RunsSeveralTimes(run);
 }
 
 /// The job of the driver. False at the end of a check run.
@@ -124,7 +110,8 @@ bool RunProblems(Run& run, Job& job) {
         problem.graphics.end = SizeOf(run.units.graphics);
         problem.INDFOR = run.control.header.INDFOR;
         problem.NDT = run.control.counts.NDT;
-        problem.asksForResults = AsksForResults(run);
+        // A fit has results of its own, or none.
+        problem.asksForResults = run.control.header.NPRINT >= 0 && !zurt::RunsSeveralTimes(run);
         problem.listsCards = run.control.header.NULAZ == 1 || run.control.header.NULAZ == 2;
         problem.leavesOutlet = run.control.outlet.OutletEnd != 0.0;
         job.problems.push_back(problem);
