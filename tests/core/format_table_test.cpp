@@ -23,27 +23,9 @@ std::vector<std::string> Split(const std::string& text, char separator) {
 /// Takes the bars off a text and puts the characters in that the table spells with a backslash.
 std::string Unescape(const std::string& barred) {
     std::string text;
-    for (std::size_t i = 1; i + 1 < barred.size(); ++i) {
-        if (barred[i] == '\\') {
-            ++i;
-            text += barred[i] == 'n' ? '\n' : (barred[i] == 't' ? '\t' : '\r');
-        } else {
-            text += barred[i];
-        }
-    }
+    for (std::size_t i = 1; i + 1 < barred.size(); ++i)
+        text += barred[i] != '\\' ? barred[i] : barred[++i] == 'n' ? '\n' : barred[i] == 't' ? '\t' : '\r';
     return text;
-}
-
-/// All records of a text, the empty last one included.
-std::vector<std::string_view> Records(const std::string& text) {
-    std::vector<std::string_view> records;
-    std::size_t start = 0;
-    for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', start)) {
-        records.push_back(std::string_view(text).substr(start, end - start));
-        start = end + 1;
-    }
-    records.push_back(std::string_view(text).substr(start));
-    return records;
 }
 
 std::string RealBits(double value) {
@@ -91,22 +73,23 @@ std::string WriteRow(const std::string& format, const std::vector<std::string>& 
     return text;
 }
 
-/// The values read so far, '-' for one that was left alone.
+/// The values of a row, '-' for one that was left alone, and how the reading ended.
 struct Outcome {
     std::vector<std::string> values;
     std::string status = "ok";
+
+    std::string Text() const {
+        std::string text;
+        for (const std::string& value : values)
+            text += value + " ";
+        return text + status;
+    }
+    void Add(const char* ended, const std::string& value) {
+        if (status == "ok")
+            status = ended;
+        values.push_back(status == "ok" ? value : "-");
+    }
 };
-
-std::string Joined(const Outcome& outcome) {
-    std::string text;
-    for (const std::string& value : outcome.values)
-        text += value + " ";
-    return text + outcome.status;
-}
-
-Outcome Expected(const std::string& values, const std::string& status) {
-    return {Split(values, ' '), status};
-}
 
 /// The fields of a record as cards are read: the quick way first, and what it leaves by the full reader.
 Outcome ReadFixedRow(const std::string& format, std::string record, std::size_t count) {
@@ -127,17 +110,16 @@ Outcome ReadFixedRow(const std::string& format, std::string record, std::size_t 
             status = ReadIntegerField(field, integer);
         if (!isInteger && !ReadPlainRealField(record, column, width, item.decimals, real))
             status = ReadRealField(field, item.decimals, real);
-        if (status != FieldStatus::Good && outcome.status == "ok")
-            outcome.status = status == FieldStatus::OutOfRange ? "range" : "bad";
-        outcome.values.push_back(outcome.status != "ok" ? "-"
-                                 : isInteger            ? "i:" + std::to_string(integer)
-                                                        : RealBits(real));
+        outcome.Add(status == FieldStatus::Good         ? "ok"
+                    : status == FieldStatus::OutOfRange ? "range"
+                                                        : "bad",
+                    isInteger ? "i:" + std::to_string(integer) : RealBits(real));
     }
     return outcome;
 }
 
 Outcome ReadListRow(const std::string& types, const std::string& text) {
-    const std::vector<std::string_view> records = Records(text);
+    const std::vector<std::string> records = Split(text + "\n", '\n');
     std::size_t used = 1;
     ListScanner scanner;
     BeginList(scanner, records[0]);
@@ -152,14 +134,13 @@ Outcome ReadListRow(const std::string& types, const std::string& text) {
                 break;
             ContinueList(scanner, records[used++]);
         }
-        const bool read = status == ListStatus::Value && outcome.status == "ok";
-        outcome.values.push_back(!read ? "-"
-                                       : (type == 'i' ? "i:" + std::to_string(integer) : RealBits(real)));
-        if (outcome.status == "ok")
-            outcome.status = status == ListStatus::NeedRecord   ? "eof"
-                             : status == ListStatus::NotANumber ? "bad"
-                             : status == ListStatus::OutOfRange ? "range"
-                                                                : "ok";
+        outcome.Add(status == ListStatus::NeedRecord   ? "eof"
+                    : status == ListStatus::NotANumber ? "bad"
+                    : status == ListStatus::OutOfRange ? "range"
+                                                       : "ok",
+                    status != ListStatus::Value ? "-"
+                    : type == 'i'               ? "i:" + std::to_string(integer)
+                                                : RealBits(real));
     }
     return outcome;
 }
@@ -180,17 +161,14 @@ TEST(FormatTable, ReadsWhatFortranReads) {
     const std::vector<std::vector<std::string>> listRows = ReadTable("format_read_list.tsv");
     ASSERT_GE(fixedRows.size(), 1000u);
     ASSERT_GE(listRows.size(), 500u);
-    for (const std::vector<std::string>& row : fixedRows) {
-        ASSERT_EQ(row.size(), 4u);
-        const Outcome wanted = Expected(row[2], row[3]);
-        EXPECT_EQ(Joined(ReadFixedRow(row[0], Unescape(row[1]), wanted.values.size())), Joined(wanted))
-            << row[0] << row[1];
-    }
-    for (const std::vector<std::string>& row : listRows) {
-        ASSERT_EQ(row.size(), 4u);
-        const Outcome wanted = Expected(row[2], row[3]);
-        EXPECT_EQ(Joined(ReadListRow(row[0], Unescape(row[1]))), Joined(wanted)) << row[0] << row[1];
-    }
+    for (const auto* rows : {&fixedRows, &listRows})
+        for (const std::vector<std::string>& row : *rows) {
+            ASSERT_EQ(row.size(), 4u);
+            const std::size_t count = Split(row[2], ' ').size();
+            const Outcome outcome = rows == &fixedRows ? ReadFixedRow(row[0], Unescape(row[1]), count)
+                                                       : ReadListRow(row[0], Unescape(row[1]));
+            EXPECT_EQ(outcome.Text(), row[2] + " " + row[3]) << row[0] << row[1];
+        }
 }
 
 } // namespace

@@ -1,8 +1,7 @@
 #include "core/vector.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
+#include <gtest/gtest.h>
 
 namespace zurt {
 namespace {
@@ -22,22 +21,6 @@ TEST(Vector, NormalizeClearsComponentsBelowTheWidenedLimit) {
             EXPECT_DOUBLE_EQ(v[i], expected[i]);
         EXPECT_EQ(v[2], expected[2]);
     }
-}
-
-// Faults: entries without an equation written, repeated numbers overwritten, entries past n taken.
-TEST(Vector, AddScatterAddsWhereThereIsAnEquation) {
-    double room[6] = {1,  2,  10,
-                      20, 30, 40}; // the array begins at the third, so that numbers below 1 would show
-    double* target = room + 2;
-    const double source[5] = {1, 2, 3, 4, 5};
-    const std::int32_t LM[5] = {3, 0, 3, -1, 1};
-    AddScatter(RealArray(target, 4), ConstRealArray(source, 5), ConstIntArray(LM, 5), 4);
-    EXPECT_EQ(room[0], 1);
-    EXPECT_EQ(room[1], 2);
-    EXPECT_EQ(target[0], 10);
-    EXPECT_EQ(target[1], 20);
-    EXPECT_EQ(target[2], 34);
-    EXPECT_EQ(target[3], 40);
 }
 
 } // namespace

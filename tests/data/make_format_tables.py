@@ -3,8 +3,8 @@
 
     python3 make_format_tables.py [directory [seed]]     (default: the directory of this script and its seed)
 
-Cases are drawn from a generator with a fixed seed, handed to make_format_tables.f90, and come back with gfortran's
-own text or value. The tables:
+Cases are drawn from a generator with a fixed seed, made into a Fortran program, and come back with gfortran's own
+text or value. The tables:
 
     format_write.tsv        format, values, |text|
     format_read_fixed.tsv   format, |record|, values, status
@@ -160,44 +160,78 @@ LATER = {"(I5,2(1X,I3),F6.2)": "iir", "(I5,(1X,F8.3))": "r", "(I3,2(F7.2,(I4,'x'
          "(2X,I8,10X,3(3X,D10.4),I10,7X,3D10.2)": "rrrirrr", "(2X,I8,10X,3(3X,D10.4)/10I8)": "rrr" + "i" * 10}
 
 
-def type_at(form, types, index):
-    if index < len(types) or form not in LATER:
-        return types[index % len(types)]
-    return LATER[form][(index - len(types)) % len(LATER[form])]
-
-
 # --- the Fortran side ---------------------------------------------------------------------------------------------
 
-def branches(patterns, statement, target):
-    """A select over the sequences of types, with one statement for each."""
-    lines = ["select case (types)"]
-    for types in sorted(patterns):
-        items = ",&\n    ".join(target(kind, k + 1) for k, kind in enumerate(types))
-        lines.append("case ('%s'); %s%s" % (types, statement, " &\n    " + items if items else ""))
-    return "\n".join(lines + ["case default; stop 'unknown types'", "end select", ""])
+# The list of items of a statement is fixed when it is compiled: each case is a statement of its own.
+PROGRAM = """\
+program answers
+  implicit none
+  integer :: status, i(64)
+  integer(8), parameter :: untouched = int(z'FEDCBA9876543210', 8)
+  real(8) :: r(64)
+  character(200) :: form, record, message
+  open (20, file='answers.txt')
+%s
+contains
+  subroutine begin()
+    i = -777777777
+    r = transfer(untouched, r(1))
+    message = ''
+  end subroutine
+
+  ! All values, one a line, and how the read ended.
+  subroutine report(types)
+    character(*), intent(in) :: types
+    integer :: k
+    do k = 1, len(types)
+      if (types(k:k) == 'i' .and. i(k) == -777777777 .or. types(k:k) == 'r' .and. transfer(r(k), untouched) == untouched) then
+        write (20, '(A)') '-'
+      else if (types(k:k) == 'i') then
+        write (20, '(A,I0)') 'i:', i(k)
+      else
+        write (20, '(A,Z16.16)') 'r:', r(k)
+      end if
+    end do
+    if (status == 0) message = ''
+    write (20, '(I0,1X,A)') status, trim(message)
+  end subroutine
+%s
+end program
+"""
 
 
-def write_target(kind, k):
-    return "s(%d)(1:n(%d))" % (k, k) if kind == "s" else "%s(%d)" % ("i8" if kind == "i" else kind, k)
-
-
-def read_target(kind, k):
-    return "%s(%d)" % (kind, k)
-
-
-def run_fortran(table, patterns, statement, target, lines):
-    """Compiles the program with the statements of one table and runs it on the case lines; returns its answers."""
-    source = os.path.join(os.path.dirname(os.path.abspath(__file__)), "make_format_tables.f90")
+def run_fortran(cases):
+    """Compiles a program of the statements of these cases and runs it; returns its answers."""
+    parts = [cases[k:k + 100] for k in range(0, len(cases), 100)]
+    calls = "\n".join("call part_%d()" % k for k in range(len(parts)))
+    bodies = "\n".join("subroutine part_%d()\n%s\nend subroutine" % (k, "\n".join(part)) for k, part in enumerate(parts))
     with tempfile.TemporaryDirectory() as directory:
-        for name in ("write", "fixed", "list"):
-            with open(os.path.join(directory, name + ".inc"), "w") as file:
-                file.write(branches(patterns, statement, target) if name == table else "status = 0\n")
-        with open(os.path.join(directory, "cases.txt"), "w", newline="") as file:
-            file.write("".join(line + "\n" for line in [table] + lines))
-        subprocess.run(["gfortran", "-O0", "-I", directory, "-o", "program", source], cwd=directory, check=True)
-        subprocess.run(["./program"], cwd=directory, check=True)
+        with open(os.path.join(directory, "answers.f90"), "w", newline="") as file:
+            file.write(PROGRAM % (calls, bodies))
+        subprocess.run(["gfortran", "-O0", "-fbackslash", "-ffree-line-length-none", "-o", "answers", "answers.f90"],
+                       cwd=directory, check=True)
+        subprocess.run(["./answers"], cwd=directory, check=True)
         with open(os.path.join(directory, "answers.txt"), newline="") as file:
             return file.read().split("\n")[:-1]
+
+
+def quoted(text):
+    return "'" + escaped(text).replace("'", "''") + "'"
+
+
+def escaped(text):
+    return text.replace("\n", "\\n").replace("\t", "\\t").replace("\r", "\\r")
+
+
+def write_item(value):
+    kind, content = value
+    if kind == "s":
+        return quoted(content)
+    return "int(z'%016X', 8)" % (content % 2 ** 64) if kind == "i" else "transfer(int(z'%s', 8), r(1))" % bits(content)
+
+
+def read_items(types):
+    return ", ".join("%s(%d)" % (kind, k + 1) for k, kind in enumerate(types))
 
 
 def shown(value):
@@ -212,16 +246,10 @@ def make_write_table(rng):
     for index, (form, values) in enumerate(cases):  # bring the types of later passes in line with the format
         types = next((types for known, types in RECORDS if known == form), None)
         if types:
-            kinds = [type_at(form, types, k) for k in range(len(values))]
+            kinds = types + LATER.get(form, types) * len(values)
             cases[index] = (form, [v if v[0] == kind else draw(rng, kind) for v, kind in zip(values, kinds)])
-    lines = []
-    for form, values in cases:
-        lines += ["".join(kind for kind, _ in values), form]
-        for kind, content in values:
-            lines.append("%d" % content if kind == "i" else bits(content) if kind == "r" else
-                         "%4d%s" % (len(content), content))
-    patterns = {"".join(kind for kind, _ in values) for _, values in cases}
-    output = run_fortran("write", patterns, "write (20, form, iostat=status)", write_target, lines)
+    output = run_fortran(["form = %s\nwrite (20, form, iostat=status) %s\nwrite (20, '(A,I0)') '@@@@', status"
+                          % (quoted(form), ", ".join(write_item(value) for value in values)) for form, values in cases])
     rows, records = [], []
     for line in output:
         if not line.startswith("@@@@"):
@@ -366,20 +394,20 @@ def list_item(rng, kind):
     return text
 
 
-SEPARATORS = [" ", " ", "  ", ",", ",", ", ", " ,", " , ", ",,", ", ,", "^", "^,", ";", "\n", "\n", " \n ", ",\n",
-              "\n,", "%\n", ",%\n", "\n\n", " \n%\n", "/"]
+SEPARATORS = [" ", " ", "  ", ",", ",", ", ", " ,", " , ", ",,", ", ,", "\t", "\t,", ";", "\n", "\n", " \n ", ",\n",
+              "\n,", "\r\n", ",\r\n", "\n\n", " \n\r\n", "/"]
 
 
 def list_cases(rng):
-    """(types, records) of every list-directed case; ^ is a tab and % a carriage return."""
+    """(types, records) of every list-directed case."""
     plain = ["1 2 3", "1,2,3", " 1 , 2 , 3 ", ",1,2", ",,1", "1,,3", "1,2,", "/", "1/2", "1 /", "3*7", "3*", "3*,5",
-             "2*1 5", "2*,,4", "1\n2\n3", "1\n,2 3", "1,\n2,\n3", "1,\n,2", "\n\n1 2 3", "1%\n2 3%", "^1^2^3^", "1;2;3",
+             "2*1 5", "2*,,4", "1\n2\n3", "1\n,2 3", "1,\n2,\n3", "1,\n,2", "\n\n1 2 3", "1\r\n2 3\r", "\t1\t2\t3\t", "1;2;3",
              "1 ;2; 3", ";1;2", "1;;2", "", "1", "1,2", "1 2 3 4 5", ",", ",,", ",\n,\n,", "1,,/", "2*,/", "2*\n9", "3.0 1 2",
              "abc", "1 abc 2", "1 2 x", "1\n/", "1 2/ 3", "1,/", " ,/", "1*5,2*6", "2*5/", "4*8", "1 2*\n,3", "1 2*,\n3", "1\n,,2", "1\n;2", "1\n;\n,2", "1;\n,2", "1;\n;2", "2*\n\n,3", "2*\n;3"]
     cases = [(types, records) for types in ("iii", "rrr") for records in plain]
     for _ in range(640):
         types = rng.choice(["i", "ii", "iii", "iiiii", "r", "rr", "rrr", "rrrr", "iir", "irrr", "ri"])
-        text = rng.choice(["", "", "", " ", ",", "\n", "^"])
+        text = rng.choice(["", "", "", " ", ",", "\n", "\t"])
         for kind in types:
             text += list_item(rng, kind) + rng.choice(SEPARATORS)
         cases.append((types, text if rng.randrange(2) else text.rstrip(" ,;/")))
@@ -387,11 +415,9 @@ def list_cases(rng):
 
 
 def status_of(line):
-    number, message = line.split(" ", 1) if " " in line else (line, "")
-    if number == "0":
-        return "ok"
-    if number == "-1":
-        return "eof"
+    number, _, message = line.partition(" ")
+    if number in ("0", "-1"):
+        return "ok" if number == "0" else "eof"
     if message.startswith("Read type"):
         return "mixed"
     return "range" if "overflow" in message else "bad"
@@ -412,22 +438,19 @@ def results(output, types):
 
 def make_fixed_table(rng):
     cases = fixed_cases(rng)
-    lines = [line for form, types, record in cases for line in (types, form, record)]
-    patterns = {types for _, types, _ in cases}
-    output = run_fortran("fixed", patterns, "read (record, form, iostat=status, iomsg=message)", read_target, lines)
+    output = run_fortran(["call begin()\nform = %s\nrecord = %s\nread (record, form, iostat=status, iomsg=message) %s\n"
+                          "call report('%s')" % (quoted(form), quoted(record), read_items(types), types)
+                          for form, types, record in cases])
     return ["%s\t|%s|\t%s\t%s" % ((form, record) + results(output, types)) for form, types, record in cases]
 
 
 def make_list_table(rng):
     cases = list_cases(rng)
-    lines = []
-    for types, text in cases:
-        records = text.split("\n")
-        lines += [types, "%d" % len(records)] + [record.replace(" ", "_") for record in records]
-    patterns = {types for types, _ in cases}
-    output = run_fortran("list", patterns, "read (30, *, iostat=status, iomsg=message)", read_target, lines)
-    shown_records = [text.replace("\n", "\\n").replace("^", "\\t").replace("%", "\\r") for _, text in cases]
-    rows = [(types, records) + results(output, types) for (types, _), records in zip(cases, shown_records)]
+    output = run_fortran(["call begin()\nopen (30, status='scratch', form='formatted')\n%s\nrewind (30)\n"
+                          "read (30, *, iostat=status, iomsg=message) %s\nclose (30)\ncall report('%s')"
+                          % ("\n".join("write (30, '(A)') " + quoted(record) for record in text.split("\n")), read_items(types),
+                             types) for types, text in cases])
+    rows = [(types, escaped(text)) + results(output, types) for types, text in cases]
     return ["%s\t|%s|\t%s\t%s" % row for row in rows if row[3] != "mixed"]
 
 

@@ -12,14 +12,6 @@
 #include <map>
 #include <string>
 
-extern "C" {
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t most, unsigned seed);
-std::size_t LLVMFuzzerCustomCrossOver(const std::uint8_t* first, std::size_t firstSize,
-                                      const std::uint8_t* second, std::size_t secondSize, std::uint8_t* out,
-                                      std::size_t most, unsigned seed);
-}
-
 namespace zurt_fuzz {
 
 namespace {
@@ -55,12 +47,11 @@ void KeepDeck(const std::string& folder, const std::string& deck, const std::str
 
 } // namespace zurt_fuzz
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zurt_fuzz;
-    static const Oracles oracles = OraclesAskedFor();
     static const char* const folder = std::getenv("ZURT_FUZZ_KEEP");
     const std::string deck = TextOf(data, size);
-    const std::string objection = CheckDeck(deck, oracles);
+    const std::string objection = CheckDeck(deck);
     if (objection.empty())
         return 0;
     if (folder == nullptr) {
@@ -71,14 +62,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return 0;
 }
 
-std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t most, unsigned seed) {
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t most,
+                                               unsigned seed) {
     using namespace zurt_fuzz;
     return PutText(ChangeDeck(TextOf(data, size), seed, most), data);
 }
 
-std::size_t LLVMFuzzerCustomCrossOver(const std::uint8_t* first, std::size_t firstSize,
-                                      const std::uint8_t* second, std::size_t secondSize, std::uint8_t* out,
-                                      std::size_t most, unsigned seed) {
+extern "C" std::size_t LLVMFuzzerCustomCrossOver(const std::uint8_t* first, std::size_t firstSize,
+                                                 const std::uint8_t* second, std::size_t secondSize,
+                                                 std::uint8_t* out, std::size_t most, unsigned seed) {
     using namespace zurt_fuzz;
     return PutText(CrossDecks(TextOf(first, firstSize), TextOf(second, secondSize), seed, most), out);
 }

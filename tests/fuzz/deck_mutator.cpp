@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);
+
 namespace zurt_fuzz {
 
 namespace {
@@ -25,10 +27,6 @@ constexpr std::string_view kNumbers[] = {
     "1E-300", "1E300", "-1E300", "1E155", "1E-160", "1E999", "Infinity",   "-Infinity",   "NaN",
     "0.5",    "-0.5",  "0,5",    "1E-8",  "1E8",    "1D0",   "0.",         "-0.",         "1E-320",
     "1.5",    "0.1",   "3*1",    "2*0.5", "/",      "1E38",  "1E-10",      "99999999999"};
-
-constexpr std::string_view kInsertions[] = {
-    "/", ",",      ";",    ",,", "*",    " ", "\n", "\r", "\t", "\n\n", "-",        ".",   "E",  "D",  "0",
-    "9", "1 1 1 ", "STOP", "C ", "5*1 ", "!", "'",  "\"", "(",  "\xff", "\xc3\xa9", "0*1", "5*", " / "};
 
 std::size_t Choose(Dice& dice, std::size_t count) {
     return count == 0 ? 0 : static_cast<std::size_t>(dice() / 7) % count;
@@ -76,29 +74,33 @@ std::string Moved(Dice& dice, const std::string& text) {
 }
 
 std::string NewText(Dice& dice, const Lines& lines, const std::string& text) {
-    switch (Choose(dice, 8)) {
-    case 0:
-    case 1:
+    const std::size_t kind = Choose(dice, 8);
+    if (kind < 2)
         return Moved(dice, text);
-    case 2: {
+    if (kind == 2) {
         const std::string& other = lines[Choose(dice, lines.size())];
         const std::vector<DeckItem> items = zurt_test::ItemsOf(other);
         return items.empty() ? "" : ItemText(other, items[Choose(dice, items.size())]);
     }
-    case 3:
+    if (kind == 3)
         return Choose(dice, 4) == 0 ? "" : std::string(1, static_cast<char>('0' + Choose(dice, 4)));
-    default:
-        return std::string(kNumbers[Choose(dice, std::size(kNumbers))]);
-    }
+    return std::string(kNumbers[Choose(dice, std::size(kNumbers))]);
 }
 
+/// Another text in the place of a field; at times none, or the field twice.
 void ChangeField(Dice& dice, Lines& lines) {
     std::string& line = lines[ChooseCard(dice, lines)];
     const std::vector<DeckItem> items = zurt_test::ItemsOf(line);
     if (items.empty())
         return;
     const DeckItem item = items[Choose(dice, items.size())];
-    line = zurt_test::WithItem(line, item, NewText(dice, lines, ItemText(line, item)));
+    const std::size_t kind = Choose(dice, 16);
+    if (kind == 0)
+        line.erase(item.begin, item.length);
+    else if (kind == 1)
+        line.insert(item.begin, ItemText(line, item) + " ");
+    else
+        line = zurt_test::WithItem(line, item, NewText(dice, lines, ItemText(line, item)));
 }
 
 /// The same field in a run of cards, such as a value at every node.
@@ -116,18 +118,6 @@ void ChangeColumn(Dice& dice, Lines& lines) {
         if (items.size() == count)
             lines[i] = zurt_test::WithItem(lines[i], items[column], text);
     }
-}
-
-void ChangeFieldCount(Dice& dice, Lines& lines) {
-    std::string& line = lines[ChooseCard(dice, lines)];
-    const std::vector<DeckItem> items = zurt_test::ItemsOf(line);
-    if (items.empty())
-        return;
-    const DeckItem item = items[Choose(dice, items.size())];
-    if (Choose(dice, 2) == 0)
-        line.erase(item.begin, item.length);
-    else
-        line.insert(item.begin, ItemText(line, item) + " ");
 }
 
 /// A card in the other of the two ways of the deck: columns of five, or items between blanks.
@@ -148,23 +138,15 @@ void ChangeLines(Dice& dice, Lines& lines) {
     const std::size_t from = Choose(dice, lines.size()), to = Choose(dice, lines.size());
     const std::size_t count = std::min(1 + Choose(dice, 3), lines.size() - from);
     const Lines block(At(lines, from), At(lines, from + count));
-    switch (Choose(dice, 5)) {
-    case 0:
+    const std::size_t kind = Choose(dice, 5);
+    if (kind == 0)
         std::swap(lines[from], lines[to]);
-        break;
-    case 1:
-        lines.insert(At(lines, from), block.begin(), block.end());
-        break;
-    case 2:
-        lines.insert(At(lines, to), block.begin(), block.end());
-        break;
-    case 3:
+    else if (kind < 3)
+        lines.insert(At(lines, kind == 1 ? from : to), block.begin(), block.end());
+    else if (kind == 3)
         lines.insert(At(lines, from), Choose(dice, 2) == 0 ? "\n" : "STOP\n");
-        break;
-    default:
-        if (lines.size() > count)
-            lines.erase(At(lines, from), At(lines, from + count));
-    }
+    else if (lines.size() > count)
+        lines.erase(At(lines, from), At(lines, from + count));
 }
 
 void CutEnd(Dice& dice, Lines& lines) {
@@ -188,24 +170,12 @@ void TakeCards(Dice& dice, Lines& lines, const Lines& other) {
 
 // --- bytes ----------------------------------------------------------------------------------------------------------
 
+// What libFuzzer itself does to bytes.
 void ChangeBytes(Dice& dice, Lines& lines) {
     std::string& line = lines[Choose(dice, lines.size())];
-    if (line.empty())
-        return;
-    const std::size_t at = Choose(dice, line.size());
-    switch (Choose(dice, 4)) {
-    case 0:
-        line[at] = static_cast<char>(Choose(dice, 256));
-        break;
-    case 1:
-        line[at] = static_cast<char>(line[at] ^ (1 << Choose(dice, 8)));
-        break;
-    case 2:
-        line.erase(at, 1 + Choose(dice, 8));
-        break;
-    default:
-        line.insert(at, kInsertions[Choose(dice, std::size(kInsertions))]);
-    }
+    const std::size_t size = line.size();
+    line.resize(2 * size + 16);
+    line.resize(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(line.data()), size, line.size()));
 }
 
 void InsertMass(Dice& dice, Lines& lines) {
@@ -231,22 +201,19 @@ void ChangeOnce(Dice& dice, Lines& lines) {
     if (lines.empty())
         lines.emplace_back("\n");
     const std::size_t kind = Choose(dice, 32);
-    if (kind < 15)
+    if (kind < 17)
         ChangeField(dice, lines);
-    else if (kind < 18)
-        ChangeColumn(dice, lines);
     else if (kind < 20)
-        ChangeFieldCount(dice, lines);
+        ChangeColumn(dice, lines);
     else if (kind < 21)
         Realign(dice, lines);
     else if (kind < 25)
         ChangeLines(dice, lines);
     else if (kind < 28)
         TakeCards(dice, lines, AnySmallDeck(dice));
-    else if (kind < 29) {
-        const Lines& next = AnySmallDeck(dice);
-        zurt_test::AddProblem(lines, next, Choose(dice, 2) == 0);
-    } else if (kind < 30)
+    else if (kind < 29)
+        zurt_test::AddProblem(lines, AnySmallDeck(dice), Choose(dice, 2) == 0);
+    else if (kind < 30)
         CutEnd(dice, lines);
     else if (Choose(dice, 4) != 0)
         ChangeBytes(dice, lines);
@@ -261,10 +228,6 @@ Dice MakeDice(std::uint32_t seed) {
     return dice;
 }
 
-std::string Joined(const Lines& lines, std::size_t most) {
-    return zurt_test::JoinDeck(lines).substr(0, most);
-}
-
 } // namespace
 
 std::string ChangeDeck(const std::string& deck, std::uint32_t seed, std::size_t most) {
@@ -272,7 +235,7 @@ std::string ChangeDeck(const std::string& deck, std::uint32_t seed, std::size_t 
     Lines lines = zurt_test::SplitDeck(deck);
     for (std::size_t changes = 1 + Choose(dice, 2) * Choose(dice, 4); changes > 0; --changes)
         ChangeOnce(dice, lines);
-    return Joined(lines, most);
+    return zurt_test::JoinDeck(lines).substr(0, most);
 }
 
 std::string CrossDecks(const std::string& deck, const std::string& other, std::uint32_t seed,
@@ -282,21 +245,18 @@ std::string CrossDecks(const std::string& deck, const std::string& other, std::u
     const Lines second = zurt_test::SplitDeck(other);
     if (lines.empty() || second.empty())
         return deck + other;
-    switch (Choose(dice, 4)) {
-    case 0: {
+    const std::size_t kind = Choose(dice, 4);
+    if (kind == 0) {
         lines.resize(1 + Choose(dice, lines.size()));
         const std::size_t from =
             Choose(dice, 2) == 0 ? std::min(lines.size(), second.size()) : Choose(dice, second.size());
         lines.insert(lines.end(), second.begin() + static_cast<std::ptrdiff_t>(from), second.end());
-        break;
-    }
-    case 1:
+    } else if (kind == 1) {
         zurt_test::AddProblem(lines, second, Choose(dice, 2) == 0);
-        break;
-    default:
+    } else {
         TakeCards(dice, lines, second);
     }
-    return Joined(lines, most);
+    return zurt_test::JoinDeck(lines).substr(0, most);
 }
 
 } // namespace zurt_fuzz

@@ -14,6 +14,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <new>
 
@@ -42,52 +44,32 @@ void FlushDenormalsToZero() {
 struct Place {
     std::string folder;
     std::FILE* stepFile = nullptr;
-    std::FILE* console = nullptr;
+    std::FILE* console = std::fopen("/dev/null", "w");
 
-    Place();
-    ~Place();
+    Place() {
+        const char* wanted = std::getenv("ZURT_FUZZ_FOLDER");
+        for (const char* parent : {wanted, "/dev/shm", "/tmp"}) {
+            std::string name = std::string(parent == nullptr ? "" : parent) + "/zurt-fuzz-XXXXXX";
+            if (stepFile != nullptr || parent == nullptr || mkdtemp(name.data()) == nullptr)
+                continue;
+            folder = name + "/";
+            stepFile = std::fopen((folder + "steps").c_str(), "w+b");
+        }
+        if (stepFile == nullptr || console == nullptr) {
+            std::fputs("no folder for the files of the jobs\n", stderr);
+            std::abort();
+        }
+    }
+    ~Place() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    }
     Place(const Place&) = delete;
     Place& operator=(const Place&) = delete;
 };
 
-Place::Place() {
-    const char* wanted = std::getenv("ZURT_FUZZ_FOLDER");
-    for (const char* parent : {wanted, "/dev/shm", "/tmp"}) {
-        std::string name = std::string(parent == nullptr ? "" : parent) + "/zurt-fuzz-XXXXXX";
-        if (parent == nullptr || mkdtemp(name.data()) == nullptr)
-            continue;
-        folder = name + "/";
-        stepFile = std::fopen((folder + "steps").c_str(), "w+b");
-        console = std::fopen("/dev/null", "w");
-        break;
-    }
-    if (stepFile == nullptr || console == nullptr) {
-        std::fputs("no folder for the files of the jobs\n", stderr);
-        std::abort();
-    }
-}
-
-Place::~Place() {
-    std::fclose(stepFile);
-    std::fclose(console);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-}
-
-Place& SharedPlace() {
-    static Place place;
-    return place;
-}
-
-void TakeDeck(zurt::Deck& deck, std::string_view text) {
-    deck.name = "deck";
-    deck.bytes.reset(new char[text.size() + 1]);
-    std::memcpy(deck.bytes.get(), text.data(), text.size());
-    deck.size = static_cast<zurt::Word>(text.size());
-}
-
 void StartUp(Run& run, std::string_view deck) {
-    Place& place = SharedPlace();
+    static Place place;
     FlushDenormalsToZero();
     zurt::CreateWorkingVector(run.A, kWords);
     run.job.Language = zurt::kEnglish;
@@ -97,7 +79,10 @@ void StartUp(Run& run, std::string_view deck) {
     run.units.DefaultGraphicsName = place.folder + "graphics";
     run.units.stepFile = place.stepFile;
     zurt::AttachTextUnit(run.units.console, place.console, "the console");
-    TakeDeck(run.deck, deck);
+    run.deck.name = "deck";
+    run.deck.bytes.reset(new char[deck.size() + 1]);
+    std::memcpy(run.deck.bytes.get(), deck.data(), deck.size());
+    run.deck.size = static_cast<zurt::Word>(deck.size());
 }
 
 std::size_t SizeOf(zurt::TextUnit& unit) {
@@ -105,11 +90,6 @@ std::size_t SizeOf(zurt::TextUnit& unit) {
         return 0;
     zurt::FlushTextUnit(unit);
     return static_cast<std::size_t>(std::ftell(unit.file));
-}
-
-// A fit has results of its own, or none.
-bool AsksForResults(const Run& run) {
-    return run.control.header.NPRINT >= 0 && !zurt::RunsSeveralTimes(run);
 }
 
 /// The job of the driver. False at the end of a check run.
@@ -130,7 +110,8 @@ bool RunProblems(Run& run, Job& job) {
         problem.graphics.end = SizeOf(run.units.graphics);
         problem.INDFOR = run.control.header.INDFOR;
         problem.NDT = run.control.counts.NDT;
-        problem.asksForResults = AsksForResults(run);
+        // A fit has results of its own, or none.
+        problem.asksForResults = run.control.header.NPRINT >= 0 && !zurt::RunsSeveralTimes(run);
         problem.listsCards = run.control.header.NULAZ == 1 || run.control.header.NULAZ == 2;
         problem.leavesOutlet = run.control.outlet.OutletEnd != 0.0;
         job.problems.push_back(problem);
@@ -150,17 +131,8 @@ End EndOf(const zurt::RunStop& stop) {
 }
 
 std::string ContentOf(const zurt::TextUnit& unit) {
-    std::string text;
-    if (unit.name.empty())
-        return text;
-    std::FILE* file = std::fopen(unit.name.c_str(), "rb");
-    if (file == nullptr)
-        return text;
-    char piece[16384];
-    for (std::size_t count = 0; (count = std::fread(piece, 1, sizeof piece, file)) > 0;)
-        text.append(piece, count);
-    std::fclose(file);
-    return text;
+    std::ifstream file(unit.name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void CleanUp(Run& run) {

@@ -5,13 +5,13 @@
 #include "support/small_decks.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
 namespace zurt_fuzz {
 
 namespace {
 
+constexpr std::uint64_t kDecksToAPair = 50; // one deck of so many is tried as the first of a pair
 constexpr std::string_view kStepHead = " S T E P  NUMBER =";
 
 bool Contains(std::string_view text, std::string_view part) {
@@ -166,32 +166,15 @@ std::uint64_t HashOf(std::string_view text) { // FNV-1a
     return hash ^ (hash >> 32);
 }
 
-Oracles OraclesAskedFor() {
-    Oracles oracles;
-    const char* names = std::getenv("ZURT_FUZZ_ORACLES");
-    const char* pairs = std::getenv("ZURT_FUZZ_PAIRS");
-    if (pairs != nullptr)
-        oracles.pairs = std::atoi(pairs);
-    if (names == nullptr || std::string_view(names) == "all")
-        return oracles;
-    oracles.finite = Contains(names, "finite");
-    oracles.results = Contains(names, "results");
-    if (!Contains(names, "pairs"))
-        oracles.pairs = 0;
-    return oracles;
-}
-
-std::string CheckDeck(std::string_view deck, const Oracles& oracles) {
+std::string CheckDeck(std::string_view deck) {
     const std::uint64_t hash = HashOf(deck);
     const Job job = RunJob(deck, kTicksOfJob);
     if (job.end != End::Finished)
         return "";
-    std::string objection;
-    if (oracles.finite)
-        objection = FindNonFinite(job);
-    if (objection.empty() && oracles.results)
+    std::string objection = FindNonFinite(job);
+    if (objection.empty())
         objection = FindMissingResults(job);
-    if (objection.empty() && oracles.pairs > 0 && hash % static_cast<std::uint64_t>(oracles.pairs) == 0)
+    if (objection.empty() && hash % kDecksToAPair == 0)
         objection = FindPairDifference(deck, job, GoodDecks()[(hash >> 8) % GoodDecks().size()]);
     return objection;
 }

@@ -11,40 +11,26 @@
 #include <string>
 #include <vector>
 
-namespace zurt_fuzz {
-
-namespace {
-
 namespace fs = std::filesystem;
 
-std::vector<std::string> NamesOf(const std::vector<std::string>& arguments) {
-    std::vector<std::string> names;
-    for (const std::string& argument : arguments) {
-        if (!fs::is_directory(argument)) {
-            names.push_back(argument);
-            continue;
-        }
-        for (const fs::directory_entry& entry : fs::directory_iterator(argument))
-            names.push_back(entry.path().string());
-    }
+int main(int count, char** values) {
+    std::vector<std::string> arguments(values + 1, values + count), names;
+    const bool verbose = !arguments.empty() && arguments[0] == "-v";
+    for (std::size_t i = verbose ? 1 : 0; i < arguments.size(); ++i)
+        if (!fs::is_directory(arguments[i]))
+            names.push_back(arguments[i]);
+        else
+            for (const fs::directory_entry& entry : fs::directory_iterator(arguments[i]))
+                names.push_back(entry.path().string());
     std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string ReadText(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-int Replay(const std::vector<std::string>& names, bool verbose) {
-    const Oracles oracles = OraclesAskedFor();
     int objections = 0;
     for (const std::string& name : names) {
-        if (verbose) {
+        if (verbose)
             std::printf("%s\n", name.c_str());
-            std::fflush(stdout);
-        }
-        const std::string objection = CheckDeck(ReadText(name), oracles);
+        std::fflush(stdout);
+        std::ifstream file(name, std::ios::binary);
+        const std::string deck{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        const std::string objection = zurt_fuzz::CheckDeck(deck);
         if (!objection.empty()) {
             std::printf("%s: %s\n", name.c_str(), objection.c_str());
             ++objections;
@@ -52,16 +38,4 @@ int Replay(const std::vector<std::string>& names, bool verbose) {
     }
     std::printf("%zu decks, %d objections\n", names.size(), objections);
     return names.empty() || objections > 0 ? 1 : 0;
-}
-
-} // namespace
-
-} // namespace zurt_fuzz
-
-int main(int count, char** values) {
-    std::vector<std::string> arguments(values + 1, values + count);
-    const bool verbose = !arguments.empty() && arguments[0] == "-v";
-    if (verbose)
-        arguments.erase(arguments.begin());
-    return zurt_fuzz::Replay(zurt_fuzz::NamesOf(arguments), verbose);
 }

@@ -41,77 +41,55 @@ std::int64_t TicksLeft() {
 }
 
 // The names that the linker looks for: __wrap_ takes the call, __real_ is the program's own.
+#define ZURT_WRAPPED(result, name, parameters, symbol)                                                       \
+    result Real##name parameters __asm__("__real_" symbol);                                                  \
+    result Wrap##name parameters __asm__("__wrap_" symbol);                                                  \
+    result Wrap##name parameters
 
-void WrapStopIfInterrupted() __asm__("__wrap__ZN4zurt17StopIfInterruptedEv");
-void WrapStopIfInterrupted() {
+ZURT_WRAPPED(void, StopIfInterrupted, (), "_ZN4zurt17StopIfInterruptedEv") {
     TakeTicks(kTicksOfLoop);
 }
 
-void WrapWriteNote(const std::string& text) __asm__(
-    "__wrap__ZN4zurt9WriteNoteERKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE");
-void WrapWriteNote(const std::string& /*text*/) {}
+ZURT_WRAPPED(void, WriteNote, (const std::string& /*text*/),
+             "_ZN4zurt9WriteNoteERKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE") {}
 
-void RealPutRecord(zurt::TextUnit& unit, std::string_view record) __asm__(
-    "__real__ZN4zurt9PutRecordERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
-void WrapPutRecord(zurt::TextUnit& unit, std::string_view record) __asm__(
-    "__wrap__ZN4zurt9PutRecordERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
-void WrapPutRecord(zurt::TextUnit& unit, std::string_view record) {
+ZURT_WRAPPED(void, PutRecord, (zurt::TextUnit & unit, std::string_view record),
+             "_ZN4zurt9PutRecordERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE") {
     TakeTicks(kTicksOfRecord + static_cast<std::int64_t>(record.size()) / kBytesOfTick);
     RealPutRecord(unit, record);
 }
 
-void RealPutBytes(zurt::TextUnit& unit, std::string_view bytes) __asm__(
-    "__real__ZN4zurt8PutBytesERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
-void WrapPutBytes(zurt::TextUnit& unit, std::string_view bytes) __asm__(
-    "__wrap__ZN4zurt8PutBytesERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE");
-void WrapPutBytes(zurt::TextUnit& unit, std::string_view bytes) {
+ZURT_WRAPPED(void, PutBytes, (zurt::TextUnit & unit, std::string_view bytes),
+             "_ZN4zurt8PutBytesERNS_8TextUnitESt17basic_string_viewIcSt11char_traitsIcEE") {
     TakeTicks(kTicksOfRecord + static_cast<std::int64_t>(bytes.size()) / kBytesOfTick);
     RealPutBytes(unit, bytes);
 }
 
-void RealForming(zurt::Run& run, zurt::ElementGroup& group) __asm__(
-    "__real__ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE");
-void WrapForming(zurt::Run& run, zurt::ElementGroup& group) __asm__(
-    "__wrap__ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE");
-void WrapForming(zurt::Run& run, zurt::ElementGroup& group) {
+ZURT_WRAPPED(void, Forming, (zurt::Run & run, zurt::ElementGroup& group),
+             "_ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE") {
     RealForming(run, group);
     TakeTicks(kTicksOfElement * group.NET);
 }
 
-void RealResults(zurt::Run& run, zurt::ElementGroup& group) __asm__(
-    "__real__ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE");
-void WrapResults(zurt::Run& run, zurt::ElementGroup& group) __asm__(
-    "__wrap__ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE");
-void WrapResults(zurt::Run& run, zurt::ElementGroup& group) {
+ZURT_WRAPPED(void, Results, (zurt::Run & run, zurt::ElementGroup& group),
+             "_ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE") {
     RealResults(run, group);
     TakeTicks(kTicksOfElement * group.NET);
 }
 
-void RealSolver(DMUMPS_STRUC_C* instance) __asm__("__real_dmumps_c");
-void WrapSolver(DMUMPS_STRUC_C* instance) __asm__("__wrap_dmumps_c");
-void WrapSolver(DMUMPS_STRUC_C* instance) {
+ZURT_WRAPPED(void, Solver, (DMUMPS_STRUC_C * instance), "dmumps_c") {
     TakeTicks(kTicksOfSolver);
     RealSolver(instance);
 }
 
-struct WholeStretch {
-    WholeStretch() { mustGoOn = true; }
-    ~WholeStretch() { mustGoOn = false; }
-    WholeStretch(const WholeStretch&) = delete;
-    WholeStretch& operator=(const WholeStretch&) = delete;
-};
-
-void RealSparse(zurt::SparseTree& tree, zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved,
-                zurt::TextUnit& console, zurt::TextUnit& listing,
-                std::int32_t SolverReportFlag) __asm__("__real__ZN4zurt17SolveSparseSystemERNS_"
-                                                       "10SparseTreeENS_9ArrayViewIdEEiiRNS_8TextUnitES5_i");
-void WrapSparse(zurt::SparseTree& tree, zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved,
-                zurt::TextUnit& console, zurt::TextUnit& listing,
-                std::int32_t SolverReportFlag) __asm__("__wrap__ZN4zurt17SolveSparseSystemERNS_"
-                                                       "10SparseTreeENS_9ArrayViewIdEEiiRNS_8TextUnitES5_i");
-void WrapSparse(zurt::SparseTree& tree, zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved,
-                zurt::TextUnit& console, zurt::TextUnit& listing, std::int32_t SolverReportFlag) {
-    const WholeStretch whole;
+ZURT_WRAPPED(void, Sparse,
+             (zurt::SparseTree & tree, zurt::RealArray R, std::int32_t JEDN, std::int32_t reserved,
+              zurt::TextUnit& console, zurt::TextUnit& listing, std::int32_t SolverReportFlag),
+             "_ZN4zurt17SolveSparseSystemERNS_10SparseTreeENS_9ArrayViewIdEEiiRNS_8TextUnitES5_i") {
+    const struct WholeStretch {
+        WholeStretch() { mustGoOn = true; }
+        ~WholeStretch() { mustGoOn = false; }
+    } whole;
     RealSparse(tree, R, JEDN, reserved, console, listing, SolverReportFlag);
 }
 

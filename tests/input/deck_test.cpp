@@ -1,12 +1,7 @@
 #include "input/deck.h"
-#include "support/expect_stop.h"
-
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
-#include <string>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -22,9 +17,10 @@ std::string NextCard(Deck& deck, std::int32_t INDFOR) {
     return std::string(Image(card));
 }
 
-std::string Padded(std::string text) {
+void ExpectCard(Deck& deck, std::int32_t INDFOR, std::string text, Word counter) {
     text.resize(kCardLength, ' ');
-    return text;
+    EXPECT_EQ(NextCard(deck, INDFOR), text) << INDFOR;
+    EXPECT_EQ(deck.CardCounter, counter) << text << INDFOR;
 }
 
 // Faults: a small c, a C with another letter or a C in column 2 taken for a comment; a lone C, which the blanks of the
@@ -32,14 +28,11 @@ std::string Padded(std::string text) {
 TEST(Deck, CommentsBeginWithOneOfThreePairsExactly) {
     SmallRun small("\xEF\xBB\xBF"
                    "C a comment\nC*\nC---\nC\nCX title\nc small\n C shifted\nC\ttab\nC\r\nlast\n");
-    Deck& deck = small.deck;
-    EXPECT_EQ(NextCard(deck, 2), Padded("CX title"));
-    EXPECT_EQ(deck.CardCounter, 5);
-    EXPECT_EQ(NextCard(deck, 2), Padded("c small"));
-    EXPECT_EQ(NextCard(deck, 2), Padded(" C shifted"));
-    EXPECT_EQ(NextCard(deck, 2), Padded("C\ttab"));
-    EXPECT_EQ(NextCard(deck, 2), Padded("last"));
-    EXPECT_EQ(deck.CardCounter, 10);
+    ExpectCard(small.deck, 2, "CX title", 5);
+    ExpectCard(small.deck, 2, "c small", 6);
+    ExpectCard(small.deck, 2, " C shifted", 7);
+    ExpectCard(small.deck, 2, "C\ttab", 8);
+    ExpectCard(small.deck, 2, "last", 10);
 }
 
 // Faults: no step back under free format or an unknown indicator, a step back over the comments too, a count that
@@ -47,14 +40,10 @@ TEST(Deck, CommentsBeginWithOneOfThreePairsExactly) {
 TEST(Deck, StepsBackUnlessTheFormatIsFixed) {
     for (const std::int32_t INDFOR : {1, 0, 3, -2}) {
         SmallRun small("C comment\nfirst\nsecond\n");
-        Deck& deck = small.deck;
-        EXPECT_EQ(NextCard(deck, INDFOR), Padded("first")) << INDFOR;
-        EXPECT_EQ(deck.CardCounter, 2) << INDFOR;
-        EXPECT_EQ(NextCard(deck, INDFOR), Padded("first")) << INDFOR;
-        EXPECT_EQ(deck.CardCounter, 3) << INDFOR;
-        EXPECT_EQ(NextRecord(deck, "Sample card"), "first") << INDFOR;
-        EXPECT_EQ(NextCard(deck, 2), Padded("second")) << INDFOR;
-        EXPECT_EQ(deck.CardCounter, 4) << INDFOR;
+        ExpectCard(small.deck, INDFOR, "first", 2);
+        ExpectCard(small.deck, INDFOR, "first", 3);
+        EXPECT_EQ(NextRecord(small.deck, "Sample card"), "first") << INDFOR;
+        ExpectCard(small.deck, 2, "second", 4);
     }
 }
 
@@ -63,12 +52,11 @@ TEST(Deck, StepsBackUnlessTheFormatIsFixed) {
 TEST(Deck, ImagesAreOf105CharactersWhateverTheLineEnds) {
     const std::string line = std::string(104, 'x') + "yz";
     SmallRun small(line + "\r\n\r\nshort\r\nlast");
-    Deck& deck = small.deck;
-    EXPECT_EQ(LineCount(deck), 4);
-    EXPECT_EQ(NextCard(deck, 2), line.substr(0, 105));
-    EXPECT_EQ(NextCard(deck, 2), Padded(""));
-    EXPECT_EQ(NextCard(deck, 2), Padded("short"));
-    EXPECT_EQ(NextCard(deck, 2), Padded("last"));
+    EXPECT_EQ(LineCount(small.deck), 4);
+    ExpectCard(small.deck, 2, line, 1);
+    ExpectCard(small.deck, 2, "", 2);
+    ExpectCard(small.deck, 2, "short", 3);
+    ExpectCard(small.deck, 2, "last", 4);
 }
 
 // Faults: a crash or a status of 0 at the end of the deck, a report that does not say where and what was wanted.

@@ -4,15 +4,11 @@
 #include "job/header_cards.h"
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 namespace zurt {
 namespace {
 
-using zurt_test::SmallRun;
-using zurt_test::Written;
+using namespace zurt_test;
+using Integers = std::vector<std::int32_t>;
 
 // Faults: INDFOR 0 or an odd value changed otherwise, any nonzero SolverSelector taken for the sparse solver, the
 // sparse mode or IPASSPRINT of the problem before kept.
@@ -20,32 +16,24 @@ TEST(HeaderCards, FormatCardIsAlwaysFree) {
     SmallRun small("0, 3 2 2\n3 -1 0 1\n/\n");
     HeaderFields& header = small.control.header;
     header.INDFOR = 2;
-    ReadFormatCard(small);
-    EXPECT_EQ(header.INDFOR, 1);
-    EXPECT_EQ(header.NDS, 3);
-    EXPECT_EQ(header.NANOCH, 2);
-    EXPECT_EQ(small.sizes.SparseMode, 1);
-    header.IPASSPRINT = 9;
-    ReadFormatCard(small);
-    EXPECT_EQ(header.INDFOR, 3);
-    EXPECT_EQ(header.NDS, -1);
-    EXPECT_EQ(small.sizes.SparseMode, 0);
-    EXPECT_EQ(header.IPASSPRINT, 1);
-    ReadFormatCard(small);
-    EXPECT_EQ(header.INDFOR, 1);
-    EXPECT_EQ(header.NDS, -1);
+    const auto fields = [&] {
+        header.IPASSPRINT = 9;
+        ReadFormatCard(small);
+        return Integers{header.INDFOR, header.NDS, header.NANOCH, small.sizes.SparseMode, header.IPASSPRINT};
+    };
+    EXPECT_EQ(fields(), (Integers{1, 3, 2, 1, 1}));
+    EXPECT_EQ(fields(), (Integers{3, -1, 0, 0, 1}));
+    EXPECT_EQ(fields(), (Integers{1, -1, 0, 0, 1}));
 }
-
-struct ControlCase {
-    const char *textEPSTA, *textEPSTR; // F10.2 each
-    double EPSTA, EPSTR;
-};
 
 // Faults: EPSTR given its default although EPSTA stands on the card, or not given it for values of no size; the single
 // precision of the default lost; two implied decimals forgotten or given to a number with an exponent.
 TEST(HeaderCards, AccuracyDefaults) {
     const double standard = static_cast<double>(1e-3f);
-    const ControlCase cases[] = {
+    const struct {
+        const char *textEPSTA, *textEPSTR; // F10.2 each
+        double EPSTA, EPSTR;
+    } cases[] = {
         {"", "", 0.0, standard},
         {"1.E-5", "", 1e-5, 0.0},
         {"-1.E-5", "", -1e-5, 0.0},
@@ -56,12 +44,12 @@ TEST(HeaderCards, AccuracyDefaults) {
         {"150", "25", 1.5, 0.25},
         {"1E2", "2.5", 100.0, 2.5},
     };
-    for (const ControlCase& test : cases) {
-        SmallRun run(FormatText("(20X,A10,A10)", test.textEPSTA, test.textEPSTR));
+    for (const auto& [textEPSTA, textEPSTR, EPSTA, EPSTR] : cases) {
+        SmallRun run(FormatText("(20X,A10,A10)", textEPSTA, textEPSTR));
         run.control.header.INDFOR = 2;
         ReadControlCard(run);
-        EXPECT_EQ(run.control.header.EPSTA, test.EPSTA) << test.textEPSTA;
-        EXPECT_EQ(run.control.header.EPSTR, test.EPSTR) << test.textEPSTR;
+        EXPECT_EQ(run.control.header.EPSTA, EPSTA) << textEPSTA;
+        EXPECT_EQ(run.control.header.EPSTR, EPSTR) << textEPSTR;
     }
     EXPECT_EQ(standard, 0.0010000000474974513);
 }
@@ -99,8 +87,6 @@ TEST(HeaderCards, DeviceCardsAreTakenByColumns) {
     EXPECT_EQ(free.deck.nextLine, 0);
 }
 
-using Values = std::vector<std::int32_t>;
-
 // Faults: a default missing, given to a field that has none, or given to a negative value.
 TEST(HeaderCards, BasicDataDefaults) {
     SmallRun run("         3\n         3    2    4    2   17   -1    1   -2    0   -3    1\n");
@@ -108,11 +94,11 @@ TEST(HeaderCards, BasicDataDefaults) {
     run.control.header.INDFOR = 2;
     const auto fields = [&] {
         ReadBasicData(run);
-        return Values{header.NGET,  header.NMATT, header.NSTAC, header.NPER,  header.NPRINT,
-                      header.IANIZ, header.NULAZ, header.ITOR,  header.IGRAF, header.IDIRECTD};
+        return Integers{header.NGET,  header.NMATT, header.NSTAC, header.NPER,  header.NPRINT,
+                        header.IANIZ, header.NULAZ, header.ITOR,  header.IGRAF, header.IDIRECTD};
     };
-    EXPECT_EQ(fields(), (Values{1, 1, 0, 1, 1, 0, 1, 0, 1, 0}));
-    EXPECT_EQ(fields(), (Values{2, 4, 2, 17, -1, 1, -2, 0, -3, 1})); // more than the 16 of the echo
+    EXPECT_EQ(fields(), (Integers{1, 1, 0, 1, 1, 0, 1, 0, 1, 0}));
+    EXPECT_EQ(fields(), (Integers{2, 4, 2, 17, -1, 1, -2, 0, -3, 1})); // more than the 16 of the echo
 }
 
 // Faults: a default of the control card missing or given to a negative value; IPASSPRINT stored without its shift.
@@ -123,11 +109,11 @@ TEST(HeaderCards, ControlDefaultsAndTheShiftOfIPASSPRINT) {
     run.control.header.INDFOR = 2;
     const auto fields = [&] {
         ReadControlCard(run);
-        return Values{header.INTEB, header.INDSC, header.IFORM,
-                      header.MAXIT, header.NJRAP, header.IPASSPRINT};
+        return Integers{header.INTEB, header.INDSC, header.IFORM,
+                        header.MAXIT, header.NJRAP, header.IPASSPRINT};
     };
-    EXPECT_EQ(fields(), (Values{1, 0, 0, 15, 1, 1}));
-    EXPECT_EQ(fields(), (Values{2, 1, 1, -1, 7, 2}));
+    EXPECT_EQ(fields(), (Integers{1, 0, 0, 15, 1, 1}));
+    EXPECT_EQ(fields(), (Integers{2, 1, 1, -1, 7, 2}));
     EXPECT_EQ(fields()[5], 3);
 }
 
@@ -137,10 +123,9 @@ TEST(HeaderCards, GroupCards) {
     run.control.header.INDFOR = 2;
     ReadGroupCard(run, run.groups[1]);
     ReadGroupCard(run, run.groups[2]);
-    EXPECT_EQ(run.job.SourcePresent, 1);
-    EXPECT_EQ(run.job.ConcentrationSource, 1);
-    EXPECT_EQ(run.job.SubstructurePresent, 1);
-    EXPECT_EQ(run.job.LastISUB4, 0); // of the last group alone
+    const JobState& job = run.job; // LastISUB4 is of the last group alone
+    EXPECT_EQ((Integers{job.SourcePresent, job.ConcentrationSource, job.SubstructurePresent, job.LastISUB4}),
+              (Integers{1, 1, 1, 0}));
 }
 
 // Faults: under NDS the first field taken for NANLK, or the other five kept; NPOC 0 kept under NDS, or changed without.
@@ -153,45 +138,40 @@ TEST(HeaderCards, CurveCountsUnderNDS) {
         ReadMaterialHeader(run);
         ReadBoundaryCard(run);
         const CurveCounts& counts = run.control.counts;
-        EXPECT_EQ((Values{counts.MAXPMAT, counts.NANLK, counts.NTABK, counts.MAXTK, counts.NANLC,
-                          counts.NTABC, counts.MAXTC, counts.NPOC}),
-                  NDS == 0 ? (Values{0, 6, 5, 4, 3, 2, 1, 0}) : (Values{6, 0, 9, 6, 0, 0, 0, 1}));
+        EXPECT_EQ((Integers{counts.MAXPMAT, counts.NANLK, counts.NTABK, counts.MAXTK, counts.NANLC,
+                            counts.NTABC, counts.MAXTC, counts.NPOC}),
+                  NDS == 0 ? (Integers{0, 6, 5, 4, 3, 2, 1, 0}) : (Integers{6, 0, 9, 6, 0, 0, 0, 1}));
     }
 }
-
-struct Normalised {
-    const char* card;
-    std::int32_t IEHM, NFIT, INDDEG, IHEQ, IDCC, NACTDIR;
-    bool curveEnds; // the second card is read
-};
 
 // Faults: the normalisation in another order (the second card wanted after IDCC has been cleared, active directions
 // counted after NFIT has been cleared), INDDEG not brought into 1 to 3, flags kept in a run without a fit.
 TEST(HomogenizationCard, Normalisation) {
     //  NSETS IEHM NFIT NFSTEP NFITMAX FITERR INDFITX Y Z INDDEG IHEQ IDCC IDIAM IDCSF
-    const Normalised cases[] = {
-        {"1 1 1 5 6 .01 1 0 1 2 1 1 1 0", 1, 1, 2, 1, 1, 2, false},
-        {"1 1 1 5 6 .01 1 0 1 0 1 0 1 0", 1, 1, 1, 1, 0, 2, true},
-        {"1 1 1 5 6 .01 1 2 0 9 1 0 1 1", 1, 1, 3, 0, 1, 1, false}, // only flags equal to 1 are counted
-        {"0 1 1 5 6 .01 1 1 1 -4 1 1 1 0", 0, 0, 1, 0, 0, 3, false},
-        {"0 1 1 5 6 .01 1 1 1 3 1 1 1 1", 0, 0, 3, 0, 0, 3, false},
-        {"2 0 1 5 6 .01 1 0 0 2 1 1 1 0", 0, 0, 2, 0, 0, 1, false},
-        {"2 1 0 5 6 .01 1 1 1 2 1 1 1 0", 1, 0, 2, 0, 0, 0, false},
-        {"2 1 0 5 6 .01 1 1 1 2 1 0 1 0", 1, 0, 2, 0, 0, 0, true},
+    const struct {
+        const char* card;
+        Integers expected; // IEHM, NFIT, INDDEG, IHEQ, IDCC, NACTDIR
+        bool curveEnds;    // the second card is read
+    } cases[] = {
+        {"1 1 1 5 6 .01 1 0 1 2 1 1 1 0", {1, 1, 2, 1, 1, 2}, false},
+        {"1 1 1 5 6 .01 1 0 1 0 1 0 1 0", {1, 1, 1, 1, 0, 2}, true},
+        {"1 1 1 5 6 .01 1 2 0 9 1 0 1 1", {1, 1, 3, 0, 1, 1}, false}, // only flags equal to 1 are counted
+        {"0 1 1 5 6 .01 1 1 1 -4 1 1 1 0", {0, 0, 1, 0, 0, 3}, false},
+        {"0 1 1 5 6 .01 1 1 1 3 1 1 1 1", {0, 0, 3, 0, 0, 3}, false},
+        {"2 0 1 5 6 .01 1 0 0 2 1 1 1 0", {0, 0, 2, 0, 0, 1}, false},
+        {"2 1 0 5 6 .01 1 1 1 2 1 1 1 0", {1, 0, 2, 0, 0, 0}, false},
+        {"2 1 0 5 6 .01 1 1 1 2 1 0 1 0", {1, 0, 2, 0, 0, 0}, true},
     };
-    for (const Normalised& test : cases) {
-        SmallRun run(std::string(test.card) + "\n1.5 2.5\nnext\n");
+    for (const auto& [text, expected, curveEnds] : cases) {
+        SmallRun run(std::string(text) + "\n1.5 2.5\nnext\n");
         run.control.header.INDFOR = 1;
         ReadHomogenizationCard(run);
         const HomogenizationCard& card = run.fit.card;
-        EXPECT_EQ(card.IEHM, test.IEHM) << test.card;
-        EXPECT_EQ(card.NFIT, test.NFIT) << test.card;
-        EXPECT_EQ(card.INDDEG, test.INDDEG) << test.card;
-        EXPECT_EQ(card.IHEQ, test.IHEQ) << test.card;
-        EXPECT_EQ(card.IDCC, test.IDCC) << test.card;
-        EXPECT_EQ(run.fit.NACTDIR, test.NACTDIR) << test.card;
-        EXPECT_EQ(card.D2D, test.curveEnds ? 2.5 : 0.0) << test.card;
-        EXPECT_EQ(run.deck.nextLine, test.curveEnds ? 2 : 1) << test.card;
+        EXPECT_EQ((Integers{card.IEHM, card.NFIT, card.INDDEG, card.IHEQ, card.IDCC, run.fit.NACTDIR}),
+                  expected)
+            << text;
+        EXPECT_EQ(card.D2D, curveEnds ? 2.5 : 0.0) << text;
+        EXPECT_EQ(run.deck.nextLine, curveEnds ? 2 : 1) << text;
         EXPECT_EQ(card.NFSTEP, 5);
         EXPECT_EQ(card.NFITMAX, 6);
         EXPECT_EQ(card.FITERR, 0.01);

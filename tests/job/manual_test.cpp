@@ -16,31 +16,21 @@
 #include "model/prescribed_values.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
-
-#include "support/expect_stop.h"
-#include "support/run_deck.h"
 #include "support/small_run.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <regex>
 #include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
 namespace zurt {
 namespace {
 
 struct Row {
-    std::string name; // "" for blank columns
-    std::string descriptor;
-    std::string text; // the whole line
+    std::string name, descriptor, text; // "" for blank columns; the whole line
 };
 using Table = std::vector<Row>;
 
@@ -117,35 +107,30 @@ const CardLayout* const kLayouts[] = {
 };
 // clang-format on
 
-// The cards of one family of elements. Two forms of a card stand under one heading: the group card without NDS and with
-// it, the element card with the corners alone and with all columns.
-void ExpectFamily(const Manual& manual, const FamilyCards& family) {
-    std::map<std::string, std::size_t> seen;
-    for (const CardLayout* layout : {&family.groupCard, &family.deviceGroupCard, &family.elementCard,
-                                     &family.fullElementCard, &family.midSideCard}) {
-        if (layout->fieldCount == 0)
-            continue;
-        SCOPED_TRACE(layout->group);
-        const auto found = manual.find(layout->group);
-        ASSERT_NE(found, manual.end()) << "no such heading in the manual";
-        const std::size_t which = seen[layout->group]++;
-        ASSERT_GT(found->second.size(), which) << "no table under the heading";
-        ExpectTable(found->second[which], *layout);
-    }
+std::vector<const CardLayout*> AllLayouts() {
+    std::vector<const CardLayout*> all(std::begin(kLayouts), std::end(kLayouts));
+    for (const FamilyCards* family : CardsOfAllFamilies())
+        for (const CardLayout* layout : {&family->groupCard, &family->deviceGroupCard, &family->elementCard,
+                                         &family->fullElementCard, &family->midSideCard})
+            if (layout->fieldCount > 0)
+                all.push_back(layout);
+    return all;
 }
 
-// Faults: a field added, moved, renamed or resized in the code alone, or a dormant field whose row keeps silent.
+// Faults: a field added, moved, renamed or resized in the code alone, or a dormant field whose row keeps silent. Two forms
+// of a card of elements stand under one heading: the group card without NDS and with it, the element card with the
+// corners alone and with all columns.
 TEST(Manual, CardTablesAreTheLayoutsOfTheCode) {
-    const Manual manual = ReadManual();
-    for (const CardLayout* layout : kLayouts) {
-        SCOPED_TRACE(layout->group);
-        const auto found = manual.find(layout->group);
-        ASSERT_NE(found, manual.end()) << "no such heading in the manual";
-        ASSERT_EQ(found->second.size(), 1U) << "one table under the heading";
-        ExpectTable(found->second[0], *layout);
+    Manual manual = ReadManual();
+    std::map<std::string, std::vector<const CardLayout*>> layouts;
+    for (const CardLayout* layout : AllLayouts())
+        layouts[layout->group].push_back(layout);
+    for (const auto& [heading, under] : layouts) {
+        SCOPED_TRACE(heading);
+        ASSERT_EQ(manual[heading].size(), under.size()) << "tables under the heading of the manual";
+        for (std::size_t i = 0; i < under.size(); ++i)
+            ExpectTable(manual[heading][i], *under[i]);
     }
-    for (const FamilyCards* family : CardsOfAllFamilies())
-        ExpectFamily(manual, *family);
 }
 
 // A layout that some header declares and no test compares.
@@ -166,9 +151,9 @@ TEST(Manual, EveryLayoutOfTheHeadersIsCompared) {
 // --- the table of values ------------------------------------------------------------------------------------------
 
 std::string Shown(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", value);
-    return text;
+    std::ostringstream text;
+    text << value;
+    return text.str();
 }
 
 std::string RangeOf(double low, double high) {
@@ -190,16 +175,6 @@ std::string ValueRow(const CardLayout& layout, const CardField& field) {
         rest = *values.otherwise == '\0' ? "refused" : std::string("noted: ") + values.otherwise;
     return std::string("| ") + layout.group + " | `" + field.name + "` | " + RangeOf(low, values.high) +
            " | " + rest + " |\n";
-}
-
-std::vector<const CardLayout*> AllLayouts() {
-    std::vector<const CardLayout*> all(std::begin(kLayouts), std::end(kLayouts));
-    for (const FamilyCards* family : CardsOfAllFamilies())
-        for (const CardLayout* layout : {&family->groupCard, &family->deviceGroupCard, &family->elementCard,
-                                         &family->fullElementCard, &family->midSideCard})
-            if (layout->fieldCount > 0)
-                all.push_back(layout);
-    return all;
 }
 
 // Faults: a field whose values nobody has looked at; a row of the documents that the code does not keep.

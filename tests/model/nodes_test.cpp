@@ -1,6 +1,4 @@
 #include "model/nodes.h"
-#include "support/expect_stop.h"
-
 #include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
@@ -10,14 +8,14 @@
 namespace zurt {
 namespace {
 
-using zurt_test::Contains;
-using zurt_test::ListingOf;
-using zurt_test::MakeRun;
-using zurt_test::Print;
-using zurt_test::RunPointer;
+using namespace zurt_test;
 
-RunPointer ReadNodes(const std::string& deck, std::int32_t NP, std::int32_t INDFOR = 1) {
-    RunPointer run = MakeRun(deck, INDFOR, NP);
+using Reals = std::vector<double>;
+using Integers = std::vector<std::int32_t>;
+
+RunPointer ReadNodes(const std::string& deck, std::int32_t NP, std::int32_t NZADC = 0, Word words = 100000) {
+    RunPointer run = MakeRun(deck, 1, NP, words);
+    run->control.counts.NZADC = NZADC;
     TakeNodeArrays(*run);
     ReadNodalData(*run);
     return run;
@@ -46,12 +44,12 @@ TEST(Nodes, GenerationUpAndDownAddsItsIncrementAgainAndAgain) {
             EXPECT_EQ(CoordinateColumn(*run, 1)(N), X) << N;
             EXPECT_NEAR(CoordinateColumn(*run, 2)(N), -1 + 0.4 * k, 1e-15);
             EXPECT_EQ(CoordinateColumn(*run, 3)(N), 3.0);
-            EXPECT_EQ(NodeCardValues(*run)(N), 7.5) << "generated nodes copy the opening card";
-            EXPECT_EQ(EquationNumbers(*run)(N), 0) << "the indicator of the opening card goes with the run";
         }
-        const int closing = down == 1 ? 1 : 11;
-        EXPECT_GT(EquationNumbers(*run)(closing), 0);
-        EXPECT_EQ(NodeCardValues(*run)(closing), 8.5);
+        // Generated nodes copy the value and the indicator of the opening card.
+        const double first = down == 1 ? 8.5 : 7.5, last = down == 1 ? 7.5 : 8.5;
+        EXPECT_EQ(Values(NodeCardValues(*run)), (Reals{first, 0, 7.5, 0, 7.5, 0, 7.5, 0, 7.5, 0, last}));
+        EXPECT_EQ(Values(EquationNumbers(*run)), down == 1 ? (Integers{1, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0})
+                                                           : (Integers{0, 1, 0, 2, 0, 3, 0, 4, 0, 5, 6}));
         EXPECT_EQ(run->sizes.JEDN, 6);
     }
 }
@@ -69,8 +67,7 @@ TEST(Nodes, StepThatDoesNotDivideLeavesTheRestAlone) {
 TEST(Nodes, ClosingCardMayOpenTheNextRun) {
     const RunPointer run =
         ReadNodes("1 0 0 0 0 0 1\n4 0 3 0 0 0 2\n8 0 5 0 0 0 0\n5 0 1 0 0 0 0\n7 0 7 0 0 0 0\n", 8);
-    EXPECT_EQ(CoordinateColumn(*run, 1)(3), 2.0);
-    EXPECT_EQ(CoordinateColumn(*run, 1)(6), 4.0);
+    EXPECT_EQ(Values(CoordinateColumn(*run, 1)), (Reals{0, 1, 2, 3, 1, 4, 7, 5}));
 }
 
 // Division by zero, overflow of a step's sign, or a loop that never ends.
@@ -92,32 +89,21 @@ TEST(Nodes, RunsOfNoLengthAndAbsurdStepsGenerateNothing) {
 // Indicators of an earlier problem left in `A`.
 TEST(Nodes, WithoutACardAreFree) {
     const RunPointer run = ReadNodes("1 0 5 0 0 0 0\n1 0 5 0 0 0 0\n1 1 5 0 0 0 0\n", 3);
-    EXPECT_EQ(EquationNumbers(*run)(1), 0);
-    EXPECT_EQ(EquationNumbers(*run)(2), 1);
-    EXPECT_EQ(EquationNumbers(*run)(3), 2);
+    EXPECT_EQ(Values(EquationNumbers(*run)), (Integers{0, 1, 2}));
 }
 
 TEST(Nodes, NegativeIndicatorsAreFreeAndListed) {
-    RunPointer run = MakeRun("4 -1 0 0 0 0 0\n1 1 0 0 0 0 0\n2 -7 0 0 0 0 0\n3 0 0 0 0 0 0\n", 1, 4);
-    run->control.counts.NZADC = 9;
-    TakeNodeArrays(*run);
-    ReadNodalData(*run);
-    const std::int32_t expected[4] = {0, 1, 2, 3};
-    for (int N = 1; N <= 4; ++N)
-        EXPECT_EQ(EquationNumbers(*run)(N), expected[N - 1]);
+    const RunPointer run = ReadNodes("4 -1 0 0 0 0 0\n1 1 0 0 0 0 0\n2 -7 0 0 0 0 0\n3 0 0 0 0 0 0\n", 4, 9);
+    EXPECT_EQ(Values(EquationNumbers(*run)), (Integers{0, 1, 2, 3}));
     ASSERT_EQ(run->control.counts.NZADP4, 2);
-    const IntArray shared = IntSection(run->A, run->control.at.LSUBS, 2);
-    EXPECT_EQ(shared(1), 2);
-    EXPECT_EQ(shared(2), 4);
+    EXPECT_EQ(Values(IntSection(run->A, run->control.at.LSUBS, 2)), (Integers{2, 4}));
     EXPECT_EQ(run->A.LMAX, run->control.at.LSUBS + 2);
     EXPECT_EQ(run->control.counts.NZADC, 0);
 }
 
 // A list that is written although its place lies beyond the end of `A`.
 TEST(Nodes, ListThatDoesNotFitIsLeftToTheNextOverflowTest) {
-    RunPointer run = MakeRun("1 -1 0 0 0 0 1\n4 -1 0 0 0 0 0\n", 1, 4, 22);
-    TakeNodeArrays(*run);
-    ReadNodalData(*run);
+    const RunPointer run = ReadNodes("1 -1 0 0 0 0 1\n4 -1 0 0 0 0 0\n", 4, 0, 22);
     EXPECT_EQ(run->control.counts.NZADP4, 4);
     EXPECT_EQ(run->A.LMAX, 25);
 }
@@ -125,10 +111,9 @@ TEST(Nodes, ListThatDoesNotFitIsLeftToTheNextOverflowTest) {
 // An item left out in free form must not become 0, nor the value of the card before.
 TEST(Nodes, ItemsLeftOutKeepWhatTheNodeHeld) {
     const RunPointer run = ReadNodes("1 0 0 0 0 2 1\n5 0 8 4 0 2 0\n3 1 /\n4,,,9,,5/\n6 0 1 1 1 1 0\n", 8);
-    EXPECT_EQ(CoordinateColumn(*run, 1)(3), 4.0);
+    EXPECT_EQ(Values(CoordinateColumn(*run, 1)), (Reals{0, 2, 4, 6, 8, 1, 77.25, 77.25}));
+    EXPECT_EQ(Values(CoordinateColumn(*run, 2)), (Reals{0, 1, 2, 9, 4, 1, 77.25, 77.25}));
     EXPECT_EQ(EquationNumbers(*run)(3), 0);
-    EXPECT_EQ(CoordinateColumn(*run, 1)(4), 6.0);
-    EXPECT_EQ(CoordinateColumn(*run, 2)(4), 9.0);
     EXPECT_EQ(NodeCardValues(*run)(4), 5.0);
 }
 

@@ -1,36 +1,27 @@
 #include "model/prescribed_values.h"
-#include "support/expect_stop.h"
-
 #include "model/time_functions.h"
 #include "run/partition.h"
 #include "support/bar_deck.h"
 #include "support/small_run.h"
 
 #include <tuple>
-#include <vector>
 
 namespace zurt {
 namespace {
 
-using zurt_test::Contains;
-using zurt_test::ListingOf;
-using zurt_test::Print;
-using zurt_test::RunPointer;
+using namespace zurt_test;
 
 // Two time functions: f1 = 10 t up to 10, f2 the constant 7; NZADC entries.
 RunPointer MakePrescribed(const std::string& deck, std::int32_t NZADC, std::int32_t INDFOR = 1,
                           Word words = 2000) {
-    RunPointer run = zurt_test::MakeRun(deck, INDFOR, 100, words);
+    RunPointer run = MakeRun(deck, INDFOR, 100, words);
     CurveCounts& counts = run->control.counts;
     counts.NTABFT = counts.MAXTFT = 2;
     counts.NZADC = NZADC;
     run->control.at.LTFT1 = TakeWords(run->A, "functions", 8);
     run->control.at.LTFT2 = TakeWords(run->A, "points", 2);
-    const RealTable pairs = TimeFunctionPairs(*run);
-    pairs(1, 1) = pairs(2, 1) = 0.0;
-    pairs(1, 2) = 10.0;
-    pairs(2, 2) = 100.0;
-    pairs(4, 1) = 7.0;
+    const double pairs[8] = {0, 0, 0, 7, 10, 100, 0, 0};
+    std::copy(std::begin(pairs), std::end(pairs), TimeFunctionPairs(*run).data);
     TimeFunctionPoints (*run)(1) = 2;
     TimeFunctionPoints (*run)(2) = 1;
     return run;
@@ -89,7 +80,7 @@ TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
     refuse("1 1 1. 1\n2 1 1. 0\n", 1, "more entries than NZADC"); // a run is never open at the end
     refuse("1 1 1. 1\n2 1 1. 0\n", 3, "the deck ends here");
     RunPointer full = MakePrescribed("", 2000);
-    zurt_test::ListOnStandardError(*full);
+    ListOnStandardError(*full);
     EXPECT_MESSAGE(ReadPrescribedValues(*full), "UNSUFFICIENT DIMENSION");
 }
 
@@ -98,26 +89,20 @@ TEST(PrescribedValues, ValuesOverTheSteps) {
     RunPointer run = MakePrescribed("4 1 2. 0\n0 1 1. 0\n6 2 3. 0\n", 3);
     ReadPrescribedValues(*run);
     TakeSolverVectors(*run);
-    const Pointers& at = run->control.at;
-    const auto expect = [&](Word i, double start, double end, double increment) {
-        EXPECT_EQ(RealSection(run->A, at.LZAD1, 3)(i), start);
-        EXPECT_EQ(RealSection(run->A, at.LZAD2, 3)(i), end);
-        EXPECT_EQ(RealSection(run->A, at.LZAD3, 3)(i), increment);
+    using Reals = std::vector<double>;
+    const auto expect = [&](double TIME, const Reals& start, const Reals& end, const Reals& increment) {
+        const Pointers& at = run->control.at;
+        run->clock.TIME = TIME;
+        TIME == 0.0 ? StartPrescribedValues(*run) : EvaluatePrescribedValues(*run);
+        EXPECT_EQ(Values(RealSection(run->A, at.LZAD1, 3)), start) << TIME;
+        EXPECT_EQ(Values(RealSection(run->A, at.LZAD2, 3)), end) << TIME;
+        EXPECT_EQ(Values(RealSection(run->A, at.LZAD3, 3)), increment) << TIME;
     };
-    run->clock.TIME = 0.0;
-    StartPrescribedValues(*run);
-    expect(1, 0.0, 0.0, 0.0);
-    expect(3, 0.0, 21.0, 21.0);
-    run->clock.TIME = 1.0;
-    EvaluatePrescribedValues(*run);
-    expect(1, 0.0, 20.0, 20.0);
-    run->clock.TIME = 4.0;
-    EvaluatePrescribedValues(*run);
-    expect(1, 20.0, 80.0, 60.0);
-    expect(2, 0.0, 0.0, 0.0);
-    expect(3, 21.0, 21.0, 0.0);
+    expect(0.0, {0, 0, 0}, {0, 0, 21}, {0, 0, 21});
+    expect(1.0, {0, 0, 21}, {20, 0, 21}, {20, 0, 0});
+    expect(4.0, {20, 0, 21}, {80, 0, 21}, {60, 0, 0});
     run->clock.TIME = 11.0;
-    zurt_test::ListOnStandardError(*run);
+    ListOnStandardError(*run);
     EXPECT_MESSAGE(EvaluatePrescribedValues(*run), "TIME FUNCTION NO. =    1");
 }
 

@@ -1,37 +1,24 @@
 #include "solver/exchange_files.h"
-#include "support/expect_stop.h"
-
 #include "solver/skyline_reference.h"
+#include "support/expect_stop.h"
 #include "support/run_deck.h"
-
-#include <gtest/gtest.h>
+#include "support/views.h"
 
 #include <algorithm>
 #include <cstring>
-#include <string>
-#include <vector>
 
 namespace {
 
 using zurt::Word;
+using namespace zurt_test;
 using Integers = std::vector<std::int32_t>;
 using Reals = std::vector<double>;
-
-zurt::RealArray View(Reals& values) {
-    return {values.data(), static_cast<Word>(values.size())};
-}
-zurt::IntArray View(Integers& values) {
-    return {values.data(), static_cast<Word>(values.size())};
-}
 
 template <class T> std::string Bytes(T value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof value);
 }
 std::string Bytes(const Reals& values) {
-    std::string bytes;
-    for (const double value : values)
-        bytes += Bytes(value);
-    return bytes;
+    return std::string(reinterpret_cast<const char*>(values.data()), 8 * values.size());
 }
 std::string EntryBytes(std::int32_t row, std::int32_t column, double value) {
     return Bytes(row) + Bytes(column) + Bytes(value);
@@ -40,7 +27,7 @@ std::string EntryBytes(std::int32_t row, std::int32_t column, double value) {
 // Faults: a field of another size, terms of nodes without an equation, words lost where the buffer fills, output
 // without sparse mode.
 TEST(ExchangeFiles, ElementAndVectorStreams) {
-    const std::string folder = zurt_test::MakeTemporaryFolder();
+    const std::string folder = MakeTemporaryFolder();
     Integers LM = {7, 0, 3};
     Reals S = {1, 2, 3, 4, 5, 6, 7, 8, 9}; // column by column
     Reals vector = {0.5, -1.5, 2.5};
@@ -56,8 +43,7 @@ TEST(ExchangeFiles, ElementAndVectorStreams) {
         zurt::WriteVectorStream(stream, 0, View(vector), 3);
         zurt::WriteVectorStream(stream, 1, View(vector), 2);
         zurt::CloseExchangeStream(stream);
-        ASSERT_EQ(zurt_test::ReadFile(name), element + element + Bytes(Reals{0.5, -1.5}))
-            << "capacity " << capacity;
+        ASSERT_EQ(ReadFile(name), element + element + Bytes(Reals{0.5, -1.5})) << "capacity " << capacity;
     }
 
     Integers IRN(5), JCN(5);
@@ -70,72 +56,69 @@ TEST(ExchangeFiles, ElementAndVectorStreams) {
 
 // Faults: a read past the arrays, a file that is too short taken as it is.
 TEST(ExchangeFilesStops, SparseFileMustHoldAndFit) {
-    const std::string name = zurt_test::MakeTemporaryFolder() + "/Sparse.bin";
-    zurt_test::WriteFile(name, EntryBytes(1, 1, 1.0) + EntryBytes(2, 2, 2.0).substr(0, 15));
+    const std::string name = MakeTemporaryFolder() + "/Sparse.bin";
+    WriteFile(name, EntryBytes(1, 1, 1.0) + EntryBytes(2, 2, 2.0).substr(0, 15));
     Integers IRN(3), JCN(3);
     Reals A(3);
-    EXPECT_LIBRARY_ERROR(zurt::ReadSparseFile(2, View(IRN), View(JCN), View(A), name),
-                         "Sparse.bin: it ends too early");
-    EXPECT_LIBRARY_ERROR(zurt::ReadSparseFile(4, View(IRN), View(JCN), View(A), name),
-                         "more entries are wanted");
-    EXPECT_LIBRARY_ERROR(zurt::ReadSparseFile(1, View(IRN), View(JCN), View(A), name + "x"),
-                         "can't open .*Sparse.binx");
+    const auto read = [&](std::int32_t count, const std::string& from) {
+        zurt::ReadSparseFile(count, View(IRN), View(JCN), View(A), from);
+    };
+    EXPECT_LIBRARY_ERROR(read(2, name), "Sparse.bin: it ends too early");
+    EXPECT_LIBRARY_ERROR(read(4, name), "more entries are wanted");
+    EXPECT_LIBRARY_ERROR(read(1, name + "x"), "can't open .*Sparse.binx");
 }
 
 // Faults: the header's fields exchanged, X and R exchanged, a residual of the wrong sign.
 TEST(ExchangeFiles, FullMatrixAndTheResidualOfASolution) {
-    const std::string folder = zurt_test::MakeTemporaryFolder();
+    const std::string folder = MakeTemporaryFolder();
     const std::string matrix = folder + "/FULLMATR.BIN", comparison = folder + "/comparison.txt";
     Integers IRN = {1, 1, 2}, JCN = {1, 2, 1};
     Reals A = {4, 3, 2};
     zurt::WriteFullMatrix(2, 3, View(IRN), View(JCN), View(A), matrix);
-    EXPECT_EQ(zurt_test::ReadFile(matrix), Bytes(std::int32_t{2}) + Bytes(std::int32_t{3}) +
-                                               EntryBytes(1, 1, 4) + EntryBytes(1, 2, 3) +
-                                               EntryBytes(2, 1, 2));
+    EXPECT_EQ(ReadFile(matrix), Bytes(std::int32_t{2}) + Bytes(std::int32_t{3}) + EntryBytes(1, 1, 4) +
+                                    EntryBytes(1, 2, 3) + EntryBytes(2, 1, 2));
     Reals X = {1, 2}, R = {10.5, 1};
     zurt::CompareSolution(View(X), 2, View(R), matrix, comparison);
     EXPECT_EQ(R, (Reals{-0.5, 1}));
-    EXPECT_EQ(zurt_test::ReadFile(comparison), "         1  -5.0000000000000000E-01\n"
-                                               "         2   1.0000000000000000E+00\n");
+    EXPECT_EQ(ReadFile(comparison), "         1  -5.0000000000000000E-01\n"
+                                    "         2   1.0000000000000000E+00\n");
 }
 
 // Faults: indices of a damaged file used as they are.
 TEST(ExchangeFilesStops, DamagedMatrixTouchesNothing) {
-    const auto report = [] {
-        return zurt_test::MakeTemporaryFolder() + "/report";
-    }; // one that stops stays open
-    const std::string name = zurt_test::MakeTemporaryFolder() + "/FULLMATR.BIN";
+    const std::string name = MakeTemporaryFolder() + "/FULLMATR.BIN";
     const std::string size = Bytes(std::int32_t{2}) + Bytes(std::int32_t{1});
     Reals X = {1, 2}, R = {0, 0};
+    const auto compare = [&](std::int32_t JEDN) { // a report of one that stops stays open
+        zurt::CompareSolution(View(X), JEDN, View(R), name, MakeTemporaryFolder() + "/report");
+    };
     for (const std::string& entry :
          {EntryBytes(3, 1, 1), EntryBytes(0, 1, 1), EntryBytes(1, 2147483647, 1), EntryBytes(1, -1, 1)}) {
-        zurt_test::WriteFile(name, size + entry);
-        EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, report()),
-                             "an entry outside its equations");
+        WriteFile(name, size + entry);
+        EXPECT_LIBRARY_ERROR(compare(2), "an entry outside its equations");
     }
-    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 1, View(R), name, report()),
-                         "another number of equations");
-    zurt_test::WriteFile(name, size);
-    EXPECT_LIBRARY_ERROR(zurt::CompareSolution(View(X), 2, View(R), name, report()), "ends too early");
+    EXPECT_LIBRARY_ERROR(compare(1), "another number of equations");
+    WriteFile(name, size);
+    EXPECT_LIBRARY_ERROR(compare(2), "ends too early");
 }
 
 // Faults: small entries written or left out against the count, a small diagonal left out, row and column exchanged.
 TEST(ExchangeFiles, SkylineForTheExternalSolver) {
-    const std::string folder = zurt_test::MakeTemporaryFolder();
+    const std::string folder = MakeTemporaryFolder();
     Integers MAXA = {1, 2, 4, 7, 8};
     //            K11  K22 K12    K33  K23    K13     K44
     Reals store = {5, 1e-30, 0.5, 7, 1e-20, -1.1e-20, 0.0};
     Reals R = {1, 2, 3, 4};
     zurt::WriteSkylineForExternal(View(store), View(R), View(MAXA), 4, folder);
-    EXPECT_EQ(zurt_test::ReadFile(folder + "/ZURF_MUMPS.OUT"),
-              Bytes(std::int32_t{4}) + Bytes(std::int32_t{6}) + EntryBytes(1, 1, 5) +
-                  EntryBytes(2, 2, 1e-30) + EntryBytes(1, 2, 0.5) + EntryBytes(3, 3, 7) +
-                  EntryBytes(1, 3, -1.1e-20) + EntryBytes(4, 4, 0.0));
-    EXPECT_EQ(zurt_test::ReadFile(folder + "/ZURF_RHS.OUT"), Bytes(R));
+    EXPECT_EQ(ReadFile(folder + "/ZURF_MUMPS.OUT"), Bytes(std::int32_t{4}) + Bytes(std::int32_t{6}) +
+                                                        EntryBytes(1, 1, 5) + EntryBytes(2, 2, 1e-30) +
+                                                        EntryBytes(1, 2, 0.5) + EntryBytes(3, 3, 7) +
+                                                        EntryBytes(1, 3, -1.1e-20) + EntryBytes(4, 4, 0.0));
+    EXPECT_EQ(ReadFile(folder + "/ZURF_RHS.OUT"), Bytes(R));
 }
 
 struct Road {
-    std::string folder = zurt_test::MakeTemporaryFolder();
+    std::string folder = MakeTemporaryFolder();
     zurt::ExternalRoute route;
 };
 
@@ -146,8 +129,8 @@ Road MakeRoad(const std::string& parameters, const Reals& solution, const std::s
     road.route.result = road.folder + "/RESENJE.OUT";
     road.route.numberedFolder = road.folder;
     road.route.command = "cp " + road.folder + "/solution " + road.folder + "/" + name;
-    zurt_test::WriteFile(road.route.parameters, parameters);
-    zurt_test::WriteFile(road.folder + "/solution", Bytes(solution));
+    WriteFile(road.route.parameters, parameters);
+    WriteFile(road.folder + "/solution", Bytes(solution));
     return road;
 }
 

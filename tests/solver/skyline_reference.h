@@ -6,6 +6,7 @@
 #include "solver/skyline_layout.h"
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -50,75 +51,61 @@ inline void FillDominant(SkylineSystem& system, std::mt19937& random) {
         system.Store()(system.Pointers()(n)) = weight[static_cast<std::size_t>(n)];
 }
 
-/// A cube of side^3 eight-node bricks, nodes numbered with x fastest, all of them free.
-inline SkylineSystem MakeCube(std::int32_t side) {
+/// The nodes of side^3 eight-node bricks in a cube, element by element, numbered with x fastest.
+inline std::vector<std::int32_t> NodesOfCube(std::int32_t side) {
     const std::int32_t row = side + 1;
-    const Word JEDN = static_cast<Word>(row) * row * row;
-    const Word NE = static_cast<Word>(side) * side * side;
-    std::vector<std::int32_t> nodes(static_cast<std::size_t>(8 * NE));
-    zurt::IntTable NEL{nodes.data(), NE, 8};
-    Word element = 0;
-    for (std::int32_t z = 0; z < side; ++z)
-        for (std::int32_t y = 0; y < side; ++y)
-            for (std::int32_t x = 0; x < side; ++x) {
-                ++element;
-                for (std::int32_t corner = 0; corner < 8; ++corner)
-                    NEL(element, corner + 1) = 1 + x + (corner & 1) + row * (y + (corner >> 1 & 1)) +
-                                               row * row * (z + (corner >> 2));
-            }
-    std::vector<std::int32_t> ID(static_cast<std::size_t>(JEDN));
-    for (Word node = 1; node <= JEDN; ++node)
-        ID[static_cast<std::size_t>(node - 1)] = static_cast<std::int32_t>(node);
+    std::vector<std::int32_t> nodes;
+    for (std::int32_t element = 0; element < side * side * side; ++element)
+        for (std::int32_t corner = 0; corner < 8; ++corner) {
+            const std::int32_t x = element % side + (corner & 1),
+                               y = element / side % side + (corner >> 1 & 1);
+            nodes.push_back(1 + x + row * (y + row * (element / side / side + (corner >> 2))));
+        }
+    return nodes;
+}
+
+/// The system of such a cube, all nodes free.
+inline SkylineSystem MakeCube(std::int32_t side) {
+    const Word NE = static_cast<Word>(side) * side * side,
+               JEDN = static_cast<Word>(side + 1) * (side + 1) * (side + 1);
+    const std::vector<std::int32_t> byElements = NodesOfCube(side);
+    std::vector<std::int32_t> nodes, ID(static_cast<std::size_t>(JEDN));
+    for (std::size_t corner = 0; corner < 8; ++corner)
+        for (std::size_t at = corner; at < byElements.size(); at += 8)
+            nodes.push_back(byElements[at]);
+    std::iota(ID.begin(), ID.end(), 1);
     SkylineSystem system;
     system.NN = JEDN;
     system.MAXA.assign(static_cast<std::size_t>(JEDN + 1), 0);
     std::int32_t LM[8];
     Word NWK = 0;
-    zurt::ComputeColumnHeights({system.MAXA.data(), JEDN + 1}, {ID.data(), JEDN}, NEL, {LM, 8}, NE, JEDN,
-                               true, 8, NWK);
+    zurt::ComputeColumnHeights({system.MAXA.data(), JEDN + 1}, {ID.data(), JEDN}, {nodes.data(), NE, 8},
+                               {LM, 8}, NE, JEDN, true, 8, NWK);
     system.store.assign(static_cast<std::size_t>(NWK), 0.0);
     return system;
 }
 
-/// The plain factorisation; returns the equation of the pivot that failed, 0 for none.
+/// The plain factorisation; returns the equation of the pivot that failed, 0 for none. Entry (r, n) stands at D - r.
 inline Word ReferenceFactor(zurt::RealArray A, zurt::ConstIntArray MAXA, Word NN) {
     for (Word n = 1; n <= NN; ++n) {
-        const Word KN = MAXA(n);
-        const Word KL = KN + 1;
-        const Word KU = MAXA(n + 1) - 1;
-        const Word KH = KU - KL;
-        if (KH > 0) {
-            Word K = n - KH;
-            Word IC = 0;
-            Word KLT = KU;
-            for (Word J = 1; J <= KH; ++J) {
-                IC += 1;
-                KLT -= 1;
-                const Word KI = MAXA(K);
-                const Word ND2 = MAXA(K + 1) - KI - 1;
-                if (ND2 > 0) {
-                    const Word KK = std::min(IC, ND2);
-                    double C = 0.0;
-                    for (Word L = 1; L <= KK; ++L)
-                        C += A(KI + L) * A(KLT + L);
-                    A(KLT) -= C;
-                }
-                K += 1;
-            }
+        const Word D = MAXA(n) + n, top = D + 1 - MAXA(n + 1);
+        for (Word i = top + 1; i < n; ++i) {
+            const Word E = MAXA(i) + i, first = std::max(top, E + 1 - MAXA(i + 1));
+            double C = 0.0;
+            for (Word r = i - 1; r >= first; --r)
+                C += A(E - r) * A(D - r);
+            if (first < i)
+                A(D - i) -= C;
         }
-        if (KH >= 0) {
-            Word K = n;
-            double B = 0.0;
-            for (Word KK = KL; KK <= KU; ++KK) {
-                K -= 1;
-                const Word KI = MAXA(K);
-                const double C = A(KK) / A(KI);
-                B += C * A(KK);
-                A(KK) = C;
-            }
-            A(KN) -= B;
+        double B = 0.0;
+        for (Word i = n - 1; i >= top; --i) {
+            const double C = A(D - i) / A(MAXA(i));
+            B += C * A(D - i);
+            A(D - i) = C;
         }
-        if (0.0 >= A(KN))
+        if (top < n)
+            A(D - n) -= B;
+        if (0.0 >= A(D - n))
             return n;
     }
     return 0;
@@ -128,29 +115,17 @@ inline Word ReferenceFactor(zurt::RealArray A, zurt::ConstIntArray MAXA, Word NN
 inline void ReferenceSubstitute(zurt::ConstRealArray A, zurt::RealArray V, zurt::ConstIntArray MAXA,
                                 Word NN) {
     for (Word n = 1; n <= NN; ++n) {
-        const Word KL = MAXA(n) + 1;
-        const Word KU = MAXA(n + 1) - 1;
-        if (KU < KL)
-            continue;
-        Word K = n;
         double C = 0.0;
-        for (Word KK = KL; KK <= KU; ++KK) {
-            K -= 1;
-            C += A(KK) * V(K);
-        }
-        V(n) -= C;
+        for (Word at = MAXA(n) + 1, i = n - 1; at < MAXA(n + 1); ++at, --i)
+            C += A(at) * V(i);
+        if (MAXA(n) + 1 < MAXA(n + 1))
+            V(n) -= C;
     }
     for (Word n = 1; n <= NN; ++n)
         V(n) = V(n) / A(MAXA(n));
-    for (Word n = NN; n >= 2; --n) {
-        const Word KL = MAXA(n) + 1;
-        const Word KU = MAXA(n + 1) - 1;
-        Word K = n;
-        for (Word KK = KL; KK <= KU; ++KK) {
-            K -= 1;
-            V(K) -= A(KK) * V(n);
-        }
-    }
+    for (Word n = NN; n >= 2; --n)
+        for (Word at = MAXA(n) + 1, i = n - 1; at < MAXA(n + 1); ++at, --i)
+            V(i) -= A(at) * V(n);
 }
 
 } // namespace zurt_test

@@ -1,30 +1,20 @@
-#include "solver/sparse_solver.h"
-#include "support/expect_stop.h"
-
 #include "core/text_unit.h"
+#include "solver/skyline_reference.h"
 #include "solver/sparse_assembler.h"
+#include "solver/sparse_solver.h"
 #include "solver/sparse_tree.h"
+#include "support/expect_stop.h"
 #include "support/run_deck.h"
-
-#include <gtest/gtest.h>
+#include "support/views.h"
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace {
 
 using zurt::Word;
-
+using zurt_test::View;
 zurt::SparseTree tree;
 using Reals = std::vector<double>;
-
-zurt::RealArray View(Reals& values) {
-    return {values.data(), static_cast<Word>(values.size())};
-}
 
 /// Solves what is assembled; returns what was written to the console.
 std::string Solve(Reals& R, std::int32_t SolverReportFlag) {
@@ -36,14 +26,6 @@ std::string Solve(Reals& R, std::int32_t SolverReportFlag) {
     return testing::internal::GetCapturedStdout();
 }
 
-Reals RandomVector(Word size, std::mt19937& random) {
-    std::uniform_real_distribution<double> entry(-1.0, 1.0);
-    Reals vector(static_cast<std::size_t>(size));
-    for (double& value : vector)
-        value = entry(random);
-    return vector;
-}
-
 // Fault: the system handed over as a symmetric or a transposed one.
 TEST(SparseSolver, TakesAnUnsymmetricSystem) {
     zurt::SparseInit(tree, 0, 0);
@@ -53,9 +35,7 @@ TEST(SparseSolver, TakesAnUnsymmetricSystem) {
             zurt::SparseAddEntry(tree, r, c, K[r - 1][c - 1]);
     Reals R = {4, 13, 21};
     Solve(R, 0);
-    EXPECT_NEAR(R[0], 1.0, 1e-14);
-    EXPECT_NEAR(R[1], 2.0, 1e-14);
-    EXPECT_NEAR(R[2], 3.0, 1e-14);
+    EXPECT_THAT(R, testing::Pointwise(testing::DoubleNear(1e-14), Reals{1, 2, 3}));
 }
 
 TEST(SparseSolver, ReportsItsStagesUnderFlagOneOnly) {
@@ -70,15 +50,15 @@ TEST(SparseSolver, ReportsItsStagesUnderFlagOneOnly) {
     }
 }
 
-/// A tree with ones in these rows and columns; a solve takes it away.
-void AssembleEntries(const std::vector<std::pair<int, int>>& places) {
+using Places = std::vector<std::pair<int, int>>;
+
+/// Solves a system of ones in these rows and columns, and stops; console on standard error, listing in a file. The
+/// listing is returned.
+std::string ExpectStop(const Places& places, std::int32_t N, std::int32_t SolverReportFlag,
+                       const std::string& console) {
     zurt::SparseInit(tree, 0, 0);
     for (const auto& [row, column] : places)
         zurt::SparseAddEntry(tree, row, column, 1.0);
-}
-
-/// Runs a solve that stops; console on standard error, listing in a file. The listing is returned.
-std::string ExpectStop(std::int32_t N, std::int32_t SolverReportFlag, const std::string& console) {
     const std::string name = zurt_test::MakeTemporaryFolder() + "/listing";
     Reals R(static_cast<std::size_t>(std::max(N, 1)), 1.0);
     zurt::TextUnit units[2];
@@ -90,31 +70,23 @@ std::string ExpectStop(std::int32_t N, std::int32_t SolverReportFlag, const std:
     return zurt_test::ReadFile(name);
 }
 
-/// A cube of side^3 bricks, each pair of its nodes coupled; returns the number of equations.
-Word AssembleCube(std::int32_t side) {
+/// A cube of side^3 bricks, each pair of its nodes coupled.
+void AssembleCube(std::int32_t side) {
     Reals S(64, -1.0);
     for (std::size_t i = 0; i < 8; ++i)
         S[9 * i] = 7.25;
-    const std::int32_t row = side + 1;
+    std::vector<std::int32_t> nodes = zurt_test::NodesOfCube(side);
     zurt::SparseInit(tree, 0, 0);
-    for (std::int32_t z = 0; z < side; ++z)
-        for (std::int32_t y = 0; y < side; ++y)
-            for (std::int32_t x = 0; x < side; ++x) {
-                std::int32_t LM[8];
-                for (std::int32_t corner = 0; corner < 8; ++corner)
-                    LM[corner] =
-                        1 + x + (corner & 1) + row * (y + (corner >> 1 & 1) + row * (z + (corner >> 2)));
-                zurt::SparseAddElement(tree, 8, {LM, 8}, {S.data(), 8, 8});
-            }
-    return Word{row} * row * row;
+    for (std::size_t element = 0; element < nodes.size(); element += 8)
+        zurt::SparseAddElement(tree, 8, {&nodes[element], 8}, {S.data(), 8, 8});
 }
 
 // Fault: an ordering in threads, whose outcome differs from run to run. The system is large enough for the solver to
 // leave its ordering for small ones.
 TEST(SparseSolverDeathTest, SameBitsInEveryProcess) {
-    std::mt19937 random(4);
-    const Reals vector = RandomVector(AssembleCube(19), random);
-    zurt::SparseKill(tree, 0);
+    Reals vector;
+    for (int i = 1; i <= 8000; ++i)
+        vector.push_back(std::sin(i));
     const std::string folder = zurt_test::MakeTemporaryFolder();
     std::string first;
     for (const char* name : {"/1", "/2", "/3", "/4"}) {
@@ -123,13 +95,12 @@ TEST(SparseSolverDeathTest, SameBitsInEveryProcess) {
                 Reals R = vector;
                 AssembleCube(19);
                 Solve(R, 0);
-                zurt_test::WriteFile(folder + name, std::string(reinterpret_cast<const char*>(R.data()),
-                                                                R.size() * sizeof(double)));
+                zurt_test::WriteFile(folder + name, {reinterpret_cast<const char*>(R.data()), 8 * R.size()});
                 std::exit(0);
             },
             testing::ExitedWithCode(0), "");
         const std::string solution = zurt_test::ReadFile(folder + name);
-        EXPECT_EQ(solution.size(), vector.size() * sizeof(double));
+        EXPECT_EQ(solution.size(), 8 * vector.size());
         if (first.empty())
             first = solution;
         EXPECT_TRUE(solution == first) << name;
@@ -138,12 +109,9 @@ TEST(SparseSolverDeathTest, SameBitsInEveryProcess) {
 
 // Fault: an empty system that reaches the solver.
 TEST(SparseSolverDeathTest, StopsWithoutEquationsOrEntries) {
-    AssembleEntries({});
-    EXPECT_EQ(ExpectStop(3, 0, "^ Error in solver calling!\n$"), "");
-    AssembleEntries({});
-    EXPECT_EQ(ExpectStop(3, 1, "^ Initializing solver...\n Error in solver calling!\n$"), "");
-    AssembleEntries({{1, 1}});
-    EXPECT_EQ(ExpectStop(0, 0, "^ Error in solver calling!\n$"), "");
+    EXPECT_EQ(ExpectStop({}, 3, 0, "^ Error in solver calling!\n$"), "");
+    EXPECT_EQ(ExpectStop({}, 3, 1, "^ Initializing solver...\n Error in solver calling!\n$"), "");
+    EXPECT_EQ(ExpectStop({{1, 1}}, 0, 0, "^ Error in solver calling!\n$"), "");
 }
 
 const std::string kReport =
@@ -152,17 +120,15 @@ const std::string kReport =
 
 // Faults: a singular system that passes, the report lost, shortened or without its stop.
 TEST(SparseSolverDeathTest, ReportsASingularSystemAndStops) {
-    const std::vector<std::pair<int, int>> singular = {{1, 1}, {1, 2}, {2, 1}, {2, 2}};
-    AssembleEntries(singular);
+    const Places singular = {{1, 1}, {1, 2}, {2, 1}, {2, 2}};
     const std::string end = " ERROR IN SOLVER EXECUTION - STOPPING CALCULATION\n$";
-    const std::string listing = ExpectStop(2, 0, "^" + kReport + end);
+    const std::string listing = ExpectStop(singular, 2, 0, "^" + kReport + end);
     EXPECT_EQ(listing.substr(0, 22), " INFO1  :         -10\n");
     EXPECT_EQ(zurt_test::CountOf(listing, "\n"), 8);
     for (const char* text : {" INFO2  :", " INFO3  :", " INFO7  :", " INFO8  :", " INFO9  :", " INFO15 :",
                              " ICNTL14:         120\n"})
         EXPECT_EQ(zurt_test::CountOf(listing, text), 1) << text;
-    AssembleEntries(singular);
-    ExpectStop(2, 1,
+    ExpectStop(singular, 2, 1,
                "^ Initializing solver...\n Starting analysis...\n Starting factorization...\n" + kReport +
                    " Killing solver...\n" + end);
 }
@@ -170,8 +136,8 @@ TEST(SparseSolverDeathTest, ReportsASingularSystemAndStops) {
 // Faults: a row without entries that crashes the solver or passes; the factorisation not asked for after the analysis has
 // failed.
 TEST(SparseSolverDeathTest, StopsAtARowWithoutEntries) {
-    AssembleEntries({{1, 1}, {2, 2}});
-    ExpectStop(4, 1, "Starting factorization...\n INFO1: +-[0-9]+\n(.|\n)*STOPPING CALCULATION\n$");
+    ExpectStop({{1, 1}, {2, 2}}, 4, 1,
+               "Starting factorization...\n INFO1: +-[0-9]+\n(.|\n)*STOPPING CALCULATION\n$");
 }
 
 } // namespace

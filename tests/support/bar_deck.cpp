@@ -23,12 +23,9 @@ std::string ConstantTable(double factor) {
     return Print("%5d%5d\n%10.2e%10.2e\n%10.4f\n%10.4f\n%10.4f\n", 2, 1, 1.0, 1.0e6, 1.0, factor, factor);
 }
 
-std::string FibreCards(const FibreSetCards& set) {
-    std::string cards = Print("%5d%5d\n\n", 1, set.IEHM);
-    cards += Print("%5d%5d%5d%5d%10.6f\n", 1, static_cast<int>(set.fibres.size()),
-                   set.tables.size() == 2 ? 1 : 0, set.fibres[0].size() == 1 ? 1 : 0, set.diameter);
-    cards += "\n" + Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, set.boxHigh, set.boxHigh, set.boxHigh);
-    for (const auto& points : set.fibres) {
+std::string FibresOfSet(const FibreSetCards& set, const Place& box) {
+    std::string cards = "\n" + Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, box[0], box[1], box[2]);
+    for (const std::vector<Place>& points : set.fibres) {
         cards += Print("%5d%5d\n", 1, static_cast<int>(points.size()));
         for (const auto& [x, y, z] : points)
             cards += Print("%5d%10.6f%10.6f%10.6f\n", 1, x, y, z);
@@ -36,6 +33,12 @@ std::string FibreCards(const FibreSetCards& set) {
     for (const std::string& table : set.tables)
         cards += table;
     return cards;
+}
+
+std::string FibreCards(const FibreSetCards& set) {
+    return Print("%5d%5d\n\n%5d%5d%5d%5d%10.6f\n", 1, set.IEHM, 1, static_cast<int>(set.fibres.size()),
+                 set.tables.size() == 2, set.fibres[0].size() == 1, set.diameter) +
+           FibresOfSet(set, {set.boxHigh, set.boxHigh, set.boxHigh});
 }
 
 std::string OneFibre(int IEHM, double diameter, const std::vector<std::array<double, 3>>& points,
@@ -75,43 +78,44 @@ struct Writer {
     const BarDeck& bar;
     std::string text;
 
-    void Integers(const std::vector<int>& values, const std::vector<int>& widths = {}) {
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            const int width = i < widths.size() ? widths[i] : (widths.empty() ? 5 : widths.back());
-            text += bar.fixedFormat ? Print("%*d", width, values[i]) : Print("%d ", values[i]);
-        }
+    template <class... Values> void Card(const char* fixed, const char* free, Values... values) {
+        text += Print(bar.fixedFormat ? fixed : free, values...);
+    }
+    void Integers(const std::vector<int>& values, const std::vector<int>& widths = {5}) {
+        for (std::size_t i = 0; i < values.size(); ++i)
+            text += bar.fixedFormat ? Print("%*d", widths[std::min(i, widths.size() - 1)], values[i])
+                                    : Print("%d ", values[i]);
         text += '\n';
     }
     void Reals(const std::vector<double>& values, int width, int digits) {
-        for (double value : values)
+        for (const double value : values)
             text += bar.fixedFormat ? Print("%*.*e", width, digits, value) : Print("%.17g ", value);
         text += '\n';
     }
-    void Node(int number, int indicator, double x, double y, double z, int step) {
-        if (bar.fixedFormat)
-            text += Print("%10d%5d     %15.8e%15.8e%15.8e%15.8e%5d\n", number, indicator, x, y, z, 0.0, step);
-        else
-            text += Print("%d %d %.17g %.17g %.17g 0.0 %d\n", number, indicator, x, y, z, step);
-    }
 };
+
+Place PlaceOf(const BarDeck& bar, const Grid& grid, int i, int j, int k) {
+    if (!bar.places[0].empty())
+        return {bar.places[0].at(i), bar.places[1].at(j), bar.places[2].at(k)};
+    const double width = (bar.width > 0.0 ? bar.width : bar.length / bar.nx) / grid.stride;
+    return {i * (bar.length / (bar.nx * grid.stride)), j * width, k * width};
+}
 
 void WriteNodes(Writer& writer, Grid& grid) {
     const BarDeck& bar = writer.bar;
-    const double dx = bar.length / (bar.nx * grid.stride);
-    const double dy = (bar.width > 0.0 ? bar.width : bar.length / bar.nx) / grid.stride;
+    const int last = grid.mx - 1, step = bar.across ? grid.my * grid.mz : 1;
+    const bool run = bar.generate && grid.stride == 1 && last >= 3;
     for (int k = 0; k < grid.mz; ++k)
-        for (int j = 0; j < grid.my; ++j) {
-            const int last = grid.mx - 1;
-            const bool run = bar.generate && grid.stride == 1 && last >= 3;
+        for (int j = 0; j < grid.my; ++j)
             for (int i = 0; i <= last; ++i) {
                 const int number = NumberAt(grid, i, j, k);
                 if (number == 0 || (run && i > 1 && i < last - 1))
                     continue;
-                const bool held = bar.hold && (i == 0 || i == last);
-                writer.Node(number, held ? 1 : 0, i * dx, j * dy, k * dy,
-                            run && i == 1 ? (bar.across ? grid.my * grid.mz : 1) : 0);
+                const Place at = PlaceOf(bar, grid, i, j, k);
+                const bool held = bar.held ? bar.held(at) : bar.hold && (i == 0 || i == last);
+                writer.Card("%10d%5d     %15.8e%15.8e%15.8e%15.8e%5d\n", "%d %d %.17g %.17g %.17g %g %d\n",
+                            number, held, at[0], at[1], at[2], 0.0, run && i == 1 ? step : 0);
             }
-        }
 }
 
 // Corners and then mid-sides of the brick whose low corner stands at (i, j, k), all in grid steps.
@@ -138,7 +142,11 @@ void WriteElement(Writer& writer, Grid& grid, int number, int i, int j, int k, i
     std::vector<int> card = {number};
     card.insert(card.end(), nodes.begin(), nodes.begin() + (writer.bar.plane ? 4 : 8));
     const int step = NumberAt(grid, 1, 0, 0) - NumberAt(grid, 0, 0, 0);
-    for (int field : {0, writer.bar.source ? 1 : 0, generated > 0 ? step : 0, generated, 0, 0})
+    const Place low = PlaceOf(writer.bar, grid, i, j, k),
+                high = PlaceOf(writer.bar, grid, i + 1, j + 1, std::min(k + 1, grid.mz - 1));
+    const Place centre = {(low[0] + high[0]) / 2, (low[1] + high[1]) / 2, (low[2] + high[2]) / 2};
+    const int material = writer.bar.material ? writer.bar.material(centre) : 0;
+    for (int field : {material, writer.bar.source ? 1 : 0, generated > 0 ? step : 0, generated, 0, 0})
         card.push_back(field);
     const std::vector<int> widths = writer.bar.plane ? std::vector<int>{8, 8, 8, 8, 8, 5}
                                                      : std::vector<int>{8, 8, 8, 8, 8, 8, 8, 8, 8, 3};
@@ -155,15 +163,14 @@ void WriteGroups(Writer& writer, Grid& grid) {
     for (int g = 0; g < bar.groups; ++g) {
         const int from = bar.nx * g / bar.groups, to = bar.nx * (g + 1) / bar.groups;
         const int layers = bar.plane ? 1 : bar.nz, material = bar.groupFactors.empty() ? 1 : g + 1;
-        writer.Integers({bar.plane ? 2 : 3, (to - from) * bar.ny * layers, 0, bar.source ? 1 : 0, 0, 0},
-                        {5, 10, 5});
+        writer.Integers(
+            {bar.plane ? 2 : 3, (to - from) * bar.ny * layers, bar.axisymmetric, bar.source ? 1 : 0, 0, 0},
+            {5, 10, 5});
         if (bar.NDS == 0)
             writer.Integers({1, 1, bar.nodes, 0, 0, 0, 0, 0});
-        else if (bar.fixedFormat)
-            writer.text += Print("%5d     %5d%5d%5d%5d%5d%5d\n", material, bar.plane ? 4 : bar.nodes, 0, 0,
-                                 bar.gauss, bar.gauss, bar.plane ? 0 : bar.gauss);
         else
-            writer.Integers({material, bar.nodes, 0, 0, 0, 0, 0});
+            writer.Card("%5d     %5d    0    0%5d%5d%5d\n", "%d %d 0 0 %d %d %d\n", material,
+                        bar.plane ? 4 : bar.nodes, bar.gauss, bar.gauss, bar.plane ? 0 : bar.gauss);
         int number = 0;
         for (int k = 0; k < layers; ++k)
             for (int j = 0; j < bar.ny; ++j) {
@@ -199,19 +206,13 @@ void WriteMaterials(Writer& writer) {
     const BarDeck& bar = writer.bar;
     const int points = static_cast<int>(bar.diffusion.size());
     writer.Integers({0, 1, points, 0, 1, 1});
-    if (bar.fixedFormat)
-        writer.text +=
-            Print("%5d%5d%5d%10.1f%10.1f%10.1f%10.1f%10.1f%10.1f\n", 1, 0, 0, 1., 1., 1., 1., 1e6, -1e6);
-    else
-        writer.text += "1 0 0 1. 1. 1. 1. 1e6 -1e6\n";
+    writer.Card("    1    0    0%10.1f%10.1f%10.1f%10.1f%10.1f%10.1f\n", "1 0 0 %g %g %g %g %g %g\n", 1.0,
+                1.0, 1.0, 1.0, 1e6, -1e6);
     writer.Integers({1, points});
     for (const auto& [c, D] : bar.diffusion)
         writer.Reals({c, D}, 20, 10);
     writer.Integers({1, 1});
-    if (bar.fixedFormat)
-        writer.text += Print("%10.1f%10.4f\n", 0.0, bar.capacity);
-    else
-        writer.Reals({0.0, bar.capacity}, 0, 0);
+    writer.Reals({0.0, 1.0}, 10, 3);
 }
 
 // As many groups as NPOC says, at least two; always taken by columns.
@@ -226,7 +227,8 @@ void WriteStartRanges(Writer& writer) {
 void WriteBoundary(Writer& writer) {
     const BarDeck& bar = writer.bar;
     const int points = static_cast<int>(bar.sourceCurve.size());
-    const int NPOC = std::max<int>(1, static_cast<int>(bar.startRanges.size()));
+    const int ranges = static_cast<int>(bar.startRanges.size()),
+              NPOC = bar.startCards.empty() ? std::max(1, ranges) : 2;
     writer.Integers({NPOC, 0, 0, 0, 0, 0, 0, bar.source ? 1 : 0, bar.source ? points : 0, 0, 0});
     if (bar.source) {
         writer.Integers({1, points});
@@ -234,7 +236,9 @@ void WriteBoundary(Writer& writer) {
             writer.Reals({t, Q}, 10, 3);
     }
     const bool nonlinear = bar.diffusion.size() > 1;
-    if (!bar.startRanges.empty())
+    if (!bar.startCards.empty())
+        writer.text += bar.startCards;
+    else if (ranges > 0)
         WriteStartRanges(writer);
     else if (!bar.steady || nonlinear)
         writer.Reals({bar.start}, 10, 3);
@@ -264,14 +268,9 @@ std::string Build(const BarDeck& bar) {
     writer.Integers({NP, bar.groups + bar.moreGroupCount, NMATT, bar.steady ? 0 : 1, bar.steady ? 1 : NPER,
                      bar.NPRINT, 0, bar.NULAZ, 0, bar.IGRAF, bar.IDIRECTD},
                     {10, 5});
-    if (bar.fixedFormat)
-        writer.text += Print("%5d%5d%5d%5d%10.2e%10.2e%5d%5d\n", bar.INTEB, 0, bar.IFORM, bar.MAXIT,
-                             bar.EPSTA, bar.EPSTR, bar.NJRAP, 0);
-    else
-        writer.text += Print("%d 0 %d %d %.17g %.17g %d 0\n", bar.INTEB, bar.IFORM, bar.MAXIT, bar.EPSTA,
-                             bar.EPSTR, bar.NJRAP);
-    writer.text += bar.fixedFormat ? Print("%5d%5d\n", bar.IREST, bar.NCZK)
-                                   : Print("%d %d 0 0. 0\n", bar.IREST, bar.NCZK);
+    writer.Card("%5d    0%5d%5d%10.2e%10.2e%5d%5d\n", "%d 0 %d %d %.17g %.17g %d %d\n", bar.INTEB, bar.IFORM,
+                bar.MAXIT, bar.EPSTA, bar.EPSTR, bar.NJRAP, bar.IPASS);
+    writer.Card("%5d\n", "%d 0 0 0. 0\n", bar.IREST);
     if (!bar.steady) {
         std::vector<int> steps;
         std::vector<double> sizes;

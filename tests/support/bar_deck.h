@@ -2,11 +2,14 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace zurt_test {
+
+using Place = std::array<double, 3>;
 
 /// Printf into a string of up to 255 characters.
 __attribute__((format(printf, 1, 2))) std::string Print(const char* format, ...);
@@ -20,49 +23,56 @@ std::string ConstantTable(double factor);
 /// One fibre set; tables: one, or two with IANISY 1.
 struct FibreSetCards {
     double diameter = 0.1;
-    std::vector<std::vector<std::array<double, 3>>> fibres; // of one point: spheres
+    std::vector<std::vector<Place>> fibres; // of one point: spheres
     std::vector<std::string> tables;
     double boxHigh = 1.0; // of the search box, which begins at 0, in all directions
     int IEHM = 0;
 };
 
+/// The cards of a set behind its first one.
+std::string FibresOfSet(const FibreSetCards& set, const Place& box);
+
 /// The homogenization card of the set, its card of the curve ends, and the set.
 std::string FibreCards(const FibreSetCards& set);
 
 /// The same with one fibre and a constant factor.
-std::string OneFibre(int IEHM, double diameter, const std::vector<std::array<double, 3>>& points,
-                     double factor);
+std::string OneFibre(int IEHM, double diameter, const std::vector<Place>& points, double factor);
 
 /// A block nx x ny x nz of bricks along x, both end faces x = 0 and x = length held (or free), uniform start.
 struct BarDeck {
     int nx = 4, ny = 1, nz = 1;
     double length = 1.0; // in x
     double width = 0.0;  // element size in y and z; 0: as in x
+    std::array<std::vector<double>, 3>
+        places; // of the nodes along x, y and z, where they are not equally far apart
     bool fixedFormat = false;
     bool generate = true;
-    bool plane = false;  // quadrilaterals instead of bricks: nz does not count; with NDS 1 and fixed format
-    bool across = false; // nodes numbered across the bar first, for a narrow band; else along x
+    bool plane = false; // quadrilaterals instead of bricks: nz does not count; with NDS and fixed format
+    bool axisymmetric = false; // these with y as their radius
+    bool across = false;       // nodes numbered across the bar first, for a narrow band; else along x
     int NDS = 0;
     int NANOCH = 0, solver = 0;                  // with NANOCH above 0 a fixed format deck with NDS 1, 2 or 3
     std::array<double, 3> box = {1.0, 1.0, 1.0}; // of the device cards
     std::string fibres;                          // homogenization card and what follows; "": none
     std::string outlet = OutletCards(1, 0.0);    // with NANOCH above 0 and NDS 1 or 3
     bool hold = true;                            // end faces have no equation
+    std::function<bool(const Place&)> held;      // instead: which nodes have none
+    std::function<int(const Place&)> material;   // of the element with this centre; empty: of its group
     bool steady = false;
     std::vector<std::pair<int, double>> periods = {{10, 0.01}}; // steps, size
     double start = 1.0;
     std::vector<std::pair<int, double>>
-        startRanges; // up to which node, start value; instead of the one value
+        startRanges;        // up to which node, start value; instead of the one value
+    std::string startCards; // or two groups of cards in its place
     std::vector<std::pair<double, double>> diffusion = {{-1000.0, 1.0}, {1000.0, 1.0}};
-    double capacity = 1.0;
     bool source = false; // uniform volume source by time (IZIP 1)
     std::vector<std::pair<double, double>> sourceCurve = {{0.0, 1.0}};
     int NPRINT = 1, NULAZ = 3, IGRAF = 1, IFORM = 0;
     int IDIRECTD = 0;
     int INTEB = 1, MAXIT = 30, NJRAP = 1;
     double EPSTA = 0.0, EPSTR = 1e-8;
-    int IREST = 1, NCZK = 0;
-    int groups = 1; // the block is cut along x into this many groups
+    int IREST = 1, IPASS = 0; // IPASS 0 prints the first pass, 1 the second
+    int groups = 1;           // the block is cut along x into this many groups
     std::vector<double>
         groupFactors; // on the diffusion curve of each group, with NDS; empty: one material for all
     int gauss = 0;    // order of the Gauss rule, with NDS and fixed format; 0: default

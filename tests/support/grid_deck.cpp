@@ -13,85 +13,32 @@ std::string Five(const std::vector<int>& values, const char* end = "\n") {
     return card + end;
 }
 
-Place PlaceOf(const GridDeck& grid, std::size_t i, std::size_t j, std::size_t k) {
-    return {grid.places[0][i], grid.places[1][j], grid.places[2][k]};
-}
-
-Place Centre(const Place& low, const Place& high) {
-    return {(low[0] + high[0]) / 2, (low[1] + high[1]) / 2, (low[2] + high[2]) / 2};
-}
-
-/// Visits the nodes in the order of their numbers.
-template <class Visit> void ForAllNodes(const GridDeck& grid, const Visit& visit) {
-    for (std::size_t i = 0; i < grid.places[0].size(); ++i)
-        for (std::size_t k = 0; k < grid.places[2].size(); ++k)
-            for (std::size_t j = 0; j < grid.places[1].size(); ++j)
-                visit(NodeAt(grid, i, j, k), PlaceOf(grid, i, j, k));
-}
-
 std::string FibreCards(const GridDeck& grid) {
-    const double diameter = grid.cylinders.front().diameter;
-    const bool spheres = grid.cylinders.front().from == grid.cylinders.front().to;
-    std::string cards = Five({1, static_cast<int>(grid.cylinders.size()), 0, spheres}, "") +
-                        Print("%10.6f%10.6f%10.4f\n\n", diameter, 1.0, grid.HEQ);
-    cards += Print("%5d%5d%5d%10.4f%10.4f%10.4f\n", 2, 2, 2, grid.box[0], grid.box[1], grid.box[2]);
-    int number = 0;
-    for (const Cylinder& cylinder : grid.cylinders) {
-        cards += Print("%5d%5d%10.6f\n", ++number, 2, cylinder.diameter);
-        int end = 0;
-        for (const Place& at : {cylinder.from, cylinder.to})
-            cards += Print("%5d%10.4f%10.4f%10.6f\n", ++end, at[0], at[1], at[2]);
-    }
-    cards += Five({2, 1}) + Print("%10.2e%10.2e\n%10.4f\n", grid.tableEnds[0], grid.tableEnds[1], 1.0);
-    return cards + Print("%10.4f\n%10.4f\n", grid.factors[0], grid.factors[1]);
+    FibreSetCards set;
+    for (const Cylinder& cylinder : grid.cylinders)
+        set.fibres.push_back({cylinder.from, cylinder.to});
+    set.tables = {Five({2, 1}) + Print("%10.2e%10.2e\n%10.4f\n%10.4f\n%10.4f\n", grid.tableEnds[0],
+                                       grid.tableEnds[1], 1.0, grid.factors[0], grid.factors[1])};
+    const bool spheres = grid.cylinders[0].from == grid.cylinders[0].to;
+    return Five({1, static_cast<int>(set.fibres.size()), 0, spheres}, "") +
+           Print("%10.6f%10.6f%10.4f\n", grid.cylinders[0].diameter, 1.0, grid.HEQ) +
+           FibresOfSet(set, grid.box);
 }
 
-std::string Quadrilaterals(const GridDeck& grid) {
-    std::string cards;
-    int number = 0;
-    for (std::size_t i = 0; i + 1 < grid.places[0].size(); ++i)
-        for (std::size_t j = 0; j + 1 < grid.places[1].size(); ++j) {
-            const Place centre = Centre(PlaceOf(grid, i, j, 0), PlaceOf(grid, i + 1, j + 1, 0));
-            cards += Print("%8d%8d%8d%8d%8d", ++number, NodeAt(grid, i + 1, j + 1, 0),
-                           NodeAt(grid, i, j + 1, 0), NodeAt(grid, i, j, 0), NodeAt(grid, i + 1, j, 0)) +
-                     Five({grid.material(centre), 0, 0, 0, 0, 0});
-        }
-    return Print("%5d%10d", 2, number) + Five({grid.axisymmetric, 0, 0, 0}) + Print("%5d     ", 1) +
-           Five({4, 0, 0, 2, 2, 0}) + cards;
-}
-
-std::string Elements(const GridDeck& grid) {
-    if (grid.places[2].size() == 1)
-        return Quadrilaterals(grid);
-    static const std::size_t corner[8][3] = {{1, 1, 1}, {0, 1, 1}, {0, 0, 1}, {1, 0, 1},
-                                             {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {1, 0, 0}};
-    std::string cards;
-    int number = 0;
-    for (std::size_t i = 0; i + 1 < grid.places[0].size(); ++i)
-        for (std::size_t k = 0; k + 1 < grid.places[2].size(); ++k)
-            for (std::size_t j = 0; j + 1 < grid.places[1].size(); ++j) {
-                cards += Print("%8d", ++number);
-                for (const auto& c : corner)
-                    cards += Print("%8d", NodeAt(grid, i + c[0], j + c[1], k + c[2]));
-                const Place centre = Centre(PlaceOf(grid, i, j, k), PlaceOf(grid, i + 1, j + 1, k + 1));
-                cards += Print("%3d%3d%3d%3d%3d%3d\n", grid.material(centre), 0, 0, 0, 0, 0);
-            }
-    return Print("%5d%10d", 3, number) + Five({0, 0, 0, 0}) + Print("%5d     ", 1) +
-           Five({8, 0, 0, 2, 2, 2}) + cards;
-}
-
+// The nodes that start full, fourteen to a card.
 std::string StartCards(const GridDeck& grid, int NP) {
+    const auto& [x, y, z] = grid.places;
+    std::vector<int> full;
+    for (std::size_t i = 0; i < x.size(); ++i)
+        for (std::size_t k = 0; k < z.size(); ++k)
+            for (std::size_t j = 0; j < y.size(); ++j)
+                if (grid.startsFull({x[i], y[j], z[k]}))
+                    full.push_back(NodeAt(grid, i, j, k));
+    full.resize(full.size() / 14 * 14 + 14, 0); // a 0 ends them
     std::string cards =
         Print("%10.3e%5d%5d\n%5d%5d%5d\n%5d\n%10.3e%5d%5d\n", 0.0, 0, 1, 1, 1, NP, 0, 1.0, 1, 0);
-    std::vector<int> full;
-    ForAllNodes(grid, [&](int node, const Place& at) {
-        if (grid.startsFull(at))
-            full.push_back(node);
-    });
-    full.resize(full.size() / 14 * 14 + 14, 0); // fourteen to a card, a 0 ends them
-    for (std::size_t i = 0; i < full.size(); i += 14)
-        cards += Five({full.begin() + static_cast<std::ptrdiff_t>(i),
-                       full.begin() + static_cast<std::ptrdiff_t>(i) + 14});
+    for (auto at = full.begin(); at != full.end(); at += 14)
+        cards += Five({at, at + 14});
     return cards;
 }
 
@@ -101,31 +48,38 @@ int NodeAt(const GridDeck& grid, std::size_t i, std::size_t j, std::size_t k) {
     return static_cast<int>((i * grid.places[2].size() + k) * grid.places[1].size() + j) + 1;
 }
 
+GridDeck::GridDeck() {
+    title = "Bricks on a grid";
+    fixedFormat = across = true;
+    generate = hold = false;
+    NDS = NANOCH = 3;
+    diffusion = {{-10.0, 1.0}, {10.0, 1.0}};
+    gauss = 2;
+    NPRINT = IGRAF = 1000;
+    NULAZ = -1;
+    MAXIT = 40;
+    EPSTR = 1e-6;
+    IPASS = 1;
+}
+
 std::string Build(const GridDeck& grid) {
-    const auto& [x, y, z] = grid.places;
-    const int NP = static_cast<int>(x.size() * y.size() * z.size());
-    std::string deck = "Bricks on a grid\n2 3 3 0\n";
-    deck += Print("%10.4f%10.4f%10.4f\n\n%10d", grid.box[0], grid.box[1], grid.box[2], NP);
-    deck += Five({1, static_cast<int>(grid.D.size()), 1, 1, 1000, 0, -1, 0, 1000, grid.IDIRECTD});
-    deck += Five({1, 0, 0, grid.MAXIT}, "") +
-            Print("%10.2e%10.2e%5d%5d\n%5d%5d\n", 0.0, grid.EPSTR, 1, grid.IPASS, 1, 0);
-    deck += Print("%10d\n%10.3e\n", grid.steps, grid.size);
-    ForAllNodes(grid, [&](int node, const Place& at) {
-        deck += Print("%10d%5d     %15.8e%15.8e%15.8e%15.8e%5d\n", node, grid.held && grid.held(at) ? 1 : 0,
-                      at[0], at[1], at[2], 0.0, 0);
-    });
-    deck += Five({!grid.cylinders.empty(), 1, 1, grid.NFSTEP, grid.NFITMAX}, "");
-    deck += Print("%10.6f", grid.FITERR);
-    deck += Five({grid.directions[0], grid.directions[1], grid.directions[2], grid.INDDEG, grid.IHEQ,
-                  grid.IDCC, 0, 0});
+    BarDeck bar = grid;
+    bar.nx = static_cast<int>(grid.places[0].size()) - 1;
+    bar.ny = static_cast<int>(grid.places[1].size()) - 1;
+    bar.nz = static_cast<int>(grid.places[2].size()) - 1;
+    bar.plane = bar.nz == 0;
+    bar.groupFactors = grid.D;
+    bar.periods = {{grid.steps, grid.size}};
+    bar.fibres =
+        Five({!grid.cylinders.empty(), 1, 1, grid.NFSTEP, grid.NFITMAX}, "") + Print("%10.6f", grid.FITERR);
+    bar.fibres +=
+        Five({grid.directions[0], grid.directions[1], grid.directions[2], grid.INDDEG, grid.IHEQ, grid.IDCC},
+             "    0    0\n");
     if (grid.IDCC == 0)
-        deck += Print("%16.6e%16.6e\n", grid.D1D, grid.D2D);
-    deck += (grid.cylinders.empty() ? "" : FibreCards(grid)) + Elements(grid) + Five({2});
-    int material = 0;
-    for (const double D : grid.D)
-        deck += Five({++material, 2}) + Print("%20.10e%20.10e\n%20.10e%20.10e\n", -10.0, D, 10.0, D);
-    deck += "    1    1\n 1.0000e+3\n 1.0000e+0\n 1.0000e+0\n" + OutletCards(1, 0.0);
-    return deck + Five({2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}) + StartCards(grid, NP) + "STOP\n";
+        bar.fibres += Print("%16.6e%16.6e\n", grid.D1D, grid.D2D);
+    bar.fibres += grid.cylinders.empty() ? "" : FibreCards(grid);
+    bar.startCards = StartCards(grid, (bar.nx + 1) * (bar.ny + 1) * (bar.nz + 1));
+    return Build(bar);
 }
 
 } // namespace zurt_test

@@ -1,14 +1,9 @@
 // Decks of homogenization: bricks or quadrilaterals on a grid of any spacing, cylinders through it, curves by material, start values by place.
 #pragma once
 
-#include <array>
-#include <functional>
-#include <string>
-#include <vector>
+#include "support/bar_deck.h"
 
 namespace zurt_test {
-
-using Place = std::array<double, 3>;
 
 /// A sphere (in the plane a circle) when its ends are one.
 struct Cylinder {
@@ -17,19 +12,15 @@ struct Cylinder {
 };
 
 /// Quadrilaterals where z has one place.
-struct GridDeck {
-    std::array<std::vector<double>, 3> places;           // of the nodes along x, y and z
-    bool axisymmetric = false;                           // quadrilaterals with y as their radius
-    std::function<int(const Place&)> material;           // of the brick with this centre, from 1
-    std::function<bool(const Place&)> startsFull;        // at 1 instead of 0
-    std::function<bool(const Place&)> held;              // without an equation, at 0; empty: none
-    std::vector<double> D;                               // by material
-    Place box = {1.0, 1.0, 1.0};                         // of the fibres
-    std::vector<Cylinder> cylinders;                     // none: no fibre card at all
-    std::array<double, 2> tableEnds = {1e-3, 1000.0};    // distances of the factor's table
-    std::array<double, 2> factors = {1.0, 1.0};          // at them
-    int steps = 12, MAXIT = 40, IDIRECTD = 0, IPASS = 1; // IPASS 0 prints the first pass, 1 the second
-    double size = 4.0, EPSTR = 1e-6, FITERR = 1e-5;
+struct GridDeck : BarDeck {
+    GridDeck();
+    std::function<bool(const Place&)> startsFull;     // at 1 instead of 0
+    std::vector<double> D;                            // by material
+    std::vector<Cylinder> cylinders;                  // none: no fibre card at all
+    std::array<double, 2> tableEnds = {1e-3, 1000.0}; // distances of the factor's table
+    std::array<double, 2> factors = {1.0, 1.0};       // at them
+    int steps = 12;
+    double size = 4.0, FITERR = 1e-5;
     int NFSTEP = 12, NFITMAX = 30;
     std::array<int, 3> directions = {1, 0, 0}; // INDFITX, INDFITY, INDFITZ
     int INDDEG = 1, IHEQ = 0, IDCC = 1;

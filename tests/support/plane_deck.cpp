@@ -1,68 +1,60 @@
 #include "support/plane_deck.h"
 
-#include <algorithm>
 #include <sstream>
 
 namespace zurt_test {
 
 namespace {
 
-void WriteFunction(std::ostringstream& out, int number, const Points& points) {
-    out << number << ' ' << points.size() << '\n';
-    for (const auto& point : points)
-        out << point.first << ' ' << point.second << '\n';
-}
+// A card of free format: numbers, and lists of them, with blanks between.
+struct CardWriter {
+    std::ostringstream out;
 
-void WriteFunctions(std::ostringstream& out, const PlaneDeck& deck, const std::vector<Points>& environments) {
-    out << "0 " << (deck.flux.empty() ? 0 : 1) << ' ' << deck.flux.size() << ' '
-        << (deck.convection.empty() ? 0 : 1) << ' ' << deck.convection.size() << ' ' << environments.size()
-        << ' ' << (environments.empty() ? 0 : environments[0].size()) << ' ' << (deck.source.empty() ? 0 : 1)
-        << ' ' << deck.source.size() << ' ' << (deck.emissivity.empty() ? 0 : 1) << ' '
-        << deck.emissivity.size() << '\n';
-    if (!deck.source.empty())
-        WriteFunction(out, 1, deck.source);
-    if (!deck.flux.empty())
-        WriteFunction(out, 1, deck.flux);
+    template <class T> void Put(const T& item) { out << item << ' '; }
+    void Put(const std::vector<int>& items) {
+        for (const int item : items)
+            Put(item);
+    }
+    template <class... Items> void Card(const Items&... items) {
+        (Put(items), ...);
+        out << '\n';
+    }
+    void Function(std::size_t number, const Points& points) {
+        if (points.empty())
+            return;
+        Card(number, points.size());
+        for (const auto& [x, y] : points)
+            Card(x, y);
+    }
+};
+
+void WriteFunctions(CardWriter& writer, const PlaneDeck& deck, const std::vector<Points>& environments) {
+    const auto counts = [](const Points& points) {
+        return std::vector<int>{!points.empty(), static_cast<int>(points.size())};
+    };
+    writer.Card(0, counts(deck.flux), counts(deck.convection), environments.size(),
+                environments.empty() ? 0 : environments[0].size(), counts(deck.source),
+                counts(deck.emissivity));
+    writer.Function(1, deck.source);
+    writer.Function(1, deck.flux);
     for (std::size_t i = 0; i < environments.size(); ++i)
-        WriteFunction(out, static_cast<int>(i) + 1, environments[i]);
-    if (!deck.convection.empty())
-        WriteFunction(out, 1, deck.convection);
-    if (!deck.emissivity.empty()) {
-        WriteFunction(out, 1, deck.emissivity);
-        out << "5.67E-8 0\n";
-    }
+        writer.Function(i + 1, environments[i]);
+    writer.Function(1, deck.convection);
+    writer.Function(1, deck.emissivity);
+    if (!deck.emissivity.empty())
+        writer.Card("5.67E-8 0");
 }
 
-void WriteGroup(std::ostringstream& out, const PlaneGroup& group) {
-    out << group.family << ' ' << group.elements.size() << ' ' << group.INDAX << ' ' << group.IZIP
-        << " 0 0\n";
-    const std::size_t most = group.elements[0].nodes.size();
-    out << "1 1 " << most << " 0 " << group.IPTG;
-    for (int direction = 0; direction < group.family; ++direction)
-        out << ' ' << group.gauss;
-    out << (group.family == 2 ? " 0 1.0\n" : "\n");
-    for (std::size_t e = 0; e < group.elements.size(); ++e) {
-        const PlaneElement& element = group.elements[e];
-        out << e + 1;
-        for (const int node : element.nodes)
-            out << ' ' << node;
-        out << " 0 " << element.source << " 0 0 0 0";
-        if (group.family != 3)
-            out << ' ' << element.area;
-        out << '\n';
-    }
-}
-
-void WriteSides(std::ostringstream& out, const PlaneGroup& group) {
-    for (const PlaneSide& side : group.sides) {
-        out << side.element;
-        for (const int node : side.corners)
-            out << ' ' << node;
-        for (const int function : side.functions)
-            out << ' ' << function;
-        out << '\n';
-    }
-    out << "0/\n";
+void WriteGroup(CardWriter& writer, const PlaneGroup& group) {
+    writer.Card(group.family, group.elements.size(), group.INDAX, group.IZIP, 0, 0);
+    const std::vector<int> gauss(static_cast<std::size_t>(group.family), group.gauss);
+    writer.Card(1, 1, group.elements[0].nodes.size(), 0, group.IPTG, gauss, group.family == 2 ? "0 1.0" : "");
+    int number = 0;
+    for (const PlaneElement& element : group.elements)
+        if (group.family == 3)
+            writer.Card(++number, element.nodes, 0, element.source, "0 0 0 0");
+        else
+            writer.Card(++number, element.nodes, 0, element.source, "0 0 0 0", element.area);
 }
 
 } // namespace
@@ -74,35 +66,35 @@ std::string Build(const PlaneDeck& deck) {
     const bool transient = deck.steps > 0;
     const bool iterates =
         deck.conductivity.size() > 1 || deck.convection.size() > 1 || !deck.emissivity.empty();
-    std::ostringstream out;
-    out.precision(16);
-    out << "Lines, quadrilaterals, bricks\n1 0 0 " << deck.solver << '\n';
-    out << deck.nodes.size() << ' ' << deck.groups.size() << " 1 " << (transient ? 1 : 0) << ' '
-        << (transient ? 1 : 2) << " 0 0 3 " << deck.ITOR << " 100000 0\n";
-    out << "1 0 0 60 0.0 " << deck.EPSTR << " 1 0\n1 0 0 0.0 0\n";
+    CardWriter writer;
+    writer.out.precision(16);
+    writer.Card("Lines, quadrilaterals, bricks\n1 0 0", deck.solver);
+    writer.Card(deck.nodes.size(), deck.groups.size(), 1, transient, transient ? 1 : 2, "0 0 3", deck.ITOR,
+                "100000 0");
+    writer.Card("1 0 0 60 0.0", deck.EPSTR, "1 0\n1 0 0 0.0 0");
     if (transient)
-        out << deck.steps << '\n' << deck.stepSize << '\n';
-    for (std::size_t n = 0; n < deck.nodes.size(); ++n) {
-        const PlaneNode& node = deck.nodes[n];
-        out << n + 1 << ' ' << (node.held ? 1 : 0) << ' ' << node.x << ' ' << node.y << ' ' << node.z
-            << " 0.0 0\n";
-    }
-    out << "0 0 0 0 0 0.0 0 0 0 0 0 0 0 0\n0.0 0.0\n";
+        writer.Card(deck.steps, '\n', deck.stepSize);
+    int number = 0;
+    for (const PlaneNode& node : deck.nodes)
+        writer.Card(++number, node.held, node.x, node.y, node.z, 0.0, 0);
+    writer.Card("0 0 0 0 0 0.0 0 0 0 0 0 0 0 0\n0.0 0.0");
     for (const PlaneGroup& group : deck.groups)
-        WriteGroup(out, group);
-    out << "0 1 " << deck.conductivity.size() << " 0 " << (transient ? "1 1" : "0 0") << '\n';
-    out << "1 0 0 1.0 1.0 1.0 1.0 1E9 -1E9\n";
-    WriteFunction(out, 1, deck.conductivity);
+        WriteGroup(writer, group);
+    writer.Card(0, 1, deck.conductivity.size(), 0, transient, transient);
+    writer.Card("1 0 0 1.0 1.0 1.0 1.0 1E9 -1E9");
+    writer.Function(1, deck.conductivity);
     if (transient)
-        WriteFunction(out, 1, {{0.0, 1.0}});
-    WriteFunctions(out, deck, environments);
+        writer.Function(1, {{0.0, 1.0}});
+    WriteFunctions(writer, deck, environments);
     if (transient || iterates)
-        out << deck.start << '\n';
+        writer.Card(deck.start);
     if (!deck.flux.empty() || !environments.empty() || !deck.convection.empty() || !deck.emissivity.empty())
-        for (const PlaneGroup& group : deck.groups)
-            WriteSides(out, group);
-    out << "STOP\n";
-    return out.str();
+        for (const PlaneGroup& group : deck.groups) {
+            for (const PlaneSide& side : group.sides)
+                writer.Card(side.element, side.corners, side.functions);
+            writer.Card("0/");
+        }
+    return writer.out.str() + "STOP\n";
 }
 
 int GridNode2D(int nx, int i, int j) {

@@ -26,11 +26,9 @@ struct TemporaryFolders {
     std::vector<std::string> names;
     pid_t owner = getpid();
     ~TemporaryFolders() {
-        if (getpid() != owner)
-            return;
         std::error_code ignored;
-        for (const std::string& name : names)
-            std::filesystem::remove_all(name, ignored);
+        for (std::size_t i = 0; getpid() == owner && i < names.size(); ++i)
+            std::filesystem::remove_all(names[i], ignored);
     }
 };
 
@@ -82,11 +80,8 @@ int WaitFor(pid_t child, int secondsAllowed) {
 // Once the console holds `words` so often, and so many milliseconds later.
 void InterruptAfter(pid_t child, const std::string& console, const std::string& words, int count,
                     int milliseconds) {
-    for (int tries = 0; tries < 5000; ++tries) {
-        if (CountOf(ReadFile(console), words) >= count)
-            break;
+    for (int tries = 0; tries < 5000 && CountOf(ReadFile(console), words) < count; ++tries)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     kill(child, SIGINT);
 }
@@ -114,9 +109,7 @@ void WriteFile(const std::string& name, const std::string& text) {
 }
 
 RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed) {
-    Invocation invocation;
-    invocation.input = answers;
-    return RunProgram(folder, invocation, secondsAllowed);
+    return RunProgram(folder, {{}, answers}, secondsAllowed);
 }
 
 RunResult RunProgram(const std::string& folder, const Invocation& invocation, int secondsAllowed) {
@@ -146,21 +139,9 @@ RunResult RunDeck(const std::string& deck, int secondsAllowed) {
 
 std::vector<double> LastConcentrations(const std::string& listing) {
     std::vector<double> values;
-    const std::size_t at = listing.rfind("N O D A L    C O N C E N T R A T I O N S");
-    const std::size_t end = listing.find("N O D A L   M A S S", at == std::string::npos ? 0 : at);
-    if (at == std::string::npos || end == std::string::npos)
-        return values;
-    std::istringstream rows(listing.substr(at, end - at));
-    std::string line;
-    for (int head = 0; head < 3; ++head)
-        std::getline(rows, line);
-    while (std::getline(rows, line)) {
-        std::istringstream items(line);
-        long node = 0;
-        double value = 0.0;
-        while (items >> node >> value)
-            values.push_back(value);
-    }
+    for (const auto& row : RowsBelow(listing, "N O D A L    C O N C E N T R A T I O N S", 3))
+        for (std::size_t i = 1; i < row.size(); i += 2) // behind the number of its node
+            values.push_back(row[i]);
     return values;
 }
 
@@ -179,16 +160,10 @@ std::vector<double> LastUnvValues(const std::string& graphics, int which) {
     static const char* const names[] = {"CVORNE KONCENTRACIJE\n", "MASS FLUX\n",
                                         "MASS FLUX PER UNIT TIME AND SURFACE\n", "DIFFUSION COEFFICIENT\n"};
     std::vector<double> values;
-    const std::size_t at = graphics.rfind(names[which - 1]);
-    if (at == std::string::npos)
-        return values;
-    std::istringstream rows(graphics.substr(at));
-    std::string line;
-    for (int head = 0; head < 7; ++head)
-        std::getline(rows, line);
-    while (std::getline(rows, line) && line != "    -1" && std::getline(rows, line))
-        for (const double value : NumbersOf(line))
-            values.push_back(value);
+    const auto rows =
+        RowsBelow(graphics, names[which - 1], 7); // of a node's number and of its values, in turns
+    for (std::size_t i = 1; i < rows.size(); i += 2)
+        values.insert(values.end(), rows[i].begin(), rows[i].end());
     return values;
 }
 
@@ -217,7 +192,7 @@ std::vector<std::vector<double>> RowsBelow(const std::string& text, const std::s
     std::string line;
     for (int head = 0; head < heads; ++head)
         std::getline(lines, line);
-    while (std::getline(lines, line) && !NumbersOf(line).empty())
+    while (std::getline(lines, line) && line != "    -1" && !NumbersOf(line).empty())
         rows.push_back(NumbersOf(line));
     return rows;
 }

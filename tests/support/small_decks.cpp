@@ -1,6 +1,7 @@
 #include "support/small_decks.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -9,24 +10,16 @@ namespace zurt_test {
 
 namespace {
 
-constexpr const char* kNames[] = {
-    "free",     "fixed",     "device",   "device lists", "sources",       "steady free",    "steady fixed",
-    "two free", "two fixed", "built-in", "functions",    "device cards",  "quadrilaterals", "torsion",
-    "lines",    "fibres",    "fit",      "direct",       "radial fibres", "sparse"};
-
-std::string FileOf(std::string name) {
-    std::replace(name.begin(), name.end(), ' ', '_');
-    return ZURT_SOURCE_DIR "/tests/data/decks/" + name + ".dat";
-}
-
 std::vector<SmallDeck> ReadSmallDecks() {
     std::vector<SmallDeck> decks;
-    for (const char* name : kNames) {
-        std::ifstream file(FileOf(name), std::ios::binary);
+    for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/tests/data/decks")) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        std::string name = entry.path().stem().string();
+        std::replace(name.begin(), name.end(), '_', ' ');
         decks.push_back({name, {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()}});
-        if (decks.back().text.empty())
-            throw std::runtime_error(std::string("no file of the small deck ") + name);
     }
+    std::sort(decks.begin(), decks.end(),
+              [](const auto& one, const auto& other) { return one.name < other.name; });
     return decks;
 }
 

@@ -7,8 +7,7 @@
 namespace zurt_test {
 
 struct SmallDeck {
-    const char* name;
-    std::string text;
+    std::string name, text; // the name is that of its file, with blanks
 };
 
 /// Free and fixed format, with and without devices, steady and transient, one problem and two.

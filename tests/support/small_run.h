@@ -6,6 +6,7 @@
 #include "run/run.h"
 #include "support/expect_stop.h"
 #include "support/run_deck.h"
+#include "support/views.h"
 
 #include <gtest/gtest.h>
 
