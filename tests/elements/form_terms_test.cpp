@@ -3,33 +3,27 @@
 #include "elements/forming/nodal_averaging.h"
 #include "form_model.h"
 #include "geometry/gather.h"
-#include "support/small_run.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <numeric>
 
 namespace zurt {
 namespace {
 
 using namespace testmodel;
-using zurt_test::ListingOfStop;
 
 constexpr double kQuadrature = 2e-7;
 
-Mesh Block(std::vector<int> held = {}) {
-    Mesh mesh = BlockOfBricks(2, 1, 1, [](int i, int j, int k) {
+Mesh Block() {
+    return BlockOfBricks(2, 1, 1, [](int i, int j, int k) {
         return Point{1.0 * i, 2.0 * j + 0.1 * i, 3.0 * k};
     });
-    mesh.held = std::move(held);
-    return mesh;
 }
 constexpr double kVolume = 12.0;
 
 double Sum(RealArray values) {
-    double sum = 0.0;
-    for (Word i = 1; i <= values.length; ++i)
-        sum += values(i);
-    return sum;
+    return std::accumulate(values.data, values.data + values.length, 0.0);
 }
 
 // Faults: the order of precedence of list, equation and outlet; the second form of the gather taken for the first.
@@ -318,22 +312,8 @@ TEST(FormVisit, WorkBlockBeginsAtTheSameWordEveryTime) {
     }
 }
 
-// Faults: another time integration that forms lines or goes on without a word (bricks: a deck of
-// tests/timeint/steps_test.cpp); the matrix flag ignored.
-TEST(FormVisit, WhatIsNotFormed) {
-    Problem problem;
-    problem.INTEB = 2;
-    problem.dimension = 1;
-    Mesh line;
-    line.nodes = {{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}};
-    line.elements = {{1, 2}};
-    EXPECT_EQ(ListingOfStop([&](TextUnit& unit) {
-                  Model lines(line, problem);
-                  lines.run.units.console = unit;
-                  testmodel::FormSystem(lines.run);
-              }),
-              " NIJE UGRADJENA ALFA INTEGRACIJA\n");
-
+// Fault: the matrix flag ignored.
+TEST(FormVisit, VectorAlone) {
     Problem sources;
     sources.IZIP = 1;
     sources.sources = {{{0.0, 1.0}}};
@@ -342,22 +322,6 @@ TEST(FormVisit, WhatIsNotFormed) {
     testmodel::FormSystem(vector.run);
     EXPECT_EQ(SystemEntry(vector.run, 1, 1), 0.0);
     EXPECT_NE(RightHandSide(vector.run)(1), 0.0);
-}
-
-TEST(FormVisit, NoRoomForElementMatrices) {
-    Problem problem;
-    problem.size = Model(DistortedBlock(), problem).run.A.LMAXM + 100;
-    const std::string text = ListingOfStop([&](TextUnit& listing) {
-        Model tight(DistortedBlock(), problem);
-        tight.run.units.listing = listing;
-        testmodel::FormSystem(tight.run);
-    });
-    EXPECT_EQ(
-        text.find(
-            " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR\n ELEMENT MATRIX\n REQUIRED DIMENSION, LMAX ="),
-        0U)
-        << text;
-    EXPECT_TRUE(zurt_test::Contains(text, " AVAILABLE DIMENSION, NTOTA="));
 }
 
 } // namespace
