@@ -42,16 +42,10 @@ TEST(FibreData, SetsFibresAndTables) {
     ReadFibreData(small, model);
     ASSERT_EQ(model.sets.size(), 2U);
     const FibreSet &lines = model.sets[0], &spheres = model.sets[1];
-    EXPECT_EQ(lines.NSETID, 7);
-    EXPECT_EQ(lines.IANISY, 1);
-    EXPECT_EQ(lines.DIAM, 0.02);
-    EXPECT_EQ(lines.DLENGTH, 0.3);
-    EXPECT_EQ(lines.WALLCUT, 0.15);
-    const double low[3] = {0.0, 0.1, 0.2}, high[3] = {4 * 0.25, 0.5, 0.5 + 0.75};
-    for (int axis = 0; axis < 3; ++axis) {
-        EXPECT_EQ(lines.low[axis], low[axis]);
-        EXPECT_EQ(lines.high[axis], high[axis]);
-    }
+    EXPECT_EQ((std::array{lines.NSETID, lines.IANISY}), (std::array{7, 1}));
+    EXPECT_EQ((std::array{lines.DIAM, lines.DLENGTH, lines.WALLCUT}), (std::array{0.02, 0.3, 0.15}));
+    EXPECT_THAT(lines.low, testing::ElementsAre(0.0, 0.1, 0.2));
+    EXPECT_THAT(lines.high, testing::ElementsAre(4 * 0.25, 0.5, 0.5 + 0.75));
     ASSERT_EQ(lines.fibres.size(), 2U);
     EXPECT_EQ(lines.fibres[1].NFIBID, 12);
     EXPECT_EQ(lines.fibres[1].points, (std::vector<double>{.1, .1, .1, .5, .5, .5, .9, .8, .7}));
@@ -105,6 +99,11 @@ TEST(FibreData, DeckErrors) {
         FibreModel model;
         EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), test.words) << test.deck;
     }
+    // An INDFOR that reads nothing leaves a set without fibres; it must not loop.
+    SmallRun unknown(kFree);
+    AskForSets(unknown, 3, 2);
+    FibreModel model;
+    EXPECT_LIBRARY_ERROR(ReadFibreData(unknown, model), "NUMFIB");
 }
 
 // Faults: fibres clipped to a box that no card of this deck gives.
@@ -119,14 +118,6 @@ TEST(FibreData, FibreSetsNeedTheDeviceCards) {
         FibreModel model;
         EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), "NSETS");
     }
-}
-
-// An INDFOR that reads nothing leaves a set without fibres; it must not loop.
-TEST(FibreData, UnknownFormatEnds) {
-    SmallRun small(kFree);
-    AskForSets(small, 3, 2);
-    FibreModel model;
-    EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), "NUMFIB");
 }
 
 // Faults: the boundary of a row or column on the wrong side, distance extrapolated, the last row looked up.
