@@ -159,53 +159,45 @@ void FailCalls(const Subject& subject, const std::string& kind, const std::strin
                       << " and " << places.size() - 1 << " others of " << calls << ": " << fault;
 }
 
+struct FaultCase {
+    const char *kind, *mode;
+    long most; // runs, spread over the calls
+};
+
+void FailAll(const std::vector<FaultCase>& cases) {
+    for (const Subject& subject : Subjects())
+        for (const FaultCase& fault : cases)
+            FailCalls(subject, fault.kind, fault.mode, fault.most);
+}
+
 // Faults: a refused open, lock, read, flush, close or scratch file passed over, reported twice or not as what it is; a
-// crash; records behind the failure; files of the run, or its deck, harmed.
+// crash; records behind the failure; files of the run, or its deck, harmed; a state of a file that the system doesn't tell
+// ends a run that is complete by an uncaught exception.
 TEST(Faults, FailingFiles) {
-    for (const Subject& subject : Subjects()) {
-        for (const char* kind : {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink",
-                                 "read", "lock", "thread"})
-            FailCalls(subject, kind, "once", 16);
-        for (const char* kind : {"open", "flush", "close"})
-            FailCalls(subject, kind, "on", 8);
-    }
+    std::vector<FaultCase> cases = {
+        {"open", "on", 8}, {"flush", "on", 8}, {"close", "on", 8}, {"stat", "once", 30}};
+    for (const char* kind :
+         {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink", "read", "lock", "thread"})
+        cases.push_back({kind, "once", 16});
+    FailAll(cases);
 }
 
-// Faults: a record that is not written passed over, what stands ahead of it lost.
+// Faults: a record that is not written passed over, what stands ahead of it lost; a disk that stays full ends the run by a
+// second stop that nobody catches.
 TEST(Faults, FailingWrites) {
-    for (const Subject& subject : Subjects())
-        FailCalls(subject, "write", "once", 30);
-}
-
-// Faults: a disk that stays full ends the run by a second stop that nobody catches.
-TEST(Faults, FullDisk) {
-    for (const Subject& subject : Subjects())
-        FailCalls(subject, "write", "on", 12);
-}
-
-// Faults: a state of a file that the system doesn't tell ends a run that is complete by an uncaught exception.
-TEST(Faults, FailingStates) {
-    for (const Subject& subject : Subjects())
-        FailCalls(subject, "stat", "once", 30);
+    FailAll({{"write", "once", 30}, {"write", "on", 12}});
 }
 
 // Faults: memory that is missing while the arguments are read, in the run or while its end is reported: a crash.
 TEST(Faults, NoMemory) {
-    for (const Subject& subject : Subjects()) {
-        FailCalls(subject, "memory", "once", 50);
-        FailCalls(subject, "memory", "on", 8);
-    }
+    FailAll({{"memory", "once", 50}, {"memory", "on", 8}});
 }
 
-// Faults: a call of the solver without an answer, or an end of the process within it, taken for success.
+// Faults: a call of the solver without an answer, or an end of the process within it, taken for success; a wait without end
+// for address space that the process may not have.
 TEST(Faults, NoMemoryInTheSolver) {
     const Subject subject = Prepare("sparse", SmallDeckText("sparse"));
     FailCalls(subject, "solver", "once", 120, VerdictOnSolver);
-}
-
-// Faults: a wait without end for address space that the process may not have.
-TEST(Faults, LimitedAddressSpace) {
-    const Subject subject = Prepare("sparse", SmallDeckText("sparse"));
     for (int megabytes = 900; megabytes <= 1200; megabytes += 20) {
         const RunResult run = RunUnder({{"FAULTS_SPACE", std::to_string(megabytes)}}, subject);
         ASSERT_EQ(VerdictOnSolver(run, subject), "") << megabytes << run.errors;
