@@ -232,7 +232,8 @@ inline double SystemSum(const Run& run) {
     return sum;
 }
 
-// A block of nx * ny * nz bricks of 8 nodes with its corners moved by `place` from the unit spacing.
+// A block of nx * ny * nz bricks of 8 nodes with its corners moved by `place` from the unit spacing; with nz 0 of
+// quadrilaterals.
 template <class Place> Mesh BlockOfBricks(int nx, int ny, int nz, Place place) {
     Mesh mesh;
     for (int k = 0; k <= nz; ++k)
@@ -247,6 +248,10 @@ template <class Place> Mesh BlockOfBricks(int nx, int ny, int nz, Place place) {
                                          number(i, j, k + 1), number(i + 1, j, k + 1),
                                          number(i + 1, j + 1, k), number(i, j + 1, k), number(i, j, k),
                                          number(i + 1, j, k)});
+    for (int j = 0; nz == 0 && j < ny; ++j)
+        for (int i = 0; i < nx; ++i)
+            mesh.elements.push_back(
+                {number(i + 1, j + 1, 0), number(i, j + 1, 0), number(i, j, 0), number(i + 1, j, 0)});
     return mesh;
 }
 

@@ -46,38 +46,26 @@ std::string FibreCards(const GridDeck& grid) {
     return cards + Print("%10.4f\n%10.4f\n", grid.factors[0], grid.factors[1]);
 }
 
-std::string Quadrilaterals(const GridDeck& grid) {
-    std::string cards;
-    int number = 0;
-    for (std::size_t i = 0; i + 1 < grid.places[0].size(); ++i)
-        for (std::size_t j = 0; j + 1 < grid.places[1].size(); ++j) {
-            const Place centre = Centre(PlaceOf(grid, i, j, 0), PlaceOf(grid, i + 1, j + 1, 0));
-            cards += Print("%8d%8d%8d%8d%8d", ++number, NodeAt(grid, i + 1, j + 1, 0),
-                           NodeAt(grid, i, j + 1, 0), NodeAt(grid, i, j, 0), NodeAt(grid, i + 1, j, 0)) +
-                     Five({grid.material(centre), 0, 0, 0, 0, 0});
-        }
-    return Print("%5d%10d", 2, number) + Five({grid.axisymmetric, 0, 0, 0}) + Print("%5d     ", 1) +
-           Five({4, 0, 0, 2, 2, 0}) + cards;
-}
-
 std::string Elements(const GridDeck& grid) {
-    if (grid.places[2].size() == 1)
-        return Quadrilaterals(grid);
     static const std::size_t corner[8][3] = {{1, 1, 1}, {0, 1, 1}, {0, 0, 1}, {1, 0, 1},
                                              {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {1, 0, 0}};
+    const bool plane = grid.places[2].size() == 1;
+    const std::size_t layers = plane ? 1 : grid.places[2].size() - 1;
     std::string cards;
     int number = 0;
     for (std::size_t i = 0; i + 1 < grid.places[0].size(); ++i)
-        for (std::size_t k = 0; k + 1 < grid.places[2].size(); ++k)
+        for (std::size_t k = 0; k < layers; ++k)
             for (std::size_t j = 0; j + 1 < grid.places[1].size(); ++j) {
                 cards += Print("%8d", ++number);
-                for (const auto& c : corner)
-                    cards += Print("%8d", NodeAt(grid, i + c[0], j + c[1], k + c[2]));
-                const Place centre = Centre(PlaceOf(grid, i, j, k), PlaceOf(grid, i + 1, j + 1, k + 1));
-                cards += Print("%3d%3d%3d%3d%3d%3d\n", grid.material(centre), 0, 0, 0, 0, 0);
+                for (std::size_t c = 0; c < (plane ? 4 : 8); ++c)
+                    cards += Print("%8d", NodeAt(grid, i + corner[c][0], j + corner[c][1],
+                                                 plane ? 0 : k + corner[c][2]));
+                const int material = grid.material(
+                    Centre(PlaceOf(grid, i, j, k), PlaceOf(grid, i + 1, j + 1, plane ? 0 : k + 1)));
+                cards += plane ? Five({material, 0, 0, 0, 0, 0}) : Print("%3d  0  0  0  0  0\n", material);
             }
-    return Print("%5d%10d", 3, number) + Five({0, 0, 0, 0}) + Print("%5d     ", 1) +
-           Five({8, 0, 0, 2, 2, 2}) + cards;
+    return Print("%5d%10d", plane ? 2 : 3, number) + Five({grid.axisymmetric, 0, 0, 0}) +
+           Print("%5d     ", 1) + Five({plane ? 4 : 8, 0, 0, 2, 2, plane ? 0 : 2}) + cards;
 }
 
 std::string StartCards(const GridDeck& grid, int NP) {
