@@ -2,10 +2,7 @@
 #include "support/bar_deck.h"
 #include "support/run_deck.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <string>
 
 namespace zurt_test {
 namespace {
@@ -22,11 +19,8 @@ std::string ShortDeck(int NULAZ = 3, int NPRINT = 1, int IGRAF = 1) {
     return Build(bar);
 }
 
-// A folder with a short deck in a file of this name.
-std::string FolderWith(const std::string& deckName, const std::string& deck = ShortDeck()) {
-    const std::string folder = MakeTemporaryFolder();
-    WriteFile(folder + "/" + deckName, deck);
-    return folder;
+std::string ShortDeckIn(const std::string& name) {
+    return FolderWith(name, ShortDeck());
 }
 
 void ExpectRefused(const RunResult& run, const std::string& words) {
@@ -57,7 +51,7 @@ TEST(Dialogue, DefaultNamesFollowTheDeck) {
         {"deck.txt\r", "deck.txt", "deck.lst", "deck.unv"},
     };
     for (const NameCase& test : cases) {
-        const std::string folder = FolderWith(test.deck);
+        const std::string folder = ShortDeckIn(test.deck);
         const RunResult result = RunInFolder(folder, std::string(test.answer) + "\n\n\n");
         EXPECT_EQ(result.status, 0) << test.answer << result.errors;
         EXPECT_EQ(CountOf(result.errors, "up to 20 characters"),
@@ -73,45 +67,25 @@ TEST(Dialogue, DefaultNamesFollowTheDeck) {
 }
 
 // Faults: a file that exists replaced without asking or after another answer than D, d or ENTER; the name not asked
-// again; the question worded otherwise.
+// again; the question worded otherwise; the graphics file without a question of its own, or with the listing's default.
 TEST(Dialogue, OverwriteQuestion) {
-    const std::string question = "   FILE    zurt.lst ALREADY EXISTS\n\n"
-                                 "                 PRESS \"ENTER\" TO DELETE OR\n"
+    const std::string question = " ALREADY EXISTS\n\n                 PRESS \"ENTER\" TO DELETE OR\n"
                                  "                 KEY   \"N\"     TO BYPASS\n";
-    for (const char* answer : {"", "D", "d", "  ", "delete"}) {
-        const std::string folder = FolderWith("zurt.dat");
-        WriteFile(folder + "/zurt.lst", "precious\n");
-        const RunResult result = RunInFolder(folder, "\n\n" + std::string(answer) + "\n\n");
-        EXPECT_EQ(result.status, 0) << result.errors;
-        EXPECT_EQ(CountOf(result.console, question), 1);
-        EXPECT_EQ(CountOf(result.listing, "precious"), 0) << answer;
-        EXPECT_EQ(CountOf(result.listing, "VERSION  1.00"), 1) << answer;
-    }
-    for (const char* answer : {"N", "n", "x", "ND"}) {
-        const std::string folder = FolderWith("zurt.dat");
-        WriteFile(folder + "/zurt.lst", "precious\n");
-        const RunResult result =
-            RunInFolder(folder, "\n\n" + std::string(answer) + "\n\n" + answer + "\nother.lst\n\n");
-        EXPECT_EQ(result.status, 0) << result.errors;
-        EXPECT_EQ(CountOf(result.console, question), 2);
-        EXPECT_EQ(CountOf(result.console, "   OUTPUT FILE NAME   <zurt.lst>\n"), 3);
-        EXPECT_EQ(result.listing, "precious\n");
-        EXPECT_EQ(CountOf(ReadFile(folder + "/other.lst"), "VERSION  1.00"), 1);
-    }
-}
-
-// Faults: the graphics file without a question of its own, or with the listing's default.
-TEST(Dialogue, OverwriteQuestionForGraphics) {
-    const std::string folder = FolderWith("zurt.dat");
-    WriteFile(folder + "/zurt.unv", "precious\n");
-    const RunResult kept = RunInFolder(folder, "\n\n\nN\nmine\n");
-    EXPECT_EQ(kept.status, 0) << kept.errors;
-    EXPECT_EQ(CountOf(kept.console, "   FILE    zurt.unv ALREADY EXISTS\n"), 1);
-    EXPECT_EQ(kept.graphics, "precious\n");
-    EXPECT_EQ(CountOf(ReadFile(folder + "/mine"), "CVORNE KONCENTRACIJE"), 1);
-    const RunResult replaced = RunInFolder(folder, "\n\nD\n\nD\n");
-    EXPECT_EQ(replaced.status, 0) << replaced.errors;
-    EXPECT_EQ(CountOf(replaced.graphics, "precious"), 0);
+    for (const bool graphics : {false, true})
+        for (const std::string answer : {"", "D", "d", "  ", "delete", "N", "n", "x", "ND"}) {
+            SCOPED_TRACE(answer);
+            const bool kept = answer.find_first_of("Nnx") != std::string::npos;
+            const std::string name = graphics ? "zurt.unv" : "zurt.lst", folder = ShortDeckIn("zurt.dat");
+            WriteFile(folder + "/" + name, "precious\n");
+            const std::string ahead = graphics ? "\n\n\n" : "\n\n", again = "\n" + answer + "\nother\n\n";
+            const RunResult result = RunInFolder(folder, ahead + answer + "\n" + (kept ? again : "\n"));
+            EXPECT_EQ(result.status, 0) << result.errors;
+            EXPECT_EQ(CountOf(result.console, "   FILE    " + name + question), kept ? 2 : 1);
+            EXPECT_EQ(CountOf(result.console, " FILE NAME   <" + name + ">\n"), kept ? 3 : 1);
+            const std::string words = graphics ? "CVORNE KONCENTRACIJE" : "VERSION  1.00";
+            EXPECT_EQ(CountOf(ReadFile(folder + (kept ? "/other" : "/" + name)), words), 1);
+            EXPECT_EQ(CountOf(ReadFile(folder + "/" + name), "precious"), kept ? 1 : 0);
+        }
 }
 
 // Faults: names asked or the banner written again, files begun anew by the second problem; its card not read again as
@@ -127,8 +101,7 @@ TEST(Dialogue, SecondProblemAsksNothing) {
     bar.title = "Second of two";
     bar.end = "STOPPED\n";
     deck += Build(bar);
-    const RunResult result = RunDeck(deck);
-    EXPECT_EQ(result.status, 0) << result.errors;
+    const RunResult result = RunWell(deck);
     EXPECT_EQ(CountOf(result.console, " FILE NAME "), 3);
     EXPECT_EQ(CountOf(result.listing, "VERSION  1.00"), 1);
     EXPECT_EQ(CountOf(result.listing, "\n Second of two  "), 1);
@@ -156,8 +129,7 @@ TEST(Dialogue, CardBehindAProblem) {
     bar.title = "Second of two";
     bar.NULAZ = 1; // the deck is listed and put back in the midst of the second problem
     bar.end = "STOP\nno card of the deck\n";
-    const RunResult result = RunDeck(deck + Build(bar));
-    EXPECT_EQ(result.status, 0) << result.errors;
+    const RunResult result = RunWell(deck + Build(bar));
     EXPECT_EQ(CountOf(result.listing, "\n First of two  "), 1);
     EXPECT_EQ(CountOf(result.listing, "\n    1 First of two  "), 1);
     EXPECT_EQ(CountOf(result.listing, "\n Second of two  "), 1);
@@ -173,8 +145,8 @@ TEST(Dialogue, CardBehindAProblem) {
 // Faults: a listing opened or asked for when neither input nor results are to be printed, a failure for want of it;
 // none opened when one of the two is; echoes in spite of a negative NULAZ.
 TEST(Dialogue, RunsWithoutAListing) {
-    const RunResult none = RunDeck(ShortDeck(-1, -1));
-    EXPECT_EQ(none.status, 0) << none.errors;
+    const RunResult none = RunWell(ShortDeck(-1, -1)), results = RunWell(ShortDeck(-1, 1)),
+                    input = RunWell(ShortDeck(2, -1, -1));
     EXPECT_EQ(none.console.find("   INPUT FILE NAME   <zurt.dat>\n"
                                 " NO PRINTOUT INPUT DATA FOR PROBLEM UNDER TITLE \"Block of bricks" +
                                 std::string(78 - 15, ' ') +
@@ -183,13 +155,9 @@ TEST(Dialogue, RunsWithoutAListing) {
         << none.console;
     EXPECT_FALSE(fs::exists(none.folder + "/zurt.lst"));
     EXPECT_EQ(CountOf(none.graphics, "CVORNE KONCENTRACIJE"), 1);
-    const RunResult results = RunDeck(ShortDeck(-1, 1));
-    EXPECT_EQ(results.status, 0) << results.errors;
     EXPECT_EQ(CountOf(results.listing, "N O D A L    C O N C E N T R A T I O N S"), 1);
     EXPECT_EQ(CountOf(results.listing, "CARD NUMBER"), 0);
     EXPECT_EQ(CountOf(results.listing, "MTOT =120000000"), 1);
-    const RunResult input = RunDeck(ShortDeck(2, -1, -1));
-    EXPECT_EQ(input.status, 0) << input.errors;
     EXPECT_EQ(CountOf(input.listing, "C A R D   I M A G E"), 1);
     EXPECT_EQ(CountOf(input.listing, "CARD NUMBER"), 0);
     EXPECT_FALSE(fs::exists(input.folder + "/zurt.unv"));
@@ -197,22 +165,19 @@ TEST(Dialogue, RunsWithoutAListing) {
         EXPECT_EQ(CountOf(result.console + result.listing, "NO PRINTOUT RESULTS"), 0);
 }
 
-// Faults: an endless dialogue or a normal end where the console has no more answers.
-TEST(Dialogue, EndOfTheConsoleInput) {
-    const std::string taken = FolderWith("zurt.dat");
+// Faults: an endless dialogue or a normal end where the console has no more answers; a status of 0, a crash or silence for a
+// deck that is not there.
+TEST(Dialogue, EndOfTheConsoleInputAndMissingDecks) {
+    const std::string taken = ShortDeckIn("zurt.dat");
     WriteFile(taken + "/zurt.lst", "precious\n");
     for (const char* answers : {"", "\n", "zurt.dat\n\n", "\n\nN\n", "\nnew.lst\n"}) {
         const RunResult result = RunInFolder(taken, answers, 20);
         ExpectRefused(result, "zurt: error: the console input ended");
         EXPECT_EQ(result.listing, "precious\n") << answers;
     }
-    EXPECT_EQ(RunInFolder(FolderWith("zurt.dat"), "\n\nlast", 20).status, 0); // a line without its end
-}
-
-// Faults: a status of 0, a crash or silence for a deck that is not there.
-TEST(Dialogue, MissingDeck) {
+    EXPECT_EQ(RunInFolder(ShortDeckIn("zurt.dat"), "\n\nlast", 20).status, 0); // a line without its end
     ExpectRefused(RunInFolder(MakeTemporaryFolder(), "\n\n\n"), "zurt: error: can't open the deck zurt.dat");
-    ExpectRefused(RunInFolder(FolderWith("zurt.dat"), ".\n\n\n"), "zurt: error: can't read the deck .");
+    ExpectRefused(RunInFolder(ShortDeckIn("zurt.dat"), ".\n\n\n"), "zurt: error: can't read the deck .");
     ExpectRefused(RunDeck(""), "Title card: the deck ends here");
 }
 
@@ -220,49 +185,44 @@ TEST(Dialogue, MissingDeck) {
 // the deck, or the open listing.
 TEST(Dialogue, FilesThatCantBeWritten) {
     for (const char* name : {"zurt.lst", "zurt.unv", "MESSAGES.LST", "ZITEMP", "MASS-X.LST"}) {
-        const std::string folder = FolderWith("zurt.dat");
+        const std::string folder = ShortDeckIn("zurt.dat");
         fs::create_directory(folder + "/" + name);
-        const RunResult result = RunInFolder(folder, "\n\n\n\n\n");
-        ExpectRefused(result, name);
+        ExpectRefused(RunInFolder(folder, "\n\n\n\n\n"), name);
         EXPECT_TRUE(fs::is_directory(folder + "/" + name)) << name;
     }
-    ExpectRefused(RunInFolder(FolderWith("zurt.dat"), "\n/no/such/file.lst\n\n"),
+    ExpectRefused(RunInFolder(ShortDeckIn("zurt.dat"), "\n/no/such/file.lst\n\n"),
                   "zurt: error: can't open /no/such/file.lst");
     for (const auto& [answers, lost] :
          {std::pair{"\nzurt.dat\n\n\n", "deck"}, {"\nout\n./out\n\n", "listing"}}) {
-        const std::string folder = FolderWith("zurt.dat");
-        const RunResult same = RunInFolder(folder, answers);
-        EXPECT_EQ(same.status, 2);
-        EXPECT_TRUE(Contains(same.errors, std::string("it is the ") + lost)) << same.errors;
+        const std::string folder = ShortDeckIn("zurt.dat");
+        ExpectRefused(RunInFolder(folder, answers), std::string("it is the ") + lost);
         EXPECT_EQ(ReadFile(folder + "/zurt.dat"), ShortDeck());
     }
     for (const char* name :
          {"MESSAGES.LST", "MASS-X.LST", "MASS-Z.LST", "ZITEMP"}) { // fixed names, and links of them
-        const std::string named = FolderWith(name), linked = FolderWith("zurt.dat");
+        const std::string named = ShortDeckIn(name), linked = ShortDeckIn("zurt.dat");
         ExpectRefused(RunInFolder(named, std::string(name) + "\nout\nout2\n"), "it is the deck of this run");
         EXPECT_EQ(ReadFile(named + "/" + name), ShortDeck());
         fs::create_hard_link(linked + "/zurt.dat", linked + "/" + name);
         ExpectRefused(RunInFolder(linked, "\nout\nout2\n"), "it is the deck of this run");
         EXPECT_EQ(ReadFile(linked + "/zurt.dat"), ShortDeck());
-        const std::string folder = FolderWith("zurt.dat");
-        ExpectRefused(RunInFolder(folder, "\n" + std::string(name) + "\n\n"),
+        ExpectRefused(RunInFolder(ShortDeckIn("zurt.dat"), "\n" + std::string(name) + "\n\n"),
                       std::string("it is the file ") + name);
     }
-    const std::string discarding = FolderWith("zurt.dat");
+    const std::string discarding = ShortDeckIn("zurt.dat");
     fs::create_symlink("/dev/null", discarding + "/zurt.unv");
     EXPECT_EQ(RunInFolder(discarding, "\n\n\nD\n").status, 0);
     EXPECT_TRUE(fs::is_symlink(discarding + "/zurt.unv")) << "a device is no file to be deleted";
     for (const char* name : {"MESSAGES.LST", "MASS-X.LST"}) { // opened without a question
-        const std::string folder = FolderWith("zurt.dat");
+        const std::string folder = ShortDeckIn("zurt.dat");
         fs::create_symlink("/dev/full", folder + "/" + name);
-        const RunResult full = RunInFolder(folder, "\n\n\n");
-        ExpectRefused(full, std::string("zurt: error: can't write to ") + name);
+        ExpectRefused(RunInFolder(folder, "\n\n\n"), std::string("zurt: error: can't write to ") + name);
     }
 }
 
 // Faults: "ZITEMP" written or emptied, the scratch files left behind, old messages kept.
 TEST(Dialogue, FilesOfARun) {
-    const std::string folder = FolderWith("zurt.dat");
+    const std::string folder = ShortDeckIn("zurt.dat");
     WriteFile(folder + "/ZITEMP", "as it was");
     WriteFile(folder + "/MESSAGES.LST", "old\nmessages\n");
     const RunResult result = RunInFolder(folder, "\n\n\n");
