@@ -3,18 +3,12 @@
 #include "support/run_deck.h"
 #include "support/small_decks.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <set>
-#include <string>
 #include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace zurt_test {
 namespace {
@@ -22,13 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const std::string kGood = SmallDeckText("free");
-const std::string kResults = "Results: listing zurt.lst, UNV file zurt.unv, mass table MASS-X.LST\n";
-
-std::string FolderWith(const std::string& deckName, const std::string& deck = kGood) {
-    const std::string folder = MakeTemporaryFolder();
-    WriteFile(folder + "/" + deckName, deck);
-    return folder;
-}
 
 // Names of the files in a folder but those of the test itself.
 std::set<std::string> FilesIn(const std::string& folder) {
@@ -47,40 +34,47 @@ bool EndsWith(const std::string& text, const std::string& end) {
 struct OptionCase {
     std::vector<std::string> arguments;
     int status;
-    const char* consoleEnd; // "": nothing at all
-    const char* errors;     // a part of it; "": nothing at all
+    std::string console; // its end; "": nothing at all
+    std::string errors;  // a part of it; "": nothing at all
     std::set<std::string> newFiles;
 };
+
+// A good run with results of these names.
+OptionCase Good(const std::vector<std::string>& arguments, const std::string& listing = "zurt.lst",
+                const std::string& graphics = "zurt.unv") {
+    return {arguments,
+            0,
+            "Results: listing " + listing + ", UNV file " + graphics + ", mass table MASS-X.LST\n",
+            "",
+            {listing, graphics, "MASS-X.LST", "MESSAGES.LST", "ZITEMP"}};
+}
+
+OptionCase Silent(OptionCase good) {
+    good.console = "";
+    return good;
+}
+
+OptionCase Refused(const std::vector<std::string>& arguments, const std::string& errors) {
+    return {arguments, 2, "", errors, {}};
+}
 
 // Faults: options taken for decks or passed over, a fault of the arguments that starts a run, asks a question or ends as
 // success; more than a line about it; outputs elsewhere than told; silence that isn't; help on the wrong stream.
 TEST(CommandLine, OptionsAndEnds) {
-    const std::set<std::string> outputs = {"zurt.lst", "zurt.unv", "MASS-X.LST", "MESSAGES.LST", "ZITEMP"};
-    const std::set<std::string> ofPlate = {"Plate.LST", "Plate.UNV", "MASS-X.LST", "MESSAGES.LST", "ZITEMP"};
+    const std::string name = "a long name that the dialogue would cut", longDeck = "sub/" + name + ".v2.dat";
     const OptionCase cases[] = {
-        {{"zurt.dat"}, 0, kResults.c_str(), "", outputs},
-        {{"-q", "zurt.dat"}, 0, "", "", outputs},
-        {{"--quiet", "-f", "--words=2000", "./zurt.dat"}, 0, "", "", outputs},
-        {{"sub/a long name that the dialogue would cut.v2.dat"},
-         0,
-         "listing a long name that the dialogue would cut.lst, UNV file a long name that the dialogue would "
-         "cut.unv, "
-         "mass table MASS-X.LST\n",
-         "",
-         {"a long name that the dialogue would cut.lst", "a long name that the dialogue would cut.unv",
-          "MASS-X.LST", "MESSAGES.LST", "ZITEMP"}},
-        {{"sub/Plate"}, 0, "listing Plate.LST, UNV file Plate.UNV, mass table MASS-X.LST\n", "", ofPlate},
-        {{"--", "-x"},
-         0,
-         "listing -x.lst, UNV file -x.unv, mass table MASS-X.LST\n",
-         "",
-         {"-x.lst", "-x.unv", "MASS-X.LST", "MESSAGES.LST", "ZITEMP"}},
+        Good({"zurt.dat"}),
+        Good({"-"}),
+        Silent(Good({"-q", "zurt.dat"})),
+        Silent(Good({"--quiet", "-f", "--words=2000", "./zurt.dat"})),
+        Good({longDeck}, name + ".lst", name + ".unv"),
+        Good({"sub/Plate"}, "Plate.LST", "Plate.UNV"),
+        Good({"--", "-x"}, "-x.lst", "-x.unv"),
         {{"--output", "sub", "zurt.dat"},
          0,
          "Results: listing sub/zurt.lst, UNV file sub/zurt.unv, mass table sub/MASS-X.LST\n",
          "",
          {}},
-        {{"-"}, 0, kResults.c_str(), "", outputs},
         {{"--words", "100", "zurt.dat"},
          1,
          "Stopped; written so far: listing zurt.lst, UNV file zurt.unv\n",
@@ -88,34 +82,27 @@ TEST(CommandLine, OptionsAndEnds) {
          {"zurt.lst", "zurt.unv", "MESSAGES.LST", "ZITEMP"}},
         {{"--help"}, 0, "3 interrupted.\n", "", {}},
         {{"--version"}, 0, "zurt " ZURT_VERSION "\n", "", {}},
-        {{"missing.dat"},
-         2,
-         "",
-         "can't open the deck missing.dat: No such file or directory; see zurt --help",
-         {}},
-        {{"sub"}, 2, "", "can't read the deck sub: Is a directory", {}},
-        {{"zurt.dat", "sub/Plate"},
-         2,
-         "",
-         "one deck at a time, not zurt.dat and sub/Plate; see zurt --help",
-         {}},
-        {{"--quite", "zurt.dat"}, 2, "", "no such option: --quite; see zurt --help", {}},
-        {{"--quiet"}, 2, "", "no deck is named; see zurt --help", {}},
-        {{""}, 2, "", "no deck is named; see zurt --help", {}},
-        {{"--words", "many", "zurt.dat"}, 2, "", "a number is expected", {}},
-        {{"--words", "0", "zurt.dat"}, 2, "", "--words takes a count between 1 and", {}},
-        {{"--solver", "lu", "zurt.dat"}, 2, "", "--solver takes skyline, sparse or cg, not lu", {}},
-        {{"--tolerance", "1e-8", "zurt.dat"}, 2, "", "--tolerance belongs to --solver cg", {}},
-        {{"--solver", "cg", "--tolerance", "0", "zurt.dat"}, 2, "", "--tolerance takes a number", {}},
-        {{"zurt.dat", "--output"}, 2, "", "--output", {}},
-        {{"zurt.dat", "--output", ""}, 2, "", "--output needs the name of a folder", {}},
-        {{"zurt.dat", "--output", "zurt.dat"}, 2, "", "can't make the folder zurt.dat", {}},
+        Refused({"missing.dat"},
+                "can't open the deck missing.dat: No such file or directory; see zurt --help"),
+        Refused({"sub"}, "can't read the deck sub: Is a directory"),
+        Refused({"zurt.dat", "sub/Plate"}, "one deck at a time, not zurt.dat and sub/Plate; see zurt --help"),
+        Refused({"--quite", "zurt.dat"}, "no such option: --quite; see zurt --help"),
+        Refused({"--quiet"}, "no deck is named; see zurt --help"),
+        Refused({""}, "no deck is named; see zurt --help"),
+        Refused({"--words", "many", "zurt.dat"}, "a number is expected"),
+        Refused({"--words", "0", "zurt.dat"}, "--words takes a count between 1 and"),
+        Refused({"--solver", "lu", "zurt.dat"}, "--solver takes skyline, sparse or cg, not lu"),
+        Refused({"--tolerance", "1e-8", "zurt.dat"}, "--tolerance belongs to --solver cg"),
+        Refused({"--solver", "cg", "--tolerance", "0", "zurt.dat"}, "--tolerance takes a number"),
+        Refused({"zurt.dat", "--output"}, "--output"),
+        Refused({"zurt.dat", "--output", ""}, "--output needs the name of a folder"),
+        Refused({"zurt.dat", "--output", "zurt.dat"}, "can't make the folder zurt.dat"),
     };
     for (const OptionCase& test : cases) {
-        const std::string folder = FolderWith("zurt.dat");
+        const std::string folder = FolderWith("zurt.dat", kGood);
         fs::create_directory(folder + "/sub");
-        for (const char* name : {"/sub/a long name that the dialogue would cut.v2.dat", "/sub/Plate", "/-x"})
-            WriteFile(folder + name, kGood);
+        for (const std::string& deck : {longDeck, std::string("sub/Plate"), std::string("-x")})
+            WriteFile(folder + "/" + deck, kGood);
         std::set<std::string> expected = FilesIn(folder);
         expected.insert(test.newFiles.begin(), test.newFiles.end());
         const RunResult run = RunProgram(folder, {test.arguments, kGood});
@@ -123,10 +110,10 @@ TEST(CommandLine, OptionsAndEnds) {
         for (const std::string& argument : test.arguments)
             what += " " + argument;
         EXPECT_EQ(run.status, test.status) << what << run.errors;
-        EXPECT_TRUE(*test.consoleEnd == '\0' ? run.console.empty() : EndsWith(run.console, test.consoleEnd))
+        EXPECT_TRUE(EndsWith(run.console, test.console) && run.console.empty() == test.console.empty())
             << what << "\n"
             << run.console;
-        EXPECT_TRUE(*test.errors == '\0' ? run.errors.empty() : Contains(run.errors, test.errors))
+        EXPECT_TRUE(Contains(run.errors, test.errors) && run.errors.empty() == test.errors.empty())
             << what << run.errors;
         EXPECT_EQ(CountOf(run.errors, "\n"), test.status == 2 ? 1 : CountOf(run.errors, "\n")) << run.errors;
         EXPECT_EQ(FilesIn(folder), expected) << what;
@@ -156,7 +143,7 @@ TEST(CommandLine, OutputsAreThoseOfTheDialogue) {
 TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
     for (const char* name :
          {"zurt.lst", "zurt.unv", "MESSAGES.LST", "MASS-X.LST", "MASS-Y.LST", "MASS-Z.LST"}) {
-        const std::string folder = FolderWith("zurt.dat");
+        const std::string folder = FolderWith("zurt.dat", kGood);
         WriteFile(folder + "/" + name, "precious\n");
         const RunResult refused = RunProgram(folder, {{"zurt.dat"}, ""});
         EXPECT_EQ(refused.status, 2);
@@ -170,7 +157,7 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
                   std::string(name) == "MASS-Y.LST" || std::string(name) == "MASS-Z.LST");
     }
     for (const char* name : {"a.lst", "MESSAGES.LST", "MASS-X.LST"}) {
-        const std::string folder = FolderWith(name);
+        const std::string folder = FolderWith(name, kGood);
         const RunResult clash = RunProgram(folder, {{"--force", name}, ""});
         EXPECT_EQ(clash.status, 2) << name;
         EXPECT_TRUE(Contains(clash.errors, "it is the deck of this run")) << clash.errors;
@@ -184,7 +171,7 @@ TEST(CommandLine, RunsInOneFolderAreKeptApart) {
     for (const auto& [name, words] :
          {std::pair{"ZITEMP", "another run is writing to this folder (it holds ZITEMP)"},
           {"zurt.lst", "can't open zurt.lst for writing: another run is writing to it"}}) {
-        const std::string folder = FolderWith("zurt.dat");
+        const std::string folder = FolderWith("zurt.dat", kGood);
         WriteFile(folder + "/" + name, "of the first run");
         const int held = open((folder + "/" + name).c_str(), O_WRONLY | O_CLOEXEC);
         ASSERT_EQ(flock(held, LOCK_EX), 0);
@@ -195,7 +182,7 @@ TEST(CommandLine, RunsInOneFolderAreKeptApart) {
         EXPECT_TRUE(Contains(direct.errors, words)) << direct.errors;
         EXPECT_EQ(RunProgram(folder, {{"-f", "zurt.dat"}, ""}).status, 0) << "the lock ends with its run";
     }
-    const std::string folder = FolderWith("zurt.dat");
+    const std::string folder = FolderWith("zurt.dat", kGood);
     const RunResult nowhere = RunInFolder(folder, "zurt.dat\n/dev/null\n\n/dev/null\n\n", 60);
     EXPECT_EQ(nowhere.status, 0) << "a device is nobody's: " << nowhere.errors;
 }
