@@ -3,9 +3,6 @@
 #include "orderly_end.h"
 #include "support/orders.h"
 #include "support/plane_deck.h"
-#include "support/run_deck.h"
-
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <iterator>

@@ -1,16 +1,12 @@
 // Every example through the real binary, against the closed form that its README states.
 #include "support/run_deck.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
 #include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
 namespace {
 

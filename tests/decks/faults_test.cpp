@@ -3,8 +3,6 @@
 #include "support/run_deck.h"
 #include "support/small_decks.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -15,9 +13,7 @@
 #include <random>
 #include <set>
 #include <sstream>
-#include <string>
 #include <sys/resource.h>
-#include <vector>
 
 #ifdef ZURT_FAIL_PRELOAD
 

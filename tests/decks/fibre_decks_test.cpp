@@ -4,7 +4,6 @@
 // the tables of docs/verification.md.
 #include "support/bar_deck.h"
 #include "support/orders.h"
-#include "support/run_deck.h"
 
 #include <array>
 #include <set>

@@ -1,11 +1,8 @@
 // Decks that once ended without a word on what is wrong with them, by name.
 #include "support/run_deck.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <filesystem>
-#include <string>
 
 namespace zurt_test {
 namespace {

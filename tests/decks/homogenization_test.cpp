@@ -4,8 +4,6 @@
 #include "support/grid_deck.h"
 #include "support/run_deck.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 namespace zurt_test {

@@ -1,9 +1,6 @@
 // Whole runs with radial fibres: what leaves a fibre, where it goes, and that both forms say the same.
 #include "orderly_end.h"
 #include "support/bar_deck.h"
-#include "support/run_deck.h"
-
-#include <gtest/gtest.h>
 
 #include <numeric>
 

@@ -4,8 +4,6 @@
 #include "support/run_deck.h"
 #include "support/small_decks.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 namespace zurt_test {

@@ -1,7 +1,6 @@
 // Whole runs against closed forms: orders of convergence, the fixed-point iteration, one problem in many guises.
 #include "support/bar_deck.h"
 #include "support/orders.h"
-#include "support/run_deck.h"
 
 namespace {
 

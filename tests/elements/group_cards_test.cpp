@@ -3,7 +3,6 @@
 #include "elements/element_phases.h"
 #include "geometry/group_views.h"
 #include "run/partition.h"
-#include "support/expect_stop.h"
 #include "support/small_run.h"
 
 namespace zurt {

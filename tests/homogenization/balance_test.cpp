@@ -9,8 +9,6 @@
 #include "support/grid_deck.h"
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <filesystem>
 #include <numeric>

@@ -4,8 +4,6 @@
 #include "run/partition.h"
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 
 namespace zurt_test {

@@ -3,12 +3,7 @@
 #include "microscale/correction_table.h"
 #include "microscale/fibre_data.h"
 #include "microscale/fibre_models.h"
-#include "support/expect_stop.h"
 #include "support/small_run.h"
-
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace zurt {
 namespace {

@@ -5,11 +5,8 @@
 #include "../elements/form_model.h"
 #include "microscale/fibre_models.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace zurt {
 namespace {

@@ -6,8 +6,6 @@
 #include "support/small_run.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
-#include <string>
 
 namespace zurt {
 namespace {

@@ -199,19 +199,14 @@ void WriteMaterials(Writer& writer) {
     const BarDeck& bar = writer.bar;
     const int points = static_cast<int>(bar.diffusion.size());
     writer.Integers({0, 1, points, 0, 1, 1});
-    if (bar.fixedFormat)
-        writer.text +=
-            Print("%5d%5d%5d%10.1f%10.1f%10.1f%10.1f%10.1f%10.1f\n", 1, 0, 0, 1., 1., 1., 1., 1e6, -1e6);
-    else
-        writer.text += "1 0 0 1. 1. 1. 1. 1e6 -1e6\n";
+    writer.text += bar.fixedFormat ? Print("%5d%5d%5d%10.1f%10.1f%10.1f%10.1f%10.1f%10.1f\n", 1, 0, 0, 1., 1.,
+                                           1., 1., 1e6, -1e6)
+                                   : "1 0 0 1. 1. 1. 1. 1e6 -1e6\n";
     writer.Integers({1, points});
     for (const auto& [c, D] : bar.diffusion)
         writer.Reals({c, D}, 20, 10);
     writer.Integers({1, 1});
-    if (bar.fixedFormat)
-        writer.text += Print("%10.1f%10.4f\n", 0.0, bar.capacity);
-    else
-        writer.Reals({0.0, bar.capacity}, 0, 0);
+    writer.text += bar.fixedFormat ? "       0.0    1.0000\n" : "0 1 \n";
 }
 
 // As many groups as NPOC says, at least two; always taken by columns.
@@ -262,16 +257,11 @@ std::string Build(const BarDeck& bar) {
     const int NPER = static_cast<int>(bar.periods.size());
     const int NMATT = std::max(1, static_cast<int>(bar.groupFactors.size()));
     writer.Integers({NP, bar.groups + bar.moreGroupCount, NMATT, bar.steady ? 0 : 1, bar.steady ? 1 : NPER,
-                     bar.NPRINT, 0, bar.NULAZ, 0, bar.IGRAF, bar.IDIRECTD},
+                     bar.NPRINT, 0, bar.NULAZ, 0, bar.IGRAF, 0},
                     {10, 5});
-    if (bar.fixedFormat)
-        writer.text += Print("%5d%5d%5d%5d%10.2e%10.2e%5d%5d\n", bar.INTEB, 0, bar.IFORM, bar.MAXIT,
-                             bar.EPSTA, bar.EPSTR, bar.NJRAP, 0);
-    else
-        writer.text += Print("%d 0 %d %d %.17g %.17g %d 0\n", bar.INTEB, bar.IFORM, bar.MAXIT, bar.EPSTA,
-                             bar.EPSTR, bar.NJRAP);
-    writer.text += bar.fixedFormat ? Print("%5d%5d\n", bar.IREST, bar.NCZK)
-                                   : Print("%d %d 0 0. 0\n", bar.IREST, bar.NCZK);
+    writer.text += Print(bar.fixedFormat ? "%5d    0    0%5d%10.2e%10.2e%5d    0\n%5d    0\n"
+                                         : "%d 0 0 %d %.17g %.17g %d 0\n%d 0 0 0. 0\n",
+                         bar.INTEB, bar.MAXIT, bar.EPSTA, bar.EPSTR, bar.NJRAP, bar.IREST);
     if (!bar.steady) {
         std::vector<int> steps;
         std::vector<double> sizes;

@@ -54,14 +54,12 @@ struct BarDeck {
     std::vector<std::pair<int, double>>
         startRanges; // up to which node, start value; instead of the one value
     std::vector<std::pair<double, double>> diffusion = {{-1000.0, 1.0}, {1000.0, 1.0}};
-    double capacity = 1.0;
     bool source = false; // uniform volume source by time (IZIP 1)
     std::vector<std::pair<double, double>> sourceCurve = {{0.0, 1.0}};
-    int NPRINT = 1, NULAZ = 3, IGRAF = 1, IFORM = 0;
-    int IDIRECTD = 0;
+    int NPRINT = 1, NULAZ = 3, IGRAF = 1;
     int INTEB = 1, MAXIT = 30, NJRAP = 1;
     double EPSTA = 0.0, EPSTR = 1e-8;
-    int IREST = 1, NCZK = 0;
+    int IREST = 1;
     int groups = 1; // the block is cut along x into this many groups
     std::vector<double>
         groupFactors; // on the diffusion curve of each group, with NDS; empty: one material for all

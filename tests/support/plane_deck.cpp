@@ -14,23 +14,19 @@ void WriteFunction(std::ostringstream& out, int number, const Points& points) {
 }
 
 void WriteFunctions(std::ostringstream& out, const PlaneDeck& deck, const std::vector<Points>& environments) {
-    out << "0 " << (deck.flux.empty() ? 0 : 1) << ' ' << deck.flux.size() << ' '
-        << (deck.convection.empty() ? 0 : 1) << ' ' << deck.convection.size() << ' ' << environments.size()
-        << ' ' << (environments.empty() ? 0 : environments[0].size()) << ' ' << (deck.source.empty() ? 0 : 1)
-        << ' ' << deck.source.size() << ' ' << (deck.emissivity.empty() ? 0 : 1) << ' '
-        << deck.emissivity.size() << '\n';
-    if (!deck.source.empty())
-        WriteFunction(out, 1, deck.source);
-    if (!deck.flux.empty())
-        WriteFunction(out, 1, deck.flux);
-    for (std::size_t i = 0; i < environments.size(); ++i)
-        WriteFunction(out, static_cast<int>(i) + 1, environments[i]);
-    if (!deck.convection.empty())
-        WriteFunction(out, 1, deck.convection);
-    if (!deck.emissivity.empty()) {
-        WriteFunction(out, 1, deck.emissivity);
+    using Functions = std::vector<Points>;
+    const auto one = [](const Points& points) { return points.empty() ? Functions{} : Functions{points}; };
+    const Functions source = one(deck.source), flux = one(deck.flux), convection = one(deck.convection),
+                    emissivity = one(deck.emissivity);
+    out << '0';
+    for (const Functions& functions : {flux, convection, environments, source, emissivity})
+        out << ' ' << functions.size() << ' ' << (functions.empty() ? 0 : functions[0].size());
+    out << '\n';
+    for (const Functions& functions : {source, flux, environments, convection, emissivity})
+        for (std::size_t i = 0; i < functions.size(); ++i)
+            WriteFunction(out, static_cast<int>(i) + 1, functions[i]);
+    if (!emissivity.empty())
         out << "5.67E-8 0\n";
-    }
 }
 
 void WriteGroup(std::ostringstream& out, const PlaneGroup& group) {

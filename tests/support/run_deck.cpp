@@ -1,7 +1,5 @@
 #include "support/run_deck.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>

@@ -2,6 +2,8 @@
 // that it wrote.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 

@@ -5,10 +5,7 @@
 #include "timeint/step_file.h"
 
 #include <cstdio>
-#include <gtest/gtest.h>
-#include <string>
 #include <tuple>
-#include <vector>
 
 namespace zurt {
 namespace {

@@ -3,9 +3,6 @@
 #include "support/run_deck.h"
 
 #include <cstdlib>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace zurt_test {
 namespace {
