@@ -9,43 +9,6 @@
 namespace zurt_test {
 namespace {
 
-const double kPi = std::acos(-1.0);
-
-/// A channel 0 < x < cells of square cells between two reservoirs of the same cross-section, the left one at 1, the rest
-/// at 0. Each cell has a cylinder along z in its middle.
-struct Channel {
-    int cells = 2;
-    std::size_t mesh = 8;
-    double fraction = 0.2;                     // of the cylinders; 0: fibres too thin for any point
-    double reservoir = 40.0, DReservoir = 1e3; // length and coefficient of one
-    double step = 4.0;
-};
-
-double Diameter(double fraction) {
-    return fraction > 0.0 ? 2.0 * std::sqrt(fraction / kPi) : 1e-5;
-}
-
-GridDeck Deck(const Channel& channel) {
-    const double length = channel.cells, width = 1.0 / static_cast<double>(channel.mesh);
-    GridDeck grid;
-    grid.places = {std::vector<double>{-channel.reservoir, -channel.reservoir / 2}, {}, {0.0, width}};
-    for (std::size_t i = 0; i <= channel.mesh * static_cast<std::size_t>(channel.cells); ++i)
-        grid.places[0].push_back(static_cast<double>(i) * width);
-    for (std::size_t j = 0; j <= channel.mesh; ++j)
-        grid.places[1].push_back(static_cast<double>(j) * width);
-    for (const double part : {0.5, 1.0})
-        grid.places[0].push_back(length + part * channel.reservoir);
-    grid.box = {length, 1.0, width};
-    for (int cell = 0; cell < channel.cells; ++cell)
-        grid.cylinders.push_back(
-            {{cell + 0.5, 0.5, 0.0}, {cell + 0.5, 0.5, width}, Diameter(channel.fraction)});
-    grid.D = {channel.DReservoir, 1.0};
-    grid.material = [length](const Place& at) { return at[0] < 0.0 || at[0] > length ? 1 : 2; };
-    grid.startsFull = [](const Place& at) { return at[0] <= 0.0; };
-    grid.size = channel.step;
-    return grid;
-}
-
 /// Reservoirs and steps so large that the channel passes on what it takes, but for half a percent.
 Channel Slow() {
     return {2, 8, 0.2, 400.0, 1e5, 40.0};

@@ -172,17 +172,18 @@ void Save(StepFile& steps, std::int32_t KOR, std::int32_t NCZK) {
 
 // The steps that stand on the file, read back record by record; -1 where a record is damaged.
 std::vector<int> StepsOn(StepFile& steps) {
+    struct {
+        std::int64_t length;
+        double time, values[2];
+        std::int64_t again;
+    } record;
     std::vector<int> found;
     const long place = std::ftell(steps.file);
     std::rewind(steps.file);
-    std::int64_t length = 0;
-    while (std::fread(&length, sizeof length, 1, steps.file) == 1) {
-        double items[3] = {};
-        std::int64_t again = 0;
-        const bool good = length == 24 && std::fread(items, sizeof items, 1, steps.file) == 1 &&
-                          std::fread(&again, sizeof again, 1, steps.file) == 1 && again == length &&
-                          items[0] == 0.5 * items[1] && items[2] == -items[1];
-        found.push_back(good ? static_cast<int>(items[1]) : -1);
+    while (std::fread(&record, 1, sizeof record, steps.file) > 0) {
+        const bool good = record.length == 24 && record.again == 24 &&
+                          record.time == 0.5 * record.values[0] && record.values[1] == -record.values[0];
+        found.push_back(good ? static_cast<int>(record.values[0]) : -1);
     }
     std::fseek(steps.file, place, SEEK_SET);
     return found;
