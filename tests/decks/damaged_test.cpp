@@ -14,23 +14,27 @@ namespace {
 
 using namespace zurt_test;
 
+constexpr std::size_t kAll = 99; // no item: all that stands there
+
 struct Fault {
-    const char* deck; // a small deck
-    const char* good; // stands once in it
-    const char* bad;  // what stands there instead
-    int status;
-    const char* words; // on the listing for status 0, else on standard error
+    const char* deck;  // a small deck
+    const char* good;  // stands once in it
+    std::size_t item;  // of that, from 0
+    const char* bad;   // what stands there instead
+    std::string words; // on the listing for status 0, else on standard error
+    int status = 2;
 };
 
 std::string Damaged(const Fault& fault) {
-    const std::string deck = SmallDeckText(fault.deck);
-    EXPECT_EQ(CountOf(deck, fault.good), 1) << fault.deck << ": " << fault.good;
-    return Replaced(deck, fault.good, fault.bad);
+    const std::string deck = SmallDeckText(fault.deck), good = fault.good;
+    EXPECT_EQ(CountOf(deck, good), 1) << fault.deck << ": " << good;
+    return Replaced(deck, good,
+                    fault.item == kAll ? fault.bad : WithItem(good, ItemsOf(good).at(fault.item), fault.bad));
 }
 
 void ExpectFault(const Fault& fault) {
     const RunResult run = RunDeck(Damaged(fault), kSecondsToEnd);
-    const std::string what = std::string(fault.deck) + ": " + fault.bad;
+    const std::string what = std::string(fault.deck) + ": " + fault.good + fault.bad;
     ExpectOrderlyEnd(run, what);
     EXPECT_EQ(run.status, fault.status) << what << "\n" << run.errors;
     const std::string& report = fault.status == 0 ? run.listing : run.errors;
@@ -104,7 +108,7 @@ TEST(Damaged, DecksCutAnywhere) {
 // The echo of the cards ahead of the bad one is there, and the bad card's is not.
 TEST(Damaged, ListingHoldsWhatWasReadBefore) {
     const RunResult run =
-        RunDeck(Damaged({"free", "6 0 0.33333333333333331 ", "6 0 0.3e333 ", 2, ""}), kSecondsToEnd);
+        RunDeck(Damaged({"free", "6 0 0.33333333333333331 ", 2, "0.3e333", ""}), kSecondsToEnd);
     EXPECT_EQ(run.status, 2);
     EXPECT_TRUE(
         Contains(run.errors, "deck zurt.dat, line 13, Node card, field X: \"0.3e333\": a finite number"))
@@ -163,32 +167,30 @@ TEST(Damaged, Counts) {
     constexpr const char* kBasic = "16 1 1 1 2 1 0 3 0 1 0 ";
     constexpr const char* kMaterials = "0 1 2 0 1 1 ";
     constexpr const char* kBoundary = "1 0 0 0 0 0 0 1 3 0 0 ";
-    constexpr const char* kNegative = "a negative count has no meaning here";
+    constexpr const char* kCurves = "    2    0    0    0    0    0\n";
     ExpectFaults({
-        {"free", kBasic, "2000000000 1 1 1 2 1 0 3 0 1 0 ", 0, kOverflow},
-        {"free", kBasic, "17 1 1 1 2 1 0 3 0 1 0 ", 2, "line 24, Node card, field N: \"0\""},
-        {"free", kBasic, "16 1 -1 1 2 1 0 3 0 1 0 ", 2, "field NMATT: \"-1\""},
-        {"free", kBasic, "16 1 1 1 -2 1 0 3 0 1 0 ", 2, "field NPER: \"-2\""},
-        {"free", kBasic, "16 -1 1 1 2 1 0 3 0 1 0 ", 2, "field NGET: \"-1\": a negative count"},
-        {"free", "2 1 \n", "2147483646 1 \n", 0,
-         " REQUIRED DIMENSION, LMAX =2147483652\n AVAILABLE DIMENSION, NTOTA= 120000000\n"},
-        {"free", "2 1 \n", "2000000000 2000000000\n", 2, "the periods have more steps than can be counted"},
-        {"free", "1 0 0 0. 0\n", "1 0 0 0. -1\n", 2, "field PotentialFunctionSize: \"-1\""},
-        {"free", "3 3 0 0 0 0 ", "3 -3 0 0 0 0 ", 2, "Element group card, field NET: \"-3\""},
-        {"free", kMaterials, "0 2000000000 2000000000 0 1 2000000000 ", 0, kOverflow},
-        {"free", kMaterials, "0 -1 2 0 1 1 ", 2, kNegative},
-        {"sources", kBoundary, "1 0 0 0 0 0 0 2000000000 2000000000 0 0 ", 0, kOverflow},
-        {"sources", kBoundary, "1 0 0 0 0 0 0 1 -3 0 0 ", 2, "field MAXTQE: \"-3\""},
-        {"sources", kBoundary, "2000000000 0 0 0 0 0 0 1 3 0 0 ", 2, "Initial value "},
-        {"device", "    2    0    0    0    0    0\n", "99999    0    0    0    0    0\n", 0, "END OF JOB"},
-        {"device", "    2    0    0    0    0    0\n", "   -2    0    0    0    0    0\n", 2,
-         "field MAXPMAT"},
-        {"device lists", "    2    0    0    0    0    0    0    2    2    0    0\n",
-         "99999    0    0    0    0    0    0    2    2    0    0\n", 2, "Initial value group"},
-        {"device lists", "    6    1   10\n", "    6    1   17\n", 2,
-         "Initial value range, field N2: \"17\""},
-        {"device lists", "    1    2    3    4    5    0\n", "    1    2   -3    4    5    0\n", 2,
-         "field NODE: \"-3\""},
+        {"free", kBasic, 0, "2000000000", kOverflow, 0},
+        {"free", kBasic, 0, "17", "line 24, Node card, field N: \"0\""},
+        {"free", kBasic, 2, "-1", "field NMATT: \"-1\""},
+        {"free", kBasic, 4, "-2", "field NPER: \"-2\""},
+        {"free", kBasic, 1, "-1", "field NGET: \"-1\": a negative count"},
+        {"free", "2 1 \n", 0, "2147483646",
+         " REQUIRED DIMENSION, LMAX =2147483652\n AVAILABLE DIMENSION, NTOTA= 120000000\n", 0},
+        {"free", "2 1 \n", kAll, "2000000000 2000000000\n",
+         "the periods have more steps than can be counted"},
+        {"free", "1 0 0 0. 0\n", 4, "-1", "field PotentialFunctionSize: \"-1\""},
+        {"free", "3 3 0 0 0 0 ", 1, "-3", "Element group card, field NET: \"-3\""},
+        {"free", kMaterials, kAll, "0 2000000000 2000000000 0 1 2000000000 ", kOverflow, 0},
+        {"free", kMaterials, 1, "-1", "a negative count has no meaning here"},
+        {"sources", kBoundary, kAll, "1 0 0 0 0 0 0 2000000000 2000000000 0 0 ", kOverflow, 0},
+        {"sources", kBoundary, 8, "-3", "field MAXTQE: \"-3\""},
+        {"sources", kBoundary, 0, "2000000000", "Initial value "},
+        {"device", kCurves, kAll, "99999    0    0    0    0    0\n", "END OF JOB", 0},
+        {"device", kCurves, 0, "-2", "field MAXPMAT"},
+        {"device lists", "    2    0    0    0    0    0    0    2    2    0    0\n", kAll,
+         "99999    0    0    0    0    0    0    2    2    0    0\n", "Initial value group"},
+        {"device lists", "    6    1   10\n", 2, "17", "Initial value range, field N2: \"17\""},
+        {"device lists", "    1    2    3    4    5    0\n", 2, "-3", "field NODE: \"-3\""},
     });
 }
 
@@ -196,41 +198,37 @@ TEST(Damaged, Counts) {
 
 TEST(Damaged, NodesAndElements) {
     constexpr const char* kElement = "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ";
+    constexpr const char* kMiddles = "29 25 21 26 10 6 2 7 18 17 14 15 0 ";
     ExpectFaults({
-        {"free", "16 1 1 0.3", "17 1 1 0.3", 2,
+        {"free", "16 1 1 0.3", 0, "17",
          "line 23, Node card, field N: \"17\": the number must lie between 1 and 16"},
-        {"free", "16 1 1 0.3", "0 1 1 0.3", 2, "line 23, Node card, field N: \"0\""},
-        {"free", "15 0 0.66666666666666663 0.33333333333333331 0.33333333333333331 0.0 0",
-         "15 0 0.66666666666666663 0.33333333333333331 0.33333333333333331 0.0 -2000000000", 2, "Node card"},
-        {"free", kElement, "1 14 13 9 10 6 5 1 0 0 0 1 2 0 0 ", 2,
-         "3D element card, field node 8: \"0\": element 1"},
-        {"free", kElement, "1 17 13 9 10 6 5 1 2 0 0 1 2 0 0 ", 2, "field node 1: \"17\""},
-        {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 2 2 0 0 ", 2,
-         "field node 1: \"18\": element 3, generated from the card of element 1"},
-        {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 -1 2 0 0 ", 2, "field node 7: \"0\": element 2"},
-        {"free", kElement, "1 14 13 9 10 6 5 1 2 0 0 2147483647 2 0 0 ", 2, "\"2147483661\""},
-        {"free", kElement, "0 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ", 2, "field NN: \"0\""},
-        {"free", "16 1 1 1 2 1 0 3 0 1 0 ", "16 1 1 1 2 1 0 3 3 1 0 ", 0,
-         " ELEMENT....................       1\n ELEMENT....................       2\n"},
-        {"free", "1 1 8 0 0 0 0 0 ", "1 1 8 0 0 0 6 0 ", 2, "3D group card, field NGAUSY: \"6\""},
-        {"fixed", "       2      15      14", "       1      15      14", 2,
-         "element group 1: element 2 has no card"},
-        {"steady free", "29 25 21 26 10 6 2 7 18 17 14 15 0 ", "29 25 21 26 10 6 2 7 18 17 14 33 0 ", 2,
-         "3D mid-side node card, field node 20: \"33\""},
-        {"steady free", "29 25 21 26 10 6 2 7 18 17 14 15 0 ", "29 25 21 26 10 6 2 7 18 17 14 15 -1 ", 2,
-         "field node 21: \"-1\""},
-        {"device", "       2  0  1  1  2  0  0", "       2 -1  1  1  2  0  0", 2, "field MAT: \"-1\""},
-        {"device", "    1         8    0    0    0    0    0", "   -1         8    0    0    0    0    0", 2,
+        {"free", "16 1 1 0.3", 0, "0", "line 23, Node card, field N: \"0\""},
+        {"free", "15 0 0.66666666666666663 0.33333333333333331 0.33333333333333331 0.0 0", 6, "-2000000000",
+         "Node card"},
+        {"free", kElement, 8, "0", "3D element card, field node 8: \"0\": element 1"},
+        {"free", kElement, 1, "17", "field node 1: \"17\""},
+        {"free", kElement, 11, "2", "field node 1: \"18\": element 3, generated from the card of element 1"},
+        {"free", kElement, 11, "-1", "field node 7: \"0\": element 2"},
+        {"free", kElement, 11, "2147483647", "\"2147483661\""},
+        {"free", kElement, 0, "0", "field NN: \"0\""},
+        {"free", "16 1 1 1 2 1 0 3 0 1 0 ", 8, "3",
+         " ELEMENT....................       1\n ELEMENT....................       2\n", 0},
+        {"free", "1 1 8 0 0 0 0 0 ", 6, "6", "3D group card, field NGAUSY: \"6\""},
+        {"fixed", "       2      15      14", 0, "1", "element group 1: element 2 has no card"},
+        {"steady free", kMiddles, 11, "33", "3D mid-side node card, field node 20: \"33\""},
+        {"steady free", kMiddles, 12, "-1", "field node 21: \"-1\""},
+        {"device", "       2  0  1  1  2  0  0", 1, "-1", "field MAT: \"-1\""},
+        {"device", "    1         8    0    0    0    0    0", 0, "-1",
          "3D group card, field MAT3DD: \"-1\""},
-        {"fibres", "       2  0  0  1  2  0  0",
+        {"fibres", "       2  0  0  1  2  0  0", kAll,
          "       2  0  0  1  1  0  0\n       2      15      14      10      11       7       6       2       "
          "3",
-         2, "element group 1: element 3 has no card"},
+         "element group 1: element 3 has no card"},
     });
 }
 
 TEST(Damaged, GroupWithoutElements) {
-    const std::string deck = Damaged({"free", "3 3 0 0 0 0 ", "3 0 0 0 0 0 ", 0, ""});
+    const std::string deck = Damaged({"free", "3 3 0 0 0 0 ", 1, "0", ""});
     const RunResult run = RunWell(Replaced(deck, "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 \n", ""));
     EXPECT_TRUE(Contains(run.listing, "PIVOT NIJE POZITIVAN ZA JEDNACINU BR.   1"));
 }
@@ -243,54 +241,46 @@ TEST(Damaged, Materials) {
         "0 1 2 0 1 1 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n1 1 \n0 1 \n";
     constexpr const char* kFirst = "1 2 3 1. 1.";
     ExpectFaults({
-        {"built-in", kFirst, "4 2 3 1. 1.", 2, "Material card, field NFUN: \"4\": there is no such function"},
-        {"built-in", kFirst, "-1 2 3 1. 1.", 2, "field NFUN: \"-1\""},
-        {"built-in", kFirst, "0 2 3 1. 1.", 2, "material 1 has no conduction function for its first axis"},
-        {"built-in", kHeader, "1 3 0 1 1 2\n", 0, "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  0"},
-        {"built-in", kHeader, "1 2 2 1 1 2\n", 2, "field NFUN: \"3\""},
-        {"built-in", kHeader, "1 3 2 1 2 2\n", 2, "Specific heat curve header, field N: \"0\""},
-        {"built-in", "3 1\n0. 3.", "4 1\n0. 3.", 2, "Conduction function header, field N: \"4\""},
-        {"built-in", "3 1\n0. 3.", "3 -1\n0. 3.", 2, "field P: \"-1\""},
-        {"built-in", "2 2\n-9. 2.\n9. 2.\n3", "2 2\n-9. 2.\n.5 2.\n3", 0,
-         "DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    2"},
-        {"built-in", "2 2\n-9. 2.\n9. 2.\n0", "3 2\n-9. 2.\n9. 2.\n0", 2,
-         "Specific heat curve header, field N: \"3\""},
-        {"built-in", "16 1 2 1 2 1 1 3", "16 1 2 -1 2 1 1 3", 2, "a negative NSTAC leaves no room for them"},
-        {"free", kPlain, "0 1 2 0 0 0 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n", 2,
+        {"built-in", kFirst, 0, "4", "Material card, field NFUN: \"4\": there is no such function"},
+        {"built-in", kFirst, 0, "-1", "field NFUN: \"-1\""},
+        {"built-in", kFirst, 0, "0", "material 1 has no conduction function for its first axis"},
+        {"built-in", kHeader, 2, "0", "MAXIMAL NUMBER POINTS ON CURVE , MAXTK =  0", 0},
+        {"built-in", kHeader, 1, "2", "field NFUN: \"3\""},
+        {"built-in", kHeader, 4, "2", "Specific heat curve header, field N: \"0\""},
+        {"built-in", "3 1\n0. 3.", 0, "4", "Conduction function header, field N: \"4\""},
+        {"built-in", "3 1\n0. 3.", kAll, "3 -1\n0. 3.", "field P: \"-1\""},
+        {"built-in", "9. 2.\n3", 0, ".5", "DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    2", 0},
+        {"built-in", "2 2\n-9. 2.\n9. 2.\n0", 0, "3", "Specific heat curve header, field N: \"3\""},
+        {"built-in", "16 1 2 1 2 1 1 3", 3, "-1", "a negative NSTAC leaves no room for them"},
+        {"free", kPlain, kAll, "0 1 2 0 0 0 \n1 0 0 1. 1. 1. 1. 1e6 -1e6\n1 2 \n-1000 1 \n1000 1 \n",
          "material 1 has no capacity curve"},
-        {"device", "    1    2\n   -1.0", "    2    2\n   -1.0", 2, "Diffusion curve header, field N: \"2\""},
-        {"device", "    1    2\n   -1.0", "    1    3\n   -1.0", 2, "MAXPMAT = 2 points a curve"},
-        {"device", "    1    2\n   -1.0", "   -1    2\n   -1.0", 2, "field N: \"-1\""},
-        {"device", "    1.0000000000e+03    1.0000000000e+00\n", "    0.5000000000e+00    1.0000000000e+00\n",
-         0,
+        {"device", "    1    2\n   -1.0", 0, "2", "Diffusion curve header, field N: \"2\""},
+        {"device", "    1    2\n   -1.0", kAll, "    1    3\n   -1.0", "MAXPMAT = 2 points a curve"},
+        {"device", "    1    2\n   -1.0", 0, "-1", "field N: \"-1\""},
+        {"device", "    1.0000000000e+03    1.0000000000e+00\n", 0, "0.5000000000e+00",
          " CURVE ARGUMENT IS OUT OF RANGE\n DIFFUSION COEFICIENT - CONCENTRATION,  NO. =    1\n"
          " CONCENTRARION,  CONC =  7.8868E-01\n S T O P\n  CHECK: INPUT DATA FOR DIFFUSION COEFFICIENT\n"
-         " AND BOUNDARY CONDITIONS FOR INLET AND OUTLET RESERVOIRS\n"},
+         " AND BOUNDARY CONDITIONS FOR INLET AND OUTLET RESERVOIRS\n",
+         0},
     });
 }
 
-TEST(Damaged, Functions) {
+TEST(Damaged, FunctionsAndSurfaces) {
     constexpr const char* kCurve = "1 3 \n0 1 \n";
-    ExpectFaults({
-        {"sources", kCurve, "2 3 \n0 1 \n", 2, "Function header card, field F: \"2\""},
-        {"sources", kCurve, "1 0 \n0 1 \n", 2, "a function needs at least one point"},
-        {"sources", "1 14 13 9 10 6 5 1 2 0 1 ", "1 14 13 9 10 6 5 1 2 0 2 ", 2,
-         "element group 1: element 1 asks for source curve 2, but there are 1"},
-        {"device lists", "    2    1\n       9.0", "    3    1\n       9.0", 2,
-         "Function header card, field F: \"3\""},
-    });
-}
-
-TEST(Damaged, Surfaces) {
     constexpr const char* kSide = "1 4 1 1 1 1 1 0\n";
     ExpectFaults({
-        {"quadrilaterals", "\n2 3 6 0 0 0 0 0\n", "\n3 3 6 0 0 0 0 0\n", 2,
+        {"sources", kCurve, 0, "2", "Function header card, field F: \"2\""},
+        {"sources", kCurve, 1, "0", "a function needs at least one point"},
+        {"sources", "1 14 13 9 10 6 5 1 2 0 1 ", 10, "2",
+         "element group 1: element 1 asks for source curve 2, but there are 1"},
+        {"device lists", "    2    1\n       9.0", 0, "3", "Function header card, field F: \"3\""},
+        {"quadrilaterals", "\n2 3 6 0 0 0 0 0\n", kAll, "\n3 3 6 0 0 0 0 0\n",
          "2D surface card, field NE: \"3\""},
-        {"quadrilaterals", kSide, "1 4 1 2 1 1 1 0\n", 2, "field FLUX: \"2\""},
-        {"quadrilaterals", kSide, "1 4 1 1 2 1 1 0\n", 2, "field CONV: \"2\""},
-        {"quadrilaterals", kSide, "1 4 1 1 1 2 1 0\n", 2, "field ENVI: \"2\""},
-        {"quadrilaterals", kSide, "1 4 1 1 1 1 2 0\n", 2, "field EMIS: \"2\""},
-        {"quadrilaterals", kSide, "1 4 1 1 1 1 1 77\n", 0, "END OF JOB"}, // no term reads the last one
+        {"quadrilaterals", kSide, 3, "2", "field FLUX: \"2\""},
+        {"quadrilaterals", kSide, 4, "2", "field CONV: \"2\""},
+        {"quadrilaterals", kSide, 5, "2", "field ENVI: \"2\""},
+        {"quadrilaterals", kSide, 6, "2", "field EMIS: \"2\""},
+        {"quadrilaterals", kSide, 7, "77", "END OF JOB", 0}, // no term reads the last one
     });
 }
 
@@ -335,7 +325,7 @@ TEST(Damaged, Rubbish) {
 // Faults: a read that waits for a card which no read consumes; the fields of the problem before taken for indices.
 TEST(Damaged, UnknownFormatIndicator) {
     for (const char* format : {"3 0 0 0\n", "-1 1 0 0\n", "2000000000 3 1 2\n"}) {
-        RunResult run = RunDeck(Damaged({"free", "1 0 0 0\n", format, 0, ""}), kSecondsToEnd);
+        RunResult run = RunDeck(Damaged({"free", "1 0 0 0\n", kAll, format, ""}), kSecondsToEnd);
         ExpectOrderlyEnd(run, format);
         const std::string head = "Second block\n";
         run = RunDeck(Replaced(SmallDeckText("two free"), head + "1 0 0 0\n", head + format), kSecondsToEnd);
@@ -348,10 +338,8 @@ TEST(Damaged, UnknownFormatIndicator) {
 // --- problems -----------------------------------------------------------------------------------------------------
 
 TEST(Damaged, ExecutionIndicator) {
-    constexpr const char* kExecution = "1 0 0 0. 0\n";
-    ExpectFaults({{"free", kExecution, "-5 0 2000000000 1e300 0\n", 0, "END OF JOB"},
-                  {"free", kExecution, "1 -3 0 0. 0\n", 0, "END OF JOB"},
-                  {"free", kExecution, "1 2000000000 0 0. 2000000000\n", 0, "END OF JOB"}});
+    for (const char* card : {"-5 0 2000000000 1e300 0\n", "1 -3 0 0. 0\n", "1 2000000000 0 0. 2000000000\n"})
+        ExpectFaults({{"free", "1 0 0 0. 0\n", kAll, card, "END OF JOB", 0}});
 }
 
 // Faults: results of a good problem lost with the bad one behind it; a report without the line in the whole deck.
