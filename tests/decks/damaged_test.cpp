@@ -52,8 +52,6 @@ template <std::size_t N> void ExpectFaults(const Fault (&faults)[N]) {
 
 constexpr const char* kOverflow = "UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA";
 
-// --- files --------------------------------------------------------------------------------------------------------
-
 // Faults: memory without end for a deck that has none.
 TEST(Damaged, DevicesAreNoDecks) {
     for (const char* name : {"/dev/zero", "/proc/self/mem"}) {
@@ -63,8 +61,6 @@ TEST(Damaged, DevicesAreNoDecks) {
     }
     ExpectLittleMemory();
 }
-
-// --- the end of the deck ------------------------------------------------------------------------------------------
 
 constexpr std::size_t kStride = kSanitized ? 5 : 1;
 
@@ -119,8 +115,6 @@ TEST(Damaged, ListingHoldsWhatWasReadBefore) {
     EXPECT_FALSE(Contains(run.listing, "\n                    6 "));
 }
 
-// --- fields -------------------------------------------------------------------------------------------------------
-
 /// Calls for every item of the deck but those of the title, of the last line and of most lines that follow others like
 /// them (node cards); sanitized runs, which take long, for some of them.
 template <class Action> void ForEachItem(const std::vector<std::string>& lines, const Action& action) {
@@ -161,8 +155,6 @@ TEST(Damaged, LettersAndHugeNumbersInAnyField) {
     ExpectLittleMemory();
 }
 
-// --- counts -------------------------------------------------------------------------------------------------------
-
 TEST(Damaged, Counts) {
     constexpr const char* kBasic = "16 1 1 1 2 1 0 3 0 1 0 ";
     constexpr const char* kMaterials = "0 1 2 0 1 1 ";
@@ -193,8 +185,6 @@ TEST(Damaged, Counts) {
         {"device lists", "    1    2    3    4    5    0\n", 2, "-3", "field NODE: \"-3\""},
     });
 }
-
-// --- nodes and elements -------------------------------------------------------------------------------------------
 
 TEST(Damaged, NodesAndElements) {
     constexpr const char* kElement = "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 ";
@@ -232,8 +222,6 @@ TEST(Damaged, GroupWithoutElements) {
     const RunResult run = RunWell(Replaced(deck, "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 \n", ""));
     EXPECT_TRUE(Contains(run.listing, "PIVOT NIJE POZITIVAN ZA JEDNACINU BR.   1"));
 }
-
-// --- curves and functions -----------------------------------------------------------------------------------------
 
 TEST(Damaged, Materials) {
     constexpr const char* kHeader = "1 3 2 1 1 2\n";
@@ -284,8 +272,6 @@ TEST(Damaged, FunctionsAndSurfaces) {
     });
 }
 
-// --- no deck at all -----------------------------------------------------------------------------------------------
-
 TEST(Damaged, Rubbish) {
     std::mt19937 random(1);
     std::string noise;
@@ -334,8 +320,6 @@ TEST(Damaged, UnknownFormatIndicator) {
         EXPECT_EQ(CountOf(run.listing, "E X E C U T I O N    T I M I N G"), 1);
     }
 }
-
-// --- problems -----------------------------------------------------------------------------------------------------
 
 TEST(Damaged, ExecutionIndicator) {
     for (const char* card : {"-5 0 2000000000 1e300 0\n", "1 -3 0 0. 0\n", "1 2000000000 0 0. 2000000000\n"})

@@ -209,8 +209,6 @@ TEST(FibreDecks, FibresEndWithTheirProblem) {
     ExpectEqual(LastConcentrations(both.listing), plain);
 }
 
-// --- porosity -----------------------------------------------------------------------------------------------------
-
 // Whether a point counts is a step function, so the error of one diameter jumps about; its mean square over several falls
 // with the mesh. Faults: weights, a radius for a diameter, fibres that the clip loses.
 TEST(MicroscaleVerification, PorosityFollowsTheVolumeFraction) {
@@ -254,8 +252,6 @@ TEST(MicroscaleVerification, PorosityFollowsTheVolumeFraction) {
         EXPECT_LT(previous, 3e-3) << shape.name;
     }
 }
-
-// --- reservoirs ---------------------------------------------------------------------------------------------------
 
 // The least positive root of tan mu = mu (k1 + k2) / (mu^2 - k1 k2), in the form that has no poles.
 double DecayRoot(double k1, double k2) {
@@ -315,8 +311,6 @@ TEST(MicroscaleVerification, ReservoirsEqualiseAsTwoStirredOnes) {
     }
 }
 
-// --- fibres without influence -------------------------------------------------------------------------------------
-
 // The plain run has the same device cards (NDS, NANOCH) and no set. Factors of 1, and points that no search box holds,
 // do not change a bit. Faults: factors that are not put back to 1 between points, elements or nodes lost, fluxes of
 // another coefficient.
@@ -342,8 +336,6 @@ TEST(MicroscaleVerification, FibresWithoutInfluenceLeaveThePlainRun) {
             }
         }
 }
-
-// --- fibres in the plane ------------------------------------------------------------------------------------------
 
 BarDeck Sheet(int n) {
     BarDeck bar = DeviceDeck(n, n, 1);
@@ -416,8 +408,6 @@ TEST(MicroscaleVerification, TablesActAlongTheirAxes) {
     }
 }
 
-// --- fluxes -------------------------------------------------------------------------------------------------------
-
 // The coefficients of the fluxes are those of their own points. Fault: those of the group's points, by number.
 TEST(MicroscaleVerification, FluxesTakeTheFactorsOfTheirPoints) {
     const std::string slope = "    2    1\n     0.000  2000.000\n     1.000\n    0.1000\n    1.0000\n";
@@ -438,8 +428,6 @@ TEST(MicroscaleVerification, FluxesTakeTheFactorsOfTheirPoints) {
         EXPECT_GT(coefficients[0].size(), 50U);
     }
 }
-
-// --- nothing left -------------------------------------------------------------------------------------------------
 
 // Faults: an empty system handed to a solver, zeros listed as if they were a solution.
 TEST(MicroscaleVerification, FibresThatFillTheDomainEndTheRun) {

@@ -36,8 +36,6 @@ double Direct(GridDeck grid, int wallCells = 0) {
     return rows.size() < 12 ? NAN : rows[11].at(2);
 }
 
-// --- coefficients -------------------------------------------------------------------------------------------------
-
 // Faults: a porosity that is not 1, a lowered curve that the search does not get out of, fluxes of another volume.
 TEST(Homogenization, MediumWithoutInfluenceHasTheBulkCoefficient) {
     Channel channel;
@@ -170,8 +168,6 @@ TEST(Homogenization, ThreeDirectionsOneAfterTheOther) {
     }
 }
 
-// --- walls met exactly --------------------------------------------------------------------------------------------
-
 /// One square cell of quadrilaterals with a circle in its middle; reservoirs as those of Slow().
 GridDeck CellOfQuadrilaterals(std::size_t mesh, double fraction) {
     Channel channel = Slow();
@@ -253,8 +249,6 @@ TEST(Homogenization, OddArrangementsAreRightOrTold) {
             EXPECT_TRUE(told || (run.status == 0 && fitted > 0.0 && fitted < 1.0)) << odd.name << run.errors;
         }
 }
-
-// --- runs that can not be fitted ----------------------------------------------------------------------------------
 
 // Faults: a search that ends without a result and says nothing, or not which and why; a fit without fibres, a direction's file left
 // shut.

@@ -274,8 +274,6 @@ TEST(RadialDecks, SteadyFibreTakesTheValueOfTheContinuum) {
     }
 }
 
-// --- messages -----------------------------------------------------------------------------------------------------
-
 void ExpectEnd(const FibreDeck& deck, const std::string& good, const std::string& bad, int status,
                const std::vector<std::string>& words) {
     std::string text = Build(deck);

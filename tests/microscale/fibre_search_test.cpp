@@ -85,8 +85,6 @@ TEST(ClipFibres, LinesOutsideTheBoxAreReported) {
     }
 }
 
-// --- the rules, written another way: projections instead of cross products, in extended precision ------------------
-
 using Real = long double;
 
 struct Candidate {
@@ -144,8 +142,6 @@ Candidate ReferenceSearch(const FibreModel& model, const Point& X) {
         }
     return best;
 }
-
-// --- random models ------------------------------------------------------------------------------------------------
 
 struct Random {
     std::mt19937 engine;

@@ -158,8 +158,6 @@ TEST(GaussFactors, ChoiceByTheStateOfTheFit) {
     ExpectFactors(factors(false), {1.0, 1.0, 1.0});
 }
 
-// --- merged tables ------------------------------------------------------------------------------------------------
-
 // Two sets: the axes are spread over both, and the first set is looked up in what already stands in its own storage, so
 // at row i and column j it gives its old F(i,j). Faults: the last row left, the first row touched; an intact copy of the first set's table used, D(1) moved,
 // weights by count.
@@ -189,8 +187,6 @@ TEST(MergedTables, TwoSetsTakeTheStorageOfTheFirst) {
     EXPECT_NEAR(EhmTableY(model).factor[1], 1.0, 1e-15); // the second set has no second table: 1
     EXPECT_EQ(EhmTableY(model).concentration[0], 3.0);
 }
-
-// --- curves by direction ------------------------------------------------------------------------------------------
 
 // Faults: the low end of Z brought into line, the table written to, ends of a curve outside, a constant looked up.
 TEST(DirectionCurves, EachDirectionHasItsOwnEnds) {
