@@ -202,21 +202,6 @@ TEST(RadialDecks, PartitionIsTheRatioAtTheSurface) {
     EXPECT_TRUE(Contains(substructured.run.errors, "partition values act with ISUB4 0 alone"));
 }
 
-// A sphere over the first two bricks takes node 1 out of the model. Faults: what the fibre gives to it is lost unsaid; nodes
-// that stay are refused, too.
-TEST(RadialDecks, NodesUnderTheMeshsFibresTakeNoFlux) {
-    FibreDeck deck = ClosedBrick();
-    deck.ISUB4 = 1;
-    deck.bar.nx = 4;
-    deck.bar.NDS = deck.bar.NANOCH = 1;
-    deck.bar.fibres = OneFibre(0, 1.2, {{0.0, 0.0, 0.0}}, 1.0);
-    const RunResult refused = RunDeck(Build(deck));
-    EXPECT_EQ(refused.status, 2);
-    EXPECT_TRUE(Contains(refused.errors, "node 1, which takes the flux of radial fibre 1")) << refused.errors;
-    deck.surface = {5};
-    EXPECT_EQ(RunDeck(Build(deck)).status, 0);
-}
-
 // With rates of 0 the polymer stays as it is: the same as a card with its coefficient, and a partition value over the
 // porosity. Faults: the law taken at a wrong time, or the solid fraction in the place of the porosity.
 TEST(RadialDecks, DegradationReplacesTheCoefficientOfTheCard) {
@@ -240,7 +225,8 @@ TEST(RadialDecks, DegradationReplacesTheCoefficientOfTheCard) {
 }
 
 // Fibres that take brick nodes out of the model leave those of radial fibres in it. Faults: radial nodes without an
-// equation, a skyline without room for their couplings.
+// equation, a skyline without room for their couplings; what a substructured fibre gives to a node that is taken out is lost
+// unsaid, nodes that stay are refused, too.
 TEST(RadialDecks, FibreSetsLeaveRadialNodesTheirEquations) {
     FibreDeck deck = ClosedBrick();
     deck.bar.nx = 4;
@@ -258,6 +244,12 @@ TEST(RadialDecks, FibreSetsLeaveRadialNodesTheirEquations) {
     const FibreResult sparse = Solve(deck);
     ExpectSame(skyline.nodes, sparse.nodes, 20);
     ExpectSame(skyline.fibres, sparse.fibres, 5);
+    deck.ISUB4 = 1;
+    RunWell(Build(deck)); // not refused
+    deck.surface = {5};
+    const RunResult refused = RunDeck(Build(deck));
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_TRUE(Contains(refused.errors, "node 5, which takes the flux of radial fibre 1")) << refused.errors;
 }
 
 // Steady: the fibre has the value of its surface, and nothing is divided by a step of no length.

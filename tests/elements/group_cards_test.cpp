@@ -53,7 +53,7 @@ void ExpectDeckError(const GroupProblem& problem, const std::string& cards, cons
     EXPECT_LIBRARY_ERROR(ReadElementGroup(*run, run->groups[1]), pattern);
 }
 
-std::vector<int> Values(IntArray array) {
+template <class Number> std::vector<Number> Values(ArrayView<Number> array) {
     return {array.data, array.data + array.length};
 }
 
@@ -74,8 +74,7 @@ std::vector<int> Row(const ReadModel& model, Word n, int columns = 0) {
 }
 
 std::vector<double> Thicknesses(const ReadModel& model) {
-    const RealArray array = ElementThickness(*model.run, model.group);
-    return {array.data, array.data + array.length};
+    return Values(ElementThickness(*model.run, model.group));
 }
 
 struct Default {

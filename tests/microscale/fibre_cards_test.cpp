@@ -230,15 +230,12 @@ TEST(CorrectionTableCards, DeckErrors) {
         EXPECT_LIBRARY_ERROR(ReadCorrectionTable(small, CorrectionTableOwner::FibreSet, table), test.words)
             << test.deck;
     }
-}
-
-// Rows that fall are taken as they stand, and said so.
-TEST(CorrectionTableCards, RowsThatFallGetANote) {
-    SmallRun small("3 1\n1. 3. 2.\n1.\n.1\n.2\n.3\n");
-    small.control.header.INDFOR = 1;
+    SmallRun falling(
+        "3 1\n1. 3. 2.\n1.\n.1\n.2\n.3\n"); // rows that fall are taken as they stand, and said so
+    falling.control.header.INDFOR = 1;
     CorrectionTable table;
     testing::internal::CaptureStderr();
-    ReadCorrectionTable(small, CorrectionTableOwner::FibreSet, table);
+    ReadCorrectionTable(falling, CorrectionTableOwner::FibreSet, table);
     EXPECT_TRUE(zurt_test::Contains(testing::internal::GetCapturedStderr(), "from row 2 to row 3"));
     EXPECT_DOUBLE_EQ(LookupCorrectionFactor(table, 1.0, 0.0015), 0.125);
     EXPECT_EQ(LookupCorrectionFactor(table, 1.0, 0.0025), 1.0);
@@ -250,10 +247,8 @@ TEST(NanochannelTable, StandsInTheWorkingVector) {
     run.control.header.INDFOR = 2;
     TakeWords(run.A, "before", 5);
     ReadNanochannelTable(run);
-    EXPECT_EQ(run.control.at.LNANO[1], 6);
-    EXPECT_EQ(run.control.at.LNANO[2], 15);
-    EXPECT_EQ(run.control.at.LNANO[3], 18);
-    EXPECT_EQ(run.A.LMAX, 45);
+    const auto& at = run.control.at.LNANO;
+    EXPECT_EQ((std::array<Word, 4>{at[1], at[2], at[3], run.A.LMAX}), (std::array<Word, 4>{6, 15, 18, 45}));
     EXPECT_DOUBLE_EQ(RealSection(run.A, 6, 9)(9), 8.0);
     EXPECT_DOUBLE_EQ(RealTableSection(run.A, 18, 9, 3)(9, 1), 0.9);
 

@@ -97,6 +97,10 @@ Real Dot(const Real (&a)[3], const Real (&b)[3]) {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
+Real Norm(const Real (&a)[3]) {
+    return std::sqrt(Dot(a, a));
+}
+
 Real ReferenceDistance(const FibreSet& set, const Fibre& fibre, const Point& X, Real R) {
     const double* p = fibre.points.data();
     Real v[3], a[3] = {};
@@ -105,16 +109,13 @@ Real ReferenceDistance(const FibreSet& set, const Fibre& fibre, const Point& X, 
         if (set.NTYPE == kLineFibres)
             a[k] = static_cast<Real>(p[3 + k]) - p[k];
     }
-    const Real toFirst = std::sqrt(Dot(v, v));
+    const Real toFirst = Norm(v);
     if (set.NTYPE == kSphereFibres)
         return toFirst;
-    const Real length = std::sqrt(Dot(a, a)), s = Dot(v, a) / length;
-    Real foot[3], last[3];
-    for (std::size_t k = 0; k < 3; ++k) {
-        foot[k] = v[k] - s * a[k] / length;
-        last[k] = v[k] - a[k];
-    }
-    const Real h = std::sqrt(Dot(foot, foot)), toLast = std::sqrt(Dot(last, last));
+    const Real length = Norm(a), s = Dot(v, a) / length;
+    const Real foot[3] = {v[0] - s * a[0] / length, v[1] - s * a[1] / length, v[2] - s * a[2] / length};
+    const Real last[3] = {v[0] - a[0], v[1] - a[1], v[2] - a[2]};
+    const Real h = Norm(foot), toLast = Norm(last);
     if (s < 0.0L)
         return R <= h ? R + toFirst : R - s;
     if (s > length)
