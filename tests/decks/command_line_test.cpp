@@ -27,6 +27,11 @@ std::set<std::string> FilesIn(const std::string& folder) {
     return names;
 }
 
+void ExpectRefused(const RunResult& run, const std::string& words) {
+    EXPECT_EQ(run.status, 2) << words;
+    EXPECT_TRUE(Contains(run.errors, words)) << run.errors;
+}
+
 bool EndsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
@@ -145,11 +150,8 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
          {"zurt.lst", "zurt.unv", "MESSAGES.LST", "MASS-X.LST", "MASS-Y.LST", "MASS-Z.LST"}) {
         const std::string folder = FolderWith("zurt.dat", kGood);
         WriteFile(folder + "/" + name, "precious\n");
-        const RunResult refused = RunProgram(folder, {{"zurt.dat"}, ""});
-        EXPECT_EQ(refused.status, 2);
-        EXPECT_TRUE(Contains(refused.errors,
-                             std::string("zurt: error: ") + name + " exists and would be overwritten"))
-            << refused.errors;
+        ExpectRefused(RunProgram(folder, {{"zurt.dat"}, ""}),
+                      std::string("zurt: error: ") + name + " exists and would be overwritten");
         EXPECT_EQ(ReadFile(folder + "/" + name), "precious\n");
         EXPECT_TRUE(FilesIn(folder) == (std::set<std::string>{"zurt.dat", name}));
         EXPECT_EQ(RunProgram(folder, {{"-f", "zurt.dat"}, ""}).status, 0);
@@ -158,9 +160,7 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
     }
     for (const char* name : {"a.lst", "MESSAGES.LST", "MASS-X.LST"}) {
         const std::string folder = FolderWith(name, kGood);
-        const RunResult clash = RunProgram(folder, {{"--force", name}, ""});
-        EXPECT_EQ(clash.status, 2) << name;
-        EXPECT_TRUE(Contains(clash.errors, "it is the deck of this run")) << clash.errors;
+        ExpectRefused(RunProgram(folder, {{"--force", name}, ""}), "it is the deck of this run");
         EXPECT_EQ(ReadFile(folder + "/" + name), kGood);
     }
 }
@@ -178,8 +178,7 @@ TEST(CommandLine, RunsInOneFolderAreKeptApart) {
         const RunResult direct = RunProgram(folder, {{"-f", "zurt.dat"}, ""});
         EXPECT_EQ(ReadFile(folder + "/" + name), "of the first run");
         close(held);
-        EXPECT_EQ(direct.status, 2);
-        EXPECT_TRUE(Contains(direct.errors, words)) << direct.errors;
+        ExpectRefused(direct, words);
         EXPECT_EQ(RunProgram(folder, {{"-f", "zurt.dat"}, ""}).status, 0) << "the lock ends with its run";
     }
     const std::string folder = FolderWith("zurt.dat", kGood);
@@ -215,15 +214,13 @@ TEST(CommandLine, InterruptLeavesFilesWhole) {
     EXPECT_TRUE(Contains(run.console, "\nInterrupted; written so far: listing zurt.lst, ")) << run.console;
 }
 
-struct Surroundings {
-    const char* command; // by the shell; $ZURT is the program
-    int status;
-    const char* errors;
-};
-
 // Faults: a signal or a crash in the place of a message; a stream that the parent has closed whose number a file of the run takes.
 TEST(CommandLine, HostileSurroundings) {
-    const Surroundings cases[] = {
+    const struct {
+        const char* command; // by the shell; $ZURT is the program
+        int status;
+        const char* errors;
+    } cases[] = {
         {"(ulimit -f 8; $ZURT -q zurt.dat)", 2, "can't write to zurt.lst: File too large"},
         {"$ZURT zurt.dat | true; exec 3>&-; exit 0", 0, "can't write to the console: Broken pipe"},
         {"$ZURT zurt.dat >&-", 2, "can't write to the console: Bad file descriptor"},
@@ -235,7 +232,7 @@ TEST(CommandLine, HostileSurroundings) {
     setenv("ZURT", ZURT_BINARY, 1);
     BarDeck bar;
     bar.periods = {{200, 1e-3}};
-    for (const Surroundings& test : cases) {
+    for (const auto& test : cases) {
 #ifdef ZURT_SANITIZE
         if (std::string(test.command).find("ulimit -s") != std::string::npos)
             continue; // the sanitizers need more themselves
@@ -253,7 +250,7 @@ TEST(CommandLine, HostileSurroundings) {
     }
 }
 
-std::string ShortDeck(int NULAZ = 3, int NPRINT = 1, int IGRAF = 1) {
+std::string ShortDeck(int NULAZ, int NPRINT, int IGRAF = 1) {
     BarDeck bar;
     bar.nx = 2;
     bar.periods = {{1, 0.5}};
@@ -263,23 +260,12 @@ std::string ShortDeck(int NULAZ = 3, int NPRINT = 1, int IGRAF = 1) {
     return Build(bar);
 }
 
-std::string ShortDeckIn(const std::string& name) {
-    return FolderWith(name, ShortDeck());
-}
-
-void ExpectRefused(const RunResult& run, const std::string& words) {
-    EXPECT_EQ(run.status, 2) << words;
-    EXPECT_TRUE(Contains(run.errors, words)) << run.errors;
-}
-
-struct NameCase {
-    const char *answer, *deck, *listing, *graphics;
-};
-
 // Faults: extensions in the wrong case, the base cut at the last point or kept whole, a blank ahead of the point taken
 // for the end of the name, the name or its default cut or padded at 20 characters.
 TEST(Dialogue, DefaultNamesFollowTheDeck) {
-    const NameCase cases[] = {
+    const struct {
+        const char *answer, *deck, *listing, *graphics;
+    } cases[] = {
         {"", "zurt.dat", "zurt.lst", "zurt.unv"},
         {"   ", "zurt.dat", "zurt.lst", "zurt.unv"},
         {"deck.txt", "deck.txt", "deck.lst", "deck.unv"},
@@ -294,8 +280,8 @@ TEST(Dialogue, DefaultNamesFollowTheDeck) {
         {"my deck", "my deck", "my.lst", "my.unv"},
         {"deck.txt\r", "deck.txt", "deck.lst", "deck.unv"},
     };
-    for (const NameCase& test : cases) {
-        const std::string folder = ShortDeckIn(test.deck);
+    for (const auto& test : cases) {
+        const std::string folder = FolderWith(test.deck, kGood);
         const RunResult result = RunInFolder(folder, std::string(test.answer) + "\n\n\n");
         EXPECT_EQ(result.status, 0) << test.answer << result.errors;
         EXPECT_EQ(CountOf(result.errors, "up to 20 characters"),
@@ -319,7 +305,8 @@ TEST(Dialogue, OverwriteQuestion) {
         for (const std::string answer : {"", "D", "d", "  ", "delete", "N", "n", "x", "ND"}) {
             SCOPED_TRACE(answer);
             const bool kept = answer.find_first_of("Nnx") != std::string::npos;
-            const std::string name = graphics ? "zurt.unv" : "zurt.lst", folder = ShortDeckIn("zurt.dat");
+            const std::string name = graphics ? "zurt.unv" : "zurt.lst",
+                              folder = FolderWith("zurt.dat", kGood);
             WriteFile(folder + "/" + name, "precious\n");
             const std::string ahead = graphics ? "\n\n\n" : "\n\n", again = "\n" + answer + "\nother\n\n";
             const RunResult result = RunInFolder(folder, ahead + answer + "\n" + (kept ? again : "\n"));
@@ -412,16 +399,17 @@ TEST(Dialogue, RunsWithoutAListing) {
 // Faults: an endless dialogue or a normal end where the console has no more answers; a status of 0, a crash or silence for a
 // deck that is not there.
 TEST(Dialogue, EndOfTheConsoleInputAndMissingDecks) {
-    const std::string taken = ShortDeckIn("zurt.dat");
+    const std::string taken = FolderWith("zurt.dat", kGood);
     WriteFile(taken + "/zurt.lst", "precious\n");
     for (const char* answers : {"", "\n", "zurt.dat\n\n", "\n\nN\n", "\nnew.lst\n"}) {
         const RunResult result = RunInFolder(taken, answers, 20);
         ExpectRefused(result, "zurt: error: the console input ended");
         EXPECT_EQ(result.listing, "precious\n") << answers;
     }
-    EXPECT_EQ(RunInFolder(ShortDeckIn("zurt.dat"), "\n\nlast", 20).status, 0); // a line without its end
+    EXPECT_EQ(RunInFolder(FolderWith("zurt.dat", kGood), "\n\nlast", 20).status, 0); // a line without its end
     ExpectRefused(RunInFolder(MakeTemporaryFolder(), "\n\n\n"), "zurt: error: can't open the deck zurt.dat");
-    ExpectRefused(RunInFolder(ShortDeckIn("zurt.dat"), ".\n\n\n"), "zurt: error: can't read the deck .");
+    ExpectRefused(RunInFolder(FolderWith("zurt.dat", kGood), ".\n\n\n"),
+                  "zurt: error: can't read the deck .");
     ExpectRefused(RunDeck(""), "Title card: the deck ends here");
 }
 
@@ -429,36 +417,36 @@ TEST(Dialogue, EndOfTheConsoleInputAndMissingDecks) {
 // the deck, or the open listing.
 TEST(Dialogue, FilesThatCantBeWritten) {
     for (const char* name : {"zurt.lst", "zurt.unv", "MESSAGES.LST", "ZITEMP", "MASS-X.LST"}) {
-        const std::string folder = ShortDeckIn("zurt.dat");
+        const std::string folder = FolderWith("zurt.dat", kGood);
         fs::create_directory(folder + "/" + name);
         ExpectRefused(RunInFolder(folder, "\n\n\n\n\n"), name);
         EXPECT_TRUE(fs::is_directory(folder + "/" + name)) << name;
     }
-    ExpectRefused(RunInFolder(ShortDeckIn("zurt.dat"), "\n/no/such/file.lst\n\n"),
+    ExpectRefused(RunInFolder(FolderWith("zurt.dat", kGood), "\n/no/such/file.lst\n\n"),
                   "zurt: error: can't open /no/such/file.lst");
     for (const auto& [answers, lost] :
          {std::pair{"\nzurt.dat\n\n\n", "deck"}, {"\nout\n./out\n\n", "listing"}}) {
-        const std::string folder = ShortDeckIn("zurt.dat");
+        const std::string folder = FolderWith("zurt.dat", kGood);
         ExpectRefused(RunInFolder(folder, answers), std::string("it is the ") + lost);
-        EXPECT_EQ(ReadFile(folder + "/zurt.dat"), ShortDeck());
+        EXPECT_EQ(ReadFile(folder + "/zurt.dat"), kGood);
     }
     for (const char* name :
          {"MESSAGES.LST", "MASS-X.LST", "MASS-Z.LST", "ZITEMP"}) { // fixed names, and links of them
-        const std::string named = ShortDeckIn(name), linked = ShortDeckIn("zurt.dat");
+        const std::string named = FolderWith(name, kGood), linked = FolderWith("zurt.dat", kGood);
         ExpectRefused(RunInFolder(named, std::string(name) + "\nout\nout2\n"), "it is the deck of this run");
-        EXPECT_EQ(ReadFile(named + "/" + name), ShortDeck());
+        EXPECT_EQ(ReadFile(named + "/" + name), kGood);
         fs::create_hard_link(linked + "/zurt.dat", linked + "/" + name);
         ExpectRefused(RunInFolder(linked, "\nout\nout2\n"), "it is the deck of this run");
-        EXPECT_EQ(ReadFile(linked + "/zurt.dat"), ShortDeck());
-        ExpectRefused(RunInFolder(ShortDeckIn("zurt.dat"), "\n" + std::string(name) + "\n\n"),
+        EXPECT_EQ(ReadFile(linked + "/zurt.dat"), kGood);
+        ExpectRefused(RunInFolder(FolderWith("zurt.dat", kGood), "\n" + std::string(name) + "\n\n"),
                       std::string("it is the file ") + name);
     }
-    const std::string discarding = ShortDeckIn("zurt.dat");
+    const std::string discarding = FolderWith("zurt.dat", kGood);
     fs::create_symlink("/dev/null", discarding + "/zurt.unv");
     EXPECT_EQ(RunInFolder(discarding, "\n\n\nD\n").status, 0);
     EXPECT_TRUE(fs::is_symlink(discarding + "/zurt.unv")) << "a device is no file to be deleted";
     for (const char* name : {"MESSAGES.LST", "MASS-X.LST"}) { // opened without a question
-        const std::string folder = ShortDeckIn("zurt.dat");
+        const std::string folder = FolderWith("zurt.dat", kGood);
         fs::create_symlink("/dev/full", folder + "/" + name);
         ExpectRefused(RunInFolder(folder, "\n\n\n"), std::string("zurt: error: can't write to ") + name);
     }
@@ -466,20 +454,20 @@ TEST(Dialogue, FilesThatCantBeWritten) {
 
 // Faults: "ZITEMP" written or emptied, the scratch files left behind, old messages kept.
 TEST(Dialogue, FilesOfARun) {
-    const std::string folder = ShortDeckIn("zurt.dat");
+    const std::string folder = FolderWith("zurt.dat", kGood);
     WriteFile(folder + "/ZITEMP", "as it was");
     WriteFile(folder + "/MESSAGES.LST", "old\nmessages\n");
     const RunResult result = RunInFolder(folder, "\n\n\n");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(ReadFile(folder + "/ZITEMP"), "as it was");
     EXPECT_EQ(result.messages, "      \n");
-    EXPECT_EQ(CountOf(result.mass, "         1   0.10000D+01\n"), 1);
+    EXPECT_EQ(CountOf(result.mass, "         2   0.10000D+01\n"), 1);
     int files = 0;
     for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder))
         ++files;
     EXPECT_EQ(files,
               9); // deck, listing, graphics, messages, mass, ZITEMP; answers, console, errors of the test
-    EXPECT_EQ(ReadFile(RunDeck(ShortDeck()).folder + "/ZITEMP"), "");
+    EXPECT_EQ(ReadFile(RunDeck(kGood).folder + "/ZITEMP"), "");
 }
 
 } // namespace

@@ -98,25 +98,23 @@ TEST(Homogenization, FittedDistanceIsTheMeanOfTheResistances) {
     EXPECT_NEAR(fitted.at(2), 2.0 / std::log(3.0) - 1.0, 5e-3);
 }
 
-struct Layers {
-    const char* name;
-    int axis; // across which they lie
-    bool plane, tube, firstLow;
-    double exact;
-};
-
 // Layers of 1 and 10 across and along the flow: in a box, in the plane, and in a tube of radius 1, whose inner layer fills a
 // quarter of the section. Faults: coefficients of the wrong element, means of the wrong weights, a radius left out.
 TEST(Homogenization, LayersInSeriesAndSideBySide) {
     const double series = 20.0 / 11.0;
-    const Layers cases[] = {{"box, in series", 0, false, false, true, series},
-                            {"box, side by side", 1, false, false, true, 5.5},
-                            {"plane, in series", 0, true, false, true, series},
-                            {"plane, side by side", 1, true, false, true, 5.5},
-                            {"tube, in series", 0, true, true, true, series},
-                            {"tube, 1 inside", 1, true, true, true, 7.75},
-                            {"tube, 10 inside", 1, true, true, false, 3.25}};
-    for (const Layers& layers : cases) {
+    const struct {
+        const char* name;
+        int axis; // across which they lie
+        bool plane, tube, firstLow;
+        double exact;
+    } cases[] = {{"box, in series", 0, false, false, true, series},
+                 {"box, side by side", 1, false, false, true, 5.5},
+                 {"plane, in series", 0, true, false, true, series},
+                 {"plane, side by side", 1, true, false, true, 5.5},
+                 {"tube, in series", 0, true, true, true, series},
+                 {"tube, 1 inside", 1, true, true, true, 7.75},
+                 {"tube, 10 inside", 1, true, true, false, 3.25}};
+    for (const auto& layers : cases) {
         Channel channel = Slow();
         channel.fraction = 0.0;
         GridDeck grid = Deck(channel);

@@ -77,26 +77,24 @@ std::vector<double> Thicknesses(const ReadModel& model) {
     return Values(ElementThickness(*model.run, model.group));
 }
 
-struct Default {
-    GroupProblem problem;
-    std::string cards;
-    int material, NPDMX, NDMAX; // NMAT and MAT, or MATDD under NDS
-    std::vector<int> NGAUS;
-    double THIC;
-};
-
 // Faults: a default of the group cards lost, columns by the wrong limit, a thickness of 0 kept under NTHIC 0 or replaced
 // under NTHIC 1, NMAT or MAT of the card acting, NDS cards read by the other layout.
 TEST(GroupFamilies, Defaults) {
     const std::string brick = "1" + Corners(1) + " 3 0 0 0 0 0\n", plane = "1 1 2 3 4 0 0 0 0 0 0 0\n";
-    const Default cases[] = {
+    const struct {
+        GroupProblem problem;
+        std::string cards;
+        int material, NPDMX, NDMAX; // NMAT and MAT, or MATDD under NDS
+        std::vector<int> NGAUS;
+        double THIC;
+    } cases[] = {
         {{3}, "3 2 0 1 1 0 5 0\n" + brick, 1, 8, 8, {2, 5, 2}, 0.0},
         {{3, 1, 1}, "0 9 0 0 0 0 0\n" + brick + "0 0 0 0 0 0 0 0 0 0 0 0 0\n", 1, 9, 21, {2, 2, 2}, 0.0},
         {{2}, "3 2 0 0 0 0 3 0 1e-11\n" + plane, 1, 4, 4, {2, 3}, 1.0},
         {{2, 1, 1}, "0 5 0 0 1 0 1 0\n" + plane + "0 0 7 0 0\n", 1, 5, 9, {1, 2}, 0.0},
         {{1}, "9 9 0 0 0 0\n1 5 6 0 0 0 0 0 0 0\n", 1, 2, 2, {2}, 0.0},
         {{1, 1, 1}, "2 7 0 0 5\n1 5 6 0 0 0 0 0 0 0 4.0\n", 2, 7, 3, {5}, 0.0}};
-    for (const Default& one : cases) {
+    for (const auto& one : cases) {
         SCOPED_TRACE(one.cards);
         const ReadModel model(one.problem, one.cards);
         const ElementGroup& group = model.group;

@@ -171,13 +171,6 @@ ElementGroup& MakeGroup(zurt::Run& run, std::int32_t NPDMX, int nodes, std::int3
     return group;
 }
 
-struct Case {
-    std::int32_t NETIP, NPDMX;
-    int nodes;
-    bool warned;
-    const char* rows;
-};
-
 // Faults: labels that begin anew in each group; descriptors of another shape; a group of 9 to 19 nodes a brick not written as
 // 8, one of 21 not as 20, quadrilaterals of 5 to 7 not as 4, of 9 not as 8; an element without all of its mid-sides
 // written with node 0; a middle node behind the ends; the warning missing, given to good groups or to lines.
@@ -197,12 +190,17 @@ TEST(UnvMesh, ElementsOfAllFamilies) {
                       "       101       102\n",
         *const line3 = "        24        24         1         1         7         3\n"
                        "       101       103       102\n";
-    const Case cases[] = {{3, 8, 8, false, brick},    {3, 20, 20, false, brick20}, {3, 19, 20, true, brick},
-                          {3, 21, 21, true, brick20}, {3, 20, 19, false, brick},   {3, 21, 20, true, brick20},
-                          {2, 4, 4, false, plane},    {2, 7, 8, true, plane},      {2, 8, 8, false, plane8},
-                          {2, 8, 7, false, plane},    {2, 9, 9, true, plane8},     {1, 2, 2, false, line},
-                          {1, 3, 3, false, line3},    {1, 3, 2, false, line}};
-    for (const Case& one : cases) {
+    const struct {
+        std::int32_t NETIP, NPDMX;
+        int nodes;
+        bool warned;
+        const char* rows;
+    } cases[] = {{3, 8, 8, false, brick},    {3, 20, 20, false, brick20}, {3, 19, 20, true, brick},
+                 {3, 21, 21, true, brick20}, {3, 20, 19, false, brick},   {3, 21, 20, true, brick20},
+                 {2, 4, 4, false, plane},    {2, 7, 8, true, plane},      {2, 8, 8, false, plane8},
+                 {2, 8, 7, false, plane},    {2, 9, 9, true, plane8},     {1, 2, 2, false, line},
+                 {1, 3, 3, false, line3},    {1, 3, 2, false, line}};
+    for (const auto& one : cases) {
         SCOPED_TRACE(one.NPDMX);
         SmallRun small;
         Prepare(small, 2, 0);

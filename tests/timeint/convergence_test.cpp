@@ -67,17 +67,15 @@ TEST(Convergence, NormsAndTheReferenceOfTheStep) {
     }
 }
 
-struct Branch {
-    double increment, EPSTA, EPSTR;
-    bool converged, message;
-    bool fit = false; // a run of a fit, which reports nothing
-};
-
 // Faults: a tolerance compared with < or taken when it must not be; EPSTA of 1e-10 or less taking part; the message of
 // the absolute tolerance written for a step that has converged already, or below 1e-10; no convergence below 1e-8; a run
 // of a fit that reports its iterations, or takes the absolute tolerance.
 TEST(Convergence, EachToleranceInItsRange) {
-    const Branch branches[] = {
+    const struct {
+        double increment, EPSTA, EPSTR;
+        bool converged, message;
+        bool fit = false; // a run of a fit, which reports nothing
+    } branches[] = {
         {1e-3, 0.0, 1e-3, true, false},       // relative
         {1e-3, 0.0, 0.9e-3, false, false},    //
         {1e-3, 1e-3, 1e-9, true, false},      // absolute alone
@@ -96,7 +94,7 @@ TEST(Convergence, EachToleranceInItsRange) {
         {0.0, 0.0, 0.0, true, false},         //
         {2e-9, 0.0, 1e-12, false, false, true}, {2e-9, 0.0, 1.0, true, false, true},
     };
-    for (const Branch& branch : branches) {
+    for (const auto& branch : branches) {
         Iteration iteration;
         iteration.increment = branch.increment;
         iteration.EPSTA = branch.EPSTA;
