@@ -141,10 +141,9 @@ TEST(Classical, FluxInTimeFillsAClosedSlab) {
     deck.flux = {{0.0, 0.0}, {1.0, 2.0}}; // q = 2 t
     deck.groups[0].sides = {RightSide(4, 0, {1, 0, 0, 0, 0})};
     const std::vector<double> values = Concentrations(deck);
-    double mean = 0.0;
+    double mean = 0.0, given = 0.0;
     for (int i = 0; i < 4; ++i)
         mean += 0.125 * (At(values, i + 1) + At(values, i + 2));
-    double given = 0.0;
     for (int n = 1; n <= 10; ++n)
         given += 0.05 * 2.0 * 0.05 * n;
     std::printf("closed slab: mean %.6f, given %.6f\n", mean, given / 0.5);

@@ -250,8 +250,12 @@ TEST(CommandLine, HostileSurroundings) {
     }
 }
 
-std::string ShortDeck(int NULAZ, int NPRINT, int IGRAF = 1) {
+std::string ShortDeck(int NULAZ, int NPRINT, int IGRAF = 1, const char* title = "Block of bricks",
+                      const char* end = "STOP\n", bool fixedFormat = false) {
     BarDeck bar;
+    bar.title = title;
+    bar.end = end;
+    bar.fixedFormat = fixedFormat;
     bar.nx = 2;
     bar.periods = {{1, 0.5}};
     bar.NULAZ = NULAZ;
@@ -314,7 +318,7 @@ TEST(Dialogue, OverwriteQuestion) {
             EXPECT_EQ(CountOf(result.console, "   FILE    " + name + question), kept ? 2 : 1);
             EXPECT_EQ(CountOf(result.console, " FILE NAME   <" + name + ">\n"), kept ? 3 : 1);
             const std::string words = graphics ? "CVORNE KONCENTRACIJE" : "VERSION  1.00";
-            EXPECT_EQ(CountOf(ReadFile(folder + (kept ? "/other" : "/" + name)), words), 1);
+            EXPECT_EQ(CountOf(ReadFile(folder + (kept ? "/other" : "/" + name)), words), graphics ? 3 : 1);
             EXPECT_EQ(CountOf(ReadFile(folder + "/" + name), "precious"), kept ? 1 : 0);
         }
 }
@@ -322,17 +326,8 @@ TEST(Dialogue, OverwriteQuestion) {
 // Faults: names asked or the banner written again, files begun anew by the second problem; its card not read again as
 // the title under free format; card numbers or messages that start anew.
 TEST(Dialogue, SecondProblemAsksNothing) {
-    BarDeck bar;
-    bar.nx = 2;
-    bar.periods = {{1, 0.5}};
-    bar.title = "First of two";
-    bar.end = "";
-    bar.NULAZ = 1;
-    std::string deck = Build(bar);
-    bar.title = "Second of two";
-    bar.end = "STOPPED\n";
-    deck += Build(bar);
-    const RunResult result = RunWell(deck);
+    const RunResult result =
+        RunWell(ShortDeck(1, 1, 1, "First of two", "") + ShortDeck(1, 1, 1, "Second of two", "STOPPED\n"));
     EXPECT_EQ(CountOf(result.console, " FILE NAME "), 3);
     EXPECT_EQ(CountOf(result.listing, "VERSION  1.00"), 1);
     EXPECT_EQ(CountOf(result.listing, "\n Second of two  "), 1);
@@ -350,25 +345,15 @@ TEST(Dialogue, SecondProblemAsksNothing) {
 // Faults: the separator card of a fixed deck read again as a title; "STOP" looked for beyond the first four columns, in
 // small letters or as a whole word.
 TEST(Dialogue, CardBehindAProblem) {
-    BarDeck bar;
-    bar.nx = 2;
-    bar.periods = {{1, 0.5}};
-    bar.fixedFormat = true;
-    bar.title = "First of two";
-    bar.end = " STOP and stop\n";
-    std::string deck = Build(bar);
-    bar.title = "Second of two";
-    bar.NULAZ = 1; // the deck is listed and put back in the midst of the second problem
-    bar.end = "STOP\nno card of the deck\n";
-    const RunResult result = RunWell(deck + Build(bar));
+    // The deck is listed and put back in the midst of the second problem.
+    const RunResult result =
+        RunWell(ShortDeck(3, 1, 1, "First of two", " STOP and stop\n", true) +
+                ShortDeck(1, 1, 1, "Second of two", "STOP\nno card of the deck\n", true));
     EXPECT_EQ(CountOf(result.listing, "\n First of two  "), 1);
     EXPECT_EQ(CountOf(result.listing, "\n    1 First of two  "), 1);
     EXPECT_EQ(CountOf(result.listing, "\n Second of two  "), 1);
     EXPECT_EQ(CountOf(result.listing, "E X E C U T I O N    T I M I N G"), 2);
-
-    bar.NULAZ = 3;
-    bar.end = "stop\n";
-    const RunResult small = RunDeck(Build(bar));
+    const RunResult small = RunDeck(ShortDeck(3, 1, 1, "One", "stop\n", true));
     ExpectRefused(small, "Title card: the deck ends here");
     EXPECT_EQ(CountOf(small.listing, "E X E C U T I O N    T I M I N G"), 1);
 }
@@ -461,7 +446,7 @@ TEST(Dialogue, FilesOfARun) {
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(ReadFile(folder + "/ZITEMP"), "as it was");
     EXPECT_EQ(result.messages, "      \n");
-    EXPECT_EQ(CountOf(result.mass, "         2   0.10000D+01\n"), 1);
+    EXPECT_EQ(CountOf(result.mass, "         3   0.10000D+01\n"), 1);
     int files = 0;
     for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder))
         ++files;

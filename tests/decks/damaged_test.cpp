@@ -52,16 +52,6 @@ template <std::size_t N> void ExpectFaults(const Fault (&faults)[N]) {
 
 constexpr const char* kOverflow = "UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR READ IN INPUT DATA";
 
-// Faults: memory without end for a deck that has none.
-TEST(Damaged, DevicesAreNoDecks) {
-    for (const char* name : {"/dev/zero", "/proc/self/mem"}) {
-        const RunResult run = RunInFolder(MakeTemporaryFolder(), std::string(name) + "\n", kSecondsToEnd);
-        EXPECT_EQ(run.status, 2) << name;
-        EXPECT_TRUE(Contains(run.errors, "can't read the deck " + std::string(name))) << run.errors;
-    }
-    ExpectLittleMemory();
-}
-
 constexpr std::size_t kStride = kSanitized ? 5 : 1;
 
 bool BeginsWith(const std::string& text, const std::string& head) {
@@ -116,12 +106,6 @@ template <class Action> void ForEachItem(const std::vector<std::string>& lines, 
     }
 }
 
-std::string WithItemOfLine(std::vector<std::string> lines, std::size_t n, const DeckItem& item,
-                           const char* text) {
-    lines[n] = WithItem(lines[n], item, text);
-    return JoinDeck(lines);
-}
-
 // Faults: a field that takes a letter for a number, or names another line; a count that is believed: endless loops, memory
 // without end, sizes that overflow.
 TEST(Damaged, LettersAndHugeNumbersInAnyField) {
@@ -129,13 +113,16 @@ TEST(Damaged, LettersAndHugeNumbersInAnyField) {
         const std::vector<std::string> lines = SplitDeck(SmallDeckText(name));
         ForEachItem(lines, [&](std::size_t n, const DeckItem& item) {
             const std::string what = name + (": " + lines[n]);
-            const RunResult run = RunDeck(WithItemOfLine(lines, n, item, "x"), kSecondsToEnd);
+            std::vector<std::string> bad = lines;
+            bad[n] = WithItem(lines[n], item, "x");
+            const RunResult run = RunDeck(JoinDeck(bad), kSecondsToEnd);
             ExpectOrderlyEnd(run, what);
             EXPECT_EQ(run.status, 2) << what;
             for (const std::string& words : {"deck zurt.dat, line " + std::to_string(n + 1) + ", ",
                                              std::string(", field "), std::string("x\"")})
                 EXPECT_TRUE(Contains(run.errors, words)) << what << run.errors;
-            ExpectOrderlyEnd(RunDeck(WithItemOfLine(lines, n, item, "2000000000"), kSecondsToEnd), what);
+            bad[n] = WithItem(lines[n], item, "2000000000");
+            ExpectOrderlyEnd(RunDeck(JoinDeck(bad), kSecondsToEnd), what);
         });
     }
     ExpectLittleMemory();
@@ -192,6 +179,8 @@ TEST(Damaged, NodesAndElements) {
         {"free", "16 1 1 1 2 1 0 3 0 1 0 ", 8, "3",
          " ELEMENT....................       1\n ELEMENT....................       2\n", 0},
         {"free", "1 1 8 0 0 0 0 0 ", 6, "6", "3D group card, field NGAUSY: \"6\""},
+        {"free", "3 3 0 0 0 0 \n1 1 8 0 0 0 0 0 \n1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 \n", kAll,
+         "3 0 0 0 0 0 \n1 1 8 0 0 0 0 0 \n", "PIVOT NIJE POZITIVAN ZA JEDNACINU BR.   1", 0},
         {"fixed", "       2      15      14", 0, "1", "element group 1: element 2 has no card"},
         {"steady free", kMiddles, 11, "33", "3D mid-side node card, field node 20: \"33\""},
         {"steady free", kMiddles, 12, "-1", "field node 21: \"-1\""},
@@ -203,12 +192,6 @@ TEST(Damaged, NodesAndElements) {
          "3",
          "element group 1: element 3 has no card"},
     });
-}
-
-TEST(Damaged, GroupWithoutElements) {
-    const std::string deck = Damaged({"free", "3 3 0 0 0 0 ", 1, "0", ""});
-    const RunResult run = RunWell(Replaced(deck, "1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 \n", ""));
-    EXPECT_TRUE(Contains(run.listing, "PIVOT NIJE POZITIVAN ZA JEDNACINU BR.   1"));
 }
 
 TEST(Damaged, Materials) {
@@ -292,6 +275,11 @@ TEST(Damaged, Rubbish) {
         const RunResult run = RunDeck(deck, kSecondsToEnd);
         ExpectOrderlyEnd(run, "deck " + std::to_string(++number));
         EXPECT_LT(run.errors.size(), 500U) << "a report shows no more than a piece of a line";
+    }
+    for (const std::string name : {"/dev/zero", "/proc/self/mem"}) { // decks without an end
+        const RunResult run = RunInFolder(MakeTemporaryFolder(), name + "\n", kSecondsToEnd);
+        EXPECT_EQ(run.status, 2) << name;
+        EXPECT_TRUE(Contains(run.errors, "can't read the deck " + name)) << run.errors;
     }
     ExpectLittleMemory();
 }

@@ -220,43 +220,36 @@ TEST(Faults, LimitedFileSize) {
     std::signal(SIGXFSZ, SIG_DFL);
 }
 
-Subject ManySteps() {
+// Faults: a step shown on the console ahead of what it stands for; a file that is cut between two flushes; a power cut at
+// any moment that harms the deck or loses steps that were shown; remains that keep the next run from its work.
+TEST(Faults, Killed) {
     BarDeck bar;
     bar.periods = {{60, 0.001}};
-    return Prepare("many steps", Build(bar));
-}
-
-// Faults: a step shown on the console ahead of what it stands for; a file that is cut between two flushes.
-TEST(Faults, KilledAtAFlush) {
-    const Subject subject = ManySteps();
-    const long flushes = subject.calls.at("flush");
+    const Subject many = Prepare("many steps", Build(bar)), fit = Prepare("fit", SmallDeckText("fit"));
+    const long flushes = many.calls.at("flush");
     for (long at = 1; at <= flushes; at += 1 + flushes / 40) {
         const RunResult run = RunUnder(
-            {{"FAULTS_KIND", "flush"}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", "kill"}}, subject);
+            {{"FAULTS_KIND", "flush"}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", "kill"}}, many);
         ASSERT_EQ(run.status, 128 + SIGKILL);
-        ASSERT_EQ(LossOf(run, subject, 0), "") << "killed at flush " << at << " of " << flushes;
+        ASSERT_EQ(LossOf(run, many, 0), "") << "killed at flush " << at << " of " << flushes;
     }
-}
-
-// Faults: a power cut that harms the deck or loses steps that were shown; remains that keep the next run from its work.
-TEST(Faults, KilledAtAnyMoment) {
     std::mt19937 random(20);
     int killed = 0;
-    for (const auto& [subject, runs] :
-         {std::pair{ManySteps(), 150}, {Prepare("fit", SmallDeckText("fit")), 50}}) {
+    for (const auto& [subject, runs] : {std::pair{&many, 150}, {&fit, 50}}) {
         const auto start = std::chrono::steady_clock::now();
-        RunUnder({}, subject);
+        RunUnder({}, *subject);
         const std::chrono::duration<double, std::micro> whole = std::chrono::steady_clock::now() - start;
         for (int i = 1; i <= runs; ++i) {
             const auto moment = 1 + static_cast<unsigned>(whole.count()) * (random() % 800) / 1000;
-            const RunResult run = RunUnder({{"FAULTS_KILL", std::to_string(moment)}}, subject, true);
-            ASSERT_EQ(LossOf(run, subject, 0), "") << subject.name << " after " << moment << " us, run " << i;
+            const RunResult run = RunUnder({{"FAULTS_KILL", std::to_string(moment)}}, *subject, true);
+            ASSERT_EQ(LossOf(run, *subject, 0), "")
+                << subject->name << " after " << moment << " us, run " << i;
             killed += run.status == 128 + SIGKILL ? 1 : 0;
             if (i % 10 != 0)
                 continue;
-            const RunResult again = RunUnder({}, subject, true);
+            const RunResult again = RunUnder({}, *subject, true);
             EXPECT_EQ(again.status, 0) << again.errors;
-            EXPECT_EQ(OutputsOf(again), OutputsOf(subject.good)) << subject.name;
+            EXPECT_EQ(OutputsOf(again), OutputsOf(subject->good)) << subject->name;
         }
     }
     EXPECT_GT(killed, 50);

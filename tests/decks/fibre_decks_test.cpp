@@ -95,32 +95,25 @@ std::string Multiplier(int ITMF1, int ITMF2, const std::vector<std::pair<double,
 TEST(Outlet, TimeMultiplierActsAtTheEndOfTheStepInItsGroups) {
     BarDeck bar = DeviceDeck(4, 1, 1);
     bar.groups = 2;
-    const std::vector<double> whole = Concentrations(bar);
-    SetCoefficient(bar, 0.5);
-    const std::vector<double> half = Concentrations(bar);
-    SetCoefficient(bar, 1.0);
-    bar.outlet = Multiplier(1, 1, {{0.0, 0.5}, {0.01, 0.5}});
-    ExpectEqual(Concentrations(bar), half);
+    const auto with = [&](double D, const std::string& outlet) {
+        SetCoefficient(bar, D);
+        bar.outlet = outlet;
+        return Concentrations(bar);
+    };
+    const std::string constant = OutletCards(1, 0.0), halving = Multiplier(1, 1, {{0.0, 0.5}, {0.01, 0.5}});
+    const std::vector<double> whole = with(1.0, constant), half = with(0.5, constant);
+    ExpectEqual(with(1.0, halving), half);
     bar.NDS = 4; // reads the cards as well
-    ExpectEqual(Concentrations(bar), half);
+    ExpectEqual(with(1.0, halving), half);
     bar.NDS = 1;
-    SetCoefficient(bar, 0.5);
-    bar.periods = {{1, 0.02}};
-    bar.outlet = Multiplier(1, 1, {{0.0, 0.0}, {0.04, 4.0}});
-    const std::vector<double> oneStep = Concentrations(bar);
-    bar.outlet = OutletCards(1, 0.0);
-    SetCoefficient(bar, 1.0);
-    ExpectEqual(oneStep, Concentrations(bar));
-
-    bar.periods = {{3, 0.02}};
-    bar.outlet = Multiplier(1, 0, {{0.0, 0.5}});
-    const std::vector<double> first = Concentrations(bar);
-    bar.outlet = Multiplier(0, 1, {{0.0, 0.5}});
-    const std::vector<double> second = Concentrations(bar);
+    const std::vector<double> first = with(1.0, Multiplier(1, 0, {{0.0, 0.5}}));
+    const std::vector<double> second = with(1.0, Multiplier(0, 1, {{0.0, 0.5}}));
     ASSERT_EQ(first.size(), 20U);
     EXPECT_GT(first[1], second[1]) << "the first half is the slow one";
     EXPECT_NEAR(first[1], second[3], 1e-5) << "and the other way round it mirrors";
     EXPECT_GT(first[1], whole[1]);
+    bar.periods = {{1, 0.02}};
+    ExpectEqual(with(0.5, Multiplier(1, 1, {{0.0, 0.0}, {0.04, 4.0}})), with(1.0, constant));
 }
 
 // Faults: memory for a table of no or endless points; counts that pass for switches.

@@ -240,8 +240,8 @@ TEST(Homogenization, OddArrangementsAreRightOrTold) {
             grid.factors[0] = odd.IHEQ == 1 ? 0.3 : 1.0;
             if (!inlet) // nothing on the far side: the inlet is the lowest plane, and the cell is full from there on
                 grid.places[0].erase(grid.places[0].begin(), grid.places[0].begin() + 2);
-            Invocation invocation = {{"-", "--wall-cells", "4"}, Build(grid)};
-            const RunResult run = RunProgram(MakeTemporaryFolder(), invocation);
+            const RunResult run =
+                RunProgram(MakeTemporaryFolder(), {{"-", "--wall-cells", "4"}, Build(grid)});
             const double fitted = Fitted(run.mass).at(0);
             const bool told = Contains(run.errors, "zurt: note: ") || run.status == 2;
             EXPECT_TRUE(told || (run.status == 0 && fitted > 0.0 && fitted < 1.0)) << odd.name << run.errors;

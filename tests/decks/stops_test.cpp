@@ -248,9 +248,7 @@ void ExpectStops(const std::vector<StopCase>& stops, const std::string& usualPla
             invocation.arguments.push_back("--words=" + std::to_string(stop.words));
         else
             ExpectStop(stop, usualPlace, RunDeck(stop.deck), 0);
-        const std::string folder = MakeTemporaryFolder();
-        WriteFile(folder + "/zurt.dat", stop.deck);
-        ExpectStop(stop, usualPlace, RunProgram(folder, invocation), 1);
+        ExpectStop(stop, usualPlace, RunProgram(FolderWith("zurt.dat", stop.deck), invocation), 1);
     }
 }
 

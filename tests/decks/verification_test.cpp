@@ -86,36 +86,21 @@ TEST(Verification, SteadyNonlinearSourceIsOfSecondOrderInTheMesh) {
                 [](int elements) { return LargestSteadyError(elements, 20); });
 }
 
-// The iteration on a bar of linear elements in one dimension: K(c) assembled with two Gauss points, K(c) dc = q - K(c) c.
+// The iteration on a bar of linear elements in one dimension: K(c) dc = q - K(c) c, so that the new solution carries the
+// known flux Q (x - L / 2) through each element with the coefficient of the old one, 1 + c in its middle.
 std::vector<double> FixedPointIncrements(int elements, double Q, int count) {
-    const double h = 1.0 / elements, g = 0.5773502588272095;
+    const double h = 1.0 / elements;
     std::vector<double> c(static_cast<std::size_t>(elements) + 1, 0.0), increments;
     for (int iteration = 0; iteration < count; ++iteration) {
-        const std::size_t n = static_cast<std::size_t>(elements) + 1;
-        std::vector<double> diagonal(n, 0.0), upper(n, 0.0), residual(n, 0.0);
-        for (std::size_t e = 0; e + 1 < n; ++e) {
-            double k = 0.0;
-            for (double r : {-g, g})
-                k += (1.0 + 0.5 * (1.0 - r) * c[e] + 0.5 * (1.0 + r) * c[e + 1]) / (2.0 * h);
-            diagonal[e] += k;
-            diagonal[e + 1] += k;
-            upper[e] = -k;
-            residual[e] += 0.5 * Q * h - k * (c[e] - c[e + 1]);
-            residual[e + 1] += 0.5 * Q * h - k * (c[e + 1] - c[e]);
-        }
-        // Thomas algorithm over the inner nodes.
-        for (std::size_t i = 2; i + 1 < n; ++i) {
-            const double factor = upper[i - 1] / diagonal[i - 1];
-            diagonal[i] -= factor * upper[i - 1];
-            residual[i] -= factor * residual[i - 1];
-        }
-        double norm = 0.0, next = 0.0;
-        for (std::size_t i = n - 2; i >= 1; --i) {
-            next = (residual[i] - (i + 2 < n ? upper[i] * next : 0.0)) / diagonal[i];
-            c[i] += next;
-            norm += 4.0 * next * next; // four nodes of the bar share each place
+        std::vector<double> next(c.size(), 0.0);
+        double norm = 0.0;
+        for (std::size_t e = 0; e + 1 < c.size(); ++e) {
+            const double flux = Q * ((static_cast<double>(e) + 0.5) * h - 0.5);
+            next[e + 1] = next[e] - flux * h / (1.0 + 0.5 * (c[e] + c[e + 1]));
+            norm += 4.0 * std::pow(next[e + 1] - c[e + 1], 2); // four nodes of the bar share each place
         }
         increments.push_back(std::sqrt(norm));
+        c = next;
     }
     return increments;
 }

@@ -132,23 +132,22 @@ TEST(FormMatrices, CapacitySumsToTheMeasure) {
     plane.elements = {{1, 2, 3, 4}};
     line.nodes = {{13.0, 104.0, 5.0}, {10.0, 100.0, 5.0}};
     line.elements = {{1, 2}};
-    struct Case {
+    const struct {
         Mesh mesh;
         int dimension, INDAX;
         std::vector<double> thickness;
         double expected;
-    };
-    const Case cases[] = {{Patch(3, 8, 0.0), 3, 0, {}, 8.0 * 0.994},
-                          {Patch(3, 20, 0.0), 3, 0, {}, 8.0 * 0.994},
-                          {Patch(3, 21, 0.0), 3, 0, {}, 8.0 * 0.994},
-                          {frustum, 3, 0, {}, volume},
-                          {plane, 2, 0, {}, 6.0},
-                          {plane, 2, 1, {}, 6.0 * 13.0},
-                          {plane, 2, 0, {8.0}, 6.0},
-                          {line, 1, 0, {}, 5.0},
-                          {line, 1, 0, {0.5}, 2.5},
-                          {line, 1, -1, {0.5}, 2.5 * 11.5}};
-    for (const Case& one : cases) {
+    } cases[] = {{Patch(3, 8, 0.0), 3, 0, {}, 8.0 * 0.994},
+                 {Patch(3, 20, 0.0), 3, 0, {}, 8.0 * 0.994},
+                 {Patch(3, 21, 0.0), 3, 0, {}, 8.0 * 0.994},
+                 {frustum, 3, 0, {}, volume},
+                 {plane, 2, 0, {}, 6.0},
+                 {plane, 2, 1, {}, 6.0 * 13.0},
+                 {plane, 2, 0, {8.0}, 6.0},
+                 {line, 1, 0, {}, 5.0},
+                 {line, 1, 0, {0.5}, 2.5},
+                 {line, 1, -1, {0.5}, 2.5 * 11.5}};
+    for (const auto& one : cases) {
         Problem problem;
         problem.dimension = one.dimension;
         problem.INDAX = one.INDAX;
@@ -188,7 +187,7 @@ TEST(FormMatrices, BoxAgainstClosedForm) {
                                      {1, {2, 3, -1}, {6.0, 15.0, 21.0}},
                                      {1, {2, 0, 3}, {6.0, 15.0, 21.0}},
                                      {1, {2, 3, 1}, {3.0, 5.0, 7.0}}};
-    for (const Case& expected : cases)
+    for (const auto& expected : cases)
         for (int NSTAC : {0, 1}) {
             Problem problem;
             problem.NSTAC = NSTAC;

@@ -188,6 +188,13 @@ template <int Dimension> struct Terms {
             element.TE1[k] = value;
         }
     }
+    // With a record of this side alone.
+    void Add(int side, const std::array<std::int32_t, 5>& fields) {
+        for (int other = 1; other <= kSides<Dimension>; ++other)
+            SetSide(other, {});
+        SetSide(side, fields);
+        Add();
+    }
     void Add() {
         const int ND = active.ND;
         std::fill(std::begin(K), std::end(K), 0.0);
@@ -230,8 +237,7 @@ template <int Dimension> void ExpectFluxOnSides(const std::vector<double>& exten
         Terms<Dimension> terms(model);
         terms.SetCorners(Skewed, 5.0);
         terms.run->clock.TIME = 1.0;
-        terms.SetSide(side, {2, 0, 0, 0, 0});
-        terms.Add();
+        terms.Add(side, {2, 0, 0, 0, 0});
         EXPECT_EQ(std::count(terms.FE, terms.FE + terms.active.ND, 0.0),
                   terms.active.ND - kSideCorners<Dimension>)
             << "side " << side;
@@ -257,8 +263,7 @@ TEST(SurfaceTerms, ParabolicEdgeUnderConstantFlux) {
     terms.active.midSideCount = 1;
     terms.active.midSide[0] = 8;
     terms.element.CORE[0][4] = 1.0;
-    terms.SetSide(1, {1, 0, 0, 0, 0});
-    terms.Add();
+    terms.Add(1, {1, 0, 0, 0, 0});
     const double expected[] = {2.0, 0.0, 0.0, 2.0, 8.0};
     for (int k = 0; k < 5; ++k)
         EXPECT_NEAR(terms.FE[k], expected[k], 1e-6) << k + 1;
@@ -277,8 +282,7 @@ TEST(SurfaceTerms, RadiationByTheSecant) {
         const double F = factors ? 0.75 : 1.0, e = 0.4, T = 400.0, E = 300.0;
         Terms<3> terms(model);
         terms.SetCorners(Skewed, T);
-        terms.SetSide(3, {0, 0, 1, 2, 3});
-        terms.Add();
+        terms.Add(3, {0, 0, 1, 2, 3});
         const double scale = e * model.SBC * F * kFaces[1];
         EXPECT_NEAR(terms.Load(), scale * (std::pow(E, 4) - std::pow(T, 4)), 1e-9);
         EXPECT_NEAR(terms.MatrixSum(), scale * (T * T + E * E) * (T + E), 1e-11);
@@ -297,12 +301,9 @@ TEST(SurfaceTerms, EdgesOfAxisymmetricElementsTakeTheFirstCoordinateAsRadius) {
     const auto place = [](double r, double s, double t) { return Place{r + 3.0, 5.0 * s + 50.0, t}; };
     Terms<2> plane(model);
     plane.SetCorners(place, 0.0);
-    plane.SetSide(1, {1, 0, 0, 0, 0}); // x = 4, 10 long
-    plane.Add();
+    plane.Add(1, {1, 0, 0, 0, 0}); // x = 4, 10 long
     EXPECT_NEAR(plane.Load(), 2.0 * 10.0 * 4.0, 1e-12);
-    plane.SetSide(1, {0, 0, 0, 0, 0});
-    plane.SetSide(3, {1, 0, 0, 0, 0}); // x from 4 to 2, 2 long; node 1 lies outside
-    plane.Add();
+    plane.Add(3, {1, 0, 0, 0, 0}); // x from 4 to 2, 2 long; node 1 lies outside
     EXPECT_NEAR(plane.FE[0], 2.0 * (3.0 + 1.0 / 3.0), 1e-6);
     EXPECT_NEAR(plane.FE[1], 2.0 * (3.0 - 1.0 / 3.0), 1e-6);
 }
@@ -317,8 +318,7 @@ TEST(SurfaceTerms, ValuesOfTheSideBefore) {
     model.environment = {{{0.0, 7.0}}};
     Terms<1> terms(model);
     terms.SetCorners(Skewed, 4.0);
-    terms.SetSide(2, {0, 1, 0, 0, 0});
-    terms.Add();
+    terms.Add(2, {0, 1, 0, 0, 0});
     EXPECT_EQ(terms.FE[1], 3.0 * (0.0 - 4.0)); // nothing came before
     terms.SetSide(1, {0, 1, 1, 1, 0});
     terms.SetSide(2, {0, 1, 0, 1, 0});

@@ -204,14 +204,12 @@ Shaped<3> Parallelepiped(const Point& a, const Point& b, const Point& c) {
 TEST(Jacobian, FaceScaleAndNormalAreTheCrossProductOfTheFreeRows) {
     const Point a = {2, 0, 0}, b = {0, 3, 0}, c = {0, 4, 5};
     const Shaped<3> brick = Parallelepiped(a, b, c);
-    struct Case {
+    // b x c, a x c, a x b
+    const struct {
         int KFIX;
         Point cross;
-    };
-    // b x c, a x c, a x b
-    const Case cases[] = {
-        {1, {15, 0, 0}}, {2, {0, -10, 8}}, {3, {0, 0, 6}}, {4, {15, 0, 0}}, {9, {15, 0, 0}}};
-    for (const Case& face : cases) {
+    } cases[] = {{1, {15, 0, 0}}, {2, {0, -10, 8}}, {3, {0, 0, 6}}, {4, {15, 0, 0}}, {9, {15, 0, 0}}};
+    for (const auto& face : cases) {
         ShapeValues<3> shape;
         JacobianValues<3> values;
         ASSERT_TRUE(

@@ -1,9 +1,8 @@
+#include "../elements/form_model.h"
 #include "homogenization/homogenization_card.h"
+#include "microscale/fibre_models.h"
 #include "microscale/fibre_step.h"
 #include "support/expect_stop.h"
-
-#include "../elements/form_model.h"
-#include "microscale/fibre_models.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,15 +10,8 @@
 namespace zurt {
 namespace {
 
-using testfibres::FibreThrough;
-using testfibres::MakeModel;
-using testfibres::MakeSet;
-using testfibres::MakeTable;
-using testfibres::RecordOf;
-using testmodel::BlockOfBricks;
-using testmodel::Mesh;
-using testmodel::Point;
-using testmodel::Problem;
+using namespace testfibres;
+using namespace testmodel;
 
 // A mesh under fibres, with the box of the device cards around it.
 struct Medium {
@@ -44,8 +36,6 @@ struct Medium {
     ~Medium() { DestroyWorkingVector(run.A); }
     Medium(const Medium&) = delete;
     Medium& operator=(const Medium&) = delete;
-
-    ConstIntArray NodeMarks() const { return IntSection(run.A, run.control.at.LFIBN, run.control.header.NP); }
 };
 
 FibreModel OneSphere(const Point& centre, double DIAM) {
@@ -99,7 +89,8 @@ TEST(FibreStep, NodesOutsideTheFluidLeaveTheModel) {
     Medium medium(mesh, SphereInTheBar());
     ApplyFibres(medium.run, medium.model);
     EXPECT_EQ(medium.model.groups[1].elementMark, (std::vector<std::int32_t>{1, 1, 0, 0, 1, 1}));
-    const ConstIntArray ID = EquationNumbers(medium.run), marks = medium.NodeMarks();
+    const ConstIntArray ID = EquationNumbers(medium.run),
+                        marks = IntSection(medium.run.A, medium.run.control.at.LFIBN, 28);
     std::int32_t next = 0;
     for (Word node = 1; node <= 28; ++node) {
         const Word i = (node - 1) % 7;

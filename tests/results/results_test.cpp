@@ -42,12 +42,21 @@ TEST(ListingLines, StandInTheListingsOfTheSmallDecks) {
     EXPECT_GT(count, 30);
 }
 
-// Six nodes with values 1.5, 2.5 ...; under NDS mass fluxes too.
-void Prepare(zurt::Run& run) {
-    run.control.header.NP = 6;
-    run.control.header.NDS = 1;
+void Prepare(zurt::Run& run, std::int32_t NP, std::int32_t NDS) {
+    run.control.header.NP = NP;
+    run.control.header.NDS = NDS;
+    run.control.header.IGRAF = 1;
+    const std::string title = "A title" + std::string(73, ' ');
+    std::memcpy(run.control.header.title, title.data(), kTitleLength);
+    run.outputs.GraphicsWritten = 7;
+    run.clock.TIME = 0.25;
     TakeNodeArrays(run);
     TakeSolverVectors(run);
+}
+
+// Six nodes with values 1.5, 2.5 ...; under NDS mass fluxes too.
+void Prepare(zurt::Run& run) {
+    Prepare(run, 6, 1);
     for (int i = 1; i <= 6; ++i) {
         NodalValues(run)(i) = i + 0.5;
         RealSection(run.A, run.control.at.LNDS[1], 6)(i) = 10.0 * i;
@@ -57,7 +66,7 @@ void Prepare(zurt::Run& run) {
 
 // Faults: IFORM without effect, or a form of its own for other values; flux y in the place of flux x; the Serbian head torn apart.
 TEST(NodalListing, FixedFormAndFluxes) {
-    zurt_test::SmallRun run;
+    SmallRun run;
     Prepare(run);
     run.control.header.IFORM = 1;
     PrintNodalResults(run);
@@ -69,19 +78,19 @@ TEST(NodalListing, FixedFormAndFluxes) {
         EXPECT_TRUE(zurt_test::Contains(listing, lines)) << listing;
     run.control.header.IFORM = 2;
     PrintNodalResults(run);
-    EXPECT_EQ(zurt_test::CountOf(ListingOf(run), "      0.15000E+01"), 1);
+    EXPECT_EQ(CountOf(ListingOf(run), "      0.15000E+01"), 1);
     run.job.Language = kSerbian;
     run.job.NonlinearFlag = 1;
     PrintNodalResults(run);
     EXPECT_TRUE(zurt_test::Contains(
         ListingOf(run),
-        "V R E M E = 0.00000E+00\n               T   E   M   P   E   R   A   T   U   R   E\n"
+        "V R E M E = 0.25000E+00\n               T   E   M   P   E   R   A   T   U   R   E\n"
         " BROJ ITERACIJA ............................. ITER =    0\n                  C V O R N E"));
 }
 
 // Faults: small values printed, set to 0 in print alone, or values of 1e-15 and above set to 0; fluxes changed too.
 TEST(NodalListing, SmallConcentrationsBecomeZero) {
-    zurt_test::SmallRun run;
+    SmallRun run;
     Prepare(run);
     const double before[] = {1e-16, -0.99e-15, 1.01e-15, -1e-15}, after[] = {0.0, 0.0, 1.01e-15, -1e-15};
     std::copy(before, before + 4, NodalValues(run).data);
@@ -92,18 +101,6 @@ TEST(NodalListing, SmallConcentrationsBecomeZero) {
         EXPECT_EQ(NodalValues(run)(i), after[i - 1]);
     EXPECT_EQ(flux(1), 1e-16);
     EXPECT_TRUE(zurt_test::Contains(ListingOf(run), "       1      0.00000E+00       2      0.00000E+00"));
-}
-
-void Prepare(zurt::Run& run, std::int32_t NP, std::int32_t NDS) {
-    run.control.header.NP = NP;
-    run.control.header.NDS = NDS;
-    run.control.header.IGRAF = 1;
-    const std::string title = "A title" + std::string(73, ' ');
-    std::memcpy(run.control.header.title, title.data(), kTitleLength);
-    run.outputs.GraphicsWritten = 7;
-    run.clock.TIME = 0.25;
-    TakeNodeArrays(run);
-    TakeSolverVectors(run);
 }
 
 std::string Head(const std::string& name, const std::string& constants) {

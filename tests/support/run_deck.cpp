@@ -126,9 +126,7 @@ std::string Replaced(std::string text, const std::string& part, const std::strin
 }
 
 RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed) {
-    Invocation invocation;
-    invocation.input = answers;
-    return RunProgram(folder, invocation, secondsAllowed);
+    return RunProgram(folder, {{}, answers}, secondsAllowed);
 }
 
 RunResult RunProgram(const std::string& folder, const Invocation& invocation, int secondsAllowed) {
