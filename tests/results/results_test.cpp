@@ -84,7 +84,7 @@ TEST(NodalListing, FixedFormAndFluxes) {
     PrintNodalResults(run);
     EXPECT_TRUE(zurt_test::Contains(
         ListingOf(run),
-        "V R E M E = 0.25000E+00\n               T   E   M   P   E   R   A   T   U   R   E\n"
+        "V R E M E = 2.50000E-01\n               T   E   M   P   E   R   A   T   U   R   E\n"
         " BROJ ITERACIJA ............................. ITER =    0\n                  C V O R N E"));
 }
 
