@@ -110,29 +110,9 @@ TEST(Classical, T2RadiatesAsPublished) {
     EXPECT_NEAR(RunRadiatingEdge(1e9, 1, 0)[1], 927.0, 0.05) << "linear along the bar: one element will do";
 }
 
-// Faults: sign and length of an edge flux; the flux of a time before; a flux lost while the problem iterates.
-TEST(Classical, FluxDrivesASlab) {
-    for (const int solver : {0, 2})
-        for (const bool iterates : {false, true}) {
-            PlaneDeck deck = Rectangle(5, 2, 0.0, 2.0, 0.0, 0.3);
-            deck.solver = solver;
-            for (int j = 0; j <= 2; ++j)
-                deck.nodes[static_cast<std::size_t>(GridNode2D(5, 0, j) - 1)].held = true;
-            deck.conductivity = {{0.0, 4.0}};
-            if (iterates)
-                deck.conductivity = {{-100.0, 4.0}, {100.0, 4.0}};
-            deck.flux = {{0.0, 3.0}, {1.0, 8.0}};
-            deck.groups[0].sides = {RightSide(5, 0, {1, 0, 0, 0, 0}), RightSide(5, 1, {1, 0, 0, 0, 0})};
-            const std::vector<double> values = Concentrations(deck);
-            for (int j = 0; j <= 2; ++j)
-                for (int i = 0; i <= 5; ++i)
-                    EXPECT_NEAR(At(values, GridNode2D(5, i, j)), 3.0 * 0.4 * i / 4.0, 1.1e-5)
-                        << i << ' ' << j;
-        }
-}
-
 // What flows into a body without another side stays in it: the mean at the end is the sum of flux and step, taken at the
-// ends of the steps. Faults: the time of the flux, the capacity matrix of a quadrilateral.
+// ends of the steps. Faults: sign and length of an edge flux, its time; a flux lost while the problem iterates; the capacity
+// matrix of a quadrilateral.
 TEST(Classical, FluxInTimeFillsAClosedSlab) {
     PlaneDeck deck = Rectangle(4, 1, 0.0, 0.5, 0.0, 0.2);
     deck.conductivity = {{-100.0, 1.0}, {100.0, 1.0}};
@@ -140,14 +120,17 @@ TEST(Classical, FluxInTimeFillsAClosedSlab) {
     deck.stepSize = 0.05;
     deck.flux = {{0.0, 0.0}, {1.0, 2.0}}; // q = 2 t
     deck.groups[0].sides = {RightSide(4, 0, {1, 0, 0, 0, 0})};
-    const std::vector<double> values = Concentrations(deck);
-    double mean = 0.0, given = 0.0;
-    for (int i = 0; i < 4; ++i)
-        mean += 0.125 * (At(values, i + 1) + At(values, i + 2));
-    for (int n = 1; n <= 10; ++n)
-        given += 0.05 * 2.0 * 0.05 * n;
-    std::printf("closed slab: mean %.6f, given %.6f\n", mean, given / 0.5);
-    EXPECT_NEAR(mean, given / 0.5, 1e-5);
+    for (const int solver : {0, 2}) {
+        deck.solver = solver;
+        const std::vector<double> values = Concentrations(deck);
+        double mean = 0.0, given = 0.0;
+        for (int i = 0; i < 4; ++i)
+            mean += 0.125 * (At(values, i + 1) + At(values, i + 2));
+        for (int n = 1; n <= 10; ++n)
+            given += 0.05 * 2.0 * 0.05 * n;
+        std::printf("closed slab: mean %.6f, given %.6f\n", mean, given / 0.5);
+        EXPECT_NEAR(mean, given / 0.5, 1e-5);
+    }
 }
 
 // A hollow cylinder with uniform source, both surfaces at zero.
@@ -340,7 +323,7 @@ std::string WithSolver(const std::string& deck, int solver, int& cards) {
 TEST(Classical, BothSolversAgreeOnEveryExample) {
     for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples")) {
         const std::string name = entry.path().filename().string();
-        if (!entry.is_directory() || // the script that made some of them
+        if (!std::filesystem::exists(entry.path() / "zurt.dat") || // made by a script, or a script
             (kSanitized && (name == "fibre_box" || name == "homogenization"))) // minutes
             continue;
         SCOPED_TRACE(name);

@@ -63,13 +63,11 @@ bool BeginsWith(const std::string& text, const std::string& head) {
 void ExpectCutsReported(const std::string& name) {
     const std::vector<std::string> lines = SplitDeck(SmallDeckText(name));
     const std::string whole = RunDeck(SmallDeckText(name), kSecondsToEnd).listing;
-    std::string head;
     std::size_t listed = 0;
     for (std::size_t n = 0; n < lines.size(); ++n) {
-        if (n % kStride != 0 && n + 1 < lines.size()) {
-            head += lines[n];
+        if (n % kStride != 0 && n + 1 < lines.size())
             continue;
-        }
+        const std::string head = JoinDeck({lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(n)});
         const std::string where = name + ", " + std::to_string(n) + " lines";
         const RunResult run = RunDeck(head, kSecondsToEnd);
         ExpectOrderlyEnd(run, where);
@@ -81,7 +79,6 @@ void ExpectCutsReported(const std::string& name) {
         listed = run.listing.size();
         ExpectOrderlyEnd(RunDeck(head + lines[n].substr(0, lines[n].size() / 2), kSecondsToEnd),
                          where + " and a half");
-        head += lines[n];
     }
     EXPECT_GT(2 * listed, whole.size()) << "results of the last problem are listed ahead of its end";
 }

@@ -237,6 +237,7 @@ template <int Dimension> void ExpectFluxOnSides(const std::vector<double>& exten
         Terms<Dimension> terms(model);
         terms.SetCorners(Skewed, 5.0);
         terms.run->clock.TIME = 1.0;
+        terms.run->job.NonlinearFlag = side % 2; // a flux acts in linear problems, too
         terms.Add(side, {2, 0, 0, 0, 0});
         EXPECT_EQ(std::count(terms.FE, terms.FE + terms.active.ND, 0.0),
                   terms.active.ND - kSideCorners<Dimension>)

@@ -107,10 +107,9 @@ template <int Dimension> struct Shaped {
     NodeCoordinates<Dimension> CORE = {};
 };
 
-template <int Dimension> struct OfDimension { static constexpr int value = Dimension; };
-
 template <class T> class ShapeFunctions : public testing::Test {};
-using Dimensions = testing::Types<OfDimension<1>, OfDimension<2>, OfDimension<3>>;
+using Dimensions = testing::Types<std::integral_constant<int, 1>, std::integral_constant<int, 2>,
+                                  std::integral_constant<int, 3>>;
 TYPED_TEST_SUITE(ShapeFunctions, Dimensions, );
 
 // Faults: a corner or mid-side node in the wrong place, a wrong pair of corners, a wrong share of a correction, a

@@ -1,8 +1,7 @@
 #include "core/widened_constants.h"
-#include "microscale/gauss_factors.h"
-
 #include "microscale/direction_curves.h"
 #include "microscale/fibre_models.h"
+#include "microscale/gauss_factors.h"
 #include "microscale/gauss_records.h"
 #include "microscale/merged_tables.h"
 
