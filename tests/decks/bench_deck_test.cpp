@@ -1,8 +1,6 @@
 // The scripts of bench/ are run by hand and seldom: here what they stand on is run at a tiny size.
 #include "../support/run_deck.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
 namespace {

@@ -1,20 +1,14 @@
 // Lines and quadrilaterals in whole runs against closed forms and published values: convection, radiation, flux, rings,
 // oblique lines, networks, torsion. Both solvers; the figures stand in docs/verification.md.
+#include "geometry/gauss_rules.h"
 #include "orderly_end.h"
 #include "support/orders.h"
 #include "support/plane_deck.h"
-#include "support/run_deck.h"
+#include "support/small_decks.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <iterator>
 #include <regex>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -28,8 +22,7 @@ double Digit(double about) {
 }
 
 std::vector<double> Concentrations(const PlaneDeck& deck, RunResult* whole = nullptr) {
-    const RunResult run = RunDeck(Build(deck), 300);
-    EXPECT_EQ(run.status, 0) << run.errors;
+    const RunResult run = RunWell(Build(deck));
     EXPECT_EQ(CountOf(run.listing, "END OF JOB"), 1) << run.listing.substr(run.listing.size() / 2);
     std::vector<double> values = LastConcentrations(run.listing);
     if (whole != nullptr)
@@ -76,12 +69,8 @@ TEST(Classical, T4ConvergesToTheSeries) {
 }
 
 // NAFEMS T2: length 0.1, k = 55.6, 1000 at one end; the other radiates to 300 with emissivity 0.98. The hot end is held
-// by a convection to 1000 with a coefficient `hold`.
-struct RadiatingEdge {
-    double hot = 0.0, radiating = 0.0;
-};
-
-RadiatingEdge RunRadiatingEdge(double hold, int elements, int solver) {
+// by a convection to 1000 with a coefficient `hold`. Returns the temperatures of the hot end and of the other.
+std::array<double, 2> RunRadiatingEdge(double hold, int elements, int solver) {
     PlaneDeck deck = Rectangle(elements, 1, 0.0, 0.1, 0.0, 0.01);
     deck.solver = solver;
     deck.conductivity = {{0.0, 55.6}};
@@ -111,39 +100,19 @@ double RadiatingEnd(double hold) {
 TEST(Classical, T2RadiatesAsPublished) {
     EXPECT_NEAR(RadiatingEnd(1e12), 927.0, 0.05) << "the reference itself";
     for (const double hold : {1e6, 1e7, 1e8, 1e9}) {
-        const RadiatingEdge edge = RunRadiatingEdge(hold, 4, 0), sparse = RunRadiatingEdge(hold, 4, 2);
-        std::printf("T2 h = %.0e: %9.3f, sparse %9.3f, exact for this h %10.4f, hot end %9.3f\n", hold,
-                    edge.radiating, sparse.radiating, RadiatingEnd(hold), edge.hot);
-        EXPECT_NEAR(edge.radiating, RadiatingEnd(hold), 0.011);
-        EXPECT_NEAR(sparse.radiating, edge.radiating, 0.011);
+        const auto [hot, edge] = RunRadiatingEdge(hold, 4, 0);
+        const double sparse = RunRadiatingEdge(hold, 4, 2)[1];
+        std::printf("T2 h = %.0e: %9.3f, sparse %9.3f, exact for this h %10.4f, hot end %9.3f\n", hold, edge,
+                    sparse, RadiatingEnd(hold), hot);
+        EXPECT_NEAR(edge, RadiatingEnd(hold), 0.011);
+        EXPECT_NEAR(sparse, edge, 0.011);
     }
-    EXPECT_NEAR(RunRadiatingEdge(1e9, 1, 0).radiating, 927.0, 0.05)
-        << "linear along the bar: one element will do";
-}
-
-// Faults: sign and length of an edge flux; the flux of a time before; a flux lost while the problem iterates.
-TEST(Classical, FluxDrivesASlab) {
-    for (const int solver : {0, 2})
-        for (const bool iterates : {false, true}) {
-            PlaneDeck deck = Rectangle(5, 2, 0.0, 2.0, 0.0, 0.3);
-            deck.solver = solver;
-            for (int j = 0; j <= 2; ++j)
-                deck.nodes[static_cast<std::size_t>(GridNode2D(5, 0, j) - 1)].held = true;
-            deck.conductivity = {{0.0, 4.0}};
-            if (iterates)
-                deck.conductivity = {{-100.0, 4.0}, {100.0, 4.0}};
-            deck.flux = {{0.0, 3.0}, {1.0, 8.0}};
-            deck.groups[0].sides = {RightSide(5, 0, {1, 0, 0, 0, 0}), RightSide(5, 1, {1, 0, 0, 0, 0})};
-            const std::vector<double> values = Concentrations(deck);
-            for (int j = 0; j <= 2; ++j)
-                for (int i = 0; i <= 5; ++i)
-                    EXPECT_NEAR(At(values, GridNode2D(5, i, j)), 3.0 * 0.4 * i / 4.0, 1.1e-5)
-                        << i << ' ' << j;
-        }
+    EXPECT_NEAR(RunRadiatingEdge(1e9, 1, 0)[1], 927.0, 0.05) << "linear along the bar: one element will do";
 }
 
 // What flows into a body without another side stays in it: the mean at the end is the sum of flux and step, taken at the
-// ends of the steps. Faults: the time of the flux, the capacity matrix of a quadrilateral.
+// ends of the steps. Faults: sign and length of an edge flux, its time; a flux lost while the problem iterates; the capacity
+// matrix of a quadrilateral.
 TEST(Classical, FluxInTimeFillsAClosedSlab) {
     PlaneDeck deck = Rectangle(4, 1, 0.0, 0.5, 0.0, 0.2);
     deck.conductivity = {{-100.0, 1.0}, {100.0, 1.0}};
@@ -151,15 +120,17 @@ TEST(Classical, FluxInTimeFillsAClosedSlab) {
     deck.stepSize = 0.05;
     deck.flux = {{0.0, 0.0}, {1.0, 2.0}}; // q = 2 t
     deck.groups[0].sides = {RightSide(4, 0, {1, 0, 0, 0, 0})};
-    const std::vector<double> values = Concentrations(deck);
-    double mean = 0.0;
-    for (int i = 0; i < 4; ++i)
-        mean += 0.125 * (At(values, i + 1) + At(values, i + 2));
-    double given = 0.0;
-    for (int n = 1; n <= 10; ++n)
-        given += 0.05 * 2.0 * 0.05 * n;
-    std::printf("closed slab: mean %.6f, given %.6f\n", mean, given / 0.5);
-    EXPECT_NEAR(mean, given / 0.5, 1e-5);
+    for (const int solver : {0, 2}) {
+        deck.solver = solver;
+        const std::vector<double> values = Concentrations(deck);
+        double mean = 0.0, given = 0.0;
+        for (int i = 0; i < 4; ++i)
+            mean += 0.125 * (At(values, i + 1) + At(values, i + 2));
+        for (int n = 1; n <= 10; ++n)
+            given += 0.05 * 2.0 * 0.05 * n;
+        std::printf("closed slab: mean %.6f, given %.6f\n", mean, given / 0.5);
+        EXPECT_NEAR(mean, given / 0.5, 1e-5);
+    }
 }
 
 // A hollow cylinder with uniform source, both surfaces at zero.
@@ -167,40 +138,33 @@ double HollowCylinder(double r, double a, double b, double Q, double k) {
     return Q / (4.0 * k) * (a * a - r * r + (b * b - a * a) * std::log(r / a) / std::log(b / a));
 }
 
+using RingErrors = std::array<double, 2>;
+
 // Two rings side by side in one deck, each a group with an end of its own; y is the radius. Largest nodal error of each.
-struct RingErrors {
-    double errors[2] = {};
-};
-
-constexpr double kRadii[2][2] = {{0.5, 2.0}, {3.0, 4.0}};
-
 RingErrors RunRings(int elements, int solver) {
-    PlaneDeck deck = Rectangle(1, elements, 0.0, 0.4, kRadii[0][0], kRadii[0][1]);
-    const PlaneDeck second = Rectangle(1, elements, 7.0, 7.3, kRadii[1][0], kRadii[1][1]);
-    const int shift = static_cast<int>(deck.nodes.size());
+    PlaneDeck deck = Rectangle(1, elements, 0.0, 0.4, 0.5, 2.0);
+    const PlaneDeck second = Rectangle(1, elements, 7.0, 7.3, 3.0, 4.0);
+    const std::size_t shift = deck.nodes.size();
     deck.nodes.insert(deck.nodes.end(), second.nodes.begin(), second.nodes.end());
     deck.groups.push_back(second.groups[0]);
     for (PlaneElement& element : deck.groups[1].elements)
         for (int& node : element.nodes)
-            node += shift;
-    for (PlaneGroup& group : deck.groups) {
-        group.INDAX = 1;
-        group.IZIP = 1;
-    }
+            node += static_cast<int>(shift);
+    for (PlaneGroup& group : deck.groups)
+        group.INDAX = group.IZIP = 1;
     for (PlaneNode& node : deck.nodes)
-        for (const double radius : {0.5, 2.0, 3.0, 4.0})
-            node.held = node.held || node.y == radius;
+        node.held = node.y == 0.5 || node.y == 2.0 || node.y == 3.0 || node.y == 4.0;
     deck.solver = solver;
     deck.conductivity = {{0.0, 2.0}};
     deck.source = {{0.0, 60.0}};
     const std::vector<double> values = Concentrations(deck);
-    RingErrors result;
+    RingErrors errors = {};
     for (std::size_t n = 0; n < deck.nodes.size(); ++n) {
-        const int ring = n < static_cast<std::size_t>(shift) ? 0 : 1;
-        const double exact = HollowCylinder(deck.nodes[n].y, kRadii[ring][0], kRadii[ring][1], 60.0, 2.0);
-        result.errors[ring] = std::max(result.errors[ring], std::fabs(values[n] - exact));
+        const bool first = n < shift;
+        const double exact = HollowCylinder(deck.nodes[n].y, first ? 0.5 : 3.0, first ? 2.0 : 4.0, 60.0, 2.0);
+        errors[first ? 0 : 1] = std::max(errors[first ? 0 : 1], std::fabs(values[n] - exact));
     }
-    return result;
+    return errors;
 }
 
 // Faults: a radius left out of conduction or source, or taken from the other coordinate; the radius of the first group
@@ -209,10 +173,10 @@ TEST(Classical, RingsConvergeToTheHollowCylinder) {
     double slab = 0.0;
     ExpectOrder({"ring 0.5 to 2.0, elements", 8, 3, 2.0, 0.2}, [&](int elements) {
         const RingErrors skyline = RunRings(elements, 0), sparse = RunRings(elements, 2);
-        for (int ring = 0; ring < 2; ++ring)
-            EXPECT_NEAR(sparse.errors[ring], skyline.errors[ring], 1.1e-4) << "a digit of the listing";
-        slab = skyline.errors[1];
-        return skyline.errors[0];
+        for (const std::size_t ring : {0U, 1U})
+            EXPECT_NEAR(sparse[ring], skyline[ring], 1.1e-4) << "a digit of the listing";
+        slab = skyline[1];
+        return skyline[0];
     });
     std::printf("ring 3.0 to 4.0, 32 elements: error %10.3e\n", slab);
     EXPECT_LT(slab, 1e-3) << "farther out the ring is nearly a slab, whose nodal values are exact";
@@ -250,17 +214,13 @@ TEST(Classical, ObliqueLineIsTheLineAlongX) {
         const std::vector<double> across = Concentrations(oblique);
         oblique.solver = 2;
         const std::vector<double> sparse = Concentrations(oblique);
-        double largest = 0.0;
         for (std::size_t n = 0; n < along.size(); ++n) {
             const double x = 7.0 * static_cast<double>(n) / static_cast<double>(along.size() - 1);
             const double exact = 6.0 * x * (7.0 - x) / (2.0 * 1.5);
             EXPECT_NEAR(along[n], exact, 0.51 * Digit(20.0));
             EXPECT_NEAR(across[n], along[n], 1.01 * Digit(20.0));
             EXPECT_NEAR(sparse[n], across[n], 1.01 * Digit(20.0));
-            largest = std::max(largest, std::fabs(across[n] - exact));
         }
-        std::printf("oblique line, %d nodes an element: largest error %.2e of 24.5\n", nodesOfElement,
-                    largest);
     }
 }
 
@@ -299,6 +259,58 @@ TEST(Classical, SquareShaftMeetsTheSeries) {
     });
 }
 
+// One element of nine nodes over (-1, 1) x (-1, 1) holds c (1 - x x) (1 - y y) exactly; a source f makes c = 5 f / 16.
+// Faults: stresses swapped or of the wrong sign, points in another order, a moment without its 2 or its Jacobian.
+TEST(Torsion, StressesAndMomentOfOneElement) {
+    const RunResult run = RunWell(SmallDeckText("torsion"));
+    const double c = 5.0 * 2.0 / 16.0;
+    const auto rows = RowsBelow(run.listing, "   NGX  NGY       TAUZY", 1);
+    ASSERT_EQ(rows.size(), 9U);
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) {
+            const std::vector<double>& row = rows[static_cast<std::size_t>(3 * i + j - 4)];
+            const double x = zurt::XG(3, i), y = zurt::XG(3, j); // the element is the reference element
+            const double expected[] = {
+                1.0 * i, 1.0 * j, 2.0 * c * x * (1.0 - y * y), -2.0 * c * y * (1.0 - x * x), x, y};
+            for (std::size_t k = 0; k < 6; ++k)
+                EXPECT_NEAR(row.at(k), expected[k], k < 4 ? 5e-4 : 5.1e-3);
+        }
+    for (const char* label : {"TORZE =", "TORZM ="})
+        EXPECT_NEAR(NumbersBehind(run.listing, label).at(0), 2.0 * c * 16.0 / 9.0, 5e-5);
+}
+
+// Faults: flags of other elements, moments that don't add up, a line without sources that is followed by others.
+TEST(Torsion, MomentOfTheElementsWithAFlag) {
+    PlaneDeck deck = Rectangle(4, 4, -1.0, 1.0, -1.0, 1.0);
+    deck.ITOR = 1;
+    deck.groups[0].IZIP = 1;
+    deck.groups[0].IPTG = 2;
+    for (PlaneNode& node : deck.nodes)
+        node.held = std::fabs(node.x) == 1.0 || std::fabs(node.y) == 1.0;
+    deck.conductivity = {{-9.0, 1.0}, {9.0, 1.0}};
+    deck.source = {{0.0, 2.0}};
+    std::string text = Build(deck);
+    const std::pair<std::string, const char*> cards[] = {
+        {"\n7 14 13 8 9 0 1 0 0 0 ", "5"}, // carried on until a card takes it back
+        {"\n8 15 14 9 10 0 1 0 0 0 ", "-1"},
+        {"\n16 25 24 19 20 0 1 0 0 0 ", "1"}};
+    for (const auto& [card, flag] : cards) {
+        text = Replaced(text, card + text.at(text.find(card) + card.size()), card + flag);
+    }
+    const std::string listing = RunDeck(text).listing;
+    const std::vector<double> moments = NumbersBehind(listing, "TORZE =");
+    ASSERT_GE(moments.size(), 2U);
+    EXPECT_NEAR(NumbersBehind(listing, "TORZM =").at(0), moments[0] + moments[1], 1e-5);
+    EXPECT_GT(moments[0], 2.0 * moments[1]) << "an element at the middle, another at a corner";
+    EXPECT_TRUE(Contains(listing, " SHARE STRESS AT GAUSS POINTS OF ELEMENT   16\n"));
+
+    deck.source.clear();
+    deck.groups[0].IZIP = 0;
+    const std::string none = RunDeck(Build(deck)).listing;
+    EXPECT_TRUE(Contains(none, "  THERE IS NOT TORSION, NQE=0\n"));
+    EXPECT_FALSE(Contains(none, "TORZ"));
+}
+
 // The deck with the fourth number of every format card replaced; `cards` counts them. In the examples only a format card
 // is four single digits of this kind.
 std::string WithSolver(const std::string& deck, int solver, int& cards) {
@@ -310,28 +322,23 @@ std::string WithSolver(const std::string& deck, int solver, int& cards) {
 // Faults: a group, a term or a restart of the iteration that one of the two assemblies treats in its own way.
 TEST(Classical, BothSolversAgreeOnEveryExample) {
     for (const auto& entry : std::filesystem::directory_iterator(ZURT_SOURCE_DIR "/examples")) {
-        if (!entry.is_directory()) // the script that made some of them
-            continue;
         const std::string name = entry.path().filename().string();
-        if (kSanitized && (name == "fibre_box" || name == "homogenization"))
-            continue; // minutes
+        if (!std::filesystem::exists(entry.path() / "zurt.dat") || // made by a script, or a script
+            (kSanitized && (name == "fibre_box" || name == "homogenization"))) // minutes
+            continue;
+        SCOPED_TRACE(name);
         const std::string deck = ReadFile((entry.path() / "zurt.dat").string());
         int cards = 0;
-        const RunResult skyline = RunDeck(WithSolver(deck, 0, cards)),
+        const RunResult skyline = RunWell(WithSolver(deck, 0, cards)),
                         sparse = RunDeck(WithSolver(deck, 2, cards));
-        EXPECT_EQ(skyline.status, 0) << name;
-        EXPECT_EQ(CountOf(skyline.listing, "END OF JOB"), cards) << name << ": one format card a problem";
-        if (name == "brick20") { // the sparse assembly takes 8 nodes an element
-            EXPECT_EQ(sparse.status, 2);
-            continue;
-        }
-        EXPECT_EQ(sparse.status, 0) << name << ": " << sparse.errors;
+        EXPECT_EQ(CountOf(skyline.listing, "END OF JOB"), cards) << "one format card a problem";
+        const bool takes20 = name == "brick20"; // the sparse assembly takes 8 nodes an element
+        EXPECT_EQ(sparse.status, takes20 ? 2 : 0) << sparse.errors;
         const auto expected = AllConcentrations(skyline.listing), found = AllConcentrations(sparse.listing);
-        ASSERT_FALSE(expected.empty()) << name;
-        ASSERT_EQ(found.size(), expected.size()) << name;
+        ASSERT_FALSE(expected.empty());
         double largest = 0.0; // in units of the last digit
-        for (std::size_t t = 0; t < expected.size(); ++t) {
-            ASSERT_EQ(found[t].size(), expected[t].size()) << name;
+        for (std::size_t t = 0; t < expected.size() && !takes20; ++t) {
+            ASSERT_EQ(found.at(t).size(), expected[t].size());
             for (std::size_t n = 0; n < expected[t].size(); ++n)
                 if (std::fabs(expected[t][n]) > 1e-12)
                     largest =
@@ -339,7 +346,7 @@ TEST(Classical, BothSolversAgreeOnEveryExample) {
         }
         std::printf("%-18s %2zu tables, largest difference %.2f units of the last digit\n", name.c_str(),
                     expected.size(), largest);
-        EXPECT_LT(largest, 1.01) << name;
+        EXPECT_LT(largest, 1.01);
     }
 }
 
@@ -366,8 +373,9 @@ TEST(Classical, RecordsOfLinesAndBricksChangeNothing) {
     line.nodes[4].held = false;
     PlaneDeck bricks = BrickBar(3);
     bricks.groups[0].sides = {{3, {13, 14, 15, 16}, {1, 1, 1, 1, 0}}, {1, {1, 2, 5, 6}, {1, 1, 1, 1, 0}}};
-    for (PlaneDeck deck : {line, bricks})
+    for (const PlaneDeck& one : {line, bricks})
         for (const int solver : {0, 2}) {
+            PlaneDeck deck = one;
             deck.solver = solver;
             deck.conductivity = {{-100.0, 1.0}, {100.0, 5.0}};
             deck.source = {{100.0, 0.5}};
@@ -375,20 +383,15 @@ TEST(Classical, RecordsOfLinesAndBricksChangeNothing) {
             deck.environment = {{100.0, 3.0}};
             deck.convection = {{0.0, 2.0}};
             deck.emissivity = {{0.0, 0.9}};
-            const RunResult with = RunDeck(Build(deck));
-            PlaneDeck bare = deck;
-            bare.groups[0].sides.clear();
-            const RunResult without = RunDeck(Build(bare));
+            const RunResult with = RunWell(Build(deck));
+            deck.groups[0].sides.clear();
+            const RunResult without = RunWell(Build(deck));
             EXPECT_EQ(CountOf(with.errors, "surface records act in 2D groups alone"), 1) << with.errors;
             EXPECT_EQ(without.errors, "");
             EXPECT_GT(LastConcentrations(without.listing).back(), 0.1) << "a result to be changed";
             EXPECT_EQ(ResultsOfListing(with.listing), ResultsOfListing(without.listing));
-            const auto iterations = [](const RunResult& run) {
-                const std::size_t at = run.listing.find(" ITERATION =");
-                return at == std::string::npos ? "none" : run.listing.substr(at);
-            };
-            EXPECT_EQ(iterations(with), iterations(without));
-            EXPECT_GT(CountOf(iterations(with), " ITERATION ="), 2);
+            EXPECT_EQ(CountOf(with.listing, " ITERATION ="), CountOf(without.listing, " ITERATION ="));
+            EXPECT_GT(CountOf(with.listing, " ITERATION ="), 2);
         }
 }
 

@@ -3,8 +3,6 @@
 #include "support/run_deck.h"
 #include "support/small_decks.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -15,9 +13,7 @@
 #include <random>
 #include <set>
 #include <sstream>
-#include <string>
 #include <sys/resource.h>
-#include <vector>
 
 #ifdef ZURT_FAIL_PRELOAD
 
@@ -159,53 +155,45 @@ void FailCalls(const Subject& subject, const std::string& kind, const std::strin
                       << " and " << places.size() - 1 << " others of " << calls << ": " << fault;
 }
 
+struct FaultCase {
+    const char *kind, *mode;
+    long most; // runs, spread over the calls
+};
+
+void FailAll(const std::vector<FaultCase>& cases) {
+    for (const Subject& subject : Subjects())
+        for (const FaultCase& fault : cases)
+            FailCalls(subject, fault.kind, fault.mode, fault.most);
+}
+
 // Faults: a refused open, lock, read, flush, close or scratch file passed over, reported twice or not as what it is; a
-// crash; records behind the failure; files of the run, or its deck, harmed.
+// crash; records behind the failure; files of the run, or its deck, harmed; a state of a file that the system doesn't tell
+// ends a run that is complete by an uncaught exception.
 TEST(Faults, FailingFiles) {
-    for (const Subject& subject : Subjects()) {
-        for (const char* kind : {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink",
-                                 "read", "lock", "thread"})
-            FailCalls(subject, kind, "once", 16);
-        for (const char* kind : {"open", "flush", "close"})
-            FailCalls(subject, kind, "on", 8);
-    }
+    std::vector<FaultCase> cases = {
+        {"open", "on", 8}, {"flush", "on", 8}, {"close", "on", 8}, {"stat", "once", 30}};
+    for (const char* kind :
+         {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink", "read", "lock", "thread"})
+        cases.push_back({kind, "once", 16});
+    FailAll(cases);
 }
 
-// Faults: a record that is not written passed over, what stands ahead of it lost.
+// Faults: a record that is not written passed over, what stands ahead of it lost; a disk that stays full ends the run by a
+// second stop that nobody catches.
 TEST(Faults, FailingWrites) {
-    for (const Subject& subject : Subjects())
-        FailCalls(subject, "write", "once", 30);
-}
-
-// Faults: a disk that stays full ends the run by a second stop that nobody catches.
-TEST(Faults, FullDisk) {
-    for (const Subject& subject : Subjects())
-        FailCalls(subject, "write", "on", 12);
-}
-
-// Faults: a state of a file that the system doesn't tell ends a run that is complete by an uncaught exception.
-TEST(Faults, FailingStates) {
-    for (const Subject& subject : Subjects())
-        FailCalls(subject, "stat", "once", 30);
+    FailAll({{"write", "once", 30}, {"write", "on", 12}});
 }
 
 // Faults: memory that is missing while the arguments are read, in the run or while its end is reported: a crash.
 TEST(Faults, NoMemory) {
-    for (const Subject& subject : Subjects()) {
-        FailCalls(subject, "memory", "once", 50);
-        FailCalls(subject, "memory", "on", 8);
-    }
+    FailAll({{"memory", "once", 50}, {"memory", "on", 8}});
 }
 
-// Faults: a call of the solver without an answer, or an end of the process within it, taken for success.
+// Faults: a call of the solver without an answer, or an end of the process within it, taken for success; a wait without end
+// for address space that the process may not have.
 TEST(Faults, NoMemoryInTheSolver) {
     const Subject subject = Prepare("sparse", SmallDeckText("sparse"));
     FailCalls(subject, "solver", "once", 120, VerdictOnSolver);
-}
-
-// Faults: a wait without end for address space that the process may not have.
-TEST(Faults, LimitedAddressSpace) {
-    const Subject subject = Prepare("sparse", SmallDeckText("sparse"));
     for (int megabytes = 900; megabytes <= 1200; megabytes += 20) {
         const RunResult run = RunUnder({{"FAULTS_SPACE", std::to_string(megabytes)}}, subject);
         ASSERT_EQ(VerdictOnSolver(run, subject), "") << megabytes << run.errors;
@@ -232,43 +220,36 @@ TEST(Faults, LimitedFileSize) {
     std::signal(SIGXFSZ, SIG_DFL);
 }
 
-Subject ManySteps() {
+// Faults: a step shown on the console ahead of what it stands for; a file that is cut between two flushes; a power cut at
+// any moment that harms the deck or loses steps that were shown; remains that keep the next run from its work.
+TEST(Faults, Killed) {
     BarDeck bar;
     bar.periods = {{60, 0.001}};
-    return Prepare("many steps", Build(bar));
-}
-
-// Faults: a step shown on the console ahead of what it stands for; a file that is cut between two flushes.
-TEST(Faults, KilledAtAFlush) {
-    const Subject subject = ManySteps();
-    const long flushes = subject.calls.at("flush");
+    const Subject many = Prepare("many steps", Build(bar)), fit = Prepare("fit", SmallDeckText("fit"));
+    const long flushes = many.calls.at("flush");
     for (long at = 1; at <= flushes; at += 1 + flushes / 40) {
         const RunResult run = RunUnder(
-            {{"FAULTS_KIND", "flush"}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", "kill"}}, subject);
+            {{"FAULTS_KIND", "flush"}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", "kill"}}, many);
         ASSERT_EQ(run.status, 128 + SIGKILL);
-        ASSERT_EQ(LossOf(run, subject, 0), "") << "killed at flush " << at << " of " << flushes;
+        ASSERT_EQ(LossOf(run, many, 0), "") << "killed at flush " << at << " of " << flushes;
     }
-}
-
-// Faults: a power cut that harms the deck or loses steps that were shown; remains that keep the next run from its work.
-TEST(Faults, KilledAtAnyMoment) {
     std::mt19937 random(20);
     int killed = 0;
-    for (const auto& [subject, runs] :
-         {std::pair{ManySteps(), 150}, {Prepare("fit", SmallDeckText("fit")), 50}}) {
+    for (const auto& [subject, runs] : {std::pair{&many, 150}, {&fit, 50}}) {
         const auto start = std::chrono::steady_clock::now();
-        RunUnder({}, subject);
+        RunUnder({}, *subject);
         const std::chrono::duration<double, std::micro> whole = std::chrono::steady_clock::now() - start;
         for (int i = 1; i <= runs; ++i) {
             const auto moment = 1 + static_cast<unsigned>(whole.count()) * (random() % 800) / 1000;
-            const RunResult run = RunUnder({{"FAULTS_KILL", std::to_string(moment)}}, subject, true);
-            ASSERT_EQ(LossOf(run, subject, 0), "") << subject.name << " after " << moment << " us, run " << i;
+            const RunResult run = RunUnder({{"FAULTS_KILL", std::to_string(moment)}}, *subject, true);
+            ASSERT_EQ(LossOf(run, *subject, 0), "")
+                << subject->name << " after " << moment << " us, run " << i;
             killed += run.status == 128 + SIGKILL ? 1 : 0;
             if (i % 10 != 0)
                 continue;
-            const RunResult again = RunUnder({}, subject, true);
+            const RunResult again = RunUnder({}, *subject, true);
             EXPECT_EQ(again.status, 0) << again.errors;
-            EXPECT_EQ(OutputsOf(again), OutputsOf(subject.good)) << subject.name;
+            EXPECT_EQ(OutputsOf(again), OutputsOf(subject->good)) << subject->name;
         }
     }
     EXPECT_GT(killed, 50);

@@ -1,26 +1,21 @@
 // Decks that once ended without a word on what is wrong with them, by name.
 #include "support/run_deck.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <filesystem>
-#include <string>
 
 namespace zurt_test {
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Finding {
-    const char* name;
-    int status;
-    const char* words; // on standard error; "": nothing is wrong any more
-};
-
 // Faults: a value without a meaning, a number that is none, an overflow or an empty result that passes in silence.
 TEST(Findings, EndAsTheyShould) {
-    const Finding findings[] = {
+    const struct {
+        const char* name;
+        int status;
+        const char* words; // on standard error; "": nothing is wrong any more
+    } findings[] = {
         {"memory_medium_without_curve", 2, "material 2 (NMATT) has no diffusion curve"},
         {"norm_overflow_1e155", 0, ""},
         {"norm_overflow_torsion", 0, ""},
@@ -47,7 +42,7 @@ TEST(Findings, EndAsTheyShould) {
         {"silent_sparse_negative_diffusion", 2, "a negative coefficient at concentration 0 of material 1"},
         {"ub_sparse_pointer_before_array", 0, ""},
     };
-    for (const Finding& finding : findings) {
+    for (const auto& finding : findings) {
         const std::string deck =
             ReadFile(ZURT_SOURCE_DIR "/tests/decks/findings/" + std::string(finding.name) + ".dat");
         ASSERT_FALSE(deck.empty()) << finding.name;

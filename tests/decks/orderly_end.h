@@ -4,10 +4,6 @@
 
 #include "support/run_deck.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include <sys/resource.h>
 
 namespace zurt_test {

@@ -28,9 +28,8 @@ struct Mesh {
 struct Problem {
     int dimension = 3, SparseMode = 0, INDAX = 0;
     std::vector<double> thickness; // thickness or area by element; empty: lines have area 1
-    int NDS = 0, NSTAC = 0, IANIZ = 0, NonlinearFlag = 0, INTEB = 1, IZIP = 0, ITOR = 0;
+    int NDS = 0, NSTAC = 0, IANIZ = 0, NonlinearFlag = 0, IZIP = 0, ITOR = 0;
     double TIME = 0.0, StartTime = 0.0, TimeStep = 1.0;
-    double OutletStart = 0.0, OutletEnd = 0.0;
     double AMOLAR = 0.0;
     int NANLK = 0, NANLC = 0;
     std::vector<Curve> conduction = {
@@ -38,7 +37,7 @@ struct Problem {
     std::vector<Curve> capacity = {{{0.0, 1.0}}}; // by material
     std::vector<std::array<int, 3>> functions = {{1, 0, 0}};
     std::array<double, 3> multipliers = {1.0, 1.0, 1.0};
-    double density = 1.0, maximum = 0.0, minimum = 0.0;
+    double density = 1.0, maximum = 0.0;
     std::vector<Curve> sources;
     std::vector<int> elementMaterials; // under NDS; empty: all 1
     std::vector<int> elementSources;   // under IZIP above 0; empty: all 1
@@ -144,7 +143,7 @@ inline void SetMaterials(Run& run, const Problem& problem) {
         }
         MaterialDensities(run)(m) = problem.density;
         MaterialMaxima(run)(m) = problem.maximum;
-        MaterialMinima(run)(m) = problem.minimum;
+        MaterialMinima(run)(m) = 0.0;
     }
 }
 
@@ -182,7 +181,7 @@ inline void BuildModel(Run& run, const Mesh& mesh, const Problem& problem) {
     header.NDS = problem.NDS;
     header.NSTAC = problem.NSTAC;
     header.IANIZ = problem.IANIZ;
-    header.INTEB = problem.INTEB;
+    header.INTEB = 1;
     header.ITOR = problem.ITOR;
     header.AMOLAR = problem.AMOLAR;
     run.job.NonlinearFlag = problem.NonlinearFlag;
@@ -190,8 +189,6 @@ inline void BuildModel(Run& run, const Mesh& mesh, const Problem& problem) {
     run.clock.TIME = problem.TIME;
     run.clock.StartTime = problem.StartTime;
     run.clock.TimeStep = problem.TimeStep;
-    run.clock.OutletStart = problem.OutletStart;
-    run.control.outlet.OutletEnd = problem.OutletEnd;
     run.clock.FactorFlag = 1;
     SetNodes(run, mesh);
     SetGroup(run, mesh, problem);
@@ -232,7 +229,8 @@ inline double SystemSum(const Run& run) {
     return sum;
 }
 
-// A block of nx * ny * nz bricks of 8 nodes with its corners moved by `place` from the unit spacing.
+// A block of nx * ny * nz bricks of 8 nodes with its corners moved by `place` from the unit spacing; with nz 0 of
+// quadrilaterals.
 template <class Place> Mesh BlockOfBricks(int nx, int ny, int nz, Place place) {
     Mesh mesh;
     for (int k = 0; k <= nz; ++k)
@@ -247,6 +245,10 @@ template <class Place> Mesh BlockOfBricks(int nx, int ny, int nz, Place place) {
                                          number(i, j, k + 1), number(i + 1, j, k + 1),
                                          number(i + 1, j + 1, k), number(i, j + 1, k), number(i, j, k),
                                          number(i + 1, j, k)});
+    for (int j = 0; nz == 0 && j < ny; ++j)
+        for (int i = 0; i < nx; ++i)
+            mesh.elements.push_back(
+                {number(i + 1, j + 1, 0), number(i, j + 1, 0), number(i, j, 0), number(i + 1, j, 0)});
     return mesh;
 }
 

@@ -3,33 +3,27 @@
 #include "elements/forming/nodal_averaging.h"
 #include "form_model.h"
 #include "geometry/gather.h"
-#include "support/small_run.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <numeric>
 
 namespace zurt {
 namespace {
 
 using namespace testmodel;
-using zurt_test::ListingOfStop;
 
 constexpr double kQuadrature = 2e-7;
 
-Mesh Block(std::vector<int> held = {}) {
-    Mesh mesh = BlockOfBricks(2, 1, 1, [](int i, int j, int k) {
+Mesh Block() {
+    return BlockOfBricks(2, 1, 1, [](int i, int j, int k) {
         return Point{1.0 * i, 2.0 * j + 0.1 * i, 3.0 * k};
     });
-    mesh.held = std::move(held);
-    return mesh;
 }
 constexpr double kVolume = 12.0;
 
 double Sum(RealArray values) {
-    double sum = 0.0;
-    for (Word i = 1; i <= values.length; ++i)
-        sum += values(i);
-    return sum;
+    return std::accumulate(values.data, values.data + values.length, 0.0);
 }
 
 // Faults: the order of precedence of list, equation and outlet; the second form of the gather taken for the first.
@@ -94,16 +88,10 @@ TEST(FormTerms, Sources) {
         several.IZIP = IZIP;
         EXPECT_EQ(Load(several, 0.5, 1.5), 0.0);
     }
-}
-
-// At its exact end a curve gives no value, and the one before holds. Faults: a load of zero, or of the mean rate from
-// zero, in the last step of a run.
-TEST(FormTerms, SourceAtTheEndOfItsCurve) {
-    Problem problem;
-    problem.IZIP = 1;
-    problem.sources = {{{0.0, 4.0}, {1.0, 6.0}}, {{0.0, 0.0}, {9.0, 0.0}}};
-    problem.TIME = 0.5;
-    Model model(Block(), problem);
+    // At its exact end a curve gives no value, and the one before holds: no load of zero in the last step of a run.
+    one.sources = {{{0.0, 4.0}, {1.0, 6.0}}, {{0.0, 0.0}, {9.0, 0.0}}};
+    one.TIME = 0.5;
+    Model model(Block(), one);
     testmodel::FormSystem(model.run);
     model.run.clock.TIME = 1.0;
     testmodel::FormSystem(model.run);
@@ -114,16 +102,16 @@ TEST(FormTerms, SourceAtTheEndOfItsCurve) {
 double Stiffness(const Problem& problem, double concentration) {
     Problem unit;
     unit.conduction = {{{0.0, 1.0}}};
-    double sum[2] = {0.0, 0.0};
-    const Problem* problems[2] = {&problem, &unit};
-    for (int which = 0; which < 2; ++which) {
-        Model model(Block(), *problems[which]);
+    const auto diagonal = [=](const Problem& of) {
+        Model model(Block(), of);
         Fill(StepSolution(model.run), concentration);
         testmodel::FormSystem(model.run);
+        double sum = 0.0;
         for (Word i = 1; i <= model.run.sizes.JEDN; ++i)
-            sum[which] += SystemEntry(model.run, i, i);
-    }
-    return sum[0] / sum[1];
+            sum += SystemEntry(model.run, i, i);
+        return sum;
+    };
+    return diagonal(problem) / diagonal(unit);
 }
 
 // Faults: the sign of a concentration kept, the material of an element ignored, multipliers applied under NDS, the end of
@@ -207,53 +195,15 @@ RealArray Result(const Run& run, int number) {
     return RealSection(run.A, run.control.at.LNDS[number], run.control.header.NP);
 }
 
-void EvaluateResults(Run& run) {
-    AddGroupResults(run, run.groups[1]);
-    AverageNodalResults(run);
-}
-
 Mesh DistortedBlock() {
     return BlockOfBricks(2, 2, 2, [](int i, int j, int k) {
         return Point{i + 0.05 * ((i + 2 * j + k) % 3), j + 0.3 * i, k + 0.05 * ((2 * i + j + 3 * k) % 4)};
     });
 }
 
-Problem Device() {
-    Problem problem;
-    problem.NDS = 1;
-    problem.NonlinearFlag = 1;
-    problem.conduction = {{{0.0, 2.5}}};
-    return problem;
-}
-
-// Faults: flux of the wrong sign or axis, sums that are not averaged, counters or sums kept from the step before, the
-// molar mass on the wrong vectors.
-TEST(FormFlux, LinearFieldOnADistortedBlock) {
-    for (double AMOLAR : {0.0, -3.0, 4.0}) {
-        Problem problem = Device();
-        problem.AMOLAR = AMOLAR;
-        const Mesh mesh = DistortedBlock();
-        Model model(mesh, problem);
-        for (Word n = 1; n <= model.run.control.header.NP; ++n) {
-            const Point& at = mesh.nodes[static_cast<std::size_t>(n) - 1];
-            StepSolution(model.run)(n) = 1.0 + 2.0 * at[0] - at[1] + 0.5 * at[2];
-        }
-        EvaluateResults(model.run);
-        EvaluateResults(model.run);
-        const double flux[3] = {-5.0, 2.5, -1.25};
-        for (Word n = 1; n <= model.run.control.header.NP; ++n)
-            for (int axis = 0; axis < 3; ++axis) {
-                EXPECT_NEAR(Result(model.run, 4 + axis)(n), flux[axis], 1e-12);
-                EXPECT_NEAR(Result(model.run, 1 + axis)(n), (AMOLAR > 0.0 ? AMOLAR : 1.0) * flux[axis],
-                            1e-11);
-                EXPECT_NEAR(Result(model.run, 7 + axis)(n), 2.5, 1e-12);
-            }
-        EXPECT_EQ(model.run.averaging.contributions[13], 8);
-    }
-}
-
-// With D(c) = c the coefficient at a node is the concentration at the Gauss point that stands for it. Faults: a point
-// that stands for another node, another rule than two points a direction, a wrong mean at the mid-side nodes, parts along
+// With D(c) = c the coefficient at a node is the concentration at the Gauss point that stands for it. (Means over several
+// elements: tests/decks/examples_test.cpp.) Faults: flux of the wrong sign or axis, sums that are not averaged or kept from
+// the visit before, the molar mass on the wrong vectors or below 0; a point that stands for another node, another rule than two points a direction, a wrong mean at the mid-side nodes, parts along
 // z in the plane.
 TEST(FormFlux, PointsStandForTheirNodes) {
     const std::vector<Point> brick = {
@@ -273,10 +223,13 @@ TEST(FormFlux, PointsStandForTheirNodes) {
                                                : Point{at[0] / 3.0, -2.0 * at[0] / 3.0, 2.0 * at[0] / 3.0});
             mesh.elements[0].push_back(static_cast<int>(mesh.nodes.size()));
         }
-        Problem problem = Device();
+        Problem problem;
+        problem.NDS = problem.NonlinearFlag = 1;
         problem.dimension = dimension;
         problem.NGAUS = {3, 1, 3};
         problem.conduction = {{{0.0, 0.0}, {1000.0, 1000.0}}};
+        problem.AMOLAR = dimension == 3 ? 4.0 : dimension == 2 ? -3.0 : 0.0;
+        const double molar = dimension == 3 ? 4.0 : 1.0;
         Model model(mesh, problem);
         const auto field = [](const Point& at, double factor) {
             return 200.0 + factor * (3.0 * at[0] + 10.0 * at[1] + 100.0 * at[2]);
@@ -286,11 +239,15 @@ TEST(FormFlux, PointsStandForTheirNodes) {
                                                 : Point{1.0, -2.0, 2.0};
         for (std::size_t n = 0; n < places.size(); ++n)
             StepSolution(model.run)(static_cast<Word>(n) + 1) = field(places[n], 1.0);
-        EvaluateResults(model.run);
+        for (int visit = 0; visit < 2; ++visit) {
+            AddGroupResults(model.run, model.run.groups[1]);
+            AverageNodalResults(model.run);
+        }
         for (std::size_t n = 0; n < places.size(); ++n)
             for (int axis = 0; axis < 3; ++axis) {
                 const double D = field(places[n], g), slope = gradient[static_cast<std::size_t>(axis)];
                 const Word node = static_cast<Word>(n) + 1;
+                EXPECT_NEAR(Result(model.run, 1 + axis)(node), -molar * D * slope, 1e-7) << node;
                 EXPECT_NEAR(Result(model.run, 4 + axis)(node), -D * slope, 1e-8) << node;
                 EXPECT_NEAR(Result(model.run, 7 + axis)(node), axis < dimension ? D : 0.0, 1e-11) << node;
             }
@@ -318,22 +275,8 @@ TEST(FormVisit, WorkBlockBeginsAtTheSameWordEveryTime) {
     }
 }
 
-// Faults: another time integration that forms lines or goes on without a word (bricks: a deck of
-// tests/timeint/steps_test.cpp); the matrix flag ignored.
-TEST(FormVisit, WhatIsNotFormed) {
-    Problem problem;
-    problem.INTEB = 2;
-    problem.dimension = 1;
-    Mesh line;
-    line.nodes = {{0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}};
-    line.elements = {{1, 2}};
-    EXPECT_EQ(ListingOfStop([&](TextUnit& unit) {
-                  Model lines(line, problem);
-                  lines.run.units.console = unit;
-                  testmodel::FormSystem(lines.run);
-              }),
-              " NIJE UGRADJENA ALFA INTEGRACIJA\n");
-
+// Fault: the matrix flag ignored.
+TEST(FormVisit, VectorAlone) {
     Problem sources;
     sources.IZIP = 1;
     sources.sources = {{{0.0, 1.0}}};
@@ -342,22 +285,6 @@ TEST(FormVisit, WhatIsNotFormed) {
     testmodel::FormSystem(vector.run);
     EXPECT_EQ(SystemEntry(vector.run, 1, 1), 0.0);
     EXPECT_NE(RightHandSide(vector.run)(1), 0.0);
-}
-
-TEST(FormVisit, NoRoomForElementMatrices) {
-    Problem problem;
-    problem.size = Model(DistortedBlock(), problem).run.A.LMAXM + 100;
-    const std::string text = ListingOfStop([&](TextUnit& listing) {
-        Model tight(DistortedBlock(), problem);
-        tight.run.units.listing = listing;
-        testmodel::FormSystem(tight.run);
-    });
-    EXPECT_EQ(
-        text.find(
-            " UNSUFFICIENT DIMENSION OF WORKING VECTOR A FOR\n ELEMENT MATRIX\n REQUIRED DIMENSION, LMAX ="),
-        0U)
-        << text;
-    EXPECT_TRUE(zurt_test::Contains(text, " AVAILABLE DIMENSION, NTOTA="));
 }
 
 } // namespace

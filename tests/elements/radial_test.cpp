@@ -1,16 +1,12 @@
 // The radial fibre by itself: a ring's matrices, the release of one fibre, and the law of a degrading polymer.
 #include "elements/radial/radial_kernel.h"
 #include "microscale/degradation.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdio>
-#include <utility>
-#include <vector>
+#include "support/orders.h"
 
 namespace zurt {
 namespace {
+
+using zurt_test::ExpectOrder;
 
 constexpr double kPi = 3.14159265358979;
 
@@ -46,24 +42,12 @@ TEST(Radial, ReleaseConvergesToTheCylinderSeries) {
         EXPECT_NEAR(release.amount, amount, 7e-4) << Fo;
         EXPECT_NEAR(release.centre, centre, 0.009) << Fo;
     }
-    double before = 0.0;
-    const auto order = [&before](double error) {
-        const double ratio = std::exchange(before, error) / error;
-        return ratio > 0.0 ? std::log2(ratio) : 0.0; // the first of a table has none
-    };
-    for (const int rings : {2, 4, 8}) {
-        const Release release = ReleaseOf(rings, 100000, 0.1);
-        const double error = release.amount - 0.605824, observed = order(error);
-        std::printf("%d rings  %.6f  %.3e  %.2f  axis %.6f  %.3e\n", rings, release.amount, error, observed,
-                    release.centre, release.centre - 0.848355);
-        EXPECT_TRUE(rings == 2 || std::fabs(observed - 2.0) < 0.15) << rings << " rings";
-    }
-    const double converged = ReleaseOf(10, 400000, 0.1).amount;
-    for (const int steps : {25, 50, 100, 200}) {
-        const double error = ReleaseOf(10, steps, 0.1).amount - converged, observed = order(error);
-        std::printf("%d steps  %.3e  %.2f\n", steps, error, observed);
-        EXPECT_TRUE(steps == 25 || std::fabs(observed - 1.0) < 0.02) << steps << " steps";
-    }
+    const auto released = [](int rings, int steps) { return ReleaseOf(rings, steps, 0.1); };
+    ExpectOrder({"rings", 2, 3, 2.0, 0.15}, [&](int n) { return released(n, 100000).amount - 0.605824; });
+    ExpectOrder({"rings, axis", 2, 3, 1.7, 0.2},
+                [&](int n) { return released(n, 100000).centre - 0.848355; });
+    const double converged = released(10, 400000).amount;
+    ExpectOrder({"steps", 25, 4, 1.0, 0.02}, [&](int n) { return released(10, n).amount - converged; });
 }
 
 // Faults: the two rates or the two phases exchanged, the partitioning on the wrong phase, a power on the wrong factor.

@@ -3,31 +3,24 @@
 #include "elements/surfaces/surface_cards.h"
 #include "elements/surfaces/surface_terms.h"
 #include "support/bar_deck.h"
-#include "support/expect_stop.h"
 #include "support/small_run.h"
 
-#include <algorithm>
-#include <cmath>
 #include <numeric>
-#include <vector>
 
 namespace zurt {
 namespace {
 
+using Place = std::array<double, 3>;
 using Curves = std::vector<testmodel::Curve>;
 using zurt_test::Contains;
 using zurt_test::Print;
 using zurt_test::RunPointer;
 
-// Node k of element n of the groups below: no two elements share one.
-std::int32_t NodeOf(std::int32_t n, std::int32_t k) {
-    return 100 * n + k;
-}
-
-// One group for each entry of `dimensions`, of three full elements each, and some functions of every kind.
+// One group for each entry of `dimensions`, of three full elements each, and some functions of every kind. Node k of element
+// n is 100 n + k.
 RunPointer MakeGroups(const std::string& deck, std::int32_t INDFOR,
-                      const std::vector<std::int32_t>& dimensions, Word words = 100000) {
-    RunPointer run = zurt_test::MakeRun(deck, INDFOR, 1000, words);
+                      const std::vector<std::int32_t>& dimensions) {
+    RunPointer run = zurt_test::MakeRun(deck, INDFOR, 1000);
     run->control.header.NGET = static_cast<std::int32_t>(dimensions.size());
     CurveCounts& counts = run->control.counts;
     counts.NQP = counts.NHP = counts.NTOK = counts.NHR = 9;
@@ -40,22 +33,23 @@ RunPointer MakeGroups(const std::string& deck, std::int32_t INDFOR,
         group.LNEL = TakeWords(run->A, "NEL", Word{group.NDMAX} * group.NET);
         for (std::int32_t n = 1; n <= group.NET; ++n)
             for (std::int32_t k = 1; k <= group.NDMAX; ++k)
-                Connectivity(*run, group)(n, k) = NodeOf(n, k);
+                Connectivity(*run, group)(n, k) = 100 * n + k;
     }
     return run;
 }
 
+using Fields = std::vector<std::int32_t>;
+
 // The five numbers of side `side` of element NE; zeros when it has no record.
-std::vector<std::int32_t> FieldsOf(const Run& run, const ElementGroup& group, std::int32_t NE, int side) {
+Fields FieldsOf(const Run& run, const ElementGroup& group, std::int32_t NE, int side) {
     const Word rows = 10 * Word{group.NETIP};
     const std::int32_t record = SurfaceRecordNumbers(run, group)(NE);
-    std::vector<std::int32_t> fields(5, 0);
+    Fields fields(5, 0);
     for (Word f = 1; f <= 5 && record != 0; ++f)
         fields[static_cast<std::size_t>(f) - 1] =
             IntTableSection(run.A, group.LISURF, rows, group.NET)(5 * (side - 1) + f, record);
     return fields;
 }
-using Fields = std::vector<std::int32_t>;
 
 // Faces by their corners as documented for the brick; edges and ends are those parts of them that lie in r, s and in r.
 const std::vector<std::vector<std::int32_t>> kSidesOf[4] = {
@@ -73,7 +67,7 @@ TEST(SurfaceCards, EverySideIsFoundInEveryOrderOfItsCorners) {
             do {
                 std::string card = "2";
                 for (std::int32_t corner : corners)
-                    card += " " + std::to_string(NodeOf(2, corner));
+                    card += " " + std::to_string(200 + corner);
                 RunPointer run = MakeGroups(card + " 1 2 3 4 5\n0/\n", 1, {dimension});
                 testing::internal::CaptureStderr(); // the note about records without effect
                 ReadSurfaceData(*run);
@@ -104,14 +98,15 @@ TEST(SurfaceCards, NumbersAreCarriedAndRecordsCounted) {
     ReadSurfaceData(*run);
     const ElementGroup& group = run->groups[1];
     EXPECT_EQ(group.surfaceRecords, 3);
-    EXPECT_EQ(SurfaceRecordNumbers(*run, group)(3), 1);
-    EXPECT_EQ(SurfaceRecordNumbers(*run, group)(1), 2);
-    EXPECT_EQ(SurfaceRecordNumbers(*run, group)(2), 3);
-    EXPECT_EQ(FieldsOf(*run, group, 3, 3), Fields(5, 0));
-    EXPECT_EQ(FieldsOf(*run, group, 1, 1), Fields({0, 9, 0, 0, 0}));
-    EXPECT_EQ(FieldsOf(*run, group, 1, 2), Fields({1, 0, 2, 0, 7}));
-    EXPECT_EQ(FieldsOf(*run, group, 3, 2), Fields({0, 0, 0, 0, 3}));
-    EXPECT_EQ(FieldsOf(*run, group, 2, 3), Fields({0, 0, 0, 0, 3}));
+    const ConstIntArray records = SurfaceRecordNumbers(*run, group);
+    EXPECT_EQ((Fields{records(3), records(1), records(2)}), (Fields{1, 2, 3}));
+    const std::vector<std::tuple<int, int, Fields>> expected = {{3, 3, {0, 0, 0, 0, 0}},
+                                                                {1, 1, {0, 9, 0, 0, 0}},
+                                                                {1, 2, {1, 0, 2, 0, 7}},
+                                                                {3, 2, {0, 0, 0, 0, 3}},
+                                                                {2, 3, {0, 0, 0, 0, 3}}};
+    for (const auto& [element, side, fields] : expected)
+        EXPECT_EQ(FieldsOf(*run, group, element, side), fields) << element << ' ' << side;
     EXPECT_EQ(run->groups[2].surfaceRecords, 1);
     EXPECT_EQ(FieldsOf(*run, run->groups[2], 2, 1), Fields(5, 0));
 }
@@ -130,22 +125,12 @@ TEST(SurfaceCards, BlankCardsEndFixedDecksAlone) {
     testing::internal::GetCapturedStderr();
 }
 
-// Faults: corners of no side taken for one; the words of a line, which no small deck of tests/decks/damaged_test.cpp has.
-TEST(SurfaceCards, NodesThatAreNoSideStop) {
-    RunPointer run = MakeGroups("2 101 1 0 0 0 0\n", 1, {1});
-    zurt_test::ListOnStandardError(*run);
-    EXPECT_MESSAGE(
-        ReadSurfaceData(*run),
-        " ERROR IN BOUNDARY CONDITION INPUT DATA:\n ELEMENT NO.       2\n READIN BOUNDARY NODES :     101\n"
-        " DO NOT CONSTITUTE SIDE OF ELEMENT\n$");
-}
-
 // One element, all of whose sides may have a record; functions of the four kinds.
 struct Model {
     Curves flux, convection, environment, emissivity;
     std::vector<double> shapeFactors;
-    double SBC = 1.0, TIME = 0.0;
-    int NonlinearFlag = 1, INDAX = 0;
+    double SBC = 1.0;
+    int INDAX = 0;
     std::array<int, 3> NGAUS = {2, 2, 2};
 };
 
@@ -177,8 +162,7 @@ template <int Dimension> struct Terms {
         TakeShapeFactors(*run);
         for (std::size_t i = 0; i < model.shapeFactors.size(); ++i)
             ShapeFactors (*run)(static_cast<Word>(i) + 1) = model.shapeFactors[i];
-        run->clock.TIME = model.TIME;
-        run->job.NonlinearFlag = model.NonlinearFlag;
+        run->job.NonlinearFlag = 1;
         ElementGroup& group = run->groups[1];
         group.NET = 1;
         group.INDAX = model.INDAX;
@@ -195,14 +179,21 @@ template <int Dimension> struct Terms {
                 fields[f];
     }
     // Node k where the point of the reference element goes, by its natural signs.
-    template <class Place> void SetCorners(Place place, double value) {
+    template <class Map> void SetCorners(Map place, double value) {
         static const int r[] = {1, -1, -1, 1, 1, -1, -1, 1}, s[] = {1, 1, -1, -1, 1, 1, -1, -1};
         for (int k = 0; k < kCorners<Dimension>; ++k) {
-            const std::array<double, 3> x = place(r[k], Dimension > 1 ? s[k] : 0, k < 4 ? 1 : -1);
+            const Place x = place(r[k], Dimension > 1 ? s[k] : 0, k < 4 ? 1 : -1);
             for (std::size_t c = 0; c < 3; ++c)
                 element.CORE[c][k] = x[c];
             element.TE1[k] = value;
         }
+    }
+    // With a record of this side alone.
+    void Add(int side, const std::array<std::int32_t, 5>& fields) {
+        for (int other = 1; other <= kSides<Dimension>; ++other)
+            SetSide(other, {});
+        SetSide(side, fields);
+        Add();
     }
     void Add() {
         const int ND = active.ND;
@@ -227,7 +218,7 @@ template <int Dimension> struct Terms {
     }
 };
 
-std::array<double, 3> Skewed(double r, double s, double t) {
+Place Skewed(double r, double s, double t) {
     return {1.5 * r + 0.5 * s + 7.0, 2.0 * s + 0.25 * t, t};
 }
 
@@ -236,38 +227,30 @@ const double kEdges[] = {std::sqrt(0.25 + 4.0) * 2.0, 3.0};
 const double kFaces[] = {4.0 * std::sqrt(4.0 + 0.25 + 0.0625 * 0.25),
                          4.0 * std::sqrt(1.5 * 1.5 * (1.0 + 0.0625)), 4.0 * 3.0};
 
-// Loads all sides one by one with a flux, and gives the extents that their loads tell.
-template <int Dimension> std::vector<double> ExtentsByFlux(double q) {
-    std::vector<double> extents;
+// Loads all sides one by one with a flux, whose loads tell the extents of the sides. Faults: a side's points on another
+// side, a scale other than the side's, a load beside its corners, a value of another function or time.
+template <int Dimension> void ExpectFluxOnSides(const std::vector<double>& extents) {
+    Model model;
+    model.flux = {{{0.0, 99.0}}, {{0.0, 0.0}, {10.0, 25.0}}};
+    model.NGAUS = {1, 2, 3};
     for (int side = 1; side <= kSides<Dimension>; ++side) {
-        Model model;
-        model.flux = {{{0.0, 99.0}}, {{0.0, 0.0}, {10.0, 10.0 * q}}};
-        model.TIME = 1.0;
-        model.NGAUS = {1, 2, 3};
         Terms<Dimension> terms(model);
         terms.SetCorners(Skewed, 5.0);
-        terms.SetSide(side, {2, 0, 0, 0, 0});
-        terms.Add();
-        int loaded = 0;
-        for (double load : terms.FE)
-            loaded += load != 0.0;
-        EXPECT_EQ(loaded, kSideCorners<Dimension>) << "side " << side;
+        terms.run->clock.TIME = 1.0;
+        terms.run->job.NonlinearFlag = side % 2; // a flux acts in linear problems, too
+        terms.Add(side, {2, 0, 0, 0, 0});
+        EXPECT_EQ(std::count(terms.FE, terms.FE + terms.active.ND, 0.0),
+                  terms.active.ND - kSideCorners<Dimension>)
+            << "side " << side;
         EXPECT_EQ(terms.MatrixSum(), 0.0);
-        extents.push_back(terms.Load() / q);
+        EXPECT_NEAR(terms.Load() / 2.5, extents[static_cast<std::size_t>(side - 1) / 2], 1e-6) << side;
     }
-    return extents;
 }
 
-// Faults: a side's points on another side, a scale other than the side's, a load beside its corners, a value of another
-// function or time. Ends of lines have no extent.
 TEST(SurfaceTerms, FluxGivesItsIntegralToTheNodesOfTheSide) {
-    const std::vector<double> ends = ExtentsByFlux<1>(2.5), edges = ExtentsByFlux<2>(2.5),
-                              faces = ExtentsByFlux<3>(2.5);
-    EXPECT_EQ(ends, (std::vector<double>{1.0, 1.0}));
-    for (std::size_t side = 0; side < 4; ++side)
-        EXPECT_NEAR(edges[side], kEdges[side / 2], 1e-14) << side;
-    for (std::size_t side = 0; side < 6; ++side)
-        EXPECT_NEAR(faces[side], kFaces[side / 2], 1e-6) << side; // weights in single precision
+    ExpectFluxOnSides<1>({1.0}); // ends of lines have no extent
+    ExpectFluxOnSides<2>({kEdges[0], kEdges[1]});
+    ExpectFluxOnSides<3>({kFaces[0], kFaces[1], kFaces[2]}); // weights in single precision
 }
 
 // Faults: the order of another direction (one point would give 0, 1, 0), mid-side nodes left out.
@@ -276,13 +259,12 @@ TEST(SurfaceTerms, ParabolicEdgeUnderConstantFlux) {
     model.flux = {{{0.0, 6.0}}};
     model.NGAUS = {1, 3, 1};
     Terms<2> terms(model);
-    terms.SetCorners([](double r, double s, double) { return std::array<double, 3>{r, s, 0.0}; }, 0.0);
+    terms.SetCorners([](double r, double s, double) { return Place{r, s, 0.0}; }, 0.0);
     terms.active.ND = 5;
     terms.active.midSideCount = 1;
     terms.active.midSide[0] = 8;
     terms.element.CORE[0][4] = 1.0;
-    terms.SetSide(1, {1, 0, 0, 0, 0});
-    terms.Add();
+    terms.Add(1, {1, 0, 0, 0, 0});
     const double expected[] = {2.0, 0.0, 0.0, 2.0, 8.0};
     for (int k = 0; k < 5; ++k)
         EXPECT_NEAR(terms.FE[k], expected[k], 1e-6) << k + 1;
@@ -301,8 +283,7 @@ TEST(SurfaceTerms, RadiationByTheSecant) {
         const double F = factors ? 0.75 : 1.0, e = 0.4, T = 400.0, E = 300.0;
         Terms<3> terms(model);
         terms.SetCorners(Skewed, T);
-        terms.SetSide(3, {0, 0, 1, 2, 3});
-        terms.Add();
+        terms.Add(3, {0, 0, 1, 2, 3});
         const double scale = e * model.SBC * F * kFaces[1];
         EXPECT_NEAR(terms.Load(), scale * (std::pow(E, 4) - std::pow(T, 4)), 1e-9);
         EXPECT_NEAR(terms.MatrixSum(), scale * (T * T + E * E) * (T + E), 1e-11);
@@ -318,17 +299,12 @@ TEST(SurfaceTerms, EdgesOfAxisymmetricElementsTakeTheFirstCoordinateAsRadius) {
     Model model;
     model.flux = {{{0.0, 2.0}}};
     model.INDAX = 1;
-    const auto place = [](double r, double s, double t) {
-        return std::array<double, 3>{r + 3.0, 5.0 * s + 50.0, t};
-    };
+    const auto place = [](double r, double s, double t) { return Place{r + 3.0, 5.0 * s + 50.0, t}; };
     Terms<2> plane(model);
     plane.SetCorners(place, 0.0);
-    plane.SetSide(1, {1, 0, 0, 0, 0}); // x = 4, 10 long
-    plane.Add();
+    plane.Add(1, {1, 0, 0, 0, 0}); // x = 4, 10 long
     EXPECT_NEAR(plane.Load(), 2.0 * 10.0 * 4.0, 1e-12);
-    plane.SetSide(1, {0, 0, 0, 0, 0});
-    plane.SetSide(3, {1, 0, 0, 0, 0}); // x from 4 to 2, 2 long; node 1 lies outside
-    plane.Add();
+    plane.Add(3, {1, 0, 0, 0, 0}); // x from 4 to 2, 2 long; node 1 lies outside
     EXPECT_NEAR(plane.FE[0], 2.0 * (3.0 + 1.0 / 3.0), 1e-6);
     EXPECT_NEAR(plane.FE[1], 2.0 * (3.0 - 1.0 / 3.0), 1e-6);
 }
@@ -343,8 +319,7 @@ TEST(SurfaceTerms, ValuesOfTheSideBefore) {
     model.environment = {{{0.0, 7.0}}};
     Terms<1> terms(model);
     terms.SetCorners(Skewed, 4.0);
-    terms.SetSide(2, {0, 1, 0, 0, 0});
-    terms.Add();
+    terms.Add(2, {0, 1, 0, 0, 0});
     EXPECT_EQ(terms.FE[1], 3.0 * (0.0 - 4.0)); // nothing came before
     terms.SetSide(1, {0, 1, 1, 1, 0});
     terms.SetSide(2, {0, 1, 0, 1, 0});
@@ -361,34 +336,6 @@ TEST(SurfaceTerms, ValuesOfTheSideBefore) {
     terms.run->clock.TIME = 8.0;
     terms.Add();
     EXPECT_EQ(terms.FE[0], 5.0);
-}
-
-// Faults: a curve out of range that goes on, words of another curve, a collapsed side that goes on.
-TEST(SurfaceTerms, MessagesThatStop) {
-    Model model;
-    model.flux = model.convection = model.environment =
-        model.emissivity = {{{0.0, 1.0}}, {{0.0, 1.0}, {2.0, 1.0}}};
-    model.TIME = 2.5;
-    const auto stop = [&](const std::array<std::int32_t, 5>& fields, const std::string& lines,
-                          double width = 1.0) {
-        Terms<2> terms(model);
-        terms.SetCorners(
-            [=](double r, double s, double) {
-                return std::array<double, 3>{width * r, s, 0.0};
-            },
-            -3.0);
-        terms.SetSide(3, fields);
-        zurt_test::ListOnStandardError(*terms.run);
-        EXPECT_MESSAGE(terms.Add(), lines);
-    };
-    const std::string head = "^ CURVE ARGUMENT IS OUT OF RANGE\n CURVE ";
-    const std::string time = "    2\n ARGUMENT TIME, TIME =  2.5000E\\+00\n$";
-    const std::string value = "    2\n ARGUMENT TEMPERATURE, TEMP = -3.0000E\\+00\n$";
-    stop({2, 0, 0, 0, 0}, head + "SURFACE FLUX - TIME,  No. =" + time);
-    stop({0, 0, 2, 0, 0}, head + "ENVIRONMENT TEMPERATURE - TIME,  No. =" + time);
-    stop({0, 2, 0, 0, 0}, head + "CONVECTION COEFICIENT - TEMPERATURE,  No. =" + value);
-    stop({0, 0, 0, 2, 0}, head + "RADIATION COEFICIENT - TEMPERATURE,  No. =" + value);
-    stop({1, 0, 0, 0, 0}, "JACOBIAN EQUAL OR LESS THEN ZERO FOR ELEMENT No.         1\n", 0.0);
 }
 
 } // namespace

@@ -4,8 +4,6 @@
 #include "run/partition.h"
 #include "support/small_run.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 
 namespace zurt_test {
@@ -74,10 +72,8 @@ const auto kMassIsHeq = [](const FitState& fit, double) { return fit.HEQ; };
 const auto kMassIsFirst = [](const FitState&, double first) { return first; };
 
 std::vector<double> HeqOf(const std::vector<RunState>& runs) {
-    std::vector<double> values;
-    values.reserve(runs.size());
-    for (const RunState& run : runs)
-        values.push_back(run.HEQ);
+    std::vector<double> values(runs.size());
+    std::transform(runs.begin(), runs.end(), values.begin(), [](const RunState& run) { return run.HEQ; });
     return values;
 }
 

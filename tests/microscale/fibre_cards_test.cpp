@@ -3,12 +3,7 @@
 #include "microscale/correction_table.h"
 #include "microscale/fibre_data.h"
 #include "microscale/fibre_models.h"
-#include "support/expect_stop.h"
 #include "support/small_run.h"
-
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace zurt {
 namespace {
@@ -42,16 +37,10 @@ TEST(FibreData, SetsFibresAndTables) {
     ReadFibreData(small, model);
     ASSERT_EQ(model.sets.size(), 2U);
     const FibreSet &lines = model.sets[0], &spheres = model.sets[1];
-    EXPECT_EQ(lines.NSETID, 7);
-    EXPECT_EQ(lines.IANISY, 1);
-    EXPECT_EQ(lines.DIAM, 0.02);
-    EXPECT_EQ(lines.DLENGTH, 0.3);
-    EXPECT_EQ(lines.WALLCUT, 0.15);
-    const double low[3] = {0.0, 0.1, 0.2}, high[3] = {4 * 0.25, 0.5, 0.5 + 0.75};
-    for (int axis = 0; axis < 3; ++axis) {
-        EXPECT_EQ(lines.low[axis], low[axis]);
-        EXPECT_EQ(lines.high[axis], high[axis]);
-    }
+    EXPECT_EQ((std::array{lines.NSETID, lines.IANISY}), (std::array{7, 1}));
+    EXPECT_EQ((std::array{lines.DIAM, lines.DLENGTH, lines.WALLCUT}), (std::array{0.02, 0.3, 0.15}));
+    EXPECT_THAT(lines.low, testing::ElementsAre(0.0, 0.1, 0.2));
+    EXPECT_THAT(lines.high, testing::ElementsAre(4 * 0.25, 0.5, 0.5 + 0.75));
     ASSERT_EQ(lines.fibres.size(), 2U);
     EXPECT_EQ(lines.fibres[1].NFIBID, 12);
     EXPECT_EQ(lines.fibres[1].points, (std::vector<double>{.1, .1, .1, .5, .5, .5, .9, .8, .7}));
@@ -105,6 +94,11 @@ TEST(FibreData, DeckErrors) {
         FibreModel model;
         EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), test.words) << test.deck;
     }
+    // An INDFOR that reads nothing leaves a set without fibres; it must not loop.
+    SmallRun unknown(kFree);
+    AskForSets(unknown, 3, 2);
+    FibreModel model;
+    EXPECT_LIBRARY_ERROR(ReadFibreData(unknown, model), "NUMFIB");
 }
 
 // Faults: fibres clipped to a box that no card of this deck gives.
@@ -119,14 +113,6 @@ TEST(FibreData, FibreSetsNeedTheDeviceCards) {
         FibreModel model;
         EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), "NSETS");
     }
-}
-
-// An INDFOR that reads nothing leaves a set without fibres; it must not loop.
-TEST(FibreData, UnknownFormatEnds) {
-    SmallRun small(kFree);
-    AskForSets(small, 3, 2);
-    FibreModel model;
-    EXPECT_LIBRARY_ERROR(ReadFibreData(small, model), "NUMFIB");
 }
 
 // Faults: the boundary of a row or column on the wrong side, distance extrapolated, the last row looked up.
@@ -244,15 +230,12 @@ TEST(CorrectionTableCards, DeckErrors) {
         EXPECT_LIBRARY_ERROR(ReadCorrectionTable(small, CorrectionTableOwner::FibreSet, table), test.words)
             << test.deck;
     }
-}
-
-// Rows that fall are taken as they stand, and said so.
-TEST(CorrectionTableCards, RowsThatFallGetANote) {
-    SmallRun small("3 1\n1. 3. 2.\n1.\n.1\n.2\n.3\n");
-    small.control.header.INDFOR = 1;
+    SmallRun falling(
+        "3 1\n1. 3. 2.\n1.\n.1\n.2\n.3\n"); // rows that fall are taken as they stand, and said so
+    falling.control.header.INDFOR = 1;
     CorrectionTable table;
     testing::internal::CaptureStderr();
-    ReadCorrectionTable(small, CorrectionTableOwner::FibreSet, table);
+    ReadCorrectionTable(falling, CorrectionTableOwner::FibreSet, table);
     EXPECT_TRUE(zurt_test::Contains(testing::internal::GetCapturedStderr(), "from row 2 to row 3"));
     EXPECT_DOUBLE_EQ(LookupCorrectionFactor(table, 1.0, 0.0015), 0.125);
     EXPECT_EQ(LookupCorrectionFactor(table, 1.0, 0.0025), 1.0);
@@ -264,10 +247,8 @@ TEST(NanochannelTable, StandsInTheWorkingVector) {
     run.control.header.INDFOR = 2;
     TakeWords(run.A, "before", 5);
     ReadNanochannelTable(run);
-    EXPECT_EQ(run.control.at.LNANO[1], 6);
-    EXPECT_EQ(run.control.at.LNANO[2], 15);
-    EXPECT_EQ(run.control.at.LNANO[3], 18);
-    EXPECT_EQ(run.A.LMAX, 45);
+    const auto& at = run.control.at.LNANO;
+    EXPECT_EQ((std::array<Word, 4>{at[1], at[2], at[3], run.A.LMAX}), (std::array<Word, 4>{6, 15, 18, 45}));
     EXPECT_DOUBLE_EQ(RealSection(run.A, 6, 9)(9), 8.0);
     EXPECT_DOUBLE_EQ(RealTableSection(run.A, 18, 9, 3)(9, 1), 0.9);
 

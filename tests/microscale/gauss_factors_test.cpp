@@ -1,8 +1,7 @@
 #include "core/widened_constants.h"
-#include "microscale/gauss_factors.h"
-
 #include "microscale/direction_curves.h"
 #include "microscale/fibre_models.h"
+#include "microscale/gauss_factors.h"
 #include "microscale/gauss_records.h"
 #include "microscale/merged_tables.h"
 
@@ -70,14 +69,16 @@ TEST(GaussFactors, ObliqueLinesAndSpheres) {
     }
 }
 
+FibreModel OneFibre(std::int32_t NTYPE, std::initializer_list<Point> points, double k1, double k3) {
+    return MakeModel({WithTables(MakeSet(NTYPE, 0.2, {FibreThrough(points)}), k1, k3)});
+}
+
 // Faults: axes without a length give no number: a point on the x axis of a sphere, on the line ahead of its end.
 TEST(GaussFactors, PointsWithoutADirectionAround) {
-    const FibreModel sphere =
-        MakeModel({WithTables(MakeSet(kSphereFibres, 0.2, {FibreThrough({{0, 0, 0}})}), 0.5, 0.2)});
+    const FibreModel sphere = OneFibre(kSphereFibres, {{0, 0, 0}}, 0.5, 0.2);
     ExpectFactors(CachedAt(sphere, {0.7, 0, 0}), {0.2, 0.5, 0.5});
     ExpectFactors(CachedAt(sphere, {0, -0.7, 0}), {0.5, 0.2, 0.5});
-    const FibreModel line =
-        MakeModel({WithTables(MakeSet(kLineFibres, 0.2, {FibreThrough({{0, 0, 0}, {1, 0, 0}})}), 0.5, 0.2)});
+    const FibreModel line = OneFibre(kLineFibres, {{0, 0, 0}, {1, 0, 0}}, 0.5, 0.2);
     const Factors3 ahead = CachedAt(line, {-0.7, 0, 0});
     EXPECT_NEAR(ahead[0], 0.5, 1e-14);
     EXPECT_NEAR(ahead[1] + ahead[2], 0.7, 1e-14);
@@ -86,22 +87,20 @@ TEST(GaussFactors, PointsWithoutADirectionAround) {
 // Faults: a fibre that conducts when factors are off, a factor below the least, a set's own table not used, factors in
 // fluid touched with factors off, a point without fibres.
 TEST(GaussFactors, InFibresInFluidAndBelowTheLeast) {
-    FibreSet line = WithTables(MakeSet(kLineFibres, 0.2, {FibreThrough({{0, 0, 0}, {1, 0, 0}})}), 1e-9, 0.5);
-    FibreSet other = WithTables(MakeSet(kLineFibres, 0.2, {FibreThrough({{0, 5, 0}, {1, 5, 0}})}), 0.25, 0.5);
-    other.IANISY = 0; // its second table, were there one, does not count
-    const FibreModel model = MakeModel({line, other});
+    FibreModel model = OneFibre(kLineFibres, {{0, 0, 0}, {1, 0, 0}}, 1e-9, 0.5);
+    model.sets.push_back(OneFibre(kLineFibres, {{0, 5, 0}, {1, 5, 0}}, 0.25, 0.5).sets[0]);
+    model.sets[1].IANISY = 0; // its second table, were there one, does not count
+    constexpr Factors3 none = {1.0, 1.0, 1.0}, least = {kSmallestFactor, kSmallestFactor, kSmallestFactor};
     for (const bool factorsOn : {true, false}) {
-        ExpectFactors(CachedAt(model, {0.5, 0.05, 0}, factorsOn),
-                      {kSmallestFactor, kSmallestFactor, kSmallestFactor});
-        ExpectFactors(CachedAt(model, {0.5, 0, 0.1}, factorsOn),
-                      {kSmallestFactor, kSmallestFactor, kSmallestFactor});
-        EXPECT_EQ(CachedAt(model, {0.5, 0, 50.0}, factorsOn), (Factors3{1.0, 1.0, 1.0})); // outside every box
+        for (const Point& inside : {Point{0.5, 0.05, 0}, {0.5, 0, 0.1}})
+            ExpectFactors(CachedAt(model, inside, factorsOn), least);
+        EXPECT_EQ(CachedAt(model, {0.5, 0, 50.0}, factorsOn), none); // outside every box
     }
-    EXPECT_EQ(CachedAt(model, {0.5, 0, 0.3}, false), (Factors3{1.0, 1.0, 1.0}));
+    EXPECT_EQ(CachedAt(model, {0.5, 0, 0.3}, false), none);
     ExpectFactors(CachedAt(model, {0.5, 0, 0.3}), {kSmallestFactor, kSmallestFactor, 0.5});
     EXPECT_EQ(CachedAt(model, {0.5, 0, 0.3})[0], kSmallestFactor);
     ExpectFactors(CachedAt(model, {0.5, 5, 0.3}), {0.25, 0.25, 0.25});
-    ExpectFactors(CachedAt(model, {0.5, 0, 6.0}), {1.0, 1.0, 1.0}); // past the last row
+    ExpectFactors(CachedAt(model, {0.5, 0, 6.0}), none); // past the last row
 }
 
 // The form from coordinates is the reference of the records. Faults: lines that end in it, records of another fibre.
@@ -122,8 +121,7 @@ TEST(GaussFactors, DirectFormAgreesWhereLinesHaveNoEnds) {
         GaussFactorDirect(model, endless, {at[0], at[1], at[2]}, true, 0.7, direct);
         ExpectFactors(CachedAt(model, at, true, 0.7), {direct[0], direct[1], direct[2]});
     }
-    const FibreModel line =
-        MakeModel({WithTables(MakeSet(kLineFibres, 0.2, {FibreThrough({{0, 0, 0}, {1, 0, 0}})}), 0.5, 0.2)});
+    const FibreModel line = OneFibre(kLineFibres, {{0, 0, 0}, {1, 0, 0}}, 0.5, 0.2);
     double past[3];
     GaussFactorDirect(line, SearchOfAllSets(line, 3, LineEnds::Endless), {3.0, 0.05, 0.0}, true, 1.0, past);
     EXPECT_EQ(past[0], kSmallestFactor); // in the line that goes on
@@ -131,8 +129,7 @@ TEST(GaussFactors, DirectFormAgreesWhereLinesHaveNoEnds) {
 
 // Faults: the flags read otherwise; records used in the equivalent medium or HEQ with fibres; the third axis turned.
 TEST(GaussFactors, ChoiceByTheStateOfTheFit) {
-    FibreModel model =
-        MakeModel({WithTables(MakeSet(kSphereFibres, 0.2, {FibreThrough({{0, 0, 0}})}), 0.5, 0.2)});
+    FibreModel model = OneFibre(kSphereFibres, {{0, 0, 0}}, 0.5, 0.2);
     model.sets[0].tableY = MakeTable({0.0, 1.0, 2.0}, {0.0}, {{0.0}, {0.4}, {0.8}});
     model.groups.resize(3);
     model.groups[2].points = 2;
@@ -160,25 +157,8 @@ TEST(GaussFactors, ChoiceByTheStateOfTheFit) {
     ExpectFactors(factors(false), {1.0, 1.0, 1.0});
 }
 
-// --- merged tables ------------------------------------------------------------------------------------------------
-
-// Faults: rows or columns moved with one set, the last row left, the first row touched.
-TEST(MergedTables, OneSetKeepsItsTableButForTheLastRow) {
-    FibreModel model = MakeModel({MakeSet(kSphereFibres, 0.2, {FibreThrough({{0, 0, 0}})})});
-    model.sets[0].table = MakeTable({0.5, 1.0, 3.0}, {1.0, 2.0}, {{0.1, 0.2}, {0.3, 0.5}, {0.7, 0.9}});
-    model.sets[0].volume = model.fibreVolume = 0.7;
-    MergeCorrectionTables(model);
-    const CorrectionTable& merged = EhmTableX(model);
-    EXPECT_EQ(merged.distance, (std::vector<double>{0.5, 1.0, 3.0}));
-    EXPECT_EQ(merged.concentration, (std::vector<double>{1.0, 2.0}));
-    const double expected[] = {0.1, 0.3, 1.0, 0.2, 0.5, 1.0};
-    for (std::size_t i = 0; i < 6; ++i)
-        EXPECT_NEAR(merged.factor[i], expected[i], 1e-15);
-    EXPECT_EQ(EhmTableY(model).NDIST, 0);
-}
-
 // Two sets: the axes are spread over both, and the first set is looked up in what already stands in its own storage, so
-// at row i and column j it gives its old F(i,j). Faults: an intact copy of the first set's table used, D(1) moved,
+// at row i and column j it gives its old F(i,j). Faults: the last row left, the first row touched; an intact copy of the first set's table used, D(1) moved,
 // weights by count.
 TEST(MergedTables, TwoSetsTakeTheStorageOfTheFirst) {
     FibreModel model = MakeModel({MakeSet(kSphereFibres, 0.2, {FibreThrough({{0, 0, 0}})}),
@@ -197,26 +177,22 @@ TEST(MergedTables, TwoSetsTakeTheStorageOfTheFirst) {
     EXPECT_EQ(merged.concentration, (std::vector<double>{0.0, 4.0}));
     EXPECT_EQ(merged.distance, (std::vector<double>{0.0, 3.0, 6.0}));
     const double second[2][2] = {{0.3, 0.7}, {0.6, 1.0}}; // at distances 3 and 6, concentrations 0 and 4
-    EXPECT_NEAR(merged.factor[0], 0.1, 1e-15);
-    EXPECT_NEAR(merged.factor[1], (0.3 + 3 * second[0][0]) / 4, 1e-15);
-    EXPECT_NEAR(merged.factor[2], (1.0 + 3 * second[1][0]) / 4, 1e-15);
-    EXPECT_NEAR(merged.factor[3], 0.2, 1e-15);
-    EXPECT_NEAR(merged.factor[4], (0.5 + 3 * second[0][1]) / 4, 1e-15);
-    EXPECT_NEAR(merged.factor[5], (1.0 + 3 * second[1][1]) / 4, 1e-15);
+    const double first[2][3] = {{0.1, 0.3, 1.0}, {0.2, 0.5, 1.0}};
+    for (std::size_t j = 0; j < 2; ++j) {
+        EXPECT_NEAR(merged.factor[3 * j], first[j][0], 1e-15);
+        for (std::size_t i = 1; i < 3; ++i)
+            EXPECT_NEAR(merged.factor[3 * j + i], (first[j][i] + 3 * second[i - 1][j]) / 4, 1e-15);
+    }
     EXPECT_NEAR(EhmTableY(model).factor[1], 1.0, 1e-15); // the second set has no second table: 1
     EXPECT_EQ(EhmTableY(model).concentration[0], 3.0);
 }
 
-// --- curves by direction ------------------------------------------------------------------------------------------
-
 // Faults: the low end of Z brought into line, the table written to, ends of a curve outside, a constant looked up.
 TEST(DirectionCurves, EachDirectionHasItsOwnEnds) {
-    std::vector<double> words = {0, 0, 0, 2, 0, 6, 0, 1, 0, 2, 0, 3}; // row 2: (0, 2), (1, 6), ... set below
+    // Row 2: concentrations, and coefficients that a fit has left.
+    const std::vector<double> good = {0, 0.0, 0, 77.0, 0, 1.0, 0, 77.0, 0, 3.0, 0, 77.0};
+    std::vector<double> words = good;
     const RealTable table(words.data(), 2, 6);
-    const double curve[6] = {0.0,  77.0, 1.0,
-                             77.0, 3.0,  77.0}; // concentrations; coefficients that a fit has left
-    for (Word j = 1; j <= 6; ++j)
-        table(2, j) = curve[j - 1];
     std::int32_t points[2] = {1, 3};
     const double DBULK[3] = {2.0, 4.0, 10.0};
     const double D1DIR[4] = {0, 1.0, 2.0, 3.0}, D2DIR[4] = {0, 9.0, 18.0, 35.0};
@@ -228,8 +204,7 @@ TEST(DirectionCurves, EachDirectionHasItsOwnEnds) {
     EXPECT_DOUBLE_EQ(x, 2.0); // half way from 1 to 3
     EXPECT_DOUBLE_EQ(y, 4.0);
     EXPECT_DOUBLE_EQ(z, 2.0 + 4.0); // its span is 32, but it begins at 2
-    for (Word j = 1; j <= 6; ++j)
-        EXPECT_EQ(table(2, j), curve[j - 1]);
+    EXPECT_EQ(words, good);
     EXPECT_EQ(at(3.0 + 0.5e-10), 0);
     EXPECT_DOUBLE_EQ(z, 34.0);
     EXPECT_EQ(at(-0.5e-10), 0);

@@ -3,11 +3,12 @@
 #include "results/unv_mesh.h"
 #include "results/unv_results.h"
 #include "run/partition.h"
+#include "support/small_decks.h"
 #include "support/small_run.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
-#include <string>
+#include <map>
+#include <regex>
 
 namespace zurt {
 namespace {
@@ -16,56 +17,29 @@ using zurt_test::CountOf;
 using zurt_test::SmallRun;
 using zurt_test::Written;
 
-// Six nodes with values 1.5, 2.5 ...; under NDS mass fluxes too.
-void Prepare(zurt::Run& run) {
-    run.control.header.NP = 6;
-    run.control.header.NDS = 1;
-    TakeNodeArrays(run);
-    TakeSolverVectors(run);
-    for (int i = 1; i <= 6; ++i) {
-        NodalValues(run)(i) = i + 0.5;
-        RealSection(run.A, run.control.at.LNDS[1], 6)(i) = 10.0 * i;
-        RealSection(run.A, run.control.at.LNDS[2], 6)(i) = -i;
+std::string WithoutEmptyLines(const std::string& text) {
+    return std::regex_replace("\n" + text, std::regex("\n *(?=\n)"), "");
+}
+
+// What the listing shows of input and results: the passages of tests/data/listing_lines.txt stand in the listings of the
+// small decks, empty lines aside. A passage follows a line that begins with "@ " and names its deck. Faults: a label, a
+// format, a column or a line of an echo; values ahead of their defaults or behind a multiplication; an echo left out, or out
+// of its order.
+TEST(ListingLines, StandInTheListingsOfTheSmallDecks) {
+    const std::string passages = zurt_test::ReadFile(ZURT_SOURCE_DIR "/tests/data/listing_lines.txt");
+    std::map<std::string, std::string> listings;
+    int count = 0;
+    for (std::size_t at = 0, end = 0; at < passages.size(); at = end, ++count) {
+        const std::size_t first = passages.find('\n', at);
+        const std::string deck = passages.substr(at + 2, first - at - 2);
+        end = std::min(passages.find("@ ", first), passages.size());
+        std::string& listing = listings[deck];
+        if (listing.empty())
+            listing = WithoutEmptyLines(zurt_test::RunDeck(zurt_test::SmallDeckText(deck)).listing);
+        const std::string passage = passages.substr(first, end - first);
+        EXPECT_TRUE(zurt_test::Contains(listing, passage)) << "not in the listing of " << deck << passage;
     }
-}
-
-// Faults: IFORM without effect, or a form of its own for other values; flux y in the place of flux x; the Serbian head torn apart.
-TEST(NodalListing, FixedFormAndFluxes) {
-    zurt_test::SmallRun run;
-    Prepare(run);
-    run.control.header.IFORM = 1;
-    PrintNodalResults(run);
-    const std::string listing = ListingOf(run);
-    for (const char* lines :
-         {"       1         1.500       2         2.500       3         3.500       4         4.500\n"
-          "       5         5.500       6         6.500\n",
-          "       3      0.30000E+02   -0.30000E+01       4      0.40000E+02   -0.40000E+01\n"})
-        EXPECT_TRUE(zurt_test::Contains(listing, lines)) << listing;
-    run.control.header.IFORM = 2;
-    PrintNodalResults(run);
-    EXPECT_EQ(zurt_test::CountOf(ListingOf(run), "      0.15000E+01"), 1);
-    run.job.Language = kSerbian;
-    run.job.NonlinearFlag = 1;
-    PrintNodalResults(run);
-    EXPECT_TRUE(zurt_test::Contains(
-        ListingOf(run),
-        "V R E M E = 0.00000E+00\n               T   E   M   P   E   R   A   T   U   R   E\n"
-        " BROJ ITERACIJA ............................. ITER =    0\n                  C V O R N E"));
-}
-
-// Faults: small values printed, set to 0 in print alone, or values of 1e-15 and above set to 0; fluxes changed too.
-TEST(NodalListing, SmallConcentrationsBecomeZero) {
-    zurt_test::SmallRun run;
-    Prepare(run);
-    const double before[] = {1e-16, -0.99e-15, 1.01e-15, -1e-15}, after[] = {0.0, 0.0, 1.01e-15, -1e-15};
-    std::copy(before, before + 4, NodalValues(run).data);
-    const RealArray flux = RealSection(run.A, run.control.at.LNDS[1], 6);
-    flux(1) = 1e-16;
-    PrintNodalResults(run);
-    for (int i = 1; i <= 4; ++i)
-        EXPECT_EQ(NodalValues(run)(i), after[i - 1]);
-    EXPECT_EQ(flux(1), 1e-16);
-    EXPECT_TRUE(zurt_test::Contains(ListingOf(run), "       1      0.00000E+00       2      0.00000E+00"));
+    EXPECT_GT(count, 30);
 }
 
 void Prepare(zurt::Run& run, std::int32_t NP, std::int32_t NDS) {
@@ -78,6 +52,55 @@ void Prepare(zurt::Run& run, std::int32_t NP, std::int32_t NDS) {
     run.clock.TIME = 0.25;
     TakeNodeArrays(run);
     TakeSolverVectors(run);
+}
+
+// Six nodes with values 1.5, 2.5 ...; under NDS mass fluxes too.
+void Prepare(zurt::Run& run) {
+    Prepare(run, 6, 1);
+    for (int i = 1; i <= 6; ++i) {
+        NodalValues(run)(i) = i + 0.5;
+        RealSection(run.A, run.control.at.LNDS[1], 6)(i) = 10.0 * i;
+        RealSection(run.A, run.control.at.LNDS[2], 6)(i) = -i;
+    }
+}
+
+// Faults: IFORM without effect, or a form of its own for other values; flux y in the place of flux x; the Serbian head torn apart.
+TEST(NodalListing, FixedFormAndFluxes) {
+    SmallRun run;
+    Prepare(run);
+    run.control.header.IFORM = 1;
+    PrintNodalResults(run);
+    const std::string listing = ListingOf(run);
+    for (const char* lines :
+         {"       1         1.500       2         2.500       3         3.500       4         4.500\n"
+          "       5         5.500       6         6.500\n",
+          "       3      0.30000E+02   -0.30000E+01       4      0.40000E+02   -0.40000E+01\n"})
+        EXPECT_TRUE(zurt_test::Contains(listing, lines)) << listing;
+    run.control.header.IFORM = 2;
+    PrintNodalResults(run);
+    EXPECT_EQ(CountOf(ListingOf(run), "      0.15000E+01"), 1);
+    run.job.Language = kSerbian;
+    run.job.NonlinearFlag = 1;
+    PrintNodalResults(run);
+    EXPECT_TRUE(zurt_test::Contains(
+        ListingOf(run),
+        "V R E M E = 2.50000E-01\n               T   E   M   P   E   R   A   T   U   R   E\n"
+        " BROJ ITERACIJA ............................. ITER =    0\n                  C V O R N E"));
+}
+
+// Faults: small values printed, set to 0 in print alone, or values of 1e-15 and above set to 0; fluxes changed too.
+TEST(NodalListing, SmallConcentrationsBecomeZero) {
+    SmallRun run;
+    Prepare(run);
+    const double before[] = {1e-16, -0.99e-15, 1.01e-15, -1e-15}, after[] = {0.0, 0.0, 1.01e-15, -1e-15};
+    std::copy(before, before + 4, NodalValues(run).data);
+    const RealArray flux = RealSection(run.A, run.control.at.LNDS[1], 6);
+    flux(1) = 1e-16;
+    PrintNodalResults(run);
+    for (int i = 1; i <= 4; ++i)
+        EXPECT_EQ(NodalValues(run)(i), after[i - 1]);
+    EXPECT_EQ(flux(1), 1e-16);
+    EXPECT_TRUE(zurt_test::Contains(ListingOf(run), "       1      0.00000E+00       2      0.00000E+00"));
 }
 
 std::string Head(const std::string& name, const std::string& constants) {
@@ -145,13 +168,6 @@ ElementGroup& MakeGroup(zurt::Run& run, std::int32_t NPDMX, int nodes, std::int3
     return group;
 }
 
-struct Case {
-    std::int32_t NETIP, NPDMX;
-    int nodes;
-    bool warned;
-    const char* rows;
-};
-
 // Faults: labels that begin anew in each group; descriptors of another shape; a group of 9 to 19 nodes a brick not written as
 // 8, one of 21 not as 20, quadrilaterals of 5 to 7 not as 4, of 9 not as 8; an element without all of its mid-sides
 // written with node 0; a middle node behind the ends; the warning missing, given to good groups or to lines.
@@ -171,12 +187,17 @@ TEST(UnvMesh, ElementsOfAllFamilies) {
                       "       101       102\n",
         *const line3 = "        24        24         1         1         7         3\n"
                        "       101       103       102\n";
-    const Case cases[] = {{3, 8, 8, false, brick},    {3, 20, 20, false, brick20}, {3, 19, 20, true, brick},
-                          {3, 21, 21, true, brick20}, {3, 20, 19, false, brick},   {3, 21, 20, true, brick20},
-                          {2, 4, 4, false, plane},    {2, 7, 8, true, plane},      {2, 8, 8, false, plane8},
-                          {2, 8, 7, false, plane},    {2, 9, 9, true, plane8},     {1, 2, 2, false, line},
-                          {1, 3, 3, false, line3},    {1, 3, 2, false, line}};
-    for (const Case& one : cases) {
+    const struct {
+        std::int32_t NETIP, NPDMX;
+        int nodes;
+        bool warned;
+        const char* rows;
+    } cases[] = {{3, 8, 8, false, brick},    {3, 20, 20, false, brick20}, {3, 19, 20, true, brick},
+                 {3, 21, 21, true, brick20}, {3, 20, 19, false, brick},   {3, 21, 20, true, brick20},
+                 {2, 4, 4, false, plane},    {2, 7, 8, true, plane},      {2, 8, 8, false, plane8},
+                 {2, 8, 7, false, plane},    {2, 9, 9, true, plane8},     {1, 2, 2, false, line},
+                 {1, 3, 3, false, line3},    {1, 3, 2, false, line}};
+    for (const auto& one : cases) {
         SCOPED_TRACE(one.NPDMX);
         SmallRun small;
         Prepare(small, 2, 0);

@@ -268,8 +268,8 @@ std::string Build(const BarDeck& bar) {
     writer.Integers({NP, bar.groups + bar.moreGroupCount, NMATT, bar.steady ? 0 : 1, bar.steady ? 1 : NPER,
                      bar.NPRINT, 0, bar.NULAZ, 0, bar.IGRAF, bar.IDIRECTD},
                     {10, 5});
-    writer.Card("%5d    0%5d%5d%10.2e%10.2e%5d%5d\n", "%d 0 %d %d %.17g %.17g %d %d\n", bar.INTEB, bar.IFORM,
-                bar.MAXIT, bar.EPSTA, bar.EPSTR, bar.NJRAP, bar.IPASS);
+    writer.Card("%5d    0    0%5d%10.2e%10.2e%5d%5d\n", "%d 0 0 %d %.17g %.17g %d %d\n", bar.INTEB, bar.MAXIT,
+                bar.EPSTA, bar.EPSTR, bar.NJRAP, bar.IPASS);
     writer.Card("%5d\n", "%d 0 0 0. 0\n", bar.IREST);
     if (!bar.steady) {
         std::vector<int> steps;

@@ -67,8 +67,7 @@ struct BarDeck {
     std::vector<std::pair<double, double>> diffusion = {{-1000.0, 1.0}, {1000.0, 1.0}};
     bool source = false; // uniform volume source by time (IZIP 1)
     std::vector<std::pair<double, double>> sourceCurve = {{0.0, 1.0}};
-    int NPRINT = 1, NULAZ = 3, IGRAF = 1, IFORM = 0;
-    int IDIRECTD = 0;
+    int NPRINT = 1, NULAZ = 3, IGRAF = 1, IDIRECTD = 0;
     int INTEB = 1, MAXIT = 30, NJRAP = 1;
     double EPSTA = 0.0, EPSTR = 1e-8;
     int IREST = 1, IPASS = 0; // IPASS 0 prints the first pass, 1 the second

@@ -2,6 +2,8 @@
 
 #include "support/bar_deck.h"
 
+#include <cmath>
+
 namespace zurt_test {
 
 namespace {
@@ -43,6 +45,31 @@ std::string StartCards(const GridDeck& grid, int NP) {
 }
 
 } // namespace
+
+double Diameter(double fraction) {
+    return fraction > 0.0 ? 2.0 * std::sqrt(fraction / std::acos(-1.0)) : 1e-5;
+}
+
+GridDeck Deck(const Channel& channel) {
+    const double length = channel.cells, width = 1.0 / static_cast<double>(channel.mesh);
+    GridDeck grid;
+    grid.places = {std::vector<double>{-channel.reservoir, -channel.reservoir / 2}, {}, {0.0, width}};
+    for (std::size_t i = 0; i <= channel.mesh * static_cast<std::size_t>(channel.cells); ++i)
+        grid.places[0].push_back(static_cast<double>(i) * width);
+    for (std::size_t j = 0; j <= channel.mesh; ++j)
+        grid.places[1].push_back(static_cast<double>(j) * width);
+    for (const double part : {0.5, 1.0})
+        grid.places[0].push_back(length + part * channel.reservoir);
+    grid.box = {length, 1.0, width};
+    for (int cell = 0; cell < channel.cells; ++cell)
+        grid.cylinders.push_back(
+            {{cell + 0.5, 0.5, 0.0}, {cell + 0.5, 0.5, width}, Diameter(channel.fraction)});
+    grid.D = {channel.DReservoir, 1.0};
+    grid.material = [length](const Place& at) { return at[0] < 0.0 || at[0] > length ? 1 : 2; };
+    grid.startsFull = [](const Place& at) { return at[0] <= 0.0; };
+    grid.size = channel.step;
+    return grid;
+}
 
 int NodeAt(const GridDeck& grid, std::size_t i, std::size_t j, std::size_t k) {
     return static_cast<int>((i * grid.places[2].size() + k) * grid.places[1].size() + j) + 1;

@@ -27,6 +27,21 @@ struct GridDeck : BarDeck {
     double HEQ = 1000.0, D1D = 1.0, D2D = 1.0;
 };
 
+/// A channel 0 < x < cells of square cells between two reservoirs of the same cross-section, the left one at 1, the rest
+/// at 0. Each cell has a cylinder along z in its middle.
+struct Channel {
+    int cells = 2;
+    std::size_t mesh = 8;
+    double fraction = 0.2;                     // of the cylinders; 0: fibres too thin for any point
+    double reservoir = 40.0, DReservoir = 1e3; // length and coefficient of one
+    double step = 4.0;
+};
+
+/// Of a cylinder that takes this part of a square cell.
+double Diameter(double fraction);
+
+GridDeck Deck(const Channel& channel);
+
 /// Node of column i along x, j along y, k along z, from 0.
 int NodeAt(const GridDeck& grid, std::size_t i, std::size_t j, std::size_t k);
 

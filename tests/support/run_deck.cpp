@@ -108,6 +108,18 @@ void WriteFile(const std::string& name, const std::string& text) {
     std::ofstream(name, std::ios::binary) << text;
 }
 
+std::string FolderWith(const std::string& deckName, const std::string& deck) {
+    std::string folder = MakeTemporaryFolder();
+    WriteFile(folder + "/" + deckName, deck);
+    return folder;
+}
+
+std::string Replaced(std::string text, const std::string& part, const std::string& by) {
+    const std::size_t at = text.find(part);
+    EXPECT_NE(at, std::string::npos) << part;
+    return at == std::string::npos ? text : text.replace(at, part.size(), by);
+}
+
 RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed) {
     return RunProgram(folder, {{}, answers}, secondsAllowed);
 }
@@ -132,9 +144,13 @@ RunResult RunProgram(const std::string& folder, const Invocation& invocation, in
 }
 
 RunResult RunDeck(const std::string& deck, int secondsAllowed) {
-    const std::string folder = MakeTemporaryFolder();
-    WriteFile(folder + "/zurt.dat", deck);
-    return RunInFolder(folder, "\n\n\n", secondsAllowed);
+    return RunInFolder(FolderWith("zurt.dat", deck), "\n\n\n", secondsAllowed);
+}
+
+RunResult RunWell(const std::string& deck) {
+    RunResult run = RunDeck(deck);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    return run;
 }
 
 std::vector<double> LastConcentrations(const std::string& listing) {

@@ -2,6 +2,8 @@
 // that it wrote.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -21,6 +23,12 @@ std::string MakeTemporaryFolder();
 std::string ReadFile(const std::string& name);
 void WriteFile(const std::string& name, const std::string& text);
 
+/// A new folder with a deck in a file of this name.
+std::string FolderWith(const std::string& deckName, const std::string& deck);
+
+/// The text with `by` at the first place of `part`, which must stand in it.
+std::string Replaced(std::string text, const std::string& part, const std::string& by);
+
 /// Runs the binary in `folder` with `answers` on its console input.
 RunResult RunInFolder(const std::string& folder, const std::string& answers, int secondsAllowed = 120);
 
@@ -37,6 +45,9 @@ RunResult RunProgram(const std::string& folder, const Invocation& invocation, in
 
 /// Puts the deck into a new folder as zurt.dat and runs it with the default names.
 RunResult RunDeck(const std::string& deck, int secondsAllowed = 120);
+
+/// The same for a deck that is good: another status than 0 fails the test.
+RunResult RunWell(const std::string& deck);
 
 /// Nodal concentrations of the last table of the listing, one a node.
 std::vector<double> LastConcentrations(const std::string& listing);
