@@ -208,6 +208,20 @@ void MeetWorkers(Workers& workers) {
         throw MeetingBroken{};
 }
 
+Word AwaitProgress(const Workers& workers, const Progress& progress, Word number) {
+    Word reached = progress.reached.load(std::memory_order_acquire);
+    if (reached >= number)
+        return reached;
+    const WorkerTeam& team = *workers.team;
+    WaitUntil(team.spins, [&] {
+        reached = progress.reached.load(std::memory_order_acquire);
+        return reached >= number || team.broken.load(std::memory_order_relaxed);
+    });
+    if (reached < number)
+        throw MeetingBroken{};
+    return reached;
+}
+
 void RunTeam(Workers& workers, void (*body)(void* context, int worker), void* context) {
     WorkerTeam& team = *workers.team;
     team.body = body;
