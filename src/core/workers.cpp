@@ -73,6 +73,7 @@ struct WorkerTeam {
     std::vector<std::exception_ptr> faults; // by worker
 
     SharedWord section;  // counts the sections; -1: the end
+    SharedWord gate;     // of the section: its number, whether it is shut, and how many threads have entered
     SharedWord finished; // threads that have done with the section
     SharedWord arrived;  // at the meeting point
     SharedWord meetings; // that are over
@@ -100,7 +101,23 @@ void AwaitSection(WorkerTeam& team, Word seen) {
     --team.sleepers;
 }
 
+// The gate: the section's number times 2^16, a bit that shuts it, and below that the count of threads.
+constexpr Word kGateShut = Word{1} << 15;
+constexpr Word GateOf(Word section) {
+    return section * 2 * kGateShut;
+}
+
+// False when the section has ended without this thread.
+bool EntersSection(WorkerTeam& team, Word section) {
+    Word gate = team.gate.value.load();
+    while (gate >= GateOf(section) && gate < GateOf(section) + kGateShut)
+        if (team.gate.value.compare_exchange_weak(gate, gate + 1))
+            return true;
+    return false;
+}
+
 void BeginSection(WorkerTeam& team, Word section) {
+    team.gate.value.store(GateOf(section));
     team.section.value.store(section);
     if (team.sleepers.load() > 0) {
         const std::lock_guard<std::mutex> lock(team.mutex);
@@ -124,6 +141,8 @@ void WorkerMain(WorkerTeam& team, int worker) {
         seen = team.section.value.load();
         if (seen < 0)
             return;
+        if (!EntersSection(team, seen))
+            continue;
         DoBody(team, worker);
         team.finished.value.fetch_add(1);
     }
@@ -222,7 +241,11 @@ Word AwaitProgress(const Workers& workers, const Progress& progress, Word number
     return reached;
 }
 
-void RunTeam(Workers& workers, void (*body)(void* context, int worker), void* context) {
+namespace {
+
+// One section. Where not all are needed, threads that have not come by the time the calling one is done stay out: on a busy
+// machine nobody waits for a thread without a processor.
+void RunSection(Workers& workers, void (*body)(void* context, int worker), void* context, bool allNeeded) {
     WorkerTeam& team = *workers.team;
     team.body = body;
     team.context = context;
@@ -232,7 +255,9 @@ void RunTeam(Workers& workers, void (*body)(void* context, int worker), void* co
     workers.sideBySide = true;
     BeginSection(team, team.section.value.load() + 1);
     DoBody(team, 0);
-    WaitUntil(team.spins, [&] { return team.finished.value.load() == workers.count - 1; });
+    const Word entered =
+        allNeeded ? Word{workers.count} - 1 : team.gate.value.fetch_or(kGateShut) & (kGateShut - 1);
+    WaitUntil(team.spins, [&] { return team.finished.value.load() == entered; });
     workers.sideBySide = false;
     std::exception_ptr first;
     for (std::exception_ptr& fault : team.faults) {
@@ -244,12 +269,30 @@ void RunTeam(Workers& workers, void (*body)(void* context, int worker), void* co
         std::rethrow_exception(first);
 }
 
+// A loop over chunks, as the context of a section.
+struct ChunkLoop {
+    WorkerTeam& team;
+    Word chunks;
+    const ChunkBodies& bodies;
+};
+
+} // namespace
+
+void RunTeam(Workers& workers, void (*body)(void* context, int worker), void* context) {
+    RunSection(workers, body, context, true);
+}
+
 void RunChunks(Workers& workers, Word chunks, const ChunkBodies& bodies) {
     WorkerTeam& team = *workers.team;
     team.next.value = 1;
     team.turn.value = 1;
     team.failed.value = chunks + 1;
-    InTeam(workers, [&](int worker) { DoChunks(team, chunks, bodies, worker); });
+    ChunkLoop loop = {team, chunks, bodies};
+    const auto body = [](void* context, int worker) {
+        const ChunkLoop& own = *static_cast<ChunkLoop*>(context);
+        DoChunks(own.team, own.chunks, own.bodies, worker);
+    };
+    RunSection(workers, body, &loop, false);
     for (Word chunk = team.failed.value; chunk <= chunks; ++chunk) {
         bodies.compute(bodies.context, chunk, 0);
         if (bodies.add != nullptr)
