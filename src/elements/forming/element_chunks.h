@@ -16,7 +16,7 @@
 namespace zurt {
 
 /// Elements of a chunk: some microseconds of work, whose results stay in the inner caches.
-constexpr Word kChunkElements = 64;
+constexpr Word kChunkElements = 32;
 constexpr Word kLeastChunk = 4;
 
 /// Several chunks for each worker, as far as there are elements.
@@ -60,10 +60,10 @@ inline void TakeOverValues(HeldCurveValues& chunk, HeldCurveValues& held) {
 
 /// Ends the chunk when one of these is not a number.
 inline void RequireNumbers(const double* values, Word count) {
-    double sum = 0.0;
+    int others = 0; // infinities too: whoever meets one ends the run, or goes on alone
     for (Word i = 0; i < count; ++i)
-        sum += values[i] * 0.0;
-    if (!(sum == 0.0))
+        others |= values[i] - values[i] != 0.0 ? 1 : 0;
+    if (others != 0)
         throw OutOfTurn{};
 }
 
