@@ -12,6 +12,9 @@
 #include <thread>
 #include <vector>
 
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 #if defined(__x86_64__)
 #include <emmintrin.h>
 #endif
@@ -20,11 +23,11 @@ namespace zurt {
 
 namespace {
 
-// A wait spins for some ten microseconds, what a meeting of busy threads takes; then it yields; then it sleeps, so that
-// a thread that has lost its processor gets one.
+// A wait spins for some ten microseconds, what a meeting of busy threads takes; then it sleeps, a little longer each time. It
+// never yields: on a machine that others use too, a thread that yields waits for a turn of all of them, while one
+// that has slept is soon let in.
 constexpr int kSpins = 1000;
-constexpr int kYields = 500;
-constexpr std::chrono::microseconds kNap{50};
+constexpr std::chrono::microseconds kFirstNap{5}, kLongestNap{200};
 
 // What one thread writes and others read has a cache line of its own.
 struct alignas(64) SharedWord {
@@ -37,25 +40,28 @@ void Pause() {
 #endif
 }
 
-// True once the condition holds; false when it did not while spinning and yielding.
+// True once the condition holds; false when it did not while spinning.
 template <class Condition> bool HoldsSoon(int spins, const Condition& condition) {
     for (int i = 0; i < spins; ++i) {
         if (condition())
             return true;
         Pause();
     }
-    for (int i = 0; i < kYields; ++i) {
-        if (condition())
-            return true;
-        std::this_thread::yield();
-    }
-    return false;
+    return condition();
 }
 
 template <class Condition> void WaitUntil(int spins, const Condition& condition) {
-    if (!HoldsSoon(spins, condition))
-        while (!condition())
-            std::this_thread::sleep_for(kNap);
+    if (HoldsSoon(spins, condition))
+        return;
+    for (std::chrono::microseconds nap = kFirstNap; !condition(); nap = std::min(2 * nap, kLongestNap))
+        std::this_thread::sleep_for(nap);
+}
+
+// Sleeps of microseconds last no longer than that; without it the system rounds them to some fifty.
+void SleepPrecisely() {
+#ifdef __linux__
+    prctl(PR_SET_TIMERSLACK, 1000UL); // nanoseconds
+#endif
 }
 
 // Thrown at a meeting point that another worker will not reach.
@@ -136,6 +142,7 @@ void DoBody(WorkerTeam& team, int worker) {
 }
 
 void WorkerMain(WorkerTeam& team, int worker) {
+    SleepPrecisely();
     for (Word seen = 0;;) {
         AwaitSection(team, seen);
         seen = team.section.value.load();
@@ -197,6 +204,7 @@ void StartWorkers(Workers& workers, int count) {
     workers.count = count > 0 ? count : ProcessorCount();
     if (workers.count == 1)
         return;
+    SleepPrecisely();
     workers.team = std::shared_ptr<WorkerTeam>(new WorkerTeam, EndTeam);
     WorkerTeam& team = *workers.team;
     team.spins = workers.count <= ProcessorCount() ? kSpins : 0;
