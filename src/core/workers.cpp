@@ -27,7 +27,7 @@ namespace {
 // never yields: on a machine that others use too, a thread that yields waits for a turn of all of them, while one
 // that has slept is soon let in.
 constexpr int kSpins = 1000;
-constexpr std::chrono::microseconds kFirstNap{5}, kLongestNap{200};
+constexpr std::chrono::microseconds kFirstNap{5}, kLongestNap{50};
 
 // What one thread writes and others read has a cache line of its own.
 struct alignas(64) SharedWord {
@@ -64,6 +64,12 @@ void SleepPrecisely() {
 #endif
 }
 
+// A chunk that waits for its turn, and the worker in whose room it is.
+struct alignas(64) ComputedChunk {
+    std::atomic<Word> chunk{0};
+    int worker = 0;
+};
+
 // Thrown at a meeting point that another worker will not reach.
 struct MeetingBroken {};
 
@@ -85,9 +91,11 @@ struct WorkerTeam {
     SharedWord meetings; // that are over
     std::atomic<bool> broken{false};
 
-    SharedWord next;   // chunk to be taken
-    SharedWord turn;   // chunk to be added
-    SharedWord failed; // lowest chunk that has failed
+    SharedWord next;                     // chunk to be taken
+    SharedWord turn;                     // chunk to be added
+    SharedWord failed;                   // lowest chunk that has failed
+    std::vector<ComputedChunk> computed; // one place a worker, by the chunk's number
+    std::atomic<bool> adding{false};     // someone adds
 
     // Threads without work for long.
     std::mutex mutex;
@@ -162,6 +170,22 @@ void EndTeam(WorkerTeam* team) {
     delete team;
 }
 
+// A worker takes no further chunk ahead of its last one's addition, so those taken and not yet added have places of their own.
+ComputedChunk& PlaceOfChunk(WorkerTeam& team, Word chunk) {
+    return team.computed[static_cast<std::size_t>(chunk) % team.computed.size()];
+}
+
+// Adds what is ready in turn, whoever has computed it: on a busy machine that worker may be asleep. What becomes ready while
+// another worker adds is seen by it, at the latest behind its last addition.
+void AddReadyChunks(WorkerTeam& team, const ChunkBodies& bodies) {
+    const auto ready = [&](Word turn) { return PlaceOfChunk(team, turn).chunk.load() == turn; };
+    while (ready(team.turn.value.load()) && !team.adding.exchange(true)) {
+        for (Word turn = team.turn.value.load(); ready(turn); team.turn.value.store(++turn))
+            bodies.add(bodies.context, turn, PlaceOfChunk(team, turn).worker);
+        team.adding.store(false);
+    }
+}
+
 // What one worker does of a loop over chunks. Chunks are taken in ascending order, so all ahead of the lowest that fails
 // are taken by workers that finish them.
 void DoChunks(WorkerTeam& team, Word chunks, const ChunkBodies& bodies, int worker) {
@@ -179,14 +203,15 @@ void DoChunks(WorkerTeam& team, Word chunks, const ChunkBodies& bodies, int work
         }
         if (bodies.add == nullptr)
             continue;
+        ComputedChunk& own = PlaceOfChunk(team, chunk);
+        own.worker = worker;
+        own.chunk.store(chunk);
+        AddReadyChunks(team, bodies);
         WaitUntil(team.spins, [&] {
-            return team.turn.value.load(std::memory_order_acquire) == chunk ||
-                   team.failed.value.load() < chunk || team.broken.load();
+            return team.turn.value.load() > chunk || team.failed.value.load() < chunk || team.broken.load();
         });
-        if (team.turn.value.load(std::memory_order_acquire) != chunk)
+        if (team.turn.value.load() <= chunk)
             return;
-        bodies.add(bodies.context, chunk, worker);
-        team.turn.value.store(chunk + 1, std::memory_order_release);
     }
 }
 
@@ -209,6 +234,7 @@ void StartWorkers(Workers& workers, int count) {
     WorkerTeam& team = *workers.team;
     team.spins = workers.count <= ProcessorCount() ? kSpins : 0;
     team.faults.resize(static_cast<std::size_t>(workers.count));
+    team.computed = std::vector<ComputedChunk>(static_cast<std::size_t>(workers.count));
     try {
         for (int worker = 1; worker < workers.count; ++worker)
             team.threads.emplace_back([&team, worker] { WorkerMain(team, worker); });
@@ -295,6 +321,9 @@ void RunChunks(Workers& workers, Word chunks, const ChunkBodies& bodies) {
     team.next.value = 1;
     team.turn.value = 1;
     team.failed.value = chunks + 1;
+    team.adding = false;
+    for (ComputedChunk& place : team.computed)
+        place.chunk = 0;
     ChunkLoop loop = {team, chunks, bodies};
     const auto body = [](void* context, int worker) {
         const ChunkLoop& own = *static_cast<ChunkLoop*>(context);

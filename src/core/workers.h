@@ -96,8 +96,8 @@ template <class Body> void ForRanges(Workers& workers, Word count, Word grain, B
 }
 
 /// Calls compute(chunk, worker) for chunks 1..chunks side by side and add(chunk, worker) strictly in the order of the
-/// chunks, each by the thread that has computed the chunk: what compute has left in the worker's own room is still there.
-/// `add` begins no message.
+/// chunks, on any thread but with the worker that has computed the chunk, whose room holds till then what compute has left
+/// in it. `add` begins no message.
 template <class Compute, class Add> void InTurn(Workers& workers, Word chunks, Compute&& compute, Add&& add) {
     if (workers.count == 1 || chunks == 1) {
         for (Word chunk = 1; chunk <= chunks; ++chunk) {

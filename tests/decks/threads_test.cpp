@@ -34,10 +34,14 @@ std::string WithoutClocks(const std::string& text) {
 }
 
 /// All that a run leaves, by name, without clock times.
-std::map<std::string, std::string> OutputsOf(const std::string& deck, int threads) {
+std::map<std::string, std::string> OutputsOf(const std::string& deck, int threads,
+                                             const std::string& solver) {
     const std::string folder = MakeTemporaryFolder();
     WriteFile(folder + "/zurt.dat", deck);
-    const RunResult run = RunProgram(folder, {{"--threads", std::to_string(threads), "zurt.dat"}, ""});
+    Invocation invocation = {{"--threads", std::to_string(threads), "zurt.dat"}, ""};
+    if (!solver.empty())
+        invocation.arguments.insert(invocation.arguments.end(), {"--solver", solver});
+    const RunResult run = RunProgram(folder, invocation);
     std::map<std::string, std::string> outputs = {
         {"status", std::to_string(run.status)}, {"console", run.console}, {"errors", run.errors}};
     for (const auto& entry : std::filesystem::directory_iterator(folder))
@@ -45,10 +49,11 @@ std::map<std::string, std::string> OutputsOf(const std::string& deck, int thread
     return outputs;
 }
 
-std::map<std::string, std::string> ExpectSameOutputs(const std::string& what, const std::string& deck) {
-    std::map<std::string, std::string> one = OutputsOf(deck, 1);
+std::map<std::string, std::string> ExpectSameOutputs(const std::string& what, const std::string& deck,
+                                                     const std::string& solver = "") {
+    std::map<std::string, std::string> one = OutputsOf(deck, 1, solver);
     for (const int threads : {2, 5}) {
-        const std::map<std::string, std::string> several = OutputsOf(deck, threads);
+        const std::map<std::string, std::string> several = OutputsOf(deck, threads, solver);
         EXPECT_EQ(one.size(), several.size()) << what;
         for (const auto& [name, text] : one)
             EXPECT_TRUE(several.count(name) > 0 && several.at(name) == text)
@@ -68,6 +73,13 @@ TEST(Threads, SmallDecksAndExamplesGiveTheSameBytes) {
     for (const char* name : {"brick20", "fibrous_sheet", "line_network", "nanochannel_reservoirs",
                              "radiating_edge", "ring", "torsion"})
         ExpectSameOutputs(name, Example(name));
+}
+
+TEST(Threads, ConjugateGradientsGiveTheSameBytes) {
+    for (const char* name : {"brick20", "fibrous_sheet", "ring"})
+        ExpectSameOutputs(name, Example(name), "cg");
+    for (const char* name : {"fixed", "lines", "radial_fibres"})
+        ExpectSameOutputs(name, SmallDeckText(name), "cg");
 }
 
 // A block of bricks or, in the plane, of quadrilaterals, by a curve of two points.
