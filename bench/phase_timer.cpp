@@ -164,11 +164,11 @@ ZURT_WRAP(AddGroupResults, "_ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGrou
     Book(kFluxes, start);
 }
 
-ZURT_WRAP(SkylineSolve, "_ZN4zurt12SkylineSolveENS_9ArrayViewIdEES1_NS0_IKiEEiiiRNS_8TextUnitE",
+ZURT_WRAP(SkylineSolve, "_ZN4zurt12SkylineSolveENS_9ArrayViewIdEES1_NS0_IKiEEiiiRNS_8TextUnitERNS_7WorkersE",
           (RealArray A, RealArray V, ConstIntArray MAXA, std::int32_t NN, std::int32_t NWK, std::int32_t mode,
-           TextUnit& unit)) {
+           TextUnit& unit, Workers& workers)) {
     const double start = Unbooked();
-    RealSkylineSolve(A, V, MAXA, NN, NWK, mode, unit);
+    RealSkylineSolve(A, V, MAXA, NN, NWK, mode, unit, workers);
     Book(mode == kFactorMode ? kFactor : kSubstitution, start);
     theClock.job.solves += mode == kSubstituteMode;
 }

@@ -64,7 +64,8 @@ template <zurt::InstructionSet kSet> void TimeFactorWith(benchmark::State& state
         return;
     }
     TimeFactor(state, [](RealArray store, zurt::ConstIntArray MAXA, Word NN) {
-        return zurt::FactorSkyline(store, MAXA, NN, kSet);
+        zurt::Workers alone;
+        return zurt::FactorSkyline(store, MAXA, NN, kSet, alone);
     });
 }
 

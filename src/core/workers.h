@@ -16,6 +16,7 @@
 #include "core/array_view.h"
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <type_traits>
 
@@ -42,6 +43,18 @@ void StartWorkers(Workers& workers, int count);
 /// All workers of a parallel section come here before any goes on. Called by each of them equally often. Cheap: waiting
 /// threads spin for a while, then leave the processor to others.
 void MeetWorkers(Workers& workers);
+
+/// How far something has come that one worker after the other carries on: it never falls within a section. Everything
+/// written ahead of Reach is seen behind an AwaitProgress for the same number.
+struct alignas(64) Progress {
+    std::atomic<Word> reached{0};
+};
+inline void Reach(Progress& progress, Word number) {
+    progress.reached.store(number, std::memory_order_release);
+}
+
+/// Waits until `number` is reached, in a body of InTeam; returns how far it has come.
+Word AwaitProgress(const Workers& workers, const Progress& progress, Word number);
 
 // The bodies without their types: a context and functions that know its type.
 struct ChunkBodies {
@@ -83,8 +96,8 @@ template <class Body> void ForRanges(Workers& workers, Word count, Word grain, B
 }
 
 /// Calls compute(chunk, worker) for chunks 1..chunks side by side and add(chunk, worker) strictly in the order of the
-/// chunks, each by the thread that has computed the chunk: what compute has left in the worker's own room is still there.
-/// `add` begins no message.
+/// chunks, on any thread but with the worker that has computed the chunk, whose room holds till then what compute has left
+/// in it. `add` begins no message.
 template <class Compute, class Add> void InTurn(Workers& workers, Word chunks, Compute&& compute, Add&& add) {
     if (workers.count == 1 || chunks == 1) {
         for (Word chunk = 1; chunk <= chunks; ++chunk) {

@@ -7,7 +7,9 @@
 #include "microscale/wall_cells.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace zurt {
 
@@ -52,7 +54,6 @@ template <int Family> struct CutSearch {
     const Run& run;
     const ElementGroup& group;
     WallCells<Family> cells{}; // without sub-points when none are asked for
-    CutElement cut{};
 };
 
 template <int Family>
@@ -65,21 +66,80 @@ CutSearch<Family> BeginCuts(const Run& run, const ElementGroup& group, FibreGrou
     return cuts;
 }
 
-// Records and volumes of the walk's element in hand if a wall cuts it.
+// Records and volumes of element n, which a wall cuts.
 template <int Family>
-bool TakeCut(CutSearch<Family>& cuts, const ElementWalk<Family>& walk, const FibreSearch& search,
-             FibreGroup& marks, FibreModel& model) {
-    if (cuts.run.options.wallCells == 0 || !CutByWall(cuts.cells, walk, search, cuts.cut))
-        return false;
+void AddCut(const CutSearch<Family>& cuts, const CutElement& cut, std::int32_t n, FibreGroup& marks,
+            FibreModel& model) {
     marks.cutPoints = cuts.cells.rule.count;
-    marks.cutRecords.insert(marks.cutRecords.end(), cuts.cut.records.begin(), cuts.cut.records.end());
-    marks.cutShares.insert(marks.cutShares.end(), cuts.cut.share.begin(), cuts.cut.share.end());
+    marks.cutRecords.insert(marks.cutRecords.end(), cut.records.begin(), cut.records.end());
+    marks.cutShares.insert(marks.cutShares.end(), cut.share.begin(), cut.share.end());
     RequireRoomForRecords(cuts.run, cuts.group, static_cast<Word>(marks.cutRecords.size()));
-    marks.cutNumber[static_cast<std::size_t>(walk.number - 1)] =
+    marks.cutNumber[static_cast<std::size_t>(n - 1)] =
         static_cast<std::int32_t>(static_cast<Word>(marks.cutRecords.size()) / marks.cutPoints);
-    model.VOLFLUID += cuts.cut.fluid;
-    model.totalVolume += cuts.cut.volume;
-    return true;
+    model.VOLFLUID += cut.fluid;
+    model.totalVolume += cut.volume;
+}
+
+// --- elements side by side ----------------------------------------------------------------------------------------
+
+// Elements that a worker takes at once.
+constexpr Word kElementsOfRange = 16;
+
+constexpr Word kElementsOfFluxRange = 256; // each has a walk of its own
+
+// What is summed and marked in the order of the elements.
+template <int Family> struct ClassifiedElement {
+    bool isCut = false;
+    CutElement cut{};
+    int ND = 0;
+    std::int32_t node[kMaxNodes<Family>];
+    double measure[kMaxPoints<Family>];
+};
+
+// One worker's.
+template <int Family> struct Classification {
+    ElementWalk<Family> walk;
+    CutSearch<Family> cuts;
+    std::vector<ClassifiedElement<Family>> elements; // of the range in hand
+};
+
+template <int Family>
+void ClassifyElement(Classification<Family>& own, const FibreSearch& search, std::int32_t n,
+                     GaussFibreRecord* record, ClassifiedElement<Family>& element) {
+    ElementWalk<Family>& walk = own.walk;
+    TakeWalkElement(walk, n);
+    element.isCut =
+        own.cuts.run.options.wallCells > 0 && CutByWall(own.cuts.cells, walk, search, element.cut);
+    element.ND = walk.points.active.ND;
+    std::copy(walk.element.node, walk.element.node + kMaxNodes<Family>, element.node);
+    for (int p = 0; p < walk.points.count; ++p, ++record) {
+        double X[3];
+        JacobianValues<Family> jacobian;
+        PlaceOfPoint(walk, walk.points.point[p], X);
+        element.measure[p] = LocatePoint(walk, walk.points.point[p], jacobian);
+        FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
+    }
+}
+
+template <int Family>
+void AddClassified(const CutSearch<Family>& cuts, const ClassifiedElement<Family>& element, std::int32_t n,
+                   FibreModel& model, FibreGroup& marks, IntArray nodeMarks) {
+    bool fluid = element.isCut;
+    if (element.isCut)
+        AddCut(cuts, element.cut, n, marks, model);
+    const GaussFibreRecord* record = marks.records.data() + Word{marks.points} * (n - 1);
+    for (int p = 0; p < marks.points && !element.isCut; ++p) {
+        if (record[p].wall > 0.0) {
+            model.VOLFLUID += element.measure[p];
+            fluid = true;
+        }
+        model.totalVolume += element.measure[p];
+    }
+    if (!fluid)
+        return;
+    marks.elementMark[static_cast<std::size_t>(n - 1)] = 1;
+    for (int k = 0; k < element.ND; ++k)
+        ++nodeMarks(element.node[k]);
 }
 
 } // namespace
@@ -113,34 +173,30 @@ void ClassifyGaussPoints(Run& run, FibreModel& model, const FibreSearch& search,
     RequireRoomForRecords(run, group, marks.points * group.NET);
     marks.elementMark.assign(static_cast<std::size_t>(group.NET), 0);
     marks.records.resize(static_cast<std::size_t>(marks.points * group.NET));
-    GaussFibreRecord* record = marks.records.data();
-    ElementWalk<Family> walk{run, group};
-    BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
-    CutSearch<Family> cuts = BeginCuts<Family>(run, group, marks);
-    for (std::int32_t n = 1; n <= group.NET; ++n) {
-        TakeWalkElement(walk, n);
-        const bool cut = TakeCut(cuts, walk, search, marks, model);
-        bool fluid = cut;
-        for (int p = 0; p < marks.points; ++p, ++record) {
-            double X[3];
-            JacobianValues<Family> jacobian;
-            PlaceOfPoint(walk, walk.points.point[p], X);
-            const double w = LocatePoint(walk, walk.points.point[p], jacobian);
-            FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
-            if (cut)
-                continue;
-            if (record->wall > 0.0) {
-                model.VOLFLUID += w;
-                fluid = true;
-            }
-            model.totalVolume += w;
+    const CutSearch<Family> cuts = BeginCuts<Family>(run, group, marks);
+    const Word grain = run.workers.count == 1 ? 1 : kElementsOfRange;
+    std::vector<std::unique_ptr<Classification<Family>>> all(static_cast<std::size_t>(run.workers.count));
+    const auto classify = [&](Word chunk, int worker) {
+        std::unique_ptr<Classification<Family>>& own = all[static_cast<std::size_t>(worker)];
+        if (own == nullptr) {
+            own.reset(new Classification<Family>{ElementWalk<Family>{run, group}, cuts, {}});
+            BeginWalk(own->walk, group.NGAUS, NodalPlacesOf(run));
+            own->elements.resize(static_cast<std::size_t>(grain));
         }
-        if (!fluid)
-            continue;
-        marks.elementMark[static_cast<std::size_t>(n - 1)] = 1;
-        for (int k = 0; k < walk.points.active.ND; ++k)
-            ++nodeMarks(walk.element.node[k]);
-    }
+        const ChunkRange range = RangeOfChunk(group.NET, grain, chunk);
+        for (Word n = range.first; n <= range.last; ++n)
+            ClassifyElement(*own, search, static_cast<std::int32_t>(n),
+                            marks.records.data() + Word{marks.points} * (n - 1),
+                            own->elements[static_cast<std::size_t>(n - range.first)]);
+    };
+    const auto add = [&](Word chunk, int worker) {
+        const Classification<Family>& own = *all[static_cast<std::size_t>(worker)];
+        const ChunkRange range = RangeOfChunk(group.NET, grain, chunk);
+        for (Word n = range.first; n <= range.last; ++n)
+            AddClassified(own.cuts, own.elements[static_cast<std::size_t>(n - range.first)],
+                          static_cast<std::int32_t>(n), model, marks, nodeMarks);
+    };
+    InTurn(run.workers, ChunkCount(group.NET, grain), classify, add);
 }
 
 template <int Family>
@@ -152,19 +208,21 @@ void FillFluxRecords(Run& run, FibreModel& model, const FibreSearch& search, con
     const Word points = Word{1} << kDimension<Family>;
     RequireRoomForRecords(run, group, points * group.NET);
     records.resize(static_cast<std::size_t>(points * group.NET));
-    GaussFibreRecord* record = records.data();
-    ElementWalk<Family> walk{run, group};
-    BeginWalk(walk, kFluxOrders, NodalPlacesOf(run));
-    for (std::int32_t n = 1; n <= group.NET; ++n) {
-        TakeWalkElement(walk, n);
-        for (int p = 0; p < walk.points.count; ++p, ++record) {
-            double X[3];
-            JacobianValues<Family> jacobian; // judged here, ahead of the solution
-            LocatePoint(walk, walk.points.point[p], jacobian);
-            PlaceOfPoint(walk, walk.points.point[p], X);
-            FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
+    ForRanges(run.workers, group.NET, kElementsOfFluxRange, [&](Word first, Word last, int) {
+        GaussFibreRecord* record = records.data() + points * (first - 1);
+        ElementWalk<Family> walk{run, group};
+        BeginWalk(walk, kFluxOrders, NodalPlacesOf(run));
+        for (Word n = first; n <= last; ++n) {
+            TakeWalkElement(walk, static_cast<std::int32_t>(n));
+            for (int p = 0; p < walk.points.count; ++p, ++record) {
+                double X[3];
+                JacobianValues<Family> jacobian; // judged here, ahead of the solution
+                LocatePoint(walk, walk.points.point[p], jacobian);
+                PlaceOfPoint(walk, walk.points.point[p], X);
+                FillGaussRecord(search, SearchNearestFibre(search, X), X, *record);
+            }
         }
-    }
+    });
 }
 
 #define ZURT_GAUSS_RECORDS(FAMILY)                                                                           \

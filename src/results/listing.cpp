@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "results/nodal_values.h"
+#include "results/rows.h"
 
 #include <cmath>
 
@@ -38,15 +39,11 @@ void ListConcentrations(Run& run) {
     SetNegligibleToZero(values);
     static const Format fixedRow("(4(I8,4X,F10.3))");
     static const Format exponentRow("(4(I8,4X,E13.5))");
-    if (!IsOpen(listing))
-        return;
-    RecordWriter writer;
-    BeginWrite(writer, listing, run.control.header.IFORM == 1 ? fixedRow : exponentRow);
-    for (Word i = 1; i <= values.length; ++i) {
-        Put(writer, i);
-        Put(writer, values(i));
-    }
-    EndWrite(writer);
+    WriteRows(run, listing, run.control.header.IFORM == 1 ? fixedRow : exponentRow, values.length,
+              RowStatements::One, [&](RecordWriter& writer, Word i) {
+                  Put(writer, i);
+                  Put(writer, values(i));
+              });
 }
 
 void WriteFluxes(Run& run) {
@@ -59,17 +56,13 @@ void WriteFluxes(Run& run) {
     else
         Write(listing, "(' NODE',10X,'FLUX-X',12X,'FLUX-Y',7X,'NODE',7X,'FLUX-X',11X,'FLUX-Y')");
     static const Format row("(2(I8,4X,E13.5,2X,E13.5))");
-    if (!IsOpen(listing))
-        return;
     const RealArray x = NodalResultVector(run, 1), y = NodalResultVector(run, 2);
-    RecordWriter writer;
-    BeginWrite(writer, listing, row);
-    for (Word i = 1; i <= run.control.header.NP; ++i) {
-        Put(writer, i);
-        Put(writer, ResultAt(x, i));
-        Put(writer, ResultAt(y, i));
-    }
-    EndWrite(writer);
+    WriteRows(run, listing, row, run.control.header.NP, RowStatements::One,
+              [&](RecordWriter& writer, Word i) {
+                  Put(writer, i);
+                  Put(writer, ResultAt(x, i));
+                  Put(writer, ResultAt(y, i));
+              });
 }
 
 } // namespace

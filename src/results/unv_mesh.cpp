@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "geometry/radial_views.h"
+#include "results/rows.h"
 
 namespace zurt {
 
@@ -88,8 +89,13 @@ void WriteUnvNodes(Run& run) {
     const RealArray x = CoordinateColumn(run, 1), y = CoordinateColumn(run, 2), z = CoordinateColumn(run, 3);
     Write(graphics, "(I6)", -1);
     Write(graphics, "(I6)", 15);
-    for (Word i = 1; i <= run.control.header.NP; ++i)
-        Write(graphics, row, i, 0, 0, kNodeColour, x(i), y(i), z(i));
+    WriteRows(run, graphics, row, run.control.header.NP, RowStatements::Each,
+              [&](RecordWriter& writer, Word i) {
+                  for (const Word number : {i, Word{0}, Word{0}, Word{kNodeColour}})
+                      Put(writer, number);
+                  for (const RealArray* axis : {&x, &y, &z})
+                      Put(writer, (*axis)(i));
+              });
     Write(graphics, "(I6)", -1);
 }
 

@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "geometry/radial_views.h"
 #include "results/nodal_values.h"
+#include "results/rows.h"
 
 #include <string_view>
 
@@ -43,9 +44,9 @@ void WriteEnd(Run& run) {
     Write(run.units.graphics, "(I6)", -1);
 }
 
-void WriteScalarRow(Run& run, Word node, double value) {
+const Format& ScalarRow() {
     static const Format row("(I10/D13.5)");
-    Write(run.units.graphics, row, node, value);
+    return row;
 }
 
 // Rows of a substructured group: the inner nodes of each fibre, from its axis outward. Returns the last number.
@@ -54,14 +55,17 @@ Word WriteRadialNodes(Run& run, const ElementGroup& group, Word number) {
     const ConstIntArray counts = RadialCount(run, group);
     for (Word n = 1; n <= values.columns; ++n)
         for (Word k = 1; k <= counts(n); ++k)
-            WriteScalarRow(run, ++number, values(k, n));
+            Write(run.units.graphics, ScalarRow(), ++number, values(k, n));
     return number;
 }
 
 void WriteConcentrations(Run& run, ConstRealArray values) {
     WriteHead(run, kConcentrations);
-    for (Word i = 1; i <= values.length; ++i)
-        WriteScalarRow(run, i, values(i));
+    WriteRows(run, run.units.graphics, ScalarRow(), values.length, RowStatements::Each,
+              [&](RecordWriter& writer, Word i) {
+                  Put(writer, i);
+                  Put(writer, values(i));
+              });
     Word number = values.length;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (IsRadial(run.groups[NGE]) && run.groups[NGE].ISUB4 == 1)
@@ -76,8 +80,12 @@ void WriteVectors(Run& run, const DatasetHead& head, int first) {
     const RealArray x = NodalResultVector(run, first);
     const RealArray y = NodalResultVector(run, first + 1);
     const RealArray z = NodalResultVector(run, first + 2);
-    for (Word i = 1; i <= run.control.header.NP; ++i)
-        Write(run.units.graphics, row, i, ResultAt(x, i), ResultAt(y, i), ResultAt(z, i));
+    WriteRows(run, run.units.graphics, row, run.control.header.NP, RowStatements::Each,
+              [&](RecordWriter& writer, Word i) {
+                  Put(writer, i);
+                  for (const RealArray* component : {&x, &y, &z})
+                      Put(writer, ResultAt(*component, i));
+              });
     WriteEnd(run);
 }
 

@@ -235,13 +235,15 @@ GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const Level
     report.end = GradientsEnd::Converged;
     if (A.JEDN == 0)
         return report;
+    Workers alone; // a single block leaves others nothing but meetings
+    Workers& sharing = BlockCount(A) > 1 ? workers : alone;
     TakeRoom(A, work);
-    TakeFactorRoom(A, schedule, workers.count, work.factor);
+    TakeFactorRoom(A, schedule, sharing.count, work.factor);
     report.equation = TakeScale(A, work.scale);
     report.end = GradientsEnd::NotPositiveDefinite;
     if (report.equation == 0)
-        InTeam(workers, [&](int worker) {
-            const GradientsReport found = SolveInTeam({{workers, worker}, A, schedule, work}, b, limits);
+        InTeam(sharing, [&](int worker) {
+            const GradientsReport found = SolveInTeam({{sharing, worker}, A, schedule, work}, b, limits);
             if (worker == 0)
                 report = found;
         });

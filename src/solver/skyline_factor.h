@@ -6,6 +6,7 @@
 
 #include "core/array_view.h"
 #include "core/lanes.h"
+#include "core/workers.h"
 
 namespace zurt {
 
@@ -15,10 +16,12 @@ namespace zurt {
 ///   SkylineMatrix  1..MAXA(NN+1)-1, in: K; out: d(c) on the diagonals, l(r,c) above them
 ///   MAXA           1..NN+1, in: solver/skyline_layout.h
 ///   instructions   a set that the machine runs; all of them give the same bits
-/// Takes scratch for 16 columns of the greatest height from the heap, once.
-Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, InstructionSet instructions);
+///   workers        factorise panels of 16 columns side by side, where that pays; the bits are the same
+/// Takes scratch for 16 columns of the greatest height from the heap, once for each worker.
+Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, InstructionSet instructions,
+                   Workers& workers);
 
-/// The same with the widest set.
+/// The same with the widest set and one worker.
 Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN);
 
 /// The number of floating-point operations that a factorisation of this layout takes.

@@ -14,6 +14,7 @@
 
 #include "core/array_view.h"
 #include "core/lanes.h"
+#include "core/workers.h"
 
 #include <algorithm>
 
@@ -29,12 +30,16 @@ struct alignas(64) PanelRow {
     double lane[kPanelLanes];
 };
 
+struct PanelOrder;
+
 /// Columns first .. first + columns - 1; rows and columns are counted from zero.
 struct SkylinePanel {
     double* store;                // the whole skyline store
     const std::int32_t* pointers; // MAXA; the diagonal of column c is store[pointers[c] - 1]
     Word NN;                      // columns of the whole store
+    PanelOrder* order;            // null where one worker has all panels
     PanelRow* reduced;            // entries before the division by the pivot: row r at bottom - r
+    Word stride;                  // columns from this panel to the next one that falls to the worker
     Word first;
     Word columns;              // lanes in use, 1..16
     Word bottom;               // row of the last lane's diagonal
@@ -42,9 +47,34 @@ struct SkylinePanel {
     Word allTop;               // from this row down every lane in use has entries
     Word entry[kPanelLanes];   // entry (r, lane) is store[entry[lane] - r]
     Word laneTop[kPanelLanes]; // highest row of the lane; below bottom for a lane that is not in use
+    Word known;                // columns that are known to be finished; NN where no one is to be waited for
     Word whole;        // entries of `reduced` below this one, but for the panel's own rows, have all 16 lanes
     PanelRow laneTops; // the same as reals, to compare vectors with
 };
+
+/// Where workers factorise panels side by side: each takes the next panel, and of the columns before it the finished ones.
+struct PanelOrder {
+    const Workers* workers;
+    std::atomic<Word> next;   // first column of the panel to be taken
+    Progress finished;        // columns, from the first on; kStopped behind a pivot that failed
+    std::atomic<Word> failed; // the number of that pivot, 0 none
+};
+constexpr Word kStopped = Word{1} << 62;
+
+/// Waits until column K is finished. False when it will not be.
+ZURT_INLINE bool AwaitColumn(SkylinePanel& panel, Word K) {
+    if (K >= panel.known)
+        panel.known = AwaitProgress(*panel.order->workers, panel.order->finished, K + 1);
+    return panel.known != kStopped;
+}
+
+/// Column K is finished, as are all before it.
+ZURT_INLINE void FinishedColumn(SkylinePanel& panel, Word K) {
+    if (panel.order == nullptr)
+        return;
+    panel.known = K + 1;
+    Reach(panel.order->finished, K + 1);
+}
 
 /// Sets all that follows from `first` and `columns`.
 ZURT_INLINE void PlacePanel(SkylinePanel& panel) {
@@ -130,11 +160,12 @@ ZURT_INLINE void ReduceRow(const SkylinePanel& panel, Word K, PanelRow& value,
             LanesAt<kWidth>(&value.lane[v * kWidth]) - sums[v];
 }
 
-/// The rows above the panel's own: entries into `reduced` (kLoad), or quotients by the pivots out of it. Squares of
+/// Rows above the panel's own, places from .. to - 1 of `reduced` (multiples of the widest lanes): entries into `reduced` (kLoad), or quotients by the pivots out of it. Squares of
 /// columns and rows are turned in registers.
-template <int kWidth, bool kLoad> ZURT_INLINE void MoveWholeRows(const SkylinePanel& panel) {
+template <int kWidth, bool kLoad>
+ZURT_INLINE void MoveWholeRows(const SkylinePanel& panel, Word from, Word to) {
     using Vector = typename Lanes<kWidth>::Vector;
-    for (Word j = kPanelLanes; j < panel.whole; j += kWidth)
+    for (Word j = from; j < to; j += kWidth)
 #pragma GCC unroll 8
         for (Word lane = 0; lane < kPanelLanes; lane += kWidth) {
             Vector square[kWidth];
@@ -161,7 +192,7 @@ template <int kWidth, bool kLoad> ZURT_INLINE void MoveWholeRows(const SkylinePa
 template <bool kLoad> ZURT_INLINE void MoveRaggedRows(const SkylinePanel& panel) {
     for (Word j = panel.whole; j <= panel.bottom - panel.top; ++j) {
         const Word r = panel.bottom - j;
-        const double pivot = panel.store[panel.pointers[r] - 1];
+        const double pivot = kLoad ? 1.0 : panel.store[panel.pointers[r] - 1];
         for (Word lane = 0; lane < kPanelLanes; ++lane) {
             double& value = panel.reduced[j].lane[lane];
             const bool inside = panel.laneTop[lane] <= r;
@@ -201,27 +232,49 @@ ZURT_INLINE void PrefetchEntries(const double* store, Word from, Word to) {
         __builtin_prefetch(store + from);
 }
 
-/// Reduces, divides and tests the columns of a placed panel. Returns 0, or the one-based number of the pivot
-/// that failed.
-template <int kWidth> ZURT_INLINE Word FactorPanel(const SkylinePanel& panel) {
-    MoveWholeRows<kWidth, true>(panel);
-    MoveRaggedRows<true>(panel);
-    typename Lanes<kWidth>::Vector newest[kPanelLanes / kWidth] = {};
-    // The columns of the next panel were touched last when the matrix was assembled: some of them come with each row.
-    const Word next = panel.first + panel.columns;
+/// Rows `from` .. `to` - 1 of a panel, above its own. The columns of the next panel were touched last when the matrix was
+/// assembled: some of them come with each row. False when a column will not be finished.
+template <int kWidth>
+ZURT_INLINE bool ReduceRows(SkylinePanel& panel, Word from, Word to, Word& ahead,
+                            typename Lanes<kWidth>::Vector* newest) {
+    const Word next = std::min(panel.first + panel.stride, panel.NN);
     const Word end = panel.pointers[std::min(next + kPanelLanes, panel.NN)] - 1;
-    Word ahead = panel.pointers[next] - 1;
-    const Word withEachRow = (end - ahead) / std::max<Word>(panel.first - panel.top, 1) + 1;
-    for (Word K = panel.top; K < panel.first; ++K) {
+    const Word withEachRow =
+        (end - panel.pointers[next] + 1) / std::max<Word>(panel.first - panel.top, 1) + 1;
+    for (Word K = from; K < to; ++K) {
         PrefetchEntries(panel.store, ahead, std::min(ahead + withEachRow, end));
         ahead += withEachRow;
+        if (!AwaitColumn(panel, K))
+            return false;
         ReduceRow<kWidth>(panel, K, panel.reduced[panel.bottom - K], newest);
     }
-    MoveWholeRows<kWidth, false>(panel);
+    return true;
+}
+
+/// Reduces, divides and tests the columns of a placed panel. Returns 0, or the one-based number of the pivot
+/// that failed, or kStopped when one before the panel has. Side by side with others, what the panel before it
+/// does not touch is brought to its end ahead of the wait for that panel.
+template <int kWidth> ZURT_INLINE Word FactorPanel(SkylinePanel& panel) {
+    const Word early = panel.order == nullptr ? panel.first : std::max(panel.top, panel.first - kPanelLanes);
+    const Word late = panel.order == nullptr ? kPanelLanes : std::min(2 * kPanelLanes, panel.whole);
+    MoveWholeRows<kWidth, true>(panel, kPanelLanes, panel.whole);
+    MoveRaggedRows<true>(panel);
+    typename Lanes<kWidth>::Vector newest[kPanelLanes / kWidth] = {};
+    Word ahead = panel.pointers[std::min(panel.first + panel.stride, panel.NN)] - 1;
+    if (!ReduceRows<kWidth>(panel, panel.top, early, ahead, newest))
+        return kStopped;
+    if (late < panel.whole)
+        MoveWholeRows<kWidth, false>(panel, late, panel.whole);
+    if (!ReduceRows<kWidth>(panel, early, panel.first, ahead, newest) ||
+        (panel.first > 0 && !AwaitColumn(panel, panel.first - 1)))
+        return kStopped;
+    MoveWholeRows<kWidth, false>(panel, kPanelLanes, late);
     MoveRaggedRows<false>(panel);
-    for (Word K = panel.first; K < panel.first + panel.columns; ++K)
+    for (Word K = panel.first; K < panel.first + panel.columns; ++K) {
         if (!FinishOwnRow<kWidth>(panel, K, newest))
             return K + 1;
+        FinishedColumn(panel, K);
+    }
     return 0;
 }
 

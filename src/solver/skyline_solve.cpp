@@ -53,12 +53,12 @@ void SubstituteSkyline(ConstRealArray SkylineMatrix, RealArray V, ConstIntArray 
 }
 
 void SkylineSolve(RealArray SkylineMatrix, RealArray V, ConstIntArray MAXA, std::int32_t NN,
-                  std::int32_t /*NWK*/, std::int32_t mode, TextUnit& listing) {
+                  std::int32_t /*NWK*/, std::int32_t mode, TextUnit& listing, Workers& workers) {
     if (mode >= kSubstituteMode) {
         SubstituteSkyline(SkylineMatrix, V, MAXA, NN);
         return;
     }
-    const Word failed = FactorSkyline(SkylineMatrix, MAXA, NN);
+    const Word failed = FactorSkyline(SkylineMatrix, MAXA, NN, WidestInstructionSet(), workers);
     if (failed != 0)
         StopAtPivot(listing, failed, SkylineMatrix(MAXA(failed)));
 }

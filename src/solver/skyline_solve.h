@@ -6,6 +6,7 @@
 
 #include "core/array_view.h"
 #include "core/text_unit.h"
+#include "core/workers.h"
 
 namespace zurt {
 
@@ -18,10 +19,11 @@ constexpr std::int32_t kSubstituteMode = 2;
 ///   V              1..NN, in: right-hand side, out: solution
 ///   MAXA           1..NN+1, in
 ///   NWK            handed in by every caller, not consulted
+///   workers        share the factorisation
 /// Stops the run when a pivot is not above zero, with three lines on the listing that stand in Serbian under
 /// either language.
 void SkylineSolve(RealArray SkylineMatrix, RealArray V, ConstIntArray MAXA, std::int32_t NN, std::int32_t NWK,
-                  std::int32_t mode, TextUnit& listing);
+                  std::int32_t mode, TextUnit& listing, Workers& workers);
 
 /// The second half of SkylineSolve: V := K^-1 V, with the factors in the store.
 void SubstituteSkyline(ConstRealArray SkylineMatrix, RealArray V, ConstIntArray MAXA, Word NN);

@@ -53,7 +53,10 @@ Word FirstDifference(const Reals& a, const Reals& b) {
 using zurt::InstructionSet;
 
 // Every set of instructions that this machine runs must give the bits of the plain loops, and the substitution with its factors too.
-void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std::string& what) {
+void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std::string& what,
+                    int threads = 1) {
+    zurt::Workers workers;
+    zurt::StartWorkers(workers, threads);
     SkylineSystem reference = system;
     const Word failed = ReferenceFactor(reference.Store(), reference.Pointers(), reference.NN);
     for (const InstructionSet set :
@@ -62,7 +65,8 @@ void ExpectSameBits(const SkylineSystem& system, std::mt19937& random, const std
             break;
         const std::string where = what + " set " + std::to_string(static_cast<int>(set));
         SkylineSystem solved = system;
-        ASSERT_EQ(zurt::FactorSkyline(solved.Store(), solved.Pointers(), solved.NN, set), failed) << where;
+        ASSERT_EQ(zurt::FactorSkyline(solved.Store(), solved.Pointers(), solved.NN, set, workers), failed)
+            << where;
         const Word diagonal = failed == 0 ? 0 : reference.Pointers()(failed);
         if (failed != 0) // the diagonal there, by which it failed
             EXPECT_EQ(FirstDifference({solved.Store()(diagonal)}, {reference.Store()(diagonal)}), 0) << where;
@@ -163,6 +167,27 @@ TEST(SkylineSolve, PivotsFailWhereThePlainLoopsFail) {
     two.store[70] = -1.0;
     two.store[66] = 0.0;
     EXPECT_EQ(zurt::FactorSkyline(two.Store(), two.Pointers(), 90), 67);
+}
+
+// Panels side by side: columns taken before they are finished, a later pivot's failure ahead of an earlier one's, workers
+// that wait for a panel that will not come.
+TEST(SkylineSolve, SameBitsByAnyNumberOfWorkers) {
+    std::mt19937 random(5);
+    for (const int threads : {2, 5}) {
+        const std::string by = std::to_string(threads) + " workers, ";
+        SkylineSystem cube = MakeCube(9);
+        FillDominant(cube, random);
+        ExpectSameBits(cube, random, by + "cube", threads);
+        for (const Word equation : {0, 1, 17, 300, 301, 599}) {
+            SkylineSystem ragged = MakeSystem(RandomHeights(600, 500, random));
+            FillDominant(ragged, random);
+            if (equation > 0) {
+                ragged.Store()(ragged.Pointers()(equation)) = -1.0;
+                ragged.Store()(ragged.Pointers()(600)) = -1.0;
+            }
+            ExpectSameBits(ragged, random, by + "equation " + std::to_string(equation), threads);
+        }
+    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "elements/forming/element_fluxes.h"
 
+#include "elements/forming/element_chunks.h"
 #include "elements/forming/element_kernel.h"
 #include "elements/forming/element_visit.h"
 #include "elements/forming/nodal_averaging.h"
@@ -70,6 +71,57 @@ template <int Family> void SpreadToMidSides(const ActiveNodes& active, ElementRe
     }
 }
 
+// What the element in hand gives to its nodes; ND 0: it takes no part.
+template <int Family> struct ElementFluxes {
+    std::int32_t ND;
+    std::int32_t node[kMaxNodes<Family>];
+    ElementResults<Family> results;
+};
+
+template <int Family>
+void EvaluateFluxes(ElementVisit<Family>& visit, std::int32_t n, ElementFluxes<Family>& fluxes) {
+    fluxes.ND = 0;
+    if (!TakesPart(visit, n))
+        return;
+    AnnounceElement(visit.run, n);
+    VisitElement(visit, n);
+    std::fill(fluxes.results, fluxes.results + kMaxNodes<Family>, NodalResult());
+    EvaluateCorners<Family>(visit, fluxes.results);
+    SpreadToMidSides<Family>(visit.walk.points.active, fluxes.results);
+    fluxes.ND = visit.walk.points.active.ND;
+    std::copy(visit.walk.element.node, visit.walk.element.node + kMaxNodes<Family>, fluxes.node);
+}
+
+template <int Family> void AddFluxes(const NodalSums& sums, const ElementFluxes<Family>& fluxes) {
+    for (int k = 0; k < fluxes.ND; ++k)
+        AddNodalResult(sums, fluxes.node[k], fluxes.results[k]);
+}
+
+// A worker's visit, with room for the elements of a chunk.
+template <int Family> struct FluxVisit {
+    FluxVisit(Run& run, ElementGroup& group) : elements{run, group} {}
+    ElementVisit<Family> elements;
+    ElementFluxes<Family> chunk[kChunkElements];
+};
+
+template <int Family> void AddFluxesSideBySide(Run& run, ElementGroup& group, const NodalSums& sums) {
+    const auto begin = [](FluxVisit<Family>& visit) {
+        visit.elements.integrates = false;
+        JoinElementVisit(visit.elements, kFluxOrders);
+    };
+    const auto compute = [&](FluxVisit<Family>& visit, std::int32_t n, std::size_t place) {
+        ElementFluxes<Family>& fluxes = visit.chunk[place];
+        EvaluateFluxes(visit.elements, n, fluxes);
+        if (run.workers.sideBySide)
+            for (int k = 0; k < fluxes.ND; ++k)
+                RequireNumbers(fluxes.results[k].coefficient, 3);
+    };
+    const auto add = [&](const FluxVisit<Family>& visit, std::int32_t, std::size_t place) {
+        AddFluxes(sums, visit.chunk[place]);
+    };
+    ElementsInTurn<FluxVisit<Family>>(run, group, false, begin, compute, add);
+}
+
 } // namespace
 
 template <int Family> void AddElementFluxes(Run& run, ElementGroup& group) {
@@ -77,16 +129,12 @@ template <int Family> void AddElementFluxes(Run& run, ElementGroup& group) {
     visit.integrates = false;
     BeginElementVisit(visit, kFluxOrders);
     const NodalSums sums = NodalSumsOf(run);
+    if (SharesElements(run, group))
+        return AddFluxesSideBySide<Family>(run, group, sums);
+    ElementFluxes<Family> fluxes;
     for (std::int32_t n = 1; n <= group.NET; ++n) {
-        if (!TakesPart(visit, n))
-            continue;
-        AnnounceElement(run, n);
-        VisitElement(visit, n);
-        ElementResults<Family> results;
-        EvaluateCorners<Family>(visit, results);
-        SpreadToMidSides<Family>(visit.walk.points.active, results);
-        for (int k = 0; k < visit.walk.points.active.ND; ++k)
-            AddNodalResult(sums, visit.walk.element.node[k], results[k]);
+        EvaluateFluxes(visit, n, fluxes);
+        AddFluxes(sums, fluxes);
     }
 }
 

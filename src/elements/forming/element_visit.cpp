@@ -55,6 +55,10 @@ template <int Family> void TakeFibreRecords(ElementVisit<Family>& visit) {
 
 template <int Family> void BeginElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders) {
     CheckGroupIndices(visit.run, visit.group);
+    JoinElementVisit(visit, orders);
+}
+
+template <int Family> void JoinElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders) {
     BeginWalk(visit.walk, orders, NodalViewsOf(visit.run));
     visit.materials = ElementMaterials(visit.run, visit.group);
     visit.tables = CoefficientTablesOf(visit.run, visit.group);
@@ -81,7 +85,7 @@ template <int Family> void VisitElement(ElementVisit<Family>& visit, std::int32_
             TakeFibreRecords(visit);
     const std::int32_t MATE = visit.materials.length > 0 ? visit.materials(n) : visit.group.MAT;
     if (MATE != visit.material.MATE)
-        ChooseMaterial(visit.tables, MATE, visit.group.held, visit.material, visit.coefficients);
+        ChooseMaterial(visit.tables, MATE, *visit.held, visit.material, visit.coefficients);
 }
 
 template <int Family> void MultiplyByFibreFactors(ElementVisit<Family>& visit, int p, double TG) {
@@ -98,6 +102,7 @@ template <int Family> void MultiplyByFibreFactors(ElementVisit<Family>& visit, i
 
 #define ZURT_ELEMENT_VISIT(FAMILY)                                                                           \
     template void BeginElementVisit(ElementVisit<FAMILY>&, const std::int32_t*);                             \
+    template void JoinElementVisit(ElementVisit<FAMILY>&, const std::int32_t*);                              \
     template void VisitElement(ElementVisit<FAMILY>&, std::int32_t);                                         \
     template void MultiplyByFibreFactors(ElementVisit<FAMILY>&, int, double);
 ZURT_FOR_ALL_FAMILIES(ZURT_ELEMENT_VISIT)

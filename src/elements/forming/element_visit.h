@@ -17,9 +17,10 @@ template <int Family> struct ElementVisit {
     Run& run;
     ElementGroup& group;
     ElementWalk<Family> walk{run, group};
-    ConstIntArray materials{};          // empty when all elements have the group's
-    const FibreGroup* fibres = nullptr; // of the group, when fibres lie under it
-    bool skipsElements = false;         // those that fibres fill take no part
+    HeldCurveValues* held = &group.held; // or those of a worker's own (elements/forming/element_chunks.h)
+    ConstIntArray materials{};           // empty when all elements have the group's
+    const FibreGroup* fibres = nullptr;  // of the group, when fibres lie under it
+    bool skipsElements = false;          // those that fibres fill take no part
     bool integrates =
         true; // over elements, those that a wall cuts by a rule of their own; else points as such
     FibreRecordsInHand atPoints{};
@@ -32,6 +33,9 @@ template <int Family> struct ElementVisit {
 
 /// The walk, views and tables for a visit of `group` with the rule of these orders (1..5 each).
 template <int Family> void BeginElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders);
+
+/// The same for a further worker's visit of a group that one has begun to visit.
+template <int Family> void JoinElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders);
 
 /// Under ITOR 3 the listing gets a line for each element that is formed.
 void AnnounceElement(Run& run, std::int32_t n);
@@ -56,8 +60,7 @@ template <int Family> inline void PassThroughFibres(ElementVisit<Family>& visit,
 /// Coefficients of the element in hand at point p (from 1) and concentration TG. Stops the run when there are none.
 template <int Family> inline void EvaluateCoefficientsAt(ElementVisit<Family>& visit, int p, double TG) {
     CoefficientFailure failure;
-    if (!EvaluateCoefficients(visit.tables, visit.material, TG, visit.group.held, visit.coefficients,
-                              failure))
+    if (!EvaluateCoefficients(visit.tables, visit.material, TG, *visit.held, visit.coefficients, failure))
         StopOnCoefficients(visit.run, failure);
     PassThroughFibres(visit, p, TG);
 }

@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "elements/forming/brick_kernel.h"
+#include "elements/forming/element_chunks.h"
 #include "elements/forming/element_fluxes.h"
 #include "elements/forming/element_kernel.h"
 #include "elements/forming/element_visit.h"
@@ -13,6 +14,7 @@
 #include "solver/linear_system.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace zurt {
 
@@ -25,16 +27,30 @@ struct BrickForming {
     BrickValues values;
 };
 
-template <int Family> struct FormVisit {
-    ElementVisit<Family> elements;
+// What all workers of a visit read.
+struct FormTables {
     VolumeSource source{};
     bool transient = false;
     double dt = 0.0;
-    ConstRealArray potential{};    // quadrilaterals under ITOR 2, by node; empty: sources stand as they are
-    SurfaceTables surfaces{};      // quadrilaterals
+    ConstRealArray potential{}; // quadrilaterals under ITOR 2, by node; empty: sources stand as they are
+    SurfaceTables surfaces{};   // quadrilaterals
+    SystemTarget system{};
+};
+
+// What becomes of an element, but for its matrix.
+template <int Family> struct FormedElement {
+    std::int32_t ND = 0; // nodes; 0: it takes no part
+    std::int32_t LM[kMaxNodes<Family>];
+    double FE[kMaxNodes<Family>];
+    ElementPlaces places;
+};
+
+template <int Family> struct FormVisit {
+    ElementVisit<Family> elements;
+    FormTables tables{};
     BrickForming* brick = nullptr; // bricks
     RealArray packed{};            // the element matrix that is assembled
-    SystemTarget system{};
+    FormedElement<Family>* formed = nullptr;
 };
 
 // --- what the families have of their own --------------------------------------------------------------------------
@@ -42,14 +58,14 @@ template <int Family> struct FormVisit {
 // Under ITOR 2 a source heats by the square of the gradient of the stored potential.
 template <int Family, int Nodes>
 double SourceAt(const FormVisit<Family>& visit, const JacobianValues<Family>& jacobian, int ND) {
-    const double QV = visit.elements.group.held.QV;
-    if (kDimension<Family> != 2 || visit.potential.length == 0)
+    const double QV = visit.elements.held->QV;
+    if (kDimension<Family> != 2 || visit.tables.potential.length == 0)
         return QV;
     double squares = 0.0;
     for (int axis = 0; axis < kDimension<Family>; ++axis) {
         double slope = 0.0;
         for (int i = 0; i < ND; ++i)
-            slope += jacobian.HX[axis][i] * visit.potential(visit.elements.walk.element.node[i]);
+            slope += jacobian.HX[axis][i] * visit.tables.potential(visit.elements.walk.element.node[i]);
         squares += slope * slope;
     }
     return QV * squares;
@@ -71,7 +87,7 @@ void SumOverPoints(FormVisit<Family>& visit, std::int32_t ISRC, ElementSums<Fami
         const double TG = Interpolate<Nodes>(point.shape.H, element.TE1, ND);
         EvaluateCoefficientsAt(elements, p + 1, TG);
         AddConduction(jacobian.HX, {coefficients.KX, coefficients.KY, coefficients.KZ}, w, ND, sums);
-        if (visit.transient)
+        if (visit.tables.transient)
             AddCapacity(point.shape.H, coefficients.CP, w, ND, sums);
         if (ISRC != 0)
             AddSource(point.shape.H, SourceAt<Family, Nodes>(visit, jacobian, ND), w, ND, sums);
@@ -84,26 +100,32 @@ template <int Family, int Nodes> void SumElement(FormVisit<Family>& visit, Eleme
     const ElementNodes<Family>& element = elements.walk.element;
     const int ND = NodeCount<Nodes>(elements.walk.points.active.ND);
     ClearSums(sums, ND);
-    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.walk.number);
+    const std::int32_t ISRC =
+        ElementSource(elements.run, visit.tables.source, elements.walk.number, *elements.held);
     SumOverPoints(visit, ISRC, sums);
-    if (visit.transient)
-        AddTimeTerm(visit.dt, element.TE0, ND, sums);
+    if (visit.tables.transient)
+        AddTimeTerm(visit.tables.dt, element.TE0, ND, sums);
     TakeResidual(element.TE1, ND, sums);
 }
 
-// The element in hand into the system. (The scaling of the first group by a fibre model belongs ahead of the assembly.)
+// The element in hand, ready for the system. (The scaling of the first group by a fibre model belongs ahead of the
+// assembly.)
 template <int Family, int Nodes> void FormElement(FormVisit<Family>& visit) {
     ElementVisit<Family>& elements = visit.elements;
-    const ElementNodes<Family>& element = elements.walk.element;
-    const ActiveNodes& active = elements.walk.points.active;
-    const int ND = NodeCount<Nodes>(active.ND);
+    FormedElement<Family>& formed = *visit.formed;
+    const int ND = NodeCount<Nodes>(elements.walk.points.active.ND);
     ElementSums<Family, Nodes> sums;
     SumElement(visit, sums);
     PackUpper(sums, ND, visit.packed.data);
     if constexpr (kDimension<Family> == 2)
-        SurfaceTerms(elements.walk, visit.surfaces, elements.group.held, visit.packed,
+        SurfaceTerms(elements.walk, visit.tables.surfaces, *elements.held, visit.packed,
                      RealArray(sums.FE, ND));
-    AddElement(visit.system, visit.packed, ConstRealArray(sums.FE, ND), ConstIntArray(element.LM, ND), ND);
+    formed.ND = ND;
+    formed.places.count = 0;
+    for (int i = 0; i < ND; ++i) {
+        formed.FE[i] = sums.FE[i];
+        formed.LM[i] = elements.walk.element.LM[i];
+    }
 }
 
 // The residual of the element in hand to the sums of its nodes. Surface terms are added where the caller wants them; they
@@ -118,8 +140,8 @@ void AddResidual(FormVisit<Family>& visit, bool withSurfaces, RealArray nodalSum
     if (withSurfaces) {
         double packed[kMaxNodes<Family> * (kMaxNodes<Family> + 1) / 2];
         PackUpper(sums, ND, packed);
-        SurfaceTerms(elements.walk, visit.surfaces, elements.group.held, RealArray(packed, ND * (ND + 1) / 2),
-                     RealArray(sums.FE, ND));
+        SurfaceTerms(elements.walk, visit.tables.surfaces, *elements.held,
+                     RealArray(packed, ND * (ND + 1) / 2), RealArray(sums.FE, ND));
     }
     for (int i = 0; i < ND; ++i)
         nodalSums(elements.walk.element.node[i]) += sums.FE[i];
@@ -156,22 +178,31 @@ void AddBrickSource(const BrickRule& rule, double QV, BrickValues& brick) {
 // What FormElement does, for a brick without mid-side nodes.
 void FormBrick(FormVisit<3>& visit) {
     ElementVisit<3>& elements = visit.elements;
+    FormedElement<3>& formed = *visit.formed;
     const ElementNodes<3>& element = elements.walk.element;
     const BrickRule& rule = visit.brick->rule;
     BrickValues& brick = visit.brick->values;
-    const std::int32_t ISRC = ElementSource(elements.run, elements.group, visit.source, elements.walk.number);
-    const ConstIntArray LM(element.LM, kBrickNodes);
-    ElementPlaces places;
-    LocateElement(visit.system, LM, kBrickNodes, places);
+    const std::int32_t ISRC =
+        ElementSource(elements.run, visit.tables.source, elements.walk.number, *elements.held);
+    LocateElement(visit.tables.system, ConstIntArray(element.LM, kBrickNodes), kBrickNodes, formed.places);
     std::fill(brick.FE, brick.FE + kBrickNodes, 0.0);
     LocateBrickPoints(visit.brick->instructions, rule, element.CORE, element.TE1, brick);
     EvaluateBrickPoints(elements, rule, brick);
     if (ISRC != 0)
-        AddBrickSource(rule, elements.group.held.QV, brick);
-    SumBrick(visit.brick->instructions, rule, visit.transient, visit.dt, element.TE0, element.TE1, brick,
-             visit.packed.data);
-    AddLocatedElement(visit.system, places, visit.packed, ConstRealArray(brick.FE, kBrickNodes), LM,
-                      kBrickNodes);
+        AddBrickSource(rule, elements.held->QV, brick);
+    SumBrick(visit.brick->instructions, rule, visit.tables.transient, visit.tables.dt, element.TE0,
+             element.TE1, brick, visit.packed.data);
+    formed.ND = kBrickNodes;
+    std::copy(brick.FE, brick.FE + kBrickNodes, formed.FE);
+    std::copy(element.LM, element.LM + kBrickNodes, formed.LM);
+}
+
+// An element that was formed into the system.
+template <int Family>
+void AddFormed(const SystemTarget& system, ConstRealArray packed, FormedElement<Family>& formed) {
+    if (formed.ND > 0)
+        AddLocatedElement(system, formed.places, packed, ConstRealArray(formed.FE, formed.ND),
+                          ConstIntArray(formed.LM, formed.ND), formed.ND);
 }
 
 // --- one group ----------------------------------------------------------------------------------------------------
@@ -179,21 +210,21 @@ void FormBrick(FormVisit<3>& visit) {
 template <int Family> void BeginFamilyData(FormVisit<Family>& visit) {
     const Run& run = visit.elements.run;
     const ElementGroup& group = visit.elements.group;
-    visit.surfaces = SurfaceTablesOf<Family>(run, group);
+    visit.tables.surfaces = SurfaceTablesOf<Family>(run, group);
     if constexpr (kDimension<Family> == 2)
         if (run.control.header.ITOR == 2)
-            visit.potential =
+            visit.tables.potential =
                 RealSection(run.A, run.control.at.LPOT, run.control.header.PotentialFunctionSize);
 }
 
 template <int Family> void BeginFormVisit(FormVisit<Family>& visit) {
     Run& run = visit.elements.run;
     ElementGroup& group = visit.elements.group;
-    visit.transient = run.control.header.NSTAC != 0;
-    visit.dt = run.clock.TimeStep;
+    visit.tables.transient = run.control.header.NSTAC != 0;
+    visit.tables.dt = run.clock.TimeStep;
     BeginElementVisit(visit.elements, group.NGAUS);
     BeginFamilyData(visit);
-    visit.source = BeginVolumeSource(run, group);
+    visit.tables.source = BeginVolumeSource(run, group);
 }
 
 void BeginBricks(FormVisit<3>& visit, BrickForming& brick) {
@@ -228,25 +259,75 @@ template <int Family> void FormCornerElement(FormVisit<Family>& visit) {
     FormElement<Family, kCorners<Family>>(visit);
 }
 
+// Element n, into `formed` and `packed`.
+template <int Family> void FormNumber(FormVisit<Family>& visit, std::int32_t n) {
+    visit.formed->ND = 0;
+    if (!TakesPart(visit.elements, n))
+        return;
+    AnnounceElement(visit.elements.run, n);
+    VisitElement(visit.elements, n);
+    if (visit.elements.walk.points.active.ND > kCorners<Family>)
+        FormElement<Family, 0>(visit);
+    else
+        FormCornerElement(visit);
+}
+
+// A worker's visit, with room for the elements of a chunk.
+template <int Family> struct ChunkVisit : FormVisit<Family> {
+    ChunkVisit(Run& run, ElementGroup& group) : FormVisit<Family>{{run, group}} {}
+    BrickForming ownBrick;
+    FormedElement<Family> chunk[kChunkElements];
+    std::vector<double> matrices; // packed, one behind the other
+};
+
+template <int Family> void FormSideBySide(const FormVisit<Family>& begun) {
+    ElementGroup& group = begun.elements.group;
+    const Word length = PackedLength(group.NDMAX);
+    const auto take = [&](ChunkVisit<Family>& visit, std::size_t place) {
+        visit.formed = &visit.chunk[place];
+        visit.packed = RealArray(visit.matrices.data() + static_cast<Word>(place) * length, length);
+    };
+    const auto begin = [&](ChunkVisit<Family>& visit) {
+        JoinElementVisit(visit.elements, group.NGAUS);
+        visit.tables = begun.tables;
+        if constexpr (Family == kBrickFamily)
+            BeginBricks(visit, visit.ownBrick);
+        visit.matrices.resize(static_cast<std::size_t>(kChunkElements * length));
+    };
+    const auto compute = [&](ChunkVisit<Family>& visit, std::int32_t n, std::size_t place) {
+        take(visit, place);
+        FormNumber(visit, n);
+        const std::int32_t ND = visit.formed->ND;
+        if (begun.elements.run.workers.sideBySide) {
+            RequireNumbers(visit.formed->FE, ND);
+            RequireNumbers(visit.packed.data, PackedLength(ND));
+        }
+    };
+    const auto add = [&](ChunkVisit<Family>& visit, std::int32_t, std::size_t place) {
+        take(visit, place);
+        AddFormed(begun.tables.system, visit.packed, *visit.formed);
+    };
+    ElementsInTurn<ChunkVisit<Family>>(begun.elements.run, group, begun.tables.source.oneFunction, begin,
+                                       compute, add);
+}
+
 } // namespace
 
 template <int Family> void FormElements(Run& run, ElementGroup& group, Word conduction) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
+    visit.tables.system = SystemTargetOf(run);
+    if (SharesElements(run, group))
+        return FormSideBySide(visit);
+    FormedElement<Family> formed;
+    visit.formed = &formed;
     visit.packed = RealSection(run.A, conduction, PackedLength(group.NDMAX));
-    visit.system = SystemTargetOf(run);
     BrickForming brick;
     if constexpr (Family == kBrickFamily)
         BeginBricks(visit, brick);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
-        if (!TakesPart(visit.elements, n))
-            continue;
-        AnnounceElement(run, n);
-        VisitElement(visit.elements, n);
-        if (visit.elements.walk.points.active.ND > kCorners<Family>)
-            FormElement<Family, 0>(visit);
-        else
-            FormCornerElement(visit);
+        FormNumber(visit, n);
+        AddFormed(visit.tables.system, visit.packed, formed);
     }
 }
 

@@ -48,10 +48,10 @@ VolumeSource BeginVolumeSource(Run& run, ElementGroup& group) {
     return source;
 }
 
-std::int32_t ElementSource(Run& run, ElementGroup& group, const VolumeSource& source, Word n) {
+std::int32_t ElementSource(Run& run, const VolumeSource& source, Word n, HeldCurveValues& held) {
     const std::int32_t ISRC = source.curves.length > 0 ? source.curves(n) : 0;
     if (ISRC != 0 && !source.oneFunction)
-        EvaluateSource(run, source, ISRC, run.clock.TIME, group.held.QV);
+        EvaluateSource(run, source, ISRC, run.clock.TIME, held.QV);
     return ISRC;
 }
 

@@ -20,8 +20,8 @@ struct VolumeSource {
 /// Stops the run when the function is not defined at the start or the end of the step.
 VolumeSource BeginVolumeSource(Run& run, ElementGroup& group);
 
-/// Curve number of element n, 0 for none; its source then stands in group.held.QV. Stops the run when the curve is not
-/// defined at TIME.
-std::int32_t ElementSource(Run& run, ElementGroup& group, const VolumeSource& source, Word n);
+/// Curve number of element n, 0 for none; its source then stands in held.QV. Stops the run when the curve is not defined at
+/// TIME.
+std::int32_t ElementSource(Run& run, const VolumeSource& source, Word n, HeldCurveValues& held);
 
 } // namespace zurt

@@ -108,6 +108,9 @@ void RequireNumber(double flux, Word n) {
                              ": the solution is not a number; look for absurd sizes in the deck");
 }
 
+// Fibres that a worker takes at once.
+constexpr Word kRangeOfFibres = 64;
+
 void SolveFibres(const RadialVisit& visit) {
     Run& run = visit.run;
     const RealTable values = FibreValue(run, visit.group), starts = FibreValue0(run, visit.group);
@@ -117,14 +120,17 @@ void SolveFibres(const RadialVisit& visit) {
         Copy<double>(RealArray(values.data, values.rows * values.columns),
                      RealArray(starts.data, starts.rows * starts.columns));
     Fill(flux, 0.0);
-    for (Word n = 1; n <= visit.group.NET; ++n) {
-        const RadialScales scales = ScalesOf(visit, n);
-        const Word surface = scales.count + 1;
-        GatherNodeValue(visit.nodes, continuum(n), values(surface, n), starts(surface, n));
-        flux(n) += SolveFibre(scales, RealArray(&values(1, n), surface),
-                              ConstRealArray(&starts(1, n), surface), MessageUnit(run));
-        RequireNumber(flux(n), n);
-    }
+    // A fault ends the run, so that no fibre which is solved a second time, behind it, has a say in the results.
+    ForRanges(run.workers, visit.group.NET, kRangeOfFibres, [&](Word first, Word last, int) {
+        for (Word n = first; n <= last; ++n) {
+            const RadialScales scales = ScalesOf(visit, n);
+            const Word surface = scales.count + 1;
+            GatherNodeValue(visit.nodes, continuum(n), values(surface, n), starts(surface, n));
+            flux(n) += SolveFibre(scales, RealArray(&values(1, n), surface),
+                                  ConstRealArray(&starts(1, n), surface), MessageUnit(run));
+            RequireNumber(flux(n), n);
+        }
+    });
 }
 
 void AddFluxes(const RadialVisit& visit) {

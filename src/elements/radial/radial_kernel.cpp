@@ -78,8 +78,9 @@ double SolveFibre(const RadialScales& scales, RealArray c, ConstRealArray c0, Te
     AddRings(scales, c, c0, system);
     const RealArray store(system.store, 2 * n - 1), right(system.right, n);
     const ConstIntArray MAXA(system.pointers, n + 1);
-    SkylineSolve(store, right, MAXA, n, 2 * n - 1, kFactorMode, listing);
-    SkylineSolve(store, right, MAXA, n, 2 * n - 1, kSubstituteMode, listing);
+    Workers alone; // for a few rings
+    SkylineSolve(store, right, MAXA, n, 2 * n - 1, kFactorMode, listing, alone);
+    SkylineSolve(store, right, MAXA, n, 2 * n - 1, kSubstituteMode, listing, alone);
     for (int i = 1; i <= n; ++i)
         c(i) += right(i);
     // Equilibrium leaves no load at the inner nodes; what is left is that of the outermost ring at the surface.
