@@ -9,16 +9,16 @@
 namespace zurt {
 
 void StopRun(const TextUnit& unit) {
-    throw RunStop{StopKind::Message, unit.words, unit.name};
+    throw RunStop{StopKind::Message, unit.words, unit.name, unit.message};
 }
 
 void StopWithLibraryError(const std::string& text) {
-    throw RunStop{StopKind::LibraryError, text, ""};
+    throw RunStop{StopKind::LibraryError, text, "", ""};
 }
 
 void StopIfInterrupted() {
     if (interruptRequested != 0)
-        throw RunStop{StopKind::Interrupt, "", ""};
+        throw RunStop{StopKind::Interrupt, "", "", ""};
 }
 
 void WriteNote(const std::string& text) {
