@@ -13,12 +13,12 @@ void StopRun(const TextUnit& unit) {
 }
 
 void StopWithLibraryError(const std::string& text) {
-    throw RunStop{StopKind::LibraryError, text, "", ""};
+    throw RunStop{StopKind::LibraryError, text, ""};
 }
 
 void StopIfInterrupted() {
     if (interruptRequested != 0)
-        throw RunStop{StopKind::Interrupt, "", "", ""};
+        throw RunStop{StopKind::Interrupt, "", ""};
 }
 
 void WriteNote(const std::string& text) {

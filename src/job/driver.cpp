@@ -80,7 +80,7 @@ int RunAndReport(Run& run, const JobSettings& settings, std::FILE* consoleInput,
     } catch (const RunStop& stop) {
         return ReportStop(run, AgreeOnStop(stop));
     } catch (const std::bad_alloc&) { // an enormous deck on a small machine
-        return ReportStop(run, AgreeOnStop({StopKind::LibraryError, "no memory left", "", ""}));
+        return ReportStop(run, AgreeOnStop({StopKind::LibraryError, "no memory left", ""}));
     }
 }
 
