@@ -52,6 +52,15 @@ int Refuse(const char* fault) {
     return zurt::kFailed;
 }
 
+// Options that say what zurt does by itself and PETSc's or mpiexec's say here.
+int RefuseOptionsOfOneProcess(const zurt::RunOptions& options) {
+    if (options.solver != zurt::SolverChoice::OfDeck)
+        return Refuse("--solver is zurt's; PETSc's options choose, behind the deck (-ksp_type, -pc_type)");
+    if (options.threads != 1)
+        return Refuse("--threads is zurt's; mpiexec -n N takes more processes");
+    return zurt::kFinished;
+}
+
 int RunDeck(const zurt::JobSettings& settings, char* program, int count, char** values) {
     std::vector<char*> arguments{program};
     arguments.insert(arguments.end(), values, values + count);
@@ -77,7 +86,9 @@ int RunArguments(int count, char** values) {
         std::fputs(kHelp, stdout);
     else
         settings = zurt::ReadCommandLine(ours, values, status);
-    bool runs = settings.has_value();
+    if (settings)
+        status = RefuseOptionsOfOneProcess(settings->options);
+    bool runs = settings.has_value() && status == zurt::kFinished;
     zurt::TakeFromFirstRank(&runs, sizeof runs);
     if (!runs)
         return status;

@@ -278,6 +278,12 @@ void SetLayoutAside(Run& /*run*/, std::int32_t /*JEDN*/) {}
 
 void PutLayoutBack(Run& /*run*/) {}
 
+void ReportSystem(Run& run) {
+    Write(run.units.listing, "(///11X,A)",
+          Say(run, "RESAVANJE: PETSC, MATRICA VAN RADNOG VEKTORA",
+              "SOLUTION BY PETSC, MATRIX OUTSIDE WORKING VECTOR"));
+}
+
 ElementLimit ElementLimitOf(const Run& /*run*/) {
     return {0, "PETSc"};
 }
