@@ -8,14 +8,13 @@ find_package(PkgConfig REQUIRED)
 if(DEFINED ENV{PETSC_DIR})
   set(ENV{PKG_CONFIG_PATH} "$ENV{PETSC_DIR}/$ENV{PETSC_ARCH}/lib/pkgconfig:$ENV{PETSC_DIR}/lib/pkgconfig:$ENV{PKG_CONFIG_PATH}")
 endif()
-pkg_check_modules(ZURT_PETSC_LIBRARY REQUIRED IMPORTED_TARGET PETSc>=3.17)
+pkg_check_modules(ZURT_PETSC_LIBRARY REQUIRED PETSc>=3.17)
 
 add_executable(zurt-mpi ${ZURT_MPI_SOURCES})
 add_dependencies(zurt-mpi zurt_library)
 target_include_directories(zurt-mpi PRIVATE src)
-# PETSc's macros are C, and MPI's handles are casts.
-target_compile_options(zurt-mpi PRIVATE -Wno-old-style-cast)
+target_include_directories(zurt-mpi SYSTEM PRIVATE ${ZURT_PETSC_LIBRARY_INCLUDE_DIRS})
 target_compile_definitions(zurt-mpi PRIVATE OMPI_SKIP_MPICXX MPICH_SKIP_MPICXX)
 target_link_libraries(zurt-mpi PRIVATE zurt_options zurt_instrumented $<TARGET_FILE:zurt_library>
-  PkgConfig::ZURT_PETSC_LIBRARY MPI::MPI_CXX Threads::Threads
+  ${ZURT_PETSC_LIBRARY_LINK_LIBRARIES} MPI::MPI_CXX Threads::Threads
   "-Wl,-rpath,${ZURT_OPENBLAS_FOLDER},--push-state,--no-as-needed,${ZURT_OPENBLAS},--pop-state")
