@@ -76,7 +76,7 @@ PetscSystem& SystemOf(Run& run) {
 void Require(const PetscSystem& system, PetscErrorCode code) {
     if (code == 0)
         return;
-    std::string text = system.fault;
+    std::string text = system.fault.empty() ? "error " + std::to_string(code) : system.fault;
     std::replace(text.begin(), text.end(), '\n', ' ');
     StopInJointWork("PETSc: " + text);
 }
