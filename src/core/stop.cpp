@@ -9,7 +9,7 @@
 namespace zurt {
 
 void StopRun(const TextUnit& unit) {
-    throw RunStop{StopKind::Message, unit.words, unit.name};
+    throw RunStop{StopKind::Message, unit.words, unit.name, unit.message};
 }
 
 void StopWithLibraryError(const std::string& text) {

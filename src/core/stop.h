@@ -10,6 +10,7 @@
 
 #include "core/text_unit.h"
 
+#include <cstdint>
 #include <string>
 
 namespace zurt {
@@ -24,7 +25,11 @@ enum class StopKind {
 struct RunStop {
     StopKind kind = StopKind::Message;
     std::string text;
-    std::string place; // name of the unit that holds the message
+    std::string place;        // name of the unit that holds the message
+    std::string records = {}; // the message, where another process writes that unit
+    // Where processes share the run (core/ranks.h): all know already that it ends, for what this one has to say.
+    bool isKnown = false;
+    std::int32_t rank = 0;
 };
 
 /// Ends the run behind a message that was begun on this unit (BeginMessage).

@@ -1,6 +1,7 @@
 #include "core/text_unit.h"
 
 #include "core/file_lock.h"
+#include "core/ranks.h"
 #include "core/stop.h"
 #include "core/workers.h"
 
@@ -37,6 +38,12 @@ int FlagsOf(OpenMode mode) {
     if (reason == EWOULDBLOCK)
         StopWithLibraryError("can't open " + unit.name + " for writing: another run is writing to it");
     StopWithLibraryError("can't open " + unit.name + " for writing: " + std::strerror(reason));
+}
+
+// True when another process has the file.
+bool OpenElsewhere(TextUnit& unit) {
+    unit.elsewhere = !IsFirstRank();
+    return unit.elsewhere;
 }
 
 // The file is cut to nothing only once this run has its lock.
@@ -77,23 +84,28 @@ void KeepWords(TextUnit& unit, std::string_view record) {
 
 void OpenTextUnit(TextUnit& unit, const std::string& name) {
     unit.name = name;
+    if (OpenElsewhere(unit))
+        return;
     OpenForWriting(unit, unit.keepsOlder ? OpenMode::New : OpenMode::Replace);
     unit.keepsOlder = false; // what is there from now on is this run's own
 }
 
 void ReopenTextUnit(TextUnit& unit) {
-    OpenForWriting(unit, OpenMode::Append);
+    if (!OpenElsewhere(unit))
+        OpenForWriting(unit, OpenMode::Append);
 }
 
 void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name) {
     unit.name = name;
-    unit.file = stream;
+    if (!OpenElsewhere(unit))
+        unit.file = stream;
 }
 
 void CloseTextUnit(TextUnit& unit) {
     const bool failed = unit.file != nullptr && std::fclose(unit.file) != 0;
     const int reason = errno;
     unit.file = nullptr;
+    unit.elsewhere = false;
     std::free(unit.buffer);
     unit.buffer = nullptr;
     if (failed) {
@@ -112,12 +124,15 @@ TextUnit& BeginMessage(TextUnit& unit) {
         throw OutOfTurn{};
     unit.awaitsWords = true;
     unit.words.clear();
+    unit.keepsMessage = unit.elsewhere;
     return unit;
 }
 
 void PutRecord(TextUnit& unit, std::string_view record) {
     if (unit.awaitsWords)
         KeepWords(unit, record);
+    if (unit.keepsMessage)
+        unit.message.append(record).push_back('\n');
     if (unit.file == nullptr)
         return;
     if (fwrite_unlocked(record.data(), 1, record.size(), unit.file) != record.size() ||

@@ -2,7 +2,8 @@
 //
 // A unit is a buffered file to which whole records are appended. A record written to a unit that was never opened is
 // dropped: a run without a listing makes the same calls as one with it. A record that can't be stored (a full
-// disk) ends the run through StopWithLibraryError.
+// disk) ends the run through StopWithLibraryError. Where processes share a run (core/ranks.h) the first one has the files:
+// in the others a unit opens nothing, drops its records and keeps those of a message.
 #pragma once
 
 #include <cstdio>
@@ -22,15 +23,18 @@ struct TextUnit {
     std::string words;         // that line, without blanks around it
     // Of a unit that takes messages: none begins while these are side by side.
     const Workers* workers = nullptr;
+    bool elsewhere = false;    // open, in the first process
+    bool keepsMessage = false; // there: a message has begun
+    std::string message;       // its records
 };
 
 inline bool IsOpen(const TextUnit& unit) {
-    return unit.file != nullptr;
+    return unit.file != nullptr || unit.elsewhere;
 }
 
-/// False when a record would be dropped: the unit isn't open, and no message has begun on it.
+/// False when a record would be dropped: the unit isn't open here, and no message has begun on it.
 inline bool TakesRecords(const TextUnit& unit) {
-    return unit.file != nullptr || unit.awaitsWords;
+    return unit.file != nullptr || unit.awaitsWords || unit.keepsMessage;
 }
 
 /// Opens `name` for writing from its start, dropping what it held; stops with a library error when it can't, and when the

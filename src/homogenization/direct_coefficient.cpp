@@ -1,6 +1,7 @@
 #include "homogenization/direct_coefficient.h"
 
 #include "core/format.h"
+#include "core/ranks.h"
 #include "elements/forming/element_visit.h"
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
@@ -27,6 +28,13 @@ struct Domain {
     double amount = 0.0, flow = 0.0;           // sums of c over fluid, of K dc/dx over all points
     double endArea[2] = {}, endAmount[2] = {}; // at the low and at the high end
 };
+
+void SumDomainOverRanks(Domain& domain) {
+    for (double* sum : {&domain.volume, &domain.fluid, &domain.amount, &domain.flow})
+        SumOverRanks(RealArray(sum, 1));
+    SumOverRanks(RealArray(domain.endArea, 2));
+    SumOverRanks(RealArray(domain.endAmount, 2));
+}
 
 Domain DomainOf(const Run& run) {
     const HeaderFields& header = run.control.header;
@@ -126,7 +134,8 @@ template <int Family> void AddGroup(Run& run, ElementGroup& group, Domain& domai
         return;
     ElementVisit<Family> visit{run, group};
     BeginElementVisit(visit, group.NGAUS);
-    for (std::int32_t n = 1; n <= group.NET; ++n) {
+    const Share share = ShareOf(group.NET);
+    for (auto n = static_cast<std::int32_t>(share.first); n <= share.last; ++n) {
         VisitElement(visit, n);
         if (!LiesWithin(domain, visit.walk))
             continue;
@@ -181,6 +190,7 @@ void RecordDirectStep(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         WithFamily(run.groups[NGE],
                    [&](auto family) { AddGroup<family.value>(run, run.groups[NGE], domain); });
+    SumDomainOverRanks(domain);
     const double concentration = domain.fluid > 0.0 ? domain.amount / domain.fluid : 0.0;
     const double bulk = BulkCoefficient(run, concentration);
     const double gradient =

@@ -1,5 +1,6 @@
 #include "homogenization/mass_monitor.h"
 
+#include "core/ranks.h"
 #include "elements/forming/form_elements.h"
 #include "geometry/element_family.h"
 #include "timeint/finite_results.h"
@@ -97,6 +98,7 @@ double FlowThrough(Run& run, const CrossSection& section) {
     double flow = 0.0;
     for (const std::int32_t node : section.nodes)
         flow -= sums(node);
+    SumOverRanks(RealArray(&flow, 1));
     return flow;
 }
 

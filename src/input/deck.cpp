@@ -1,6 +1,7 @@
 #include "input/deck.h"
 
 #include "core/interrupt.h"
+#include "core/ranks.h"
 #include "core/stop.h"
 
 #include <algorithm>
@@ -108,6 +109,14 @@ void ReadDeckFile(Deck& deck, int file) {
     DropByteOrderMark(deck);
 }
 
+// Where processes share the run, the first reads the deck for all.
+void TakeDeckFromFirstRank(Deck& deck) {
+    TakeFromFirstRank(&deck.size, sizeof deck.size);
+    if (!IsFirstRank())
+        deck.bytes.reset(new char[static_cast<std::size_t>(deck.size + kPiece)]);
+    TakeFromFirstRank(deck.bytes.get(), deck.size);
+}
+
 // --- lines --------------------------------------------------------------------------------------------------------
 
 // Where the line that begins at `begin` ends: the first byte of the next.
@@ -175,17 +184,22 @@ std::string Excerpt(std::string_view found) {
 void OpenDeck(Deck& deck, const std::string& name) {
     deck = Deck();
     deck.name = name;
-    const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        StopWithLibraryError("can't open the deck " + deck.name + ": " + std::strerror(errno));
-    ReadDeckFile(deck, file);
-    close(file);
+    if (IsFirstRank()) {
+        const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+        if (file < 0)
+            StopWithLibraryError("can't open the deck " + deck.name + ": " + std::strerror(errno));
+        ReadDeckFile(deck, file);
+        close(file);
+    }
+    TakeDeckFromFirstRank(deck);
 }
 
 void OpenDeckOnStandardInput(Deck& deck) {
     deck = Deck();
     deck.name = "on standard input";
-    ReadDeckFile(deck, STDIN_FILENO);
+    if (IsFirstRank())
+        ReadDeckFile(deck, STDIN_FILENO);
+    TakeDeckFromFirstRank(deck);
 }
 
 Word LineCount(Deck& deck) {

@@ -1,5 +1,7 @@
 #include "job/command_line.h"
 
+#include "core/ranks.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
@@ -108,7 +110,7 @@ std::string FaultOf(const Arguments& arguments) {
         return "no deck is named";
     if (arguments.decks.size() > 1)
         return "one deck at a time, not " + arguments.decks[0] + " and " + arguments.decks[1];
-    if (arguments.decks[0] != "-" && access(arguments.decks[0].c_str(), R_OK) != 0)
+    if (arguments.decks[0] != "-" && IsFirstRank() && access(arguments.decks[0].c_str(), R_OK) != 0)
         return "can't open the deck " + arguments.decks[0] + ": " + std::strerror(errno);
     if (arguments.outputGiven->count() > 0 && arguments.output.empty())
         return "--output needs the name of a folder";

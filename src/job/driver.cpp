@@ -1,6 +1,7 @@
 #include "job/driver.h"
 
 #include "core/interrupt.h"
+#include "core/ranks.h"
 #include "core/stop.h"
 #include "input/card.h"
 #include "job/read_problem.h"
@@ -74,11 +75,12 @@ int RunAndReport(Run& run, const JobSettings& settings, std::FILE* consoleInput,
     try {
         StartUp(run, settings, consoleInput, consoleOutput);
         RunProblems(run);
+        StopWithOtherRanks();
         return kFinished;
     } catch (const RunStop& stop) {
-        return ReportStop(run, stop);
+        return ReportStop(run, AgreeOnStop(stop));
     } catch (const std::bad_alloc&) { // an enormous deck on a small machine
-        return ReportStop(run, {StopKind::LibraryError, "no memory left", ""});
+        return ReportStop(run, AgreeOnStop({StopKind::LibraryError, "no memory left", ""}));
     }
 }
 

@@ -79,6 +79,12 @@ void WriteFileNames(Run& run, int status) {
         Write(run.units.console, "(A,A)", end, "nothing was written");
 }
 
+// A message of another process has not reached its unit yet.
+void PutRecordsOfStop(Run& run, const RunStop& stop) {
+    TextUnit& unit = stop.place == run.units.listing.name ? run.units.listing : run.units.console;
+    PutBytes(unit, stop.records);
+}
+
 bool FlushEverything() {
     return std::fflush(nullptr) == 0;
 }
@@ -86,6 +92,7 @@ bool FlushEverything() {
 } // namespace
 
 int ReportStop(Run& run, const RunStop& stop) {
+    PutRecordsOfStop(run, stop);
     FlushEverything(); // so that the report comes last where both streams are the same
     WriteDeckNotes(run.deck);
     std::string line = "error: " + stop.text;

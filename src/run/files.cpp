@@ -2,6 +2,7 @@
 
 #include "core/file_lock.h"
 #include "core/format.h"
+#include "core/ranks.h"
 #include "core/stop.h"
 #include "run/file_names.h"
 
@@ -212,6 +213,8 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
         OpenDeckOnStandardInput(run.deck);
     else
         OpenDeck(run.deck, settings.deck);
+    if (!IsFirstRank())
+        return; // files are the first's
     MakeFolder(settings.folder);
     RequireDistinctFixedFiles(run);
     RequireUnused(run, units.DefaultListingName);

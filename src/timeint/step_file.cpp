@@ -38,6 +38,8 @@ void Rewind(std::FILE* unit) {
 
 void SaveStep(std::int32_t KOR, double TIME, ConstRealArray solution, std::int32_t NCZK, std::int32_t& NCZZ,
               std::FILE* unit) {
+    if (unit == nullptr) // another process has it
+        return;
     if (KOR == 1)
         Rewind(unit);
     // The record's length in bytes stands ahead of it and behind it, as unformatted sequential records have it.

@@ -1,5 +1,6 @@
 #include "elements/forming/element_fluxes.h"
 
+#include "core/ranks.h"
 #include "elements/forming/element_chunks.h"
 #include "elements/forming/element_kernel.h"
 #include "elements/forming/element_visit.h"
@@ -132,10 +133,12 @@ template <int Family> void AddElementFluxes(Run& run, ElementGroup& group) {
     if (SharesElements(run, group))
         return AddFluxesSideBySide<Family>(run, group, sums);
     ElementFluxes<Family> fluxes;
-    for (std::int32_t n = 1; n <= group.NET; ++n) {
+    const Share share = ShareOf(group.NET);
+    for (auto n = static_cast<std::int32_t>(share.first); n <= share.last; ++n) {
         EvaluateFluxes(visit, n, fluxes);
         AddFluxes(sums, fluxes);
     }
+    AnnounceOtherElements(visit, share.last + 1);
 }
 
 #define ZURT_ELEMENT_FLUXES(FAMILY) template void AddElementFluxes<FAMILY>(Run&, ElementGroup&);

@@ -77,6 +77,14 @@ void AnnounceElement(Run& run, std::int32_t n) {
         Write(run.units.listing, line, n);
 }
 
+template <int Family> void AnnounceOtherElements(const ElementVisit<Family>& visit, Word next) {
+    if (visit.run.control.header.ITOR != 3)
+        return;
+    for (auto n = static_cast<std::int32_t>(next); n <= visit.group.NET; ++n)
+        if (TakesPart(visit, n))
+            AnnounceElement(visit.run, n);
+}
+
 template <int Family> void VisitElement(ElementVisit<Family>& visit, std::int32_t n) {
     TakeWalkElement(visit.walk, n);
     visit.rule = &visit.walk.points;
@@ -103,6 +111,7 @@ template <int Family> void MultiplyByFibreFactors(ElementVisit<Family>& visit, i
 #define ZURT_ELEMENT_VISIT(FAMILY)                                                                           \
     template void BeginElementVisit(ElementVisit<FAMILY>&, const std::int32_t*);                             \
     template void JoinElementVisit(ElementVisit<FAMILY>&, const std::int32_t*);                              \
+    template void AnnounceOtherElements(const ElementVisit<FAMILY>&, Word);                                  \
     template void VisitElement(ElementVisit<FAMILY>&, std::int32_t);                                         \
     template void MultiplyByFibreFactors(ElementVisit<FAMILY>&, int, double);
 ZURT_FOR_ALL_FAMILIES(ZURT_ELEMENT_VISIT)

@@ -40,6 +40,9 @@ template <int Family> void JoinElementVisit(ElementVisit<Family>& visit, const s
 /// Under ITOR 3 the listing gets a line for each element that is formed.
 void AnnounceElement(Run& run, std::int32_t n);
 
+/// The lines of the elements from `next` on, which other processes form; the first one alone lists.
+template <int Family> void AnnounceOtherElements(const ElementVisit<Family>& visit, Word next);
+
 /// Takes element n in hand: in the walk, with its material and the rule that serves it.
 template <int Family> void VisitElement(ElementVisit<Family>& visit, std::int32_t n);
 

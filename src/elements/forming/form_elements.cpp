@@ -1,6 +1,7 @@
 #include "elements/forming/form_elements.h"
 
 #include "core/format.h"
+#include "core/ranks.h"
 #include "core/stop.h"
 #include "elements/forming/brick_kernel.h"
 #include "elements/forming/element_chunks.h"
@@ -325,10 +326,12 @@ template <int Family> void FormElements(Run& run, ElementGroup& group, Word cond
     BrickForming brick;
     if constexpr (Family == kBrickFamily)
         BeginBricks(visit, brick);
-    for (std::int32_t n = 1; n <= group.NET; ++n) {
+    const Share share = ShareOf(group.NET);
+    for (auto n = static_cast<std::int32_t>(share.first); n <= share.last; ++n) {
         FormNumber(visit, n);
         AddFormed(visit.tables.system, visit.packed, formed);
     }
+    AnnounceOtherElements(visit.elements, share.last + 1);
 }
 
 template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest) {
@@ -351,7 +354,8 @@ void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, 
                          RealArray nodalSums) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
-    for (Word k = 1; k <= elements.length; ++k) {
+    const Share share = ShareOf(elements.length);
+    for (Word k = share.first; k <= share.last; ++k) {
         if (!TakesPart(visit.elements, elements(k)))
             continue;
         VisitElement(visit.elements, elements(k));

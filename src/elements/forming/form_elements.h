@@ -17,7 +17,7 @@ template <int Family> void FormGroup(Run& run, ElementGroup& group);
 /// Likewise; the elements add their fluxes and coefficients to the nodal sums.
 template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group);
 
-/// Forms elements 1..NET and adds them to the system (solver/linear_system.h). `conduction` is the place of the packed
+/// Forms this process's share of the elements (core/ranks.h) and adds them to the system (solver/linear_system.h). `conduction` is the place of the packed
 /// element matrix in `A`. Stops the run on an element without a positive Jacobian and on curves asked for values outside
 /// their range.
 template <int Family> void FormElements(Run& run, ElementGroup& group, Word conduction);
@@ -32,7 +32,8 @@ struct StiffestElement {
 template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest);
 
 /// Adds the right-hand sides of the listed elements, load minus conduction and capacity at the solution in hand, to the
-/// sums of their nodes; the system is left alone. Elements that lie in fibres as a whole are passed over.
+/// sums of their nodes; the system is left alone. Elements that lie in fibres as a whole are passed over. Where processes share
+/// the run each adds its share of the list, and the caller sums.
 ///   elements      numbers from 1..NET (input)
 ///   withSurfaces  flux, convection and radiation through their sides take part
 ///   nodalSums     1..NP (in and out)

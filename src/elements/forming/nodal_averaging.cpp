@@ -1,5 +1,7 @@
 #include "elements/forming/nodal_averaging.h"
 
+#include "core/ranks.h"
+
 namespace zurt {
 
 namespace {
@@ -11,6 +13,14 @@ constexpr int kCoefficient = 7;
 
 RealArray ResultVector(const Run& run, int number) {
     return RealSection(run.A, run.control.at.LNDS[number], run.control.header.NP);
+}
+
+void SumNodalResultsOverRanks(const Run& run, const NodalSums& sums) {
+    for (int axis = 0; axis < 3; ++axis) {
+        SumOverRanks(sums.flux[axis]);
+        SumOverRanks(sums.coefficient[axis]);
+    }
+    SumOverRanks(IntArray(sums.contributions, run.control.header.NP));
 }
 
 } // namespace
@@ -38,6 +48,7 @@ void AverageNodalResults(Run& run) {
         return;
     const double AMOLAR = run.control.header.AMOLAR > 0.0 ? run.control.header.AMOLAR : 1.0;
     const NodalSums sums = NodalSumsOf(run);
+    SumNodalResultsOverRanks(run, sums);
     for (int axis = 0; axis < 3; ++axis) {
         const RealArray massFlux = ResultVector(run, kMassFlux + axis);
         for (Word node = 1; node <= massFlux.length; ++node) {

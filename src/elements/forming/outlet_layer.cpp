@@ -1,5 +1,6 @@
 #include "elements/forming/outlet_layer.h"
 
+#include "core/ranks.h"
 #include "elements/forming/form_elements.h"
 
 #include <algorithm>
@@ -28,6 +29,8 @@ void FormOutletLayers(Run& run) {
     for (std::int32_t NGE = 1; NGE <= (NGET > 2 ? 2 : 1); ++NGE)
         if (run.groups[NGE].NETIP == 3)
             FormOutletLayer3D(run, run.groups[NGE]);
+    SumOverRanks(RealArray(run.averaging.layerResiduals.data(),
+                           static_cast<Word>(run.averaging.layerResiduals.size())));
 }
 
 } // namespace zurt

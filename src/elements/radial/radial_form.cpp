@@ -1,5 +1,6 @@
 #include "elements/radial/radial_form.h"
 
+#include "core/ranks.h"
 #include "core/stop.h"
 #include "elements/cards/group_checks.h"
 #include "elements/forming/element_work.h"
@@ -86,7 +87,8 @@ void FormAssembled(const RadialVisit& visit, RealArray packed) {
     const SystemTarget system = SystemTargetOf(run);
     const ConstIntTable nodes = RadialNodes(run, visit.group);
     const ConstRealArray partition = PartitionValue(run, visit.group);
-    for (Word n = 1; n <= visit.group.NET; ++n) {
+    const Share share = ShareOf(visit.group.NET);
+    for (Word n = share.first; n <= share.last; ++n) {
         const RadialScales scales = ScalesOf(visit, n);
         double r = 0.0;
         for (int i = 1; i <= scales.count; ++i, r += scales.dr) {
@@ -121,8 +123,10 @@ void SolveFibres(const RadialVisit& visit) {
                      RealArray(starts.data, starts.rows * starts.columns));
     Fill(flux, 0.0);
     // A fault ends the run, so that no fibre which is solved a second time, behind it, has a say in the results.
-    ForRanges(run.workers, visit.group.NET, kRangeOfFibres, [&](Word first, Word last, int) {
-        for (Word n = first; n <= last; ++n) {
+    const Share share = ShareOf(visit.group.NET);
+    const Word before = share.first - 1;
+    ForRanges(run.workers, share.last - before, kRangeOfFibres, [&](Word first, Word last, int) {
+        for (Word n = before + first; n <= before + last; ++n) {
             const RadialScales scales = ScalesOf(visit, n);
             const Word surface = scales.count + 1;
             GatherNodeValue(visit.nodes, continuum(n), values(surface, n), starts(surface, n));
@@ -131,6 +135,8 @@ void SolveFibres(const RadialVisit& visit) {
             RequireNumber(flux(n), n);
         }
     });
+    GatherShares(values);
+    GatherShares(RealTable(flux.data, 1, flux.length));
 }
 
 void AddFluxes(const RadialVisit& visit) {
@@ -140,7 +146,8 @@ void AddFluxes(const RadialVisit& visit) {
     const ConstIntTable common = CommonNodes(run, visit.group);
     const RealArray R = RightHandSide(run);
     const double share = 1.0F / static_cast<float>(visit.group.radial.CommonNodeCount);
-    for (Word n = 1; n <= visit.group.NET; ++n) {
+    const Share own = ShareOf(visit.group.NET);
+    for (Word n = own.first; n <= own.last; ++n) {
         if (common.columns == 0)
             AddElementVector(R, ConstRealArray(&flux(n), 1), ConstIntArray(&visit.nodes.ID(continuum(n)), 1),
                              1);
