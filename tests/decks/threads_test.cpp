@@ -78,7 +78,7 @@ TEST(Threads, SmallDecksAndExamplesGiveTheSameBytes) {
 TEST(Threads, ConjugateGradientsGiveTheSameBytes) {
     for (const char* name : {"brick20", "fibrous_sheet", "ring"})
         ExpectSameOutputs(name, Example(name), "cg");
-    for (const char* name : {"fixed", "lines", "radial_fibres"})
+    for (const char* name : {"fixed", "lines", "radial fibres"})
         ExpectSameOutputs(name, SmallDeckText(name), "cg");
 }
 
