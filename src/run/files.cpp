@@ -179,6 +179,13 @@ void RequireFreeNames(const Run& run) {
                                     MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3)})
         if (FileExists(name))
             taken += (count++ > 0 ? ", " : "") + name;
+    if (run.options.vtu) {
+        const std::vector<std::string> old = OldViewerFiles(units);
+        for (std::size_t i = 0; i < std::min<std::size_t>(old.size(), 1); ++i)
+            taken += (count++ > 0 ? ", " : "") + old[i];
+        if (old.size() > 1)
+            taken += " and " + std::to_string(old.size() - 1) + " more", ++count;
+    }
     if (count > 0)
         StopWithLibraryError(taken + (count > 1 ? " exist" : " exists") +
                              " and would be overwritten: --force allows it, --output DIR writes elsewhere");
@@ -216,6 +223,8 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     RequireDistinctFixedFiles(run);
     RequireUnused(run, units.DefaultListingName);
     RequireUnused(run, units.DefaultGraphicsName);
+    if (run.options.vtu)
+        RequireUnused(run, ViewerName(units, 1) + ".pvd");
     if (!settings.force)
         RequireFreeNames(run);
     for (TextUnit* unit : OutputUnits(units))

@@ -1,0 +1,159 @@
+#include "results/vtk_file.h"
+
+#include "core/stop.h"
+#include "core/whole_file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <zlib.h>
+
+namespace zurt {
+
+namespace {
+
+// Readers take a block at a time; of this size one fits the cache together with what zlib needs.
+constexpr std::uint64_t kBlock = 32768;
+constexpr int kLevel = 1;
+constexpr int kWindowBits = 15, kMemoryLevel = 9; // zlib's largest
+
+// The digits of values that differ everywhere hold no strings that come again, and looking for them takes most of the time.
+// A block in so many tells whether the others are only to be coded by frequency, as those are that it hardly made smaller.
+constexpr std::uint64_t kBlocksToATrial = 16;
+constexpr double kHardlySmaller = 0.85;
+
+constexpr const char* kByteOrder = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? "LittleEndian" : "BigEndian";
+
+void AppendCount(std::string& bytes, std::uint64_t count) {
+    bytes.append(reinterpret_cast<const char*>(&count), sizeof count);
+}
+
+struct Compressor {
+    z_stream matching{}, plain{};
+};
+
+void BeginCompressor(Compressor& compressor) {
+    if (deflateInit2(&compressor.matching, kLevel, Z_DEFLATED, kWindowBits, kMemoryLevel,
+                     Z_DEFAULT_STRATEGY) != Z_OK)
+        throw std::bad_alloc();
+    if (deflateInit2(&compressor.plain, kLevel, Z_DEFLATED, kWindowBits, kMemoryLevel, Z_HUFFMAN_ONLY) !=
+        Z_OK) {
+        deflateEnd(&compressor.matching);
+        throw std::bad_alloc();
+    }
+}
+
+// Appends the block; returns its compressed bytes. The room is enough for any block, so nothing can fail.
+std::uint64_t AppendBlock(z_stream& stream, const char* block, std::uint64_t bytes, std::string& target) {
+    const std::size_t start = target.size();
+    target.resize(start + compressBound(kBlock));
+    deflateReset(&stream);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(block));
+    stream.avail_in = static_cast<uInt>(bytes);
+    stream.next_out = reinterpret_cast<Bytef*>(&target[start]);
+    stream.avail_out = static_cast<uInt>(target.size() - start);
+    deflate(&stream, Z_FINISH);
+    target.resize(start + stream.total_out);
+    return stream.total_out;
+}
+
+void AppendBlocks(const char* data, std::uint64_t bytes, std::string& target) {
+    const std::uint64_t blocks = (bytes + kBlock - 1) / kBlock;
+    const std::size_t sizes = target.size() + 3 * sizeof(std::uint64_t);
+    AppendCount(target, blocks);
+    AppendCount(target, kBlock);
+    AppendCount(target, bytes % kBlock);
+    for (std::uint64_t k = 0; k < blocks; ++k)
+        AppendCount(target, 0);
+    Compressor compressor;
+    BeginCompressor(compressor);
+    bool plain = false;
+    for (std::uint64_t k = 0; k < blocks; ++k) {
+        const std::uint64_t size = std::min(kBlock, bytes - k * kBlock);
+        const bool trial = k % kBlocksToATrial == 0;
+        const std::uint64_t length = AppendBlock(plain && !trial ? compressor.plain : compressor.matching,
+                                                 data + k * kBlock, size, target);
+        if (trial)
+            plain = static_cast<double>(length) > kHardlySmaller * static_cast<double>(size);
+        std::memcpy(&target[sizes + k * sizeof length], &length, sizeof length);
+    }
+    deflateEnd(&compressor.matching);
+    deflateEnd(&compressor.plain);
+}
+
+template <class T>
+VtkArray MakeArray(const char* name, const char* type, int components, const std::vector<T>& values) {
+    VtkArray array;
+    array.attributes = std::string("type=\"") + type + "\" Name=\"" + name + "\"";
+    if (components > 1)
+        array.attributes += " NumberOfComponents=\"" + std::to_string(components) + "\"";
+    AppendBlocks(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T), array.bytes);
+    return array;
+}
+
+} // namespace
+
+VtkArray MakeVtkArray(const char* name, int components, const std::vector<double>& values) {
+    return MakeArray(name, "Float64", components, values);
+}
+
+VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::int32_t>& values) {
+    return MakeArray(name, "Int32", components, values);
+}
+
+VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::int64_t>& values) {
+    return MakeArray(name, "Int64", components, values);
+}
+
+VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::uint8_t>& values) {
+    return MakeArray(name, "UInt8", components, values);
+}
+
+VtkFile BeginVtkFile(const char* type) {
+    VtkFile file;
+    file.text = "<?xml version=\"1.0\"?>\n";
+    OpenVtkElement(file, "VTKFile",
+                   std::string("type=\"") + type + "\" version=\"1.0\" byte_order=\"" + kByteOrder +
+                       "\" header_type=\"UInt64\" compressor=\"vtkZLibDataCompressor\"");
+    OpenVtkElement(file, type);
+    return file;
+}
+
+void OpenVtkElement(VtkFile& file, const std::string& name, const std::string& attributes) {
+    file.text += "<" + name + (attributes.empty() ? "" : " ") + attributes + ">\n";
+    file.ending.insert(0, "</" + name + ">\n");
+}
+
+void CloseVtkElement(VtkFile& file) {
+    const std::size_t end = file.ending.find('\n') + 1;
+    file.text += file.ending.substr(0, end);
+    file.ending.erase(0, end);
+}
+
+void AddVtkArray(VtkFile& file, const VtkArray& array, const char* more) {
+    file.text += "<DataArray " + array.attributes + more + " format=\"appended\" offset=\"" +
+                 std::to_string(file.offset) + "\"/>\n";
+    file.data.push_back(array.bytes);
+    file.offset += array.bytes.size();
+}
+
+void AddVtkArrays(VtkFile& file, const std::string& element, const std::vector<VtkArray>& arrays) {
+    OpenVtkElement(file, element);
+    for (const VtkArray& array : arrays)
+        AddVtkArray(file, array);
+    CloseVtkElement(file);
+}
+
+void StoreVtkFile(VtkFile& file, const std::string& name) {
+    const std::string outermost = "</VTKFile>\n";
+    while (file.ending != outermost)
+        CloseVtkElement(file);
+    file.text += "<AppendedData encoding=\"raw\">\n_";
+    std::vector<std::string_view> pieces = {file.text};
+    pieces.insert(pieces.end(), file.data.begin(), file.data.end());
+    const std::string end = "\n</AppendedData>\n" + outermost;
+    pieces.push_back(end);
+    StoreWholeFile(name, pieces);
+}
+
+} // namespace zurt
