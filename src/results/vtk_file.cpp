@@ -131,10 +131,10 @@ void CloseVtkElement(VtkFile& file) {
 }
 
 void AddVtkArray(VtkFile& file, const VtkArray& array, const char* more) {
-    file.text += "<DataArray " + array.attributes + more + " format=\"appended\" offset=\"" +
-                 std::to_string(file.offset) + "\"/>\n";
+    file.text += "<DataArray " + array.attributes + more + " format=\"appended\" offset=\"";
+    file.places.push_back(file.text.size());
+    file.text += "\"/>\n";
     file.data.push_back(array.bytes);
-    file.offset += array.bytes.size();
 }
 
 void AddVtkArrays(VtkFile& file, const std::string& element, const std::vector<VtkArray>& arrays) {
@@ -144,13 +144,34 @@ void AddVtkArrays(VtkFile& file, const std::string& element, const std::vector<V
     CloseVtkElement(file);
 }
 
+namespace {
+
+// The data stands in the reverse order of the text. meshio (5) looks for the array of each offset while it writes new ones into the
+// text, which may be old ones of others; it takes the first that it finds, and so finds the right one.
+void SetOffsets(VtkFile& file) {
+    std::uint64_t offset = 0;
+    for (const std::string_view bytes : file.data)
+        offset += bytes.size();
+    std::string text;
+    std::size_t done = 0;
+    for (std::size_t k = 0; k < file.places.size(); ++k) {
+        offset -= file.data[k].size();
+        text += file.text.substr(done, file.places[k] - done) + std::to_string(offset);
+        done = file.places[k];
+    }
+    file.text = text + file.text.substr(done);
+}
+
+} // namespace
+
 void StoreVtkFile(VtkFile& file, const std::string& name) {
     const std::string outermost = "</VTKFile>\n";
     while (file.ending != outermost)
         CloseVtkElement(file);
     file.text += "<AppendedData encoding=\"raw\">\n_";
+    SetOffsets(file);
     std::vector<std::string_view> pieces = {file.text};
-    pieces.insert(pieces.end(), file.data.begin(), file.data.end());
+    pieces.insert(pieces.end(), file.data.rbegin(), file.data.rend());
     const std::string end = "\n</AppendedData>\n" + outermost;
     pieces.push_back(end);
     StoreWholeFile(name, pieces);

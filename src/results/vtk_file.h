@@ -29,10 +29,10 @@ VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::u
 
 /// A file while it is put together. The arrays are kept by the caller until the file is stored.
 struct VtkFile {
-    std::string text;                   // the XML ahead of the appended data
+    std::string text;                   // the XML ahead of the appended data, without the arrays' offsets
     std::string ending;                 // elements that are still open, innermost first
-    std::vector<std::string_view> data; // arrays in the order of their offsets
-    std::uint64_t offset = 0;           // of the next array
+    std::vector<std::string_view> data; // arrays in the order of the text
+    std::vector<std::size_t> places;    // in the text, of their offsets
 };
 
 /// A file of this type ("UnstructuredGrid", "PolyData") whose element of that name is open.
