@@ -24,8 +24,8 @@ constexpr std::uint8_t kInFibres = 0, kCutByWall = 1, kInFluid = 2;
 struct MeshBuilder {
     const Run& run;
     VtuMesh mesh{};
-    // Added points by the nodes that they lie between: two ends, or the four corners of a side in rising order.
-    std::map<std::array<std::int32_t, 4>, std::int32_t> between{};
+    // Added points by the points that they lie between, two or eight in rising order: elements side by side share them.
+    std::map<std::array<std::int32_t, 8>, std::int32_t> between{};
 };
 
 // --- points -------------------------------------------------------------------------------------------------------
@@ -56,8 +56,10 @@ std::int32_t AddPointBetween(MeshBuilder& builder, const AddedPoint& point) {
     return static_cast<std::int32_t>(mesh.node.size()) - 1;
 }
 
-std::int32_t PointBetween(MeshBuilder& builder, const std::array<std::int32_t, 4>& key,
-                          const AddedPoint& point) {
+std::int32_t PointBetween(MeshBuilder& builder, const AddedPoint& point) {
+    std::array<std::int32_t, 8> key{};
+    std::copy(point.from, point.from + point.count, key.begin());
+    std::sort(key.begin(), key.begin() + point.count);
     const auto [found, isNew] = builder.between.emplace(key, 0);
     if (isNew)
         found->second = AddPointBetween(builder, point);
@@ -88,22 +90,19 @@ std::int32_t MiddleOfEdge(MeshBuilder& builder, const CellElement& element, int 
         if (point >= 0)
             return point;
     }
-    const auto [low, high] = std::minmax({PointOf(element, corner), PointOf(element, other)});
-    return PointBetween(builder, {low, high, 0, 0}, {2, {low, high}});
+    return PointBetween(builder, {2, {PointOf(element, corner), PointOf(element, other)}});
 }
 
 // The corners of a side go round.
 std::int32_t MiddleOfSide(MeshBuilder& builder, const CellElement& element, int side) {
     const int corners = element.family.cornersOfSide;
     const int* corner = element.family.sideCorners + (side - 1) * corners;
-    AddedPoint point{8, {}};
-    std::array<std::int32_t, 4> key{};
+    AddedPoint point{2 * corners, {}};
     for (int k = 0; k < corners; ++k) {
-        key[static_cast<std::size_t>(k)] = point.from[k] = PointOf(element, corner[k]);
+        point.from[k] = PointOf(element, corner[k]);
         point.from[corners + k] = MiddleOfEdge(builder, element, corner[k], corner[(k + 1) % corners]);
     }
-    std::sort(key.begin(), key.end());
-    return PointBetween(builder, key, point);
+    return PointBetween(builder, point);
 }
 
 std::int32_t CellPoint(MeshBuilder& builder, const CellElement& element, int node) {
