@@ -57,9 +57,10 @@ std::int32_t AddPointBetween(MeshBuilder& builder, const AddedPoint& point) {
 }
 
 std::int32_t PointBetween(MeshBuilder& builder, const AddedPoint& point) {
-    std::array<std::int32_t, 8> key{};
+    std::array<std::int32_t, 8> key;
+    key.fill(-1);
     std::copy(point.from, point.from + point.count, key.begin());
-    std::sort(key.begin(), key.begin() + point.count);
+    std::sort(key.begin(), key.end());
     const auto [found, isNew] = builder.between.emplace(key, 0);
     if (isNew)
         found->second = AddPointBetween(builder, point);
