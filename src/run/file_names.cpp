@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <dirent.h>
 #include <filesystem>
+#include <functional>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -59,10 +61,12 @@ std::vector<std::string> FindViewerFiles(const Units& units, bool parts) {
     const std::string start = parts ? PartName(base).substr(0, base.size() + 1) : base;
     const std::string_view ending = parts ? ".part" : "";
     std::vector<std::string> found;
-    std::error_code ignored; // a folder that can't be read has no files to be named
-    for (std::filesystem::directory_iterator entry(units.Folder.empty() ? "." : units.Folder, ignored), end;
-         entry != end; entry.increment(ignored)) {
-        const std::string name = units.Folder + entry->path().filename().string();
+    // The library's own iterator ends the process when memory is missing.
+    DIR* const folder = opendir(units.Folder.empty() ? "." : units.Folder.c_str());
+    if (folder == nullptr)
+        return found; // a folder that can't be read tells no names
+    while (const dirent* entry = readdir(folder)) {
+        const std::string name = units.Folder + entry->d_name;
         std::string_view rest = name;
         if (!TakeWord(rest, start) || rest.size() < ending.size() ||
             rest.substr(rest.size() - ending.size()) != ending)
@@ -71,7 +75,8 @@ std::vector<std::string> FindViewerFiles(const Units& units, bool parts) {
         if (IsViewerEnding(rest))
             found.push_back(name);
     }
-    std::sort(found.begin(), found.end());
+    closedir(folder);
+    std::sort(found.begin(), found.end(), std::greater<>());
     return found;
 }
 

@@ -17,7 +17,7 @@ std::string StepArchiveName(const Units& units);
 std::string ViewerName(const Units& units, std::int32_t problem);
 
 /// The files for viewers that runs of this deck have left in the folder: NAME.pvd, NAME-0001.vtu, NAME-fibres.vtp, of any
-/// problem, in alphabetical order.
+/// problem; each .pvd stands ahead of what it lists.
 std::vector<std::string> OldViewerFiles(const Units& units);
 
 /// Deletes them, and what a run that was killed left of one.
