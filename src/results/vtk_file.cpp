@@ -28,8 +28,11 @@ void AppendCount(std::string& bytes, std::uint64_t count) {
     bytes.append(reinterpret_cast<const char*>(&count), sizeof count);
 }
 
+// A thread's own: zlib's state for blocks of both kinds, and the blocks of the trial in hand.
 struct Compressor {
     z_stream matching{}, plain{};
+    std::string bytes;
+    std::vector<std::uint64_t> lengths;
 };
 
 void BeginCompressor(Compressor& compressor) {
@@ -43,70 +46,99 @@ void BeginCompressor(Compressor& compressor) {
     }
 }
 
-// Appends the block; returns its compressed bytes. The room is enough for any block, so nothing can fail.
-std::uint64_t AppendBlock(z_stream& stream, const char* block, std::uint64_t bytes, std::string& target) {
-    const std::size_t start = target.size();
-    target.resize(start + compressBound(kBlock));
+void EndCompressor(Compressor& compressor) {
+    deflateEnd(&compressor.matching);
+    deflateEnd(&compressor.plain);
+}
+
+// The room is enough for any block, so nothing can fail.
+void CompressBlock(Compressor& compressor, z_stream& stream, const char* block, std::uint64_t bytes) {
+    const std::size_t start = compressor.bytes.size();
+    compressor.bytes.resize(start + compressBound(kBlock));
     deflateReset(&stream);
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(block));
     stream.avail_in = static_cast<uInt>(bytes);
-    stream.next_out = reinterpret_cast<Bytef*>(&target[start]);
-    stream.avail_out = static_cast<uInt>(target.size() - start);
+    stream.next_out = reinterpret_cast<Bytef*>(&compressor.bytes[start]);
+    stream.avail_out = static_cast<uInt>(compressor.bytes.size() - start);
     deflate(&stream, Z_FINISH);
-    target.resize(start + stream.total_out);
-    return stream.total_out;
+    compressor.bytes.resize(start + stream.total_out);
+    compressor.lengths.push_back(stream.total_out);
 }
 
-void AppendBlocks(const char* data, std::uint64_t bytes, std::string& target) {
-    const std::uint64_t blocks = (bytes + kBlock - 1) / kBlock;
-    const std::size_t sizes = target.size() + 3 * sizeof(std::uint64_t);
+// The blocks of one trial, of which the first decides on the others.
+void CompressTrial(Compressor& compressor, const char* data, std::uint64_t bytes) {
+    compressor.bytes.clear();
+    compressor.lengths.clear();
+    bool plain = false;
+    for (std::uint64_t done = 0; done < bytes; done += kBlock) {
+        const std::uint64_t size = std::min(kBlock, bytes - done);
+        CompressBlock(compressor, plain ? compressor.plain : compressor.matching, data + done, size);
+        if (done == 0)
+            plain = static_cast<double>(compressor.bytes.size()) > kHardlySmaller * static_cast<double>(size);
+    }
+}
+
+void AppendBlocks(Workers& workers, const char* data, std::uint64_t bytes, std::string& target) {
+    const std::uint64_t blocks = (bytes + kBlock - 1) / kBlock, trial = kBlock * kBlocksToATrial;
+    const std::size_t lengths = target.size() + 3 * sizeof(std::uint64_t);
     AppendCount(target, blocks);
     AppendCount(target, kBlock);
     AppendCount(target, bytes % kBlock);
     for (std::uint64_t k = 0; k < blocks; ++k)
         AppendCount(target, 0);
-    Compressor compressor;
-    BeginCompressor(compressor);
-    bool plain = false;
-    for (std::uint64_t k = 0; k < blocks; ++k) {
-        const std::uint64_t size = std::min(kBlock, bytes - k * kBlock);
-        const bool trial = k % kBlocksToATrial == 0;
-        const std::uint64_t length = AppendBlock(plain && !trial ? compressor.plain : compressor.matching,
-                                                 data + k * kBlock, size, target);
-        if (trial)
-            plain = static_cast<double>(length) > kHardlySmaller * static_cast<double>(size);
-        std::memcpy(&target[sizes + k * sizeof length], &length, sizeof length);
-    }
-    deflateEnd(&compressor.matching);
-    deflateEnd(&compressor.plain);
+    std::vector<Compressor> compressors(static_cast<std::size_t>(workers.count));
+    for (Compressor& compressor : compressors)
+        BeginCompressor(compressor);
+    std::size_t place = lengths;
+    InTurn(
+        workers, static_cast<Word>((bytes + trial - 1) / trial),
+        [&](Word chunk, int worker) {
+            const std::uint64_t start = static_cast<std::uint64_t>(chunk - 1) * trial;
+            CompressTrial(compressors[static_cast<std::size_t>(worker)], data + start,
+                          std::min(trial, bytes - start));
+        },
+        [&](Word, int worker) {
+            const Compressor& own = compressors[static_cast<std::size_t>(worker)];
+            const std::size_t size = own.lengths.size() * sizeof(std::uint64_t);
+            std::memcpy(&target[place], own.lengths.data(), size);
+            place += size;
+            target += own.bytes;
+        });
+    for (Compressor& compressor : compressors)
+        EndCompressor(compressor);
 }
 
 template <class T>
-VtkArray MakeArray(const char* name, const char* type, int components, const std::vector<T>& values) {
+VtkArray MakeArray(Workers& workers, const char* name, const char* type, int components,
+                   const std::vector<T>& values) {
     VtkArray array;
     array.attributes = std::string("type=\"") + type + "\" Name=\"" + name + "\"";
     if (components > 1)
         array.attributes += " NumberOfComponents=\"" + std::to_string(components) + "\"";
-    AppendBlocks(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T), array.bytes);
+    AppendBlocks(workers, reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T),
+                 array.bytes);
     return array;
 }
 
 } // namespace
 
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<double>& values) {
-    return MakeArray(name, "Float64", components, values);
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components, const std::vector<double>& values) {
+    return MakeArray(workers, name, "Float64", components, values);
 }
 
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::int32_t>& values) {
-    return MakeArray(name, "Int32", components, values);
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components,
+                      const std::vector<std::int32_t>& values) {
+    return MakeArray(workers, name, "Int32", components, values);
 }
 
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::int64_t>& values) {
-    return MakeArray(name, "Int64", components, values);
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components,
+                      const std::vector<std::int64_t>& values) {
+    return MakeArray(workers, name, "Int64", components, values);
 }
 
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::uint8_t>& values) {
-    return MakeArray(name, "UInt8", components, values);
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components,
+                      const std::vector<std::uint8_t>& values) {
+    return MakeArray(workers, name, "UInt8", components, values);
 }
 
 VtkFile BeginVtkFile(const char* type) {

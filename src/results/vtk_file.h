@@ -6,7 +6,7 @@
 // Called by the writers of the .vtu and .vtp files.
 #pragma once
 
-#include "core/array_view.h"
+#include "core/workers.h"
 
 #include <cstdint>
 #include <string>
@@ -21,11 +21,14 @@ struct VtkArray {
     std::string bytes;      // as they stand in the file
 };
 
-/// Compresses an array of doubles, 32-bit integers, 64-bit integers or bytes. `components` values make a row.
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<double>& values);
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::int32_t>& values);
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::int64_t>& values);
-VtkArray MakeVtkArray(const char* name, int components, const std::vector<std::uint8_t>& values);
+/// Compresses an array of doubles, 32-bit integers, 64-bit integers or bytes. `components` values make a row. Workers share the blocks.
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components, const std::vector<double>& values);
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components,
+                      const std::vector<std::int32_t>& values);
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components,
+                      const std::vector<std::int64_t>& values);
+VtkArray MakeVtkArray(Workers& workers, const char* name, int components,
+                      const std::vector<std::uint8_t>& values);
 
 /// A file while it is put together. The arrays are kept by the caller until the file is stored.
 struct VtkFile {

@@ -71,22 +71,24 @@ void AddRadialFibres(const Run& run, const ElementGroup& group, FibreShapes& sha
     }
 }
 
-template <class T> VtkArray OfAllCells(const char* name, std::vector<T> single, const std::vector<T>& lines) {
+template <class T>
+VtkArray OfAllCells(Workers& workers, const char* name, std::vector<T> single, const std::vector<T>& lines) {
     single.insert(single.end(), lines.begin(), lines.end());
-    return MakeVtkArray(name, 1, single);
+    return MakeVtkArray(workers, name, 1, single);
 }
 
-void StoreShapes(const FibreShapes& shapes, const std::string& name) {
+void StoreShapes(Workers& workers, const FibreShapes& shapes, const std::string& name) {
     const FibreCellsOfKind &single = shapes.single, &lines = shapes.lines;
-    const std::vector<VtkArray> pointData = {MakeVtkArray("radius", 1, shapes.radius)};
-    const std::vector<VtkArray> cellData = {
-        OfAllCells("kind", single.kind, lines.kind), OfAllCells("set", single.set, lines.set),
-        OfAllCells("fibre", single.fibre, lines.fibre), OfAllCells("length", single.length, lines.length)};
-    const std::vector<VtkArray> points = {MakeVtkArray("points", 3, shapes.places)};
-    const std::vector<VtkArray> verts = {MakeVtkArray("connectivity", 1, single.connectivity),
-                                         MakeVtkArray("offsets", 1, single.offsets)};
-    const std::vector<VtkArray> segments = {MakeVtkArray("connectivity", 1, lines.connectivity),
-                                            MakeVtkArray("offsets", 1, lines.offsets)};
+    const std::vector<VtkArray> pointData = {MakeVtkArray(workers, "radius", 1, shapes.radius)};
+    const std::vector<VtkArray> cellData = {OfAllCells(workers, "kind", single.kind, lines.kind),
+                                            OfAllCells(workers, "set", single.set, lines.set),
+                                            OfAllCells(workers, "fibre", single.fibre, lines.fibre),
+                                            OfAllCells(workers, "length", single.length, lines.length)};
+    const std::vector<VtkArray> points = {MakeVtkArray(workers, "points", 3, shapes.places)};
+    const std::vector<VtkArray> verts = {MakeVtkArray(workers, "connectivity", 1, single.connectivity),
+                                         MakeVtkArray(workers, "offsets", 1, single.offsets)};
+    const std::vector<VtkArray> segments = {MakeVtkArray(workers, "connectivity", 1, lines.connectivity),
+                                            MakeVtkArray(workers, "offsets", 1, lines.offsets)};
     VtkFile file = BeginVtkFile("PolyData");
     OpenVtkElement(file, "Piece",
                    "NumberOfPoints=\"" + std::to_string(shapes.radius.size()) + "\" NumberOfVerts=\"" +
@@ -102,7 +104,7 @@ void StoreShapes(const FibreShapes& shapes, const std::string& name) {
 
 } // namespace
 
-void WriteVtpFibres(const Run& run) {
+void WriteVtpFibres(Run& run) {
     FibreShapes shapes;
     if (run.fibres.dimension != 0)
         AddSetsOfFibres(run.fibres, shapes);
@@ -110,7 +112,7 @@ void WriteVtpFibres(const Run& run) {
         if (IsRadial(run.groups[NGE]))
             AddRadialFibres(run, run.groups[NGE], shapes);
     if (!shapes.radius.empty())
-        StoreShapes(shapes, ViewerName(run.units, run.job.ProblemNumber) + "-fibres.vtp");
+        StoreShapes(run.workers, shapes, ViewerName(run.units, run.job.ProblemNumber) + "-fibres.vtp");
 }
 
 } // namespace zurt

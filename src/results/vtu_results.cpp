@@ -28,17 +28,20 @@ struct VtuStorage {
 
 // --- the mesh, once a problem -------------------------------------------------------------------------------------
 
-void CompressMesh(VtuStorage& storage) {
+void CompressMesh(Run& run, VtuStorage& storage) {
     VtuMesh& mesh = storage.mesh;
-    storage.pointArrays = {MakeVtkArray("node", 1, mesh.node), MakeVtkArray("fluid", 1, mesh.fluid)};
+    storage.pointArrays = {MakeVtkArray(run.workers, "node", 1, mesh.node),
+                           MakeVtkArray(run.workers, "fluid", 1, mesh.fluid)};
     if (!mesh.wallDistance.empty())
-        storage.pointArrays.push_back(MakeVtkArray("wall_distance", 1, mesh.wallDistance));
-    storage.cellArrays = {MakeVtkArray("group", 1, mesh.group), MakeVtkArray("element", 1, mesh.element),
-                          MakeVtkArray("material", 1, mesh.material),
-                          MakeVtkArray("fibre_mark", 1, mesh.fibreMark)};
-    storage.points = {MakeVtkArray("points", 3, mesh.places)};
-    storage.cells = {MakeVtkArray("connectivity", 1, mesh.connectivity),
-                     MakeVtkArray("offsets", 1, mesh.offsets), MakeVtkArray("types", 1, mesh.types)};
+        storage.pointArrays.push_back(MakeVtkArray(run.workers, "wall_distance", 1, mesh.wallDistance));
+    storage.cellArrays = {MakeVtkArray(run.workers, "group", 1, mesh.group),
+                          MakeVtkArray(run.workers, "element", 1, mesh.element),
+                          MakeVtkArray(run.workers, "material", 1, mesh.material),
+                          MakeVtkArray(run.workers, "fibre_mark", 1, mesh.fibreMark)};
+    storage.points = {MakeVtkArray(run.workers, "points", 3, mesh.places)};
+    storage.cells = {MakeVtkArray(run.workers, "connectivity", 1, mesh.connectivity),
+                     MakeVtkArray(run.workers, "offsets", 1, mesh.offsets),
+                     MakeVtkArray(run.workers, "types", 1, mesh.types)};
 }
 
 // Only what the steps need is kept in its full length.
@@ -60,7 +63,7 @@ VtuStorage& StorageOfProblem(Run& run) {
     auto storage = std::make_shared<VtuStorage>();
     storage->problem = run.job.ProblemNumber;
     storage->mesh = MakeVtuMesh(run);
-    CompressMesh(*storage);
+    CompressMesh(run, *storage);
     FreeMeshArrays(storage->mesh);
     WriteVtpFibres(run);
     run.vtuStorage = storage;
@@ -95,22 +98,21 @@ bool IsMasked(const VtuMesh& mesh) {
 
 // Concentrations; with nodes in fibres also the solution as it is, which interpolates the fluid's part of the elements that a
 // wall cuts.
-void AddConcentrations(const Run& run, const VtuMesh& mesh, std::vector<VtkArray>& arrays) {
+void AddConcentrations(Run& run, const VtuMesh& mesh, std::vector<VtkArray>& arrays) {
     const ConstRealArray nodal = NodalValues(run);
     std::vector<double> values(nodal.data, nodal.data + nodal.length);
     values.reserve(static_cast<std::size_t>(mesh.points));
     AppendRadialValues(run, values);
     ValuesAtAddedPoints(mesh, 1, values);
     if (IsMasked(mesh)) {
-        arrays.push_back(MakeVtkArray("solution", 1, values));
+        arrays.push_back(MakeVtkArray(run.workers, "solution", 1, values));
         BlankNodesInFibres(mesh, 1, values);
     }
-    arrays.push_back(MakeVtkArray("concentration", 1, values));
+    arrays.push_back(MakeVtkArray(run.workers, "concentration", 1, values));
 }
 
 // The three components that begin at nodal vector `first`; substructured fibres have none.
-void AddVectors(const Run& run, const VtuMesh& mesh, const char* name, int first,
-                std::vector<VtkArray>& arrays) {
+void AddVectors(Run& run, const VtuMesh& mesh, const char* name, int first, std::vector<VtkArray>& arrays) {
     const ConstRealArray x = NodalResultVector(run, first), y = NodalResultVector(run, first + 1),
                          z = NodalResultVector(run, first + 2);
     std::vector<double> values;
@@ -120,10 +122,10 @@ void AddVectors(const Run& run, const VtuMesh& mesh, const char* name, int first
     values.insert(values.end(), 3 * static_cast<std::size_t>(mesh.radialPoints), std::nan(""));
     ValuesAtAddedPoints(mesh, 3, values);
     BlankNodesInFibres(mesh, 3, values);
-    arrays.push_back(MakeVtkArray(name, 3, values));
+    arrays.push_back(MakeVtkArray(run.workers, name, 3, values));
 }
 
-std::vector<VtkArray> StepArrays(const Run& run, const VtuMesh& mesh) {
+std::vector<VtkArray> StepArrays(Run& run, const VtuMesh& mesh) {
     std::vector<VtkArray> arrays;
     AddConcentrations(run, mesh, arrays);
     const HeaderFields& header = run.control.header;
@@ -138,14 +140,14 @@ std::vector<VtkArray> StepArrays(const Run& run, const VtuMesh& mesh) {
 
 // --- files --------------------------------------------------------------------------------------------------------
 
-void AddTime(const Run& run, VtkFile& file, std::vector<VtkArray>& kept) {
-    kept.push_back(MakeVtkArray("TimeValue", 1, std::vector<double>{run.clock.TIME}));
+void AddTime(Run& run, VtkFile& file, std::vector<VtkArray>& kept) {
+    kept.push_back(MakeVtkArray(run.workers, "TimeValue", 1, std::vector<double>{run.clock.TIME}));
     OpenVtkElement(file, "FieldData");
     AddVtkArray(file, kept.back(), " NumberOfTuples=\"1\"");
     CloseVtkElement(file);
 }
 
-void WriteStepFile(const Run& run, const VtuStorage& storage, const std::string& name) {
+void WriteStepFile(Run& run, const VtuStorage& storage, const std::string& name) {
     const std::vector<VtkArray> values = StepArrays(run, storage.mesh);
     std::vector<VtkArray> time;
     VtkFile file = BeginVtkFile("UnstructuredGrid");
