@@ -57,7 +57,7 @@ VtuStorage& StorageOfProblem(Run& run) {
     Owner* owner = std::any_cast<Owner>(&run.vtuStorage);
     if (owner != nullptr && (*owner)->problem == run.job.ProblemNumber)
         return **owner;
-    if (run.job.ProblemNumber == 1)
+    if (owner == nullptr)
         RemoveOldViewerFiles(run.units);
     run.vtuStorage.reset(); // ahead of the next one, which may be as large
     auto storage = std::make_shared<VtuStorage>();

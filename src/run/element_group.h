@@ -38,19 +38,20 @@ struct RadialGroup {
     Word subElements = 0;             // of all cards; under ISUB4 1 also the inner nodes
 
     // Data block in `A`; an absent array starts where the next one does.
-    Word LFLUX = 0;              // NET, ISUB4 1: FibreFlux, of the iteration in work
-    Word LNODES = 0;             // NODEL4MX x NET, else: RadialNodes
-    Word LCOUNT = 0;             // NET: RadialCount, sub-elements
-    Word LD = 0;                 // NET: RadialD
-    Word LLENGTH = 0;            // NET: RadialLength
-    Word LRADIUS = 0;            // NET: RadialRadius
-    Word LVALUE = 0;             // NODEL4MX x NET, ISUB4 1: FibreValue, from the axis outward
-    Word LVALUE0 = 0;            // the same at the start of the step: FibreValue0
-    Word LCONTINUUM = 0;         // NET, ISUB4 1: ContinuumNode
-    Word LCOMMON = 0;            // NET x CommonNodeCount, ISUB4 1 with IND4N 1 or 2: CommonNodes
-    Word LPARTITION = 0;         // NET, IPARTIT positive: PartitionValue
-    bool substructured = false;  // ISUB4 is 1: the inner nodes exist in the elements alone
-    std::vector<double> centres; // then: 3 x NET, where results show the fibres
+    Word LFLUX = 0;             // NET, ISUB4 1: FibreFlux, of the iteration in work
+    Word LNODES = 0;            // NODEL4MX x NET, else: RadialNodes
+    Word LCOUNT = 0;            // NET: RadialCount, sub-elements
+    Word LD = 0;                // NET: RadialD
+    Word LLENGTH = 0;           // NET: RadialLength
+    Word LRADIUS = 0;           // NET: RadialRadius
+    Word LVALUE = 0;            // NODEL4MX x NET, ISUB4 1: FibreValue, from the axis outward
+    Word LVALUE0 = 0;           // the same at the start of the step: FibreValue0
+    Word LCONTINUUM = 0;        // NET, ISUB4 1: ContinuumNode
+    Word LCOMMON = 0;           // NET x CommonNodeCount, ISUB4 1 with IND4N 1 or 2: CommonNodes
+    Word LPARTITION = 0;        // NET, IPARTIT positive: PartitionValue
+    bool substructured = false; // ISUB4 is 1: the inner nodes exist in the elements alone
+
+    std::vector<double> centres; // 3 x NET under ISUB4 1: where results show the fibres
 };
 
 struct ElementGroup {

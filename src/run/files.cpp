@@ -181,10 +181,12 @@ void RequireFreeNames(const Run& run) {
             taken += (count++ > 0 ? ", " : "") + name;
     if (run.options.vtu) {
         const std::vector<std::string> old = OldViewerFiles(units);
-        for (std::size_t i = 0; i < std::min<std::size_t>(old.size(), 1); ++i)
-            taken += (count++ > 0 ? ", " : "") + old[i];
-        if (old.size() > 1)
-            taken += " and " + std::to_string(old.size() - 1) + " more", ++count;
+        if (!old.empty())
+            taken += (count++ > 0 ? ", " : "") + old[0];
+        if (old.size() > 1) {
+            taken += " and " + std::to_string(old.size() - 1) + " more";
+            ++count;
+        }
     }
     if (count > 0)
         StopWithLibraryError(taken + (count > 1 ? " exist" : " exists") +
