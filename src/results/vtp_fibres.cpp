@@ -46,7 +46,7 @@ void AddSetsOfFibres(const FibreModel& model, FibreShapes& shapes) {
             double ends[2][3] = {};
             for (int k = 0; k < (line ? 2 : 1); ++k) {
                 for (int axis = 0; axis < model.dimension; ++axis)
-                    ends[k][axis] = fibre.points[static_cast<std::size_t>(3 * k + axis)];
+                    ends[k][axis] = fibre.points.data()[Word{3} * k + axis];
                 AddFibrePoint(shapes, cells, ends[k], 0.5 * set.DIAM);
             }
             const double length =
@@ -63,9 +63,8 @@ void AddRadialFibres(const Run& run, const ElementGroup& group, FibreShapes& sha
     for (std::int32_t n = 1; n <= group.NET; ++n) {
         double centre[3] = {};
         for (int axis = 0; axis < 3; ++axis)
-            centre[axis] = group.radial.substructured
-                               ? group.radial.centres[static_cast<std::size_t>(3 * (n - 1) + axis)]
-                               : CoordinateColumn(run, axis + 1)(nodes(1, n));
+            centre[axis] = group.radial.substructured ? group.radial.centres.data()[Word{3} * (n - 1) + axis]
+                                                      : CoordinateColumn(run, axis + 1)(nodes(1, n));
         AddFibrePoint(shapes, shapes.single, centre, radius(n));
         EndFibre(shapes.single, kRadial, group.NGE, n, length(n));
     }

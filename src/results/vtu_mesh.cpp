@@ -84,7 +84,7 @@ std::int32_t PointOf(const CellElement& element, int column) {
 std::int32_t MiddleOfEdge(MeshBuilder& builder, const CellElement& element, int corner, int other) {
     const ElementFamily& family = element.family;
     for (int edge = 0; edge < family.edges; ++edge) {
-        const int* ends = family.edgeEnds + 2 * edge;
+        const int* ends = family.edgeEnds + Word{2} * edge;
         if ((ends[0] != corner || ends[1] != other) && (ends[0] != other || ends[1] != corner))
             continue;
         const std::int32_t point = PointOf(element, family.corners + 1 + edge);
@@ -97,7 +97,7 @@ std::int32_t MiddleOfEdge(MeshBuilder& builder, const CellElement& element, int 
 // The corners of a side go round.
 std::int32_t MiddleOfSide(MeshBuilder& builder, const CellElement& element, int side) {
     const int corners = element.family.cornersOfSide;
-    const int* corner = element.family.sideCorners + (side - 1) * corners;
+    const int* corner = element.family.sideCorners + Word{side - 1} * corners;
     AddedPoint point{2 * corners, {}};
     for (int k = 0; k < corners; ++k) {
         point.from[k] = PointOf(element, corner[k]);
@@ -113,7 +113,7 @@ std::int32_t CellPoint(MeshBuilder& builder, const CellElement& element, int nod
     const std::int32_t point = PointOf(element, node);
     if (point >= 0)
         return point;
-    const int* ends = family.edgeEnds + 2 * (node - family.corners - 1);
+    const int* ends = family.edgeEnds + Word{2} * (node - family.corners - 1);
     return MiddleOfEdge(builder, element, ends[0], ends[1]);
 }
 
