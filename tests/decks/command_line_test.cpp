@@ -178,13 +178,10 @@ TEST(CommandLine, FilesForViewersOfEarlierRuns) {
     const std::set<std::string> others = {"zurt-12.vtu", "zurt-0001.vtu.part", "zurt-x-0001.vtu",
                                           "zurt2.pvd"};
     const std::string folder = FolderWith("zurt.dat", SmallDeckText("two free"));
-    const auto seed = [&] {
-        for (const char* name : {"/zurt-0001.vtu", "/zurt-0099.vtu", "/zurt-p7.pvd", "/.zurt-0002.vtu.part"})
-            WriteFile(folder + name, "older\n");
-    };
+    for (const char* name : {"/zurt-0001.vtu", "/zurt-0099.vtu", "/zurt-p7.pvd", "/.zurt-0002.vtu.part"})
+        WriteFile(folder + name, "older\n");
     for (const std::string& name : others)
         WriteFile(folder + "/" + name, "precious\n");
-    seed();
     ExpectRefused(RunProgram(folder, {{"--vtu", "zurt.dat"}, ""}),
                   "error: zurt-p7.pvd and 2 more exist and would be overwritten");
     EXPECT_EQ(ReadFile(folder + "/zurt-0099.vtu"), "older\n");
