@@ -37,6 +37,7 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
                      (default: 1e-11)
       --threads N    threads that share the work; 0: one for each processor
                      (changes no digit; default: 1)
+      --vtu          results for ParaView, too: NAME.pvd, a NAME-0001.vtu for each step
   -h, --help         this page
       --version      the program's version
 
@@ -97,6 +98,7 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     arguments.solverGiven = app.add_option("--solver", arguments.solver);
     arguments.toleranceGiven = app.add_option("--tolerance", arguments.settings.options.tolerance);
     app.add_option("--threads", arguments.settings.options.threads);
+    app.add_flag("--vtu", arguments.settings.options.vtu);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);

@@ -1,6 +1,7 @@
 #include "job/run_end.h"
 
 #include "core/format.h"
+#include "run/file_names.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -65,6 +66,9 @@ std::string NamesOfFiles(const Run& run) {
     for (const auto& [what, unit] : files)
         if (!unit->name.empty() && HoldsSomething(unit->name))
             names += (names.empty() ? "" : ", ") + std::string(what) + " " + unit->name;
+    for (std::int32_t problem = 1; run.options.vtu && problem <= run.job.ProblemNumber; ++problem)
+        if (const std::string name = ViewerName(units, problem) + ".pvd"; HoldsSomething(name))
+            names += (names.empty() ? "" : ", ") + std::string("ParaView file ") + name;
     return names;
 }
 

@@ -4,6 +4,7 @@
 #include "run/run.h"
 
 #include <string>
+#include <vector>
 
 namespace zurt {
 
@@ -11,6 +12,16 @@ namespace zurt {
 std::string MassFileName(const Units& units, std::int32_t direction);
 std::string MessagesName(const Units& units);
 std::string StepArchiveName(const Units& units);
+
+/// Files for viewers begin with this: the listing's name without its ending, and in later problems of a deck "-p2" and so on.
+std::string ViewerName(const Units& units, std::int32_t problem);
+
+/// The files for viewers that runs of this deck have left in the folder: NAME.pvd, NAME-0001.vtu, NAME-fibres.vtp, of any
+/// problem; each .pvd stands ahead of what it lists.
+std::vector<std::string> OldViewerFiles(const Units& units);
+
+/// Deletes them, and what a run that was killed left of one.
+void RemoveOldViewerFiles(const Units& units);
 
 /// True for two names of one plain file: by device and inode where both exist (links count), else by their paths.
 bool AreOneFile(const std::string& name, const std::string& other);

@@ -180,6 +180,15 @@ void RequireFreeNames(const Run& run) {
                                     MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3)})
         if (FileExists(name))
             taken += (count++ > 0 ? ", " : "") + name;
+    if (run.options.vtu) {
+        const std::vector<std::string> old = OldViewerFiles(units);
+        if (!old.empty())
+            taken += (count++ > 0 ? ", " : "") + old[0];
+        if (old.size() > 1) {
+            taken += " and " + std::to_string(old.size() - 1) + " more";
+            ++count;
+        }
+    }
     if (count > 0)
         StopWithLibraryError(taken + (count > 1 ? " exist" : " exists") +
                              " and would be overwritten: --force allows it, --output DIR writes elsewhere");
@@ -219,6 +228,8 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     RequireDistinctFixedFiles(run);
     RequireUnused(run, units.DefaultListingName);
     RequireUnused(run, units.DefaultGraphicsName);
+    if (run.options.vtu)
+        RequireUnused(run, ViewerName(units, 1) + ".pvd");
     if (!settings.force)
         RequireFreeNames(run);
     for (TextUnit* unit : OutputUnits(units))

@@ -32,6 +32,7 @@ struct RunOptions {
     double tolerance = kUsualTolerance;
     // Threads at work in the loops that have them (core/workers.h); 0: one a processor. No digit depends on it.
     std::int32_t threads = 1;
+    bool vtu = false; // written steps go to files for ParaView, too (results/vtu_results.h)
 };
 
 struct JobSettings {

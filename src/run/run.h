@@ -42,6 +42,7 @@ struct Run {
     NodalAveraging averaging;
     MassTables mass;        // empty but in a fit and in the direct calculation
     std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
+    std::any vtuStorage;    // what the files for ParaView keep from step to step (results/vtu_results.cpp)
 };
 
 /// The text of the run's language.

@@ -8,11 +8,14 @@
 #include "results/listing.h"
 #include "results/torsion.h"
 #include "results/unv_results.h"
+#include "results/vtu_results.h"
 #include "run/banner.h"
 #include "run/files.h"
 #include "timeint/equilibrium.h"
 #include "timeint/finite_results.h"
 #include "timeint/step_file.h"
+
+#include <cstdlib>
 
 namespace zurt {
 
@@ -71,6 +74,13 @@ void WriteGraphicsStep(Run& run) {
         run.pass.GraphicsEnabled == 1)
         WriteUnvResults(run);
     run.outputs.GraphicsCounter = 0;
+}
+
+// The steps of the graphics file, also where there is none (IGRAF below 0); of a steady problem, whose steps are all of one
+// time, the last one.
+bool IsViewerStep(const Run& run) {
+    const Word interval = std::abs(Word{run.control.header.IGRAF});
+    return run.clock.KOR == run.pass.NDT || (run.control.header.NSTAC != 0 && run.clock.KOR % interval == 0);
 }
 
 bool WriteListingStep(Run& run) {
@@ -146,6 +156,8 @@ void SolveStep(Run& run) {
 bool WriteStep(Run& run) {
     if (!run.pass.writesResults)
         return false;
+    if (run.options.vtu && IsViewerStep(run))
+        WriteVtuStep(run);
     WriteGraphicsStep(run);
     return WriteListingStep(run);
 }

@@ -28,6 +28,7 @@ constexpr int kSecondsAllowed = 20;
 struct Subject {
     std::string name, deck;
     bool dialogue;
+    bool viewer; // with files for viewers
     std::string folder = MakeTemporaryFolder();
     RunResult good = {};
     std::map<std::string, long> calls = {}; // of the good run, by kind
@@ -41,6 +42,8 @@ RunResult RunUnder(const Settings& settings, const Subject& subject, bool keepOu
     if (subject.dialogue)
         WriteFile(folder + "zurt.lst", "");
     Invocation invocation = {{"--force", "zurt.dat"}, ""};
+    if (subject.viewer)
+        invocation.arguments.push_back("--vtu");
     if (subject.dialogue)
         invocation = {{}, "\n\n\n\n"};
     setenv("LD_PRELOAD", ZURT_FAIL_PRELOAD, 1);
@@ -53,8 +56,9 @@ RunResult RunUnder(const Settings& settings, const Subject& subject, bool keepOu
     return run;
 }
 
-Subject Prepare(const std::string& name, const std::string& deck, bool dialogue = false) {
-    Subject subject{name, deck, dialogue};
+Subject Prepare(const std::string& name, const std::string& deck, bool dialogue = false,
+                bool viewer = false) {
+    Subject subject{name, deck, dialogue, viewer};
     WriteFile(subject.folder + "/zurt.dat", deck);
     subject.good = RunUnder({{"FAULTS_COUNTS", "counts"}}, subject);
     EXPECT_EQ(subject.good.status, 0) << name << subject.good.errors;
@@ -66,8 +70,8 @@ Subject Prepare(const std::string& name, const std::string& deck, bool dialogue 
 }
 
 std::vector<Subject> Subjects() {
-    return {Prepare("free", SmallDeckText("free"), true), Prepare("sparse", SmallDeckText("sparse")),
-            Prepare("fit", SmallDeckText("fit"))};
+    return {Prepare("free", SmallDeckText("free"), true),
+            Prepare("sparse", SmallDeckText("sparse"), false, true), Prepare("fit", SmallDeckText("fit"))};
 }
 
 std::vector<std::string> OutputsOf(const RunResult& run) {
@@ -97,11 +101,29 @@ std::vector<std::size_t> StepsOfGraphics(const std::string& graphics) {
     return ends;
 }
 
+// A file that is listed and not there, or a part of one.
+std::string LossOfViewer(const std::string& folder, const std::string& listed) {
+    const std::string key = "file=\"";
+    for (std::size_t at = listed.find(key); at != std::string::npos; at = listed.find(key, at + 1)) {
+        const std::size_t start = at + key.size();
+        const std::string name = listed.substr(start, listed.find('"', start) - start);
+        if (!Contains(ReadFile(folder + "/" + name), "</VTKFile>\n"))
+            return name + " is listed and not there";
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().extension() == ".part")
+            return "a part of a file is left";
+    return "";
+}
+
 // What is wrong with a run that was disturbed: the last `unfinished` of the steps that the console shows may be
 // missing from the files.
 std::string LossOf(const RunResult& run, const Subject& subject, int unfinished) {
     if (ReadFile(subject.folder + "/zurt.dat") != subject.deck)
         return "the deck has changed";
+    if (const std::string loss = LossOfViewer(subject.folder, ReadFile(subject.folder + "/zurt.pvd"));
+        !loss.empty())
+        return loss;
     const std::vector<std::string> outputs = OutputsOf(run), whole = OutputsOf(subject.good);
     for (std::size_t i = 0; i < outputs.size(); ++i)
         if (!IsBeginning(outputs[i], whole[i]))
