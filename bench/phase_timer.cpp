@@ -169,7 +169,7 @@ ZURT_WRAP(SkylineSolve, "_ZN4zurt12SkylineSolveENS_9ArrayViewIdEES1_NS0_IKiEEiii
            TextUnit& unit, Workers& workers)) {
     const double start = Unbooked();
     RealSkylineSolve(A, V, MAXA, NN, NWK, mode, unit, workers);
-    Book(mode == kFactorMode ? kFactor : kSubstitution, start);
+    Book(mode == kSubstituteMode ? kSubstitution : kFactor, start);
     theClock.job.solves += mode == kSubstituteMode;
 }
 

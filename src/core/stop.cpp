@@ -8,8 +8,14 @@
 
 namespace zurt {
 
-void StopRun(const TextUnit& unit) {
-    throw RunStop{StopKind::Message, unit.words, unit.name, unit.message};
+void StopRun(const TextUnit& unit, Word equation) {
+    throw RunStop{StopKind::Message, unit.words, unit.name, unit.message, false, 0, equation};
+}
+
+void StopAtCard(const std::string& text) {
+    RunStop stop{StopKind::LibraryError, text, ""};
+    stop.ofCard = true;
+    throw stop;
 }
 
 void StopWithLibraryError(const std::string& text) {

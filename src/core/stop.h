@@ -8,6 +8,7 @@
 // opened) has no record on any unit; its text goes to standard error.
 #pragma once
 
+#include "core/array_view.h"
 #include "core/text_unit.h"
 
 #include <cstdint>
@@ -21,6 +22,8 @@ enum class StopKind {
     Interrupt,    // a signal asked for the end
 };
 
+constexpr Word kNoSystem = -1;
+
 /// What is thrown: the first words of the message and the unit that holds it, or the text of a library error.
 struct RunStop {
     StopKind kind = StopKind::Message;
@@ -30,10 +33,16 @@ struct RunStop {
     // Where processes share the run (core/ranks.h): all know already that it ends, for what this one has to say.
     bool isKnown = false;
     std::int32_t rank = 0;
+    Word equation = kNoSystem;
+    bool ofCard = false; // a card of the deck is at fault
 };
 
 /// Ends the run behind a message that was begun on this unit (BeginMessage).
-[[noreturn]] void StopRun(const TextUnit& unit);
+///   equation  of the linear system at which its solution failed, 0 when the solver can't tell; kNoSystem for other messages
+[[noreturn]] void StopRun(const TextUnit& unit, Word equation = kNoSystem);
+
+/// The same as StopWithLibraryError for a card of the deck.
+[[noreturn]] void StopAtCard(const std::string& text);
 
 /// Ends the run for what the input and output library or the system reports.
 [[noreturn]] void StopWithLibraryError(const std::string& text);

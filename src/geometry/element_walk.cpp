@@ -4,6 +4,7 @@
 #include "core/language.h"
 #include "core/stop.h"
 #include "geometry/group_views.h"
+#include "geometry/jacobian_cause.h"
 
 #include <algorithm>
 #include <string>
@@ -41,12 +42,25 @@ template <int Family> void TakeWalkElement(ElementWalk<Family>& walk, std::int32
     GatherElement<Family>(walk.nodes, walk.NEL, n, active, walk.element);
 }
 
+namespace {
+
+template <int Family>
+void NoteOnJacobian(const ElementWalk<Family>& walk, int KFIX, const double* place, double determinant) {
+    const int point = KFIX < 1 ? NumberOfPoint(walk.points, place) : 0;
+    WriteNote("element group " + std::to_string(walk.group.NGE) + ", element " + std::to_string(walk.number) +
+              (point > 0 ? ", Gauss point " + std::to_string(point) : "") + ": likely cause: " +
+              CauseOfJacobian<Family>({walk.points, walk.element.CORE, walk.element.node}, KFIX, determinant));
+}
+
+} // namespace
+
 // Texts differ by family: the line has words of its own, and the heading of a brick's volume point is Serbian in both
 // languages.
 template <int Family>
 void StopOnJacobian(const ElementWalk<Family>& walk, int KFIX, const double* place, double determinant) {
     const std::int32_t Language = kDimension<Family> == 3 && KFIX < 1 ? kSerbian : walk.run.job.Language;
     TextUnit& unit = BeginMessage(walk.run);
+    NoteOnJacobian(walk, KFIX, place, determinant);
     const char* heading = Say(Language, " ** GRESKA **: JAKOBIJAN JEDNAK ILI MANJI OD NULE ZA ELEMENT No.",
                               " ** ERROR **: JACOBIAN EQUAL OR LESS THEN ZERO FOR ELEMENT No.");
     if constexpr (kDimension<Family> == 1)

@@ -50,8 +50,13 @@ void CheckReal(const CardPlace& place, const char* field, std::string_view found
         ReportField(place, field, found, "a finite number is expected");
 }
 
+// Up to `end`, where the field ends, a tab has shifted what stands behind it.
 void CheckFieldStatus(const CardPlace& place, const char* field, const FieldDescriptor& descriptor,
-                      std::string_view found, FieldStatus status) {
+                      std::string_view card, std::size_t end, std::string_view found, FieldStatus status) {
+    if (status == FieldStatus::NotANumber && card.substr(0, end).find('\t') != std::string_view::npos)
+        ReportField(place, field, found,
+                    "the card holds a tab, which takes one column alone: cards by columns are written with "
+                    "blanks");
     if (status == FieldStatus::NotANumber)
         ReportField(place, field, found, Expected(descriptor));
     if (status == FieldStatus::OutOfRange)
@@ -79,7 +84,8 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
                               static_cast<std::size_t>(descriptor.width), value))
         return;
     const std::string_view text = ColumnsOf(card, column, descriptor.width);
-    CheckFieldStatus(place, name, descriptor, text, ReadIntegerField(text, value));
+    CheckFieldStatus(place, name, descriptor, card, static_cast<std::size_t>(column + descriptor.width), text,
+                     ReadIntegerField(text, value));
 }
 
 void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor& descriptor,
@@ -88,7 +94,8 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
                            descriptor.decimals, value))
         return;
     const std::string_view text = ColumnsOf(card, column, descriptor.width);
-    CheckFieldStatus(place, name, descriptor, text, ReadRealField(text, descriptor.decimals, value));
+    CheckFieldStatus(place, name, descriptor, card, static_cast<std::size_t>(column + descriptor.width), text,
+                     ReadRealField(text, descriptor.decimals, value));
     CheckReal(place, name, text, value);
 }
 
@@ -131,17 +138,24 @@ struct ListRead {
     Deck& deck;
     const char* group;
     ListScanner scanner;
+    bool oneCard; // all numbers belong on one line
 };
 
 void BeginListRead(ListRead& read) {
     BeginList(read.scanner, NextRecord(read.deck, read.group));
 }
 
+void ContinueListRead(ListRead& read) {
+    ContinueList(read.scanner, NextRecord(read.deck, read.group));
+    if (read.oneCard && read.deck.block.wrappedLine == 0)
+        read.deck.block.wrappedLine = read.deck.cardLine;
+}
+
 // Asks for records until the item is there; false when '/' has ended the statement.
 bool NextNumber(ListRead& read, const char* name, std::int32_t& value) {
     ListStatus status;
     while ((status = NextListInteger(read.scanner, value)) == ListStatus::NeedRecord)
-        ContinueList(read.scanner, NextRecord(read.deck, read.group));
+        ContinueListRead(read);
     const CardPlace place{read.deck, read.group};
     if (status == ListStatus::NotANumber)
         ReportField(place, name, read.scanner.text, "an integer is expected");
@@ -153,7 +167,7 @@ bool NextNumber(ListRead& read, const char* name, std::int32_t& value) {
 bool NextNumber(ListRead& read, const char* name, double& value) {
     ListStatus status;
     while ((status = NextListReal(read.scanner, value)) == ListStatus::NeedRecord)
-        ContinueList(read.scanner, NextRecord(read.deck, read.group));
+        ContinueListRead(read);
     const CardPlace place{read.deck, read.group};
     if (status == ListStatus::NotANumber)
         ReportField(place, name, read.scanner.text, "a number is expected");
@@ -185,7 +199,7 @@ void NoteWhatIsLeft(ListRead& read) {
 }
 
 void ReadFieldsByList(Deck& deck, const CardLayout& layout, char* record) {
-    ListRead read{deck, layout.group, {}};
+    ListRead read{deck, layout.group, {}, true};
     BeginListRead(read);
     for (int f = 0; f < layout.fieldCount; ++f) {
         const CardField& field = layout.fields[f];
@@ -216,7 +230,7 @@ void ReadNumbers(Deck& deck, std::int32_t INDFOR, const char* group, const char*
                  const FieldDescriptor& form, int perCard, ArrayView<Number> values) {
     if (INDFOR == 1) {
         ReadCardLine(deck, INDFOR, group);
-        ListRead read{deck, group, {}};
+        ListRead read{deck, group, {}, false};
         BeginListRead(read);
         for (Word i = 1; i <= values.length && NextNumber(read, field, values(i)); ++i) {
         }
@@ -255,6 +269,8 @@ void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, v
 }
 
 void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record) {
+    if (deck.allFree && INDFOR == 1)
+        return ReadCardFields(deck, INDFOR, layout, record);
     const std::string_view line = ReadCardLine(deck, INDFOR, layout.group);
     if (INDFOR != 2)
         deck.imageLine = deck.lineInHand; // a failure on this card brings a hint
@@ -269,6 +285,13 @@ void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const c
 void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
                      const NumberDescriptor<double>& descriptor, int perCard, RealArray values) {
     ReadNumbers(deck, INDFOR, group, field, descriptor.form, perCard, values);
+}
+
+Word LargestInColumns(int width) {
+    Word power = 1;
+    for (int column = 0; column < width; ++column)
+        power *= 10;
+    return power - 1;
 }
 
 void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit) {

@@ -159,8 +159,8 @@ template <std::size_t N> constexpr CardLayout Layout(const char* group, const Ca
 /// DeckError.
 void ReadCardFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record);
 
-/// A card that is always taken from its image by columns, whatever INDFOR says. Under INDFOR 1 ReadCard has stepped
-/// back, so the next reader meets the same card again; a failure carries that hint.
+/// A card that is always taken from its image by columns, whatever INDFOR says, unless all cards of the deck are free. Under
+/// INDFOR 1 ReadCard has stepped back, so the next reader meets the same card again; a failure carries that hint.
 void ReadImageFields(Deck& deck, std::int32_t INDFOR, const CardLayout& layout, void* record);
 
 /// The check of a value against a field's row, for numbers that are not read by ReadCardFields.
@@ -181,6 +181,9 @@ void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const c
                      const NumberDescriptor<std::int32_t>& descriptor, int perCard, IntArray values);
 void ReadNumberCards(Deck& deck, std::int32_t INDFOR, const char* group, const char* field,
                      const NumberDescriptor<double>& descriptor, int perCard, RealArray values);
+
+/// The largest number that an integer field of so many columns holds.
+Word LargestInColumns(int width);
 
 /// Ends the run with a deck error when an index from the deck lies outside 1..limit.
 void RequireIndex(const Deck& deck, const char* group, const char* field, std::int32_t value, Word limit);

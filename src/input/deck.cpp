@@ -26,7 +26,10 @@ constexpr Word kLargestRepeat = 100000;
 
 constexpr const char* kImageHint = "; some cards are always taken by columns, and under INDFOR 1 such a card "
                                    "is presented again to the next reader: "
-                                   "decks with such cards are fixed format decks";
+                                   "decks with such cards are fixed format decks, unless zurt --free runs them";
+
+// Lines behind the last card of a block in which a fault may come from a wrong count.
+constexpr Word kFarBehind = 20;
 
 // Longest piece of a card shown in an error report.
 constexpr std::size_t kLongestExcerpt = 60;
@@ -234,6 +237,7 @@ std::string_view ReadCardLine(Deck& deck, std::int32_t INDFOR, const char* group
         GuardAgainstRepetition(deck, group);
         line = NextRecord(deck, group);
     } while (IsComment(line));
+    deck.cardLine = deck.lineInHand;
     if (INDFOR != 2)
         --deck.nextLine;
     return line;
@@ -254,6 +258,42 @@ void TakeImage(std::string_view line, CardBuffer& buffer) {
 
 void ReadCard(Deck& deck, std::int32_t INDFOR, const char* group, CardBuffer& buffer) {
     TakeImage(ReadCardLine(deck, INDFOR, group), buffer);
+}
+
+void BeginCards(Deck& deck, const std::string& what, const char* count, Word due,
+                Word countLine) {
+    deck.block = {what, count, countLine, due};
+}
+
+void CountCards(Deck& deck, Word read) {
+    CardBlock& block = deck.block;
+    block.read = read;
+    block.lastLine = deck.lineInHand;
+    if (block.firstLine == 0)
+        block.firstLine = deck.cardLine;
+}
+
+std::string TrailOfCards(const Deck& deck, bool always) {
+    const CardBlock& block = deck.block;
+    if (block.what.empty() || block.due == 0)
+        return "";
+    const std::string count = std::string(block.count) + " = " + std::to_string(block.due) + " on line " +
+                              std::to_string(block.countLine);
+    std::string text = "line " + std::to_string(deck.cardLine);
+    if (block.read < block.due) {
+        text += " is taken for one of the " + block.what + ": " + std::to_string(block.read) + " of " +
+                std::to_string(block.due) + " have been read (" + count + ")";
+    } else {
+        if (deck.cardLine > block.lastLine + (always ? kFarBehind : 1))
+            return "";
+        text += " comes behind the " + block.what + ": all " + std::to_string(block.due) +
+                " have been read, to line " + std::to_string(block.lastLine) + " (" + count + ")";
+    }
+    const Word wrapped = block.wrappedLine > 0 ? block.wrappedLine : deck.cardLine;
+    if (block.wrappedLine > 0 || deck.lineInHand > deck.cardLine)
+        text += "; the card on line " + std::to_string(wrapped) +
+                " has too few numbers and took more from the next line";
+    return text;
 }
 
 void NoteOnCard(Deck& deck, const char* group, const char* field, const std::string& text) {
@@ -287,7 +327,7 @@ void DeckError(const Deck& deck, const char* group, const char* field, std::stri
     LinePlace card = deck.found;
     if (deck.lineInHand > 0 && FindLine(deck, deck.lineInHand, card))
         text += "\n  card: " + Excerpt(TextAt(deck, card));
-    StopWithLibraryError(text);
+    StopAtCard(text);
 }
 
 } // namespace zurt

@@ -33,6 +33,17 @@ struct DeckNote {
     Word count = 0;
 };
 
+/// Cards of one kind whose count an earlier card gives: those in work, or the last ones that were. With them, the report of
+/// a fault can say what a card was taken for.
+struct CardBlock {
+    std::string what;          // "elements of group 2"; "": none yet
+    const char* count = "";    // the field that says how many are due
+    Word countLine = 0;        // of the card with that field
+    Word due = 0, read = 0;
+    Word firstLine = 0, lastLine = 0; // of the cards read so far
+    Word wrappedLine = 0;             // of the first card since that went on to another line; 0 none
+};
+
 struct Deck {
     std::string name;
     std::vector<DeckNote> notes; // since the last WriteDeckNotes
@@ -42,6 +53,9 @@ struct Deck {
     LinePlace found;     // the line found last
     Word nextLine = 0;   // zero-based index of the record that is read next
     Word lineInHand = 0; // one-based number of the record read last
+    Word cardLine = 0;   // of the line on which the card in hand begins
+    CardBlock block;
+    bool allFree = false; // under INDFOR 1 no card is taken by columns
     std::int32_t CardCounter = 0;
     Word imageLine = 0;     // card taken by columns last while the deck has stepped back ahead of it
     Word returnedLine = -1; // record returned last by ReadCard, and how often in a row
@@ -84,6 +98,17 @@ void TakeImage(std::string_view line, CardBuffer& buffer);
 
 /// The next record as it stands, for list-directed reads: no comment check, not counted.
 std::string_view NextRecord(Deck& deck, const char* group);
+
+/// `due` cards of a kind follow, as field `count` of the card on `countLine` says; `what` is their name in reports.
+void BeginCards(Deck& deck, const std::string& what, const char* count, Word due,
+                Word countLine);
+
+/// So many of them have been read, with the card in hand the last.
+void CountCards(Deck& deck, Word read);
+
+/// What the report of a fault at the card in hand says of the cards around it; empty when there is nothing to say.
+///   always  also for a card further behind the last block
+std::string TrailOfCards(const Deck& deck, bool always);
 
 /// Keeps a note on the card in hand, of the group and field named (field "": of the card). Equal texts are counted.
 void NoteOnCard(Deck& deck, const char* group, const char* field, const std::string& text);

@@ -29,6 +29,10 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
   -q, --quiet        nothing on standard output
       --words N      size of the working vector in words of 8 bytes, for models
                      that outgrow it (default: 120000000)
+      --free         decks of INDFOR 1 have all their cards free, those of devices too
+      --check        reads the deck and lists what a run would stumble over, as
+                     DECK:LINE: text; status 1 if there is anything, no files
+      --json         the same as JSON
       --wall-cells N elements that a fibre wall cuts are integrated over N x N (x N)
                      sub-cells (changes digits; default: Gauss points alone)
       --solver NAME  skyline, sparse or cg (conjugate gradients) in the place of
@@ -99,6 +103,9 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     arguments.toleranceGiven = app.add_option("--tolerance", arguments.settings.options.tolerance);
     app.add_option("--threads", arguments.settings.options.threads);
     app.add_flag("--vtu", arguments.settings.options.vtu);
+    app.add_flag("--free", arguments.settings.options.allFree);
+    app.add_flag("--check", arguments.settings.check);
+    app.add_flag("--json", arguments.settings.json);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -116,6 +123,10 @@ std::string FaultOf(const Arguments& arguments) {
         return "can't open the deck " + arguments.decks[0] + ": " + std::strerror(errno);
     if (arguments.outputGiven->count() > 0 && arguments.output.empty())
         return "--output needs the name of a folder";
+    if (settings.json && !settings.check)
+        return "--json belongs to --check";
+    if (settings.check && (arguments.outputGiven->count() > 0 || settings.force))
+        return "--check writes no files: --output and --force have no meaning with it";
     if (settings.words < 1 || settings.words > kMostWords)
         return "--words takes a count between 1 and " + std::to_string(kMostWords);
     if (arguments.wallCellsGiven->count() > 0 &&

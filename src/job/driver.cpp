@@ -47,6 +47,7 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
         OpenInputDeck(run);
     else
         OpenNamedDeck(run, settings);
+    run.deck.allFree = run.options.allFree;
 }
 
 // True when the deck holds another problem.

@@ -203,6 +203,7 @@ void ReadDeviceCards(Run& run) {
 void ReadBasicData(Run& run) {
     HeaderFields& header = run.control.header;
     ReadCardFields(run.deck, header.INDFOR, kBasicDataCard, &header);
+    run.job.BasicDataLine = run.deck.cardLine;
     if (header.NP <= 0) {
         TextUnit& unit = BeginMessage(run);
         Write(unit, "(A)", Say(run, " GRESKA U ULAZNIM PODACIMA :", " ERROR IN INPUT DATA :"));
@@ -242,6 +243,7 @@ void ReadExecutionCard(Run& run) {
 
 void ReadGroupCard(Run& run, ElementGroup& group) {
     ReadCardFields(run.deck, run.control.header.INDFOR, kGroupCard, &group);
+    group.cardLine = run.deck.cardLine;
     if (group.IZIP > 0)
         run.job.SourcePresent = 1;
     if (group.IZIP == 2)

@@ -232,6 +232,7 @@ void ReadProblem(Run& run) {
     ++run.job.ProblemNumber;
     CarryOutletOver(run);
     run.job.Solving = 0;
+    run.deck.block = {};
     RestartWorkingVector(run.A);
     ForgetFit(run);
     ReserveRoom(run, 0, 0);

@@ -1,5 +1,6 @@
 #include "job/run_end.h"
 
+#include "check/node_use.h"
 #include "core/format.h"
 #include "run/file_names.h"
 
@@ -89,6 +90,16 @@ void PutRecordsOfStop(Run& run, const RunStop& stop) {
     PutBytes(unit, stop.records);
 }
 
+// What leads from the message to its cause, ahead of it, since the last line says why the run has ended.
+void NoteOnStop(const Run& run, const RunStop& stop) {
+    if (stop.equation != kNoSystem)
+        NoteOnEquation(run, stop.equation);
+    const bool reads = run.job.Solving == 0 && (stop.ofCard || stop.kind == StopKind::Message);
+    const std::string trail = reads ? TrailOfCards(run.deck, stop.ofCard) : "";
+    if (!trail.empty())
+        WriteNote("deck " + run.deck.name + ": " + trail);
+}
+
 bool FlushEverything() {
     return std::fflush(nullptr) == 0;
 }
@@ -99,6 +110,7 @@ int ReportStop(Run& run, const RunStop& stop) {
     PutRecordsOfStop(run, stop);
     FlushEverything(); // so that the report comes last where both streams are the same
     WriteDeckNotes(run.deck);
+    NoteOnStop(run, stop);
     std::string line = "error: " + stop.text;
     int status = kFailed;
     if (stop.kind == StopKind::Message) {

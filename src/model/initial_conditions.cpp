@@ -101,7 +101,7 @@ void ReadSingleValue(Run& run, const StartArrays& arrays) {
 
 /// Under an INDFOR that takes the same card again and again, a card without a 0 would be read for ever: a deck error.
 void RequireProgress(const Run& run, const char* group) {
-    if (run.control.header.INDFOR != 2)
+    if (run.control.header.INDFOR != 2 && !(run.deck.allFree && run.control.header.INDFOR == 1))
         DeckError(run.deck, group, "", "",
                   "this card is always taken by columns and is presented again to the next reader unless "
                   "INDFOR is 2, "
@@ -190,10 +190,21 @@ void WriteAllValues(Run& run, const StartArrays& arrays) {
     EndWrite(writer);
 }
 
+void NoteOnNarrowLists(Run& run) {
+    const HeaderFields& header = run.control.header;
+    const int width = kInitialNodeListFields[0].descriptor.width;
+    if (header.INDFOR == 2 && header.NP > LargestInColumns(width))
+        NoteOnCard(run.deck, kInitialNodeListCard.group, kInitialNodeListFields[0].name,
+                   "I" + std::to_string(width) + " holds at most " + std::to_string(LargestInColumns(width)) +
+                       ", and NP is " + std::to_string(header.NP) +
+                       "; zurt --free takes such a deck with free cards (INDFOR 1)");
+}
+
 void ReadGroups(Run& run, const StartArrays& arrays) {
     TextUnit& listing = run.units.listing;
     Write(listing, "(///6X,A)",
           Say(run, "TACKE IMAJU RAZLICITE TEMPERATURE:", "POINTS ARE WITH DIFERENT TEMPERATURES:"));
+    NoteOnNarrowLists(run);
     for (std::int32_t group = 1; group <= run.control.counts.NPOC; ++group) {
         InitialValueCard card;
         ReadImageFields(run.deck, run.control.header.INDFOR, kInitialGroupCard, &card);

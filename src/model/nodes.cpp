@@ -102,6 +102,7 @@ std::int32_t ReadNodeCards(Run& run) {
     std::int64_t count = 0;
     PendingRun pending;
     NodeCard card;
+    BeginCards(run.deck, "nodes", "NP", NP, run.job.BasicDataLine);
     for (;;) {
         ReadNodeCard(run, nodes, card);
         if (firstCard == 0)
@@ -109,7 +110,7 @@ std::int32_t ReadNodeCards(Run& run) {
         if (echo)
             EchoNodeCard(run, nodes, card);
         if (!pending.open) {
-            ++count;
+            CountCards(run.deck, ++count);
             if (card.K < 1 && count == NP)
                 return firstCard;
             pending = {card.K >= 1, card.N, card.K};
@@ -118,6 +119,7 @@ std::int32_t ReadNodeCards(Run& run) {
         if (card.N < pending.P)
             pending.S = -pending.S;
         const std::int64_t M = GenerateNodes(nodes, pending.P, card.N, pending.S);
+        CountCards(run.deck, count + M);
         if (count + M == NP)
             return firstCard;
         pending = {card.K != 0, card.N, card.K};

@@ -56,6 +56,7 @@ struct RadialGroup {
 
 struct ElementGroup {
     std::int32_t NGE = 0; // number of the group, from 1
+    Word cardLine = 0;    // of the deck, with the group card
 
     // Group card; NETIP to ISUB4 are the row of NETV.
     std::int32_t NETIP = 0; // 1, 2, 3: dimension of the isoparametric family; else the radial family

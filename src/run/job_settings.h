@@ -30,6 +30,8 @@ struct RunOptions {
     std::int32_t wallCells = 0;
     SolverChoice solver = SolverChoice::OfDeck;
     double tolerance = kUsualTolerance;
+    // Under INDFOR 1 no card is taken by columns (input/card.h).
+    bool allFree = false;
     // Threads at work in the loops that have them (core/workers.h); 0: one a processor. No digit depends on it.
     std::int32_t threads = 1;
     bool vtu = false; // written steps go to files for ParaView, too (results/vtu_results.h)
@@ -41,6 +43,8 @@ struct JobSettings {
     std::string folder;   // of all files that the run writes, with a slash at its end; empty: the current one
     bool force = false;   // files of earlier runs are overwritten
     bool quiet = false;   // nothing on standard output
+    bool check = false;   // the deck is read and tested, and nothing is solved or written (check/check_deck.h)
+    bool json = false;    // what that finds, as JSON
     Word words = kWorkingVectorSize;
     RunOptions options;
 };

@@ -14,6 +14,7 @@ struct JobState {
     std::int32_t Language = kEnglish; // set at start-up, nothing changes it
     std::int32_t CardListingDone = 0; // once a run
     std::int32_t ProblemNumber = 0;   // of the problem in work, from 1
+    Word BasicDataLine = 0;           // of the deck, with the basic data of the problem in work
     std::int32_t Solving = 0;         // 1 once the problem has been read
     std::int32_t NonlinearFlag = 0;   // 1: the problem iterates within a step
     std::int32_t ConductivityNonlinear = 0, CapacityNonlinear = 0;

@@ -8,12 +8,12 @@ namespace zurt {
 
 namespace {
 
-[[noreturn]] void StopAtPivot(TextUnit& listing, Word equation, double pivot) {
+[[noreturn]] void StopAtPivot(TextUnit& listing, Word equation, double pivot, bool ofNodes) {
     Write(BeginMessage(listing),
           "(/' MATRICA SISTEMA NIJE POZITIVNO DEFINITNA'//' PIVOT NIJE POZITIVAN ZA JEDNACINU BR.',I4//' "
           "PIVOT=',E20.12)",
           equation, pivot);
-    StopRun(listing);
+    StopRun(listing, ofNodes ? equation : kNoSystem);
 }
 
 // V(n) -= sum of l(r,n) V(r), from the diagonal outward. Each sum begins with the value found last, so the
@@ -60,7 +60,7 @@ void SkylineSolve(RealArray SkylineMatrix, RealArray V, ConstIntArray MAXA, std:
     }
     const Word failed = FactorSkyline(SkylineMatrix, MAXA, NN, WidestInstructionSet(), workers);
     if (failed != 0)
-        StopAtPivot(listing, failed, SkylineMatrix(MAXA(failed)));
+        StopAtPivot(listing, failed, SkylineMatrix(MAXA(failed)), mode == kFactorNodesMode);
 }
 
 } // namespace zurt

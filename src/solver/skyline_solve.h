@@ -1,7 +1,7 @@
 // Solution of K x = v with the skyline store of solver/skyline_layout.h.
 //
 // Callers: the equilibrium iteration for the global system, the radial fibre element for its private one.
-// Both call with mode 1 after assembly and then with mode 2 for each right-hand side.
+// Both call with mode 0 or 1 after assembly and then with mode 2 for each right-hand side.
 #pragma once
 
 #include "core/array_view.h"
@@ -10,6 +10,7 @@
 
 namespace zurt {
 
+constexpr std::int32_t kFactorNodesMode = 0; // equations of nodes, so the one that fails goes with the stop
 constexpr std::int32_t kFactorMode = 1;
 constexpr std::int32_t kSubstituteMode = 2;
 

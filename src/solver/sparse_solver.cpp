@@ -88,7 +88,7 @@ void ReleaseSolver(DMUMPS_STRUC_C& instance) {
         Write(listing, line, report.onListing, report.value);
     SolverStop(instance, console, SolverReportFlag);
     Write(BeginMessage(console), "(' ERROR IN SOLVER EXECUTION - STOPPING CALCULATION')");
-    StopRun(console);
+    StopRun(console, 0);
 }
 
 // What no message of the program's own stands for: memory that is missing outside of the factorisation, mostly.
@@ -202,7 +202,7 @@ void SolveSparseSystem(SparseTree& tree, RealArray R, std::int32_t JEDN, std::in
         Write(BeginMessage(console), "(' Error in solver calling!')");
         SetSolverControls(instance); // else it speaks at its end
         ReleaseSolver(instance);
-        StopRun(console);
+        StopRun(console, 0);
     }
     SolverFactor(instance, console, listing, SolverReportFlag);
     SolverBackSolve(instance, R);

@@ -90,7 +90,7 @@ void NoteShift(RowStorage& storage, const GradientsReport& report) {
         if (report.equation != 0)
             Write(unit, "(A,I10)", Say(run, " JEDNACINA BROJ", " EQUATION NO."), report.equation);
     }
-    StopRun(unit);
+    StopRun(unit, report.end == GradientsEnd::NotConverged ? kNoSystem : report.equation);
 }
 
 } // namespace

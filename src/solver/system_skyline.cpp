@@ -80,7 +80,7 @@ void SolveStore(Run& run) {
     const RealArray R = RightHandSide(run);
     const IntArray MAXA = DiagonalPositions(run);
     if (run.clock.FactorFlag != 0)
-        SkylineSolve(store, R, MAXA, run.sizes.JEDN, NWK, kFactorMode, MessageUnit(run), run.workers);
+        SkylineSolve(store, R, MAXA, run.sizes.JEDN, NWK, kFactorNodesMode, MessageUnit(run), run.workers);
     SkylineSolve(store, R, MAXA, run.sizes.JEDN, NWK, kSubstituteMode, MessageUnit(run), run.workers);
 }
 

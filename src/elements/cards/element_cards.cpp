@@ -5,7 +5,9 @@
 #include "geometry/group_views.h"
 #include "solver/linear_system.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <string>
 
 namespace zurt {
@@ -249,6 +251,24 @@ void ReadElementRun(ElementReader& reader) {
     }
 }
 
+// Nodes whose numbers a field by columns can't hold: the card shifts, and what follows makes little sense.
+void NoteOnNarrowFields(const ElementReader& reader) {
+    Run& run = reader.run;
+    const HeaderFields& header = run.control.header;
+    const CardLayout& last =
+        reader.group.NDMAX > reader.columnsOnCard ? reader.family.midSideCard : reader.layout;
+    int width = last.fields[0].descriptor.width;
+    for (int f = 0; f < last.fieldCount; ++f)
+        if (std::strncmp(last.fields[f].name, "NODE", 4) == 0)
+            width = std::min(width, last.fields[f].descriptor.width);
+    const Word most = LargestInColumns(width);
+    if (header.INDFOR == 2 && header.NP > most)
+        NoteOnCard(run.deck, last.group, "",
+                   "a node field of I" + std::to_string(width) + " holds at most " + std::to_string(most) +
+                       ", and NP is " + std::to_string(header.NP) +
+                       "; zurt --free takes such a deck with free cards (INDFOR 1)");
+}
+
 } // namespace
 
 void StopOnElementNumber(Run& run, const char* family, Word number, std::int32_t NET) {
@@ -302,8 +322,12 @@ void ReadElementCards(Run& run, const ElementGroup& group, const FamilyCards& fa
         reader.row = Format(("(I8,1X," + nodes + "I8,2X," + family.tableFields + ")").c_str());
         EchoElementTableHead(reader);
     }
-    while (reader.count < NET)
+    NoteOnNarrowFields(reader);
+    BeginCards(run.deck, "elements of group " + std::to_string(group.NGE), "NET", NET, group.cardLine);
+    while (reader.count < NET) {
         ReadElementRun(reader);
+        CountCards(run.deck, reader.count);
+    }
 }
 
 } // namespace zurt

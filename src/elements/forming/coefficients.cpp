@@ -2,7 +2,6 @@
 
 #include "core/stop.h"
 #include "microscale/direction_curves.h"
-#include "model/curve_messages.h"
 #include "model/material_tables.h"
 #include "model/outlet.h"
 
@@ -213,16 +212,16 @@ bool EvaluateDiffusion(const CoefficientTables& tables, const MaterialInHand& ma
     return true;
 }
 
-void StopOnCoefficients(Run& run, const CoefficientFailure& failure) {
+void StopOnCoefficients(Run& run, const CoefficientFailure& failure, const ElementPlace& place) {
     switch (failure.status) {
     case CoefficientStatus::CapacityRange:
-        StopOnSpecificHeatRange(run, failure.number, failure.argument);
+        StopOnSpecificHeatRange(run, failure.number, failure.argument, place);
     case CoefficientStatus::AboveMaximum:
-        StopOnAnalyticRange(run, AnalyticRange::AboveMaximum, failure.number, failure.argument);
+        StopOnAnalyticRange(run, AnalyticRange::AboveMaximum, failure.number, failure.argument, place);
     case CoefficientStatus::BelowMinimum:
-        StopOnAnalyticRange(run, AnalyticRange::BelowMinimum, failure.number, failure.argument);
+        StopOnAnalyticRange(run, AnalyticRange::BelowMinimum, failure.number, failure.argument, place);
     default:
-        StopOnDiffusionRange(run, failure.number, failure.argument);
+        StopOnDiffusionRange(run, failure.number, failure.argument, place);
     }
 }
 

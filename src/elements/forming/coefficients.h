@@ -6,7 +6,7 @@
 // concentration. Forming and results go through the same tree. Units are those of the deck.
 #pragma once
 
-#include "model/curve_lookup.h"
+#include "model/curve_messages.h"
 #include "run/run.h"
 
 namespace zurt {
@@ -75,6 +75,6 @@ bool EvaluateDiffusion(const CoefficientTables& tables, const MaterialInHand& ma
                        int count, double* K);
 
 /// Ends the run with the message of a failure.
-[[noreturn]] void StopOnCoefficients(Run& run, const CoefficientFailure& failure);
+[[noreturn]] void StopOnCoefficients(Run& run, const CoefficientFailure& failure, const ElementPlace& place);
 
 } // namespace zurt

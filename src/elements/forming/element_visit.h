@@ -64,7 +64,7 @@ template <int Family> inline void PassThroughFibres(ElementVisit<Family>& visit,
 template <int Family> inline void EvaluateCoefficientsAt(ElementVisit<Family>& visit, int p, double TG) {
     CoefficientFailure failure;
     if (!EvaluateCoefficients(visit.tables, visit.material, TG, *visit.held, visit.coefficients, failure))
-        StopOnCoefficients(visit.run, failure);
+        StopOnCoefficients(visit.run, failure, {visit.group.NGE, visit.walk.number, p});
     PassThroughFibres(visit, p, TG);
 }
 

@@ -14,6 +14,7 @@ struct VolumeSource {
     FunctionTable functions;
     ConstIntArray curves; // 1..NET, empty when no element has a load
     bool oneFunction = false;
+    std::int32_t group = 0; // its number, for messages
 };
 
 /// The sources of a group at this visit; the mean rate over the step, when there is one function, goes to group.held.QV.

@@ -290,6 +290,7 @@ void ReadRadialElements(Run& run, ElementGroup& group) {
         EchoElementHead(run);
     if (reader.graphics)
         Write(graphics, "(I6/I6)", -1, 15);
+    BeginCards(run.deck, "elements of group " + std::to_string(group.NGE), "NET", group.NET, group.cardLine);
     for (Word cards = 0; cards < group.NET; ++cards) {
         ReadCardFields(run.deck, run.control.header.INDFOR, kRadialElementCard, &reader.card);
         CheckElementNumber(reader);
@@ -297,6 +298,7 @@ void ReadRadialElements(Run& run, ElementGroup& group) {
             ReadSubstructuredElement(reader);
         else
             ReadAssembledElement(reader);
+        CountCards(run.deck, cards + 1);
     }
     if (reader.graphics)
         Write(graphics, "(I6)", -1);

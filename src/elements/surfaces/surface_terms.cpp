@@ -3,7 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "geometry/gauss_rules.h"
-#include "model/curve_lookup.h"
+#include "model/curve_messages.h"
 
 namespace zurt {
 
@@ -14,20 +14,23 @@ namespace {
 struct CurveWords {
     const char* serbianCurve;
     const char* englishCurve;
+    const char* kind; // in a note
     bool ofTime;
 };
 
 constexpr CurveWords kFluxWords = {
-    "KRIVA POVRSINSKI FLUKS - VREME,  BR. =", "CURVE SURFACE FLUX - TIME,  No. =", true};
+    "KRIVA POVRSINSKI FLUKS - VREME,  BR. =", "CURVE SURFACE FLUX - TIME,  No. =", "surface flux", true};
 constexpr CurveWords kEnvironmentWords = {
-    "KRIVA TEMPERATURA OKOLINE - VREME,  BR. =", "CURVE ENVIRONMENT TEMPERATURE - TIME,  No. =", true};
+    "KRIVA TEMPERATURA OKOLINE - VREME,  BR. =", "CURVE ENVIRONMENT TEMPERATURE - TIME,  No. =", "environment", true};
 constexpr CurveWords kConvectionWords = {"KRIVA KOEFICIJENT KONVEKCIJE - TEMPERATURA,  BR. =",
-                                         "CURVE CONVECTION COEFICIENT - TEMPERATURE,  No. =", false};
+                                         "CURVE CONVECTION COEFICIENT - TEMPERATURE,  No. =", "convection", false};
 constexpr CurveWords kEmissivityWords = {"KRIVA KOEFICIJENT RADIJACIJE - TEMPERATURA,  BR. =",
-                                         "CURVE RADIATION COEFICIENT - TEMPERATURE,  No. =", false};
+                                         "CURVE RADIATION COEFICIENT - TEMPERATURE,  No. =", "radiation", false};
 
-[[noreturn]] void StopOnCurveRange(Run& run, const CurveWords& words, std::int32_t curve, double argument) {
+[[noreturn]] void StopOnCurveRange(Run& run, const CurveWords& words, const ElementPlace& place,
+                                   const CurveView& view, std::int32_t curve, double argument) {
     TextUnit& unit = BeginMessage(run);
+    NoteOutsideCurve(run, place, words.kind, curve, view, argument);
     Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
     Write(unit, "(1X,A,I5)", Say(run, words.serbianCurve, words.englishCurve), curve);
     Write(unit, "(1X,A,1PE12.4)",
@@ -38,11 +41,13 @@ constexpr CurveWords kEmissivityWords = {"KRIVA KOEFICIJENT RADIJACIJE - TEMPERA
 }
 
 // At the exact end of the curve `value` stays as it is.
-void EvaluateCurve(Run& run, const FunctionTable& table, const CurveWords& words, std::int32_t curve,
-                   double argument, double& value) {
+template <int Family>
+void EvaluateCurve(const ElementWalk<Family>& walk, const FunctionTable& table, const CurveWords& words,
+                   std::int32_t curve, double argument, double& value) {
     std::int32_t points = 0;
     if (CurveLookup(table.pairs, table.points, curve, argument, value, points) != 0)
-        StopOnCurveRange(run, words, curve, argument);
+        StopOnCurveRange(walk.run, words, {walk.group.NGE, walk.number, 0},
+                         PairCurve(table.pairs, table.points, curve), curve, argument);
 }
 
 // --- one side -----------------------------------------------------------------------------------------------------
@@ -68,17 +73,17 @@ template <int Family> struct SideSums {
 
 // Values that hold for the whole side. A convection or emissivity curve of one point needs no concentration.
 template <int Family> void EvaluateSide(const SurfaceVisit<Family>& visit, const SideCurves& curves) {
-    Run& run = visit.walk.run;
+    const ElementWalk<Family>& walk = visit.walk;
     const SurfaceTables& tables = visit.tables;
     HeldCurveValues& held = visit.held;
     if (curves.convection > 0 && tables.convection.points(curves.convection) < 2)
-        EvaluateCurve(run, tables.convection, kConvectionWords, curves.convection, 0.0, held.HC);
+        EvaluateCurve(walk, tables.convection, kConvectionWords, curves.convection, 0.0, held.HC);
     if (curves.emissivity > 0 && tables.emissivity.points(curves.emissivity) < 2)
-        EvaluateCurve(run, tables.emissivity, kEmissivityWords, curves.emissivity, 0.0, held.EM);
+        EvaluateCurve(walk, tables.emissivity, kEmissivityWords, curves.emissivity, 0.0, held.EM);
     if (curves.flux > 0)
-        EvaluateCurve(run, tables.flux, kFluxWords, curves.flux, tables.TIME, held.QS);
+        EvaluateCurve(walk, tables.flux, kFluxWords, curves.flux, tables.TIME, held.QS);
     if (curves.environment > 0)
-        EvaluateCurve(run, tables.environment, kEnvironmentWords, curves.environment, tables.TIME, held.TE);
+        EvaluateCurve(walk, tables.environment, kEnvironmentWords, curves.environment, tables.TIME, held.TE);
 }
 
 // HC and EM at the surface value TS, from curves of more than one point.
@@ -86,10 +91,10 @@ template <int Family>
 void EvaluateAtSurface(const SurfaceVisit<Family>& visit, const SideCurves& curves, double TS) {
     const SurfaceTables& tables = visit.tables;
     if (curves.convection > 0 && tables.convection.points(curves.convection) > 1)
-        EvaluateCurve(visit.walk.run, tables.convection, kConvectionWords, curves.convection, TS,
+        EvaluateCurve(visit.walk, tables.convection, kConvectionWords, curves.convection, TS,
                       visit.held.HC);
     if (curves.emissivity > 0 && tables.emissivity.points(curves.emissivity) > 1)
-        EvaluateCurve(visit.walk.run, tables.emissivity, kEmissivityWords, curves.emissivity, TS,
+        EvaluateCurve(visit.walk, tables.emissivity, kEmissivityWords, curves.emissivity, TS,
                       visit.held.EM);
 }
 
