@@ -36,7 +36,8 @@ template <int Family> void CheckElement(ElementWalk<Family>& walk, std::int32_t 
     double determinant = 0.0;
     for (int p = 0; p < walk.points.count; ++p) {
         JacobianValues<Family> jacobian;
-        if (JacobianVolume<Family>(walk.points.point[p].shape, walk.element.CORE, walk.points.active.ND, jacobian))
+        if (JacobianVolume<Family>(walk.points.point[p].shape, walk.element.CORE, walk.points.active.ND,
+                                   jacobian))
             continue;
         if (bad++ == 0) {
             first = p + 1;
@@ -46,11 +47,13 @@ template <int Family> void CheckElement(ElementWalk<Family>& walk, std::int32_t 
     if (bad == 0)
         return;
     char text[120];
-    std::snprintf(text, sizeof text, ", Gauss point %d: the Jacobian's determinant is %.5g (at %d of %d points)",
-                  first, determinant, bad, walk.points.count);
+    std::snprintf(text, sizeof text,
+                  ", Gauss point %d: the Jacobian's determinant is %.5g (at %d of %d points)", first,
+                  determinant, bad, walk.points.count);
     std::string cause;
     if (causes++ < kMostCauses)
-        cause = "; likely cause: " + CauseOfJacobian<Family>({walk.points, walk.element.CORE, walk.element.node}, 0, determinant);
+        cause = "; likely cause: " +
+                CauseOfJacobian<Family>({walk.points, walk.element.CORE, walk.element.node}, 0, determinant);
     walk.run.check.findings.push_back(
         {LineOfElement(walk.run, walk.group, n), ElementText(walk.group, n) + text + cause});
 }
@@ -68,7 +71,8 @@ void CheckCards(Run& run, const ElementGroup& group) {
     for (std::int32_t n = 1; n <= group.NET; ++n)
         if (IsRadial(group) ? RadialCount(run, group)(n) == 0 : Connectivity(run, group)(n, 1) == 0)
             run.check.findings.push_back(
-                {group.cardLine, ElementText(group, n) + " has no card; its number is left out between the cards"});
+                {group.cardLine,
+                 ElementText(group, n) + " has no card; its number is left out between the cards"});
 }
 
 // Nodes of substructured fibres' surfaces serve no element of the system, and are elements' nodes besides.

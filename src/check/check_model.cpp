@@ -51,7 +51,8 @@ std::vector<StartRange> StartRanges(const Run& run) {
                     continue;
                 double now = 0.0, before = 0.0;
                 GatherNodeValue(views, NEL(n, k), now, before);
-                Widen(ranges[static_cast<std::size_t>(material)], header.NDS != 0 ? std::fabs(now) : now, NEL(n, k));
+                Widen(ranges[static_cast<std::size_t>(material)], header.NDS != 0 ? std::fabs(now) : now,
+                      NEL(n, k));
             }
         }
     }
@@ -63,12 +64,13 @@ void CheckCurve(Run& run, const char* what, std::int32_t number, Word line, cons
     if (curve.points < 2 || range.lowNode == 0)
         return;
     const double first = *curve.argument, last = curve.argument[curve.stride * (curve.points - 1)];
-    const bool below = range.low < first - kCurveEndTolerance, above = range.high > last + kCurveEndTolerance;
+    const bool below = range.low<first - kCurveEndTolerance, above = range.high> last + kCurveEndTolerance;
     if (!below && !above)
         return;
     char text[200];
-    std::snprintf(text, sizeof text, "%s curve %d reaches from %.7g to %.7g, and values begin at %.7g (node %d)", what,
-                  number, first, last, below ? range.low : range.high, below ? range.lowNode : range.highNode);
+    std::snprintf(text, sizeof text,
+                  "%s curve %d reaches from %.7g to %.7g, and values begin at %.7g (node %d)", what, number,
+                  first, last, below ? range.low : range.high, below ? range.lowNode : range.highNode);
     run.check.findings.push_back({line, text});
 }
 
@@ -80,7 +82,8 @@ void CheckMaterialCurves(Run& run, std::int32_t material, const StartRange& rang
                           DiffusionCurve(DiffusionTable(run), DiffusionPoints(run), material), range);
     for (Word axis = 1; axis <= 3 && run.job.ConductivityNonlinear != 0; ++axis) {
         const std::int32_t f = MaterialFunctions(run)(material, axis);
-        if (f >= 1 && f <= ConductionDimension(run) && (axis == 1 || f != MaterialFunctions(run)(material, 1)))
+        if (f >= 1 && f <= ConductionDimension(run) &&
+            (axis == 1 || f != MaterialFunctions(run)(material, 1)))
             CheckCurve(run, "conduction", f, LineOf(run.check.curveLine, f, otherwise),
                        PairCurve(ConductionPairs(run), ConductionPoints(run), f), range);
     }
@@ -134,9 +137,10 @@ void CheckParts(Run& run) {
 
 void CheckRoom(Run& run) {
     if (run.A.LMAXM > run.A.NTOTA)
-        run.check.findings.push_back({run.job.BasicDataLine, "the run needs a working vector of " +
-                                                                 std::to_string(run.A.LMAXM) + " words, and it has " +
-                                                                 std::to_string(run.A.NTOTA) + ": --words, or another --solver"});
+        run.check.findings.push_back(
+            {run.job.BasicDataLine, "the run needs a working vector of " + std::to_string(run.A.LMAXM) +
+                                        " words, and it has " + std::to_string(run.A.NTOTA) +
+                                        ": --words, or another --solver"});
 }
 
 } // namespace

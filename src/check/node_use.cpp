@@ -2,8 +2,6 @@
 
 #include "core/stop.h"
 #include "elements/surfaces/surface_cards.h"
-#include "geometry/radial_views.h"
-#include "solver/linear_system.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -12,22 +10,6 @@
 namespace zurt {
 
 namespace {
-
-// Calls visit(nodes, count) for every element: `count` node numbers, 0 for an absent one.
-template <class Visit> void ForEachElement(const Run& run, Visit&& visit) {
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        const ElementGroup& group = run.groups[NGE];
-        const bool radial = IsRadial(group);
-        const ConstIntTable table = radial ? RadialNodes(run, group) : Connectivity(run, group);
-        const Word elements = radial ? table.columns : table.rows, count = radial ? table.rows : table.columns;
-        std::int32_t nodes[kMostLayoutNodes];
-        for (Word n = 1; n <= elements; ++n) {
-            for (Word k = 1; k <= count; ++k)
-                nodes[k - 1] = radial ? table(k, n) : table(n, k);
-            visit(nodes, count);
-        }
-    }
-}
 
 std::size_t At(std::int32_t node) {
     return static_cast<std::size_t>(node);
@@ -128,8 +110,7 @@ MeshParts PartsOfMesh(const Run& run) {
     MeshParts parts;
     parts.first.resize(At(run.control.header.NP) + 1);
     std::iota(parts.first.begin(), parts.first.end(), 0);
-    ForEachElement(run,
-                   [&](const std::int32_t* nodes, Word count) { JoinNodes(parts.first, nodes, count); });
+    ForEachElement(run, [&](const std::int32_t* nodes, Word count) { JoinNodes(parts.first, nodes, count); });
     for (std::int32_t node = 1; node <= run.control.header.NP; ++node)
         parts.first[At(node)] = HeadOf(parts.first, node);
     parts.anchored.resize(parts.first.size());

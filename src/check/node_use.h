@@ -4,12 +4,31 @@
 // and count none. Called by the check of a deck and where a linear system could not be solved.
 #pragma once
 
+#include "geometry/radial_views.h"
 #include "run/run.h"
+#include "solver/linear_system.h"
 
 #include <string>
 #include <vector>
 
 namespace zurt {
+
+/// Calls visit(nodes, count) for every element that brings equations: `count` node numbers, 0 for an absent one.
+template <class Visit> void ForEachElement(const Run& run, Visit&& visit) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        const bool radial = IsRadial(group);
+        const ConstIntTable table = radial ? RadialNodes(run, group) : Connectivity(run, group);
+        const Word elements = radial ? table.columns : table.rows,
+                   count = radial ? table.rows : table.columns;
+        std::int32_t nodes[kMostLayoutNodes];
+        for (Word n = 1; n <= elements; ++n) {
+            for (Word k = 1; k <= count; ++k)
+                nodes[k - 1] = radial ? table(k, n) : table(n, k);
+            visit(nodes, count);
+        }
+    }
+}
 
 /// Elements that use each node 1..NP (0 is not used).
 std::vector<std::int32_t> ElementsOfNodes(const Run& run);

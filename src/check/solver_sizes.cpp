@@ -14,7 +14,7 @@ struct Couplings {
 };
 
 void AddCouplings(ConstIntArray ID, const std::int32_t* nodes, Word count, Couplings& couplings) {
-    std::int32_t LM[kMostElementNodes];
+    std::int32_t LM[kMostLayoutNodes];
     std::int32_t least = 0;
     for (Word k = 0; k < count; ++k) {
         LM[k] = nodes[k] > 0 ? ID(nodes[k]) : 0;
@@ -39,10 +39,12 @@ SystemSize SystemSizeOf(const Run& run) {
     Couplings couplings;
     couplings.height.resize(static_cast<std::size_t>(run.sizes.JEDN));
     const ConstIntArray ID = EquationNumbers(run);
-    ForEachElement(run, [&](const std::int32_t* nodes, Word count) { AddCouplings(ID, nodes, count, couplings); });
+    ForEachElement(run,
+                   [&](const std::int32_t* nodes, Word count) { AddCouplings(ID, nodes, count, couplings); });
     for (const std::int32_t height : couplings.height) {
         size.skylineWords += height + 1.0;
-        size.skylineOperations += static_cast<double>(height) * height; // a multiplication and an addition for each pair
+        size.skylineOperations +=
+            static_cast<double>(height) * height; // a multiplication and an addition for each pair
     }
     SymmetricRows rows;
     MakePattern(rows, couplings.elements, run.sizes.JEDN);

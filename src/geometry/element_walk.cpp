@@ -47,9 +47,10 @@ namespace {
 template <int Family>
 void NoteOnJacobian(const ElementWalk<Family>& walk, int KFIX, const double* place, double determinant) {
     const int point = KFIX < 1 ? NumberOfPoint(walk.points, place) : 0;
-    WriteNote("element group " + std::to_string(walk.group.NGE) + ", element " + std::to_string(walk.number) +
-              (point > 0 ? ", Gauss point " + std::to_string(point) : "") + ": likely cause: " +
-              CauseOfJacobian<Family>({walk.points, walk.element.CORE, walk.element.node}, KFIX, determinant));
+    WriteNote(
+        "element group " + std::to_string(walk.group.NGE) + ", element " + std::to_string(walk.number) +
+        (point > 0 ? ", Gauss point " + std::to_string(point) : "") + ": likely cause: " +
+        CauseOfJacobian<Family>({walk.points, walk.element.CORE, walk.element.node}, KFIX, determinant));
 }
 
 } // namespace

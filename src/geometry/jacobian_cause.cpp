@@ -9,7 +9,8 @@ namespace zurt {
 
 namespace {
 
-template <int Family> using CornerOrder = std::array<int, kCorners<Family>>; // which corner, from 0, stands where
+template <int Family>
+using CornerOrder = std::array<int, kCorners<Family>>; // which corner, from 0, stands where
 
 // The corner that lies next to corner c in natural direction d, or c itself, on its side +1 or -1.
 template <int Family> int CornerAlong(int c, int d, int end) {
@@ -81,8 +82,7 @@ template <int Family> int CornersKept(const CornerOrder<Family>& order) {
 
 // The order whose smallest determinant is the largest; false when none is positive everywhere. Equal shapes differ by
 // rounding.
-template <int Family>
-bool FindOrder(const NodeCoordinates<Family>& CORE, CornerOrder<Family>& best) {
+template <int Family> bool FindOrder(const NodeCoordinates<Family>& CORE, CornerOrder<Family>& best) {
     constexpr double kRounding = 1e-9;
     const CornerEdges<Family> edges;
     double found = 0.0;
@@ -113,8 +113,8 @@ bool PositiveInside(const ElementInDoubt<Family>& element, const CornerOrder<Fam
     JacobianValues<Family> jacobian;
     bool positive = true;
     for (int p = 0; p < element.points.count; ++p)
-        positive = positive && ShapeAndJacobian<Family>(element.points.point[p].place, 0, 0, corners, CORE, shape,
-                                                        jacobian);
+        positive = positive && ShapeAndJacobian<Family>(element.points.point[p].place, 0, 0, corners, CORE,
+                                                        shape, jacobian);
     return positive;
 }
 

@@ -24,9 +24,10 @@ namespace {
 // end. A reader that does end asks for one card far less often.
 constexpr Word kLargestRepeat = 100000;
 
-constexpr const char* kImageHint = "; some cards are always taken by columns, and under INDFOR 1 such a card "
-                                   "is presented again to the next reader: "
-                                   "decks with such cards are fixed format decks, unless zurt --free runs them";
+constexpr const char* kImageHint =
+    "; some cards are always taken by columns, and under INDFOR 1 such a card "
+    "is presented again to the next reader: "
+    "decks with such cards are fixed format decks, unless zurt --free runs them";
 
 // Lines behind the last card of a block in which a fault may come from a wrong count.
 constexpr Word kFarBehind = 20;
@@ -260,8 +261,7 @@ void ReadCard(Deck& deck, std::int32_t INDFOR, const char* group, CardBuffer& bu
     TakeImage(ReadCardLine(deck, INDFOR, group), buffer);
 }
 
-void BeginCards(Deck& deck, const std::string& what, const char* count, Word due,
-                Word countLine) {
+void BeginCards(Deck& deck, const std::string& what, const char* count, Word due, Word countLine) {
     deck.block = {what, count, countLine, due};
 }
 

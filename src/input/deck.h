@@ -36,9 +36,9 @@ struct DeckNote {
 /// Cards of one kind whose count an earlier card gives: those in work, or the last ones that were. With them, the report of
 /// a fault can say what a card was taken for.
 struct CardBlock {
-    std::string what;          // "elements of group 2"; "": none yet
-    const char* count = "";    // the field that says how many are due
-    Word countLine = 0;        // of the card with that field
+    std::string what;       // "elements of group 2"; "": none yet
+    const char* count = ""; // the field that says how many are due
+    Word countLine = 0;     // of the card with that field
     Word due = 0, read = 0;
     Word firstLine = 0, lastLine = 0; // of the cards read so far
     Word wrappedLine = 0;             // of the first card since that went on to another line; 0 none
@@ -100,8 +100,7 @@ void TakeImage(std::string_view line, CardBuffer& buffer);
 std::string_view NextRecord(Deck& deck, const char* group);
 
 /// `due` cards of a kind follow, as field `count` of the card on `countLine` says; `what` is their name in reports.
-void BeginCards(Deck& deck, const std::string& what, const char* count, Word due,
-                Word countLine);
+void BeginCards(Deck& deck, const std::string& what, const char* count, Word due, Word countLine);
 
 /// So many of them have been read, with the card in hand the last.
 void CountCards(Deck& deck, Word read);

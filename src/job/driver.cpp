@@ -1,5 +1,6 @@
 #include "job/driver.h"
 
+#include "check/check_report.h"
 #include "core/interrupt.h"
 #include "core/ranks.h"
 #include "core/stop.h"
@@ -41,13 +42,22 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
     StartWorkers(run.workers, run.options.threads);
     run.units.listing.workers = run.units.console.workers = &run.workers;
     run.units.consoleInput = consoleInput;
-    if (!settings.quiet)
+    if (!settings.quiet && !settings.check)
         AttachTextUnit(run.units.console, consoleOutput, "the console");
-    if (settings.dialogue)
+    run.check.on = settings.check;
+    if (settings.check)
+        OpenDeckToCheck(run, settings);
+    else if (settings.dialogue)
         OpenInputDeck(run);
     else
         OpenNamedDeck(run, settings);
     run.deck.allFree = run.options.allFree;
+}
+
+bool IsStopCard(Run& run) {
+    CardBuffer card;
+    ReadCard(run.deck, run.control.header.INDFOR, "Card behind the problem", card);
+    return Image(card).substr(0, 4) == "STOP";
 }
 
 // True when the deck holds another problem.
@@ -55,9 +65,7 @@ bool EndProblem(Run& run) {
     FreeFibreModel(run.fibres);
     WriteExecutionReport(run);
     FlushUnits(run);
-    CardBuffer card;
-    ReadCard(run.deck, run.control.header.INDFOR, "Card behind the problem", card);
-    return Image(card).substr(0, 4) != "STOP";
+    return !IsStopCard(run);
 }
 
 void RunProblems(Run& run) {
@@ -72,9 +80,31 @@ void RunProblems(Run& run) {
     CloseUnits(run);
 }
 
+// True when another problem follows.
+bool CheckProblem(Run& run) {
+    ReadProblem(run);
+    FreeFibreModel(run.fibres);
+    return run.control.header.IREST != 0 && !IsStopCard(run);
+}
+
+// Status kStopped when there is something to mend.
+int CheckAndReport(Run& run, const JobSettings& settings, std::FILE* consoleOutput) {
+    try {
+        while (CheckProblem(run)) {
+        }
+    } catch (const RunStop& stop) {
+        if (!AddStop(run, stop))
+            throw;
+    }
+    WriteFindings(run, settings.json, consoleOutput);
+    return run.check.findings.empty() ? kFinished : kStopped;
+}
+
 int RunAndReport(Run& run, const JobSettings& settings, std::FILE* consoleInput, std::FILE* consoleOutput) {
     try {
         StartUp(run, settings, consoleInput, consoleOutput);
+        if (settings.check)
+            return CheckAndReport(run, settings, consoleOutput);
         RunProblems(run);
         StopWithOtherRanks();
         return kFinished;

@@ -1,5 +1,7 @@
 #include "job/read_problem.h"
 
+#include "check/check_mesh.h"
+#include "check/check_model.h"
 #include "core/format.h"
 #include "core/stop.h"
 #include "elements/element_phases.h"
@@ -241,13 +243,18 @@ void ReadProblem(Run& run) {
     ReadNodes(run);
     ReadMicroscaleData(run);
     ReadElementGroups(run);
+    if (run.check.on)
+        CheckMesh(run);
     ReadMaterialData(run);
     ReadTimeDependence(run);
     ReadBoundaryData(run);
     TakeSolverVectors(run);
     WriteSizeReport(run);
     ReportSystem(run);
-    StopIfSystemOverflows(run);
+    if (run.check.on)
+        CheckModel(run);
+    else
+        StopIfSystemOverflows(run);
     WriteDeckNotes(run.deck);
 }
 

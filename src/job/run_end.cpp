@@ -128,7 +128,7 @@ int EndOfRun(Run& run, const JobSettings& settings, int status) {
     if (settings.dialogue && status == kStopped)
         status = kFinished;
     bool stored = FlushEverything();
-    if (!settings.dialogue) {
+    if (!settings.dialogue && !settings.check) {
         WriteFileNames(run, status);
         stored = FlushEverything() && stored;
     }

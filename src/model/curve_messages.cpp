@@ -43,8 +43,7 @@ void NoteOutsideCurve(const Run& run, const ElementPlace& place, const char* kin
               Shown(last));
 }
 
-void StopOnDiffusionRange(Run& run, std::int32_t curve, double concentration,
-                          const ElementPlace& place) {
+void StopOnDiffusionRange(Run& run, std::int32_t curve, double concentration, const ElementPlace& place) {
     TextUnit& unit = BeginMessage(run);
     NoteOutsideCurve(run, place, "diffusion", curve, DiffusionOrConduction(run, curve), concentration);
     Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
@@ -64,11 +63,10 @@ void StopOnDiffusionRange(Run& run, std::int32_t curve, double concentration,
     StopRun(unit);
 }
 
-void StopOnSpecificHeatRange(Run& run, std::int32_t curve, double temperature,
-                             const ElementPlace& place) {
+void StopOnSpecificHeatRange(Run& run, std::int32_t curve, double temperature, const ElementPlace& place) {
     TextUnit& unit = BeginMessage(run);
-    NoteOutsideCurve(run, place, "capacity", curve, PairCurve(SpecificHeatPairs(run), SpecificHeatPoints(run), curve),
-                     temperature);
+    NoteOutsideCurve(run, place, "capacity", curve,
+                     PairCurve(SpecificHeatPairs(run), SpecificHeatPoints(run), curve), temperature);
     Write(unit, "(1X,A)", Say(run, "ARGUMENT VAN OPSEGA ZADATE KRIVE", "CURVE ARGUMENT IS OUT OF RANGE"));
     Write(unit, "(1X,A,I5)",
           Say(run,
@@ -86,8 +84,8 @@ void StopOnAnalyticRange(Run& run, AnalyticRange range, std::int32_t material, d
     const bool above = range == AnalyticRange::AboveMaximum;
     const Word limitsAt = above ? run.control.at.LMAT[4] : run.control.at.LMAT[5];
     const double limit = RealSection(run.A, limitsAt, run.control.header.NMATT)(material);
-    WriteNote(PlaceText(run, place) + ": " + Shown(T) + " is " + (above ? "above " : "below ") + Shown(limit) +
-              ", the limit of material " + std::to_string(material));
+    WriteNote(PlaceText(run, place) + ": " + Shown(T) + " is " + (above ? "above " : "below ") +
+              Shown(limit) + ", the limit of material " + std::to_string(material));
     Write(unit, "(1X,A)",
           above ? "PREKORACENA MAXIMALNA VREDNOST DOZVOLJENE TEMPERATURE"
                 : "PREKORACENA MINIMALNA VREDNOST DOZVOLJENE TEMPERATURE");

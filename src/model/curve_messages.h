@@ -13,7 +13,8 @@ namespace zurt {
 struct ElementPlace {
     std::int32_t group = 0;
     std::int32_t element = 0; // 0: for all of the group
-    std::int32_t point = 0;   // Gauss point, from 1 in the order of geometry/element_points.h; 0: none, as on a side
+    std::int32_t point =
+        0; // Gauss point, from 1 in the order of geometry/element_points.h; 0: none, as on a side
 };
 
 /// Writes the note of an argument that lies outside a curve, with the place, the step and the curve's two ends.

@@ -33,6 +33,8 @@ DiffusionHeaderCard ReadHeader(Run& run) {
         DeckError(run.deck, kDiffusionHeaderCard.group, "P", std::to_string(header.P),
                   "the material header card leaves room for MAXPMAT = " + std::to_string(MAXPMAT) +
                       " points a curve");
+    if (run.check.on)
+        KeepLine(run.check.curveLine, header.N, run.deck.cardLine);
     return header;
 }
 

@@ -139,6 +139,8 @@ void ReadConductionFunction(Run& run) {
     RequireIndex(run.deck, kConductionHeaderCard.group, "N", header.N, counts.NTABK);
     if (EchoInput(run))
         EchoCurveHeader(run, Say(run, "FUNKCIJA BROJ", "FUNCTION NUMBER"), header.N, header.P);
+    if (run.check.on)
+        KeepLine(run.check.curveLine, header.N, run.deck.cardLine);
     ConductionPoints(run)(header.N) = header.P;
     const RealTable pairs = ConductionPairs(run);
     const Word row = 2 * Word{header.N};
@@ -188,6 +190,8 @@ void ReadSpecificHeatCurve(Run& run) {
     RequireIndex(run.deck, kSpecificHeatHeaderCard.group, "N", header.N, run.control.header.NMATT);
     if (EchoInput(run))
         EchoCurveHeader(run, Say(run, "MATERIJAL BROJ", "MATERIAL NUMBER"), header.N, header.P);
+    if (run.check.on)
+        KeepLine(run.check.capacityLine, header.N, run.deck.cardLine);
     const double density = MaterialDensities(run)(header.N);
     const bool stored = HasSpecificHeatTable(run);
     if (stored)

@@ -57,6 +57,8 @@ void ReadNodeCard(Run& run, const NodeArrays& nodes, NodeCard& card) {
     card.X = card.Y = card.Z = card.VALUE = kKeepReal;
     ReadCardFields(run.deck, run.control.header.INDFOR, kNodeCard, &card);
     RequireIndex(run.deck, kNodeCard.group, "N", card.N, run.control.header.NP);
+    if (run.check.on)
+        KeepLine(run.check.nodeLine, card.N, run.deck.cardLine);
     if (card.IND != kKeepInteger)
         nodes.ID(card.N) = card.IND;
     StoreReal(card.X, nodes.X(card.N));
@@ -119,6 +121,8 @@ std::int32_t ReadNodeCards(Run& run) {
         if (card.N < pending.P)
             pending.S = -pending.S;
         const std::int64_t M = GenerateNodes(nodes, pending.P, card.N, pending.S);
+        for (std::int64_t k = 1; run.check.on && k < M; ++k)
+            KeepLine(run.check.nodeLine, pending.P + k * pending.S, run.deck.cardLine);
         CountCards(run.deck, count + M);
         if (count + M == NP)
             return firstCard;

@@ -25,7 +25,7 @@ struct SystemSize {
 struct CheckState {
     bool on = false;
     std::vector<Word> nodeLine, curveLine, capacityLine; // by number; 0 without a card
-    std::vector<std::vector<Word>> elementLine;          // by group and element; of generated ones their run's
+    std::vector<std::vector<Word>> elementLine; // by group and element; of generated ones their run's
     std::vector<Finding> findings;
     std::vector<SystemSize> sizes;
 };

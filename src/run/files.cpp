@@ -237,20 +237,35 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     OpenWorkFiles(run);
 }
 
+void OpenDeckToCheck(Run& run, const JobSettings& settings) {
+    run.units.dialogue = false;
+    run.units.none = true;
+    if (settings.deck == "-")
+        OpenDeckOnStandardInput(run.deck);
+    else
+        OpenDeck(run.deck, settings.deck);
+}
+
 void OpenListing(Run& run) {
+    run.units.ListingOpen = 1;
+    if (run.units.none)
+        return;
     OpenOutput(run, run.units.listing, Say(run, "   IME IZLAZNE DATOTEKE   <", "   OUTPUT FILE NAME   <"),
                run.units.DefaultListingName);
-    run.units.ListingOpen = 1;
 }
 
 void OpenGraphics(Run& run) {
+    run.units.GraphicsOpen = 1;
+    if (run.units.none)
+        return;
     OpenOutput(run, run.units.graphics,
                Say(run, "   IME GRAFICKE DATOTEKE   <", "   OUTPUT GRAPHICS FILE NAME   <"),
                run.units.DefaultGraphicsName);
-    run.units.GraphicsOpen = 1;
 }
 
 void OpenMessages(Run& run) {
+    if (run.units.none)
+        return;
     if (!IsOpen(run.units.messages))
         OpenTextUnit(run.units.messages, MessagesName(run.units));
     PutRecord(run.units.messages, "      ");

@@ -18,6 +18,9 @@ void OpenInputDeck(Run& run);
 /// and without `force` one that exists, is a library error, before anything is written.
 void OpenNamedDeck(Run& run, const JobSettings& settings);
 
+/// Opens the deck for its check: no output is opened, then or later.
+void OpenDeckToCheck(Run& run, const JobSettings& settings);
+
 /// Asks for the listing's name, with the overwrite question for a file that exists, and opens unit 3.
 void OpenListing(Run& run);
 

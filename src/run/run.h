@@ -3,6 +3,7 @@
 
 #include "core/workers.h"
 #include "input/deck.h"
+#include "run/check_state.h"
 #include "run/control.h"
 #include "run/element_group.h"
 #include "run/fibre_set.h"
@@ -41,6 +42,7 @@ struct Run {
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
     MassTables mass;        // empty but in a fit and in the direct calculation
+    CheckState check;       // of --check
     std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
     std::any vtuStorage;    // what the files for ParaView keep from step to step (results/vtu_results.cpp)
 };

@@ -34,6 +34,7 @@ struct ElementReader {
     std::int32_t number = 0;             // of the element being made
     std::int32_t nodes[kMostNodes] = {}; // and its nodes
     Word count = 0;                      // elements made
+    Word line = 0;                       // of the deck, with the card in hand
     std::int32_t previousMaterial = 1;
     std::int32_t previousSource = kNoneBefore;
     std::int32_t previousValueFlag = kNoneBefore;
@@ -159,12 +160,21 @@ ElementFields ResolveFields(ElementReader& reader) {
 
 // --- storing and echo ---------------------------------------------------------------------------------------------
 
+// For the check of a deck.
+void KeepElementLine(const ElementReader& reader) {
+    std::vector<std::vector<Word>>& lines = reader.run.check.elementLine;
+    lines.resize(kMaxGroups + 1);
+    KeepLine(lines[static_cast<std::size_t>(reader.group.NGE)], reader.number, reader.line);
+}
+
 void StoreElement(ElementReader& reader, const ElementFields& fields) {
     const Word n = reader.number;
     for (int column = 0; column < reader.group.NDMAX; ++column) {
         CheckNode(reader, column, reader.nodes[column]);
         reader.NEL(n, column + 1) = reader.nodes[column];
     }
+    if (reader.run.check.on)
+        KeepElementLine(reader);
     if (reader.group.hasMaterials)
         reader.materials(n) = fields.material;
     if (reader.group.hasSources)
@@ -239,6 +249,7 @@ void ReadElementRun(ElementReader& reader) {
     ReadCardFields(reader.run.deck, reader.run.control.header.INDFOR, reader.layout, &reader.card);
     CheckElementNumber(reader, card.NN);
     reader.number = card.NN;
+    reader.line = reader.run.deck.cardLine;
     for (int column = 0; column < reader.columnsOnCard; ++column)
         reader.nodes[column] = card.nodes[column];
     MakeElement(reader);

@@ -12,8 +12,7 @@ namespace zurt {
 namespace {
 
 [[noreturn]] void Refuse(const Run& run, const ElementGroup& group, const std::string& what) {
-    StopWithLibraryError("deck " + run.deck.name + ", element group " + std::to_string(group.NGE) + ": " +
-                         what);
+    StopAtCard("deck " + run.deck.name + ", element group " + std::to_string(group.NGE) + ": " + what);
 }
 
 // `numbers` holds one number of each element that every card sets above 0: a 0 means that no card gave the element.

@@ -20,12 +20,15 @@ struct CurveWords {
 
 constexpr CurveWords kFluxWords = {
     "KRIVA POVRSINSKI FLUKS - VREME,  BR. =", "CURVE SURFACE FLUX - TIME,  No. =", "surface flux", true};
-constexpr CurveWords kEnvironmentWords = {
-    "KRIVA TEMPERATURA OKOLINE - VREME,  BR. =", "CURVE ENVIRONMENT TEMPERATURE - TIME,  No. =", "environment", true};
+constexpr CurveWords kEnvironmentWords = {"KRIVA TEMPERATURA OKOLINE - VREME,  BR. =",
+                                          "CURVE ENVIRONMENT TEMPERATURE - TIME,  No. =", "environment",
+                                          true};
 constexpr CurveWords kConvectionWords = {"KRIVA KOEFICIJENT KONVEKCIJE - TEMPERATURA,  BR. =",
-                                         "CURVE CONVECTION COEFICIENT - TEMPERATURE,  No. =", "convection", false};
+                                         "CURVE CONVECTION COEFICIENT - TEMPERATURE,  No. =", "convection",
+                                         false};
 constexpr CurveWords kEmissivityWords = {"KRIVA KOEFICIJENT RADIJACIJE - TEMPERATURA,  BR. =",
-                                         "CURVE RADIATION COEFICIENT - TEMPERATURE,  No. =", "radiation", false};
+                                         "CURVE RADIATION COEFICIENT - TEMPERATURE,  No. =", "radiation",
+                                         false};
 
 [[noreturn]] void StopOnCurveRange(Run& run, const CurveWords& words, const ElementPlace& place,
                                    const CurveView& view, std::int32_t curve, double argument) {
@@ -91,11 +94,9 @@ template <int Family>
 void EvaluateAtSurface(const SurfaceVisit<Family>& visit, const SideCurves& curves, double TS) {
     const SurfaceTables& tables = visit.tables;
     if (curves.convection > 0 && tables.convection.points(curves.convection) > 1)
-        EvaluateCurve(visit.walk, tables.convection, kConvectionWords, curves.convection, TS,
-                      visit.held.HC);
+        EvaluateCurve(visit.walk, tables.convection, kConvectionWords, curves.convection, TS, visit.held.HC);
     if (curves.emissivity > 0 && tables.emissivity.points(curves.emissivity) > 1)
-        EvaluateCurve(visit.walk, tables.emissivity, kEmissivityWords, curves.emissivity, TS,
-                      visit.held.EM);
+        EvaluateCurve(visit.walk, tables.emissivity, kEmissivityWords, curves.emissivity, TS, visit.held.EM);
 }
 
 // The shape factor has the number of the emissivity curve, not that of the field named after it.
