@@ -9,6 +9,7 @@ ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
 # From the roof down, as in the list of tools/check_sources; folders of one row do not include each other upwards either.
 ROWS = [
     [("job", "order of the deck and of the run;", "header cards, driver, command line")],
+    [("check", "the check of a deck,", "use of nodes")],
     [("homogenization", "masses, the fit and its runs,", "direct coefficient")],
     [("timeint", "one step: iteration, convergence;", "the plain pass")],
     [("results", "listing, graphics file, torsion", "")],
