@@ -47,7 +47,7 @@ std::vector<StartRange> StartRanges(const Run& run) {
         for (Word n = 1; n <= group.NET; ++n) {
             const std::int32_t material = materials.length > 0 ? materials(n) : group.MAT;
             for (Word k = 1; k <= NEL.columns; ++k) {
-                if (NEL(n, k) == 0 || material < 1 || material > header.NMATT)
+                if (NEL(n, k) == 0 || views.ID(NEL(n, k)) < 0 || material < 1 || material > header.NMATT)
                     continue;
                 double now = 0.0, before = 0.0;
                 GatherNodeValue(views, NEL(n, k), now, before);
@@ -106,7 +106,9 @@ void CheckHeldSets(Run& run) {
     const ConstIntArray ID = EquationNumbers(run);
     const bool held = std::find(ID.data, ID.data + ID.length, 0) != ID.data + ID.length;
     const CurveCounts& counts = run.control.counts;
-    if (!held && run.control.outlet.OutletEnd != 0.0)
+    const HeaderFields& header = run.control.header;
+    const bool outlet = header.NDS != 0 && header.NDS != 2 && header.NANOCH > 0;
+    if (outlet && !held && run.control.outlet.OutletEnd != 0.0)
         run.check.findings.push_back(
             {run.job.BasicDataLine, "the outlet cards give a concentration, and no node is held to take it"});
     std::int32_t records = 0;

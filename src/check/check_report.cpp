@@ -7,7 +7,8 @@ namespace zurt {
 
 namespace {
 
-// Rates of one thread that docs/performance.md measures, rounded down: a guess is to be on the safe side.
+// Rates assumed of one thread: for the skyline half of what docs/performance.md measures, for conjugate gradients, which
+// wait for memory, what a stream of some GB/s feeds.
 constexpr double kSkylineRate = 2e10, kGradientsRate = 1e9; // operations a second
 
 // An entry of the sparse solver's tree, and of the three arrays that it is handed over in.
@@ -93,6 +94,10 @@ bool AddStop(Run& run, const RunStop& stop) {
         if (finding.text.compare(0, head.size(), head) == 0)
             finding.text.erase(0, head.size());
         finding.line = TakeLine(finding.text);
+        if (finding.line == 0) { // of a group as a whole, once all cards are read
+            run.check.findings.push_back({run.job.BasicDataLine, finding.text});
+            return true;
+        }
     } else {
         return false;
     }

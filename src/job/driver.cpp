@@ -82,6 +82,10 @@ void RunProblems(Run& run) {
 
 // True when another problem follows.
 bool CheckProblem(Run& run) {
+    run.check.nodeLine.clear();
+    run.check.curveLine.clear();
+    run.check.capacityLine.clear();
+    run.check.elementLine.clear();
     ReadProblem(run);
     FreeFibreModel(run.fibres);
     return run.control.header.IREST != 0 && !IsStopCard(run);

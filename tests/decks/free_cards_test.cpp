@@ -14,14 +14,16 @@ namespace {
 RunResult RunFree(const std::string& deck) {
     const std::string folder = MakeTemporaryFolder();
     WriteFile(folder + "/zurt.dat", deck);
-    return RunProgram(folder, {{"--free", "zurt.dat"}});
+    return RunProgram(folder, {{"--free", "zurt.dat"}, ""});
 }
 
 // A deck by columns with its items one behind the other; what a card leaves blank, it ends with a slash.
 std::string WithFreeCards(const std::string& deck) {
     std::string text;
     int number = 0;
-    for (const std::string& line : SplitDeck(deck)) {
+    for (std::string line : SplitDeck(deck)) {
+        if (Contains(line, "0-1")) // fields without a blank between them
+            line = Replaced(line, "0-1", "0 -1");
         if (++number == 1 || line == "STOP\n") {
             text += line;
             continue;

@@ -12,7 +12,7 @@ namespace {
 struct Mistake {
     std::string what, deck, good, bad;
     std::vector<std::string> options;
-    int status = 0;
+    int status;
     std::vector<std::string> lines; // on standard error, in this order
 };
 
@@ -42,7 +42,7 @@ std::vector<Mistake> ReadMistakes() {
         const std::vector<std::string> cells = Split(line, " | ");
         if (cells.size() != 7 || !Contains(line, "`"))
             continue;
-        Mistake mistake{cells[0].substr(2), cells[1], Code(cells[2]), Code(cells[3])};
+        Mistake mistake{cells[0].substr(2), cells[1], Code(cells[2]), Code(cells[3]), {}, 0, {}};
         if (cells[4] != "-")
             mistake.options = Split(cells[4], " ");
         mistake.status = std::stoi(cells[5]);
@@ -56,7 +56,7 @@ RunResult RunOn(const std::string& deck, std::vector<std::string> options) {
     const std::string folder = MakeTemporaryFolder();
     WriteFile(folder + "/zurt.dat", deck);
     options.emplace_back("zurt.dat");
-    return RunProgram(folder, {options});
+    return RunProgram(folder, {options, ""});
 }
 
 int FilesIn(const std::string& folder) {
@@ -91,7 +91,8 @@ TEST(Mistakes, AsTheManualTells) {
                                         text.substr(comma + 2, text.find('\n') - comma - 2);
             EXPECT_TRUE(Contains(check.console, finding)) << mistake.what << finding << check.console;
         }
-        EXPECT_EQ(check.status, 1) << mistake.what << check.console;
+        EXPECT_EQ(check.status, Contains(mistake.what, "(only in a run)") ? 0 : 1)
+            << mistake.what << check.console;
         EXPECT_LE(FilesIn(check.folder), 4) << "the deck and the files of the test";
     }
 }
