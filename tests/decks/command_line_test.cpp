@@ -105,6 +105,8 @@ TEST(CommandLine, OptionsAndEnds) {
         Refused({"--solver", "lu", "zurt.dat"}, "--solver takes skyline, sparse or cg, not lu"),
         Refused({"--tolerance", "1e-8", "zurt.dat"}, "--tolerance belongs to --solver cg"),
         Refused({"--solver", "cg", "--tolerance", "0", "zurt.dat"}, "--tolerance takes a number"),
+        Refused({"--json", "zurt.dat"}, "--json belongs to --check"),
+        Refused({"--check", "--force", "zurt.dat"}, "--check writes no files"),
         Refused({"zurt.dat", "--output"}, "--output"),
         Refused({"zurt.dat", "--output", ""}, "--output needs the name of a folder"),
         Refused({"zurt.dat", "--output", "zurt.dat"}, "can't make the folder zurt.dat"),

@@ -129,6 +129,8 @@ TEST(Check, AllFindingsAndSizes) {
     }
     std::string deck = SmallDeckText("free");
     deck = Replaced(deck, "\n1 14 13 9 10 6 5 1 2 0 0 1 2 0 0 \n", "\n1 10 9 13 14 2 1 5 6 0 0 1 2 0 0 \n");
+    const std::string shown = RunOn(deck, {"--check"}).console; // the manual's example
+    EXPECT_TRUE(Contains(ReadFile(ZURT_SOURCE_DIR "/docs/manual.md"), shown)) << shown;
     deck = Replaced(deck, "\n1000 1", "\n.5 1");
     deck = Replaced(deck, "\n16 1 1 1 2", "\n18 1 1 1 2");
     deck = Replaced(
