@@ -5,6 +5,7 @@
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
 #include "run/files.h"
+#include "timeint/progress.h"
 #include "timeint/step.h"
 
 namespace zurt {
@@ -44,6 +45,7 @@ void RecordedPass(Run& run, const Pass& pass) {
     const bool flowRows = header.NANOCH == 3 && run.fit.card.NFIT == 1;
     std::int32_t rows = 0;
     BeginPass(run, pass);
+    BeginPassProgress(run);
     while (run.clock.KOR < pass.NDT) {
         SolveStep(run);
         RecordFlow(run);
@@ -52,6 +54,7 @@ void RecordedPass(Run& run, const Pass& pass) {
         if (WriteStep(run) && flowRows)
             WriteFlowRow(run, ++rows);
         FlushUnits(run);
+        EndStepProgress(run);
     }
 }
 

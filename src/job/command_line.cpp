@@ -37,6 +37,10 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
                      (default: 1e-11)
       --threads N    threads that share the work; 0: one for each processor
                      (changes no digit; default: 1)
+      --progress FILE
+                     a line a step in FILE; a terminal shows one in any case
+      --checkpoint N every N steps the state of the run, in NAME.checkpoint
+      --restart FILE goes on from a checkpoint, with the same deck and options
   -h, --help         this page
       --version      the program's version
 
@@ -71,6 +75,9 @@ struct Arguments {
     std::string solver;
     const CLI::Option* solverGiven = nullptr;
     const CLI::Option* toleranceGiven = nullptr;
+    const CLI::Option* progressGiven = nullptr;
+    const CLI::Option* checkpointGiven = nullptr;
+    const CLI::Option* restartGiven = nullptr;
 };
 
 struct SolverName {
@@ -97,6 +104,9 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     arguments.solverGiven = app.add_option("--solver", arguments.solver);
     arguments.toleranceGiven = app.add_option("--tolerance", arguments.settings.options.tolerance);
     app.add_option("--threads", arguments.settings.options.threads);
+    arguments.progressGiven = app.add_option("--progress", arguments.settings.options.progress);
+    arguments.checkpointGiven = app.add_option("--checkpoint", arguments.settings.options.checkpoint);
+    arguments.restartGiven = app.add_option("--restart", arguments.settings.options.restart);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -127,6 +137,12 @@ std::string FaultOf(const Arguments& arguments) {
         return "--tolerance takes a number between 0 and 1";
     if (settings.options.threads < 0 || settings.options.threads > kMostThreads)
         return "--threads takes a count between 0 and " + std::to_string(kMostThreads);
+    if (arguments.checkpointGiven->count() > 0 && settings.options.checkpoint < 1)
+        return "--checkpoint takes a count of steps, from 1";
+    if (arguments.restartGiven->count() > 0 && settings.options.restart.empty())
+        return "--restart needs the name of a checkpoint";
+    if (arguments.progressGiven->count() > 0 && settings.options.progress.empty())
+        return "--progress needs the name of a file";
     return "";
 }
 

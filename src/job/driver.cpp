@@ -10,6 +10,8 @@
 #include "microscale/fibre_data.h"
 #include "run/banner.h"
 #include "run/files.h"
+#include "timeint/checkpoint.h"
+#include "timeint/progress.h"
 
 #include <cstdio>
 #include <new>
@@ -47,6 +49,8 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
         OpenInputDeck(run);
     else
         OpenNamedDeck(run, settings);
+    OpenCheckpoint(run);
+    BeginProgress(run, !settings.dialogue && !settings.quiet);
 }
 
 // True when the deck holds another problem.

@@ -1,6 +1,7 @@
 #include "job/run_end.h"
 
 #include "core/format.h"
+#include "core/terminal_line.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -89,9 +90,15 @@ bool FlushEverything() {
     return std::fflush(nullptr) == 0;
 }
 
+void EndTerminalLine(const Run& run) {
+    if (run.progress.onTerminal)
+        EraseTerminalLine();
+}
+
 } // namespace
 
 int ReportStop(Run& run, const RunStop& stop) {
+    EndTerminalLine(run);
     PutRecordsOfStop(run, stop);
     FlushEverything(); // so that the report comes last where both streams are the same
     WriteDeckNotes(run.deck);
@@ -109,6 +116,7 @@ int ReportStop(Run& run, const RunStop& stop) {
 }
 
 int EndOfRun(Run& run, const JobSettings& settings, int status) {
+    EndTerminalLine(run);
     if (settings.dialogue && status == kStopped)
         status = kFinished;
     bool stored = FlushEverything();

@@ -43,6 +43,10 @@ std::string StepArchiveName(const Units& units) {
     return units.Folder + "ZITEMP";
 }
 
+std::string CheckpointName(const Units& units) {
+    return units.DefaultListingName.substr(0, units.DefaultListingName.rfind('.')) + ".checkpoint";
+}
+
 bool AreOneFile(const std::string& name, const std::string& other) {
     struct stat first, second;
     const bool firstExists = stat(name.c_str(), &first) == 0,

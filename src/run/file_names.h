@@ -12,6 +12,9 @@ std::string MassFileName(const Units& units, std::int32_t direction);
 std::string MessagesName(const Units& units);
 std::string StepArchiveName(const Units& units);
 
+/// Name of the checkpoint of a job on the command line: the listing's with another ending.
+std::string CheckpointName(const Units& units);
+
 /// True for two names of one plain file: by device and inode where both exist (links count), else by their paths.
 bool AreOneFile(const std::string& name, const std::string& other);
 

@@ -180,6 +180,10 @@ void RequireFreeNames(const Run& run) {
                                     MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3)})
         if (FileExists(name))
             taken += (count++ > 0 ? ", " : "") + name;
+    for (const std::string& name :
+         {run.options.checkpoint > 0 ? CheckpointName(units) : "", run.options.progress})
+        if (!name.empty() && IsPlainFile(name))
+            taken += (count++ > 0 ? ", " : "") + name;
     if (count > 0)
         StopWithLibraryError(taken + (count > 1 ? " exist" : " exists") +
                              " and would be overwritten: --force allows it, --output DIR writes elsewhere");
@@ -189,7 +193,25 @@ std::array<TextUnit*, 6> OutputUnits(Units& units) {
     return {&units.listing, &units.graphics, &units.massX, &units.massY, &units.massZ, &units.messages};
 }
 
+// Behind what the run wrote there that this one goes on from.
+void OpenProgressFile(Run& run) {
+    TextUnit& unit = run.units.progress;
+    if (run.options.progress.empty())
+        return;
+    RequireUnused(run, run.options.progress);
+    if (run.options.restart.empty()) {
+        OpenTextUnit(unit, run.options.progress);
+    } else {
+        unit.name = run.options.progress;
+        ReopenTextUnit(unit);
+    }
+}
+
 } // namespace
+
+std::array<TextUnit*, 3> ContinuedUnits(Units& units) {
+    return {&units.listing, &units.graphics, &units.messages};
+}
 
 void OpenInputDeck(Run& run) {
     Write(run.units.console, "(A)",
@@ -219,11 +241,18 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     RequireDistinctFixedFiles(run);
     RequireUnused(run, units.DefaultListingName);
     RequireUnused(run, units.DefaultGraphicsName);
-    if (!settings.force)
+    if (run.options.checkpoint > 0)
+        RequireUnused(run, CheckpointName(units));
+    // A restart goes on with its own files; a checkpoint that is not of this deck and folder is refused ahead of them.
+    const bool goesOn = !run.options.restart.empty();
+    if (!settings.force && !goesOn)
         RequireFreeNames(run);
     for (TextUnit* unit : OutputUnits(units))
-        unit->keepsOlder = !settings.force;
+        unit->keepsOlder = !settings.force && !goesOn;
+    for (TextUnit* unit : ContinuedUnits(units))
+        unit->awaitsPlace = goesOn;
     OpenWorkFiles(run);
+    OpenProgressFile(run);
 }
 
 void OpenListing(Run& run) {
@@ -255,6 +284,7 @@ void CloseUnits(Run& run) {
     run.deck = Deck();
     for (TextUnit* unit : OutputUnits(run.units))
         CloseTextUnit(*unit);
+    CloseTextUnit(run.units.progress);
 }
 
 } // namespace zurt

@@ -8,6 +8,8 @@
 #include "run/job_settings.h"
 #include "run/run.h"
 
+#include <array>
+
 namespace zurt {
 
 /// Asks for the deck's name, derives the default names of listing and graphics file, opens the deck and the work files
@@ -29,6 +31,9 @@ void OpenMessages(Run& run);
 
 /// Flushes every text unit.
 void FlushUnits(Run& run);
+
+/// The files that grow with the steps: a checkpoint has their places. The mass file of a plain run is written anew.
+std::array<TextUnit*, 3> ContinuedUnits(Units& units);
 
 /// After a "STOP" card: closes deck, listing and graphics file.
 void CloseUnits(Run& run);

@@ -32,6 +32,10 @@ struct RunOptions {
     double tolerance = kUsualTolerance;
     // Threads at work in the loops that have them (core/workers.h); 0: one a processor. No digit depends on it.
     std::int32_t threads = 1;
+    std::int32_t checkpoint =
+        0;                // steps from one checkpoint to the next (timeint/checkpoint.h); 0: none is written
+    std::string restart;  // the checkpoint that the run goes on from, empty: none
+    std::string progress; // file for a line a step (timeint/progress.h), empty: none
 };
 
 struct JobSettings {

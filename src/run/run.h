@@ -10,6 +10,7 @@
 #include "run/job_settings.h"
 #include "run/run_state.h"
 #include "run/units.h"
+#include "run/watch_state.h"
 #include "run/working_vector.h"
 
 #include <any>
@@ -40,7 +41,9 @@ struct Run {
     FitState fit;
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
-    MassTables mass;        // empty but in a fit and in the direct calculation
+    MassTables mass; // empty but in a fit and in the direct calculation
+    CheckpointState checkpoint;
+    ProgressState progress;
     std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
 };
 

@@ -19,6 +19,7 @@ struct Units {
     TextUnit massZ;                    // 59
     bool massTables = false;           // a fit or the direct calculation has written to these three
     TextUnit messages;                 // 62, MESSAGES.LST
+    TextUnit progress;                 // of --progress
     std::FILE* consoleInput = nullptr; // 5
     std::FILE* scratch15 = nullptr;    // Dormant: opened, never used
     std::FILE* restart19 = nullptr;    // "ZITEMP": opened, never written, never read

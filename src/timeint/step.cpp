@@ -10,8 +10,10 @@
 #include "results/unv_results.h"
 #include "run/banner.h"
 #include "run/files.h"
+#include "timeint/checkpoint.h"
 #include "timeint/equilibrium.h"
 #include "timeint/finite_results.h"
+#include "timeint/progress.h"
 #include "timeint/step_file.h"
 
 namespace zurt {
@@ -151,13 +153,19 @@ bool WriteStep(Run& run) {
 }
 
 void SolutionPass(Run& run, std::int32_t steps) {
+    if (IsSolvedAlready(run))
+        return;
     Pass pass;
     pass.NDT = steps;
     BeginPass(run, pass);
+    GoOnFromCheckpoint(run);
+    BeginPassProgress(run);
     while (run.clock.KOR < steps) { // not KOR <= steps: steps may be the largest integer
         SolveStep(run);
         WriteStep(run);
         FlushUnits(run);
+        EndStepProgress(run);
+        WriteCheckpointIfDue(run);
     }
 }
 

@@ -28,6 +28,7 @@ constexpr int kSecondsAllowed = 20;
 struct Subject {
     std::string name, deck;
     bool dialogue;
+    std::vector<std::string> options = {};
     std::string folder = MakeTemporaryFolder();
     RunResult good = {};
     std::map<std::string, long> calls = {}; // of the good run, by kind
@@ -40,7 +41,8 @@ RunResult RunUnder(const Settings& settings, const Subject& subject, bool keepOu
             std::filesystem::remove(folder + name);
     if (subject.dialogue)
         WriteFile(folder + "zurt.lst", "");
-    Invocation invocation = {{"--force", "zurt.dat"}, ""};
+    Invocation invocation = {subject.options, ""};
+    invocation.arguments.insert(invocation.arguments.end(), {"--force", "zurt.dat"});
     if (subject.dialogue)
         invocation = {{}, "\n\n\n\n"};
     setenv("LD_PRELOAD", ZURT_FAIL_PRELOAD, 1);
@@ -53,8 +55,9 @@ RunResult RunUnder(const Settings& settings, const Subject& subject, bool keepOu
     return run;
 }
 
-Subject Prepare(const std::string& name, const std::string& deck, bool dialogue = false) {
-    Subject subject{name, deck, dialogue};
+Subject Prepare(const std::string& name, const std::string& deck, bool dialogue = false,
+                const std::vector<std::string>& options = {}) {
+    Subject subject{name, deck, dialogue, options};
     WriteFile(subject.folder + "/zurt.dat", deck);
     subject.good = RunUnder({{"FAULTS_COUNTS", "counts"}}, subject);
     EXPECT_EQ(subject.good.status, 0) << name << subject.good.errors;
@@ -253,6 +256,57 @@ TEST(Faults, Killed) {
         }
     }
     EXPECT_GT(killed, 50);
+}
+
+// Faults: a checkpoint that can't be written ends the run, passes without a note or takes the last good one with it.
+TEST(Faults, CheckpointsThatFail) {
+    const Subject subject = Prepare("two free", SmallDeckText("two free"), false, {"--checkpoint", "1"});
+    for (const char* kind : {"sync", "rename", "open", "write", "flush", "close", "stat"})
+        FailCalls(subject, kind, "once", 12);
+    const std::string name = subject.folder + "/zurt.checkpoint";
+    for (const char* kind : {"sync", "rename"}) {
+        std::filesystem::remove(name);
+        const RunResult run =
+            RunUnder({{"FAULTS_KIND", kind}, {"FAULTS_AT", "2"}, {"FAULTS_MODE", "on"}}, subject);
+        EXPECT_EQ(run.status, 0);
+        EXPECT_TRUE(Contains(run.errors, "can't write the checkpoint zurt.checkpoint")) << run.errors;
+        EXPECT_FALSE(std::filesystem::exists(name + ".part"));
+    }
+    Subject again = subject;
+    again.options = {"--restart", "zurt.checkpoint"};
+    const RunResult run = RunUnder({}, again, true);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(OutputsOf(run), OutputsOf(subject.good));
+}
+
+// Faults: a run that was killed, in a step or while a checkpoint is written, goes on with other digits, records lost or twice.
+TEST(Faults, KilledAndRestarted) {
+    const std::string names[] = {"free",          "fixed",  "device",   "functions",
+                                 "sources",       "lines",  "fibres",   "quadrilaterals",
+                                 "radial fibres", "sparse", "two free", "two fixed"};
+    long moment = 0, restarts = 0;
+    for (const std::string& name : names) {
+        const Subject first = Prepare(name, SmallDeckText(name), false, {"--checkpoint", "1"});
+        Subject second = first;
+        second.options = {"--checkpoint", "2", "--restart", "zurt.checkpoint"};
+        for (const char* kind : {"flush", "sync", "rename", "write"}) {
+            std::filesystem::remove(first.folder + "/zurt.checkpoint");
+            // The moment moves on from deck to deck; most have no checkpoint in the first third of their calls.
+            const long calls = first.calls.at(kind), at = 1 + calls / 3 + ++moment * 7 % (calls - calls / 3);
+            Settings kill = {
+                {"FAULTS_KIND", kind}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", "kill"}};
+            ASSERT_EQ(RunUnder(kill, first).status, 128 + SIGKILL) << name << kind << at;
+            if (!std::filesystem::exists(first.folder + "/zurt.checkpoint"))
+                continue;
+            kill["FAULTS_AT"] = std::to_string(std::max(at / 2, 1L));
+            const RunResult killed = RunUnder(kill, second, true);
+            const RunResult run = killed.status == 0 ? killed : RunUnder({}, second, true);
+            EXPECT_EQ(run.status, 0) << name << run.errors;
+            EXPECT_EQ(OutputsOf(run), OutputsOf(first.good)) << name << ", " << kind << " " << at;
+            ++restarts;
+        }
+    }
+    EXPECT_GT(restarts, 20);
 }
 
 } // namespace
