@@ -39,18 +39,18 @@ double MegabytesHeld() {
     return static_cast<double>(usage.ru_maxrss) / 1024.0;
 }
 
-// "fit in x, run 4 of the equivalent medium with HEQ 1.2000E-02"
+// "fit in x, run 4, HEQ 1.2000E-02"
 std::string FitText(const Run& run) {
     const FitState& fit = run.fit;
     std::string text = std::string("fit in ") + "?xyz"[fit.INDDEG & 3];
     if (fit.IPHASE == 0)
-        return text + ", run of the model with fibres";
+        return text + ", model with fibres";
     if (fit.IFITEND == 1)
         return text + ", closing run";
     text += ", run " + std::to_string(fit.ITERFIT);
     if (fit.ISFOFF == 0)
-        return text + Print(" of the equivalent medium with HEQ %.4E", fit.HEQ);
-    return text + Print(" of the equivalent medium with a curve from %.4E", fit.DCTRY);
+        return text + Print(", HEQ %.4E", fit.HEQ);
+    return fit.ITERFIT < 2 ? text : text + Print(", curve from %.4E", fit.DCTRY);
 }
 
 std::string PlaceText(const Run& run) {
@@ -86,12 +86,13 @@ std::string TimeText(const Run& run, bool stepEnded) {
     return text;
 }
 
-std::string LineOf(const Run& run, bool stepEnded) {
+// The terminal's line leaves the time out, which fits into 80 columns.
+std::string LineOf(const Run& run, bool stepEnded, bool withTime) {
     std::string line = PlaceText(run);
-    if (stepEnded && run.control.header.NSTAC != 0)
+    if (withTime && run.control.header.NSTAC != 0)
         line += Print(", time %.6g", run.clock.TIME);
     line += IterationText(run, stepEnded) + TimeText(run, stepEnded);
-    return line + Print(", memory %.0f MB", MegabytesHeld());
+    return line + Print(", %.0f MB", MegabytesHeld());
 }
 
 // A line that goes on in the terminal's next one could not be erased.
@@ -130,16 +131,16 @@ void BeginPassProgress(Run& run) {
 
 void ShowProgress(Run& run) {
     if (IsDue(run))
-        ShowLine(run, LineOf(run, false));
+        ShowLine(run, LineOf(run, false, false));
 }
 
 void EndStepProgress(Run& run) {
     if (IsOpen(run.units.progress)) {
-        PutRecord(run.units.progress, LineOf(run, true));
+        PutRecord(run.units.progress, LineOf(run, true, true));
         FlushTextUnit(run.units.progress);
     }
     if (IsDue(run))
-        ShowLine(run, LineOf(run, true));
+        ShowLine(run, LineOf(run, true, false));
 }
 
 } // namespace zurt

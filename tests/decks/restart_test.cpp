@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using Arguments = std::vector<std::string>;
 
-RunResult Run(const std::string& folder, Arguments arguments, const std::string& deck = "zurt.dat") {
+RunResult RunIn(const std::string& folder, Arguments arguments, const std::string& deck = "zurt.dat") {
     arguments.push_back(deck);
     return RunProgram(folder, {arguments, ""});
 }
@@ -41,9 +41,9 @@ TEST(Restart, EveryFamilyGivesTheSameFiles) {
             WriteFile(folder + "/zurt.dat", deck.text);
             Arguments options = more;
             options.push_back("--force");
-            const RunResult plain = Run(folder, options);
+            const RunResult plain = RunIn(folder, options);
             options.insert(options.end(), {"--checkpoint", restarts % 2 == 0 ? "1" : "2"});
-            const RunResult writing = Run(folder, options);
+            const RunResult writing = RunIn(folder, options);
             ASSERT_EQ(writing.status, 0) << name << writing.errors;
             EXPECT_EQ(OutputsOf(writing), OutputsOf(plain)) << name;
             if (!fs::exists(checkpoint)) {
@@ -52,7 +52,7 @@ TEST(Restart, EveryFamilyGivesTheSameFiles) {
             }
             options = more;
             options.insert(options.end(), {"--restart", "zurt.checkpoint"});
-            const RunResult again = Run(folder, options);
+            const RunResult again = RunIn(folder, options);
             EXPECT_EQ(again.status, 0) << name << again.errors;
             EXPECT_LT(CountOf(again.console, "END OF TIME STEP"), CountOf(plain.console, "END OF TIME STEP"));
             EXPECT_EQ(OutputsOf(again), OutputsOf(plain)) << name;
@@ -73,7 +73,7 @@ struct Refusal {
 TEST(Restart, Refusals) {
     const std::string deck = SmallDeckText("device"), folder = MakeTemporaryFolder();
     WriteFile(folder + "/zurt.dat", deck);
-    const RunResult good = Run(folder, {"--checkpoint", "1"});
+    const RunResult good = RunIn(folder, {"--checkpoint", "1"});
     ASSERT_EQ(good.status, 0) << good.errors;
     const std::string whole = ReadFile(folder + "/zurt.checkpoint");
     std::string damaged = whole, foreignFormat = whole, otherListing = good.listing;
@@ -106,14 +106,14 @@ TEST(Restart, Refusals) {
         Arguments options = refusal.options;
         options.insert(options.end(), {"--restart", name});
         const std::string listing = ReadFile(folder + "/zurt.lst");
-        const RunResult run = Run(folder, options);
+        const RunResult run = RunIn(folder, options);
         EXPECT_EQ(run.status, 2) << refusal.name;
         EXPECT_TRUE(Contains(run.errors, refusal.message)) << refusal.name << ": " << run.errors;
         EXPECT_EQ(ReadFile(folder + "/zurt.lst"), listing) << refusal.name;
         EXPECT_EQ(ReadFile(folder + "/zurt.unv"), good.graphics) << refusal.name;
         WriteFile(folder + "/" + refusal.file, before);
     }
-    EXPECT_EQ(OutputsOf(Run(folder, {"--restart", name})), OutputsOf(good));
+    EXPECT_EQ(OutputsOf(RunIn(folder, {"--restart", name})), OutputsOf(good));
 }
 
 // Faults: an older checkpoint overwritten without leave; a fit taken for a plain run.
@@ -121,12 +121,12 @@ TEST(Restart, LeaveToWrite) {
     const std::string folder = MakeTemporaryFolder();
     WriteFile(folder + "/zurt.dat", SmallDeckText("free"));
     WriteFile(folder + "/zurt.checkpoint", "older");
-    const RunResult kept = Run(folder, {"--checkpoint", "1"});
+    const RunResult kept = RunIn(folder, {"--checkpoint", "1"});
     EXPECT_EQ(kept.status, 2);
     EXPECT_TRUE(Contains(kept.errors, "zurt.checkpoint exists")) << kept.errors;
     EXPECT_EQ(ReadFile(folder + "/zurt.checkpoint"), "older");
     WriteFile(folder + "/fit.dat", SmallDeckText("fit"));
-    const RunResult fit = Run(folder, {"--checkpoint", "1"}, "fit.dat");
+    const RunResult fit = RunIn(folder, {"--checkpoint", "1"}, "fit.dat");
     EXPECT_EQ(fit.status, 2);
     EXPECT_TRUE(Contains(fit.errors, "--checkpoint is for plain runs")) << fit.errors;
 }
@@ -136,9 +136,9 @@ TEST(Restart, LeaveToWrite) {
 TEST(Progress, FileOfSteps) {
     const std::string folder = MakeTemporaryFolder();
     WriteFile(folder + "/zurt.dat", SmallDeckText("device"));
-    const RunResult plain = Run(folder, {});
+    const RunResult plain = RunIn(folder, {});
     const Arguments options = {"--progress", "steps.log", "--checkpoint", "2", "--force"};
-    const RunResult run = Run(folder, options);
+    const RunResult run = RunIn(folder, options);
     EXPECT_EQ(run.console, plain.console);
     EXPECT_EQ(run.errors, plain.errors);
     EXPECT_EQ(OutputsOf(run), OutputsOf(plain));
@@ -146,17 +146,17 @@ TEST(Progress, FileOfSteps) {
     EXPECT_EQ(CountOf(lines, "\n"), 3);
     EXPECT_EQ(lines.find("step 1/3, time "), 0U);
     EXPECT_EQ(CountOf(lines, ", ratio "), 3);
-    EXPECT_TRUE(Contains(lines, ", left 0:00:00, memory ")) << lines;
-    Run(folder, {"--progress", "steps.log", "--restart", "zurt.checkpoint"});
+    EXPECT_TRUE(Contains(lines, ", left 0:00:00, ")) << lines;
+    RunIn(folder, {"--progress", "steps.log", "--restart", "zurt.checkpoint"});
     const std::string more = ReadFile(folder + "/steps.log");
     EXPECT_EQ(more.substr(0, lines.size()), lines);
     EXPECT_EQ(CountOf(more, "\n"), 4);
-    EXPECT_EQ(Run(folder, {"--progress", "steps.log", "--output", "new"}).status, 2); // exists
+    EXPECT_EQ(RunIn(folder, {"--progress", "steps.log", "--output", "new"}).status, 2); // exists
     WriteFile(folder + "/fit.dat", SmallDeckText("fit"));
-    EXPECT_EQ(Run(folder, {"--progress", "fit.log", "--force"}, "fit.dat").status, 0);
+    EXPECT_EQ(RunIn(folder, {"--progress", "fit.log", "--force"}, "fit.dat").status, 0);
     const std::string ofFit = ReadFile(folder + "/fit.log");
-    EXPECT_TRUE(Contains(ofFit, "run of the model with fibres, step 1/")) << ofFit;
-    EXPECT_TRUE(Contains(ofFit, "run 2 of the equivalent medium with ")) << ofFit;
+    EXPECT_TRUE(Contains(ofFit, "fit in x, model with fibres, step 1/")) << ofFit;
+    EXPECT_TRUE(Contains(ofFit, "fit in x, run 2, curve from ")) << ofFit;
     EXPECT_TRUE(Contains(ofFit, "closing run, step ")) << ofFit;
 }
 
@@ -184,7 +184,7 @@ TEST(Progress, LineOnTheTerminal) {
     EXPECT_TRUE(Contains(shown, "/30, ")) << shown;
     ASSERT_GE(shown.size(), erase.size());
     EXPECT_EQ(shown.substr(shown.size() - erase.size()), erase) << shown;
-    EXPECT_EQ(console, Run(folder, {"--force"}).console);
+    EXPECT_EQ(console, RunIn(folder, {"--force"}).console);
     EXPECT_FALSE(Contains(onTerminal("--quiet"), "step "));
 }
 
