@@ -104,7 +104,6 @@ void ReopenTextUnit(TextUnit& unit) {
 }
 
 void OpenTextUnitBehind(TextUnit& unit, std::int64_t length) {
-    unit.awaitsPlace = false;
     OpenForWriting(unit, OpenMode::Behind, length);
 }
 

@@ -44,16 +44,16 @@ bool SumLastBytes(const std::string& name, std::int64_t length, std::uint64_t& s
 
 bool TakePlace(const TextUnit& unit, UnitPlace& place) {
     place = {};
-    if (unit.file == nullptr)
+    if (unit.name.empty())
         return true;
     struct stat about = {};
-    if (fstat(fileno(unit.file), &about) != 0)
+    if (stat(unit.name.c_str(), &about) != 0)
         return false;
-    place.length = kUnitNoPlainFile;
-    if (!S_ISREG(about.st_mode))
+    place.length = S_ISREG(about.st_mode) ? about.st_size : kUnitNoPlainFile;
+    if (place.length < 0)
         return true;
-    place.length = about.st_size;
-    return fdatasync(fileno(unit.file)) == 0 && SumLastBytes(unit.name, place.length, place.lastSum);
+    return (unit.file == nullptr || fdatasync(fileno(unit.file)) == 0) &&
+           SumLastBytes(unit.name, place.length, place.lastSum);
 }
 
 std::string FaultOfPlace(const std::string& name, const UnitPlace& place) {
@@ -74,13 +74,18 @@ std::string FaultOfPlace(const std::string& name, const UnitPlace& place) {
 }
 
 void GoOnAtPlace(TextUnit& unit, const UnitPlace& place) {
-    if (place.length != kUnitNotOpen && IsOpen(unit)) {
-        if (const std::string fault = FaultOfPlace(unit.name, place); !fault.empty())
-            StopWithLibraryError(fault);
-        CloseTextUnit(unit);
-        OpenTextUnitBehind(unit, place.length);
-    }
+    if (!unit.awaitsPlace)
+        return;
     unit.awaitsPlace = false;
+    if (place.length == kUnitNotOpened)
+        return;
+    if (const std::string fault = FaultOfPlace(unit.name, place); !fault.empty())
+        StopWithLibraryError(fault);
+    const bool writes = IsOpen(unit);
+    CloseTextUnit(unit);
+    OpenTextUnitBehind(unit, place.length);
+    if (!writes)
+        CloseTextUnit(unit);
 }
 
 } // namespace zurt

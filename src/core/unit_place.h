@@ -9,12 +9,12 @@
 
 namespace zurt {
 
-constexpr std::int64_t kUnitNotOpen = -1;
+constexpr std::int64_t kUnitNotOpened = -1;
 constexpr std::int64_t kUnitNoPlainFile = -2; // a device or a pipe, which keeps nothing
 
 struct UnitPlace {
-    std::int64_t length = kUnitNotOpen; // bytes, or one of the above
-    std::uint64_t lastSum = 0;          // checksum of the last bytes ahead of it (core/word_sum.h)
+    std::int64_t length = kUnitNotOpened; // bytes, or one of the above
+    std::uint64_t lastSum = 0;            // checksum of the last bytes ahead of it (core/word_sum.h)
 };
 
 /// The place of a unit whose records are flushed; brings them to the disk. False, with the reason in errno, when the system
@@ -24,8 +24,8 @@ bool TakePlace(const TextUnit& unit, UnitPlace& place);
 /// What is wrong with a file that is to be gone on with at this place; empty when nothing is.
 std::string FaultOfPlace(const std::string& name, const UnitPlace& place);
 
-/// Ends the wait of a unit (TextUnit::awaitsPlace): one that is open goes on in its file behind the place, and what stood
-/// there is cut off. Stops with a library error when the file can't be opened, is locked or has another text.
+/// Ends the wait of a unit (TextUnit::awaitsPlace): what its file holds behind the place is cut off, and a unit that is open goes
+/// on there. Nothing for a unit that does not wait. Stops with a library error when the file can't be opened, is locked or has another text.
 void GoOnAtPlace(TextUnit& unit, const UnitPlace& place);
 
 } // namespace zurt

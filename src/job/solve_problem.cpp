@@ -13,7 +13,6 @@
 #include "timeint/step.h"
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
 namespace zurt {
@@ -51,10 +50,6 @@ void WriteNotesOfRepeatedRuns(const Run& run) {
 }
 
 void RunRepeatedProblem(Run& run) {
-    if (run.options.checkpoint > 0)
-        StopWithLibraryError("--checkpoint is for plain runs: problem " +
-                             std::to_string(run.job.ProblemNumber) +
-                             " is a fit or a direct calculation, which can't go on from one");
     WriteNotesOfRepeatedRuns(run);
     BeginMassTables(run);
     KeepInitialConcentrations(run);

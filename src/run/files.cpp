@@ -209,8 +209,13 @@ void OpenProgressFile(Run& run) {
 
 } // namespace
 
-std::array<TextUnit*, 3> ContinuedUnits(Units& units) {
-    return {&units.listing, &units.graphics, &units.messages};
+std::array<TextUnit*, kContinuedUnits> ContinuedUnits(Units& units) {
+    return {&units.listing, &units.graphics, &units.messages, &units.massX, &units.massY, &units.massZ};
+}
+
+std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units) {
+    return {units.DefaultListingName, units.DefaultGraphicsName, MessagesName(units),
+            MassFileName(units, 1),   MassFileName(units, 2),    MassFileName(units, 3)};
 }
 
 void OpenInputDeck(Run& run) {
@@ -249,8 +254,6 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
         RequireFreeNames(run);
     for (TextUnit* unit : OutputUnits(units))
         unit->keepsOlder = !settings.force && !goesOn;
-    for (TextUnit* unit : ContinuedUnits(units))
-        unit->awaitsPlace = goesOn;
     OpenWorkFiles(run);
     OpenProgressFile(run);
 }

@@ -9,6 +9,7 @@
 #include "run/run.h"
 
 #include <array>
+#include <string>
 
 namespace zurt {
 
@@ -32,8 +33,10 @@ void OpenMessages(Run& run);
 /// Flushes every text unit.
 void FlushUnits(Run& run);
 
-/// The files that grow with the steps: a checkpoint has their places. The mass file of a plain run is written anew.
-std::array<TextUnit*, 3> ContinuedUnits(Units& units);
+/// The files that grow with the steps: a checkpoint has their places.
+std::array<TextUnit*, kContinuedUnits> ContinuedUnits(Units& units);
+/// And their names in a job on the command line.
+std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units);
 
 /// After a "STOP" card: closes deck, listing and graphics file.
 void CloseUnits(Run& run);

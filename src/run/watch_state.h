@@ -8,26 +8,39 @@
 #include <chrono>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace zurt {
+
+/// Files that a run goes on with; the mass files are the last three of them.
+constexpr int kContinuedUnits = 6;
 
 /// What stands ahead of the state in a checkpoint.
 struct CheckpointHead {
     std::string version; // of the program
     std::string options; // those that change what a run writes
     Word deckSize = 0;
-    std::uint64_t deckSum = 0;         // core/word_sum.h
-    std::int32_t problem = 0;          // of the deck, from 1
-    std::int32_t step = 0;             // the last one that has been solved and written
-    std::array<UnitPlace, 3> places;   // of the units that ContinuedUnits (run/files.h) names
-    Word LSK = 0, LRHS = 0, LMAXM = 0; // the partition of `A`
+    std::uint64_t deckSum = 0; // core/word_sum.h
+    std::int32_t pass = 0;     // over the steps, from 1, of all problems of the deck
+    std::int32_t step = 0;     // of the pass: the last one that has been solved and written
+    bool massTables = false;   // else the one mass file is that of plain runs, which is written anew
+    std::array<UnitPlace, kContinuedUnits> places; // of ContinuedUnits (run/files.h)
+    Word LSK = 0, LRHS = 0, LMAXM = 0;             // the partition of `A`
+};
+
+/// Flows of a recorded pass (MassTables in run/fit_state.h), from which a fit takes its decisions; empty of a plain pass.
+struct PassFlows {
+    std::vector<double> micro, equivalent;
 };
 
 struct CheckpointState {
-    std::uint64_t deckSum = 0; // of the deck in hand
-    std::FILE* source =
-        nullptr; // the checkpoint that the run goes on from, behind its head, until it has been taken over
-    CheckpointHead head; // its head; problem is 0 when there is none
+    std::uint64_t deckSum = 0;    // of the deck in hand
+    std::int32_t pass = 0;        // in work
+    std::int32_t steps = 0;       // since the last checkpoint
+    std::vector<PassFlows> flows; // of the passes that have ended
+    // The checkpoint that the run goes on from: pass 0 without one; its file, behind the flows, until it is taken over.
+    CheckpointHead head;
+    std::FILE* source = nullptr;
 };
 
 struct ProgressState {
@@ -37,8 +50,7 @@ struct ProgressState {
     Moment start;                   // of the run
     Moment passStart;               // of the pass in work
     Moment shown;                   // when the terminal had its last line
-    std::int32_t firstStep =
-        0; // steps of the pass that had been done at its start: not 0 behind a checkpoint
+    std::int32_t firstStep = 0;     // of the pass: those up to it had been done at its start
 };
 
 } // namespace zurt

@@ -7,6 +7,7 @@
 #include "run/files.h"
 #include "timeint/checkpoint_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -34,17 +35,40 @@ std::string OptionsText(const RunOptions& options) {
     return text.empty() ? "none" : text.substr(1);
 }
 
+std::size_t UnitsToContinue(const CheckpointHead& head) {
+    return head.massTables ? kContinuedUnits : kContinuedUnits - 3;
+}
+
 void TransferHead(CheckpointStream& stream, CheckpointHead& head) {
     TransferText(stream, head.version);
     TransferText(stream, head.options);
     TransferRecord(stream, head.deckSize);
     TransferRecord(stream, head.deckSum);
-    TransferRecord(stream, head.problem);
+    TransferRecord(stream, head.pass);
     TransferRecord(stream, head.step);
+    TransferRecord(stream, head.massTables);
     TransferRecord(stream, head.places);
     TransferRecord(stream, head.LSK);
     TransferRecord(stream, head.LRHS);
     TransferRecord(stream, head.LMAXM);
+}
+
+void TransferNumbers(CheckpointStream& stream, std::vector<double>& numbers) {
+    std::int64_t count = static_cast<std::int64_t>(numbers.size());
+    TransferRecord(stream, count);
+    if (stream.failed)
+        return;
+    numbers.resize(static_cast<std::size_t>(count));
+    TransferBytes(stream, numbers.data(), sizeof(double) * numbers.size());
+}
+
+// Of all passes ahead of the checkpoint's.
+void TransferFlows(CheckpointStream& stream, CheckpointState& state, std::int32_t pass) {
+    state.flows.resize(static_cast<std::size_t>(pass - 1));
+    for (PassFlows& flows : state.flows) {
+        TransferNumbers(stream, flows.micro);
+        TransferNumbers(stream, flows.equivalent);
+    }
 }
 
 void TransferWords(CheckpointStream& stream, RealArray words) {
@@ -56,8 +80,11 @@ void TransferState(CheckpointStream& stream, Run& run) {
     const Pointers& at = run.control.at;
     TransferRecord(stream, run.clock);
     TransferRecord(stream, run.outputs);
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        TransferRecord(stream, run.groups[NGE].held);
+    for (ElementGroup& group : run.groups)
+        TransferRecord(stream, group.held);
+    TransferNumbers(stream, run.mass.FLUXMICRO);
+    TransferNumbers(stream, run.mass.FLUXEQUIV);
+    TransferRecord(stream, run.mass.flowRows);
     TransferWords(stream, RealSection(run.A, 1, at.LSK - 1));
     TransferWords(stream, RealSection(run.A, at.LRHS, run.A.LMAXM - at.LRHS));
 }
@@ -70,14 +97,15 @@ bool TakeHead(Run& run, CheckpointHead& head) {
     head.options = OptionsText(run.options);
     head.deckSize = run.deck.size;
     head.deckSum = run.checkpoint.deckSum;
-    head.problem = run.job.ProblemNumber;
+    head.pass = run.checkpoint.pass;
     head.step = run.clock.KOR;
+    head.massTables = run.units.massTables;
     head.LSK = run.control.at.LSK;
     head.LRHS = run.control.at.LRHS;
     head.LMAXM = run.A.LMAXM;
-    std::size_t i = 0;
-    for (const TextUnit* unit : ContinuedUnits(run.units))
-        if (!TakePlace(*unit, head.places[i++]))
+    const auto units = ContinuedUnits(run.units);
+    for (std::size_t i = 0; i < UnitsToContinue(head); ++i)
+        if (!TakePlace(*units[i], head.places[i]))
             return false;
     return true;
 }
@@ -98,6 +126,7 @@ bool WriteCheckpoint(Run& run, const std::string& name) {
         return false;
     CheckpointStream stream = BeginCheckpointFile(part);
     TransferHead(stream, head);
+    TransferFlows(stream, run.checkpoint, head.pass);
     TransferState(stream, run);
     const bool stored = EndCheckpointFile(stream) && std::rename(part.c_str(), name.c_str()) == 0;
     const int reason = errno;
@@ -139,22 +168,31 @@ void OpenCheckpoint(Run& run) {
     std::string fault = stream.failed ? "can't be read" : FaultOfHead(run, state.head);
     if (!fault.empty())
         StopWithLibraryError("the checkpoint " + options.restart + " " + fault);
-    const std::string names[] = {run.units.DefaultListingName, run.units.DefaultGraphicsName,
-                                 MessagesName(run.units)};
-    for (std::size_t i = 0; i < state.head.places.size(); ++i)
+    TransferFlows(stream, state, state.head.pass);
+    const auto names = ContinuedNames(run.units);
+    const auto units = ContinuedUnits(run.units);
+    for (std::size_t i = 0; i < UnitsToContinue(state.head); ++i) {
         if (fault = FaultOfPlace(names[i], state.head.places[i]); !fault.empty())
             StopWithLibraryError("can't go on from " + options.restart + ": " + fault);
+        units[i]->awaitsPlace = true;
+    }
     state.source = stream.file;
 }
 
-bool IsSolvedAlready(const Run& run) {
-    return run.job.ProblemNumber < run.checkpoint.head.problem;
+bool NextPassHasEnded(Run& run) {
+    return ++run.checkpoint.pass < run.checkpoint.head.pass;
+}
+
+PassFlows& FlowsOfPass(Run& run) {
+    std::vector<PassFlows>& flows = run.checkpoint.flows;
+    flows.resize(std::max(flows.size(), static_cast<std::size_t>(run.checkpoint.pass)));
+    return flows[static_cast<std::size_t>(run.checkpoint.pass - 1)];
 }
 
 void GoOnFromCheckpoint(Run& run) {
     CheckpointState& state = run.checkpoint;
     const CheckpointHead& head = state.head;
-    if (state.source == nullptr || run.job.ProblemNumber != head.problem)
+    if (state.source == nullptr || state.pass != head.pass)
         return;
     const Pointers& at = run.control.at;
     if (head.LSK != at.LSK || head.LRHS != at.LRHS || head.LMAXM != run.A.LMAXM)
@@ -167,17 +205,18 @@ void GoOnFromCheckpoint(Run& run) {
         StopWithLibraryError("can't read the checkpoint " + run.options.restart);
     std::fclose(state.source);
     state.source = nullptr;
-    std::size_t i = 0;
-    for (TextUnit* unit : ContinuedUnits(run.units))
-        GoOnAtPlace(*unit, head.places[i++]);
+    const auto units = ContinuedUnits(run.units);
+    for (std::size_t i = 0; i < units.size(); ++i)
+        GoOnAtPlace(*units[i], head.places[i]);
     Write(run.units.console, "(/' GOING ON BEHIND STEP NUMBER',I10,' /',I7,' OF THE CHECKPOINT ',A)",
           head.step, run.pass.NDT, run.options.restart);
 }
 
 void WriteCheckpointIfDue(Run& run) {
     const std::int32_t interval = run.options.checkpoint;
-    if (interval <= 0 || run.clock.KOR % interval != 0 || run.clock.KOR == run.pass.NDT)
+    if (interval <= 0 || ++run.checkpoint.steps < interval || run.clock.KOR == run.pass.NDT)
         return;
+    run.checkpoint.steps = 0;
     const std::string name = CheckpointName(run.units);
     if (!WriteCheckpoint(run, name))
         WriteNote("step " + std::to_string(run.clock.KOR) + ": can't write the checkpoint " + name + ": " +

@@ -153,7 +153,7 @@ bool WriteStep(Run& run) {
 }
 
 void SolutionPass(Run& run, std::int32_t steps) {
-    if (IsSolvedAlready(run))
+    if (NextPassHasEnded(run))
         return;
     Pass pass;
     pass.NDT = steps;

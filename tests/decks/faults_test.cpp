@@ -281,9 +281,9 @@ TEST(Faults, CheckpointsThatFail) {
 
 // Faults: a run that was killed, in a step or while a checkpoint is written, goes on with other digits, records lost or twice.
 TEST(Faults, KilledAndRestarted) {
-    const std::string names[] = {"free",          "fixed",  "device",   "functions",
-                                 "sources",       "lines",  "fibres",   "quadrilaterals",
-                                 "radial fibres", "sparse", "two free", "two fixed"};
+    const std::string names[] = {
+        "free",           "fixed",         "device", "functions", "sources",   "lines", "fibres",
+        "quadrilaterals", "radial fibres", "sparse", "two free",  "two fixed", "fit",   "direct"};
     long moment = 0, restarts = 0;
     for (const std::string& name : names) {
         const Subject first = Prepare(name, SmallDeckText(name), false, {"--checkpoint", "1"});
