@@ -262,7 +262,7 @@ TEST(Faults, Killed) {
 TEST(Faults, CheckpointsThatFail) {
     const Subject subject = Prepare("two free", SmallDeckText("two free"), false, {"--checkpoint", "1"});
     for (const char* kind : {"sync", "rename", "open", "write", "flush", "close", "stat"})
-        FailCalls(subject, kind, "once", 12);
+        FailCalls(subject, kind, "once", 5);
     const std::string name = subject.folder + "/zurt.checkpoint";
     for (const char* kind : {"sync", "rename"}) {
         std::filesystem::remove(name);
