@@ -1,6 +1,7 @@
 #include "timeint/checkpoint.h"
 
 #include "core/format.h"
+#include "core/ranks.h"
 #include "core/stop.h"
 #include "core/word_sum.h"
 #include "run/file_names.h"
@@ -158,6 +159,11 @@ void OpenCheckpoint(Run& run) {
     const RunOptions& options = run.options;
     if (options.checkpoint <= 0 && options.restart.empty())
         return;
+    std::int32_t processes = 1;
+    SumOverRanks(IntArray(&processes, 1));
+    if (processes > 1)
+        StopWithLibraryError(
+            "--checkpoint and --restart are for one process, not for several that share a run");
     CheckpointState& state = run.checkpoint;
     state.deckSum =
         AddToWordSum(kWordSumStart, run.deck.bytes.get(), static_cast<std::size_t>(run.deck.size));

@@ -1,5 +1,6 @@
 #include "timeint/progress.h"
 
+#include "core/ranks.h"
 #include "core/terminal_line.h"
 
 #include <cstdio>
@@ -118,7 +119,7 @@ void ShowLine(Run& run, const std::string& line) {
 } // namespace
 
 void BeginProgress(Run& run, bool onTerminal) {
-    run.progress.onTerminal = onTerminal && StandardErrorIsTerminal();
+    run.progress.onTerminal = onTerminal && IsFirstRank() && StandardErrorIsTerminal();
     const TextUnit& console = run.units.console;
     run.progress.consoleOnTerminal = console.file != nullptr && isatty(fileno(console.file)) == 1;
     run.progress.start = run.progress.passStart = run.progress.shown = Clockwork::now();
