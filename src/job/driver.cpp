@@ -7,6 +7,7 @@
 #include "job/run_end.h"
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
+#include "model/prescribed_file.h"
 #include "run/banner.h"
 #include "run/files.h"
 
@@ -46,6 +47,8 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
         OpenInputDeck(run);
     else
         OpenNamedDeck(run, settings);
+    if (!settings.options.prescribed.empty())
+        OpenDeck(run.prescribedFile, settings.options.prescribed);
 }
 
 // True when the deck holds another problem.
@@ -67,6 +70,7 @@ void RunProblems(Run& run) {
         }
         SolveProblem(run);
     } while (EndProblem(run));
+    NoteRestOfPrescribedFile(run);
     CloseUnits(run);
 }
 

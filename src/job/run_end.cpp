@@ -60,7 +60,8 @@ std::string NamesOfFiles(const Run& run) {
     const Units& units = run.units;
     const std::pair<const char*, const TextUnit*> files[] = {
         {"listing", &units.listing},  {"UNV file", &units.graphics}, {"mass table", &units.massX},
-        {"mass table", &units.massY}, {"mass table", &units.massZ},  {"messages", &units.messages}};
+        {"mass table", &units.massY}, {"mass table", &units.massZ},  {"messages", &units.messages},
+        {"history", &units.history}};
     std::string names;
     for (const auto& [what, unit] : files)
         if (!unit->name.empty() && HoldsSomething(unit->name))

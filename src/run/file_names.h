@@ -12,6 +12,9 @@ std::string MassFileName(const Units& units, std::int32_t direction);
 std::string MessagesName(const Units& units);
 std::string StepArchiveName(const Units& units);
 
+/// Name of the table of balances of problem 1, 2 ... of the deck, a job on the command line.
+std::string HistoryName(const Units& units, std::int32_t problem);
+
 /// True for two names of one plain file: by device and inode where both exist (links count), else by their paths.
 bool AreOneFile(const std::string& name, const std::string& other);
 

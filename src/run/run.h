@@ -34,12 +34,14 @@ struct Run {
     Clock clock;
     OutputCounters outputs;
     Deck deck;
+    Deck prescribedFile; // of --prescribed; without a name when there is none
     Units units;
     WorkingVector A;
     ElementGroup groups[kMaxGroups + 1]; // 1..NGET
     FitState fit;
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
+    std::vector<std::int32_t> prescribedEntry; // 1..NP at 0..NP-1: the node's entry, 0 none; empty: none at all
     MassTables mass;        // empty but in a fit and in the direct calculation
     std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
 };
@@ -47,6 +49,11 @@ struct Run {
 /// The text of the run's language.
 inline const char* Say(const Run& run, const char* serbian, const char* english) {
     return Say(run.job.Language, serbian, english);
+}
+
+/// Cards of the deck, in its format.
+inline CardSource CardsOfDeck(Run& run) {
+    return {run.deck, run.control.header.INDFOR};
 }
 
 /// True when input data read and generated are echoed.

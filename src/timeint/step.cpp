@@ -38,6 +38,17 @@ void BeginStep(Run& run) {
     run.clock.ReferenceNorm = 0.0;
 }
 
+// What the elements take for held nodes without an entry (the second form of the gather).
+void ShowValuesOfNodeCards(Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    const ConstRealArray onCard = NodeCardValues(run);
+    const RealArray shown = NodalValues(run);
+    const bool entries = run.control.counts.NZADC > 0;
+    for (Word i = 1; i <= ID.length; ++i)
+        if (ID(i) == 0 && (!entries || run.prescribedEntry[static_cast<std::size_t>(i - 1)] == 0))
+            shown(i) = onCard(i);
+}
+
 void FillNodalValues(Run& run) {
     const Control& control = run.control;
     const Word NZADC = control.counts.NZADC;
@@ -45,6 +56,8 @@ void FillNodalValues(Run& run) {
     const IntArray prescribedNodes = IntSection(run.A, control.at.LPRES, NZADC);
     ExpandToNodes(EquationNumbers(run), NodalValues(run), StepSolution(run), prescribedValues,
                   prescribedNodes, control.outlet.OutletEnd);
+    if (control.counts.IGATH == 1)
+        ShowValuesOfNodeCards(run);
     // In a linear problem the solution is taken over only now: nodal values show the step before.
     if (run.job.NonlinearFlag != 1)
         Copy<double>(RightHandSide(run), StepSolution(run));
