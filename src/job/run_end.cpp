@@ -1,6 +1,7 @@
 #include "job/run_end.h"
 
 #include "core/format.h"
+#include "run/file_names.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -60,12 +61,14 @@ std::string NamesOfFiles(const Run& run) {
     const Units& units = run.units;
     const std::pair<const char*, const TextUnit*> files[] = {
         {"listing", &units.listing},  {"UNV file", &units.graphics}, {"mass table", &units.massX},
-        {"mass table", &units.massY}, {"mass table", &units.massZ},  {"messages", &units.messages},
-        {"history", &units.history}};
+        {"mass table", &units.massY}, {"mass table", &units.massZ},  {"messages", &units.messages}};
     std::string names;
     for (const auto& [what, unit] : files)
         if (!unit->name.empty() && HoldsSomething(unit->name))
             names += (names.empty() ? "" : ", ") + std::string(what) + " " + unit->name;
+    for (std::int32_t problem = 1; run.options.history && problem <= run.job.ProblemNumber; ++problem)
+        if (const std::string name = HistoryName(units, problem); HoldsSomething(name))
+            names += ", table " + name;
     return names;
 }
 

@@ -222,8 +222,9 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
         RequireUnused(run, HistoryName(units, 1));
     if (!settings.force)
         RequireFreeNames(run);
+    units.keepsOlder = !settings.force;
     for (TextUnit* unit : OutputUnits(units))
-        unit->keepsOlder = !settings.force;
+        unit->keepsOlder = units.keepsOlder;
     OpenWorkFiles(run);
 }
 

@@ -7,6 +7,7 @@
 #include "run/element_group.h"
 #include "run/fibre_set.h"
 #include "run/fit_state.h"
+#include "run/history_state.h"
 #include "run/job_settings.h"
 #include "run/run_state.h"
 #include "run/units.h"
@@ -41,7 +42,9 @@ struct Run {
     FitState fit;
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
-    std::vector<std::int32_t> prescribedEntry; // 1..NP at 0..NP-1: the node's entry, 0 none; empty: none at all
+    std::vector<std::int32_t>
+        prescribedEntry; // 1..NP at 0..NP-1: the node's entry, 0 none; empty: none at all
+    HistoryState history;
     MassTables mass;        // empty but in a fit and in the direct calculation
     std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
 };

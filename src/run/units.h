@@ -25,6 +25,7 @@ struct Units {
     std::FILE* restart19 = nullptr;    // "ZITEMP": opened, never written, never read
     std::FILE* stepFile = nullptr;     // 20, scratch
     std::int32_t ListingOpen = 0, GraphicsOpen = 0; // 1 once the deck asked for them
+    bool keepsOlder = false;                        // files of earlier runs are not replaced
     bool dialogue = true; // names of outputs are asked for; else the defaults are taken
     std::string
         Folder; // of the files with fixed names and of the defaults, with a slash at its end; empty: the current one

@@ -5,6 +5,7 @@
 #include "elements/forming/nodal_averaging.h"
 #include "elements/forming/outlet_layer.h"
 #include "model/prescribed_values.h"
+#include "results/history.h"
 #include "results/listing.h"
 #include "results/torsion.h"
 #include "results/unv_results.h"
@@ -111,6 +112,7 @@ void TakeResults(Run& run) {
     EvaluateNodalResults(run);
     if (run.pass.writesResults)
         RequireFiniteNodalResults(run);
+    WriteHistoryRow(run);
     SaveStep(run.clock.KOR, run.clock.TIME, StepSolution(run), run.control.header.NCZK, run.outputs.NCZZ,
              run.units.stepFile);
 }
@@ -129,6 +131,7 @@ void ExpandToNodes(ConstIntArray ID, RealArray nodalValues, ConstRealArray solut
 }
 
 void BeginSolution(Run& run) {
+    CheckProbes(run);
     run.clock.TIME = run.clock.StartTime = 0.0; // in a steady problem both stay 0
     run.clock.KOR = 0;
     run.outputs.NCZZ = 0;
@@ -144,6 +147,7 @@ void BeginPass(Run& run, const Pass& pass) {
     run.outputs.GraphicsCounter = 0;
     run.clock.TIME = 0.0;
     run.clock.KOR = 0;
+    BeginHistory(run);
 }
 
 void SolveStep(Run& run) {
