@@ -1,6 +1,7 @@
 #include "model/prescribed_file.h"
 
 #include "core/stop.h"
+#include "model/curve_lookup.h"
 #include "model/prescribed_values.h"
 #include "model/time_functions.h"
 
@@ -68,6 +69,17 @@ void ReadFunctions(Run& run, const CardSource& source) {
             "prescribed values need a time function (of one point for a constant), and the deck has none");
 }
 
+// At the exact end of a function no value is found, and an entry takes that of the entry before it.
+void NoteFunctionsThatEndWithTheRun(const Run& run) {
+    const ConstIntArray points = TimeFunctionPoints(run);
+    const ConstRealTable pairs = TimeFunctionPairs(run);
+    for (Word f = 1; f <= points.length; ++f)
+        if (points(f) > 1 &&
+            pairs(2 * f - 1, points(f)) - run.control.counts.TotalTime <= kCurveEndTolerance)
+            WriteNote("prescribed values " + run.prescribedFile.name + ": time function " + std::to_string(f) +
+                      " ends with the run, and at its last argument it has no value: let it end later");
+}
+
 void NoteEntriesWithoutEffect(const Run& run) {
     const ConstIntArray ID = EquationNumbers(run), nodes = PrescribedNodes(run);
     Word count = 0;
@@ -104,7 +116,9 @@ void ReadPrescribedFile(Run& run) {
         return;
     ReadFunctions(run, source);
     ReadPrescribedValues(run, source);
+    NoteFunctionsThatEndWithTheRun(run);
     NoteEntriesWithoutEffect(run);
+    WriteDeckNotes(run.prescribedFile);
 }
 
 void RequireUseOfPrescribedValues(const Run& run) {

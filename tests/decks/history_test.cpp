@@ -130,12 +130,19 @@ struct BalanceCase {
 std::vector<BalanceCase> BalanceCases() {
     PlaneDeck steady = Surfaces(0);
     steady.steps = 0;
+    PlaneDeck linear = steady;
+    linear.conductivity = {{0, 1}};
+    linear.convection = {{0, 2}};
+    linear.emissivity = {};
+    for (PlaneSide& side : linear.groups[0].sides)
+        side.functions[3] = 0;
     PlaneDeck sparse = Surfaces(0);
     sparse.solver = 2;
     return {{"lines", Build(Line()), ""},
             {"quadrilaterals", Build(Surfaces(0)), ""},
             {"axisymmetric", Build(Surfaces(1)), ""},
             {"steady", Build(steady), ""},
+            {"steady and linear", Build(linear), ""},
             {"sparse", Build(sparse), ""},
             {"bricks", Build(Bar(0, false)), ""},
             {"lines, NDS 1", DeviceLines(), ""},
