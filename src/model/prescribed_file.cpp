@@ -74,9 +74,9 @@ void NoteFunctionsThatEndWithTheRun(const Run& run) {
     const ConstIntArray points = TimeFunctionPoints(run);
     const ConstRealTable pairs = TimeFunctionPairs(run);
     for (Word f = 1; f <= points.length; ++f)
-        if (points(f) > 1 &&
-            pairs(2 * f - 1, points(f)) - run.control.counts.TotalTime <= kCurveEndTolerance)
-            WriteNote("prescribed values " + run.prescribedFile.name + ": time function " + std::to_string(f) +
+        if (points(f) > 1 && pairs(2 * f - 1, points(f)) - run.control.counts.TotalTime <= kCurveEndTolerance)
+            WriteNote("prescribed values " + run.prescribedFile.name + ": time function " +
+                      std::to_string(f) +
                       " ends with the run, and at its last argument it has no value: let it end later");
 }
 
