@@ -282,7 +282,7 @@ TEST(Examples, EachHasADeckAReadmeAndATest) {
             << name;
         EXPECT_TRUE(std::filesystem::exists(entry.path() / "README.md")) << name;
     }
-    EXPECT_EQ(found, 18);
+    EXPECT_EQ(found, 19);
 }
 
 } // namespace
