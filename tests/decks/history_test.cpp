@@ -187,11 +187,15 @@ double Last(const HistoryTable& table, const std::string& name) {
 TEST(History, AmountsAndSourcesOfAUniformBlock) {
     BarDeck bar = Bar(0, false);
     bar.hold = false;
-    bar.capacity = 2.5;
     bar.start = 10.0;
     bar.diffusion = {{-1e6, 1}, {1e6, 1}};
     bar.sourceCurve = {{0.0, 0.0}, {1.0, 5.0}}; // one function: its slope is the source
-    const HistoryRun result = RunWithHistory(Build(bar), "", "1,7");
+    std::string deck = Build(bar);
+    const std::string capacity = "\n 0.000e+00 1.000e+00\n";
+    const std::size_t at = deck.find(capacity);
+    ASSERT_NE(at, std::string::npos);
+    deck.replace(at, capacity.size(), "\n 0.000e+00 2.500e+00\n");
+    const HistoryRun result = RunWithHistory(deck, "", "1,7");
     ASSERT_EQ(result.run.status, 0) << result.run.errors;
     const double volume = 1.0 / 16, time = 0.07; // four cubes of a quarter
     const double c = 10.0 + 5.0 * time / 2.5;
