@@ -8,6 +8,7 @@
 #include "job/run_end.h"
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
+#include "model/prescribed_file.h"
 #include "run/banner.h"
 #include "run/files.h"
 
@@ -47,6 +48,8 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
         OpenInputDeck(run);
     else
         OpenNamedDeck(run, settings);
+    if (!settings.options.prescribed.empty())
+        OpenDeck(run.prescribedFile, settings.options.prescribed);
 }
 
 // True when the deck holds another problem.
@@ -68,6 +71,7 @@ void RunProblems(Run& run) {
         }
         SolveProblem(run);
     } while (EndProblem(run));
+    NoteRestOfPrescribedFile(run);
     CloseUnits(run);
 }
 

@@ -69,6 +69,9 @@ std::string NamesOfFiles(const Run& run) {
     for (std::int32_t problem = 1; run.options.vtu && problem <= run.job.ProblemNumber; ++problem)
         if (const std::string name = ViewerName(units, problem) + ".pvd"; HoldsSomething(name))
             names += (names.empty() ? "" : ", ") + std::string("ParaView file ") + name;
+    for (std::int32_t problem = 1; run.options.history && problem <= run.job.ProblemNumber; ++problem)
+        if (const std::string name = HistoryName(units, problem); HoldsSomething(name))
+            names += ", table " + name;
     return names;
 }
 

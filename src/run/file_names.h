@@ -22,6 +22,8 @@ std::vector<std::string> OldViewerFiles(const Units& units);
 
 /// Deletes them, and what a run that was killed left of one.
 void RemoveOldViewerFiles(const Units& units);
+/// Name of the table of balances of problem 1, 2 ... of the deck, a job on the command line.
+std::string HistoryName(const Units& units, std::int32_t problem);
 
 /// True for two names of one plain file: by device and inode where both exist (links count), else by their paths.
 bool AreOneFile(const std::string& name, const std::string& other);

@@ -4,6 +4,7 @@
 #include "run/working_vector.h"
 
 #include <string>
+#include <vector>
 
 namespace zurt {
 
@@ -33,6 +34,11 @@ struct RunOptions {
     // Threads at work in the loops that have them (core/workers.h); 0: one a processor. No digit depends on it.
     std::int32_t threads = 1;
     bool vtu = false; // written steps go to files for ParaView, too (results/vtu_results.h)
+    // File of prescribed values, empty: none (model/prescribed_file.h).
+    std::string prescribed;
+    // Rows of a balance a step, beside the listing, and the nodes whose values they hold (results/history.h).
+    bool history = false;
+    std::vector<std::int32_t> probes;
 };
 
 struct JobSettings {
