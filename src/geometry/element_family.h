@@ -61,12 +61,21 @@ struct GraphicsShape {
     std::int32_t columns[20];
 };
 
+/// An element as viewers know it (VTK). types: of the smallest element, of the one with a node on every edge, and of the
+/// full one. nodes: the full one's, in the viewer's order, the others' being its beginning: k is a column of the
+/// connectivity, -k the middle of side k, where elements of the family have no node.
+struct ViewerShape {
+    std::int32_t types[3];
+    std::int32_t count;
+    std::int32_t nodes[27];
+};
+
 /// kDimension: natural directions, each from -1 to 1. kCorners, kMaxNodes: nodes of the smallest and of the full element.
 /// kPlace: natural coordinates of each node; the last one is the centre. kEnds: for each mid-side node but the centre the
 /// two corners that it lies between (the line has none). kSideCorners: corners of each end, edge or face, two sides to a
 /// direction, the one at +1 ahead. kCornerOfPoint: the corner, from 0, in whose part of the element each point of a rule
 /// of order 2 lies. kLinear, kParabolic: see GraphicsShape. kRestriction: what the listing says, in Serbian and in English,
-/// of groups that are neither of these; lines always are. Corners and nodes count from 1.
+/// of groups that are neither of these; lines always are. kViewer: see ViewerShape. Corners and nodes count from 1.
 template <int Family> struct FamilyShape;
 
 /// Lines in space, of 2 or 3 nodes.
@@ -76,6 +85,7 @@ template <> struct FamilyShape<1> {
     static constexpr int kSideCorners[2][1] = {{1}, {2}};
     static constexpr int kCornerOfPoint[2] = {1, 0};
     static constexpr GraphicsShape kLinear = {21, 2, {1, 2}}, kParabolic = {24, 3, {1, 3, 2}};
+    static constexpr ViewerShape kViewer = {{3, 21, 21}, 3, {1, 2, 3}};
     static constexpr const char* kRestriction[2] = {};
 };
 
@@ -89,6 +99,7 @@ template <> struct FamilyShape<2> {
     static constexpr int kCornerOfPoint[4] = {2, 1, 3, 0};
     static constexpr GraphicsShape kLinear = {44, 4, {1, 2, 3, 4}};
     static constexpr GraphicsShape kParabolic = {45, 8, {1, 5, 2, 6, 3, 7, 4, 8}};
+    static constexpr ViewerShape kViewer = {{9, 23, 28}, 9, {1, 2, 3, 4, 5, 6, 7, 8, 9}};
     static constexpr const char* kRestriction[2] = {
         " DOZVOLJAVA SAMO 2/D ELEMENTE SA 4 ILI 8 CVOROVA PO ELEMENTU U",
         " PERMITS ONLY 2/D ELEMENTS WITH 4 OR 8 NODES PER ELEMENT IN"};
@@ -110,6 +121,9 @@ template <> struct FamilyShape<3> {
     static constexpr GraphicsShape kLinear = {115, 8, {5, 6, 7, 8, 1, 2, 3, 4}};
     static constexpr GraphicsShape kParabolic = {
         116, 20, {5, 13, 6, 14, 7, 15, 8, 16, 17, 18, 19, 20, 1, 9, 2, 10, 3, 11, 4, 12}};
+    static constexpr ViewerShape kViewer = {{12, 25, 29}, 27, {5,  6,  7,  8,  1,  2,  3,  4,  13,
+                                                               14, 15, 16, 9,  10, 11, 12, 17, 18,
+                                                               19, 20, -1, -2, -3, -4, -6, -5, 21}};
     static constexpr const char* kRestriction[2] = {
         " DOZVOLJAVA SAMO 3/D ELEMENTE SA 8 ILI 20 CVOROVA PO ELEMENTU U",
         " PERMITS ONLY 3/D ELEMENTS WITH 8 OR 20 NODES PER ELEMENT IN"};
@@ -125,11 +139,27 @@ constexpr int kSides = static_cast<int>(std::extent_v<decltype(FamilyShape<Famil
 template <int Family>
 constexpr int kSideCorners = static_cast<int>(std::extent_v<decltype(FamilyShape<Family>::kSideCorners), 1>);
 
+/// Edges that a mid-side node can stand on; a line's one node between its ends is its centre.
+template <int Family> constexpr int EdgesOf() {
+    if constexpr (kDimension<Family> == 1)
+        return 0;
+    else
+        return static_cast<int>(std::extent_v<decltype(FamilyShape<Family>::kEnds), 0>);
+}
+template <int Family> constexpr const int* EdgeEndsOf() {
+    if constexpr (kDimension<Family> == 1)
+        return nullptr;
+    else
+        return &FamilyShape<Family>::kEnds[0][0];
+}
+
 /// A family as a record.
 struct ElementFamily {
-    int number, dimension, corners, mostNodes, sides, cornersOfSide;
+    int number, dimension, corners, mostNodes, edges, sides, cornersOfSide;
+    const int* edgeEnds;    // edge by edge, two corners each
     const int* sideCorners; // side by side, cornersOfSide each
     const GraphicsShape *linear, *parabolic;
+    const ViewerShape* viewer;
     const char* const* restriction; // Serbian, English; null when there is none
 };
 
@@ -138,11 +168,14 @@ inline constexpr ElementFamily kElementFamily = {Family,
                                                  kDimension<Family>,
                                                  kCorners<Family>,
                                                  kMaxNodes<Family>,
+                                                 EdgesOf<Family>(),
                                                  kSides<Family>,
                                                  kSideCorners<Family>,
+                                                 EdgeEndsOf<Family>(),
                                                  &FamilyShape<Family>::kSideCorners[0][0],
                                                  &FamilyShape<Family>::kLinear,
                                                  &FamilyShape<Family>::kParabolic,
+                                                 &FamilyShape<Family>::kViewer,
                                                  FamilyShape<Family>::kRestriction};
 
 /// All families, in the order of the list.

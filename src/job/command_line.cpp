@@ -29,6 +29,11 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
   -q, --quiet        nothing on standard output
       --words N      size of the working vector in words of 8 bytes, for models
                      that outgrow it (default: 120000000)
+      --prescribed FILE
+                     held nodes at values of their own, constant or by functions
+                     of time, from FILE
+      --history      a row a step in a table: stored amounts, flows, balance
+      --probe N[,N...] and in it the values of these nodes
       --wall-cells N elements that a fibre wall cuts are integrated over N x N (x N)
                      sub-cells (changes digits; default: Gauss points alone)
       --solver NAME  skyline, sparse or cg (conjugate gradients) in the place of
@@ -41,6 +46,7 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
                      a line a step in FILE; a terminal shows one in any case
       --checkpoint N every N steps the state of the run, in NAME.checkpoint
       --restart FILE goes on from a checkpoint, with the same deck and options
+      --vtu          results for ParaView, too: NAME.pvd, a NAME-0001.vtu for each step
   -h, --help         this page
       --version      the program's version
 
@@ -78,6 +84,7 @@ struct Arguments {
     const CLI::Option* progressGiven = nullptr;
     const CLI::Option* checkpointGiven = nullptr;
     const CLI::Option* restartGiven = nullptr;
+    const CLI::Option* prescribedGiven = nullptr;
 };
 
 struct SolverName {
@@ -107,6 +114,10 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     arguments.progressGiven = app.add_option("--progress", arguments.settings.options.progress);
     arguments.checkpointGiven = app.add_option("--checkpoint", arguments.settings.options.checkpoint);
     arguments.restartGiven = app.add_option("--restart", arguments.settings.options.restart);
+    app.add_flag("--vtu", arguments.settings.options.vtu);
+    arguments.prescribedGiven = app.add_option("--prescribed", arguments.settings.options.prescribed);
+    app.add_flag("--history", arguments.settings.options.history);
+    app.add_option("--probe", arguments.settings.options.probes)->delimiter(',')->allow_extra_args(false);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -124,6 +135,11 @@ std::string FaultOf(const Arguments& arguments) {
         return "can't open the deck " + arguments.decks[0] + ": " + std::strerror(errno);
     if (arguments.outputGiven->count() > 0 && arguments.output.empty())
         return "--output needs the name of a folder";
+    const RunOptions& options = settings.options;
+    if (arguments.prescribedGiven->count() > 0 && access(options.prescribed.c_str(), R_OK) != 0)
+        return "can't open the file of prescribed values " + options.prescribed + ": " + std::strerror(errno);
+    if (!options.probes.empty() && !options.history)
+        return "--probe names nodes for the table of --history, which is not asked for";
     if (settings.words < 1 || settings.words > kMostWords)
         return "--words takes a count between 1 and " + std::to_string(kMostWords);
     if (arguments.wallCellsGiven->count() > 0 &&
@@ -143,6 +159,9 @@ std::string FaultOf(const Arguments& arguments) {
         return "--restart needs the name of a checkpoint";
     if (arguments.progressGiven->count() > 0 && settings.options.progress.empty())
         return "--progress needs the name of a file";
+    if ((options.checkpoint > 0 || !options.restart.empty()) &&
+        (options.vtu || options.history || !options.prescribed.empty()))
+        return "--checkpoint and --restart do not go with --vtu, --history and --prescribed";
     return "";
 }
 

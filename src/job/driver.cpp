@@ -8,6 +8,7 @@
 #include "job/run_end.h"
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
+#include "model/prescribed_file.h"
 #include "run/banner.h"
 #include "run/files.h"
 #include "timeint/checkpoint.h"
@@ -49,6 +50,8 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
         OpenInputDeck(run);
     else
         OpenNamedDeck(run, settings);
+    if (!settings.options.prescribed.empty())
+        OpenDeck(run.prescribedFile, settings.options.prescribed);
     OpenCheckpoint(run);
     BeginProgress(run, !settings.dialogue && !settings.quiet);
 }
@@ -72,6 +75,7 @@ void RunProblems(Run& run) {
         }
         SolveProblem(run);
     } while (EndProblem(run));
+    NoteRestOfPrescribedFile(run);
     CloseUnits(run);
 }
 

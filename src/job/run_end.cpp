@@ -2,6 +2,7 @@
 
 #include "core/format.h"
 #include "core/terminal_line.h"
+#include "run/file_names.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -66,6 +67,12 @@ std::string NamesOfFiles(const Run& run) {
     for (const auto& [what, unit] : files)
         if (!unit->name.empty() && HoldsSomething(unit->name))
             names += (names.empty() ? "" : ", ") + std::string(what) + " " + unit->name;
+    for (std::int32_t problem = 1; run.options.vtu && problem <= run.job.ProblemNumber; ++problem)
+        if (const std::string name = ViewerName(units, problem) + ".pvd"; HoldsSomething(name))
+            names += (names.empty() ? "" : ", ") + std::string("ParaView file ") + name;
+    for (std::int32_t problem = 1; run.options.history && problem <= run.job.ProblemNumber; ++problem)
+        if (const std::string name = HistoryName(units, problem); HoldsSomething(name))
+            names += ", table " + name;
     return names;
 }
 

@@ -110,9 +110,8 @@ void StartHeq(Run& run, FibreModel& model, const ElementGroup& group, IntArray n
 }
 
 void ClassifyGroups(Run& run, FibreModel& model, std::int32_t first, IntArray nodeMarks) {
-    FibreSearch search = SearchOfAllSets(model, model.dimension, LineEnds::Count);
+    const FibreSearch search = SearchOverMesh(run, model, GaussPointsUnderFibres(run));
     const Region region = RegionOfFibres(run, model, search);
-    MakeFibreCells(search, region.low, region.high, GaussPointsUnderFibres(run));
     model.groups.resize(static_cast<std::size_t>(run.control.header.NGET) + 1);
     model.VOLFLUID = model.totalVolume = 0.0;
     for (std::int32_t NGE = first; NGE <= run.control.header.NGET; ++NGE) {
@@ -165,6 +164,13 @@ void LeaveOutNodesInFibres(Run& run, FibreModel& model, ConstIntArray nodeMarks)
 }
 
 } // namespace
+
+FibreSearch SearchOverMesh(const Run& run, const FibreModel& model, Word points) {
+    FibreSearch search = SearchOfAllSets(model, model.dimension, LineEnds::Count);
+    const Region region = RegionOfFibres(run, model, search);
+    MakeFibreCells(search, region.low, region.high, points);
+    return search;
+}
 
 void ApplyFibres(Run& run, FibreModel& model) {
     TakeFibreNodes(run);

@@ -4,6 +4,7 @@
 // ahead of the solution vectors, whose length it may change.
 #pragma once
 
+#include "microscale/fibre_cells.h"
 #include "run/fibre_set.h"
 #include "run/run.h"
 
@@ -15,5 +16,8 @@ namespace zurt {
 /// the layout of the system matrix anew; sets POROSITY. A fibre that lies outside the box, a box without depth under
 /// bricks, and fibres that leave no equation end the run with a library error. A model without plane and space groups is left alone.
 void ApplyFibres(Run& run, FibreModel& model);
+
+/// The search over all fibres of a model that has been through the step, with cells for about `points` searches in the mesh.
+FibreSearch SearchOverMesh(const Run& run, const FibreModel& model, Word points);
 
 } // namespace zurt

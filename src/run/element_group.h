@@ -4,6 +4,7 @@
 #include "core/array_view.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace zurt {
 
@@ -49,6 +50,8 @@ struct RadialGroup {
     Word LCOMMON = 0;           // NET x CommonNodeCount, ISUB4 1 with IND4N 1 or 2: CommonNodes
     Word LPARTITION = 0;        // NET, IPARTIT positive: PartitionValue
     bool substructured = false; // ISUB4 is 1: the inner nodes exist in the elements alone
+
+    std::vector<double> centres; // 3 x NET under ISUB4 1: where results show the fibres
 };
 
 struct ElementGroup {

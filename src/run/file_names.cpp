@@ -1,10 +1,17 @@
 #include "run/file_names.h"
 
 #include "core/stop.h"
+#include "core/whole_file.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
 #include <filesystem>
+#include <functional>
+#include <string_view>
 #include <sys/stat.h>
-#include <vector>
+#include <unistd.h>
 
 namespace zurt {
 
@@ -25,6 +32,54 @@ std::vector<FixedFile> FixedFiles(const Units& units) {
     return files;
 }
 
+// Takes digits from the front; how many there were.
+std::size_t TakeDigits(std::string_view& text) {
+    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    text.remove_prefix(digits);
+    return digits;
+}
+
+bool TakeWord(std::string_view& text, std::string_view word) {
+    const bool found = text.substr(0, word.size()) == word;
+    if (found)
+        text.remove_prefix(word.size());
+    return found;
+}
+
+// What stands behind the NAME of a file for viewers: "", "-p2" and then ".pvd", "-fibres.vtp" or "-0001.vtu".
+bool IsViewerEnding(std::string_view text) {
+    if (std::string_view later = text; TakeWord(later, "-p") && TakeDigits(later) > 0)
+        text = later;
+    if (text == ".pvd" || text == "-fibres.vtp")
+        return true;
+    return TakeWord(text, "-") && TakeDigits(text) >= 4 && text == ".vtu";
+}
+
+// Names of the files for viewers, or of the parts that a kill left of them.
+std::vector<std::string> FindViewerFiles(const Units& units, bool parts) {
+    const std::string base = ViewerName(units, 1);
+    const std::string start = parts ? PartName(base).substr(0, base.size() + 1) : base;
+    const std::string_view ending = parts ? ".part" : "";
+    std::vector<std::string> found;
+    // The library's own iterator ends the process when memory is missing.
+    DIR* const folder = opendir(units.Folder.empty() ? "." : units.Folder.c_str());
+    if (folder == nullptr)
+        return found; // a folder that can't be read tells no names
+    while (const dirent* entry = readdir(folder)) {
+        const std::string name = units.Folder + entry->d_name;
+        std::string_view rest = name;
+        if (!TakeWord(rest, start) || rest.size() < ending.size() ||
+            rest.substr(rest.size() - ending.size()) != ending)
+            continue;
+        rest.remove_suffix(ending.size());
+        if (IsViewerEnding(rest))
+            found.push_back(name);
+    }
+    closedir(folder);
+    std::sort(found.begin(), found.end(), std::greater<>());
+    return found;
+}
+
 [[noreturn]] void StopOnClash(const std::string& name, const std::string& other) {
     StopWithLibraryError("can't open " + name + " for writing: it is " + other + " of this run");
 }
@@ -39,6 +94,10 @@ std::string MessagesName(const Units& units) {
     return units.Folder + "MESSAGES.LST";
 }
 
+std::string HistoryName(const Units& units, std::int32_t problem) {
+    return units.Base + "-history" + (problem > 1 ? "-" + std::to_string(problem) : "") + ".csv";
+}
+
 std::string StepArchiveName(const Units& units) {
     return units.Folder + "ZITEMP";
 }
@@ -47,7 +106,26 @@ std::string CheckpointName(const Units& units) {
     return units.DefaultListingName.substr(0, units.DefaultListingName.rfind('.')) + ".checkpoint";
 }
 
+std::string ViewerName(const Units& units, std::int32_t problem) {
+    const std::string& listing = units.DefaultListingName;
+    const std::string name = listing.substr(0, listing.rfind('.'));
+    return problem == 1 ? name : name + "-p" + std::to_string(problem);
+}
+
+std::vector<std::string> OldViewerFiles(const Units& units) {
+    return FindViewerFiles(units, false);
+}
+
+void RemoveOldViewerFiles(const Units& units) {
+    for (const bool parts : {false, true})
+        for (const std::string& name : FindViewerFiles(units, parts))
+            if (unlink(name.c_str()) != 0)
+                StopWithLibraryError("can't delete " + name + ": " + std::strerror(errno));
+}
+
 bool AreOneFile(const std::string& name, const std::string& other) {
+    if (name.empty() || other.empty())
+        return false;
     struct stat first, second;
     const bool firstExists = stat(name.c_str(), &first) == 0,
                secondExists = stat(other.c_str(), &second) == 0;
@@ -63,6 +141,8 @@ bool AreOneFile(const std::string& name, const std::string& other) {
 void RequireUnused(const Run& run, const std::string& name) {
     if (AreOneFile(name, run.deck.name))
         StopOnClash(name, "the deck");
+    if (AreOneFile(name, run.options.prescribed))
+        StopOnClash(name, "the file of prescribed values");
     if (IsOpen(run.units.listing) && AreOneFile(name, run.units.listing.name))
         StopOnClash(name, "the listing");
     for (const FixedFile& fixed : FixedFiles(run.units))
@@ -75,6 +155,8 @@ void RequireDistinctFixedFiles(const Run& run) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         if (files[i].written && AreOneFile(files[i].name, run.deck.name))
             StopOnClash(files[i].name, "the deck");
+        if (files[i].written && AreOneFile(files[i].name, run.options.prescribed))
+            StopOnClash(files[i].name, "the file of prescribed values");
         for (std::size_t j = 0; j < i; ++j)
             if (files[i].written && AreOneFile(files[i].name, files[j].name))
                 StopOnClash(files[i].name, "the file " + files[j].name);

@@ -80,6 +80,12 @@ TEST(CommandLine, OptionsAndEnds) {
          "Results: listing sub/zurt.lst, UNV file sub/zurt.unv, mass table sub/MASS-X.LST\n",
          "",
          {}},
+        {{"zurt.dat", "--vtu"},
+         0,
+         "mass table MASS-X.LST, ParaView file zurt.pvd\n",
+         "",
+         {"zurt.lst", "zurt.unv", "MASS-X.LST", "MESSAGES.LST", "ZITEMP", "zurt.pvd", "zurt-0001.vtu",
+          "zurt-0002.vtu", "zurt-0003.vtu"}},
         {{"--words", "100", "zurt.dat"},
          1,
          "Stopped; written so far: listing zurt.lst, UNV file zurt.unv\n",
@@ -132,13 +138,14 @@ TEST(CommandLine, OutputsAreThoseOfTheDialogue) {
         const std::string folder = FolderWith("zurt.dat", deck.text);
         const RunResult direct = RunProgram(folder, {{"--output=a/b", "zurt.dat"}, "", "a/b"});
         const RunResult piped = RunProgram(folder, {{"-", "-q", "--output", "c/"}, deck.text, "c"});
-        for (const RunResult& run : {direct, piped}) {
+        const RunResult viewed = RunProgram(folder, {{"--vtu", "--output=d", "zurt.dat"}, "", "d"});
+        for (const RunResult& run : {direct, piped, viewed}) {
             EXPECT_EQ(run.status, dialogue.status) << deck.name << run.errors;
             EXPECT_TRUE(run.listing == dialogue.listing && run.graphics == dialogue.graphics &&
                         run.messages == dialogue.messages && run.mass == dialogue.mass)
                 << deck.name;
         }
-        EXPECT_TRUE(FilesIn(folder) == (std::set<std::string>{"zurt.dat", "a", "c"}))
+        EXPECT_TRUE(FilesIn(folder) == (std::set<std::string>{"zurt.dat", "a", "c", "d"}))
             << "all within the folders asked for";
     }
 }
@@ -158,11 +165,37 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
         EXPECT_EQ(ReadFile(folder + "/" + name) == "precious\n",
                   std::string(name) == "MASS-Y.LST" || std::string(name) == "MASS-Z.LST");
     }
-    for (const char* name : {"a.lst", "MESSAGES.LST", "MASS-X.LST"}) {
+    for (const char* name : {"a.lst", "MESSAGES.LST", "MASS-X.LST", "a.pvd"}) {
         const std::string folder = FolderWith(name, kGood);
-        ExpectRefused(RunProgram(folder, {{"--force", name}, ""}), "it is the deck of this run");
+        ExpectRefused(RunProgram(folder, {{"--force", "--vtu", name}, ""}), "it is the deck of this run");
         EXPECT_EQ(ReadFile(folder + "/" + name), kGood);
     }
+}
+
+// Faults: files for viewers of an earlier run that are mixed with this one's, or go without leave; files of somebody else that go; a
+// problem's files under the names of another's.
+TEST(CommandLine, FilesForViewersOfEarlierRuns) {
+    const std::set<std::string> others = {"zurt-12.vtu", "zurt-0001.vtu.part", "zurt-x-0001.vtu",
+                                          "zurt2.pvd"};
+    const std::string folder = FolderWith("zurt.dat", SmallDeckText("two free"));
+    for (const char* name : {"/zurt-0001.vtu", "/zurt-0099.vtu", "/zurt-p7.pvd", "/.zurt-0002.vtu.part"})
+        WriteFile(folder + name, "older\n");
+    for (const std::string& name : others)
+        WriteFile(folder + "/" + name, "precious\n");
+    ExpectRefused(RunProgram(folder, {{"--vtu", "zurt.dat"}, ""}),
+                  "error: zurt-p7.pvd and 2 more exist and would be overwritten");
+    EXPECT_EQ(ReadFile(folder + "/zurt-0099.vtu"), "older\n");
+    EXPECT_EQ(RunProgram(folder, {{"-f", "--vtu", "zurt.dat"}, ""}).status, 0);
+    std::set<std::string> expected = {"zurt.dat",   "zurt.lst",     "zurt.unv",
+                                      "MASS-X.LST", "MESSAGES.LST", "ZITEMP"};
+    expected.insert(others.begin(), others.end());
+    for (const std::string problem : {"zurt", "zurt-p2"})
+        for (const char* ending : {".pvd", "-0001.vtu", "-0002.vtu", "-0003.vtu"})
+            expected.insert(problem + ending);
+    EXPECT_EQ(FilesIn(folder), expected);
+    EXPECT_TRUE(Contains(ReadFile(folder + "/zurt-p2.pvd"), "part=\"0\" file=\"zurt-p2-0003.vtu\"/>"));
+    for (const std::string& name : others)
+        EXPECT_EQ(ReadFile(folder + "/" + name), "precious\n") << name;
 }
 
 // Faults: a second run that cuts the files of the first, or isn't told why it may not. The first one is this process, which
@@ -191,7 +224,7 @@ TEST(CommandLine, InterruptLeavesFilesWhole) {
     BarDeck bar;
     bar.periods = {{1000000, 1e-6}};
     const std::string folder = FolderWith("zurt.dat", Build(bar));
-    Invocation invocation = {{"zurt.dat"}, ""};
+    Invocation invocation = {{"--vtu", "zurt.dat"}, ""};
     invocation.interruptAfterSteps = 3;
     const RunResult run = RunProgram(folder, invocation);
     EXPECT_EQ(run.status, 3);
@@ -211,6 +244,7 @@ TEST(CommandLine, InterruptLeavesFilesWhole) {
     EXPECT_EQ(tables.back().size(), tables.front().size());
     EXPECT_EQ(CountOf(run.graphics, "CVORNE KONCENTRACIJE"), steps);
     EXPECT_TRUE(EndsWith(run.graphics, "    -1\n"));
+    EXPECT_EQ(CountOf(ReadFile(folder + "/zurt.pvd"), "<DataSet timestep="), steps);
     EXPECT_TRUE(Contains(run.console, "\nInterrupted; written so far: listing zurt.lst, ")) << run.console;
 }
 

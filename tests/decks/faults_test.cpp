@@ -69,7 +69,8 @@ Subject Prepare(const std::string& name, const std::string& deck, bool dialogue 
 }
 
 std::vector<Subject> Subjects() {
-    return {Prepare("free", SmallDeckText("free"), true), Prepare("sparse", SmallDeckText("sparse")),
+    return {Prepare("free", SmallDeckText("free"), true),
+            Prepare("sparse", SmallDeckText("sparse"), false, {"--vtu"}),
             Prepare("fit", SmallDeckText("fit"))};
 }
 
@@ -100,11 +101,29 @@ std::vector<std::size_t> StepsOfGraphics(const std::string& graphics) {
     return ends;
 }
 
+// A file that is listed and not there, or a part of one.
+std::string LossOfViewer(const std::string& folder, const std::string& listed) {
+    const std::string key = "file=\"";
+    for (std::size_t at = listed.find(key); at != std::string::npos; at = listed.find(key, at + 1)) {
+        const std::size_t start = at + key.size();
+        const std::string name = listed.substr(start, listed.find('"', start) - start);
+        if (!Contains(ReadFile(folder + "/" + name), "</VTKFile>\n"))
+            return name + " is listed and not there";
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().extension() == ".part")
+            return "a part of a file is left";
+    return "";
+}
+
 // What is wrong with a run that was disturbed: the last `unfinished` of the steps that the console shows may be
 // missing from the files.
 std::string LossOf(const RunResult& run, const Subject& subject, int unfinished) {
     if (ReadFile(subject.folder + "/zurt.dat") != subject.deck)
         return "the deck has changed";
+    if (const std::string loss = LossOfViewer(subject.folder, ReadFile(subject.folder + "/zurt.pvd"));
+        !loss.empty())
+        return loss;
     const std::vector<std::string> outputs = OutputsOf(run), whole = OutputsOf(subject.good);
     for (std::size_t i = 0; i < outputs.size(); ++i)
         if (!IsBeginning(outputs[i], whole[i]))

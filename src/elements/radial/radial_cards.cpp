@@ -151,6 +151,7 @@ void TakeRadialBlock(Run& run, ElementGroup& group) {
     radial.LPARTITION = TakeWords(A, "PartitionValue", radial.IPARTIT > 0 ? NET : 0);
     StopIfInputOverflows(run);
     ClearWords(A, first, A.LMAX - 1);
+    radial.centres.assign(static_cast<std::size_t>(inner ? 3 * NET : 0), 0.0);
 }
 
 // --- element cards ------------------------------------------------------------------------------------------------
@@ -233,6 +234,8 @@ void ReadSubstructuredElement(RadialReader& reader) {
               ConstRealArray(card.CENTRE, 3));
     StoreElement(reader, count);
     ContinuumNode(run, reader.group)(card.NN) = card.ContinuumNode;
+    std::copy(card.CENTRE, card.CENTRE + 3,
+              &reader.group.radial.centres[3 * static_cast<std::size_t>(card.NN - 1)]);
     WriteInnerNodes(reader, count);
     if (reader.group.IND4N == 0)
         return;
