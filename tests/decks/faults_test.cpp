@@ -194,8 +194,8 @@ void FailAll(const std::vector<FaultCase>& cases) {
 TEST(Faults, FailingFiles) {
     std::vector<FaultCase> cases = {
         {"open", "on", 8}, {"flush", "on", 8}, {"close", "on", 8}, {"stat", "once", 30}};
-    for (const char* kind :
-         {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink", "read", "lock", "thread"})
+    for (const char* kind : {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink",
+                             "rename", "read", "lock", "thread"})
         cases.push_back({kind, "once", 16});
     FailAll(cases);
 }
