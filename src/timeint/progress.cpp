@@ -3,6 +3,7 @@
 #include "core/ranks.h"
 #include "core/terminal_line.h"
 
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <sys/ioctl.h>
@@ -29,7 +30,7 @@ double SecondsSince(ProgressState::Moment moment) {
 }
 
 std::string HoursOf(double seconds) {
-    const auto whole = static_cast<long long>(seconds + 0.5);
+    const long long whole = std::llround(seconds);
     return Print("%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
 }
 
