@@ -57,13 +57,9 @@ Mesh BlockOfQuadraticBricks() {
 
 void FormQuadraticBlock(benchmark::State& state) {
     Run run;
-    Problem problem;
+    Problem problem = TransientCurveProblem();
     problem.size = kWorkingVectorSize;
-    problem.NSTAC = 1;
-    problem.NonlinearFlag = 1;
-    problem.NDS = 1;
     problem.NGAUS = {3, 3, 3};
-    problem.conduction = {{{0.0, 1.0}, {0.3, 1.5}, {0.6, 1.8}, {1.0, 2.0}}};
     BuildModel(run, BlockOfQuadraticBricks(), problem);
     const RealArray T = StepSolution(run);
     for (Word i = 1; i <= T.length; ++i)

@@ -46,12 +46,7 @@ void TransientConstant(benchmark::State& state) {
 BENCHMARK(TransientConstant);
 
 void TransientDiffusionCurve(benchmark::State& state) {
-    Problem problem;
-    problem.NSTAC = 1;
-    problem.NonlinearFlag = 1;
-    problem.NDS = 1;
-    problem.conduction = {{{0.0, 1.0}, {0.3, 1.5}, {0.6, 1.8}, {1.0, 2.0}}};
-    FormBlock(state, problem);
+    FormBlock(state, TransientCurveProblem());
 }
 BENCHMARK(TransientDiffusionCurve);
 

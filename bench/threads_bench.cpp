@@ -48,12 +48,8 @@ void TimeInTurns(benchmark::State& state, const Prepare& prepare, const Work& wo
 void ThreadsForm(benchmark::State& state) {
     const int side = static_cast<int>(state.range(0));
     Run run;
-    Problem problem;
+    Problem problem = TransientCurveProblem();
     problem.size = kWorkingVectorSize;
-    problem.NSTAC = 1;
-    problem.NonlinearFlag = 1;
-    problem.NDS = 1;
-    problem.conduction = {{{0.0, 1.0}, {0.3, 1.5}, {0.6, 1.8}, {1.0, 2.0}}};
     const auto place = [](int i, int j, int k) {
         return Point{i + 0.1 * ((j * 7 + k * 3) % 5), j + 0.1 * ((i * 3 + k) % 4),
                      k + 0.1 * ((i + j * 5) % 3)};

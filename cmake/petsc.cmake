@@ -16,5 +16,5 @@ target_include_directories(zurt-mpi PRIVATE src)
 target_include_directories(zurt-mpi SYSTEM PRIVATE ${ZURT_PETSC_LIBRARY_INCLUDE_DIRS})
 target_compile_definitions(zurt-mpi PRIVATE OMPI_SKIP_MPICXX MPICH_SKIP_MPICXX)
 target_link_libraries(zurt-mpi PRIVATE zurt_options zurt_instrumented $<TARGET_FILE:zurt_library>
-  ${ZURT_PETSC_LIBRARY_LINK_LIBRARIES} MPI::MPI_CXX Threads::Threads
+  ${ZURT_PETSC_LIBRARY_LINK_LIBRARIES} MPI::MPI_CXX Threads::Threads ${ZURT_ZLIB}
   "-Wl,-rpath,${ZURT_OPENBLAS_FOLDER},--push-state,--no-as-needed,${ZURT_OPENBLAS},--pop-state")

@@ -56,6 +56,8 @@ int Refuse(const char* fault) {
 int RefuseOptionsOfOneProcess(const zurt::RunOptions& options) {
     if (options.solver != zurt::SolverChoice::OfDeck)
         return Refuse("--solver is zurt's; PETSc's options choose, behind the deck (-ksp_type, -pc_type)");
+    if (options.vtu || options.history || !options.prescribed.empty())
+        return Refuse("--vtu, --history and --prescribed are zurt's: one process writes them");
     if (options.threads != 1)
         return Refuse("--threads is zurt's; mpiexec -n N takes more processes");
     return zurt::kFinished;

@@ -2,6 +2,7 @@
 
 #include "core/array_view.h"
 #include "core/interrupt.h"
+#include "core/terminal_line.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -28,6 +29,7 @@ void StopIfInterrupted() {
 }
 
 void WriteNote(const std::string& text) {
+    EraseTerminalLine();
     std::fprintf(stderr, "zurt: note: %s\n", text.c_str());
 }
 

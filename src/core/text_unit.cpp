@@ -3,6 +3,7 @@
 #include "core/file_lock.h"
 #include "core/ranks.h"
 #include "core/stop.h"
+#include "core/terminal_line.h"
 #include "core/workers.h"
 
 #include <algorithm>
@@ -23,13 +24,12 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 18;
     StopWithLibraryError("can't write to " + unit.name + ": " + std::strerror(errno));
 }
 
-enum class OpenMode { Replace, New, Append };
+enum class OpenMode { Replace, New, Append, Behind };
 
 int FlagsOf(OpenMode mode) {
-    return O_WRONLY | O_CREAT | O_CLOEXEC |
-           (mode == OpenMode::New      ? O_EXCL
-            : mode == OpenMode::Append ? O_APPEND
-                                       : 0);
+    const bool appends = mode == OpenMode::Append || mode == OpenMode::Behind;
+    return O_WRONLY | O_CLOEXEC | (mode == OpenMode::Behind ? 0 : O_CREAT) |
+           (mode == OpenMode::New ? O_EXCL : 0) | (appends ? O_APPEND : 0);
 }
 
 [[noreturn]] void StopOnOpening(const TextUnit& unit, int reason) {
@@ -46,20 +46,20 @@ bool OpenElsewhere(TextUnit& unit) {
     return unit.elsewhere;
 }
 
-// The file is cut to nothing only once this run has its lock.
-void OpenForWriting(TextUnit& unit, OpenMode mode) {
-    const int descriptor = open(unit.name.c_str(), FlagsOf(mode), 0666);
+// The file is cut, to `length` unless that is below 0, only once this run has its lock.
+void OpenForWriting(TextUnit& unit, OpenMode mode, std::int64_t length) {
+    const char* const name = unit.awaitsPlace ? "/dev/null" : unit.name.c_str();
+    const int descriptor = open(name, FlagsOf(mode), 0666);
     if (descriptor < 0)
         StopOnOpening(unit, errno);
     const bool locked = LockFile(descriptor);
-    if (locked && mode == OpenMode::Replace && ftruncate(descriptor, 0) != 0 &&
-        errno != EINVAL) { // EINVAL: a device
+    if (locked && length >= 0 && ftruncate(descriptor, length) != 0 && errno != EINVAL) { // EINVAL: a device
         const int reason = errno;
         close(descriptor);
         StopOnOpening(unit, reason);
     }
     if (locked)
-        unit.file = fdopen(descriptor, mode == OpenMode::Append ? "a" : "w");
+        unit.file = fdopen(descriptor, (FlagsOf(mode) & O_APPEND) != 0 ? "a" : "w");
     if (unit.file == nullptr) {
         const int reason = locked ? errno : EWOULDBLOCK;
         close(descriptor);
@@ -80,19 +80,31 @@ void KeepWords(TextUnit& unit, std::string_view record) {
     unit.awaitsWords = false;
 }
 
+void UncoverLine(TextUnit& unit) {
+    EraseTerminalLine();
+    unit.underLine = false;
+}
+
 } // namespace
 
 void OpenTextUnit(TextUnit& unit, const std::string& name) {
     unit.name = name;
     if (OpenElsewhere(unit))
         return;
-    OpenForWriting(unit, unit.keepsOlder ? OpenMode::New : OpenMode::Replace);
+    if (unit.keepsOlder)
+        OpenForWriting(unit, OpenMode::New, -1);
+    else
+        OpenForWriting(unit, OpenMode::Replace, 0);
     unit.keepsOlder = false; // what is there from now on is this run's own
 }
 
 void ReopenTextUnit(TextUnit& unit) {
     if (!OpenElsewhere(unit))
-        OpenForWriting(unit, OpenMode::Append);
+        OpenForWriting(unit, OpenMode::Append, -1);
+}
+
+void OpenTextUnitBehind(TextUnit& unit, std::int64_t length) {
+    OpenForWriting(unit, OpenMode::Behind, length);
 }
 
 void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name) {
@@ -135,6 +147,8 @@ void PutRecord(TextUnit& unit, std::string_view record) {
         unit.message.append(record).push_back('\n');
     if (unit.file == nullptr)
         return;
+    if (unit.underLine)
+        UncoverLine(unit);
     if (fwrite_unlocked(record.data(), 1, record.size(), unit.file) != record.size() ||
         putc_unlocked('\n', unit.file) == EOF)
         StopOnWriteFailure(unit);
@@ -143,6 +157,8 @@ void PutRecord(TextUnit& unit, std::string_view record) {
 void PutBytes(TextUnit& unit, std::string_view bytes) {
     if (unit.file == nullptr)
         return;
+    if (unit.underLine)
+        UncoverLine(unit);
     if (fwrite_unlocked(bytes.data(), 1, bytes.size(), unit.file) != bytes.size())
         StopOnWriteFailure(unit);
 }

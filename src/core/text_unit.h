@@ -6,6 +6,7 @@
 // in the others a unit opens nothing, drops its records and keeps those of a message.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -19,8 +20,11 @@ struct TextUnit {
     char* buffer = nullptr;    // of a file that the unit has opened
     std::string name;          // the file's name, for error reports
     bool keepsOlder = false;   // a file that an earlier run left is not replaced
-    bool awaitsWords = false;  // a message has begun and its first line of words is still to come
-    std::string words;         // that line, without blanks around it
+    bool awaitsPlace =
+        false;              // of a run that goes on from a checkpoint: records are dropped until it is there
+    bool underLine = false; // a terminal's line that is written over stands where the next record goes
+    bool awaitsWords = false; // a message has begun and its first line of words is still to come
+    std::string words;        // that line, without blanks around it
     // Of a unit that takes messages: none begins while these are side by side.
     const Workers* workers = nullptr;
     bool elsewhere = false;    // open, in the first process
@@ -38,11 +42,15 @@ inline bool TakesRecords(const TextUnit& unit) {
 }
 
 /// Opens `name` for writing from its start, dropping what it held; stops with a library error when it can't, and when the
-/// unit keeps older files and this is one.
+/// unit keeps older files and this is one. While the unit awaits its place its records go nowhere.
 void OpenTextUnit(TextUnit& unit, const std::string& name);
 
 /// Opens a unit that was closed again, to go on behind what it holds; stops with a library error when it can't.
 void ReopenTextUnit(TextUnit& unit);
+
+/// Opens a unit that was closed again, to go on behind the first `length` bytes of its file, the rest of which is cut off; below
+/// 0: behind all. Stops with a library error when it can't, and when there is no such file.
+void OpenTextUnitBehind(TextUnit& unit, std::int64_t length);
 
 /// Makes a unit of a stream that is open already (the console).
 void AttachTextUnit(TextUnit& unit, std::FILE* stream, const std::string& name);

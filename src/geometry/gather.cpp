@@ -2,24 +2,6 @@
 
 namespace zurt {
 
-namespace {
-
-// The first match wins.
-bool FindPrescribed(const NodalViews& views, std::int32_t node, double& TE1, double& TE0) {
-    for (Word i = 1; i <= views.prescribedNodes.length; ++i) {
-        if (views.prescribedNodes(i) != node)
-            continue;
-        if (views.solutionRead) {
-            TE1 = views.prescribedEnd(i);
-            TE0 = views.prescribedStart(i);
-        }
-        return true;
-    }
-    return false;
-}
-
-} // namespace
-
 NodalViews NodalPlacesOf(const Run& run) {
     NodalViews views;
     views.ID = EquationNumbers(run);
@@ -37,13 +19,14 @@ NodalViews NodalViewsOf(const Run& run) {
     views.T0 = StepStart(run);
     views.outletStart = run.clock.OutletStart;
     views.outletEnd = run.control.outlet.OutletEnd;
-    views.byPrescribedValue = run.control.counts.GatherByPrescribedValue != 0;
+    views.byPrescribedValue = run.control.counts.IGATH == 1;
     const bool transient =
         views.byPrescribedValue ? run.control.header.NSTAC != 0 : run.control.header.NSTAC > 0;
     views.solutionRead = transient || run.job.NonlinearFlag == 1;
     views.nodeValues = NodeCardValues(run);
     if (NZADC > 0) {
-        views.prescribedNodes = IntSection(run.A, at.LPRES, NZADC);
+        views.prescribedEntry =
+            ConstIntArray(run.prescribedEntry.data(), static_cast<Word>(run.prescribedEntry.size()));
         views.prescribedStart = RealSection(run.A, at.LZAD1, NZADC);
         views.prescribedEnd = RealSection(run.A, at.LZAD2, NZADC);
     }
@@ -54,20 +37,24 @@ void GatherNodeValue(const NodalViews& views, std::int32_t node, double& TE1, do
     TE1 = 0.0;
     TE0 = 0.0;
     const std::int32_t equation = views.ID(node);
-    if (views.byPrescribedValue) {
-        if (equation < 1)
-            TE1 = TE0 = views.nodeValues(node);
-    } else {
-        if (views.prescribedNodes.length > 0 && FindPrescribed(views, node, TE1, TE0))
-            return;
-        if (equation == 0) {
-            TE1 = views.outletEnd;
-            TE0 = views.outletStart;
+    if (equation > 0) {
+        if (views.solutionRead) {
+            TE1 = views.T(equation);
+            TE0 = views.T0(equation);
         }
+        return;
     }
-    if (equation > 0 && views.solutionRead) {
-        TE1 = views.T(equation);
-        TE0 = views.T0(equation);
+    const std::int32_t entry = views.prescribedEntry.length > 0 ? views.prescribedEntry(node) : 0;
+    if (views.byPrescribedValue) {
+        TE1 = TE0 = entry > 0 ? views.prescribedEnd(entry) : views.nodeValues(node);
+    } else if (entry > 0) {
+        if (views.solutionRead) {
+            TE1 = views.prescribedEnd(entry);
+            TE0 = views.prescribedStart(entry);
+        }
+    } else if (equation == 0) {
+        TE1 = views.outletEnd;
+        TE0 = views.outletStart;
     }
 }
 

@@ -17,10 +17,10 @@ struct NodalViews {
     bool solutionRead = false;      // the problem is transient or iterates
     double outletStart = 0.0;       // value of a node without an equation at the start of the step
     double outletEnd = 0.0;         // and at its end
-    ConstIntArray prescribedNodes;  // 1..NZADC
+    ConstIntArray prescribedEntry;  // 1..NP: the entry of a node, 0 none; empty without entries
     ConstRealArray prescribedStart; // 1..NZADC
     ConstRealArray prescribedEnd;   // 1..NZADC
-    bool byPrescribedValue = false; // the second form: nodes without an equation take the value of their card
+    bool byPrescribedValue = false; // the second form: see GatherNodeValue
     ConstRealArray nodeValues;      // 1..NP
 };
 
@@ -39,8 +39,10 @@ template <int Family> struct ElementNodes {
     std::int32_t node[kMaxNodes<Family>]; // node numbers
 };
 
-/// Current and start value of one node. A node in the list of prescribed values takes them from there, a node with an
-/// equation from the solution, one with equation number 0 from the outlet pair; a negative number leaves zeros.
+/// Current and start value of one node. With an equation it takes them from the solution, without one from its entry of
+/// prescribed values, and without either from the outlet pair when its number is 0; a negative number leaves zeros.
+/// In the second form a node without an equation takes one value for both: its entry's at the end of the step, or the value
+/// of its node card.
 void GatherNodeValue(const NodalViews& views, std::int32_t node, double& TE1, double& TE0);
 
 /// Gathers the `active` nodes of element n from its row of NEL (1..NET, 1..NDMAX); all of them lie in 1..NP.

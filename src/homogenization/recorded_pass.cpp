@@ -5,6 +5,8 @@
 #include "homogenization/mass_files.h"
 #include "homogenization/mass_monitor.h"
 #include "run/files.h"
+#include "timeint/checkpoint.h"
+#include "timeint/progress.h"
 #include "timeint/step.h"
 
 namespace zurt {
@@ -42,17 +44,30 @@ void RecordedPass(Run& run, const Pass& pass) {
     const HeaderFields& header = run.control.header;
     const bool direct = header.IDIRECTD == 1 && pass.PassCounter == 1;
     const bool flowRows = header.NANOCH == 3 && run.fit.card.NFIT == 1;
-    std::int32_t rows = 0;
+    MassTables& mass = run.mass;
+    if (NextPassHasEnded(run)) {
+        const PassFlows& flows = FlowsOfPass(run);
+        mass.FLUXMICRO = flows.micro;
+        mass.FLUXEQUIV = flows.equivalent;
+        return;
+    }
     BeginPass(run, pass);
+    mass.flowRows = 0;
+    GoOnFromCheckpoint(run);
+    BeginPassProgress(run);
     while (run.clock.KOR < pass.NDT) {
         SolveStep(run);
         RecordFlow(run);
         if (direct)
             RecordDirectStep(run);
         if (WriteStep(run) && flowRows)
-            WriteFlowRow(run, ++rows);
+            WriteFlowRow(run, ++mass.flowRows);
         FlushUnits(run);
+        EndStepProgress(run);
+        WriteCheckpointIfDue(run);
     }
+    if (run.options.checkpoint > 0)
+        FlowsOfPass(run) = {mass.FLUXMICRO, mass.FLUXEQUIV};
 }
 
 } // namespace zurt

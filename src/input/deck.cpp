@@ -152,13 +152,6 @@ std::string_view TextAt(const Deck& deck, const LinePlace& place) {
     return text;
 }
 
-// C in the first column and a blank, an asterisk or a minus in the second; a line that ends behind its C is blank there.
-bool IsComment(std::string_view line) {
-    if (line.empty() || line[0] != 'C')
-        return false;
-    return line.size() == 1 || line[1] == ' ' || line[1] == '*' || line[1] == '-';
-}
-
 void GuardAgainstRepetition(Deck& deck, const char* group) {
     if (deck.returnedLine == deck.nextLine) {
         if (++deck.timesReturned > kLargestRepeat)
@@ -184,6 +177,12 @@ std::string Excerpt(std::string_view found) {
 }
 
 } // namespace
+
+bool IsComment(std::string_view line) {
+    if (line.empty() || line[0] != 'C')
+        return false;
+    return line.size() == 1 || line[1] == ' ' || line[1] == '*' || line[1] == '-';
+}
 
 void OpenDeck(Deck& deck, const std::string& name) {
     deck = Deck();

@@ -62,6 +62,12 @@ struct Deck {
     Word timesReturned = 0;
 };
 
+/// Where cards come from, and in which format: the deck in its own, a file beside it in that file's.
+struct CardSource {
+    Deck& deck;
+    std::int32_t INDFOR;
+};
+
 /// The image of one card: kCardLength characters, blank padded.
 struct CardBuffer {
     char text[kCardLength];
@@ -82,6 +88,10 @@ Word LineCount(Deck& deck);
 
 /// Line `line` (1 to LineCount) without its line end; quick for the line found last and the one behind it.
 std::string_view LineText(Deck& deck, Word line);
+
+/// True for a comment: C in the first column and a blank, an asterisk or a minus in the second; a line that ends behind its
+/// C is blank there.
+bool IsComment(std::string_view line);
 
 /// The next non-comment card. With INDFOR 2 the deck stands behind it, otherwise before it, so that a list-directed
 /// read takes the same line again. The end of the deck is a deck error that names `group`, the cards being read.

@@ -33,6 +33,11 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
       --check        reads the deck and lists what a run would stumble over, as
                      DECK:LINE: text; status 1 if there is anything, no files
       --json         the same as JSON
+      --prescribed FILE
+                     held nodes at values of their own, constant or by functions
+                     of time, from FILE
+      --history      a row a step in a table: stored amounts, flows, balance
+      --probe N[,N...] and in it the values of these nodes
       --wall-cells N elements that a fibre wall cuts are integrated over N x N (x N)
                      sub-cells (changes digits; default: Gauss points alone)
       --solver NAME  skyline, sparse or cg (conjugate gradients) in the place of
@@ -41,6 +46,10 @@ Usage: zurt [options] DECK      runs the deck DECK; - reads it from standard inp
                      (default: 1e-11)
       --threads N    threads that share the work; 0: one for each processor
                      (changes no digit; default: 1)
+      --progress FILE
+                     a line a step in FILE; a terminal shows one in any case
+      --checkpoint N every N steps the state of the run, in NAME.checkpoint
+      --restart FILE goes on from a checkpoint, with the same deck and options
       --vtu          results for ParaView, too: NAME.pvd, a NAME-0001.vtu for each step
   -h, --help         this page
       --version      the program's version
@@ -76,6 +85,10 @@ struct Arguments {
     std::string solver;
     const CLI::Option* solverGiven = nullptr;
     const CLI::Option* toleranceGiven = nullptr;
+    const CLI::Option* progressGiven = nullptr;
+    const CLI::Option* checkpointGiven = nullptr;
+    const CLI::Option* restartGiven = nullptr;
+    const CLI::Option* prescribedGiven = nullptr;
 };
 
 struct SolverName {
@@ -102,10 +115,16 @@ void DescribeArguments(CLI::App& app, Arguments& arguments) {
     arguments.solverGiven = app.add_option("--solver", arguments.solver);
     arguments.toleranceGiven = app.add_option("--tolerance", arguments.settings.options.tolerance);
     app.add_option("--threads", arguments.settings.options.threads);
+    arguments.progressGiven = app.add_option("--progress", arguments.settings.options.progress);
+    arguments.checkpointGiven = app.add_option("--checkpoint", arguments.settings.options.checkpoint);
+    arguments.restartGiven = app.add_option("--restart", arguments.settings.options.restart);
     app.add_flag("--vtu", arguments.settings.options.vtu);
     app.add_flag("--free", arguments.settings.options.allFree);
     app.add_flag("--check", arguments.settings.check);
     app.add_flag("--json", arguments.settings.json);
+    arguments.prescribedGiven = app.add_option("--prescribed", arguments.settings.options.prescribed);
+    app.add_flag("--history", arguments.settings.options.history);
+    app.add_option("--probe", arguments.settings.options.probes)->delimiter(',')->allow_extra_args(false);
     app.add_flag("-f,--force", arguments.settings.force);
     app.add_flag("-q,--quiet", arguments.settings.quiet);
     app.add_flag("-h,--help", arguments.help);
@@ -127,6 +146,11 @@ std::string FaultOf(const Arguments& arguments) {
         return "--json belongs to --check";
     if (settings.check && (arguments.outputGiven->count() > 0 || settings.force))
         return "--check writes no files: --output and --force have no meaning with it";
+    const RunOptions& options = settings.options;
+    if (arguments.prescribedGiven->count() > 0 && access(options.prescribed.c_str(), R_OK) != 0)
+        return "can't open the file of prescribed values " + options.prescribed + ": " + std::strerror(errno);
+    if (!options.probes.empty() && !options.history)
+        return "--probe names nodes for the table of --history, which is not asked for";
     if (settings.words < 1 || settings.words > kMostWords)
         return "--words takes a count between 1 and " + std::to_string(kMostWords);
     if (arguments.wallCellsGiven->count() > 0 &&
@@ -140,6 +164,15 @@ std::string FaultOf(const Arguments& arguments) {
         return "--tolerance takes a number between 0 and 1";
     if (settings.options.threads < 0 || settings.options.threads > kMostThreads)
         return "--threads takes a count between 0 and " + std::to_string(kMostThreads);
+    if (arguments.checkpointGiven->count() > 0 && settings.options.checkpoint < 1)
+        return "--checkpoint takes a count of steps, from 1";
+    if (arguments.restartGiven->count() > 0 && settings.options.restart.empty())
+        return "--restart needs the name of a checkpoint";
+    if (arguments.progressGiven->count() > 0 && settings.options.progress.empty())
+        return "--progress needs the name of a file";
+    if ((options.checkpoint > 0 || !options.restart.empty()) &&
+        (options.vtu || options.history || !options.prescribed.empty()))
+        return "--checkpoint and --restart do not go with --vtu, --history and --prescribed";
     return "";
 }
 

@@ -9,8 +9,11 @@
 #include "job/run_end.h"
 #include "job/solve_problem.h"
 #include "microscale/fibre_data.h"
+#include "model/prescribed_file.h"
 #include "run/banner.h"
 #include "run/files.h"
+#include "timeint/checkpoint.h"
+#include "timeint/progress.h"
 
 #include <cstdio>
 #include <new>
@@ -52,6 +55,12 @@ void StartUp(Run& run, const JobSettings& settings, std::FILE* consoleInput, std
     else
         OpenNamedDeck(run, settings);
     run.deck.allFree = run.options.allFree;
+    if (!settings.options.prescribed.empty())
+        OpenDeck(run.prescribedFile, settings.options.prescribed);
+    if (settings.check)
+        return;
+    OpenCheckpoint(run);
+    BeginProgress(run, !settings.dialogue && !settings.quiet);
 }
 
 bool IsStopCard(Run& run) {
@@ -77,6 +86,7 @@ void RunProblems(Run& run) {
         }
         SolveProblem(run);
     } while (EndProblem(run));
+    NoteRestOfPrescribedFile(run);
     CloseUnits(run);
 }
 

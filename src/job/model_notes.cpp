@@ -63,9 +63,16 @@ void NoteSources(const Run& run) {
 void NoteValuesOfHeldNodes(const Run& run) {
     const ConstIntArray ID = EquationNumbers(run);
     const ConstRealArray values = NodeCardValues(run);
+    const CurveCounts& counts = run.control.counts;
+    if (counts.IGATH == 1)
+        return;
     const double used = run.control.outlet.OutletEnd;
-    const NodesFound found =
-        FindNodes(ID.length, [&](Word i) { return ID(i) == 0 && values(i) != 0.0 && values(i) != used; });
+    const auto hasEntry = [&](Word i) {
+        return counts.NZADC > 0 && run.prescribedEntry[static_cast<std::size_t>(i - 1)] > 0;
+    };
+    const NodesFound found = FindNodes(ID.length, [&](Word i) {
+        return ID(i) == 0 && values(i) != 0.0 && values(i) != used && !hasEntry(i);
+    });
     if (found.count > 0)
         WriteNote(Count(found.count, "held node has a value", "held nodes have values") +
                   " on the node card that is not used (node " + std::to_string(found.first) +

@@ -22,7 +22,7 @@
 #include "model/materials.h"
 #include "model/nodes.h"
 #include "model/outlet.h"
-#include "model/prescribed_values.h"
+#include "model/prescribed_file.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
 #include "results/unv_mesh.h"
@@ -181,14 +181,11 @@ void ReadMaterialData(Run& run) {
 
 void ReadTimeDependence(Run& run) {
     const HeaderFields& header = run.control.header;
-    if (header.NDS == 0 && run.control.counts.NZADC == 0)
-        return;
-    if (header.NDS != 2 && header.NANOCH == 0)
-        ReadTimeFunctions(run);
+    if (header.NDS != 0 && header.NDS != 2 && header.NANOCH == 0)
+        ReadTimeFunctions(run, CardsOfDeck(run));
     if (header.NDS != 0 && header.NDS != 2 && header.NANOCH > 0)
         ReadOutletData(run);
-    if (header.NDS == 0)
-        ReadPrescribedValues(run);
+    ReadPrescribedFile(run);
 }
 
 // Which curves make the problem iterate within a step.
@@ -215,6 +212,7 @@ void ReadBoundaryData(Run& run) {
         EchoBoundaryCard(run, first);
     ReadFunctionTables(run);
     DecideKindOfProblem(run);
+    RequireUseOfPrescribedValues(run);
     TakeSolutionVectors(run);
     if (run.control.header.NSTAC != 0 || run.job.NonlinearFlag == 1) {
         ReadInitialConditions(run);

@@ -2,6 +2,7 @@
 
 #include "check/node_use.h"
 #include "core/format.h"
+#include "core/terminal_line.h"
 #include "run/file_names.h"
 
 #include <cstdio>
@@ -70,6 +71,9 @@ std::string NamesOfFiles(const Run& run) {
     for (std::int32_t problem = 1; run.options.vtu && problem <= run.job.ProblemNumber; ++problem)
         if (const std::string name = ViewerName(units, problem) + ".pvd"; HoldsSomething(name))
             names += (names.empty() ? "" : ", ") + std::string("ParaView file ") + name;
+    for (std::int32_t problem = 1; run.options.history && problem <= run.job.ProblemNumber; ++problem)
+        if (const std::string name = HistoryName(units, problem); HoldsSomething(name))
+            names += ", table " + name;
     return names;
 }
 
@@ -104,9 +108,15 @@ bool FlushEverything() {
     return std::fflush(nullptr) == 0;
 }
 
+void EndTerminalLine(const Run& run) {
+    if (run.progress.onTerminal)
+        EraseTerminalLine();
+}
+
 } // namespace
 
 int ReportStop(Run& run, const RunStop& stop) {
+    EndTerminalLine(run);
     PutRecordsOfStop(run, stop);
     FlushEverything(); // so that the report comes last where both streams are the same
     WriteDeckNotes(run.deck);
@@ -125,6 +135,7 @@ int ReportStop(Run& run, const RunStop& stop) {
 }
 
 int EndOfRun(Run& run, const JobSettings& settings, int status) {
+    EndTerminalLine(run);
     if (settings.dialogue && status == kStopped)
         status = kFinished;
     bool stored = FlushEverything();

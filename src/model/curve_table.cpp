@@ -34,26 +34,26 @@ void EchoPairs(Run& run, const FunctionHeaderCard& header, ConstRealTable pairs)
         Write(listing, line, pairs(row - 1, p), pairs(row, p));
 }
 
-void ReadFunctionPoints(Run& run, const FunctionHeaderCard& header, RealTable pairs) {
+void ReadFunctionPoints(const CardSource& source, const FunctionHeaderCard& header, RealTable pairs) {
     const Word row = 2 * Word{header.F};
     TablePoints points;
     for (Word p = 1; p <= header.N; ++p) {
         FunctionPointCard point{pairs(row - 1, p), pairs(row, p)};
-        ReadCardFields(run.deck, run.control.header.INDFOR, kFunctionPointCard, &point);
+        ReadCardFields(source.deck, source.INDFOR, kFunctionPointCard, &point);
         pairs(row - 1, p) = point.ARGUMENT;
         pairs(row, p) = point.VALUE;
         points.arguments.push_back(point.ARGUMENT);
         points.values.push_back(point.VALUE);
     }
-    NoteIfNotRising(run.deck, kFunctionPointCard.group, "ARGUMENT", points,
+    NoteIfNotRising(source.deck, kFunctionPointCard.group, "ARGUMENT", points,
                     "of function " + std::to_string(header.F));
 }
 
 /// A function needs one point to be looked up, and one to be tested against the end of the run.
-void RequirePoint(const Run& run, const FunctionHeaderCard& header, std::int32_t largest,
+void RequirePoint(const Deck& deck, const FunctionHeaderCard& header, std::int32_t largest,
                   bool checkCoverage) {
     if (largest < 1 || (checkCoverage && header.N < 1))
-        DeckError(run.deck, kFunctionHeaderCard.group, "N", std::to_string(header.N),
+        DeckError(deck, kFunctionHeaderCard.group, "N", std::to_string(header.N),
                   "a function needs at least one point");
 }
 
@@ -62,23 +62,24 @@ void RequirePoint(const Run& run, const FunctionHeaderCard& header, std::int32_t
 const CardLayout kFunctionHeaderCard = Layout("Function header card", kFunctionHeaderFields);
 const CardLayout kFunctionPointCard = Layout("Function point card", kFunctionPointFields);
 
-CurveTableResult ReadCurveTable(Run& run, IntArray points, RealTable pairs, std::int32_t functions,
-                                std::int32_t largest, double TMAX, bool checkCoverage) {
+CurveTableResult ReadCurveTable(Run& run, const CardSource& source, IntArray points, RealTable pairs,
+                                std::int32_t functions, std::int32_t largest, double TMAX,
+                                bool checkCoverage) {
     const bool echo = EchoInput(run);
     // Functions that no card gives are constants of value 0, whatever an earlier problem left in `A`.
     Fill(points, 0);
     Fill(RealArray(pairs.data, pairs.rows * pairs.columns), 0.0);
     FunctionHeaderCard header;
     for (std::int32_t i = 1; i <= functions; ++i) {
-        ReadCardFields(run.deck, run.control.header.INDFOR, kFunctionHeaderCard, &header);
+        ReadCardFields(source.deck, source.INDFOR, kFunctionHeaderCard, &header);
         if (header.N > largest && header.F != 0)
             return {header.F, header.N, false, 0.0};
-        RequireIndex(run.deck, kFunctionHeaderCard.group, "F", header.F, functions);
-        RequirePoint(run, header, largest, checkCoverage);
+        RequireIndex(source.deck, kFunctionHeaderCard.group, "F", header.F, functions);
+        RequirePoint(source.deck, header, largest, checkCoverage);
         points(header.F) = header.N;
         if (echo)
             EchoHeader(run, header);
-        ReadFunctionPoints(run, header, pairs);
+        ReadFunctionPoints(source, header, pairs);
         if (checkCoverage) {
             const double last = pairs(2 * Word{header.F} - 1, header.N);
             if (last < TMAX)

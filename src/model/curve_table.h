@@ -29,14 +29,15 @@ struct CurveTableResult {
     double lastArgument = 0.0;       // with endsEarly
 };
 
-/// Reads `functions` functions.
+/// Reads `functions` functions from `source`.
 ///   points   1..functions: points of each function (output, cleared first)
 ///   pairs    2*functions x largest (output, cleared first)
 ///   TMAX     with checkCoverage the last argument of a function must not lie below it
 /// Returns at once, the rest unread, at a function with more points than `largest` and at one that ends ahead of TMAX.
 /// A function number outside 1..functions, and a function without any point where its first or last point is needed,
 /// are deck errors.
-CurveTableResult ReadCurveTable(Run& run, IntArray points, RealTable pairs, std::int32_t functions,
-                                std::int32_t largest, double TMAX, bool checkCoverage);
+CurveTableResult ReadCurveTable(Run& run, const CardSource& source, IntArray points, RealTable pairs,
+                                std::int32_t functions, std::int32_t largest, double TMAX,
+                                bool checkCoverage);
 
 } // namespace zurt

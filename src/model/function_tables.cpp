@@ -104,8 +104,9 @@ void ReadFamily(Run& run, const FunctionFamily& family) {
         Write(run.units.listing, "(///6X,A)", Say(run, family.serbianHeading, family.englishHeading));
     const FunctionTable table =
         FunctionTableAt(run, functions, largest, at.*family.countsAt, at.*family.tableAt);
-    const CurveTableResult result = ReadCurveTable(run, table.points, table.pairs, functions, largest,
-                                                   run.control.counts.TotalTime, family.ofTime);
+    const CurveTableResult result =
+        ReadCurveTable(run, CardsOfDeck(run), table.points, table.pairs, functions, largest,
+                       run.control.counts.TotalTime, family.ofTime);
     if (result.functionNumber != 0)
         StopOnFamilyError(run, family, result);
 }

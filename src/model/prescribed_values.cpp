@@ -19,6 +19,7 @@ constexpr CardField kPrescribedFields[] = {
 
 struct EntryReader {
     Run& run;
+    CardSource source;
     RealArray factors;
     IntArray functions, nodes;
     Word I = 0; // entries so far
@@ -33,7 +34,7 @@ struct PendingEntries {
 };
 
 void StoreEntry(EntryReader& reader, std::int64_t node, std::int32_t function, double factor) {
-    const Deck& deck = reader.run.deck;
+    const Deck& deck = reader.source.deck;
     if (++reader.I > reader.nodes.length)
         DeckError(deck, kPrescribedCard.group, "N", std::to_string(node),
                   "there are more entries than NZADC, which is " + std::to_string(reader.nodes.length));
@@ -86,7 +87,7 @@ void ReadPrescribedCards(EntryReader& reader) {
     PendingEntries pending;
     PrescribedCard card;
     for (;;) {
-        ReadCardFields(run.deck, run.control.header.INDFOR, kPrescribedCard, &card);
+        ReadCardFields(reader.source.deck, reader.source.INDFOR, kPrescribedCard, &card);
         StoreEntry(reader, card.N, card.F, card.V);
         if (echo)
             EchoPrescribedCard(run, card);
@@ -109,16 +110,26 @@ void TakePrescribedArrays(Run& run) {
     StopIfInputOverflows(run);
 }
 
+// The first entry of a node is the one that counts.
+void FindEntriesOfNodes(Run& run) {
+    const ConstIntArray nodes = PrescribedNodes(run);
+    run.prescribedEntry.assign(static_cast<std::size_t>(run.control.header.NP), 0);
+    for (Word i = nodes.length; i >= 1; --i)
+        if (nodes(i) != 0)
+            run.prescribedEntry[static_cast<std::size_t>(nodes(i) - 1)] = static_cast<std::int32_t>(i);
+}
+
 } // namespace
 
 const CardLayout kPrescribedCard = Layout("Prescribed value card", kPrescribedFields);
 
-void ReadPrescribedValues(Run& run) {
+void ReadPrescribedValues(Run& run, const CardSource& source) {
     TakePrescribedArrays(run);
     if (EchoInput(run))
         EchoPrescribedHeading(run);
-    EntryReader reader{run, PrescribedFactors(run), PrescribedFunctions(run), PrescribedNodes(run)};
+    EntryReader reader{run, source, PrescribedFactors(run), PrescribedFunctions(run), PrescribedNodes(run)};
     ReadPrescribedCards(reader);
+    FindEntriesOfNodes(run);
 }
 
 void EvaluatePrescribedValues(Run& run) {

@@ -1,7 +1,8 @@
 // Prescribed concentrations: nodes whose value follows a time function times a factor.
 //
-// Dormant: no card sets the count NZADC of the entries, so none are read and none evaluated. With entries, element passes
-// and nodal results would take the values of nodes without an equation from here (geometry/gather.h, timeint/step.h).
+// No card of the deck sets the count NZADC of the entries: they come from a file of their own (model/prescribed_file.h).
+// Element passes and nodal results take the values of nodes without an equation from here (geometry/gather.h,
+// timeint/step.h); at a node with an equation an entry has no effect.
 #pragma once
 
 #include "input/card.h"
@@ -18,10 +19,11 @@ struct PrescribedCard {
 
 extern const CardLayout kPrescribedCard;
 
-/// Takes the arrays of NZADC entries and reads their cards, with echo. Behind a run the entries between its two cards
-/// are generated: their factors go on from the closing card's. Called by the driver when NDS is 0 and NZADC positive.
+/// Takes the arrays of NZADC entries and reads their cards from `source`, with echo; sets run.prescribedEntry, the first
+/// entry of each node. Behind a run the entries between its two cards
+/// are generated: their factors go on from the closing card's. Called with NZADC positive.
 /// A node outside 0..NP, a time function outside 1..NTABFT and more entries than NZADC are deck errors.
-void ReadPrescribedValues(Run& run);
+void ReadPrescribedValues(Run& run, const CardSource& source);
 
 /// Values at the current TIME: the end values of the step before become the start values, the functions give the end
 /// values, increments are their difference. Nothing happens without entries. Called in every step once time has

@@ -27,8 +27,8 @@ constexpr EchoLine kTimeFunctionEcho[] = {
     ZURT_ECHO_REMARK("GT.1; VREMENSKE FUNKCIJE SU PROMENLJIVE", "GT.1; TIME FUNCTIONS ARE VARIABLE"),
 };
 
-void EchoCounts(Run& run) {
-    PrintCardNumber(run, run.deck.CardCounter, 1);
+void EchoCounts(Run& run, std::int32_t card) {
+    PrintCardNumber(run, card, 1);
     Write(run.units.listing, "(6X,A)",
           Say(run, "P O D A C I    O    V R E M E N S K I M    F U N K C I J A M A",
               "D A T A    F O R    T I M E    F U N C T I O N S"));
@@ -92,11 +92,11 @@ TextUnit& BeginInputError(Run& run) {
 
 const CardLayout kTimeFunctionCountCard = Layout("Time function counts", kTimeFunctionCountFields);
 
-void ReadTimeFunctions(Run& run) {
+void ReadTimeFunctions(Run& run, const CardSource& source) {
     CurveCounts& counts = run.control.counts;
-    ReadCardFields(run.deck, run.control.header.INDFOR, kTimeFunctionCountCard, &counts);
+    ReadCardFields(source.deck, source.INDFOR, kTimeFunctionCountCard, &counts);
     if (EchoInput(run))
-        EchoCounts(run);
+        EchoCounts(run, source.deck.CardCounter);
     if (counts.NTABFT == 0)
         return;
     TakeTimeFunctions(run);
@@ -104,8 +104,8 @@ void ReadTimeFunctions(Run& run) {
         Write(run.units.listing, "(//6X,A)",
               Say(run, "V R E M E N S K E    F U N K C I J E", "T I M E    F U N C T I O N S"));
     const CurveTableResult result =
-        ReadCurveTable(run, TimeFunctionPoints(run), TimeFunctionPairs(run), counts.NTABFT, counts.MAXTFT,
-                       run.control.counts.TotalTime, true);
+        ReadCurveTable(run, source, TimeFunctionPoints(run), TimeFunctionPairs(run), counts.NTABFT,
+                       counts.MAXTFT, run.control.counts.TotalTime, true);
     if (result.functionNumber == 0)
         return;
     if (result.endsEarly)

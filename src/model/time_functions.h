@@ -11,10 +11,10 @@ namespace zurt {
 
 extern const CardLayout kTimeFunctionCountCard;
 
-/// Reads NTABFT, MAXTFT and the functions; takes their table at LTFT1 and the points per function at LTFT2. A function
+/// Reads NTABFT, MAXTFT and the functions from `source`; takes their table at LTFT1 and the points per function at LTFT2. A function
 /// must reach TIME, which holds the end of the run at this stage. Too many points, a function that ends early and a
 /// full working vector stop the run.
-void ReadTimeFunctions(Run& run);
+void ReadTimeFunctions(Run& run, const CardSource& source);
 
 /// out(i) = multipliers(i) times function functions(i) at the current TIME, for i = 1..count with active(i) not 0
 /// (see TimeFunctionValues). Stops the run when a function is not defined at TIME. Function numbers lie in 1..NTABFT.

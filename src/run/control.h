@@ -84,9 +84,9 @@ struct CurveCounts {
     std::int32_t NZADP4 = 0;                      // nodes shared with radial elements
     std::int32_t NDT = 0;                         // steps of all periods
     double TotalTime = 0.0;                       // their sum; 0 in a steady problem
-    // Dormant: no card sets these two.
-    std::int32_t NZADC = 0;                   // prescribed concentrations
-    std::int32_t GatherByPrescribedValue = 0; // selects the second form of the gather
+    // From the file of prescribed values (model/prescribed_file.h), without one 0.
+    std::int32_t NZADC = 0; // entries
+    std::int32_t IGATH = 0; // 1 selects the second form of the gather (geometry/gather.h)
 };
 
 /// Outlet and time multiplier cards of problems with a nanochannel.
@@ -116,7 +116,7 @@ struct Pointers {
     Word LFO = 0;
     Word LTT1 = 0, LTT2 = 0, LTT3 = 0; // StepSolution, StepIncrement, StepStart
     Word LNODAL = 0, LSK = 0, LRHS = 0;
-    // Dormant: the section of prescribed values, empty while NZADC is 0.
+    // The section of prescribed values, empty while NZADC is 0.
     Word LPRES = 1, LZAD1 = 0, LZAD2 = 0, LZAD3 = 0;
     // Dormant: sections that keep their place in `A`, and nothing uses. LNANO(4) and LNANO(5) are two more.
     Word LRES1 = 1, LRES2 = 1, LEQV = 0;

@@ -94,8 +94,16 @@ std::string MessagesName(const Units& units) {
     return units.Folder + "MESSAGES.LST";
 }
 
+std::string HistoryName(const Units& units, std::int32_t problem) {
+    return units.Base + "-history" + (problem > 1 ? "-" + std::to_string(problem) : "") + ".csv";
+}
+
 std::string StepArchiveName(const Units& units) {
     return units.Folder + "ZITEMP";
+}
+
+std::string CheckpointName(const Units& units) {
+    return units.DefaultListingName.substr(0, units.DefaultListingName.rfind('.')) + ".checkpoint";
 }
 
 std::string ViewerName(const Units& units, std::int32_t problem) {
@@ -116,6 +124,8 @@ void RemoveOldViewerFiles(const Units& units) {
 }
 
 bool AreOneFile(const std::string& name, const std::string& other) {
+    if (name.empty() || other.empty())
+        return false;
     struct stat first, second;
     const bool firstExists = stat(name.c_str(), &first) == 0,
                secondExists = stat(other.c_str(), &second) == 0;
@@ -131,6 +141,8 @@ bool AreOneFile(const std::string& name, const std::string& other) {
 void RequireUnused(const Run& run, const std::string& name) {
     if (AreOneFile(name, run.deck.name))
         StopOnClash(name, "the deck");
+    if (AreOneFile(name, run.options.prescribed))
+        StopOnClash(name, "the file of prescribed values");
     if (IsOpen(run.units.listing) && AreOneFile(name, run.units.listing.name))
         StopOnClash(name, "the listing");
     for (const FixedFile& fixed : FixedFiles(run.units))
@@ -143,6 +155,8 @@ void RequireDistinctFixedFiles(const Run& run) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         if (files[i].written && AreOneFile(files[i].name, run.deck.name))
             StopOnClash(files[i].name, "the deck");
+        if (files[i].written && AreOneFile(files[i].name, run.options.prescribed))
+            StopOnClash(files[i].name, "the file of prescribed values");
         for (std::size_t j = 0; j < i; ++j)
             if (files[i].written && AreOneFile(files[i].name, files[j].name))
                 StopOnClash(files[i].name, "the file " + files[j].name);

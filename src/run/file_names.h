@@ -13,6 +13,8 @@ std::string MassFileName(const Units& units, std::int32_t direction);
 std::string MessagesName(const Units& units);
 std::string StepArchiveName(const Units& units);
 
+/// Name of the checkpoint of a job on the command line: the listing's with another ending.
+std::string CheckpointName(const Units& units);
 /// Files for viewers begin with this: the listing's name without its ending, and in later problems of a deck "-p2" and so on.
 std::string ViewerName(const Units& units, std::int32_t problem);
 
@@ -22,6 +24,8 @@ std::vector<std::string> OldViewerFiles(const Units& units);
 
 /// Deletes them, and what a run that was killed left of one.
 void RemoveOldViewerFiles(const Units& units);
+/// Name of the table of balances of problem 1, 2 ... of the deck, a job on the command line.
+std::string HistoryName(const Units& units, std::int32_t problem);
 
 /// True for two names of one plain file: by device and inode where both exist (links count), else by their paths.
 bool AreOneFile(const std::string& name, const std::string& other);

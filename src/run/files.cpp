@@ -67,7 +67,7 @@ bool IsPlainFile(const std::string& name) {
 void DeriveDefaultNames(Run& run, const std::string& name) {
     const bool capitals = name[0] >= 'A' && name[0] <= 'Z';
     const std::size_t point = name.find('.');
-    const std::string base =
+    const std::string base = run.units.Base =
         run.units.Folder + name.substr(0, point != std::string::npos ? point : name.find(' '));
     run.units.DefaultListingName = base + (capitals ? ".LST" : ".lst");
     run.units.DefaultGraphicsName = base + (capitals ? ".UNV" : ".unv");
@@ -177,8 +177,13 @@ void RequireFreeNames(const Run& run) {
     std::string taken;
     int count = 0;
     for (const std::string& name : {units.DefaultListingName, units.DefaultGraphicsName, MessagesName(units),
-                                    MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3)})
-        if (FileExists(name))
+                                    MassFileName(units, 1), MassFileName(units, 2), MassFileName(units, 3),
+                                    run.options.history ? HistoryName(units, 1) : std::string()})
+        if (!name.empty() && FileExists(name))
+            taken += (count++ > 0 ? ", " : "") + name;
+    for (const std::string& name :
+         {run.options.checkpoint > 0 ? CheckpointName(units) : "", run.options.progress})
+        if (!name.empty() && IsPlainFile(name))
             taken += (count++ > 0 ? ", " : "") + name;
     if (run.options.vtu) {
         const std::vector<std::string> old = OldViewerFiles(units);
@@ -194,11 +199,35 @@ void RequireFreeNames(const Run& run) {
                              " and would be overwritten: --force allows it, --output DIR writes elsewhere");
 }
 
-std::array<TextUnit*, 6> OutputUnits(Units& units) {
-    return {&units.listing, &units.graphics, &units.massX, &units.massY, &units.massZ, &units.messages};
+std::array<TextUnit*, 7> OutputUnits(Units& units) {
+    return {&units.listing, &units.graphics, &units.massX,  &units.massY,
+            &units.massZ,   &units.messages, &units.history};
+}
+
+// Behind what the run wrote there that this one goes on from.
+void OpenProgressFile(Run& run) {
+    TextUnit& unit = run.units.progress;
+    if (run.options.progress.empty())
+        return;
+    RequireUnused(run, run.options.progress);
+    if (run.options.restart.empty()) {
+        OpenTextUnit(unit, run.options.progress);
+    } else {
+        unit.name = run.options.progress;
+        ReopenTextUnit(unit);
+    }
 }
 
 } // namespace
+
+std::array<TextUnit*, kContinuedUnits> ContinuedUnits(Units& units) {
+    return {&units.listing, &units.graphics, &units.messages, &units.massX, &units.massY, &units.massZ};
+}
+
+std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units) {
+    return {units.DefaultListingName, units.DefaultGraphicsName, MessagesName(units),
+            MassFileName(units, 1),   MassFileName(units, 2),    MassFileName(units, 3)};
+}
 
 void OpenInputDeck(Run& run) {
     Write(run.units.console, "(A)",
@@ -230,11 +259,19 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     RequireUnused(run, units.DefaultGraphicsName);
     if (run.options.vtu)
         RequireUnused(run, ViewerName(units, 1) + ".pvd");
-    if (!settings.force)
+    if (run.options.history)
+        RequireUnused(run, HistoryName(units, 1));
+    if (run.options.checkpoint > 0)
+        RequireUnused(run, CheckpointName(units));
+    // A restart goes on with its own files; a checkpoint that is not of this deck and folder is refused ahead of them.
+    const bool goesOn = !run.options.restart.empty();
+    if (!settings.force && !goesOn)
         RequireFreeNames(run);
+    units.keepsOlder = !settings.force;
     for (TextUnit* unit : OutputUnits(units))
-        unit->keepsOlder = !settings.force;
+        unit->keepsOlder = units.keepsOlder && !goesOn;
     OpenWorkFiles(run);
+    OpenProgressFile(run);
 }
 
 void OpenDeckToCheck(Run& run, const JobSettings& settings) {
@@ -281,6 +318,7 @@ void CloseUnits(Run& run) {
     run.deck = Deck();
     for (TextUnit* unit : OutputUnits(run.units))
         CloseTextUnit(*unit);
+    CloseTextUnit(run.units.progress);
 }
 
 } // namespace zurt

@@ -8,6 +8,9 @@
 #include "run/job_settings.h"
 #include "run/run.h"
 
+#include <array>
+#include <string>
+
 namespace zurt {
 
 /// Asks for the deck's name, derives the default names of listing and graphics file, opens the deck and the work files
@@ -32,6 +35,11 @@ void OpenMessages(Run& run);
 
 /// Flushes every text unit.
 void FlushUnits(Run& run);
+
+/// The files that grow with the steps: a checkpoint has their places.
+std::array<TextUnit*, kContinuedUnits> ContinuedUnits(Units& units);
+/// And their names in a job on the command line.
+std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units);
 
 /// After a "STOP" card: closes deck, listing and graphics file.
 void CloseUnits(Run& run);

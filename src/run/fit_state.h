@@ -82,6 +82,7 @@ struct MassTables {
     std::vector<double> FLUXMICRO;       // flow by step 1..NDT at 0..NDT-1, in the model with fibres
     std::vector<double> FLUXEQUIV;       // and in the equivalent medium
     std::array<CrossSection, 4> section; // by direction 1..3
+    std::int32_t flowRows = 0;           // rows of flows of the pass in work in the mass file
     std::vector<double> nodalSums;       // 1..NP at 0..NP-1: work space for residuals
     std::vector<double>
         startValues; // 1..NP: initial concentration of every node, with an equation or without

@@ -4,6 +4,7 @@
 #include "run/working_vector.h"
 
 #include <string>
+#include <vector>
 
 namespace zurt {
 
@@ -34,7 +35,16 @@ struct RunOptions {
     bool allFree = false;
     // Threads at work in the loops that have them (core/workers.h); 0: one a processor. No digit depends on it.
     std::int32_t threads = 1;
-    bool vtu = false; // written steps go to files for ParaView, too (results/vtu_results.h)
+    std::int32_t checkpoint =
+        0;                // steps from one checkpoint to the next (timeint/checkpoint.h); 0: none is written
+    std::string restart;  // the checkpoint that the run goes on from, empty: none
+    std::string progress; // file for a line a step (timeint/progress.h), empty: none
+    bool vtu = false;     // written steps go to files for ParaView, too (results/vtu_results.h)
+    // File of prescribed values, empty: none (model/prescribed_file.h).
+    std::string prescribed;
+    // Rows of a balance a step, beside the listing, and the nodes whose values they hold (results/history.h).
+    bool history = false;
+    std::vector<std::int32_t> probes;
 };
 
 struct JobSettings {

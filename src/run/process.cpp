@@ -1,5 +1,6 @@
 #include "run/process.h"
 
+#include "core/terminal_line.h"
 #include "run/job_settings.h"
 
 #include <csignal>
@@ -41,6 +42,7 @@ void FailWithinJob() {
     if (jobIsRunning == 0)
         return;
     std::fflush(nullptr);
+    EraseTerminalLine();
     std::fputs(
         "zurt: error: a library has ended the process; what it says stands above, if it says anything\n",
         stderr);

@@ -8,9 +8,11 @@
 #include "run/element_group.h"
 #include "run/fibre_set.h"
 #include "run/fit_state.h"
+#include "run/history_state.h"
 #include "run/job_settings.h"
 #include "run/run_state.h"
 #include "run/units.h"
+#include "run/watch_state.h"
 #include "run/working_vector.h"
 
 #include <any>
@@ -35,14 +37,20 @@ struct Run {
     Clock clock;
     OutputCounters outputs;
     Deck deck;
+    Deck prescribedFile; // of --prescribed; without a name when there is none
     Units units;
     WorkingVector A;
     ElementGroup groups[kMaxGroups + 1]; // 1..NGET
     FitState fit;
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;
-    MassTables mass;        // empty but in a fit and in the direct calculation
-    CheckState check;       // of --check
+    std::vector<std::int32_t>
+        prescribedEntry; // 1..NP at 0..NP-1: the node's entry, 0 none; empty: none at all
+    HistoryState history;
+    MassTables mass;  // empty but in a fit and in the direct calculation
+    CheckState check; // of --check
+    CheckpointState checkpoint;
+    ProgressState progress;
     std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
     std::any vtuStorage;    // what the files for ParaView keep from step to step (results/vtu_results.cpp)
 };
@@ -50,6 +58,11 @@ struct Run {
 /// The text of the run's language.
 inline const char* Say(const Run& run, const char* serbian, const char* english) {
     return Say(run.job.Language, serbian, english);
+}
+
+/// Cards of the deck, in its format.
+inline CardSource CardsOfDeck(Run& run) {
+    return {run.deck, run.control.header.INDFOR};
 }
 
 /// True when input data read and generated are echoed.

@@ -19,15 +19,19 @@ struct Units {
     TextUnit massZ;                    // 59
     bool massTables = false;           // a fit or the direct calculation has written to these three
     TextUnit messages;                 // 62, MESSAGES.LST
+    TextUnit progress;                 // of --progress
+    TextUnit history;                  // the table of --history
     std::FILE* consoleInput = nullptr; // 5
     std::FILE* scratch15 = nullptr;    // Dormant: opened, never used
     std::FILE* restart19 = nullptr;    // "ZITEMP": opened, never written, never read
     std::FILE* stepFile = nullptr;     // 20, scratch
     std::int32_t ListingOpen = 0, GraphicsOpen = 0; // 1 once the deck asked for them
     bool none = false;                              // no output is opened, whatever the deck asks for
+    bool keepsOlder = false;                        // files of earlier runs are not replaced
     bool dialogue = true; // names of outputs are asked for; else the defaults are taken
     std::string
         Folder; // of the files with fixed names and of the defaults, with a slash at its end; empty: the current one
+    std::string Base; // folder and name of the deck without its end: what default names begin with
     std::string DefaultListingName;
     std::string DefaultGraphicsName;
 };

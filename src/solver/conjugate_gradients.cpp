@@ -164,6 +164,8 @@ GradientsEnd IterateInTurns(const Gradients& gradients, const GradientsLimits& l
                             GradientsReport& report) {
     const double tolerance = limits.tolerance;
     const Norms begin = Precondition(gradients);
+    if (!std::isfinite(begin.rr))
+        return GradientsEnd::NotConverged;
     Norms norms = begin;
     while (begin.rr > 0.0) {
         const double before = norms.rr;
@@ -215,7 +217,7 @@ GradientsReport SolveInTeam(Gradients gradients, RealArray b, const GradientsLim
     ForBlocks(gradients, [&](std::size_t, RowRange rows) {
         ScaleBlock(gradients.A, rows, work.scale);
         for (std::size_t i = rows.first; i < rows.end; ++i)
-            work.b[i] = work.r[i] = std::ldexp(work.scale[i] * b.data[i], -exponent);
+            work.b[i] = work.r[i] = work.scale[i] * std::ldexp(b.data[i], -exponent);
     });
     Factor(gradients, report);
     report.end = IterateInTurns(gradients, limits, report);
@@ -233,8 +235,13 @@ GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const Level
                                  RealArray b, const GradientsLimits& limits, GradientsWork& work) {
     GradientsReport report;
     report.end = GradientsEnd::Converged;
-    if (A.JEDN == 0)
+    report.factored = A.JEDN == 0;
+    if (report.factored)
         return report;
+    if (!std::all_of(b.data, b.data + b.length, [](double entry) { return std::isfinite(entry); })) {
+        report.end = GradientsEnd::NoNumbers;
+        return report;
+    }
     Workers alone; // a single block leaves others nothing but meetings
     Workers& sharing = BlockCount(A) > 1 ? workers : alone;
     TakeRoom(A, work);

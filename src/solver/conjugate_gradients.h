@@ -9,7 +9,12 @@
 
 namespace zurt {
 
-enum class GradientsEnd { Converged, NotConverged, NotPositiveDefinite };
+enum class GradientsEnd {
+    Converged,
+    NotConverged,
+    NotPositiveDefinite,
+    NoNumbers, // b has infinities or entries that are not numbers
+};
 
 struct GradientsReport {
     GradientsEnd end = GradientsEnd::NotConverged;

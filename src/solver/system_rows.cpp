@@ -176,9 +176,11 @@ void SolveRows(Run& run) {
     const GradientsReport report =
         SolveByGradients(run.workers, storage.layout.rows, storage.layout.schedule, RightHandSide(run),
                          {run.options.tolerance, kMostIterations}, storage.work);
-    NoteShift(storage, report);
+    if (report.end == GradientsEnd::NoNumbers)
+        return; // whoever asked for the solution looks for these
     if (report.end != GradientsEnd::Converged)
         StopOnGradients(run, report);
+    NoteShift(storage, report);
 }
 
 } // namespace zurt

@@ -7,6 +7,7 @@
 #include "timeint/convergence.h"
 #include "timeint/equilibrium_note.h"
 #include "timeint/finite_results.h"
+#include "timeint/progress.h"
 
 #include <limits>
 #include <string>
@@ -116,6 +117,7 @@ void IterateStep(Run& run) {
     const HeaderFields& header = run.control.header;
     while (true) {
         run.clock.FactorFlag = 1;
+        ShowProgress(run);
         StopIfInterrupted();
         ClearSystem(run);
         FormSystem(run);

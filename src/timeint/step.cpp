@@ -5,14 +5,17 @@
 #include "elements/forming/nodal_averaging.h"
 #include "elements/forming/outlet_layer.h"
 #include "model/prescribed_values.h"
+#include "results/history.h"
 #include "results/listing.h"
 #include "results/torsion.h"
 #include "results/unv_results.h"
 #include "results/vtu_results.h"
 #include "run/banner.h"
 #include "run/files.h"
+#include "timeint/checkpoint.h"
 #include "timeint/equilibrium.h"
 #include "timeint/finite_results.h"
+#include "timeint/progress.h"
 #include "timeint/step_file.h"
 
 #include <cstdlib>
@@ -41,6 +44,17 @@ void BeginStep(Run& run) {
     run.clock.ReferenceNorm = 0.0;
 }
 
+// What the elements take for held nodes without an entry (the second form of the gather).
+void ShowValuesOfNodeCards(Run& run) {
+    const ConstIntArray ID = EquationNumbers(run);
+    const ConstRealArray onCard = NodeCardValues(run);
+    const RealArray shown = NodalValues(run);
+    const bool entries = run.control.counts.NZADC > 0;
+    for (Word i = 1; i <= ID.length; ++i)
+        if (ID(i) == 0 && (!entries || run.prescribedEntry[static_cast<std::size_t>(i - 1)] == 0))
+            shown(i) = onCard(i);
+}
+
 void FillNodalValues(Run& run) {
     const Control& control = run.control;
     const Word NZADC = control.counts.NZADC;
@@ -48,6 +62,8 @@ void FillNodalValues(Run& run) {
     const IntArray prescribedNodes = IntSection(run.A, control.at.LPRES, NZADC);
     ExpandToNodes(EquationNumbers(run), NodalValues(run), StepSolution(run), prescribedValues,
                   prescribedNodes, control.outlet.OutletEnd);
+    if (control.counts.IGATH == 1)
+        ShowValuesOfNodeCards(run);
     // In a linear problem the solution is taken over only now: nodal values show the step before.
     if (run.job.NonlinearFlag != 1)
         Copy<double>(RightHandSide(run), StepSolution(run));
@@ -108,6 +124,7 @@ void TakeResults(Run& run) {
     EvaluateNodalResults(run);
     if (run.pass.writesResults)
         RequireFiniteNodalResults(run);
+    WriteHistoryRow(run);
     SaveStep(run.clock.KOR, run.clock.TIME, StepSolution(run), run.control.header.NCZK, run.outputs.NCZZ,
              run.units.stepFile);
 }
@@ -126,6 +143,7 @@ void ExpandToNodes(ConstIntArray ID, RealArray nodalValues, ConstRealArray solut
 }
 
 void BeginSolution(Run& run) {
+    CheckProbes(run);
     run.clock.TIME = run.clock.StartTime = 0.0; // in a steady problem both stay 0
     run.clock.KOR = 0;
     run.outputs.NCZZ = 0;
@@ -141,6 +159,7 @@ void BeginPass(Run& run, const Pass& pass) {
     run.outputs.GraphicsCounter = 0;
     run.clock.TIME = 0.0;
     run.clock.KOR = 0;
+    BeginHistory(run);
 }
 
 void SolveStep(Run& run) {
@@ -163,13 +182,19 @@ bool WriteStep(Run& run) {
 }
 
 void SolutionPass(Run& run, std::int32_t steps) {
+    if (NextPassHasEnded(run))
+        return;
     Pass pass;
     pass.NDT = steps;
     BeginPass(run, pass);
+    GoOnFromCheckpoint(run);
+    BeginPassProgress(run);
     while (run.clock.KOR < steps) { // not KOR <= steps: steps may be the largest integer
         SolveStep(run);
         WriteStep(run);
         FlushUnits(run);
+        EndStepProgress(run);
+        WriteCheckpointIfDue(run);
     }
 }
 

@@ -28,7 +28,7 @@ constexpr int kSecondsAllowed = 20;
 struct Subject {
     std::string name, deck;
     bool dialogue;
-    bool viewer; // with files for viewers
+    std::vector<std::string> options = {};
     std::string folder = MakeTemporaryFolder();
     RunResult good = {};
     std::map<std::string, long> calls = {}; // of the good run, by kind
@@ -41,9 +41,8 @@ RunResult RunUnder(const Settings& settings, const Subject& subject, bool keepOu
             std::filesystem::remove(folder + name);
     if (subject.dialogue)
         WriteFile(folder + "zurt.lst", "");
-    Invocation invocation = {{"--force", "zurt.dat"}, ""};
-    if (subject.viewer)
-        invocation.arguments.push_back("--vtu");
+    Invocation invocation = {subject.options, ""};
+    invocation.arguments.insert(invocation.arguments.end(), {"--force", "zurt.dat"});
     if (subject.dialogue)
         invocation = {{}, "\n\n\n\n"};
     setenv("LD_PRELOAD", ZURT_FAIL_PRELOAD, 1);
@@ -57,8 +56,8 @@ RunResult RunUnder(const Settings& settings, const Subject& subject, bool keepOu
 }
 
 Subject Prepare(const std::string& name, const std::string& deck, bool dialogue = false,
-                bool viewer = false) {
-    Subject subject{name, deck, dialogue, viewer};
+                const std::vector<std::string>& options = {}) {
+    Subject subject{name, deck, dialogue, options};
     WriteFile(subject.folder + "/zurt.dat", deck);
     subject.good = RunUnder({{"FAULTS_COUNTS", "counts"}}, subject);
     EXPECT_EQ(subject.good.status, 0) << name << subject.good.errors;
@@ -71,7 +70,8 @@ Subject Prepare(const std::string& name, const std::string& deck, bool dialogue 
 
 std::vector<Subject> Subjects() {
     return {Prepare("free", SmallDeckText("free"), true),
-            Prepare("sparse", SmallDeckText("sparse"), false, true), Prepare("fit", SmallDeckText("fit"))};
+            Prepare("sparse", SmallDeckText("sparse"), false, {"--vtu"}),
+            Prepare("fit", SmallDeckText("fit"))};
 }
 
 std::vector<std::string> OutputsOf(const RunResult& run) {
@@ -194,8 +194,8 @@ void FailAll(const std::vector<FaultCase>& cases) {
 TEST(Faults, FailingFiles) {
     std::vector<FaultCase> cases = {
         {"open", "on", 8}, {"flush", "on", 8}, {"close", "on", 8}, {"stat", "once", 30}};
-    for (const char* kind :
-         {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink", "read", "lock", "thread"})
+    for (const char* kind : {"map", "open", "scratch", "flush", "close", "truncate", "seek", "unlink",
+                             "rename", "read", "lock", "thread"})
         cases.push_back({kind, "once", 16});
     FailAll(cases);
 }
@@ -275,6 +275,57 @@ TEST(Faults, Killed) {
         }
     }
     EXPECT_GT(killed, 50);
+}
+
+// Faults: a checkpoint that can't be written ends the run, passes without a note or takes the last good one with it.
+TEST(Faults, CheckpointsThatFail) {
+    const Subject subject = Prepare("two free", SmallDeckText("two free"), false, {"--checkpoint", "1"});
+    for (const char* kind : {"sync", "rename", "open", "write", "flush", "close", "stat"})
+        FailCalls(subject, kind, "once", 5);
+    const std::string name = subject.folder + "/zurt.checkpoint";
+    for (const char* kind : {"sync", "rename"}) {
+        std::filesystem::remove(name);
+        const RunResult run =
+            RunUnder({{"FAULTS_KIND", kind}, {"FAULTS_AT", "2"}, {"FAULTS_MODE", "on"}}, subject);
+        EXPECT_EQ(run.status, 0);
+        EXPECT_TRUE(Contains(run.errors, "can't write the checkpoint zurt.checkpoint")) << run.errors;
+        EXPECT_FALSE(std::filesystem::exists(name + ".part"));
+    }
+    Subject again = subject;
+    again.options = {"--restart", "zurt.checkpoint"};
+    const RunResult run = RunUnder({}, again, true);
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(OutputsOf(run), OutputsOf(subject.good));
+}
+
+// Faults: a run that was killed, in a step or while a checkpoint is written, goes on with other digits, records lost or twice.
+TEST(Faults, KilledAndRestarted) {
+    const std::string names[] = {
+        "free",           "fixed",         "device", "functions", "sources",   "lines", "fibres",
+        "quadrilaterals", "radial fibres", "sparse", "two free",  "two fixed", "fit",   "direct"};
+    long moment = 0, restarts = 0;
+    for (const std::string& name : names) {
+        const Subject first = Prepare(name, SmallDeckText(name), false, {"--checkpoint", "1"});
+        Subject second = first;
+        second.options = {"--checkpoint", "2", "--restart", "zurt.checkpoint"};
+        for (const char* kind : {"flush", "sync", "rename", "write"}) {
+            std::filesystem::remove(first.folder + "/zurt.checkpoint");
+            // The moment moves on from deck to deck; most have no checkpoint in the first third of their calls.
+            const long calls = first.calls.at(kind), at = 1 + calls / 3 + ++moment * 7 % (calls - calls / 3);
+            Settings kill = {
+                {"FAULTS_KIND", kind}, {"FAULTS_AT", std::to_string(at)}, {"FAULTS_MODE", "kill"}};
+            ASSERT_EQ(RunUnder(kill, first).status, 128 + SIGKILL) << name << kind << at;
+            if (!std::filesystem::exists(first.folder + "/zurt.checkpoint"))
+                continue;
+            kill["FAULTS_AT"] = std::to_string(std::max(at / 2, 1L));
+            const RunResult killed = RunUnder(kill, second, true);
+            const RunResult run = killed.status == 0 ? killed : RunUnder({}, second, true);
+            EXPECT_EQ(run.status, 0) << name << run.errors;
+            EXPECT_EQ(OutputsOf(run), OutputsOf(first.good)) << name << ", " << kind << " " << at;
+            ++restarts;
+        }
+    }
+    EXPECT_GT(restarts, 20);
 }
 
 } // namespace

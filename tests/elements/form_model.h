@@ -45,6 +45,16 @@ struct Problem {
     Word size = 400000;
 };
 
+/// Transient, with a diffusion curve of four points: what the benchmarks form.
+inline Problem TransientCurveProblem() {
+    Problem problem;
+    problem.NSTAC = 1;
+    problem.NonlinearFlag = 1;
+    problem.NDS = 1;
+    problem.conduction = {{{0.0, 1.0}, {0.3, 1.5}, {0.6, 1.8}, {1.0, 2.0}}};
+    return problem;
+}
+
 inline int MostPoints(const std::vector<Curve>& curves) {
     std::size_t most = 0;
     for (const Curve& curve : curves)

@@ -28,7 +28,7 @@ double Sum(RealArray values) {
 
 // Faults: the order of precedence of list, equation and outlet; the second form of the gather taken for the first.
 TEST(FormTerms, GatherOfOneNode) {
-    std::int32_t ID[4] = {3, 0, -1, 1}, list[2] = {4, 4};
+    std::int32_t ID[4] = {3, 0, -1, 1}, entries[4] = {0, 1, 0, 2};
     double T[3] = {1.0, 2.0, 3.0}, T0[3] = {10.0, 20.0, 30.0}, card[4] = {5.0, 6.0, 7.0, 8.0};
     double end[2] = {-1.0, -2.0}, start[2] = {-10.0, -20.0};
     NodalViews views;
@@ -49,11 +49,14 @@ TEST(FormTerms, GatherOfOneNode) {
     expect(2, 0.25, 0.5);
     expect(3, 0.0, 0.0);
     expect(4, 1.0, 10.0);
-    views.prescribedNodes = ConstIntArray(list, 2);
+    views.prescribedEntry = ConstIntArray(entries, 4);
     views.prescribedStart = ConstRealArray(start, 2);
     views.prescribedEnd = ConstRealArray(end, 2);
-    expect(4, -1.0, -10.0);
+    expect(2, -1.0, -10.0);
+    expect(4, 1.0, 10.0);
     views.byPrescribedValue = true;
+    expect(2, -1.0, -1.0);
+    entries[1] = 0;
     expect(2, 6.0, 6.0);
     expect(3, 7.0, 7.0);
     expect(4, 1.0, 10.0);

@@ -40,13 +40,15 @@ enum Kind {
     kStat,
     kLock,
     kThread,
+    kSync,
+    kRename,
     kKinds
 };
-static const char* const names[kKinds] = {"memory", "solver", "map",   "open",     "scratch",
-                                          "write",  "flush",  "close", "truncate", "seek",
-                                          "unlink", "read",   "stat",  "lock",     "thread"};
-static const int errors[kKinds] = {ENOMEM, ENOMEM, ENOMEM, EMFILE, ENOSPC, ENOSPC, ENOSPC, EIO,
-                                   EIO,    EIO,    EPERM,  EIO,    EIO,    ENOLCK, EAGAIN};
+static const char* const names[kKinds] = {"memory", "solver", "map",      "open", "scratch", "write",
+                                          "flush",  "close",  "truncate", "seek", "unlink",  "read",
+                                          "stat",   "lock",   "thread",   "sync", "rename"};
+static const int errors[kKinds] = {ENOMEM, ENOMEM, ENOMEM, EMFILE, ENOSPC, ENOSPC, ENOSPC, EIO, EIO,
+                                   EIO,    EPERM,  EIO,    EIO,    ENOLCK, EAGAIN, EIO,    EIO};
 
 static int counting = 0; // set at the beginning of main
 static int insideSolver = 0;
@@ -182,8 +184,10 @@ FAILING_BEHIND(kClose, int, close, (int file), (file))
 FAILING(kTruncate, -1, int, ftruncate, (int file, off_t length), (file, length))
 FAILING(kSeek, -1, int, fseek, (FILE * file, long offset, int whence), (file, offset, whence))
 FAILING(kSeek, -1, long, ftell, (FILE * file), (file))
+FAILING(kSync, -1, int, fsync, (int file), (file))
+FAILING(kSync, -1, int, fdatasync, (int file), (file))
+FAILING(kRename, -1, int, rename, (const char* from, const char* to), (from, to))
 FAILING(kUnlink, -1, int, unlink, (const char* name), (name))
-FAILING(kUnlink, -1, int, rename, (const char* name, const char* to), (name, to))
 FAILING(kRead, -1, ssize_t, read, (int file, void* target, size_t n), (file, target, n))
 FAILING(kRead, EOF, int, getc, (FILE * file), (file))
 FAILING(kStat, -1, int, stat, (const char* name, struct stat* status), (name, status))

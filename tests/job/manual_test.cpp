@@ -13,6 +13,7 @@
 #include "model/materials.h"
 #include "model/nodes.h"
 #include "model/outlet.h"
+#include "model/prescribed_file.h"
 #include "model/prescribed_values.h"
 #include "model/time_functions.h"
 #include "model/time_steps.h"
@@ -100,7 +101,7 @@ const CardLayout* const kLayouts[] = {
     &kRadiationCard, &kShapeFactorCards, &kMaterialCard, &kConductionHeaderCard, &kConductionPointCard,
     &kSpecificHeatHeaderCard, &kSpecificHeatPointCard, &kDiffusionHeaderCard, &kDiffusionPointCard,
     &kInitialValueCard, &kInitialGroupCard, &kInitialNodeListCard, &kInitialRangeCard, &kHomogenizationCard,
-    &kCurveEndsCard, &kSurfaceCard1D, &kSurfaceCard2D, &kSurfaceCard3D, &kPrescribedCard, &kOutletModeCard,
+    &kCurveEndsCard, &kSurfaceCard1D, &kSurfaceCard2D, &kSurfaceCard3D, &kPrescribedCountCard, &kPrescribedCard, &kOutletModeCard,
     &kOutletConcentrationCard, &kOutletCoefficientsCard, &kTimeMultiplierCard, &kTimePairCard, &kFibreSetCard,
     &kSearchBoxCard, &kSearchGridCard, &kFibreCard, &kFibrePointCard, &kCorrectionTableSizesCard,
     &kRadialGroupCard, &kRadialElementCard, &kRadialNodeCard,

@@ -114,7 +114,7 @@ TEST(TimeFunctionsStops, FailuresPrintTheirLines) {
         const RunPointer run = MakeRun(deck, 1, 1, words);
         ListOnStandardError(*run);
         run->control.counts.TotalTime = 2.0;
-        ReadTimeFunctions(*run);
+        ReadTimeFunctions(*run, CardsOfDeck(*run));
         run->clock.TIME = 5.0;
         const std::int32_t one[1] = {1};
         double out[1] = {1.0};

@@ -39,7 +39,7 @@ std::vector<Entry> EntriesOf(const Run& run) {
 std::vector<Entry> Read(const std::string& deck, std::int32_t NZADC, std::int32_t INDFOR = 1) {
     RunPointer run = MakePrescribed(deck, NZADC, INDFOR);
     run->control.header.NULAZ = 3;
-    ReadPrescribedValues(*run);
+    ReadPrescribedValues(*run, CardsOfDeck(*run));
     EXPECT_TRUE(Contains(ListingOf(*run), "NODE     FUNCTION NO   PROP FACTOR   INCR GENER"));
     return EntriesOf(*run);
 }
@@ -70,7 +70,7 @@ TEST(PrescribedValues, RunsOfEntries) {
 TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
     const auto refuse = [](const char* deck, std::int32_t NZADC, const char* report) {
         RunPointer run = MakePrescribed(deck, NZADC);
-        EXPECT_LIBRARY_ERROR(ReadPrescribedValues(*run), report);
+        EXPECT_LIBRARY_ERROR(ReadPrescribedValues(*run, CardsOfDeck(*run)), report);
     };
     refuse("101 1 1. 0\n", 1, "Prescribed value card, field N: \"101\"");
     refuse("-1 1 1. 0\n", 1, "field N: \"-1\"");
@@ -81,13 +81,13 @@ TEST(PrescribedValues, NumbersOutsideTheirTablesAreDeckErrors) {
     refuse("1 1 1. 1\n2 1 1. 0\n", 3, "the deck ends here");
     RunPointer full = MakePrescribed("", 2000);
     ListOnStandardError(*full);
-    EXPECT_MESSAGE(ReadPrescribedValues(*full), "UNSUFFICIENT DIMENSION");
+    EXPECT_MESSAGE(ReadPrescribedValues(*full, CardsOfDeck(*full)), "UNSUFFICIENT DIMENSION");
 }
 
 // Faults: a start value that is not the last end value, stale words that survive the start, a dead entry that gets one.
 TEST(PrescribedValues, ValuesOverTheSteps) {
     RunPointer run = MakePrescribed("4 1 2. 0\n0 1 1. 0\n6 2 3. 0\n", 3);
-    ReadPrescribedValues(*run);
+    ReadPrescribedValues(*run, CardsOfDeck(*run));
     TakeSolverVectors(*run);
     using Reals = std::vector<double>;
     const auto expect = [&](double TIME, const Reals& start, const Reals& end, const Reals& increment) {

@@ -130,6 +130,10 @@ TEST(Gradients, SayWhatTheyCantSolve) {
     System indefinite = MakeGrid(400, 20, 1.0);
     indefinite.b[7] = 1.0;
     EXPECT_EQ(Solve(indefinite, 1e-12, 1000).end, GradientsEnd::NotPositiveDefinite);
+    System noNumber = MakeGrid(400, 20, 4.0);
+    noNumber.b[7] = std::nan("");
+    EXPECT_EQ(Solve(noNumber, 1e-12, 10).end, GradientsEnd::NoNumbers);
+    EXPECT_TRUE(std::isnan(noNumber.b[7]));
     System empty = MakeGrid(3, 2, 1.0);
     empty.Add(2, 2, -1.0);
     EXPECT_EQ(Solve(empty, 1e-12, 10).equation, 2);

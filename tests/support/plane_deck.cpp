@@ -71,12 +71,12 @@ std::string Build(const PlaneDeck& deck) {
     writer.Card("Lines, quadrilaterals, bricks\n1 0 0", deck.solver);
     writer.Card(deck.nodes.size(), deck.groups.size(), 1, transient, transient ? 1 : 2, "0 0 3", deck.ITOR,
                 "100000 0");
-    writer.Card("1 0 0 60 0.0", deck.EPSTR, "1 0\n1 0 0 0.0 0");
+    writer.Card("1 0 0 60", deck.EPSTR < 1e-10 ? 1e-10 : 0.0, deck.EPSTR, "1 0\n1 0 0 0.0 0");
     if (transient)
         writer.Card(deck.steps, '\n', deck.stepSize);
     int number = 0;
     for (const PlaneNode& node : deck.nodes)
-        writer.Card(++number, node.held, node.x, node.y, node.z, 0.0, 0);
+        writer.Card(++number, node.held, node.x, node.y, node.z, node.value, 0);
     writer.Card("0 0 0 0 0 0.0 0 0 0 0 0 0 0 0\n0.0 0.0");
     for (const PlaneGroup& group : deck.groups)
         WriteGroup(writer, group);

@@ -10,6 +10,7 @@ namespace zurt_test {
 struct PlaneNode {
     double x = 0.0, y = 0.0, z = 0.0;
     bool held = false;
+    double value = 0.0; // on the node card
 };
 
 struct PlaneElement {

@@ -15,6 +15,7 @@
 #include "solver/linear_system.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace zurt {
@@ -146,6 +147,63 @@ void AddResidual(FormVisit<Family>& visit, bool withSurfaces, RealArray nodalSum
     }
     for (int i = 0; i < ND; ++i)
         nodalSums(elements.walk.element.node[i]) += sums.FE[i];
+}
+
+// Capacity terms of the element in hand, whose C/dt is mirrored: what it stores, and how fast that grows.
+template <int Family, int Nodes>
+void AddStored(const FormVisit<Family>& visit, const ElementSums<Family, Nodes>& sums,
+               ElementBalance& balance) {
+    const ElementNodes<Family>& element = visit.elements.walk.element;
+    const int ND = NodeCount<Nodes>(visit.elements.walk.points.active.ND);
+    double stored = 0.0, storing = 0.0;
+    for (int i = 0; i < ND; ++i)
+        for (int j = 0; j < ND; ++j) {
+            stored += sums.C[i][j] * element.TE1[j];
+            storing += sums.C[i][j] * (element.TE1[j] - element.TE0[j]);
+        }
+    const std::int32_t MATE = visit.elements.material.MATE;
+    balance.stored(MATE) += stored * visit.tables.dt;
+    balance.storing(MATE) += storing;
+    balance.moved += std::fabs(storing);
+}
+
+// Quadrilaterals alone have surface terms. Their matrix is of no use here.
+template <int Family> void AddSurfacePart(FormVisit<Family>& visit, ElementBalance& balance) {
+    const ElementNodes<Family>& element = visit.elements.walk.element;
+    const int ND = visit.elements.walk.points.active.ND;
+    double packed[kMaxNodes<Family> * (kMaxNodes<Family> + 1) / 2] = {}, FE[kMaxNodes<Family>] = {};
+    SurfaceTerms(visit.elements.walk, visit.tables.surfaces, *visit.elements.held,
+                 RealArray(packed, Word{ND} * (ND + 1) / 2), RealArray(FE, ND));
+    for (int i = 0; i < ND; ++i)
+        balance.residual(element.node[i]) += FE[i];
+}
+
+template <int Family, int Nodes>
+void AddBalance(FormVisit<Family>& visit, bool isListed, ElementBalance& balance) {
+    ElementVisit<Family>& elements = visit.elements;
+    const ElementNodes<Family>& element = elements.walk.element;
+    const int ND = NodeCount<Nodes>(elements.walk.points.active.ND);
+    ElementSums<Family, Nodes> sums;
+    ClearSums(sums, ND);
+    SumOverPoints(
+        visit, ElementSource(elements.run, visit.tables.source, elements.walk.number, *elements.held), sums);
+    double source = 0.0;
+    for (int i = 0; i < ND; ++i)
+        source += sums.FE[i];
+    balance.sources += source;
+    balance.moved += std::fabs(source);
+    if (visit.tables.transient) {
+        AddTimeTerm(visit.tables.dt, element.TE0, ND, sums);
+        AddStored<Family, Nodes>(visit, sums, balance);
+    }
+    TakeResidual(element.TE1, ND, sums);
+    for (int i = 0; i < ND; ++i) {
+        balance.residual(element.node[i]) += sums.FE[i];
+        if (isListed)
+            balance.volumePart(element.node[i]) += sums.FE[i];
+    }
+    if constexpr (kDimension<Family> == 2)
+        AddSurfacePart(visit, balance);
 }
 
 // Coefficients and measures of the points of the brick in hand.
@@ -366,6 +424,27 @@ void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, 
     }
 }
 
+template <int Family> void AddElementBalance(Run& run, ElementGroup& group, ElementBalance& balance) {
+    const HeldCurveValues held = group.held;
+    FormVisit<Family> visit{{run, group}};
+    BeginFormVisit(visit);
+    visit.elements.walk.nodes.solutionRead = visit.tables.surfaces.nonlinear = true;
+    visit.tables.surfaces.flows = &balance.surfaces;
+    Word listed = 1;
+    for (std::int32_t n = 1; n <= group.NET; ++n) {
+        const bool isListed = listed <= balance.listed.length && balance.listed(listed) == n;
+        listed += isListed;
+        if (!TakesPart(visit.elements, n))
+            continue;
+        VisitElement(visit.elements, n);
+        if (visit.elements.walk.points.active.ND == kCorners<Family>)
+            AddBalance<Family, kCorners<Family>>(visit, isListed, balance);
+        else
+            AddBalance<Family, 0>(visit, isListed, balance);
+    }
+    group.held = held;
+}
+
 template <int Family> void FormGroup(Run& run, ElementGroup& group) {
     const ElementWork work = BeginGroupVisit<Family>(run, group);
     if (run.control.header.INTEB == 1)
@@ -384,6 +463,7 @@ template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group) {
     template void FormElements<FAMILY>(Run&, ElementGroup&, Word);                                           \
     template void FindStiffestElement<FAMILY>(Run&, ElementGroup&, StiffestElement&);                        \
     template void AddElementResiduals<FAMILY>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);          \
+    template void AddElementBalance<FAMILY>(Run&, ElementGroup&, ElementBalance&);                           \
     template void FormGroup<FAMILY>(Run&, ElementGroup&);                                                    \
     template void AddGroupFluxes<FAMILY>(Run&, ElementGroup&);
 ZURT_FOR_ALL_FAMILIES(ZURT_FORM_ELEMENTS)

@@ -5,6 +5,7 @@
 // what they do besides. Called for every group at every iteration, and once a step for the nodal results.
 #pragma once
 
+#include "elements/surfaces/surface_terms.h"
 #include "run/run.h"
 
 namespace zurt {
@@ -40,5 +41,22 @@ template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, St
 template <int Family>
 void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
                          RealArray nodalSums);
+
+/// What the elements hold and pass on at the solution in hand. Amounts are capacity times concentration times volume; in
+/// plane groups to a unit of thickness, in axisymmetric ones to a radian.
+struct ElementBalance {
+    RealArray residual;   // 1..NP: load less capacity and conduction, surface terms with it
+    RealArray volumePart; // 1..NP: the same of the listed elements alone and without surface terms
+    ConstIntArray listed; // numbers of the group's elements for volumePart, rising
+    RealArray stored;     // 1..NMATT: amount in each material
+    RealArray storing;    // 1..NMATT: its growth over the step per unit time
+    double sources = 0.0; // what volume sources give per unit time
+    SurfaceFlows surfaces;
+    double moved = 0.0; // the absolute values of what each element stores and of its source, per unit time
+};
+
+/// Adds the elements of the group; the system and what curves gave last (group.held) are left alone. A problem that does not
+/// iterate is taken at its solution likewise.
+template <int Family> void AddElementBalance(Run& run, ElementGroup& group, ElementBalance& balance);
 
 } // namespace zurt

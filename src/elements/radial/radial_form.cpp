@@ -61,19 +61,37 @@ struct SurfaceRatio {
     double f = 1.0;
 };
 
+SurfaceRatio SurfaceOfRing(const RadialVisit& visit, Word n, int i, const RadialScales& scales) {
+    const ConstRealArray partition = PartitionValue(visit.run, visit.group);
+    SurfaceRatio surface;
+    surface.acts = i == scales.count && partition.length > 0;
+    if (surface.acts)
+        surface.f = partition(n) / (1.0 - visit.degraded.phi);
+    return surface;
+}
+
+// Values at the two nodes of a ring, now and at the start of the step.
+struct RingValues {
+    double c[2], c0[2];
+};
+
+RingValues GatherRing(const RadialVisit& visit, const std::int32_t node[2], const SurfaceRatio& surface) {
+    RingValues values;
+    for (int k = 0; k < 2; ++k)
+        GatherNodeValue(visit.nodes, node[k], values.c[k], values.c0[k]);
+    if (surface.acts) {
+        values.c[1] *= surface.f;
+        values.c0[1] *= surface.f;
+    }
+    return values;
+}
+
 void AddRing(const RadialVisit& visit, const SystemTarget& system, const RadialRing& ring,
              const std::int32_t node[2], const SurfaceRatio& surface, RealArray packed) {
-    double c[2], c0[2], F[2];
-    std::int32_t LM[2];
-    for (int k = 0; k < 2; ++k) {
-        GatherNodeValue(visit.nodes, node[k], c[k], c0[k]);
-        LM[k] = visit.nodes.ID(node[k]);
-    }
-    if (surface.acts) {
-        c[1] *= surface.f;
-        c0[1] *= surface.f;
-    }
-    RingLoad(ring, c, c0, F);
+    const RingValues values = GatherRing(visit, node, surface);
+    const std::int32_t LM[2] = {visit.nodes.ID(node[0]), visit.nodes.ID(node[1])};
+    double F[2];
+    RingLoad(ring, values.c, values.c0, F);
     RingMatrix(ring, packed.data);
     if (surface.acts) {
         packed(2) *= surface.f;
@@ -86,18 +104,13 @@ void FormAssembled(const RadialVisit& visit, RealArray packed) {
     Run& run = visit.run;
     const SystemTarget system = SystemTargetOf(run);
     const ConstIntTable nodes = RadialNodes(run, visit.group);
-    const ConstRealArray partition = PartitionValue(run, visit.group);
     const Share share = ShareOf(visit.group.NET);
     for (Word n = share.first; n <= share.last; ++n) {
         const RadialScales scales = ScalesOf(visit, n);
         double r = 0.0;
-        for (int i = 1; i <= scales.count; ++i, r += scales.dr) {
-            SurfaceRatio surface;
-            surface.acts = i == scales.count && partition.length > 0;
-            if (surface.acts)
-                surface.f = partition(n) / (1.0 - visit.degraded.phi);
-            AddRing(visit, system, RingAt(scales, r), &nodes(i, n), surface, packed);
-        }
+        for (int i = 1; i <= scales.count; ++i, r += scales.dr)
+            AddRing(visit, system, RingAt(scales, r), &nodes(i, n), SurfaceOfRing(visit, n, i, scales),
+                    packed);
     }
 }
 
@@ -157,7 +170,62 @@ void AddFluxes(const RadialVisit& visit) {
     }
 }
 
+// --- balance ------------------------------------------------------------------------------------------------------
+
+// What a ring holds. Its capacity is over the time step, so nothing in a steady problem.
+double AmountIn(const RadialRing& ring, const double c[2], double dt) {
+    return ((ring.C11 + ring.C12) * c[0] + (ring.C12 + ring.C22) * c[1]) * dt;
+}
+
+void AddAssembledBalance(const RadialVisit& visit, RealArray residual, FibreBalance& balance) {
+    const ConstIntTable nodes = RadialNodes(visit.run, visit.group);
+    for (Word n = 1; n <= visit.group.NET; ++n) {
+        const RadialScales scales = ScalesOf(visit, n);
+        double r = 0.0;
+        for (int i = 1; i <= scales.count; ++i, r += scales.dr) {
+            const RadialRing ring = RingAt(scales, r);
+            const RingValues values = GatherRing(visit, &nodes(i, n), SurfaceOfRing(visit, n, i, scales));
+            double F[2];
+            RingLoad(ring, values.c, values.c0, F);
+            for (int k = 0; k < 2; ++k)
+                residual((&nodes(i, n))[k]) += F[k];
+            balance.taken -= F[0] + F[1];
+            balance.moved += std::fabs(F[0] + F[1]);
+            balance.stored += AmountIn(ring, values.c, visit.dt);
+        }
+    }
+}
+
+void AddSubstructuredBalance(const RadialVisit& visit, RealArray residual, FibreBalance& balance) {
+    const Run& run = visit.run;
+    const ConstRealTable values = FibreValue(run, visit.group);
+    const ConstRealArray flux = FibreFlux(run, visit.group);
+    const ConstIntArray continuum = ContinuumNode(run, visit.group);
+    const ConstIntTable common = CommonNodes(run, visit.group);
+    for (Word n = 1; n <= visit.group.NET; ++n) {
+        balance.taken -= flux(n);
+        balance.moved += std::fabs(flux(n));
+        if (common.columns == 0)
+            residual(continuum(n)) += flux(n);
+        for (Word k = 1; k <= common.columns; ++k)
+            residual(common(n, k)) += flux(n) / static_cast<double>(common.columns);
+        const RadialScales scales = ScalesOf(visit, n);
+        double r = 0.0;
+        for (int i = 1; i <= scales.count; ++i, r += scales.dr)
+            balance.stored += AmountIn(RingAt(scales, r), &values(i, n), visit.dt);
+    }
+}
+
 } // namespace
+
+void AddRadialBalance(Run& run, const ElementGroup& group, RealArray residual, FibreBalance& balance) {
+    RadialVisit visit = BeginVisit(run, group);
+    visit.nodes.solutionRead = true;
+    if (group.radial.substructured)
+        AddSubstructuredBalance(visit, residual, balance);
+    else
+        AddAssembledBalance(visit, residual, balance);
+}
 
 void FormGroupRadial(Run& run, ElementGroup& group) {
     CheckRadialCards(run, group);

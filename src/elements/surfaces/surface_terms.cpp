@@ -144,6 +144,11 @@ void AddSidePoint(const SurfaceVisit<Family>& visit, const SideCurves& curves, c
         if (curves.flux != 0)
             FE(i + 1) += FQ * N[i];
     }
+    if (tables.flows != nullptr) {
+        tables.flows->flux += curves.flux != 0 ? FQ : 0.0;
+        tables.flows->convection += curves.convection != 0 ? FH * S : 0.0;
+        tables.flows->radiation += radiation ? FR * S : 0.0;
+    }
 }
 
 // The points of a side: natural direction `fixed` (from 0) is held at `end`, the others run in ascending order.

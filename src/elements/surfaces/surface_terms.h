@@ -13,6 +13,11 @@
 
 namespace zurt {
 
+/// What flows in through sides, amount per unit time.
+struct SurfaceFlows {
+    double flux = 0.0, convection = 0.0, radiation = 0.0;
+};
+
 /// What the surface terms read in one visit of a group.
 struct SurfaceTables {
     bool present = false; // some function of surfaces exists: the group has a surface block
@@ -22,7 +27,8 @@ struct SurfaceTables {
     ConstRealArray shapeFactors; // 1..NFO
     double SBC = 0.0;            // Stefan-Boltzmann constant
     double TIME = 0.0;
-    bool nonlinear = false; // the problem iterates within a step
+    bool nonlinear = false;        // the problem iterates within a step
+    SurfaceFlows* flows = nullptr; // where the flows by kind are added, too
 };
 
 /// Made once per visit of the group, at the current TIME.

@@ -1,0 +1,178 @@
+// Checkpoints, restarts and progress through the real binary.
+#include "support/bar_deck.h"
+#include "support/run_deck.h"
+#include "support/small_decks.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+namespace zurt_test {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+RunResult RunIn(const std::string& folder, Arguments arguments, const std::string& deck = "zurt.dat") {
+    arguments.push_back(deck);
+    return RunProgram(folder, {arguments, ""});
+}
+
+std::vector<std::string> OutputsOf(const RunResult& run) {
+    return {run.listing, run.graphics, run.messages, run.mass, ReadFile(run.folder + "/MASS-Z.LST")};
+}
+
+// Faults: anything that a step leaves for the next missing in a checkpoint; files cut elsewhere than at its step; problems ahead
+// of it solved or written again; a run changed by the writing of checkpoints.
+TEST(Restart, EveryFamilyGivesTheSameFiles) {
+    int restarts = 0;
+    for (const SmallDeck& deck : SmallDecks()) {
+        const std::string name = deck.name;
+        for (const Arguments& more : {Arguments{}, {"--solver", "cg"}}) {
+            const std::string folder = FolderWith("zurt.dat", deck.text);
+            Arguments options = more;
+            options.push_back("--force");
+            const RunResult plain = RunIn(folder, options);
+            options.insert(options.end(), {"--checkpoint", restarts % 2 == 0 ? "1" : "2"});
+            const RunResult writing = RunIn(folder, options);
+            ASSERT_EQ(writing.status, 0) << name << writing.errors;
+            EXPECT_EQ(OutputsOf(writing), OutputsOf(plain)) << name;
+            if (!std::filesystem::exists(folder + "/zurt.checkpoint")) {
+                EXPECT_LE(CountOf(plain.console, "END OF TIME STEP"), 2) << name;
+                continue;
+            }
+            options = more;
+            options.insert(options.end(), {"--restart", "zurt.checkpoint"});
+            const RunResult again = RunIn(folder, options);
+            EXPECT_EQ(again.status, 0) << name << again.errors;
+            EXPECT_LT(CountOf(again.console, "END OF TIME STEP"), CountOf(plain.console, "END OF TIME STEP"));
+            EXPECT_EQ(OutputsOf(again), OutputsOf(plain)) << name;
+            ++restarts;
+        }
+    }
+    EXPECT_GE(restarts, 32);
+}
+
+struct Refusal {
+    const char* name;
+    std::string file, text; // what is put in its place ahead of the restart
+    Arguments options;
+    const char* message;
+};
+
+// Faults: a run that goes on from what is not its own, or whole; files cut or written by one that does not begin.
+TEST(Restart, Refusals) {
+    const std::string deck = SmallDeckText("device"), folder = FolderWith("zurt.dat", deck);
+    const RunResult good = RunIn(folder, {"--checkpoint", "1"});
+    ASSERT_EQ(good.status, 0) << good.errors;
+    const std::string whole = ReadFile(folder + "/zurt.checkpoint");
+    std::string damaged = whole, foreignFormat = whole, otherListing = good.listing;
+    damaged[whole.size() / 2] = static_cast<char>(damaged[whole.size() / 2] ^ 16);
+    foreignFormat[24] = 99;
+    // The last digit that stands ahead of the checkpoint, as in the listing of another run.
+    const std::size_t lastStep = good.listing.rfind("ITERATIONS FOR STEP:");
+    otherListing[good.listing.find_last_of("0123456789", lastStep)] ^= 1;
+    const std::string name = "zurt.checkpoint";
+    const Refusal refusals[] = {
+        {"one bit", name, damaged, {}, "is damaged: its checksum is not that of its bytes"},
+        {"a word short", name, whole.substr(0, whole.size() - 8), {}, "is damaged: its checksum"},
+        {"a byte short", name, whole.substr(0, whole.size() - 1), {}, "is damaged: a part of it is missing"},
+        {"empty", name, "", {}, "is no checkpoint"},
+        {"a deck", name, deck, {}, "is no checkpoint"},
+        {"other format", name, foreignFormat, {}, "was written by another version of the program"},
+        {"other deck", "zurt.dat", deck + "\n", {}, "is of another deck than zurt.dat"},
+        {"other options", name, whole, {"--solver", "cg"}, "then none, now --solver cg --tolerance"},
+        {"listing cut", "zurt.lst", good.listing.substr(0, 900), {}, "zurt.lst has 900 bytes, and had"},
+        {"other listing",
+         "zurt.lst",
+         otherListing,
+         {},
+         "zurt.lst is not what the run of the checkpoint wrote"},
+        {"other folder", name, whole, {"--output", "elsewhere"}, "can't open elsewhere/zurt.lst"},
+    };
+    for (const Refusal& refusal : refusals) {
+        const std::string before = ReadFile(folder + "/" + refusal.file);
+        WriteFile(folder + "/" + refusal.file, refusal.text);
+        Arguments options = refusal.options;
+        options.insert(options.end(), {"--restart", name});
+        const std::string listing = ReadFile(folder + "/zurt.lst");
+        const RunResult run = RunIn(folder, options);
+        EXPECT_EQ(run.status, 2) << refusal.name;
+        EXPECT_TRUE(Contains(run.errors, refusal.message)) << refusal.name << ": " << run.errors;
+        EXPECT_EQ(ReadFile(folder + "/zurt.lst"), listing) << refusal.name;
+        EXPECT_EQ(ReadFile(folder + "/zurt.unv"), good.graphics) << refusal.name;
+        WriteFile(folder + "/" + refusal.file, before);
+    }
+    EXPECT_EQ(OutputsOf(RunIn(folder, {"--restart", name})), OutputsOf(good));
+}
+
+// Faults: an older checkpoint overwritten without leave.
+TEST(Restart, LeaveToWrite) {
+    const std::string folder = FolderWith("zurt.dat", SmallDeckText("free"));
+    WriteFile(folder + "/zurt.checkpoint", "older");
+    const RunResult kept = RunIn(folder, {"--checkpoint", "1"});
+    EXPECT_EQ(kept.status, 2);
+    EXPECT_TRUE(Contains(kept.errors, "zurt.checkpoint exists")) << kept.errors;
+    EXPECT_EQ(ReadFile(folder + "/zurt.checkpoint"), "older");
+}
+
+// Faults: steps without a line, or only once the run has ended; lines of a restart in the place of earlier ones; a fit
+// that does not say where it is; a line on standard error, which is no terminal here, or on the console.
+TEST(Progress, FileOfSteps) {
+    const std::string folder = FolderWith("zurt.dat", SmallDeckText("device"));
+    const RunResult plain = RunIn(folder, {});
+    const Arguments options = {"--progress", "steps.log", "--checkpoint", "2", "--force"};
+    const RunResult run = RunIn(folder, options);
+    EXPECT_EQ(run.console, plain.console);
+    EXPECT_EQ(run.errors, plain.errors);
+    EXPECT_EQ(OutputsOf(run), OutputsOf(plain));
+    const std::string lines = ReadFile(folder + "/steps.log");
+    EXPECT_EQ(CountOf(lines, "\n"), 3);
+    EXPECT_EQ(lines.find("step 1/3, time "), 0U);
+    EXPECT_EQ(CountOf(lines, ", ratio "), 3);
+    EXPECT_TRUE(Contains(lines, ", left 0:00:00, ")) << lines;
+    RunIn(folder, {"--progress", "steps.log", "--restart", "zurt.checkpoint"});
+    const std::string more = ReadFile(folder + "/steps.log");
+    EXPECT_EQ(more.substr(0, lines.size()), lines);
+    EXPECT_EQ(CountOf(more, "\n"), 4);
+    EXPECT_EQ(RunIn(folder, {"--progress", "steps.log", "--output", "new"}).status, 2); // exists
+    WriteFile(folder + "/fit.dat", SmallDeckText("fit"));
+    EXPECT_EQ(RunIn(folder, {"--progress", "fit.log", "--force"}, "fit.dat").status, 0);
+    const std::string ofFit = ReadFile(folder + "/fit.log");
+    EXPECT_TRUE(Contains(ofFit, "fit in x, model with fibres, step 1/")) << ofFit;
+    EXPECT_TRUE(Contains(ofFit, "fit in x, run 2, curve from ")) << ofFit;
+    EXPECT_TRUE(Contains(ofFit, "closing run, step ")) << ofFit;
+}
+
+// Faults: no line on a terminal, one that stays, one that comes to standard output or that --quiet does not take away.
+TEST(Progress, LineOnTheTerminal) {
+    BarDeck bar;
+    bar.nx = 40;
+    bar.NPRINT = bar.IGRAF = 1000;
+    bar.periods = {{3000, 0.001}};
+    const std::string folder = FolderWith("zurt.dat", Build(bar));
+    const auto onTerminal = [&](const std::string& options) {
+        const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+        EXPECT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
+        const std::string command = "cd " + folder + " && TERM=xterm " ZURT_BINARY " --force " + options +
+                                    " zurt.dat > console 2> " + ptsname(terminal);
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        std::string shown(1 << 16, '\0');
+        std::size_t count = 0;
+        for (ssize_t n = 0; (n = read(terminal, &shown[count], shown.size() - count)) > 0;)
+            count += static_cast<std::size_t>(n);
+        close(terminal);
+        return shown.substr(0, count);
+    };
+    const std::string shown = onTerminal(""), erase = "\r\033[K";
+    const std::string console = ReadFile(folder + "/console");
+    EXPECT_TRUE(Contains(shown, erase + "step ")) << shown;
+    EXPECT_TRUE(Contains(shown, "/3000, ")) << shown;
+    ASSERT_GE(shown.size(), erase.size());
+    EXPECT_EQ(shown.substr(shown.size() - erase.size()), erase) << shown;
+    EXPECT_EQ(console, RunIn(folder, {"--force"}).console);
+    EXPECT_FALSE(Contains(onTerminal("--quiet"), "step "));
+}
+
+} // namespace
+} // namespace zurt_test
