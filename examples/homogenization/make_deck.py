@@ -42,6 +42,7 @@ def parse():
     parser.add_argument("--slope", type=float, default=0.0, help="of the channel's coefficient, relative, by concentration")
     parser.add_argument("--fibres", type=int, default=0,
                         help="instead of a cylinder in each cell, so many fibres from side to side at random places")
+    parser.add_argument("--free", action="store_true", help="all cards free, for models that outgrow the columns: zurt --free")
     parser.add_argument("--diameter", type=float, default=0.02, help="of these fibres")
     return parser.parse_args()
 
@@ -61,6 +62,12 @@ def cylinders(args, wide):
         cx = cell + 0.5
         yield {"z": ((cx, 0.5, 0.0), (cx, 0.5, wide)), "y": ((cx, 0.0, wide / 2), (cx, 1.0, wide / 2)),
                "x": ((0.0, 0.5, wide / 2), (float(args.cells), 0.5, wide / 2))}[args.axis]
+
+
+def freed(cards):
+    """The same cards in free format: a slash ends each, and what stands behind it keeps its default."""
+    first = next(i for i, card in enumerate(cards) if not card.startswith("C "))
+    return cards[:first + 1] + ["1" + cards[first + 1][1:]] + [card + " /" for card in cards[first + 2:-1]] + cards[-1:]
 
 
 def main():
@@ -140,13 +147,13 @@ def main():
     out.append("    1\n      0.00000\n    0    0    0")
     out.append(f"{2:5d}" + "    0" * 10)
     out.append(f"{0.0:10.3e}    0    1")
-    out.append(f"{1:5d}{1:5d}{NP:5d}")
+    out.append(f"{1:5d}{1:5d} {NP}" if args.free else f"{1:5d}{1:5d}{NP:5d}")
     out.append("    0")
     out.append(f"{1.0:10.3e}    0    1")
-    out.append(f"{1:5d}{1:5d}{3 * across:5d}")
+    out.append(f"{1:5d}{1:5d} {3 * across}" if args.free else f"{1:5d}{1:5d}{3 * across:5d}")
     out.append("    0")
     out.append("STOP")
-    print("\n".join(out))
+    print("\n".join(freed(out) if args.free else out))
 
 
 main()

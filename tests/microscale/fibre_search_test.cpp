@@ -303,7 +303,8 @@ TEST(FibreSearch, CellsGiveTheSameBitsAmongTies) {
     }
 }
 
-// Faults: an index made of a coordinate that is no number or lies far outside.
+// Faults: an index made of a coordinate that is no number or lies far outside; a division that was given up, its lists being
+// too long, and is used all the same.
 TEST(FibreSearch, StrangePointsAndRegions) {
     Random random{std::mt19937(15)};
     FibreSearch search = SearchOfAllSets(MakeModel({RandomSet(random, 100, 0.2)}), 3, LineEnds::Count);
@@ -314,6 +315,13 @@ TEST(FibreSearch, StrangePointsAndRegions) {
         MakeFibreCells(search, {0, 0, 0}, {region[0], region[1], region[2]}, 1000);
         EXPECT_TRUE(search.divisions.empty());
     }
+    FibreSearch alike = SearchOfAllSets(
+        MakeModel({MakeSet(kSphereFibres, 0.1, std::vector<Fibre>(200, FibreThrough({{0.5, 0.5, 0.5}})))}), 3,
+        LineEnds::Count);
+    MakeFibreCells(alike, {0, 0, 0}, {1, 1, 1}, 1 << 18);
+    EXPECT_EQ(alike.divisions.size(), 5U);
+    for (const FibreCells& cells : alike.divisions)
+        ASSERT_EQ(cells.start.size(), 1U + cells.divisions[0] * cells.divisions[1] * cells.divisions[2]);
     const FibreSearch none = EmptySearch();
     EXPECT_EQ(SearchNearestFibre(none, {0.5, 0.5, 0.5}).fibre, -1);
 }
