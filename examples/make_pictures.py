@@ -19,7 +19,7 @@ SIZE = (640, 360)
 COLOURS = [(0.27, 0.00, 0.33), (0.23, 0.32, 0.55), (0.13, 0.57, 0.55), (0.37, 0.79, 0.38), (0.99, 0.91, 0.14)]
 GREY = (0.62, 0.62, 0.62)
 
-# How each is drawn. steps: places in the .pvd, the last one without; several stand below each other, `apart`. name: of the field.
+# How each is drawn. options: of the program. steps: places in the .pvd, the last one without; several stand below each other, `apart`. name: of the field.
 # cut: a point and a normal, elements ahead of that plane are taken away. box: what is kept. lift: the field raises the surface by so
 # much a unit. turn: an axisymmetric section is turned about x. tubes: radius in which lines are drawn. across: how radial fibres, which
 # have no direction in the deck, lie. fit: fibres end where the mesh does. view: from where. edges: of the elements. contours: how many.
@@ -32,7 +32,9 @@ EXAMPLES = {
     "fibrous_sheet": dict(contours=28, fit=True),
     "first": dict(steps=[0, 1, 2, 3], apart=0.3, view=(0.05, -1, 0.35)),
     "homogenization": dict(box=(-1.0, 3.0, -1, 2, -1, 1), contours=28, fit=True),
+    "membrane": dict(steps=[0, 1, 2, 3], options=["--prescribed", "faces.dat"], apart=0.3, view=(0.05, -1, 0.35)),
     "line_network": dict(tubes=0.1, view=(0.3, -0.6, 1)),
+    "million": dict(options=["--solver", "cg"], cut=((0.5, 0.5, 0.5), (1, -0.7, 0.9)), view=(0.8, -1, 0.9), zoom=1.05),
     "nanochannel_reservoirs": dict(steps=[1], view=(0.4, -1, 0.5), edges=True),
     "radiating_edge": dict(edges=True, contours=8, name="temperature"),
     "ring": dict(turn=True, view=(-1.0, -0.7, 0.5)),
@@ -49,7 +51,12 @@ EXAMPLES = {
 def run_example(name, folder):
     """[(time, .vtu)] of the first problem."""
     deck = os.path.join(HERE, name, "zurt.dat")
-    subprocess.run([PROGRAM, "--quiet", "--vtu", "--output", folder, deck], check=True, stderr=subprocess.DEVNULL)
+    if not os.path.exists(deck):
+        subprocess.run([os.path.join(HERE, name, "make_deck")], check=True, cwd=folder)
+        deck = os.path.join(folder, "zurt.dat")
+    options = EXAMPLES[name].get("options", [])
+    subprocess.run([PROGRAM, "--quiet", "--vtu", "--output", folder, *options, deck], check=True, cwd=os.path.dirname(deck),
+                   stderr=subprocess.DEVNULL)
     entries = xml.etree.ElementTree.parse(os.path.join(folder, "zurt.pvd")).iter("DataSet")
     return [(float(entry.get("timestep")), os.path.join(folder, entry.get("file"))) for entry in entries]
 
