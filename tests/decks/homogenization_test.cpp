@@ -264,6 +264,11 @@ TEST(Homogenization, RunsThatCanNotBeFittedEnd) {
         EXPECT_EQ(CountOf(result.errors, "zurt: note: the model with fibres passes no mass in direction X"),
                   1);
     }
+    const std::string usual = Build(Deck({2, 2})),
+                      start = " 1.000e+00    1    0\n"; // in units that make the numbers small
+    const RunResult faint = RunDeck(Replaced(usual, start, " 1.000e-13    1    0\n"));
+    EXPECT_FALSE(Contains(faint.errors, none));
+    EXPECT_NEAR(Fitted(faint.mass).at(0), Fitted(RunDeck(usual).mass).at(0), 1e-3);
     GridDeck grid = Deck(Channel{});
     grid.directions = {0, 1, 0};
     grid.NFITMAX = 3;
