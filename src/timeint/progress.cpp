@@ -29,11 +29,6 @@ double SecondsSince(ProgressState::Moment moment) {
     return std::chrono::duration<double>(Clockwork::now() - moment).count();
 }
 
-std::string HoursOf(double seconds) {
-    const long long whole = std::llround(seconds);
-    return Print("%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
-}
-
 // Most memory that the process has had, in megabytes.
 double MegabytesHeld() {
     struct rusage usage = {};
@@ -82,9 +77,9 @@ std::string TimeText(const Run& run, bool stepEnded) {
     const ProgressState& state = run.progress;
     const std::int32_t ended = run.clock.KOR - (stepEnded ? 0 : 1);
     const double done = ended - state.firstStep, left = run.pass.NDT - ended;
-    std::string text = ", elapsed " + HoursOf(SecondsSince(state.start));
+    std::string text = ", elapsed " + DurationText(SecondsSince(state.start));
     if (done > 0.0)
-        text += ", left " + HoursOf(SecondsSince(state.passStart) / done * left);
+        text += ", left " + DurationText(SecondsSince(state.passStart) / done * left);
     return text;
 }
 
@@ -118,6 +113,11 @@ void ShowLine(Run& run, const std::string& line) {
 }
 
 } // namespace
+
+std::string DurationText(double seconds) {
+    const long long whole = std::llround(seconds);
+    return Print("%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
+}
 
 void BeginProgress(Run& run, bool onTerminal) {
     run.progress.onTerminal = onTerminal && IsFirstRank() && StandardErrorIsTerminal();

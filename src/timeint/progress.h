@@ -8,7 +8,12 @@
 
 #include "run/run.h"
 
+#include <string>
+
 namespace zurt {
+
+/// "2:03:04" of 7384 seconds.
+std::string DurationText(double seconds);
 
 /// The run begins; `onTerminal` allows the terminal's line, where standard error is one.
 void BeginProgress(Run& run, bool onTerminal);

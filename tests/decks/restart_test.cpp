@@ -2,6 +2,7 @@
 #include "support/bar_deck.h"
 #include "support/run_deck.h"
 #include "support/small_decks.h"
+#include "timeint/progress.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -119,6 +120,7 @@ TEST(Restart, LeaveToWrite) {
 // Faults: steps without a line, or only once the run has ended; lines of a restart in the place of earlier ones; a fit
 // that does not say where it is; a line on standard error, which is no terminal here, or on the console.
 TEST(Progress, FileOfSteps) {
+    EXPECT_EQ(zurt::DurationText(7384.4), "2:03:04");
     const std::string folder = FolderWith("zurt.dat", SmallDeckText("device"));
     const RunResult plain = RunIn(folder, {});
     const Arguments options = {"--progress", "steps.log", "--checkpoint", "2", "--force"};

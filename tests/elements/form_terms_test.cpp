@@ -79,9 +79,10 @@ TEST(FormTerms, Sources) {
     Problem one;
     one.IZIP = 1;
     one.sources = {{{0.0, 1.0}, {2.0, 5.0}, {9.0, 5.0}}};
-    EXPECT_NEAR(Load(one, 0.5, 1.5), 2.0, kQuadrature); // slope, not value
-    EXPECT_NEAR(Load(one, 1.0, 3.0), 1.0, kQuadrature); // (5 - 3) / 2
-    EXPECT_NEAR(Load(one, 1.0, 1.0), 3.0, kQuadrature); // no length
+    EXPECT_NEAR(Load(one, 0.5, 1.5), 2.0, kQuadrature);   // slope, not value
+    EXPECT_NEAR(Load(one, 1.0, 3.0), 1.0, kQuadrature);   // (5 - 3) / 2
+    EXPECT_NEAR(Load(one, 1.0, 1.0), 3.0, kQuadrature);   // no length
+    EXPECT_NEAR(Load(one, 5.0, 9.0), -1.25, kQuadrature); // no value yet at the exact end: 0 stands for it
     Problem several = one;
     several.sources.push_back({{0.0, 10.0}});
     EXPECT_NEAR(Load(several, 0.5, 1.5), 4.0, kQuadrature);
