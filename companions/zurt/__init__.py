@@ -1,5 +1,7 @@
-"""ZUR-T from Python: run decks, read what they write."""
+"""ZUR-T from Python: run decks, read what they write, study parameters."""
+from .door import Run, read, run
 from .errors import ZurtError
 from .program import find_program
+from .study import Study, study
 
-__all__ = ["ZurtError", "find_program"]
+__all__ = ["Run", "Study", "ZurtError", "find_program", "read", "run", "study"]

@@ -1,0 +1,142 @@
+"""The small files beside a listing: table of balances, tables of masses, messages, progress."""
+import csv
+import re
+from dataclasses import dataclass, field
+
+import numpy
+
+from ..errors import ZurtError
+from .numbers import parse_numbers
+
+FIBRE_FLOW = [("step", int), ("fibres", float), ("medium", float)]
+FIT_FLOW = [("step", int), ("time", float), ("flow", float)]
+COEFFICIENT = [("concentration", float), ("bulk", float), ("equivalent", float)]
+PROGRESS = [("step", int), ("steps", int), ("time", float), ("iteration", int), ("ratio", float), ("elapsed", float), ("megabytes", float)]
+_PROGRESS = re.compile(r"(?:(.*), )?step (\d+)/(\d+), time (\S+?),(?: iteration (\d+),)?(?: ratio (\S+?),)? elapsed (\d+):(\d+):(\d+)"
+                       r"(?:, left [\d:]+)?(?:, (\d+) MB)?")
+
+
+@dataclass
+class History:
+    """values: structured array, a row a step, columns named as in the file without their units; NaN where a field is empty. units: column to
+    unit."""
+    values: numpy.ndarray
+    units: dict
+
+
+@dataclass
+class MassTable:
+    """What one direction's file says of one problem. fitted: {"D1D", "D2D", "HEQ", "HEQ0"} of a fit, else empty. coefficients: rows of the
+    direct calculation, dtype COEFFICIENT. flows: through the inlet cross-section, dtype FIT_FLOW (fit) or FIBRE_FLOW (direct calculation: the
+    model with fibres and the equivalent medium), None without."""
+    direction: str
+    steps: int = None
+    porosity: float = None
+    fitted: dict = field(default_factory=dict)
+    coefficients: numpy.ndarray = field(default_factory=lambda: numpy.zeros(0, COEFFICIENT))
+    flows: numpy.ndarray = None
+
+
+def read_history(path):
+    """The table that --history wrote. A row that a killed run left unfinished is left out."""
+    with _opened(path) as file:
+        rows = list(csv.reader(file))
+    if not rows or "step [1]" not in rows[0][0]:
+        raise ZurtError("this is no table of balances: its first row begins with step [1]", path, 1)
+    heads = [re.fullmatch(r"(.*?) \[(.*)\]", head) for head in rows[0]]
+    names = [head.group(1) if head else text for head, text in zip(heads, rows[0])]
+    whole = [row for row in rows[1:] if len(row) == len(names)]
+    values = numpy.zeros(len(whole), [(name, int if name in ("step", "iterations") else float) for name in names])
+    for k, name in enumerate(names):
+        try:
+            values[name] = [row[k] if row[k] else numpy.nan for row in whole]
+        except ValueError:
+            raise ZurtError(f"column {name}: a number is expected", path) from None
+    return History(values, {name: head.group(2) if head else "" for name, head in zip(names, heads)})
+
+
+def read_masses(path):
+    """MassTable of every problem in MASS-X.LST, MASS-Y.LST or MASS-Z.LST."""
+    direction = re.sub(r".*MASS-([XYZ]).*", r"\1", str(path))
+    with _opened(path) as file:
+        lines = file.read().split("\n")
+    tables, at = [], 0
+    while at < len(lines):
+        head = lines[at].strip()
+        section = next((name for name in _SECTIONS if head.startswith(name)), None)
+        at += 1
+        if section:
+            if not tables or (section == "NUMBER OF TIME STEPS") or (section == "VALUES OF FITTED" and tables[-1].flows is not None):
+                tables.append(MassTable(direction))
+            at = _SECTIONS[section](tables[-1], lines, at, path)
+    return tables
+
+
+def _rows(lines, at, columns, path):
+    rows = []
+    while at < len(lines) and re.match(r"^[\s\d.+\-DEN*a]+$", lines[at]) and lines[at].strip():
+        values = parse_numbers(lines[at].encode(), file=path)
+        if len(values) != columns:
+            break
+        rows.append(tuple(values))
+        at += 1
+    return rows, at
+
+
+def _read_size(table, lines, at, path):
+    values = parse_numbers(lines[at].encode(), file=path) if at < len(lines) else []
+    table.steps = int(values[0]) if len(values) else None
+    table.porosity = float(values[1]) if len(values) > 1 else None
+    return at + 1
+
+
+def _read_coefficients(table, lines, at, path):
+    rows, at = _rows(lines, at + 1, 3, path)
+    table.coefficients = numpy.array(rows, COEFFICIENT)
+    return at
+
+
+def _read_fitted(table, lines, at, path):
+    rows, at = _rows(lines, at + 1, 4, path)
+    if rows:
+        table.fitted = dict(zip(("D1D", "D2D", "HEQ", "HEQ0"), rows[0]))
+    return at
+
+
+def _read_flows(table, lines, at, path):
+    micro = at < len(lines) and "MICRO" in lines[at]
+    rows, at = _rows(lines, at + 1, 3, path)
+    table.flows = numpy.array(rows, FIBRE_FLOW if micro else FIT_FLOW)
+    return at
+
+
+_SECTIONS = {"NUMBER OF TIME STEPS": _read_size, "VALUES OF DIFFUSION": _read_coefficients, "VALUES OF FITTED": _read_fitted,
+             "CHANGE OF MASS": _read_flows}
+
+
+def read_messages(path):
+    """Lines of MESSAGES.LST that say something."""
+    with _opened(path) as file:
+        return [line.strip() for line in file if line.strip()]
+
+
+def read_progress(path):
+    """(places, rows): for each line of a progress file the run of a fit that it is of ("" in other runs), and its numbers, dtype PROGRESS;
+    elapsed in seconds."""
+    places, rows = [], []
+    with _opened(path) as file:
+        for line in file:
+            match = _PROGRESS.match(line)
+            if match:
+                place, step, steps, time, iteration, ratio, hours, minutes, seconds, memory = match.groups()
+                places.append(place or "")
+                rows.append((int(step), int(steps), float(time), int(iteration or 0), float(ratio or "nan"),
+                             3600.0 * int(hours) + 60.0 * int(minutes) + int(seconds), float(memory or "nan")))
+    return places, numpy.array(rows, PROGRESS)
+
+
+def _opened(path):
+    try:
+        return open(path, encoding="latin-1", newline="")
+    except OSError as error:
+        raise ZurtError(error.strerror, path) from None
