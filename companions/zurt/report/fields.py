@@ -1,0 +1,116 @@
+"""Fields of the written steps for pictures and profiles: from the files for ParaView where there are any, else from the graphics file, else
+concentrations of the listing alone."""
+from dataclasses import dataclass
+
+import numpy
+
+from ..results import graphics, listing, vtk_files
+
+MOST_PLANES = 240
+BINS = 60
+
+
+@dataclass
+class Fields:
+    """points: (n, 3) places of the nodes, or None. cells: [(shape, (m, nodes))]. concentration: (n,), NaN at nodes in fibres. vectors: name (flux,
+    coefficient) to (n, 3), those that hold something. path: of the .vtu it is from, or None. source: where from, in words."""
+    time: float
+    points: numpy.ndarray
+    cells: list
+    concentration: numpy.ndarray
+    vectors: dict
+    path: str
+    source: str
+
+
+def written_steps(run, problem):
+    """[(time, function that reads its Fields)] of a problem, from zero, in order of time."""
+    if problem < len(run.files.series) and run.files.series[problem]:
+        return [(time, lambda path=path: _of_vtu(path)) for time, path in vtk_files.read_series(run.files.series[problem])]
+    if run.files.graphics and problem < len(run.graphics) and run.graphics[problem].places:
+        found = run.graphics[problem]
+        return [(place.time, lambda place=place: _of_graphics(run, found, place)) for place in found.places]
+    if problem < len(run.listing.problems):
+        return [(step.time, lambda step=step: _of_listing(run, step)) for step in run.listing.problems[problem].steps]
+    return []
+
+
+def _of_vtu(path):
+    step = vtk_files.read_vtu(path)
+    vectors = {name: step.fields[name] for name in ("flux", "coefficient") if name in step.fields and numpy.any(step.fields[name])}
+    return Fields(step.time, step.points, step.cells, step.fields["concentration"], vectors, path, "the files for ParaView")
+
+
+def _of_graphics(run, problem, place):
+    step = graphics.read_step(run.files.graphics, problem, place)
+    vectors = {name: step.fields[name] for name in ("flux", "coefficient") if name in step.fields and numpy.any(step.fields[name])}
+    cells = [(block.kind, block.elements) for block in problem.blocks]
+    return Fields(step.time, problem.points, cells, step.fields["concentration"], vectors, None, "the graphics file")
+
+
+def _of_listing(run, step):
+    values = listing.step_values(run.listing, step)
+    return Fields(step.time, None, [], values["concentration"], {}, None, "the listing")
+
+
+@dataclass
+class Profile:
+    """Means over planes (or slices) across an axis. axis: 0, 1, 2. at, mean, low, high: (k,). planes: False where slices were taken."""
+    axis: int
+    at: numpy.ndarray
+    mean: numpy.ndarray
+    low: numpy.ndarray
+    high: numpy.ndarray
+    planes: bool
+
+
+def profile(points, values, axis, limits=None):
+    """Profile of nodal values (n,) along an axis; limits: the part of the axis to show."""
+    x = points[:, axis]
+    good = numpy.isfinite(values)
+    if limits is not None:
+        good &= (x >= limits[0]) & (x <= limits[1])
+    x, values = x[good], values[good]
+    if not len(x):
+        return Profile(axis, *[numpy.zeros(0)] * 4, True)
+    extent = numpy.ptp(x)
+    places, row = numpy.unique(numpy.round(x / (1e-6 * extent)) if extent > 0 else numpy.zeros(len(x)), return_inverse=True)
+    planes = len(places) <= MOST_PLANES
+    if not planes:
+        row = numpy.minimum(((x - x.min()) / extent * BINS).astype(int), BINS - 1)
+        _, row = numpy.unique(row, return_inverse=True)
+    count = numpy.bincount(row)
+    low, high = numpy.full(len(count), numpy.inf), numpy.full(len(count), -numpy.inf)
+    numpy.minimum.at(low, row, values)
+    numpy.maximum.at(high, row, values)
+    return Profile(axis, numpy.bincount(row, x) / count, numpy.bincount(row, values) / count, low, high, planes)
+
+
+def telling_axes(fields):
+    """Axes along which the concentration changes, that of the largest change first; at least one where the mesh has an extent."""
+    extents = numpy.ptp(fields.points, axis=0)
+    candidates = [axis for axis in range(3) if extents[axis] > 1e-9 * extents.max()]
+    changes = {}
+    for axis in candidates:
+        means = profile(fields.points, fields.concentration, axis, dense_part(fields.points, axis)).mean
+        changes[axis] = numpy.ptp(means) if len(means) else 0.0
+    ordered = sorted(candidates, key=lambda axis: -changes[axis])
+    largest = changes[ordered[0]] if ordered else 0.0
+    return [axis for k, axis in enumerate(ordered) if k == 0 or changes[axis] > 0.05 * largest]
+
+
+def dense_part(points, axis):
+    """The part of an axis where planes of nodes lie close, when that is less than half of it (a channel between long reservoirs); else
+    None."""
+    x = points[:, axis]
+    extent = numpy.ptp(x)
+    if extent <= 0.0:
+        return None
+    _, first = numpy.unique(numpy.round(x / (1e-6 * extent)), return_index=True)
+    places = x[first]
+    gaps = numpy.diff(places)
+    if len(gaps) < 8:
+        return None
+    close = numpy.flatnonzero(gaps <= 3.0 * numpy.median(gaps))
+    low, high = places[close[0]], places[close[-1] + 1]
+    return (low, high) if high - low < 0.5 * extent else None

@@ -1,0 +1,160 @@
+"""The part of a page about a fit or the direct calculation."""
+from dataclasses import dataclass, field
+
+import numpy
+
+from .charts import Curve, line_chart, tidy
+from .fit_story import compare_flows, direct_table, fibre_flow, fitted_table, read_searches
+
+
+@dataclass
+class FitPage:
+    """One direction. sentences: the story in words. tables: gather.Table."""
+    title: str
+    headlines: list
+    sentences: list = field(default_factory=list)
+    charts: list = field(default_factory=list)
+    tables: list = field(default_factory=list)
+
+
+def gather(run, fibres):
+    """FitPage of every direction that was fitted or directly calculated. fibres: Run of the model with fibres, or None."""
+    searches = read_searches(run)
+    pages = []
+    for direction in run.masses:
+        if fitted := fitted_table(run, direction):
+            pages.append(_fit(run, direction, fitted, [s for s in searches if s.direction == direction.lower()], fibres))
+        elif direct := direct_table(run, direction):
+            pages.append(_direct(run, direction, direct))
+    return pages
+
+
+def _fit(run, direction, table, searches, fibres):
+    from .gather import Headline
+    found = table.fitted
+    same = abs(found["D2D"] - found["D1D"]) <= 1e-6 * abs(found["D1D"])
+    curve = tidy(found["D1D"], 5) if same else f"{tidy(found['D1D'], 5)} to {tidy(found['D2D'], 5)}"
+    axis = direction.lower()
+    page = FitPage(f"The fit along {axis}", [Headline(f"Coefficient along {axis}", curve, "D1D = D2D of the medium" if same else "D1D to D2D of the medium"),
+                                             Headline(f"HEQ along {axis}", tidy(found["HEQ"], 5), f"wall distance; HEQ0 {tidy(found['HEQ0'])}")])
+    for search in searches:
+        page.sentences.append(_sentence(search))
+        page.charts += _search_charts(search)
+        page.tables.append(_search_table(search))
+    if not searches:
+        page.sentences.append("The runs of the fit stand on the console alone, which was not kept: zurt.run keeps it, and so does "
+                              "zurt --progress progress.txt ... > console.txt in the run's folder.")
+    _add_flows(page, run, direction, table, fibres)
+    page.charts += _coefficient_chart(run)
+    return page
+
+
+def _sentence(search):
+    count = len(search.runs) + 1
+    factors = "with correction factors" if "without" not in search.fibres else "without correction factors"
+    end = f"within {abs(search.errors[-1]):.1e} of its mass" if len(search.errors) else "without a result"
+    state = "" if search.finished else " The console does not say that it came to a result."
+    return f"Search for the {search.parameter}: {count} runs of the medium against the model with fibres {factors}, the last {end}.{state}"
+
+
+def _search_charts(search):
+    if not len(search.runs):
+        return []
+    much = numpy.where(search.errors > 0.0, search.errors, numpy.nan)
+    little = numpy.where(search.errors < 0.0, -search.errors, numpy.nan)
+    path = Curve("size of the error", search.runs, numpy.abs(search.errors), "line", None, 6)
+    charts = [line_chart(f"Error in mass, {search.parameter}", [path, Curve("too much", search.runs, much, "points", None, 2),
+                                                               Curve("too little", search.runs, little, "points", None, 1)],
+                         "run of the medium", "relative error", True, whole_x=True)]
+    if numpy.isfinite(search.values).sum() > 1:
+        low, high = numpy.min(search.brackets, axis=1), numpy.max(search.brackets, axis=1)
+        tried = Curve("value tried", search.runs, search.values, "both", None, 1)
+        bracket = Curve("bracket", search.runs, (low + high) / 2.0, "dashed", (low, high), 3)
+        charts.append(line_chart(f"Values tried, {search.parameter}", [bracket, tried], "run of the medium", search.key,
+                                 note="The shade is the bracket: between the last value with too little mass and the last with too much.", whole_x=True))
+    return [chart for chart in charts if chart]
+
+
+def _search_table(search):
+    from .gather import Table
+    rows = [(str(int(number)), tidy(value, 5) if numpy.isfinite(value) else "", f"{100.0 * error:+.4f} %".replace("-", "−"),
+             "too much" if error > 0.0 else "too little",
+             f"{tidy(min(bracket), 5)} to {tidy(max(bracket), 5)}" if numpy.isfinite(bracket).all() else "")
+            for number, value, error, bracket in zip(search.runs, search.values, search.errors, search.brackets)]
+    return Table(f"Runs of the search for the {search.parameter}", ["run", search.key, "error in mass", "", "bracket"], rows,
+                 "The program states no error for the first run.", True)
+
+
+def _add_flows(page, run, direction, table, fibres):
+    from .gather import Headline
+    if table.flows is None or not len(table.flows):
+        return
+    time, medium = table.flows["time"], table.flows["flow"]
+    history = next((each.values for each in run.histories if each is not None), None)
+    if history is not None and "inlet" in history.dtype.names and len(run.masses) == 1:
+        time, medium = history["time"], history["inlet"]  # all digits, all steps
+    reference = fibre_flow(fibres, direction) if fibres is not None else None
+    if reference is None:
+        page.charts.append(line_chart("Flow through the inlet section", [Curve("fitted medium", time, medium, "both")], "time", "amount per time"))
+        page.sentences.append("The model with fibres is not run to the end in a fit. With --solve-fibres this report runs it and shows how far "
+                              "each step's flow differs; --fibres RUN takes a run that is there.")
+        return
+    flows = compare_flows(time, reference, medium)
+    page.charts.append(line_chart("Flow through the inlet section", [Curve("model with fibres", flows.time, flows.fibres, "both"),
+                                                                   Curve("fitted medium", flows.time, flows.medium, "dashed")], "time", "amount per time"))
+    page.charts.append(line_chart("How far the medium's flow differs", [Curve("medium over fibres, less one", flows.time, 100.0 * flows.difference, "both", None, 2)],
+                                  "time", "per cent"))
+    page.headlines.append(Headline("Mass of the medium", f"{100.0 * flows.passed:+.3f} %".replace("-", "−"), "against the model with fibres, all steps"))
+    page.sentences.append(f"Over all steps the medium passes {abs(100.0 * flows.passed):.3f} % {'more' if flows.passed > 0 else 'less'} than the model with "
+                          f"fibres; single steps differ by up to {100.0 * numpy.nanmax(numpy.abs(flows.difference)):.2f} %.")
+    page.tables.append(_flow_table(flows))
+
+
+def _flow_table(flows):
+    from .gather import Table
+    rows = [(tidy(time), tidy(a), tidy(b), f"{100.0 * d:+.3f} %".replace("-", "−"))
+            for time, a, b, d in zip(flows.time, flows.fibres, flows.medium, flows.difference)]
+    return Table("Flows of both models", ["time", "fibres", "medium", "difference"], rows, "", True)
+
+
+def _coefficient_chart(run):
+    """The medium's coefficient over the concentration, as the nodes have them in the last step."""
+    from .fields import dense_part, written_steps
+    steps = written_steps(run, 0)
+    last = steps[-1][1]() if steps else None
+    if last is None or "coefficient" not in last.vectors:
+        return []
+    inside = numpy.isfinite(last.concentration)
+    for axis in range(3):
+        part = dense_part(last.points, axis)
+        if part:
+            spare = 1e-6 * (part[1] - part[0])
+            inside &= (last.points[:, axis] > part[0] + spare) & (last.points[:, axis] < part[1] - spare)
+    axis = int(numpy.argmax(numpy.nanmax(numpy.abs(last.vectors["flux"][inside]), axis=0))) if "flux" in last.vectors and inside.any() else 0
+    order = numpy.argsort(last.concentration[inside])
+    chart = line_chart("Coefficient of the medium", [Curve(f"along {'xyz'[axis]}, at the nodes", last.concentration[inside][order],
+                                                           last.vectors["coefficient"][inside, axis][order], "points")],
+                       "concentration", "coefficient", note="The fitted curve times the factors at HEQ, in the last step.")
+    return [chart] if chart else []
+
+
+def _direct(run, direction, table):
+    from .gather import Headline, Table
+    rows, axis = table.coefficients, direction.lower()
+    page = FitPage(f"Direct calculation along {axis}", [Headline(f"Equivalent coefficient along {axis}", tidy(rows["equivalent"][-1], 5),
+                                                                 f"of the last step, at concentration {tidy(rows['concentration'][-1])}")])
+    if table.porosity is not None:
+        page.headlines.append(Headline("Porosity", tidy(table.porosity, 5), "share of fluid in all elements"))
+    steps = numpy.arange(1, len(rows) + 1)
+    page.charts.append(line_chart("Equivalent coefficient", [Curve("equivalent", steps, rows["equivalent"], "both")], "step", "coefficient", whole_x=True))
+    flows = table.flows
+    if flows is not None and len(flows):
+        page.charts.append(line_chart("Flow through the inlet section", [Curve("model with fibres", flows["step"], flows["fibres"], "both"),
+                                                                       Curve("equivalent medium", flows["step"], flows["medium"], "dashed")],
+                                      "step", "amount per time", whole_x=True))
+        story = compare_flows(flows["step"], flows["fibres"], flows["medium"])
+        page.tables.append(Table("Flows of both passes", ["step", "fibres", "medium", "difference"],
+                                 [(str(int(s)), tidy(a), tidy(b), f"{100.0 * d:+.2f} %".replace("-", "−"))
+                                  for s, a, b, d in zip(flows["step"], flows["fibres"], flows["medium"], story.difference)], "", True))
+    page.charts = [chart for chart in page.charts if chart]
+    return page
