@@ -11,11 +11,16 @@ def note_texts(lines):
     return [text for kind, text in _sentences(lines) if kind == "note"]
 
 
+def error_texts(lines):
+    """What ended a run, as standard error has it."""
+    return [text for kind, text in _sentences(lines) if kind != "note"]
+
+
 def error_of(lines, status, deck=None, listing=None):
     """ZurtError of a run that did not finish: the program's words, the file and line that they name. What stopped a run by a message of the
     program stands in the listing; its notes that belong to the end come along."""
     sentences = _sentences(lines)
-    errors = [text for kind, text in sentences if kind in ("error", "stopped", "interrupted")]
+    errors = error_texts(lines)
     if not errors:
         reason = f"ended by signal {-status}" if status < 0 else f"status {status}"
         return ZurtError(f"the program ended without a word ({reason})", deck)

@@ -7,7 +7,7 @@ import numpy
 from .charts import Curve, line_chart, tidy
 
 FLOWS = {"held": "held nodes", "flux": "given flux", "convection": "convection", "radiation": "radiation", "sources": "sources",
-         "fibres": "into fibres", "storing": "stored", "inlet": "inlet section"}
+         "fibres": "into fibres", "storing": "storing", "inlet": "inlet section"}
 SHORTEST = 3  # steps: below it there is no curve
 
 
@@ -37,6 +37,7 @@ def headlines(history):
     last = values[-1]
     if "stored" in names and numpy.isfinite(last["stored"]):
         start = stored_at_start(values)
+        start = 0.0 if abs(start) < 1e-8 * numpy.nanmax(numpy.abs(values["stored"])) else start
         hint = f"at time {tidy(last['time'])}; {tidy(start)} at the start" if numpy.isfinite(start) else f"at time {tidy(last['time'])}"
         found.append(Headline("Stored at the end", tidy(last["stored"]), hint))
         if numpy.isfinite(start) and start > 1e-12 * abs(last["stored"]) and last["stored"] < start * (1.0 - 1e-6):
@@ -77,10 +78,22 @@ def charts(history):
     found.append(line_chart("Stored amount", stored, "time", "amount"))
     size = {name: numpy.nanmax(numpy.abs(values[name]), initial=0.0) for name in names if name in FLOWS or name.startswith("held_f")}
     shown = [name for name in size if size[name] > 1e-9 * max(size.values()) and not (name == "held" and any(n.startswith("held_f") for n in size))]
-    flows = [Curve(label_of(name), time, values[name], "dashed" if name in ("storing", "inlet") else "line") for name in shown]
-    found.append(line_chart("Flows", flows, "time", "amount per time", note="Positive into the mesh; the inlet section's to its high side."))
+    found.append(_flow_chart(values, shown))
     found.append(line_chart("Error of the balance", [Curve("error", time, values["error"])], "time", "imbalance over what moves", True))
     return [chart for chart in found if chart]
+
+
+def _flow_chart(values, shown):
+    """Flows over time; their sizes on a logarithmic axis where the first steps would hide all others."""
+    style = {name: "dashed" if name in ("storing", "inlet") else "line" for name in shown}
+    steep = any(numpy.nanmax(numpy.abs(values[name])) > 10.0 * numpy.nanmedian(numpy.abs(values[name])) for name in shown)
+    if not steep or any(numpy.nanmin(values[name]) < 0.0 < numpy.nanmax(values[name]) for name in shown):
+        curves = [Curve(label_of(name), values["time"], values[name], style[name]) for name in shown]
+        return line_chart("Flows", curves, "time", "amount per time", note="Positive into the mesh; the inlet section's to its high side.")
+    negative = {"storing": " (shrinking)", "inlet": " (to its low side)"}
+    curves = [Curve(label_of(name) + (negative.get(name, " (out)") if values[name][-1] < 0.0 else ""), values["time"], numpy.abs(values[name]), style[name])
+              for name in shown]
+    return line_chart("Size of the flows", curves, "time", "amount per time", True)
 
 
 def bars(history):
@@ -101,8 +114,12 @@ def bars(history):
         share = abs(last[name]) / largest * (50.0 if both else 100.0)
         positive = last[name] >= 0.0
         left = 50.0 if both and positive else 50.0 - share if both else 0.0
-        rows.append(Bar(label_of(name), tidy(last[name]) if abs(last[name]) > 1e-12 * largest else "0", left, share, bool(positive)))
+        rows.append(Bar(label_of(name), _flow_text(last[name], largest), left, share, bool(positive)))
     return rows
+
+
+def _flow_text(flow, largest):
+    return tidy(flow) if abs(flow) > 1e-8 * largest else "0" if flow == 0.0 else "≈ 0"
 
 
 def bars_title(history):

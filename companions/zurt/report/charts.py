@@ -6,7 +6,7 @@ from html import escape
 import numpy
 
 WIDTH, HEIGHT = 420.0, 250.0
-LEFT, RIGHT, TOP, BOTTOM = 58.0, 12.0, 10.0, 40.0
+LEFT, RIGHT, TOP, BOTTOM = 64.0, 12.0, 10.0, 40.0
 MOST_POINTS = 500
 SUPERSCRIPTS = str.maketrans("-0123456789", "⁻⁰¹²³⁴⁵⁶⁷⁸⁹")
 
@@ -32,8 +32,9 @@ class Chart:
     note: str = ""
 
 
-def line_chart(title, curves, x_label, y_label, logarithmic=False, note="", marks=(), whole_x=False):
-    """Chart of curves. marks: [(y, words)] of level lines. None when no curve has a point to show."""
+def line_chart(title, curves, x_label, y_label, logarithmic=False, note="", marks=(), whole_x=False, from_zero=False):
+    """Chart of curves. marks: [(y, words)] of level lines. whole_x: x counts something. from_zero: the axis of y begins there, for counts.
+    None when no curve has a point to show."""
     curves = [_shown(curve, k + 1, logarithmic) for k, curve in enumerate(curves)]
     curves = [curve for curve in curves if numpy.isfinite(curve.y).any()]
     if not curves:
@@ -41,9 +42,9 @@ def line_chart(title, curves, x_label, y_label, logarithmic=False, note="", mark
     x_range = _range([curve.x for curve in curves], False, margin=0.0)
     bands = [each for curve in curves if curve.band for each in curve.band]
     levels = [numpy.array([y]) for y, _ in marks if not logarithmic or y > 0]
-    y_range = _range([*[curve.y for curve in curves], *bands, *levels], logarithmic)
+    y_range = _range([*[curve.y for curve in curves], *bands, *levels, *([numpy.zeros(1)] if from_zero else [])], logarithmic)
     place = _placing(x_range, y_range, logarithmic)
-    parts = [_axes(x_range, y_range, place, logarithmic, x_label, y_label, whole_x)]
+    parts = [_axes(x_range, y_range, place, logarithmic, x_label, y_label, whole_x, from_zero)]
     parts += [_band(curve, place) for curve in curves if curve.band]
     parts += [_mark(y, words, place) for y, words in marks if y_range[0] <= y <= y_range[1]]
     parts += [_curve(curve, place) for curve in curves]
@@ -70,7 +71,8 @@ def tidy(value, digits=4):
         if len(whole.lstrip("-")) > 4:
             whole = f"{int(whole):,}".replace(",", " ")
         return (whole + point + rest).replace("-", "−")
-    mantissa = f"{value / 10.0 ** power:.{digits - 1}f}".rstrip("0").rstrip(".")
+    mantissa, exponent = f"{value:.{digits - 1}e}".split("e")
+    mantissa, power = mantissa.rstrip("0").rstrip(".") if "." in mantissa else mantissa, int(exponent)
     return f"{mantissa} × 10{str(power).translate(SUPERSCRIPTS)}".replace("-", "−")
 
 
@@ -97,8 +99,9 @@ def _range(arrays, logarithmic, margin=0.06):
         return 10.0 ** (low - spare), 10.0 ** (high + spare)
     if low > 0.0 and low < 0.6 * high and margin:
         low = 0.0
-    if high - low <= 1e-9 * max(abs(low), abs(high)):
-        spare = 0.1 * abs(high) if high else 1.0
+    narrow = 1e-3 * max(abs(low), abs(high))  # less would ask for ticks of many digits, which say little
+    if high - low <= narrow:
+        spare = max(narrow, 0.1 * abs(high) if high - low <= 1e-9 * abs(high) else 0.0) or 1.0
         return low - spare, high + spare
     return low - (margin * (high - low) if low != 0.0 else 0.0), high + (margin * (high - low) if high != 0.0 else 0.0)
 
@@ -113,11 +116,12 @@ def _placing(x_range, y_range, logarithmic):
     return place
 
 
-def nice_ticks(low, high, wanted=5):
-    """Round values between low and high, about `wanted` of them."""
+def nice_ticks(low, high, wanted=5, whole=False):
+    """(values, step): round values between low and high, about `wanted` of them; whole: whole numbers."""
     raw = (high - low) / wanted
     power = 10.0 ** math.floor(math.log10(raw))
-    step = next(factor * power for factor in (1.0, 2.0, 2.5, 5.0, 10.0) if factor * power >= raw * 0.999)
+    step = next(factor * power for factor in (1.0, 2.0, 2.5, 5.0, 10.0) if factor * power >= raw * 0.999 and (factor != 2.5 or not whole))
+    step = max(step, 1.0) if whole else step
     first = math.ceil(low / step - 1e-9)
     return [k * step for k in range(first, math.floor(high / step + 1e-9) + 1)], step
 
@@ -139,20 +143,20 @@ def _tick_text(value, step):
 def _log_ticks(low, high):
     first, last = math.ceil(math.log10(low) - 1e-9), math.floor(math.log10(high) + 1e-9)
     every = max(1, math.ceil((last - first + 1) / 6))
-    ticks = [(10.0 ** k, "10" + str(k).translate(SUPERSCRIPTS)) for k in range(first, last + 1, every)]
-    return ticks if len(ticks) > 1 else [(value, f"{value:.2g}") for value in (low * 1.05, math.sqrt(low * high), high * 0.95)]
+    if last - first >= 1:
+        return [(10.0 ** k, "10" + str(k).translate(SUPERSCRIPTS)) for k in range(first, last + 1, every)]
+    values = [(factor, k) for k in range(first - 1, last + 2) for factor in (1, 2, 5) if low <= factor * 10.0 ** k <= high]
+    return [(factor * 10.0 ** k, (f"{factor}·" if factor > 1 else "") + "10" + str(k).translate(SUPERSCRIPTS)) for factor, k in values]
 
 
-def _axes(x_range, y_range, place, logarithmic, x_label, y_label, whole_x):
+def _axes(x_range, y_range, place, logarithmic, x_label, y_label, whole_x, from_zero):
     bottom, right = HEIGHT - BOTTOM, WIDTH - RIGHT
     if logarithmic:
         y_ticks = _log_ticks(*y_range)
     else:
-        values, step = nice_ticks(*y_range)
+        values, step = nice_ticks(*y_range, whole=from_zero)
         y_ticks = [(value, _tick_text(value, step)) for value in values]
-    values, step = nice_ticks(*x_range)
-    if whole_x and step < 1:
-        values, step = list(range(math.ceil(x_range[0]), math.floor(x_range[1]) + 1)), 1
+    values, step = nice_ticks(*x_range, whole=whole_x)
     parts = []
     for value, text in y_ticks:
         _, y = place(x_range[0], value)
@@ -204,7 +208,7 @@ def _band(curve, place):
 def _mark(y, words, place):
     _, height = place(0.0, y)
     return (f'<line class="m" x1="{LEFT:g}" x2="{WIDTH - RIGHT:g}" y1="{height:.1f}" y2="{height:.1f}"/>'
-            f'<text x="{WIDTH - RIGHT - 3:g}" y="{height - 4:.1f}" text-anchor="end">{escape(words)}</text>')
+            f'<text x="{LEFT + 4:g}" y="{height - 4:.1f}">{escape(words)}</text>')
 
 
 def _ends(curves):

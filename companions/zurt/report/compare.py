@@ -121,7 +121,7 @@ def _profile_charts(names, lasts):
     axis = telling_axes(meshed[0][1])[0]
     curves = []
     for k, last in meshed:
-        line = profile(last.points, last.concentration, axis, dense_part(last.points, axis))
+        line = profile(last, last.concentration, axis, dense_part(last.points, axis))
         curves.append(Curve(f"{names[k]}, t = {tidy(last.time)}" if last.time else names[k], line.at, line.mean, STYLES[k % 2], None, k + 1))
     return [line_chart(f"Concentration along {AXES[axis]}, last step", curves, AXES[axis], "concentration")]
 
@@ -168,7 +168,7 @@ def _convergence_charts(runs, names, histories, k):
     for number, (run, history) in enumerate(zip(runs, histories)):
         if history is not None and len(history) >= 4:
             curves.append(Curve(names[number], history["step"], history["iterations"], STYLES[number % 2], None, number + 1))
-    return [line_chart("Solves of each step", curves, "step", "solves", whole_x=True)] if len(curves) > 1 else []
+    return [line_chart("Solves of each step", curves, "step", "solves", whole_x=True, from_zero=True)] if len(curves) > 1 else []
 
 
 def _field_difference(name, base, other_name, other):

@@ -17,12 +17,13 @@ def gather(run, k, history):
     accuracy = run.header.get("EPSTR") if k == 0 else None
     marks = [(accuracy, f"EPSTR {accuracy:g}")] if accuracy else []
     if len(steps) >= 4 and not linear:
-        charts.append(line_chart("Solves of each step", [Curve("solves", steps, solves, "both" if len(steps) < 60 else "line")], "step",
-                                 "solves", whole_x=True))
+        if numpy.ptp(solves):
+            charts.append(line_chart("Solves of each step", [Curve("solves", steps, solves, "both" if len(steps) < 60 else "line")], "step",
+                                     "solves", whole_x=True, from_zero=True))
         charts.append(line_chart("Where each step ended", [Curve("ratio", steps, ratio, "both" if len(steps) < 60 else "line")], "step",
                                  "last increment over largest", True, marks=marks, whole_x=True))
     charts.append(_slowest(iterations, marks))
-    words = (str(int(solves.sum())), f"in {len(steps)} steps{where}" + (", at most " + str(int(solves.max())) + " in one" if not linear else ", one each"))
+    words = (str(int(solves.sum())), f"in {len(steps)} step{'s' if len(steps) > 1 else ''}{where}" + (", at most " + str(int(solves.max())) + " in one" if not linear else ", one each"))
     return [chart for chart in charts if chart], _table(steps, solves, ratio, where), words
 
 
@@ -42,7 +43,7 @@ def _by_step(iterations, source, history):
         return numpy.zeros(0), numpy.zeros(0), numpy.zeros(0), ""
     steps, first = numpy.unique(iterations["step"], return_index=True)
     last = numpy.append(first[1:], len(iterations)) - 1
-    return steps, iterations["iteration"][last] + 1.0, iterations["step_ratio"][last], " that were printed" if source == "listing" else ""
+    return steps, iterations["iteration"][last] + 1.0, iterations["step_ratio"][last], " of the listing" if source == "listing" else ""
 
 
 def _slowest(iterations, marks):
@@ -61,4 +62,4 @@ def _table(steps, solves, ratio, where):
     from .gather import Table
     rows = [(str(int(step)), str(int(count)), tidy(value, 2) if numpy.isfinite(value) else "") for step, count, value in zip(steps, solves, ratio)]
     note = f"The first {MOST_ROWS} of {len(rows)} steps." if len(rows) > MOST_ROWS else ""
-    return Table(f"Every step{where}", ["step", "solves", "last increment over largest"], rows[:MOST_ROWS], note, True)
+    return Table("Every printed step" if where else "Every step", ["step", "solves", "last increment over largest"], rows[:MOST_ROWS], note, True)

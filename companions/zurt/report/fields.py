@@ -1,5 +1,6 @@
 """Fields of the written steps for pictures and profiles: from the files for ParaView where there are any, else from the graphics file, else
 concentrations of the listing alone."""
+import os
 from dataclasses import dataclass
 
 import numpy
@@ -12,12 +13,14 @@ BINS = 60
 
 @dataclass
 class Fields:
-    """points: (n, 3) places of the nodes, or None. cells: [(shape, (m, nodes))]. concentration: (n,), NaN at nodes in fibres. vectors: name (flux,
+    """points: (n, 3) places of the nodes, or None. cells: [(shape, (m, nodes))]. concentration: (n,), NaN at nodes in fibres under the
+    mesh. nodes: (n,) False at points that are no nodes of the mesh. vectors: name (flux,
     coefficient) to (n, 3), those that hold something. path: of the .vtu it is from, or None. source: where from, in words."""
     time: float
     points: numpy.ndarray
     cells: list
     concentration: numpy.ndarray
+    nodes: numpy.ndarray
     vectors: dict
     path: str
     source: str
@@ -27,7 +30,7 @@ def written_steps(run, problem):
     """[(time, function that reads its Fields)] of a problem, from zero, in order of time."""
     if problem < len(run.files.series) and run.files.series[problem]:
         return [(time, lambda path=path: _of_vtu(path)) for time, path in vtk_files.read_series(run.files.series[problem])]
-    if run.files.graphics and problem < len(run.graphics) and run.graphics[problem].places:
+    if run.files.graphics and os.path.getsize(run.files.graphics) > 0 and problem < len(run.graphics) and run.graphics[problem].places:
         found = run.graphics[problem]
         return [(place.time, lambda place=place: _of_graphics(run, found, place)) for place in found.places]
     if problem < len(run.listing.problems):
@@ -38,19 +41,20 @@ def written_steps(run, problem):
 def _of_vtu(path):
     step = vtk_files.read_vtu(path)
     vectors = {name: step.fields[name] for name in ("flux", "coefficient") if name in step.fields and numpy.any(step.fields[name])}
-    return Fields(step.time, step.points, step.cells, step.fields["concentration"], vectors, path, "the files for ParaView")
+    return Fields(step.time, step.points, step.cells, step.fields["concentration"], step.fields["node"] > 0, vectors, path, "the files for ParaView")
 
 
 def _of_graphics(run, problem, place):
     step = graphics.read_step(run.files.graphics, problem, place)
     vectors = {name: step.fields[name] for name in ("flux", "coefficient") if name in step.fields and numpy.any(step.fields[name])}
     cells = [(block.kind, block.elements) for block in problem.blocks]
-    return Fields(step.time, problem.points, cells, step.fields["concentration"], vectors, None, "the graphics file")
+    values = step.fields["concentration"]
+    return Fields(step.time, problem.points, cells, values, numpy.ones(len(values), bool), vectors, None, "the graphics file")
 
 
 def _of_listing(run, step):
     values = listing.step_values(run.listing, step)
-    return Fields(step.time, None, [], values["concentration"], {}, None, "the listing")
+    return Fields(step.time, None, [], values["concentration"], numpy.ones(len(values["concentration"]), bool), {}, None, "the listing")
 
 
 @dataclass
@@ -64,10 +68,10 @@ class Profile:
     planes: bool
 
 
-def profile(points, values, axis, limits=None):
-    """Profile of nodal values (n,) along an axis; limits: the part of the axis to show."""
-    x = points[:, axis]
-    good = numpy.isfinite(values)
+def profile(fields, values, axis, limits=None):
+    """Profile of values (n,) at the points of fields along an axis; limits: the part of the axis to show."""
+    x = fields.points[:, axis]
+    good = numpy.isfinite(values) & fields.nodes
     if limits is not None:
         good &= (x >= limits[0]) & (x <= limits[1])
     x, values = x[good], values[good]
@@ -92,7 +96,7 @@ def telling_axes(fields):
     candidates = [axis for axis in range(3) if extents[axis] > 1e-9 * extents.max()]
     changes = {}
     for axis in candidates:
-        means = profile(fields.points, fields.concentration, axis, dense_part(fields.points, axis)).mean
+        means = profile(fields, fields.concentration, axis, dense_part(fields.points, axis)).mean
         changes[axis] = numpy.ptp(means) if len(means) else 0.0
     ordered = sorted(candidates, key=lambda axis: -changes[axis])
     largest = changes[ordered[0]] if ordered else 0.0

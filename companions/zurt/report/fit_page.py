@@ -44,6 +44,9 @@ def _fit(run, direction, table, searches, fibres):
     if not searches:
         page.sentences.append("The runs of the fit stand on the console alone, which was not kept: zurt.run keeps it, and so does "
                               "zurt --progress progress.txt ... > console.txt in the run's folder.")
+    if fibres is not None and searches and not any(search.key == "HEQ" for search in searches):
+        page.sentences.append("This fit sought the curve alone, without correction factors, and the run of the model with fibres has those of "
+                              "the deck: compare flows only where the deck's factors are 1.")
     _add_flows(page, run, direction, table, fibres)
     page.charts += _coefficient_chart(run)
     return page

@@ -6,7 +6,7 @@ from dataclasses import dataclass, field
 import numpy
 
 from ..errors import ZurtError
-from ..notes import note_texts
+from ..notes import error_texts, note_texts
 from . import balance, convergence, fit_page, pictures
 from .charts import Curve, line_chart, tidy
 from .fields import dense_part, profile, telling_axes, written_steps
@@ -54,12 +54,14 @@ class ProblemPage:
 
 @dataclass
 class RunPage:
-    """status: finished, stopped or unknown; status_words says it in words. notes, messages: None when nobody kept them."""
+    """status: finished or stopped; status_words says it in words. message: the listing's at its end. errors: the program's on standard error.
+    notes: None when nobody kept them."""
     name: str
     folder: str
     status: str
     status_words: str
     message: str
+    errors: list
     notes: list
     messages: list
     problems: list
@@ -72,7 +74,8 @@ def gather_run(run, with_pictures=True, fibres=None):
     problems = [gather_problem(run, k, with_pictures, fibres) for k in range(len(listing.problems))]
     status, words = _status(run)
     notes = note_texts(run.notes) if run.notes is not None else None
-    return RunPage(run.files.name, os.path.basename(os.path.abspath(run.folder)), status, words, listing.message, notes,
+    errors = error_texts(run.notes) if run.notes is not None else []
+    return RunPage(run.files.name, os.path.basename(os.path.abspath(run.folder)), status, words, listing.message, errors, notes,
                    _counted(run.messages), problems, _files(run))
 
 
@@ -113,7 +116,7 @@ def _add_fields(page, run, steps, last, with_pictures):
     values = last.concentration[numpy.isfinite(last.concentration)]
     if len(values):
         low, high = float(values.min()), float(values.max())
-        page.headlines.append(Headline("Concentration", f"{tidy(low)} to {tidy(high)}" if high > low else tidy(low),
+        page.headlines.append(Headline("Concentration", f"{tidy(low)} to {tidy(high)}" if tidy(high) != tidy(low) else tidy(low),
                                        f"lowest and highest of the last step, from {last.source}"))
     if last.points is None:
         page.hints.append("No mesh is known, so there are no pictures: write the graphics file (IGRAF) or run with --vtu.")
@@ -134,10 +137,10 @@ def _profile_chart(steps, last, axis, with_earlier):
             if time == last.time:
                 continue
             earlier = read()
-            line = profile(earlier.points, earlier.concentration, axis, part)
+            line = profile(earlier, earlier.concentration, axis, part)
             curves.append(Curve(f"t = {tidy(time)}", line.at, line.mean, "line", None, len(curves) + 2))
-    line = profile(last.points, last.concentration, axis, part)
-    spread = numpy.ptp(last.concentration[numpy.isfinite(last.concentration)])
+    line = profile(last, last.concentration, axis, part)
+    spread = numpy.ptp(last.concentration[numpy.isfinite(last.concentration) & last.nodes])
     band = (line.low, line.high) if numpy.max(line.high - line.low, initial=0.0) > 1e-3 * spread else None
     style = "both" if len(line.at) < 40 else "line"
     name = f"t = {tidy(last.time)}" if curves or last.time else "mean of the section"
@@ -154,24 +157,41 @@ def _flux_charts(last):
         if name not in last.vectors:
             continue
         axis = telling_axes(last)[0]
-        part = dense_part(last.points, axis)
+        part = _inside(dense_part(last.points, axis))
         vectors = numpy.where(numpy.isfinite(last.concentration)[:, None], last.vectors[name], numpy.nan)
         inside = slice(None) if part is None else (last.points[:, axis] >= part[0]) & (last.points[:, axis] <= part[1])
         largest = numpy.nanmax(numpy.abs(vectors[inside]))
         shown = [component for component in range(3) if numpy.nanmax(numpy.abs(vectors[inside, component])) > 1e-3 * largest]
-        lines = [profile(last.points, vectors[:, component], axis, part) for component in shown]
+        lines = [profile(last, vectors[:, component], axis, part) for component in shown]
         curves = [Curve(f"along {AXES[component]}", line.at, line.mean, "line", (line.low, line.high), component + 1)
                   for component, line in zip(shown, lines)]
         chart = line_chart(f"{title} at the nodes", curves, AXES[axis], title.lower(),
-                           note=f"Means of the nodes across {AXES[axis]} at time {tidy(last.time)}, the shade from lowest to highest.")
+                           note=f"Means of the nodes across {AXES[axis]}{f' at time {tidy(last.time)}' if last.time else ''}, the shade from lowest to highest.")
         charts += [chart] if chart else []
     return charts
 
 
+def _inside(part):
+    """A part of an axis without its ends, whose nodes share what lies outside."""
+    if part is None:
+        return None
+    spare = 1e-6 * (part[1] - part[0])
+    return part[0] + spare, part[1] - spare
+
+
 def _title(run, k):
-    if run.files.graphics and k < len(run.graphics) and run.graphics[k].title:
-        return run.graphics[k].title
+    meshes = _meshes(run)
+    if k < len(meshes) and meshes[k].title:
+        return meshes[k].title
     return run.header.get("title", "") if k == 0 else f"Problem {k + 1}"
+
+
+def _meshes(run):
+    """Problems of the graphics file; none where it is missing or was left without a mesh."""
+    try:
+        return run.graphics
+    except ZurtError:
+        return []
 
 
 def _facts(run, k, last, steps):
@@ -182,8 +202,8 @@ def _facts(run, k, last, steps):
     for shape, cells in last.cells if last else []:
         counts[size.get(shape[:4], shape)] = counts.get(size.get(shape[:4], shape), 0) + len(cells)
     facts = [("Kind", kind + (", device modelling" if header.get("NDS") else "") + (", torsion analogue" if header.get("ITOR") == 1 else ""))]
-    if header.get("NP") or run.files.graphics and k < len(run.graphics):
-        facts.append(("Nodes", f"{header.get('NP') or len(run.graphics[k].points):,}".replace(",", " ")))
+    if header.get("NP") or k < len(_meshes(run)):
+        facts.append(("Nodes", f"{header.get('NP') or len(_meshes(run)[k].points):,}".replace(",", " ")))
     if counts:
         facts.append(("Elements", ", ".join(f"{count:,} {shape}".replace(",", " ") for shape, count in counts.items())))
     if last is not None and last.points is not None:

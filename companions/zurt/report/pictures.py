@@ -52,8 +52,12 @@ def _by_vtk(fields, fibres_path, box, low, high):
                            timeout=VTK_SECONDS, check=False)
         except (OSError, subprocess.TimeoutExpired):
             return []
-        words = (f"Concentration at time {fields.time:.6g}", f"Sections through the middle at time {fields.time:.6g}")
+        words = (_words("Concentration", fields), _words("Sections through the middle", fields))
         return [(title, _content(file)) for title, file in zip(words, files) if os.path.isfile(file) and os.path.getsize(file) > 0]
+
+
+def _words(what, fields):
+    return f"{what} at time {fields.time:.6g}" if fields.time else f"{what}, last step"
 
 
 def _content(path):
@@ -85,7 +89,7 @@ def _by_matplotlib(fields, box, low, high):
     stream = io.BytesIO()
     figure.savefig(stream, format="png", bbox_inches="tight")
     pyplot.close(figure)
-    return [(f"Concentration at time {fields.time:.6g}", stream.getvalue())]
+    return [(_words("Concentration", fields), stream.getvalue())]
 
 
 def _faces(fields, box):
