@@ -2,6 +2,7 @@
 import numpy
 
 from .charts import Curve, line_chart, tidy
+from .fields import header_of
 
 MOST_ROWS = 2000
 
@@ -14,7 +15,7 @@ def gather(run, k, history):
         return [], None, None
     linear = not len(iterations) and not numpy.isfinite(ratio).any()
     charts = []
-    accuracy = run.header.get("EPSTR") if k == 0 else None
+    accuracy = header_of(run).get("EPSTR") if k == 0 else None
     marks = [(accuracy, f"EPSTR {accuracy:g}")] if accuracy else []
     if len(steps) >= 4 and not linear:
         if numpy.ptp(solves):

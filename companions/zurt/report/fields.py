@@ -5,6 +5,7 @@ from dataclasses import dataclass
 
 import numpy
 
+from ..errors import ZurtError
 from ..results import graphics, listing, vtk_files
 
 MOST_PLANES = 240
@@ -55,6 +56,14 @@ def _of_graphics(run, problem, place):
 def _of_listing(run, step):
     values = listing.step_values(run.listing, step)
     return Fields(step.time, None, [], values["concentration"], numpy.ones(len(values["concentration"]), bool), {}, None, "the listing")
+
+
+def header_of(run):
+    """Fields of the deck's header cards; none where the deck is not known or faulty, which is what a report may be about."""
+    try:
+        return run.header
+    except ZurtError:
+        return {}
 
 
 @dataclass

@@ -55,7 +55,7 @@ def _fit(run, direction, table, searches, fibres):
 def _sentence(search):
     count = len(search.runs) + 1
     factors = "with correction factors" if "without" not in search.fibres else "without correction factors"
-    end = f"within {abs(search.errors[-1]):.1e} of its mass" if len(search.errors) else "without a result"
+    end = f"within {tidy(abs(search.errors[-1]), 2)} of its mass" if len(search.errors) else "without a result"
     state = "" if search.finished else " The console does not say that it came to a result."
     return f"Search for the {search.parameter}: {count} runs of the medium against the model with fibres {factors}, the last {end}.{state}"
 

@@ -9,7 +9,7 @@ from ..errors import ZurtError
 from ..notes import error_texts, note_texts
 from . import balance, convergence, fit_page, pictures
 from .charts import Curve, line_chart, tidy
-from .fields import dense_part, profile, telling_axes, written_steps
+from .fields import dense_part, header_of, profile, telling_axes, written_steps
 
 AXES = "xyz"
 MOST_STEPS = 5
@@ -183,7 +183,7 @@ def _title(run, k):
     meshes = _meshes(run)
     if k < len(meshes) and meshes[k].title:
         return meshes[k].title
-    return run.header.get("title", "") if k == 0 else f"Problem {k + 1}"
+    return header_of(run).get("title", "") if k == 0 else f"Problem {k + 1}"
 
 
 def _meshes(run):
@@ -195,13 +195,13 @@ def _meshes(run):
 
 
 def _facts(run, k, last, steps):
-    listed, header = run.listing.problems[k], run.header if k == 0 else {}
+    listed, header = run.listing.problems[k], header_of(run) if k == 0 else {}
     kind = {True: "transient", False: "steady"}[header["NSTAC"] != 0] if header else "transient" if any(s.time for s in listed.steps) else "steady"
     size = {"line": "lines", "quad": "quadrilaterals", "hexa": "bricks"}
     counts = {}
     for shape, cells in last.cells if last else []:
         counts[size.get(shape[:4], shape)] = counts.get(size.get(shape[:4], shape), 0) + len(cells)
-    facts = [("Kind", kind + (", device modelling" if header.get("NDS") else "") + (", torsion analogue" if header.get("ITOR") == 1 else ""))]
+    facts = [] if not header and not listed.steps else [("Kind", kind + (", device modelling" if header.get("NDS") else "") + (", torsion analogue" if header.get("ITOR") == 1 else ""))]
     if header.get("NP") or k < len(_meshes(run)):
         facts.append(("Nodes", f"{header.get('NP') or len(_meshes(run)[k].points):,}".replace(",", " ")))
     if counts:
@@ -210,8 +210,8 @@ def _facts(run, k, last, steps):
         facts.append(("Size", " × ".join(tidy(extent) for extent in numpy.ptp(last.points, axis=0))))
     if header:
         facts += [("Materials", str(header["NMATT"] or 1)), ("Groups", str(header["NGET"] or 1))]
-    facts.append(("Solver", {"cg": "conjugate gradients", "sparse": "sparse (direct)", "skyline": "skyline (direct)"}[listed.solver]))
     if "JEDN" in listed.data:
+        facts.append(("Solver", {"cg": "conjugate gradients", "sparse": "sparse (direct)", "skyline": "skyline (direct)"}[listed.solver]))
         facts.append(("Equations", f"{listed.data['JEDN']:,}".replace(",", " ")))
     facts += _steps_facts(run, k, listed, steps)
     if run.seconds is not None:

@@ -165,5 +165,5 @@ def _fatal_message(tail):
 
 def _is_usual(line):
     words = line.strip()
-    return words.startswith(("ICR/", "ITERA", "----", "END OF JOB", "A   C A R D", "C O L U M N", "CARD  ", "NUMB ",
+    return words.startswith(("ICR/", "ITERA", "----", "END OF JOB", "A   C A R D", "*****", "C O L U M N", "CARD  ", "NUMB ",
                              "VERSION")) or "MTOT =" in line or bool(re.match(r"^ *\d+ ", line))

@@ -1,0 +1,137 @@
+"""Pages: what they say, and that a browser shows them."""
+import base64
+import os
+import re
+import shutil
+import subprocess
+from html import escape
+from html.parser import HTMLParser
+
+import numpy
+import pytest
+from example_runs import example_run, example_text
+
+import zurt
+from zurt.commands import report
+from zurt.report import charts, fields, gather, pictures, render
+from zurt.report.fibre_run import direct_deck
+from zurt.report.fit_story import compare_flows, read_searches
+
+VOID = {"meta", "img", "br", "line", "polyline", "circle", "polygon"}
+
+
+class Page(HTMLParser):
+    """Text, images and drawings of a page; unclosed tags are an error."""
+
+    def __init__(self, text):
+        super().__init__()
+        self.open, self.words, self.images, self.drawings = [], [], [], []
+        self.feed(text)
+        assert self.open == []
+
+    def handle_starttag(self, tag, attributes):
+        found = dict(attributes)
+        assert tag != "script" and not any(str(found.get(key, "")).startswith(("http", "//", "file")) for key in ("src", "href"))
+        self.images += [found] if tag == "img" else []
+        self.drawings += [found] if tag == "svg" else []
+        self.open += [tag] if tag not in VOID else []
+
+    def handle_startendtag(self, tag, attributes):
+        pass
+
+    def handle_endtag(self, tag):
+        assert self.open.pop() == tag
+
+    def handle_data(self, data):
+        self.words.append(data.strip())
+
+
+def test_page_of_a_fit_tells_its_story(tmp_path):
+    run = example_run("homogenization")
+    path = tmp_path / "fit.html"
+    assert report.main([run.folder, "--solve-fibres", "--output", str(path)]) == 0
+    page = Page(path.read_text())
+    fitted = run.masses["X"][0].fitted
+    words = " ".join(page.words)
+    assert charts.tidy(fitted["D1D"], 5) in page.words and charts.tidy(fitted["HEQ"], 5) in page.words
+    assert "Cylinders between two reservoirs" in page.words and "16 runs of the medium" in words and "Flows of both models" in page.words
+    assert all(image["alt"] and base64.b64decode(image["src"].split(",")[1]).startswith(b"\x89PNG") for image in page.images) and page.images
+    assert all(drawing["aria-label"] for drawing in page.drawings) and len(page.drawings) >= 10
+    curve = read_searches(run)[0]
+    assert curve.values[-1] == pytest.approx(fitted["D1D"], rel=1e-4)
+    assert (curve.brackets[-1].min() <= curve.values[-1]) and (curve.brackets[-1].max() >= curve.values[-1])
+
+
+def test_flows_of_both_models():
+    flows = compare_flows([1.0, 3.0], [2.0, 1.0], [2.2, 0.9])
+    assert flows.difference == pytest.approx([0.1, -0.1]) and flows.passed == pytest.approx(0.0)
+    lines = direct_deck(example_text("homogenization").splitlines(keepends=True))
+    header = zurt.results.deck_header.read_deck_header(lines)
+    assert header["IDIRECTD"] == 1 and header["NP"] == 754 and header["IGRAF"] == 1000
+
+
+@pytest.mark.parametrize("name", ["two_problems", "membrane", "line_network", "drug_release"])
+def test_pages_without_pictures(name):
+    run = example_run(name)
+    page = Page(render.render_run(gather.gather_run(run, False)))
+    assert run.graphics[0].title in page.words and "finished" in page.words
+    assert ("Problem 2: " + run.graphics[-1].title in page.words) == (name == "two_problems")
+    assert ("node 41" in page.words) == (name == "membrane")
+
+
+def test_comparison_and_runs_that_stopped(tmp_path):
+    text = example_text("first")
+    finer = text.replace("25 25 25 25", "50 50 50 50").replace("0.002 0.002 0.004 0.012", "0.001 0.001 0.002 0.006")
+    zurt.run(finer, tmp_path / "finer")
+    assert report.main(["--compare", example_run("first").folder, str(tmp_path / "finer"), "--no-pictures", "--output", str(tmp_path / "c.html")]) == 0
+    page = Page((tmp_path / "c.html").read_text())
+    assert "+100 %" in page.words and any("root mean square" in words for words in page.words)
+    bad = zurt.run(text.replace("1 0 0 20 ", "1 0 0 x ", 1), tmp_path / "bad", check=False)
+    page = Page(render.render_run(gather.gather_run(bad)))
+    assert "stopped" in page.words and any("an integer is expected" in words for words in page.words)
+    for arguments in (["--compare", "a"], [], [str(tmp_path / "none")], [str(tmp_path / "finer"), "--console", "none"]):
+        with pytest.raises(zurt.ZurtError):
+            report.main(arguments)
+
+
+def test_profile_of_a_known_field():
+    """Means, lowest and highest of planes and of slices; the part of a channel between long reservoirs."""
+    x = numpy.concatenate([[-40.0], numpy.linspace(0.0, 2.0, 21), [42.0]])
+    points = numpy.array([(a, b, 0.0) for a in x for b in (0.0, 1.0)])
+    values = points[:, 0] + points[:, 1]
+    step = fields.Fields(0.0, points, [], values, numpy.ones(len(points), bool), {}, None, "")
+    assert fields.dense_part(points, 0) == (0.0, 2.0) and fields.dense_part(points, 1) is None
+    line = fields.profile(step, values, 0, (0.0, 2.0))
+    assert numpy.allclose(line.at, x[1:-1]) and numpy.allclose(line.mean, line.at + 0.5) and numpy.allclose(line.high - line.low, 1.0)
+
+
+def test_pictures_without_a_display(monkeypatch):
+    monkeypatch.delenv("DISPLAY", raising=False)
+    monkeypatch.setattr(shutil, "which", lambda name: None)
+    for name in ("ring", "line_network", "membrane"):
+        [(words, image)] = pictures.draw_step(example_run(name) and fields.written_steps(example_run(name), 0)[-1][1](), None)
+        assert words.startswith("Concentration") and image.startswith(b"\x89PNG") and len(image) > 4000
+
+
+@pytest.mark.parametrize("value, text", [(0.66507, "0.6651"), (123456.0, "123 456"), (9.99999e-11, "1 × 10⁻¹⁰"), (-4.1e-7, "−4.1 × 10⁻⁷"), (0, "0"), (1e6, "1 × 10⁶")])
+def test_tidy_numbers(value, text):
+    assert charts.tidy(value) == text
+
+
+@pytest.mark.skipif(shutil.which("chromium") is None, reason="no browser: ./setup companions")
+def test_a_browser_shows_the_page(tmp_path):
+    """Faults: a page wider than the window, a drawing or picture without a size, a message on the console."""
+    text = render.render_run(gather.gather_run(example_run("membrane")))
+    probe = ("<script>const broken = [...document.querySelectorAll('svg, img')].filter(e => e.getBoundingClientRect().height < 50 || "
+             "(e.tagName == 'IMG' && !e.naturalWidth)).length; parent.document.title += [' probe', innerWidth, document.documentElement.scrollWidth,"
+             "broken, document.querySelectorAll('svg').length].join(' ');</script>")
+    inner = escape(text.replace("</body>", probe + "</body>"), quote=True)
+    path = tmp_path / "page.html"
+    path.write_text("".join(f'<iframe style="border:0;width:{width}px;height:900px" srcdoc="{inner}"></iframe>' for width in (400, 1200)))
+    command = ["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--enable-logging=stderr", f"--user-data-dir={tmp_path / 'profile'}",
+               "--window-size=1300,900", "--dump-dom", path.as_uri()]
+    done = subprocess.run(command, capture_output=True, text=True, timeout=60, env=dict(os.environ, HOME=str(tmp_path)), check=False)
+    found = [tuple(map(int, match)) for match in re.findall(r"probe (\d+) (\d+) (\d+) (\d+)", done.stdout.split("</title>")[0])]
+    assert sorted(width for width, *_ in found) == [400, 1200]
+    assert all(scroll <= width and broken == 0 and drawings >= 6 for width, scroll, broken, drawings in found)
+    assert "CONSOLE" not in done.stderr
