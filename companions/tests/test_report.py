@@ -83,7 +83,8 @@ def test_comparison_and_runs_that_stopped(tmp_path):
     text = example_text("first")
     finer = text.replace("25 25 25 25", "50 50 50 50").replace("0.002 0.002 0.004 0.012", "0.001 0.001 0.002 0.006")
     zurt.run(finer, tmp_path / "finer")
-    assert report.main(["--compare", example_run("first").folder, str(tmp_path / "finer"), "--no-pictures", "--output", str(tmp_path / "c.html")]) == 0
+    both = [example_run("first").folder, str(tmp_path / "finer")]
+    assert report.main(["--compare", *both, "--no-pictures", "--output", str(tmp_path / "c.html")]) == 0
     page = Page((tmp_path / "c.html").read_text())
     assert "+100 %" in page.words and any("root mean square" in words for words in page.words)
     bad = zurt.run(text.replace("1 0 0 20 ", "1 0 0 x ", 1), tmp_path / "bad", check=False)
@@ -113,7 +114,8 @@ def test_pictures_without_a_display(monkeypatch):
         assert words.startswith("Concentration") and image.startswith(b"\x89PNG") and len(image) > 4000
 
 
-@pytest.mark.parametrize("value, text", [(0.66507, "0.6651"), (123456.0, "123 456"), (9.99999e-11, "1 × 10⁻¹⁰"), (-4.1e-7, "−4.1 × 10⁻⁷"), (0, "0"), (1e6, "1 × 10⁶")])
+@pytest.mark.parametrize("value, text", [(0.66507, "0.6651"), (123456.0, "123 456"), (9.99999e-11, "1 × 10⁻¹⁰"), (-4.1e-7, "−4.1 × 10⁻⁷"), (0, "0"),
+                                         (1e6, "1 × 10⁶")])
 def test_tidy_numbers(value, text):
     assert charts.tidy(value) == text
 

@@ -1,25 +1,14 @@
 """What is stored and what flows, from the table of balances."""
 import re
-from dataclasses import dataclass
 
 import numpy
 
 from .charts import Curve, line_chart, tidy
+from .records import Bar, Headline
 
 FLOWS = {"held": "held nodes", "flux": "given flux", "convection": "convection", "radiation": "radiation", "sources": "sources",
          "fibres": "into fibres", "storing": "storing", "inlet": "inlet section"}
 SHORTEST = 3  # steps: below it there is no curve
-
-
-@dataclass
-class Bar:
-    """A flow of the last step. left, width: per cent of the row; positive flows into the mesh."""
-    label: str
-    value: str
-    left: float
-    width: float
-    positive: bool
-    hint: str = ""
 
 
 def label_of(name):
@@ -29,8 +18,7 @@ def label_of(name):
 
 
 def headlines(history):
-    """Figures for the top of the page, [gather.Headline]."""
-    from .gather import Headline
+    """Figures for the top of the page, [Headline]."""
     values, names, found = history.values, history.values.dtype.names, []
     if not len(values):
         return found
@@ -91,8 +79,8 @@ def _flow_chart(values, shown):
         curves = [Curve(label_of(name), values["time"], values[name], style[name]) for name in shown]
         return line_chart("Flows", curves, "time", "amount per time", note="Positive into the mesh; the inlet section's to its high side.")
     negative = {"storing": " (shrinking)", "inlet": " (to its low side)"}
-    curves = [Curve(label_of(name) + (negative.get(name, " (out)") if values[name][-1] < 0.0 else ""), values["time"], numpy.abs(values[name]), style[name])
-              for name in shown]
+    labels = [label_of(name) + (negative.get(name, " (out)") if values[name][-1] < 0.0 else "") for name in shown]
+    curves = [Curve(label, values["time"], numpy.abs(values[name]), style[name]) for label, name in zip(labels, shown)]
     return line_chart("Size of the flows", curves, "time", "amount per time", True)
 
 

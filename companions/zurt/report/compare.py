@@ -4,13 +4,15 @@ from dataclasses import dataclass, field
 
 import numpy
 
-from . import balance, convergence
+from . import balance
 from .charts import Curve, line_chart, tidy
 from .fields import dense_part, profile, telling_axes
 from .fit_story import fitted_table
-from .gather import AXES, Table, gather_problem, _readable_steps
+from .gather import AXES, gather_problem, readable_steps
+from .records import Table
 
 STYLES = ("line", "dashed")
+STORED = {"stored": "Stored amount", "stored_fibres": "Stored in radial fibres"}
 
 
 @dataclass
@@ -53,11 +55,11 @@ def _names(runs):
 def _problem(runs, names, k, with_pictures):
     pages = [gather_problem(run, k, with_pictures, None) for run in runs]
     histories = [run.histories[k].values if k < len(run.histories) and run.histories[k] else None for run in runs]
-    lasts = [steps[-1][1]() if (steps := _readable_steps(run, k)) else None for run in runs]
+    lasts = [steps[-1][1]() if (steps := readable_steps(run, k)) else None for run in runs]
     found = ComparedProblem(k + 1, [page.title for page in pages], _figures(runs, names, histories, lasts, k), _facts(pages, names))
     found.pictures = [(f"{name}: {page.pictures[0][0].lower()}", page.pictures[0][1]) for name, page in zip(names, pages) if page.pictures]
-    found.charts = [chart for chart in [*_profile_charts(names, lasts), *_history_charts(names, histories), *_convergence_charts(runs, names, histories, k)]
-                    if chart]
+    charts = [*_profile_charts(names, lasts), *_history_charts(names, histories), *_convergence_charts(names, histories)]
+    found.charts = [chart for chart in charts if chart]
     found.sentences = [words for name, last in zip(names[1:], lasts[1:]) if (words := _field_difference(names[0], lasts[0], name, last))]
     return found
 
@@ -94,12 +96,13 @@ def _numbers(run, history, last, k):
         end = history[-1]
         numbers.update({"End of the run": float(end["time"]), "Steps": len(history), "Solves": int(history["iterations"].sum())})
         for name in history.dtype.names:
-            if name in ("stored", "stored_fibres", "held", "inlet", "sources", "convection", "radiation", "flux", "fibres") or name.startswith("held_f"):
-                label = {"stored": "Stored", "stored_fibres": "Stored in radial fibres"}.get(name, f"Flow, {balance.label_of(name)}")
+            if name in STORED or name.startswith("held_f") or name in balance.FLOWS and name != "storing":
+                label = STORED.get(name, f"Flow, {balance.label_of(name)}")
                 numbers[label + " at the end"] = float(end[name])
         numbers["Largest balance error"] = float(numpy.nanmax(history["error"])) if numpy.isfinite(history["error"]).any() else None
     if last is not None:
-        numbers.update({"Lowest concentration": float(numpy.nanmin(last.concentration)), "Highest concentration": float(numpy.nanmax(last.concentration))})
+        numbers["Lowest concentration"] = float(numpy.nanmin(last.concentration))
+        numbers["Highest concentration"] = float(numpy.nanmax(last.concentration))
     if run.listing.problems[k].torsion_moments:
         numbers["Torsional moment"] = run.listing.problems[k].torsion_moments[-1]
     return numbers
@@ -127,9 +130,10 @@ def _profile_charts(names, lasts):
 
 
 def _history_charts(names, histories):
-    there = [(k, history) for k, history in enumerate(histories) if history is not None and len(history) >= balance.SHORTEST and numpy.ptp(history["time"])]
+    there = [(k, history) for k, history in enumerate(histories)
+             if history is not None and len(history) >= balance.SHORTEST and numpy.ptp(history["time"])]
     columns = list(dict.fromkeys(name for _, history in there for name in history.dtype.names))
-    wanted = [name for name in columns if name == "stored" or name == "stored_fibres" or name in balance.FLOWS or name.startswith(("held_f", "c_"))]
+    wanted = [name for name in columns if name in STORED or name in balance.FLOWS or name.startswith(("held_f", "c_"))]
     charts = []
     for name in wanted:
         if name == "storing" or (name == "held" and any(column.startswith("held_f") for column in columns)):
@@ -138,8 +142,7 @@ def _history_charts(names, histories):
         largest = max(numpy.nanmax(numpy.abs(curve.y), initial=0.0) for curve in curves)
         if largest <= 1e-12:
             continue
-        title = {"stored": "Stored amount", "stored_fibres": "Stored in radial fibres"}.get(name) or (
-            f"Concentration at node {name[2:]}" if name.startswith("c_") else f"Flow, {balance.label_of(name)}")
+        title = STORED.get(name) or (f"Concentration at node {name[2:]}" if name.startswith("c_") else f"Flow, {balance.label_of(name)}")
         unit = "amount" if name.startswith("stored") else "concentration" if name.startswith("c_") else "amount per time"
         charts.append(line_chart(title, curves, "time", unit))
         charts.append(_difference_chart(title, names, there, name))
@@ -157,15 +160,16 @@ def _difference_chart(title, names, there, name):
         if name in history.dtype.names and size > 0.0:
             inside = (base["time"] >= history["time"][0]) & (base["time"] <= history["time"][-1] * (1.0 + 1e-9))
             other = numpy.interp(base["time"][inside], history["time"], history[name])
-            curves.append(Curve(f"{names[k]} less {names[first]}", base["time"][inside], 100.0 * (other - base[name][inside]) / size, "line", None, k + 1))
+            difference = 100.0 * (other - base[name][inside]) / size
+            curves.append(Curve(f"{names[k]} less {names[first]}", base["time"][inside], difference, "line", None, k + 1))
     if not any(numpy.any(curve.y) for curve in curves):
         return None
     return line_chart(f"{title}: difference", curves, "time", "per cent of the largest")
 
 
-def _convergence_charts(runs, names, histories, k):
+def _convergence_charts(names, histories):
     curves = []
-    for number, (run, history) in enumerate(zip(runs, histories)):
+    for number, history in enumerate(histories):
         if history is not None and len(history) >= 4:
             curves.append(Curve(names[number], history["step"], history["iterations"], STYLES[number % 2], None, number + 1))
     return [line_chart("Solves of each step", curves, "step", "solves", whole_x=True, from_zero=True)] if len(curves) > 1 else []

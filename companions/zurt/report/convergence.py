@@ -3,12 +3,13 @@ import numpy
 
 from .charts import Curve, line_chart, tidy
 from .fields import header_of
+from .records import Table
 
 MOST_ROWS = 2000
 
 
 def gather(run, k, history):
-    """(charts, gather.Table or None, (value, hint) for the top of the page or None) of problem k from zero."""
+    """(charts, records.Table or None, (value, hint) for the top of the page or None) of problem k from zero."""
     iterations, source = _iterations(run, k)
     steps, solves, ratio, where = _by_step(iterations, source, history)
     if not len(steps):
@@ -24,7 +25,8 @@ def gather(run, k, history):
         charts.append(line_chart("Where each step ended", [Curve("ratio", steps, ratio, "both" if len(steps) < 60 else "line")], "step",
                                  "last increment over largest", True, marks=marks, whole_x=True))
     charts.append(_slowest(iterations, marks))
-    words = (str(int(solves.sum())), f"in {len(steps)} step{'s' if len(steps) > 1 else ''}{where}" + (", at most " + str(int(solves.max())) + " in one" if not linear else ", one each"))
+    most = ", one each" if linear else f", at most {int(solves.max())} in one"
+    words = (str(int(solves.sum())), f"in {len(steps)} step{'s' if len(steps) > 1 else ''}{where}{most}")
     return [chart for chart in charts if chart], _table(steps, solves, ratio, where), words
 
 
@@ -60,7 +62,6 @@ def _slowest(iterations, marks):
 
 
 def _table(steps, solves, ratio, where):
-    from .gather import Table
     rows = [(str(int(step)), str(int(count)), tidy(value, 2) if numpy.isfinite(value) else "") for step, count, value in zip(steps, solves, ratio)]
     note = f"The first {MOST_ROWS} of {len(rows)} steps." if len(rows) > MOST_ROWS else ""
     return Table("Every printed step" if where else "Every step", ["step", "solves", "last increment over largest"], rows[:MOST_ROWS], note, True)

@@ -1,20 +1,10 @@
 """The part of a page about a fit or the direct calculation."""
-from dataclasses import dataclass, field
-
 import numpy
 
 from .charts import Curve, line_chart, tidy
+from .fields import dense_part, written_steps
 from .fit_story import compare_flows, direct_table, fibre_flow, fitted_table, read_searches
-
-
-@dataclass
-class FitPage:
-    """One direction. sentences: the story in words. tables: gather.Table."""
-    title: str
-    headlines: list
-    sentences: list = field(default_factory=list)
-    charts: list = field(default_factory=list)
-    tables: list = field(default_factory=list)
+from .records import FitPage, Headline, Table
 
 
 def gather(run, fibres):
@@ -30,12 +20,12 @@ def gather(run, fibres):
 
 
 def _fit(run, direction, table, searches, fibres):
-    from .gather import Headline
     found = table.fitted
     same = abs(found["D2D"] - found["D1D"]) <= 1e-6 * abs(found["D1D"])
     curve = tidy(found["D1D"], 5) if same else f"{tidy(found['D1D'], 5)} to {tidy(found['D2D'], 5)}"
     axis = direction.lower()
-    page = FitPage(f"The fit along {axis}", [Headline(f"Coefficient along {axis}", curve, "D1D = D2D of the medium" if same else "D1D to D2D of the medium"),
+    ends = "D1D = D2D of the medium" if same else "D1D to D2D of the medium"
+    page = FitPage(f"The fit along {axis}", [Headline(f"Coefficient along {axis}", curve, ends),
                                              Headline(f"HEQ along {axis}", tidy(found["HEQ"], 5), f"wall distance; HEQ0 {tidy(found['HEQ0'])}")])
     for search in searches:
         page.sentences.append(_sentence(search))
@@ -73,13 +63,12 @@ def _search_charts(search):
         low, high = numpy.min(search.brackets, axis=1), numpy.max(search.brackets, axis=1)
         tried = Curve("value tried", search.runs, search.values, "both", None, 1)
         bracket = Curve("bracket", search.runs, (low + high) / 2.0, "dashed", (low, high), 3)
-        charts.append(line_chart(f"Values tried, {search.parameter}", [bracket, tried], "run of the medium", search.key,
-                                 note="The shade is the bracket: between the last value with too little mass and the last with too much.", whole_x=True))
+        note = "The shade is the bracket: between the last value with too little mass and the last with too much."
+        charts.append(line_chart(f"Values tried, {search.parameter}", [bracket, tried], "run of the medium", search.key, note=note, whole_x=True))
     return [chart for chart in charts if chart]
 
 
 def _search_table(search):
-    from .gather import Table
     rows = [(str(int(number)), tidy(value, 5) if numpy.isfinite(value) else "", f"{100.0 * error:+.4f} %".replace("-", "−"),
              "too much" if error > 0.0 else "too little",
              f"{tidy(min(bracket), 5)} to {tidy(max(bracket), 5)}" if numpy.isfinite(bracket).all() else "")
@@ -89,7 +78,6 @@ def _search_table(search):
 
 
 def _add_flows(page, run, direction, table, fibres):
-    from .gather import Headline
     if table.flows is None or not len(table.flows):
         return
     time, medium = table.flows["time"], table.flows["flow"]
@@ -103,18 +91,18 @@ def _add_flows(page, run, direction, table, fibres):
                               "each step's flow differs; --fibres RUN takes a run that is there.")
         return
     flows = compare_flows(time, reference, medium)
-    page.charts.append(line_chart("Flow through the inlet section", [Curve("model with fibres", flows.time, flows.fibres, "both"),
-                                                                   Curve("fitted medium", flows.time, flows.medium, "dashed")], "time", "amount per time"))
-    page.charts.append(line_chart("How far the medium's flow differs", [Curve("medium over fibres, less one", flows.time, 100.0 * flows.difference, "both", None, 2)],
-                                  "time", "per cent"))
-    page.headlines.append(Headline("Mass of the medium", f"{100.0 * flows.passed:+.3f} %".replace("-", "−"), "against the model with fibres, all steps"))
-    page.sentences.append(f"Over all steps the medium passes {abs(100.0 * flows.passed):.3f} % {'more' if flows.passed > 0 else 'less'} than the model with "
-                          f"fibres; single steps differ by up to {100.0 * numpy.nanmax(numpy.abs(flows.difference)):.2f} %.")
+    both = [Curve("model with fibres", flows.time, flows.fibres, "both"), Curve("fitted medium", flows.time, flows.medium, "dashed")]
+    difference = Curve("medium over fibres, less one", flows.time, 100.0 * flows.difference, "both", None, 2)
+    page.charts.append(line_chart("Flow through the inlet section", both, "time", "amount per time"))
+    page.charts.append(line_chart("How far the medium's flow differs", [difference], "time", "per cent"))
+    passed = f"{100.0 * flows.passed:+.3f} %".replace("-", "−")
+    page.headlines.append(Headline("Mass of the medium", passed, "against the model with fibres, all steps"))
+    page.sentences.append(f"Over all steps the medium passes {abs(100.0 * flows.passed):.3f} % {'more' if flows.passed > 0 else 'less'} than the "
+                          f"model with fibres; single steps differ by up to {100.0 * numpy.nanmax(numpy.abs(flows.difference)):.2f} %.")
     page.tables.append(_flow_table(flows))
 
 
 def _flow_table(flows):
-    from .gather import Table
     rows = [(tidy(time), tidy(a), tidy(b), f"{100.0 * d:+.3f} %".replace("-", "−"))
             for time, a, b, d in zip(flows.time, flows.fibres, flows.medium, flows.difference)]
     return Table("Flows of both models", ["time", "fibres", "medium", "difference"], rows, "", True)
@@ -122,7 +110,6 @@ def _flow_table(flows):
 
 def _coefficient_chart(run):
     """The medium's coefficient over the concentration, as the nodes have them in the last step."""
-    from .fields import dense_part, written_steps
     steps = written_steps(run, 0)
     last = steps[-1][1]() if steps else None
     if last is None or "coefficient" not in last.vectors:
@@ -142,14 +129,14 @@ def _coefficient_chart(run):
 
 
 def _direct(run, direction, table):
-    from .gather import Headline, Table
     rows, axis = table.coefficients, direction.lower()
     page = FitPage(f"Direct calculation along {axis}", [Headline(f"Equivalent coefficient along {axis}", tidy(rows["equivalent"][-1], 5),
                                                                  f"of the last step, at concentration {tidy(rows['concentration'][-1])}")])
     if table.porosity is not None:
         page.headlines.append(Headline("Porosity", tidy(table.porosity, 5), "share of fluid in all elements"))
     steps = numpy.arange(1, len(rows) + 1)
-    page.charts.append(line_chart("Equivalent coefficient", [Curve("equivalent", steps, rows["equivalent"], "both")], "step", "coefficient", whole_x=True))
+    equivalent = Curve("equivalent", steps, rows["equivalent"], "both")
+    page.charts.append(line_chart("Equivalent coefficient", [equivalent], "step", "coefficient", whole_x=True))
     flows = table.flows
     if flows is not None and len(flows):
         page.charts.append(line_chart("Flow through the inlet section", [Curve("model with fibres", flows["step"], flows["fibres"], "both"),

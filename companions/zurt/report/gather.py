@@ -1,7 +1,6 @@
 """What a page shows of a run: headline figures, pictures, charts and tables, as plain values for the template."""
 import base64
 import os
-from dataclasses import dataclass, field
 
 import numpy
 
@@ -10,62 +9,10 @@ from ..notes import error_texts, note_texts
 from . import balance, convergence, fit_page, pictures
 from .charts import Curve, line_chart, tidy
 from .fields import dense_part, header_of, profile, telling_axes, written_steps
+from .records import Headline, ProblemPage, RunPage
 
 AXES = "xyz"
 MOST_STEPS = 5
-
-
-@dataclass
-class Headline:
-    """A figure of the top of a page. hint: a few words below it."""
-    label: str
-    value: str
-    hint: str = ""
-
-
-@dataclass
-class Table:
-    title: str
-    heads: list
-    rows: list
-    note: str = ""
-    folded: bool = False
-
-
-@dataclass
-class ProblemPage:
-    """What is shown of one problem. bars: report.balance.Bar of the last step's flows. pictures: [(caption, data address)]."""
-    number: int
-    title: str
-    facts: list
-    headlines: list = field(default_factory=list)
-    pictures: list = field(default_factory=list)
-    field_charts: list = field(default_factory=list)
-    flux_charts: list = field(default_factory=list)
-    balance_charts: list = field(default_factory=list)
-    bars: list = field(default_factory=list)
-    bars_title: str = ""
-    probe_charts: list = field(default_factory=list)
-    fits: list = field(default_factory=list)
-    convergence_charts: list = field(default_factory=list)
-    convergence_table: Table = None
-    hints: list = field(default_factory=list)
-
-
-@dataclass
-class RunPage:
-    """status: finished or stopped; status_words says it in words. message: the listing's at its end. errors: the program's on standard error.
-    notes: None when nobody kept them."""
-    name: str
-    folder: str
-    status: str
-    status_words: str
-    message: str
-    errors: list
-    notes: list
-    messages: list
-    problems: list
-    files: list
 
 
 def gather_run(run, with_pictures=True, fibres=None):
@@ -81,7 +28,7 @@ def gather_run(run, with_pictures=True, fibres=None):
 
 def gather_problem(run, k, with_pictures, fibres):
     listed = run.listing.problems[k]
-    steps = _readable_steps(run, k)
+    steps = readable_steps(run, k)
     last = steps[-1][1]() if steps else None
     history = run.histories[k] if k < len(run.histories) else None
     page = ProblemPage(k + 1, _title(run, k), _facts(run, k, last, steps))
@@ -104,7 +51,7 @@ def gather_problem(run, k, with_pictures, fibres):
     return page
 
 
-def _readable_steps(run, k):
+def readable_steps(run, k):
     """Written steps, but those whose file is gone or spoilt."""
     try:
         return written_steps(run, k)
@@ -165,8 +112,9 @@ def _flux_charts(last):
         lines = [profile(last, vectors[:, component], axis, part) for component in shown]
         curves = [Curve(f"along {AXES[component]}", line.at, line.mean, "line", (line.low, line.high), component + 1)
                   for component, line in zip(shown, lines)]
+        when = f" at time {tidy(last.time)}" if last.time else ""
         chart = line_chart(f"{title} at the nodes", curves, AXES[axis], title.lower(),
-                           note=f"Means of the nodes across {AXES[axis]}{f' at time {tidy(last.time)}' if last.time else ''}, the shade from lowest to highest.")
+                           note=f"Means of the nodes across {AXES[axis]}{when}, the shade from lowest to highest.")
         charts += [chart] if chart else []
     return charts
 
@@ -201,7 +149,8 @@ def _facts(run, k, last, steps):
     counts = {}
     for shape, cells in last.cells if last else []:
         counts[size.get(shape[:4], shape)] = counts.get(size.get(shape[:4], shape), 0) + len(cells)
-    facts = [] if not header and not listed.steps else [("Kind", kind + (", device modelling" if header.get("NDS") else "") + (", torsion analogue" if header.get("ITOR") == 1 else ""))]
+    kind += (", device modelling" if header.get("NDS") else "") + (", torsion analogue" if header.get("ITOR") == 1 else "")
+    facts = [("Kind", kind)] if header or listed.steps else []
     if header.get("NP") or k < len(_meshes(run)):
         facts.append(("Nodes", f"{header.get('NP') or len(_meshes(run)[k].points):,}".replace(",", " ")))
     if counts:

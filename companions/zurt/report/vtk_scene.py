@@ -228,7 +228,7 @@ def draw_sections(grid, table, file):
         scene = new_scene((0.28 * axis, 0, 0.28 * (axis + 1), 1))
         cut.GetPointData().SetActiveScalars("concentration")
         add_actor(scene, cut, table)
-        place_camera(scene, cut.GetBounds() if cut.GetNumberOfPoints() else bounds, (1, 0, 0) if axis == 0 else (0, -1, 0) if axis == 1 else (0, 0, 1))
+        place_camera(scene, cut.GetBounds() if cut.GetNumberOfPoints() else bounds, ((1, 0, 0), (0, -1, 0), (0, 0, 1))[axis])
         scene.GetActiveCamera().Zoom(0.9)
         label = vtk.vtkTextActor()
         label.SetInput(f"{'xyz'[axis]} = {plane.GetOrigin()[axis]:.4g}")
