@@ -8,6 +8,7 @@ from example_runs import example_run
 
 import zurt
 from zurt.results import graphics, tables
+from zurt.results.console import parse_console
 from zurt.results.listing import step_values
 from zurt.results.numbers import parse_numbers
 
@@ -91,6 +92,13 @@ def test_tables_of_a_fit():
     assert abs(curve.errors[-1]) <= 1e-4 and len(curve.errors) == 16
     places, rows = run.progress
     assert places[0] == "fit in x, model with fibres" and "fit in x, closing run" in places and rows["steps"].max() == 12
+
+
+def test_console_of_a_search_without_a_result():
+    lines = [" Homogenization for Difusion Y", " running FIB model - without SF", " running EHM model - Calculation of D-C curve...", "    1   0.100000E+01",
+             "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!"]
+    [search] = parse_console(lines).searches
+    assert (search.direction, search.errors, search.finished) == ("Y", [1.0, 0.216979], False)
 
 
 def test_numbers_that_are_hard_to_read(tmp_path):

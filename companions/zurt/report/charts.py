@@ -8,6 +8,7 @@ import numpy
 WIDTH, HEIGHT = 420.0, 250.0
 LEFT, RIGHT, TOP, BOTTOM = 64.0, 12.0, 10.0, 40.0
 MOST_POINTS = 500
+UNBROKEN = "\u00a0"  # a blank at which no line ends
 SUPERSCRIPTS = str.maketrans("-0123456789", "⁻⁰¹²³⁴⁵⁶⁷⁸⁹")
 
 
@@ -70,10 +71,10 @@ def tidy(value, digits=4):
         whole, point, rest = text.partition(".")
         if len(whole.lstrip("-")) > 4:
             whole = f"{int(whole):,}".replace(",", " ")
-        return (whole + point + rest).replace("-", "−")
+        return (whole + point + rest).replace("-", "−").replace(" ", UNBROKEN)
     mantissa, exponent = f"{value:.{digits - 1}e}".split("e")
     mantissa, power = mantissa.rstrip("0").rstrip(".") if "." in mantissa else mantissa, int(exponent)
-    return f"{mantissa} × 10{str(power).translate(SUPERSCRIPTS)}".replace("-", "−")
+    return f"{mantissa} × 10{str(power).translate(SUPERSCRIPTS)}".replace("-", "−").replace(" ", UNBROKEN)
 
 
 def _shown(curve, colour, logarithmic):

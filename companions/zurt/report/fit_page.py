@@ -20,13 +20,12 @@ def gather(run, fibres):
 
 
 def _fit(run, direction, table, searches, fibres):
-    found = table.fitted
+    found, axis = table.fitted, direction.lower()
     same = abs(found["D2D"] - found["D1D"]) <= 1e-6 * abs(found["D1D"])
     curve = tidy(found["D1D"], 5) if same else f"{tidy(found['D1D'], 5)} to {tidy(found['D2D'], 5)}"
-    axis = direction.lower()
     ends = "D1D = D2D of the medium" if same else "D1D to D2D of the medium"
-    page = FitPage(f"The fit along {axis}", [Headline(f"Coefficient along {axis}", curve, ends),
-                                             Headline(f"HEQ along {axis}", tidy(found["HEQ"], 5), f"wall distance; HEQ0 {tidy(found['HEQ0'])}")])
+    page = FitPage(f"The fit along {axis}", [_found(f"Coefficient along {axis}", curve, ends, "D1D", searches),
+                                             _found(f"HEQ along {axis}", tidy(found["HEQ"], 5), "wall distance", "HEQ", searches)])
     for search in searches:
         page.sentences.append(_sentence(search))
         page.charts += _search_charts(search)
@@ -34,20 +33,34 @@ def _fit(run, direction, table, searches, fibres):
     if not searches:
         page.sentences.append("The runs of the fit stand on the console alone, which was not kept: zurt.run keeps it, and so does "
                               "zurt --progress progress.txt ... > console.txt in the run's folder.")
-    if fibres is not None and searches and not any(search.key == "HEQ" for search in searches):
+    alike = not searches or any(search.key == "HEQ" for search in searches)
+    if fibres is not None and not alike:
         page.sentences.append("This fit sought the curve alone, without correction factors, and the run of the model with fibres has those of "
                               "the deck: compare flows only where the deck's factors are 1.")
-    _add_flows(page, run, direction, table, fibres)
+    _add_flows(page, run, direction, table, fibres, alike)
     page.charts += _coefficient_chart(run)
     return page
 
 
+def _count(search):
+    """Runs of the medium; the error of the last one of a search without a result is not stated, nor that of any first one."""
+    return len(search.runs) + (1 if search.finished else 2)
+
+
+def _found(label, value, words, key, searches):
+    """Headline of a parameter, which says when it is no result of the fit."""
+    search = next((each for each in searches if each.key == key), None)
+    if search is not None and not search.finished:
+        return Headline(label, "no result", f"the search ended after {_count(search)} runs; it began with {value}")
+    return Headline(label, value, words + (", not fitted" if searches and search is None else ""))
+
+
 def _sentence(search):
-    count = len(search.runs) + 1
+    count = _count(search)
     factors = "with correction factors" if "without" not in search.fibres else "without correction factors"
-    end = f"within {tidy(abs(search.errors[-1]), 2)} of its mass" if len(search.errors) else "without a result"
-    state = "" if search.finished else " The console does not say that it came to a result."
-    return f"Search for the {search.parameter}: {count} runs of the medium against the model with fibres {factors}, the last {end}.{state}"
+    end = f", the last within {tidy(abs(search.errors[-1]), 2)} of its mass" if len(search.errors) else ""
+    state = "" if search.finished else " It ended without a result: see the notes below."
+    return f"Search for the {search.parameter}: {count} runs of the medium against the model with fibres {factors}{end}.{state}"
 
 
 def _search_charts(search):
@@ -77,7 +90,7 @@ def _search_table(search):
                  "The program states no error for the first run.", True)
 
 
-def _add_flows(page, run, direction, table, fibres):
+def _add_flows(page, run, direction, table, fibres, alike):
     if table.flows is None or not len(table.flows):
         return
     time, medium = table.flows["time"], table.flows["flow"]
@@ -95,11 +108,13 @@ def _add_flows(page, run, direction, table, fibres):
     difference = Curve("medium over fibres, less one", flows.time, 100.0 * flows.difference, "both", None, 2)
     page.charts.append(line_chart("Flow through the inlet section", both, "time", "amount per time"))
     page.charts.append(line_chart("How far the medium's flow differs", [difference], "time", "per cent"))
+    page.tables.append(_flow_table(flows))
+    if not alike:
+        return
     passed = f"{100.0 * flows.passed:+.3f} %".replace("-", "−")
     page.headlines.append(Headline("Mass of the medium", passed, "against the model with fibres, all steps"))
     page.sentences.append(f"Over all steps the medium passes {abs(100.0 * flows.passed):.3f} % {'more' if flows.passed > 0 else 'less'} than the "
                           f"model with fibres; single steps differ by up to {100.0 * numpy.nanmax(numpy.abs(flows.difference)):.2f} %.")
-    page.tables.append(_flow_table(flows))
 
 
 def _flow_table(flows):

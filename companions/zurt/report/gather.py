@@ -144,7 +144,8 @@ def _meshes(run):
 
 def _facts(run, k, last, steps):
     listed, header = run.listing.problems[k], header_of(run) if k == 0 else {}
-    kind = {True: "transient", False: "steady"}[header["NSTAC"] != 0] if header else "transient" if any(s.time for s in listed.steps) else "steady"
+    transient = header["NSTAC"] != 0 if header else any(step.time for step in listed.steps)
+    kind = "transient" if transient else "steady"
     size = {"line": "lines", "quad": "quadrilaterals", "hexa": "bricks"}
     counts = {}
     for shape, cells in last.cells if last else []:

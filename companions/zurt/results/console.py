@@ -21,7 +21,7 @@ _RATIOS = re.compile(r"^ +ICR/\w+ *= *(\S+) +ICR/\w+ *= *(\S+)")
 class FitSearch:
     """A search of a fit: runs of the medium until its mass is that of the model with fibres. direction: X, Y or Z. parameter: D-C curve or
     HEQ. fibres: how the model with fibres was run (without SF: without correction factors). errors: relative error in mass of each run of the
-    medium, positive when it passes too much. finished: the console says so."""
+    medium, positive when it passes too much. finished: it came to a result."""
     direction: str
     parameter: str
     fibres: str
@@ -57,6 +57,8 @@ def parse_console(lines):
         elif match := _MEDIUM.match(line):
             open_search = FitSearch(direction, match.group(1).strip(), fibres)
             console.searches.append(open_search)
+        elif line.startswith(" Max number of iterations"):
+            open_search = None  # without a result
         elif "finished" in line.lower():
             if open_search:
                 open_search.finished, open_search = True, None
