@@ -94,6 +94,20 @@ def test_tables_of_a_fit():
     assert places[0] == "fit in x, model with fibres" and "fit in x, closing run" in places and rows["steps"].max() == 12
 
 
+def test_tables_of_a_direct_calculation_along_y(tmp_path):
+    """The file of Y has the head of the line of sizes, and the file of X the line."""
+    head = " NUMBER OF TIME STEPS, POROSITY\n"
+    rows = (" VALUES OF DIFFUSION COEFFICIENTS\n          C            Dbulk(C)         Deqv(C)\n     0.43921D+00     0.10000D+01     0.50399D+00\n"
+            " CHANGE OF MASS AT INLET CROSS-SECTION WITH TIME\n       STEP                 FLUX-MICRO          FLUX-EQUIV\n"
+            "         1          0.29433D-01          0.24604D-01\n      \n")
+    for name, text in (("MASS-X.LST", head + "         1   0.99526D+00\n" + rows.replace("Deqv(C)\n", "Deqv(C)\n         1\n")), ("MASS-Y.LST", head + rows)):
+        (tmp_path / name).write_text(text)
+    [x], [y] = (tables.read_masses(str(tmp_path / f"MASS-{axis}.LST")) for axis in "XY")
+    assert (x.direction, x.steps, x.porosity, y.direction, y.steps, y.porosity) == ("X", 1, 0.99526, "Y", None, None)
+    for table in (x, y):
+        assert (table.coefficients["equivalent"][0], table.flows["fibres"][0]) == (0.50399, 0.029433)
+
+
 def test_console_of_a_search_without_a_result():
     lines = [" Homogenization for Difusion Y", " running FIB model - without SF", " running EHM model - Calculation of D-C curve...", "    1   0.100000E+01",
              "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!"]

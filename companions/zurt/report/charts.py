@@ -6,7 +6,7 @@ from html import escape
 import numpy
 
 WIDTH, HEIGHT = 420.0, 250.0
-LEFT, RIGHT, TOP, BOTTOM = 64.0, 12.0, 10.0, 40.0
+LEFT, RIGHT, TOP, BOTTOM = 64.0, 18.0, 10.0, 40.0
 MOST_POINTS = 500
 UNBROKEN = "\u00a0"  # a blank at which no line ends
 SUPERSCRIPTS = str.maketrans("-0123456789", "⁻⁰¹²³⁴⁵⁶⁷⁸⁹")

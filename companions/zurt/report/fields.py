@@ -93,9 +93,8 @@ def profile(fields, values, axis, limits=None):
         row = numpy.minimum(((x - x.min()) / extent * BINS).astype(int), BINS - 1)
         _, row = numpy.unique(row, return_inverse=True)
     count = numpy.bincount(row)
-    low, high = numpy.full(len(count), numpy.inf), numpy.full(len(count), -numpy.inf)
-    numpy.minimum.at(low, row, values)
-    numpy.maximum.at(high, row, values)
+    ordered, first = values[numpy.argsort(row, kind="stable")], numpy.cumsum(count) - count
+    low, high = numpy.minimum.reduceat(ordered, first), numpy.maximum.reduceat(ordered, first)
     return Profile(axis, numpy.bincount(row, x) / count, numpy.bincount(row, values) / count, low, high, planes)
 
 

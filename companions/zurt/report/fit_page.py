@@ -38,7 +38,7 @@ def _fit(run, direction, table, searches, fibres):
         page.sentences.append("This fit sought the curve alone, without correction factors, and the run of the model with fibres has those of "
                               "the deck: compare flows only where the deck's factors are 1.")
     _add_flows(page, run, direction, table, fibres, alike)
-    page.charts += _coefficient_chart(run)
+    page.charts += _coefficient_chart(run) if len(run.masses) == 1 else []
     return page
 
 
@@ -100,8 +100,9 @@ def _add_flows(page, run, direction, table, fibres, alike):
     reference = fibre_flow(fibres, direction) if fibres is not None else None
     if reference is None:
         page.charts.append(line_chart("Flow through the inlet section", [Curve("fitted medium", time, medium, "both")], "time", "amount per time"))
-        page.sentences.append("The model with fibres is not run to the end in a fit. With --solve-fibres this report runs it and shows how far "
-                              "each step's flow differs; --fibres RUN takes a run that is there.")
+        page.sentences.append("The flow of the model with fibres is not among a fit's results. With --solve-fibres this report runs that model "
+                              "and shows how far each step's flow differs; --fibres RUN takes a run that is there." if fibres is None else
+                              f"The run of the model with fibres has no flow along {direction.lower()}: its INDDEG is another.")
         return
     flows = compare_flows(time, reference, medium)
     both = [Curve("model with fibres", flows.time, flows.fibres, "both"), Curve("fitted medium", flows.time, flows.medium, "dashed")]

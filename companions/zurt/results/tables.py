@@ -84,14 +84,20 @@ def _rows(lines, at, columns, path):
 
 
 def _read_size(table, lines, at, path):
-    values = parse_numbers(lines[at].encode(), file=path) if at < len(lines) else []
-    table.steps = int(values[0]) if len(values) else None
+    """The line of numbers stands in the file of X alone, for all directions."""
+    if at >= len(lines) or not re.match(r" +\d+( |$)", lines[at]):
+        return at
+    values = parse_numbers(lines[at].encode(), file=path)
+    table.steps = int(values[0])
     table.porosity = float(values[1]) if len(values) > 1 else None
     return at + 1
 
 
 def _read_coefficients(table, lines, at, path):
-    rows, at = _rows(lines, at + 1, 3, path)
+    at += 1
+    while at < len(lines) and re.match(r" +\d+ *$", lines[at]):  # the counts of steps of other directions
+        at += 1
+    rows, at = _rows(lines, at, 3, path)
     table.coefficients = numpy.array(rows, COEFFICIENT)
     return at
 
