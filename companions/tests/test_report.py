@@ -95,6 +95,28 @@ def test_comparison_and_runs_that_stopped(tmp_path):
             report.main(arguments)
 
 
+def test_spoilt_files_are_errors_in_words(tmp_path):
+    """Every file of a run cut, or with bytes changed: a page, or a ZurtError, nothing else."""
+    random, said = numpy.random.default_rng(1), 0
+    for k in range(30):
+        folder = tmp_path / str(k)
+        shutil.copytree(example_run(("homogenization", "two_problems")[k % 2]).folder, folder, ignore=shutil.ignore_patterns("fibres", "ZITEMP"))
+        victims = sorted(path for path in folder.iterdir() if path.stat().st_size > 0)
+        victim = victims[random.integers(len(victims))]
+        text = bytearray(victim.read_bytes())
+        if k % 3 == 0:
+            del text[random.integers(len(text)):]
+        else:
+            for at in random.integers(len(text), size=5):
+                text[at] = b"0123 -+.EDx*\n\xff"[random.integers(14)]
+        victim.write_bytes(text)
+        try:
+            render.render_run(gather.gather_run(zurt.read(folder), False))
+        except zurt.ZurtError as error:
+            said += bool(error.message)
+    assert 3 < said < 25
+
+
 def test_profile_of_a_known_field():
     """Means, lowest and highest of planes and of slices; the part of a channel between long reservoirs."""
     x = numpy.concatenate([[-40.0], numpy.linspace(0.0, 2.0, 21), [42.0]])

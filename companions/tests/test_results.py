@@ -100,7 +100,8 @@ def test_tables_of_a_direct_calculation_along_y(tmp_path):
     rows = (" VALUES OF DIFFUSION COEFFICIENTS\n          C            Dbulk(C)         Deqv(C)\n     0.43921D+00     0.10000D+01     0.50399D+00\n"
             " CHANGE OF MASS AT INLET CROSS-SECTION WITH TIME\n       STEP                 FLUX-MICRO          FLUX-EQUIV\n"
             "         1          0.29433D-01          0.24604D-01\n      \n")
-    for name, text in (("MASS-X.LST", head + "         1   0.99526D+00\n" + rows.replace("Deqv(C)\n", "Deqv(C)\n         1\n")), ("MASS-Y.LST", head + rows)):
+    of_x = head + "         1   0.99526D+00\n" + rows.replace("Deqv(C)\n", "Deqv(C)\n         1\n")
+    for name, text in (("MASS-X.LST", of_x), ("MASS-Y.LST", head + rows)):
         (tmp_path / name).write_text(text)
     [x], [y] = (tables.read_masses(str(tmp_path / f"MASS-{axis}.LST")) for axis in "XY")
     assert (x.direction, x.steps, x.porosity, y.direction, y.steps, y.porosity) == ("X", 1, 0.99526, "Y", None, None)
@@ -109,8 +110,8 @@ def test_tables_of_a_direct_calculation_along_y(tmp_path):
 
 
 def test_console_of_a_search_without_a_result():
-    lines = [" Homogenization for Difusion Y", " running FIB model - without SF", " running EHM model - Calculation of D-C curve...", "    1   0.100000E+01",
-             "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!"]
+    lines = [" Homogenization for Difusion Y", " running FIB model - without SF", " running EHM model - Calculation of D-C curve...",
+             "    1   0.100000E+01", "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!"]
     [search] = parse_console(lines).searches
     assert (search.direction, search.errors, search.finished) == ("Y", [1.0, 0.216979], False)
 
@@ -121,7 +122,7 @@ def test_numbers_that_are_hard_to_read(tmp_path):
     with pytest.raises(zurt.ZurtError):
         parse_numbers(b"1.0 two")
     short = tmp_path / "zurt-history.csv"
-    short.write_text("step [1],time [time],ratio [1]\n1,0.5,\n2,1.0,1e-9\n3,1.")
+    short.write_text("step [1],time [time],iterations [1],ratio [1]\n1,0.5,1,\n2,1.0,3,1e-9\n3,1.")
     history = tables.read_history(str(short))
     assert len(history.values) == 2 and numpy.isnan(history.values["ratio"][0]) and history.units["time"] == "time"
     with pytest.raises(zurt.ZurtError, match="line|folder|listing"):

@@ -41,6 +41,8 @@ def written_steps(run, problem):
 
 def _of_vtu(path):
     step = vtk_files.read_vtu(path)
+    if "concentration" not in step.fields or "node" not in step.fields:
+        raise ZurtError("the file has no concentrations: it is none of ZUR-T's", path)
     vectors = {name: step.fields[name] for name in ("flux", "coefficient") if name in step.fields and numpy.any(step.fields[name])}
     return Fields(step.time, step.points, step.cells, step.fields["concentration"], step.fields["node"] > 0, vectors, path, "the files for ParaView")
 

@@ -39,6 +39,7 @@ def _fit(run, direction, table, searches, fibres):
                               "the deck: compare flows only where the deck's factors are 1.")
     _add_flows(page, run, direction, table, fibres, alike)
     page.charts += _coefficient_chart(run) if len(run.masses) == 1 else []
+    page.charts = [chart for chart in page.charts if chart]
     return page
 
 
@@ -91,7 +92,7 @@ def _search_table(search):
 
 
 def _add_flows(page, run, direction, table, fibres, alike):
-    if table.flows is None or not len(table.flows):
+    if table.flows is None or not len(table.flows) or "flow" not in table.flows.dtype.names:
         return
     time, medium = table.flows["time"], table.flows["flow"]
     history = next((each.values for each in run.histories if each is not None), None)
@@ -154,7 +155,7 @@ def _direct(run, direction, table):
     equivalent = Curve("equivalent", steps, rows["equivalent"], "both")
     page.charts.append(line_chart("Equivalent coefficient", [equivalent], "step", "coefficient", whole_x=True))
     flows = table.flows
-    if flows is not None and len(flows):
+    if flows is not None and len(flows) and "fibres" in flows.dtype.names:
         page.charts.append(line_chart("Flow through the inlet section", [Curve("model with fibres", flows["step"], flows["fibres"], "both"),
                                                                        Curve("equivalent medium", flows["step"], flows["medium"], "dashed")],
                                       "step", "amount per time", whole_x=True))

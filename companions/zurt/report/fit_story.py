@@ -4,7 +4,7 @@ from dataclasses import dataclass, field
 
 import numpy
 
-_VALUE = re.compile(r"fit in ([xyz]), run (\d+), (HEQ|curve from) (\S+)")
+_VALUE = re.compile(r"fit in ([xyz]), run (\d+), (HEQ|curve from) (\d\.\d+E[-+]\d+)$")
 WORDS = {"HEQ": "wall distance HEQ", "D-C curve": "diffusion curve"}
 
 

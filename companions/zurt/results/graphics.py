@@ -168,7 +168,10 @@ def _read_points(file, path):
     for text in _body_chunks(file):
         if text is None:
             return 0, None
-        rows.append(parse_numbers(text, file=path).reshape(-1, 7)[:, [0, 4, 5, 6]])
+        values = parse_numbers(text, file=path)
+        if len(values) % 7:
+            raise ZurtError("a row of nodes has 7 numbers, and these rows have not", path)
+        rows.append(values.reshape(-1, 7)[:, [0, 4, 5, 6]])
     rows = numpy.concatenate(rows)
     return int(rows[0, 0]), rows[:, 1:]
 
@@ -179,8 +182,7 @@ def _read_elements(file, problem, path):
     for text in _body_chunks(file):
         if text is None:
             return
-        values = numpy.array(text.split(), dtype="S").astype(numpy.int64) if text.strip() else rest[:0]
-        rest = _take_elements(numpy.concatenate([rest, values]), found, path)
+        rest = _take_elements(numpy.concatenate([rest, _whole_numbers(text, path)]), found, path)
     if len(rest):
         raise ZurtError("an element without all of its nodes", path)
     for descriptor, parts in found.items():
@@ -189,6 +191,14 @@ def _read_elements(file, problem, path):
         if nodes.min() < 1 or nodes.max() > len(problem.points):
             raise ZurtError(f"an element of group {group} asks for a node that does not exist", path)
         problem.blocks.append(GraphicsBlock(group, kind, nodes[:, order] - 1, labels))
+
+
+def _whole_numbers(text, path):
+    pieces = text.split()
+    try:
+        return numpy.array(pieces, dtype="S").astype(numpy.int64) if pieces else numpy.zeros(0, numpy.int64)
+    except ValueError as error:
+        raise ZurtError(f"a whole number is expected: {error}", path) from None
 
 
 def _take_elements(values, found, path):
@@ -218,7 +228,10 @@ def _place_result(file, problem, path):
     if name is None:
         raise ZurtError(f"results named {head[1].decode(errors='replace').strip()} are none of ZUR-T's", path)
     length = file.tell() - offset - len(END) + 1
-    number, time = int(head[4].split(b":")[1]), float(parse_numbers(head[7], 1, path)[0])
+    try:
+        number, time = int(head[4].partition(b":")[2]), float(parse_numbers(head[7], 1, path)[0])
+    except ValueError:
+        raise ZurtError("the head of a result lacks its number", path) from None
     problem.title = head[0].decode("latin-1").rstrip()
     if name == "concentration":
         problem.places.append(StepPlace(number, time))

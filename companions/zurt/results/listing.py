@@ -11,14 +11,12 @@ import numpy
 from ..errors import ZurtError
 from .numbers import number, parse_numbers
 
-_STEP = re.compile(rb"^ (?:S T E P  NUMBER|K O R A K  BROJ) =(.{6}).*T I M E =(.{12})|^ K O R A K  BROJ =(.{6}).*V R E M E =(.{12})", re.M)
-_END = re.compile(rb"^ +(?:END OF JOB|KRAJ RADA|KRAJ PROGRAMA) .*$", re.M)
-_ITERATIONS = re.compile(rb"^ (?:ITERATIONS FOR STEP|ITERACIJE ZA KORAK):\s*(\d+) /\s*(\d+)|"
-                         rb"^ (?:ITERATION|ITERACIJA) =\s*(\d+): \w+ *= *(\S+) +\w+ *= *(\S+)\r?\n"
+_STEP = re.compile(rb"^ (?:S T E P  NUMBER|K O R A K  BROJ) =(.{6}).*?(?:T I M E|V R E M E) =(.{12})", re.M)
+_END = re.compile(rb"^ +(?:END OF JOB|ZAVRSETAK PRORACUNA) .*$", re.M)
+_ITERATIONS = re.compile(rb"^ ITERATIONS FOR STEP:\s*(\d+) /\s*(\d+)|^ ITERATION =\s*(\d+): INCREMENT *= *(\S+) +NORM *= *(\S+)\n"
                          rb" +\S+ *= *(\S+) +\S+ *= *(\S+)", re.M)
 _CARD_LIST = re.compile(rb"^ NUMB (?:1234567890)+\s*\n ---- -+\n((?:.*\n)*?) ---- -", re.M)
 _VALUE = re.compile(rb"(?:\.[ ,]*|COEFFICIENT, |  )([A-Z][A-Z0-9]{1,9}) *= *([-+0-9.EDed]+)\s*$", re.M)
-_NODES = (rb"N O D A L    C O N C E N T R A T I O N S", rb"C V O R N E    T E M P E R A T U R E")
 _FLUXES = (rb"N O D A L   M A S S   F L U X E S", rb"C V O R N I   M A S E N I   F L U K S E V I")
 ITERATION = numpy.dtype([("step", int), ("iteration", int), ("increment", float), ("norm", float), ("step_ratio", float),
                          ("norm_ratio", float)])
@@ -125,18 +123,17 @@ def _read_problem(number_of_problem, text, begin, end, complete):
     head_end = first_step.start() if first_step else end
     data = {}
     for match in _VALUE.finditer(text, begin, head_end):
-        data.setdefault(match.group(1).decode(), _plain(match.group(2).decode()))
+        data.setdefault(match.group(1).decode("latin-1"), _plain(match.group(2).decode("latin-1")))
     head = text[max(begin, head_end - 20000):head_end]
     solver = "cg" if b"CONJUGATE GRADIENTS" in head or b"KONJUGOVAN" in head else "skyline" if data.get("NWK", 0) > 0 else "sparse"
     iterations, count = _read_iterations(text, begin, end)
     problem = ListedProblem(number_of_problem, data, iterations, count, solver, complete=complete)
     found = list(_STEP.finditer(text, begin, end))
     for match, following in zip(found, [*found[1:], None]):
-        groups = [group for group in match.groups() if group is not None]
         until = following.start() if following else end
-        problem.steps.append(ListedStep(int(groups[0]), number(groups[1].decode()), match.end(), until))
-    problem.torsion_moments = [number(m.group(1).decode()) for m in re.finditer(rb"TORZM = *(\S+)", text[begin:end])] if b"TORZM" in text[
-        max(begin, end - 5000):end] else []
+        problem.steps.append(ListedStep(int(match.group(1)), number(match.group(2).decode("latin-1")), match.end(), until))
+    if b"TORZM" in text[max(begin, end - 5000):end]:
+        problem.torsion_moments = [number(match.group(1).decode("latin-1")) for match in re.finditer(rb"TORZM = *(\S+)", text[begin:end])]
     return problem
 
 
@@ -146,7 +143,7 @@ def _read_iterations(text, begin, end):
         if match.group(1):
             step, count = int(match.group(1)), int(match.group(2))
         else:
-            rows.append((step, int(match.group(3)), *(number(match.group(k).decode()) for k in (4, 5, 6, 7))))
+            rows.append((step, int(match.group(3)), *(number(match.group(k).decode("latin-1")) for k in (4, 5, 6, 7))))
     return numpy.array(rows, ITERATION), count
 
 

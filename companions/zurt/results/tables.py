@@ -12,7 +12,8 @@ FIBRE_FLOW = [("step", int), ("fibres", float), ("medium", float)]
 FIT_FLOW = [("step", int), ("time", float), ("flow", float)]
 COEFFICIENT = [("concentration", float), ("bulk", float), ("equivalent", float)]
 PROGRESS = [("step", int), ("steps", int), ("time", float), ("iteration", int), ("ratio", float), ("elapsed", float), ("megabytes", float)]
-_PROGRESS = re.compile(r"(?:(.*), )?step (\d+)/(\d+), time (\S+?),(?: iteration (\d+),)?(?: ratio (\S+?),)? elapsed (\d+):(\d+):(\d+)"
+HEADS = ["step [1]", "time [time]", "iterations [1]", "ratio [1]"]
+_PROGRESS = re.compile(r"(?:(.*), )?step (\d+)/(\d+), time (-?\d+\.?\d*(?:[Ee][-+]?\d+)?),(?: iteration (\d+),)?(?: ratio (-?\d+\.?\d*(?:[Ee][-+]?\d+)?|nan|inf),)? elapsed (\d+):(\d+):(\d+)"
                        r"(?:, left [\d:]+)?(?:, (\d+) MB)?")
 
 
@@ -41,10 +42,12 @@ def read_history(path):
     """The table that --history wrote. A row that a killed run left unfinished is left out."""
     with _opened(path) as file:
         rows = list(csv.reader(file))
-    if not rows or "step [1]" not in rows[0][0]:
-        raise ZurtError("this is no table of balances: its first row begins with step [1]", path, 1)
+    if not rows or rows[0][:4] != HEADS:
+        raise ZurtError(f"this is no table of balances: its first row begins with {','.join(HEADS)}", path, 1)
     heads = [re.fullmatch(r"(.*?) \[(.*)\]", head) for head in rows[0]]
     names = [head.group(1) if head else text for head, text in zip(heads, rows[0])]
+    if len(set(names)) < len(names):
+        raise ZurtError("two columns have one name", path, 1)
     whole = [row for row in rows[1:] if len(row) == len(names)]
     values = numpy.zeros(len(whole), [(name, int if name in ("step", "iterations") else float) for name in names])
     for k, name in enumerate(names):
