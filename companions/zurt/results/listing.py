@@ -11,7 +11,7 @@ import numpy
 from ..errors import ZurtError
 from .numbers import number, parse_numbers
 
-_STEP = re.compile(rb"^ (?:S T E P  NUMBER|K O R A K  BROJ) =(.{6}).*?(?:T I M E|V R E M E) =(.{12})", re.M)
+_STEP = re.compile(rb"^ (?:S T E P  NUMBER|K O R A K  BROJ) = *(\d+) .*?(?:T I M E|V R E M E) =(.{12})", re.M)
 _END = re.compile(rb"^ +(?:END OF JOB|ZAVRSETAK PRORACUNA) .*$", re.M)
 _ITERATIONS = re.compile(rb"^ ITERATIONS FOR STEP:\s*(\d+) /\s*(\d+)|^ ITERATION =\s*(\d+): INCREMENT *= *(\S+) +NORM *= *(\S+)\n"
                          rb" +\S+ *= *(\S+) +\S+ *= *(\S+)", re.M)
