@@ -59,6 +59,32 @@ TEST(FreeCards, GiveTheListingOfColumns) {
     }
 }
 
+// The listing behind its copy of the deck.
+std::string BehindCopy(const std::string& listing) {
+    const std::size_t end = listing.find(" STOP ");
+    return end == std::string::npos ? "" : Comparable(listing.substr(end));
+}
+
+// Each card cut by a slash behind two thirds of its items. Faults: a record that begins with another value than 0, or keeps one of
+// the card before.
+TEST(FreeCards, FieldsLeftOutAreZero) {
+    const std::vector<std::string> lines = SplitDeck(SmallDeckText("free"));
+    for (std::size_t card = 2; card + 1 < lines.size(); ++card) {
+        const std::vector<DeckItem> items = ItemsOf(lines[card]);
+        const std::size_t kept = 2 * items.size() / 3;
+        if (items.size() < 3 || (card > 7 && card < 22)) // nodes are alike
+            continue;
+        std::vector<std::string> cut = lines, zeros = lines;
+        cut[card] = zeros[card] = lines[card].substr(0, items[kept].begin);
+        cut[card] += "/\n";
+        for (std::size_t i = kept; i < items.size(); ++i)
+            zeros[card] += i + 1 < items.size() ? "0 " : "0\n";
+        const RunResult left = RunDeck(JoinDeck(cut)), given = RunDeck(JoinDeck(zeros));
+        EXPECT_EQ(left.status, given.status) << lines[card] << left.errors << given.errors;
+        EXPECT_EQ(BehindCopy(left.listing), BehindCopy(given.listing)) << lines[card];
+    }
+}
+
 // A cube of one brick of 20 nodes with `first` as the number of its first node, its upper corners held; nodes ahead of it
 // are held and stand alone.
 std::string BrickDeck(int first, bool free) {
