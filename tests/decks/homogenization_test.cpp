@@ -3,6 +3,7 @@
 #include "support/bar_deck.h"
 #include "support/grid_deck.h"
 #include "support/run_deck.h"
+#include "support/small_decks.h"
 
 #include <filesystem>
 
@@ -291,6 +292,18 @@ TEST(Homogenization, RunsThatCanNotBeFittedEnd) {
     const RunResult plain = RunGrid(grid);
     EXPECT_FALSE(Contains(plain.console, "HOMOGENIZATION"));
     EXPECT_EQ(LastConcentrations(plain.listing).size(), 378U);
+}
+
+// Faults: the wrong pass of a direct calculation written, or both; a note that counts cards where there is one.
+TEST(Homogenization, ThePassThatIsWritten) {
+    const std::string deck = SmallDeckText("direct"), control = "1.00e-08    1    0\n";
+    for (const auto& [IPASSPRINT, steps] : {std::pair{0, 3}, {1, 3}, {2, 0}, {5, 0}}) {
+        const RunResult run =
+            RunDeck(Replaced(deck, control, "1.00e-08    1    " + std::to_string(IPASSPRINT) + "\n"));
+        EXPECT_EQ(CountOf(run.graphics, "CVORNE KONCENTRACIJE"), steps) << IPASSPRINT;
+        EXPECT_EQ(CountOf(run.errors, "prints no pass of a direct calculation\n"), IPASSPRINT == 5 ? 1 : 0)
+            << run.errors;
+    }
 }
 
 // A field left out of a free format card keeps what it holds, and a fit changes two of those that its card set: IEHM is

@@ -322,6 +322,10 @@ TEST(FibreSearch, StrangePointsAndRegions) {
     EXPECT_EQ(alike.divisions.size(), 5U);
     for (const FibreCells& cells : alike.divisions)
         ASSERT_EQ(cells.start.size(), 1U + cells.divisions[0] * cells.divisions[1] * cells.divisions[2]);
+    const FibreCells& finest = alike.divisions.back(); // every cell ends where the next one begins
+    for (int i = 0; i < finest.divisions[0]; ++i)
+        for (const double part : {1e-6, 1.0 - 1e-6})
+            EXPECT_EQ(CellOf(finest, {(i + part) / finest.divisions[0], 0.0, 0.0}), i) << part;
     const FibreSearch none = EmptySearch();
     EXPECT_EQ(SearchNearestFibre(none, {0.5, 0.5, 0.5}).fibre, -1);
 }
