@@ -1,0 +1,194 @@
+"""Decks of Abaqus and CalculiX (.inp): nodes, elements, sets and surfaces. Everything else of such a deck is passed over."""
+import gzip
+import os
+import re
+
+import numpy
+
+from ..errors import ZurtError
+from .exodus_files import sides_of_cells
+from .middles import cells_of_nodes
+from .source import SourceMesh, cell_starts
+
+# Names of element types by their digits: continuum in space (C3D, DC3D, F3D), in the plane and axisymmetric, shells, trusses and beams.
+TYPES = (
+    (re.compile(r"^(?:D?C|DCC|F|AC|Q)3D(4|10|6|15|5|13|8|20|21|27)[A-Z]*$"),
+     {4: "tetra", 10: "tetra", 6: "wedge", 15: "wedge", 5: "pyramid", 13: "pyramid", 8: "hexahedron", 20: "hexahedron",
+      21: "hexahedron", 27: "hexahedron"}),
+    (re.compile(r"^(?:CPS|CPE|CPEG|CAX|CGAX|DC2D|DCC2D|DCAX|DCCAX|AC2D|ACAX|S|STRI|M3D|DS|R3D|SFM3D)(3|6|4|8|9)[A-Z0-9]*$"),
+     {3: "triangle", 6: "triangle", 4: "quad", 8: "quad", 9: "quad"}),
+    (re.compile(r"^(?:DC1D|T2D|T3D|B2|B3|DCC1D|R2D)(1|2|3)[A-Z]*$"), {1: "line", 2: "line", 3: "line"}),
+)
+LINES_OF_BEAMS = {"B21": 2, "B22": 3, "B31": 2, "B32": 3, "B33": 2}
+# S1 to S6 as numbers of faces (edges in the plane) of families.py.
+SIDES = {"hexahedron": (4, 5, 2, 1, 3, 0), "tetra": (0, 1, 2, 3), "wedge": (0, 1, 2, 3, 4), "pyramid": (0, 1, 2, 3, 4),
+         "quad": (0, 1, 2, 3), "triangle": (0, 1, 2)}
+
+
+def read_abaqus(path):
+    """The deck's mesh as a SourceMesh: element sets are groups, node sets node sets, surfaces groups of faces. May be gzipped."""
+    cards = _cards(path)
+    nodes, elements, sets, surfaces = {}, [], {"NSET": {}, "ELSET": {}}, {}
+    for name, options, lines, line in cards:
+        if name == "NODE":
+            _take_nodes(path, line, lines, options, nodes, sets)
+        elif name == "ELEMENT":
+            elements.append(_take_elements(path, line, lines, options, sets))
+        elif name in ("NSET", "ELSET"):
+            _take_set(path, line, lines, options, name, sets)
+        elif name == "SURFACE" and options.get("TYPE", "ELEMENT").upper() == "ELEMENT":
+            surfaces[options.get("NAME", "surface")] = lines
+        elif name in ("PART", "INSTANCE", "ASSEMBLY") and name == "INSTANCE" and any(row.strip() for row in lines):
+            raise ZurtError("an instance that is moved or turned: write the model without parts and instances (flat)", path, line)
+    if not nodes or not elements:
+        raise ZurtError("there are no *NODE and *ELEMENT cards in this file", path)
+    return _mesh_of(path, nodes, elements, sets, surfaces)
+
+
+def _cards(path, depth=0):
+    """[(keyword, options, data lines, line number)] with included files in their places."""
+    try:
+        with (gzip.open(path, "rt", errors="replace") if path.endswith(".gz") else open(path, errors="replace")) as file:
+            text = file.read().split("\n")
+    except OSError as error:
+        raise ZurtError(f"can't be read: {error.strerror or error}", path)
+    found, data = [], []
+    for number, row in enumerate(text, start=1):
+        if row.startswith("**"):
+            continue
+        if not row.lstrip().startswith("*"):
+            data.append(row)
+            continue
+        parts = [part.strip() for part in row.strip()[1:].split(",")]
+        options = dict([half.strip() for half in (part + "=").split("=")[:2]] for part in parts[1:] if part)
+        options = {key.upper(): value for key, value in options.items()}
+        keyword, data = parts[0].upper(), []
+        if keyword == "INCLUDE" and depth < 10:
+            found += _cards(os.path.join(os.path.dirname(path), options.get("INPUT", "")), depth + 1)
+            continue
+        found.append((keyword, options, data, number))
+    return found
+
+
+def _numbers(path, line, lines, width=None):
+    """All numbers of data lines as one array of floats."""
+    text = ",".join(row.strip().rstrip(",") for row in lines if row.strip())
+    try:
+        return numpy.array([float(word.replace("D", "E").replace("d", "e")) if word.strip() else 0.0 for word in text.split(",")]
+                           if text else [])
+    except ValueError as error:
+        raise ZurtError(f"a number is expected behind this card: {error}", path, line)
+
+
+def _take_nodes(path, line, lines, options, nodes, sets):
+    numbers = []
+    for row in lines:
+        if row.strip():
+            values = _numbers(path, line, [row])
+            numbers.append(int(values[0]))
+            nodes[int(values[0])] = tuple(values[1:4]) + (0.0,) * (4 - len(values[:4]))
+    if "NSET" in options:
+        sets["NSET"].setdefault(options["NSET"], []).extend(numbers)
+
+
+def _take_elements(path, line, lines, options, sets):
+    kind = options.get("TYPE", "").upper()
+    family, count = None, 0
+    for pattern, families in TYPES:
+        match = pattern.match(kind)
+        if match:
+            count = LINES_OF_BEAMS.get(kind[:3], int(match.group(1)))
+            family = families[int(match.group(1))]
+            if kind == "STRI65":
+                family, count = "triangle", 6
+            break
+    if family is None:
+        raise ZurtError(f'elements of the type "{kind}" are not read: solids, elements of the plane, shells, trusses and beams are', path, line)
+    values = _numbers(path, line, lines).astype(numpy.int64)
+    if len(values) % (count + 1):
+        raise ZurtError(f"elements of the type {kind} have a number and {count} nodes, but {len(values)} numbers stand here", path, line)
+    table = values.reshape(-1, count + 1)
+    if "ELSET" in options:
+        sets["ELSET"].setdefault(options["ELSET"], []).extend(table[:, 0].tolist())
+    return family, table, line
+
+
+def _take_set(path, line, lines, options, kind, sets):
+    name = options.get(kind)
+    if name is None:
+        raise ZurtError(f"*{kind} without the name of its set", path, line)
+    members = sets[kind].setdefault(name, [])
+    known = {key.upper(): key for key in sets[kind]}
+    for row in lines:
+        words = [word.strip() for word in row.split(",") if word.strip()]
+        if "GENERATE" in options and words:
+            first, last, step = ([int(word) for word in words] + [1])[:3]
+            members.extend(range(first, last + 1, step))
+            continue
+        for word in words:
+            if word.lstrip("-").isdigit():
+                members.append(int(word))
+            elif word.upper() in known:
+                members.extend(list(sets[kind][known[word.upper()]]))
+            else:
+                raise ZurtError(f'there is no set "{word}" ahead of this card', path, line)
+
+
+def _rows_of(numbers, wanted):
+    """Places in the sorted list of (numbers, places); -1 where a number does not exist."""
+    ordered, places = numbers
+    wanted = numpy.asarray(wanted, dtype=numpy.int64)
+    found = numpy.minimum(numpy.searchsorted(ordered, wanted), len(ordered) - 1)
+    return numpy.where(ordered[found] == wanted, places[found], -1)
+
+
+def _sorted(numbers):
+    order = numpy.argsort(numbers, kind="stable")
+    return numbers[order], order
+
+
+def _mesh_of(path, nodes, elements, sets, surfaces):
+    points = numpy.array(list(nodes.values()), dtype=float)
+    node_rows = _sorted(numpy.fromiter(nodes, numpy.int64, len(nodes)))
+    mesh = SourceMesh(path, points)
+    for family, table, line in elements:
+        rows = _rows_of(node_rows, table[:, 1:])
+        if (rows < 0).any():
+            element, place = numpy.argwhere(rows < 0)[0]
+            raise ZurtError(f"element {table[element, 0]} has the node {table[element, place + 1]}, which does not exist", path, line)
+        mesh.cells.append(cells_of_nodes(family, points, rows, table[:, 0], path))
+    element_rows = _sorted(numpy.concatenate([cells.number for cells in mesh.cells]))
+    for name, members in sets["NSET"].items():
+        rows = _rows_of(node_rows, members)
+        mesh.node_sets[name] = numpy.unique(rows[rows >= 0])
+    for name, members in sets["ELSET"].items():
+        rows = _rows_of(element_rows, members)
+        mesh.groups[name] = numpy.unique(rows[rows >= 0])
+    _take_surfaces(mesh, surfaces, element_rows, sets["ELSET"])
+    return mesh
+
+
+def _take_surfaces(mesh, surfaces, element_rows, element_sets):
+    """Surfaces as groups of faces. A line names an element or a set, and a side S1 ...; lines with other sides are noted."""
+    starts = cell_starts(mesh.cells)
+    solids = list(mesh.cells)
+    known = {key.upper(): key for key in element_sets}
+    for name, lines in surfaces.items():
+        count, found = sum(len(cells) for cells in mesh.cells), []
+        for row in lines:
+            words = [word.strip().upper() for word in row.split(",") if word.strip()]
+            if len(words) != 2 or not re.match(r"^S[1-6]$", words[1]):
+                if words:
+                    mesh.notes.append(f'the surface {name} has a line "{row.strip()}", which is passed over: sides S1 to S6 are read')
+                continue
+            members = [int(words[0])] if words[0].isdigit() else element_sets.get(known.get(words[0]), [])
+            rows = _rows_of(element_rows, members)
+            for place, cells in enumerate(solids):
+                own = rows[(rows >= starts[place]) & (rows < starts[place + 1])] - starts[place]
+                side = int(words[1][1]) - 1
+                if len(own) and side < len(SIDES.get(cells.family, ())):
+                    found += sides_of_cells(cells, own, numpy.full(len(own), SIDES[cells.family][side]))
+        mesh.cells += found
+        if found:
+            mesh.groups[name if name not in mesh.groups else name + "-surface"] = numpy.arange(
+                count, count + sum(len(cells) for cells in found))
