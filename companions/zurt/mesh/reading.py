@@ -128,7 +128,7 @@ def _note_split(pieces, cut, shares, source):
     words = ", ".join(f"{count} {shapes[family]}" for family, count in before.items())
     source.notes.append(f"{words} were split into {after} elements")
     if before.get("pyramid"):
-        source.notes.append(f"{8 * before['pyramid']} of them, at the tips of pyramids, are bricks whose upper four corners are one point")
+        source.notes.append(f"{8 * before['pyramid']} of them, at the tips of pyramids, are bricks whose upper four corners lie in one point")
 
 
 def _fill_blocks(mesh, shares):

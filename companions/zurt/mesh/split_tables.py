@@ -1,14 +1,15 @@
 """How an element of each family is cut into quadrilaterals or bricks: the new points and the pieces.
 
 Points are named by tuples: ("v", i) a corner, ("e", k) the middle of an edge, ("f", k) that of a face, ("c",) that of a solid; between
-these, for pieces with mid-side nodes, ("ve", i, k), ("ef", k, l) and ("fc", l). A piece stands at each corner where as many edges meet as
+these, for pieces with mid-side nodes, ("ve", i, k), ("ef", k, l) and ("fc", l); ("m", j) one of those at the tip of a pyramid. A piece stands at each corner where as many edges meet as
 space has directions, between the middles of the edges, faces and the element there.
 
-At the apex of a pyramid four edges meet. What is left there, a body of eight quadrilaterals, is divided from a point ("m",) in its inside
-into eight pyramids: bricks whose upper four corners are that one point. They have a positive volume at every Gauss point, reproduce linear
-fields and meet their neighbours without gaps. A division into bricks without such corners that leaves the faces as they are takes 36
-bricks at least as known so far (K. Verhetsel, J. Pellerin, J.-F. Remacle, Finding hexahedrizations for small quadrangulations of the
-sphere, 2019), of shapes too poor for use.
+At the apex of a pyramid four edges meet. What is left there, a body of eight quadrilaterals and ten corners, is divided from a point in its
+inside into eight pyramids: bricks whose upper four corners lie in that one point. Each corner of the body has a node of its own there, so
+no brick has a node twice, and bricks that meet share whole faces. A value that differs with the direction from which one comes to a point
+has a finite energy in space, so such elements are conforming; they have a positive Jacobian at every Gauss point and reproduce linear
+fields. A division without such corners that leaves the faces as they are takes 36 bricks at least as known so far (K. Verhetsel,
+J. Pellerin, J.-F. Remacle, Finding hexahedrizations for small quadrangulations of the sphere, 2019), of shapes too poor for use.
 """
 import functools
 from dataclasses import dataclass
@@ -17,10 +18,11 @@ import numpy
 
 from .families import FAMILIES, HEXAHEDRON, QUAD
 
-# Heights of the two inner points of a pyramid of height 1: the middle where the four bricks at its base meet, and the one that the eight
-# pyramids at its apex share. The least Jacobian of all twelve, relative to their sides, is largest about there.
+# Heights of the two inner points of a pyramid of height 1: the middle where the four bricks at its base meet, and the tip of the eight
+# pyramids at its apex. About there the least Jacobian at a Gauss point is largest and hardly depends on them.
 PYRAMID_MIDDLE = 0.2
 PYRAMID_UPPER = 0.5
+TIP_NODES = 10
 
 
 @dataclass(frozen=True)
@@ -96,7 +98,7 @@ def _bricks(family):
 
 
 def _pyramids(family):
-    """The eight pieces at the apex of a pyramid, each a quadrilateral and four times the point above it."""
+    """The eight pieces at the apex of a pyramid, each a quadrilateral and the four nodes at the point above it."""
     quads = []
     for corner in range(4):
         ahead, behind = (corner + 1) % 4, (corner - 1) % 4
@@ -104,10 +106,12 @@ def _pyramids(family):
         quads.append([("v", 4), _edge(family, corner, 4), side, _edge(family, ahead, 4)])
         quads.append([("c",), former, _edge(family, corner, 4), side])
     pieces = []
+    tip = {point: ("m", number) for number, point in enumerate(dict.fromkeys(point for quad in quads for point in quad))}
     for quad in quads:
         places = numpy.array([_place(family, point) for point in quad])
-        upward = numpy.dot(numpy.cross(places[2] - places[0], places[3] - places[1]), _place(family, ("m",)) - places.mean(axis=0))
-        pieces.append((quad if upward > 0 else quad[::-1]) + [("m",)] * 4)
+        upward = numpy.dot(numpy.cross(places[2] - places[0], places[3] - places[1]), _place(family, ("m", 0)) - places.mean(axis=0))
+        quad = quad if upward > 0 else quad[::-1]
+        pieces.append(quad + [tip[point] for point in quad])
     return pieces
 
 

@@ -11,7 +11,7 @@ from .entities import number_edges, number_faces, number_pairs
 from .families import FAMILIES
 from .interpolation import shape_values
 from .source import has_edges, take_cells
-from .split_tables import split_table
+from .split_tables import TIP_NODES, split_table
 
 SPLIT_FAMILIES = ("triangle", "tetra", "pyramid", "wedge")
 CHUNK = 100000  # elements whose points are evaluated at once
@@ -77,7 +77,7 @@ def _shared_points(parts, points_count, quadratic):
               "edge": _shared_point(edges, [cells.edges for cells in parts], len(ends), points),
               "face": _shared_point(faces, [cells.faces for cells in parts], len(corners), points)}
     shared["centre"] = [_centres(cells, points) for cells in parts]
-    shared["upper"] = [points.take(len(cells)) if cells.family == "pyramid" else None for cells in parts]
+    shared["upper"] = [points.take((len(cells), TIP_NODES)) if cells.family == "pyramid" else None for cells in parts]
     if quadratic:
         shared["quarter"] = points.take((len(ends), 2))
         _take_points_in_faces(parts, shared, points)
@@ -121,7 +121,7 @@ def _columns(place, cells, table, shared):
         elif kind == "c":
             columns[:, column] = shared["centre"][place]
         elif kind == "m":
-            columns[:, column] = shared["upper"][place]
+            columns[:, column] = shared["upper"][place][:, point[1]]
         elif kind == "ve":
             edge = edges[:, point[2]]
             upper = (shared["ends"][edge, 0] != cells.corners[:, point[1]]).astype(int)
