@@ -28,13 +28,13 @@ def merge_nodes(mesh, tolerance):
         raise ZurtError(f"chains of nodes within {tolerance:g} of each other reach over {far:.3g}: take a smaller tolerance", mesh.file)
     mesh.cells = [map_nodes(cells, new_of_old) for cells in mesh.cells]
     mesh.node_sets = {name: numpy.unique(new_of_old[rows]) for name, rows in mesh.node_sets.items()}
-    broken = sum(int(_repeats(cells.corners).sum()) for cells in mesh.cells)
+    broken = sum(int(repeats(cells.corners).sum()) for cells in mesh.cells)
     if broken:
         raise ZurtError(f"merging nodes within {tolerance:g} takes an edge from {broken} elements: take a smaller tolerance", mesh.file)
     mesh.notes.append(f"{count - classes} double nodes were merged within {tolerance:g}")
 
 
-def _repeats(rows):
+def repeats(rows):
     """(m,) whether a row has an entry twice."""
     ordered = numpy.sort(rows, axis=1)
     return (ordered[:, 1:] == ordered[:, :-1]).any(axis=1)
@@ -88,6 +88,16 @@ def signed_sizes(points, cells):
         start = places[:, origin]
         total += numpy.einsum("mi,mi->m", numpy.cross(places[:, first] - start, places[:, second] - start), places[:, third] - start)
     return total
+
+
+def refuse_collapsed(pieces, file):
+    """Raises ZurtError at elements of blocks that have a corner twice: the program wants different nodes."""
+    for piece in pieces:
+        rows = numpy.flatnonzero(repeats(piece.cells.corners)) if piece.role == "block" else ()
+        if len(rows):
+            raise ZurtError(f'{len(rows)} elements of the group "{piece.name}" have a node twice, the first is element '
+                            f"{piece.cells.number[rows[0]]} of the file: write collapsed elements as what they are (wedges, pyramids, "
+                            "tetrahedra, triangles)", file)
 
 
 def turn_pieces(points, pieces):

@@ -3,14 +3,13 @@ import numpy
 
 from ..errors import ZurtError
 from .middles import cells_of_nodes
-from .source import SourceMesh
+from .source import BEHIND_NUMBER, SourceMesh
 
 # Gmsh's numbers of element types of first and second order: 15 is a point.
 FAMILY_OF_TYPE = {1: "line", 8: "line", 2: "triangle", 9: "triangle", 3: "quad", 10: "quad", 16: "quad", 4: "tetra", 11: "tetra",
                   5: "hexahedron", 12: "hexahedron", 17: "hexahedron", 6: "wedge", 13: "wedge", 18: "wedge",
                   7: "pyramid", 14: "pyramid", 19: "pyramid"}
 POINT_TYPE = 15
-BEHIND_NUMBER = {0: "-points", 1: "-lines", 2: "-surfaces", 3: ""}
 
 
 def read_gmsh(path):

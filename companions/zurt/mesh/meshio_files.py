@@ -9,11 +9,11 @@ import numpy
 from ..errors import ZurtError
 from .families import FAMILIES
 from .middles import cells_of_nodes
-from .source import SourceMesh, cell_starts
+from .source import BEHIND_NUMBER, SourceMesh, cell_starts
 
 # Cell data that are numbers of materials or groups, in the order in which they are looked for.
 LABELS = ("gmsh:physical", "medit:ref", "nastran:ref", "cell_tags", "material", "materials", "material_id", "MaterialIds", "MaterialID",
-          "mat_id", "group", "physical", "region", "subdomain", "domain", "marker")
+          "mat_id", "group", "physical", "region", "subdomain", "domain", "marker", "CellEntityIds")
 COUNT_BEHIND = re.compile(r"([a-z]+)\d*$")
 
 
@@ -69,6 +69,16 @@ def _label_array(source, mesh, labels):
     return found[0] if found else None
 
 
+def _highest_dimensions(source, kept, data):
+    """{number of a group: highest dimension of its elements}"""
+    highest = {}
+    for place, numbers in zip(kept, data):
+        dimension = source.cells[place].dimension if place is not None else 0
+        for number in numpy.unique(numbers):
+            highest[int(number)] = max(dimension, highest.get(int(number), 0))
+    return highest
+
+
 def _take_labels(source, mesh, kept, starts, labels):
     name = _label_array(source, mesh, labels)
     if name is None:
@@ -79,16 +89,18 @@ def _take_labels(source, mesh, kept, starts, labels):
         if len(value) == 2 and numpy.issubdtype(value.dtype, numpy.number):
             names_of_number.setdefault((int(value[0]), int(value[1])), []).append(group)
     families = getattr(mesh, "cell_tags", {})
+    if any(numpy.size(own) != len(block.data) or (own != numpy.round(own)).any() for own, block in zip(mesh.cell_data[name], mesh.cells)):
+        raise ZurtError(f'the cell data "{name}" are no numbers of groups: one whole number an element is expected', source.file)
+    highest = _highest_dimensions(source, kept, mesh.cell_data[name])
     for block, (place, numbers) in enumerate(zip(kept, mesh.cell_data[name])):
         numbers = numpy.ravel(numbers)
-        if len(numbers) != len(mesh.cells[block].data) or (numbers != numpy.round(numbers)).any():
-            raise ZurtError(f'the cell data "{name}" are no numbers of groups: one whole number an element is expected', source.file)
         dimension = source.cells[place].dimension if place is not None else 0
         for number in numpy.unique(numbers):
             groups = families.get(int(number)) or names_of_number.get((int(number), dimension))
             if number == 0 and not groups:
                 continue  # the usual mark of no group
-            for group in groups or [f"group-{int(number)}"]:
+            bare = f"group-{int(number)}" + (BEHIND_NUMBER[dimension] if dimension < highest[int(number)] else "")
+            for group in groups or [bare]:
                 rows = numpy.flatnonzero(numbers == number)
                 if place is None:
                     _add(source.node_sets, group, mesh.cells[block].data[rows].ravel())

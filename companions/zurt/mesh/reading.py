@@ -7,7 +7,7 @@ import numpy
 from ..errors import ZurtError
 from .abaqus_files import read_abaqus
 from .checks import check_elements, check_plane
-from .cleaning import merge_nodes, turn_pieces, without_centres, without_middles
+from .cleaning import merge_nodes, refuse_collapsed, turn_pieces, without_centres, without_middles
 from .elements import elements_of_cells, own_order, widen
 from .exodus_files import read_exodus
 from .gmsh_files import read_gmsh
@@ -25,8 +25,9 @@ class MeshOptions:
     groups: names of the groups that make blocks of elements; None for all of the highest dimension. merge: distance within which nodes
     become one, in the mesh's unit behind `scale`, or None. scale: factor on all coordinates. axes: which axes of the file become x, y, z.
     move: what is added to the coordinates then. split: "linear" or "quadratic", pieces of triangles, tetrahedra, wedges and pyramids
-    without or with mid-side nodes. corners_only: mid-side nodes of the file are left out, all sides straight. centres: centre nodes of
-    quadrilaterals of 9 and bricks of 27 nodes are kept, which then have 9 and 21 instead of 8 and 20. labels: name of the cell data whose
+    without or with mid-side nodes. corners_only: mid-side nodes of the file are left out, all sides straight. quad_centres: quadrilaterals
+    with mid-side nodes have a centre node as well, 9 nodes instead of 8, where the file has it or a triangle is split. brick_centres: bricks
+    of 27 nodes keep their centre, 21 instead of 20. labels: name of the cell data whose
     numbers tell groups, for formats without names.
     """
     groups: list = None
@@ -36,7 +37,8 @@ class MeshOptions:
     move: tuple = (0.0, 0.0, 0.0)
     split: str = "linear"
     corners_only: bool = False
-    centres: bool = False
+    quad_centres: bool = True
+    brick_centres: bool = False
     labels: str = None
 
 
@@ -48,15 +50,16 @@ def read_mesh(path, options=None):
     _place(source, options)
     if options.merge is not None:
         merge_nodes(source, options.merge)
-    pieces = choose_pieces(source, options.groups)
+    pieces, within = choose_pieces(source, options.groups)
     for piece in pieces:
         if options.corners_only:
             piece.cells = without_middles(piece.cells)
+    refuse_collapsed(pieces, source.file)
     check_plane(source.points, pieces, source.file)
     turned = turn_pieces(source.points, pieces)
     if turned:
         source.notes.append(f"{turned} elements were inside out and have been turned")
-    return _mesh_of_pieces(source, pieces, options)
+    return _mesh_of_pieces(source, pieces, within, options)
 
 
 def read_source(path, labels=None):
@@ -92,25 +95,29 @@ def _place(source, options):
     source.points = source.points[:, order] * options.scale + numpy.asarray(options.move, dtype=float)
 
 
-def _mesh_of_pieces(source, pieces, options):
+def _mesh_of_pieces(source, pieces, within, options):
     parts = [piece.cells for piece in pieces]
     masks = rows_to_split(parts)
     whole, rows_of_whole = subsets(parts, [~mask for mask in masks])
     cut, rows_of_cut = subsets(parts, masks)
     points, every = source.points, {name: rows.copy() for name, rows in source.node_sets.items()}
+    centres = options.quad_centres and max(piece.cells.dimension for piece in pieces if piece.role == "block") == 2
     shares = []  # (piece, elements, source, all points of these elements)
     if any(len(cells) for cells in cut):
         chosen = [place for place, cells in enumerate(cut) if len(cells)]
-        points, found = split_parts(points, [cut[place] for place in chosen], options.split == "quadratic", every)
-        for place, (corners, middles, element, columns) in zip(chosen, found):
-            shares.append((pieces[place], own_order(corners, middles), pieces[place].source[rows_of_cut[place]][element], columns))
+        points, found = split_parts(points, [cut[place] for place in chosen], options.split == "quadratic", centres, every)
+        for place, (corners, middles, middle, element, columns) in zip(chosen, found):
+            shares.append((pieces[place], own_order(corners, middles, middle), pieces[place].source[rows_of_cut[place]][element], columns))
         _note_split([pieces[place] for place in chosen], [cut[place] for place in chosen], shares, source)
     for piece, cells, rows in zip(pieces, whole, rows_of_whole):
         if len(cells):
-            kept = cells if options.centres else without_centres(cells)
+            kept = cells if (centres if cells.dimension == 2 else options.brick_centres) else without_centres(cells)
             shares.append((piece, elements_of_cells(kept), piece.source[rows], all_nodes(kept)))
     mesh = Mesh(points, notes=source.notes)
     _fill_blocks(mesh, [share for share in shares if share[0].role == "block"])
+    for name, rows in within.items():
+        inside = [block.elements[numpy.isin(block.source, rows)].ravel() for block in mesh.blocks]
+        every[name] = numpy.unique(numpy.concatenate([every.get(name, numpy.empty(0, numpy.int64))] + inside))
     _drop_orphans(mesh, shares, every, len(source.points))
     numbers = numpy.concatenate([cells.number for cells in source.cells])
     check_elements(mesh.points, mesh.blocks, numbers, source.file)

@@ -20,10 +20,11 @@ class Piece:
 
 
 def choose_pieces(mesh, wanted):
-    """The pieces of a SourceMesh. wanted: names of the groups that make blocks, or None for all of the highest dimension.
+    """The pieces of a SourceMesh, and the sets that lie in blocks: names to places of elements in the source, counted through all of it.
 
-    Groups that make no blocks are faces if their dimension is one below that of the blocks, else places of nodes. Elements in no group
-    make a block "all", or "rest" beside others. Notes go to mesh.notes.
+    wanted: names of the groups that make blocks, or None for all of the highest dimension. Groups that make no blocks are faces if their
+    dimension is one below that of the blocks, places of nodes if it is less. Elements in no group make a block "all", or "rest" beside
+    others. Notes go to mesh.notes.
     """
     dimension_of = numpy.concatenate([numpy.full(len(cells), cells.dimension) for cells in mesh.cells] or [numpy.empty(0, int)])
     if not len(dimension_of):
@@ -41,11 +42,14 @@ def choose_pieces(mesh, wanted):
         raise ZurtError("no group is named that makes elements", mesh.file)
     highest = max(dimension_of[rows].max() for rows in blocks.values())
     pieces = [piece for name, rows in blocks.items() for piece in _pieces(mesh, name, "block", rows)]
+    within = {}
     for name, rows in groups.items():
         left = rows if name not in blocks else numpy.setdiff1d(rows, blocks[name])
-        sides = dimension_of[left] == highest - 1
-        pieces += _pieces(mesh, name, "faces", left[sides]) + _pieces(mesh, name, "nodes", left[~sides])
-    return pieces
+        own = dimension_of[left]
+        pieces += _pieces(mesh, name, "faces", left[own == highest - 1]) + _pieces(mesh, name, "nodes", left[own < highest - 1])
+        if (own >= highest).any():
+            within[name] = left[own >= highest]
+    return pieces, within
 
 
 def _known(name, mesh):

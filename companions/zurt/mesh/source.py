@@ -5,6 +5,9 @@ import numpy
 
 from .families import FAMILIES
 
+# What is added to the name group-7 of the lower ones when elements of several dimensions have one number and no names.
+BEHIND_NUMBER = {0: "-points", 1: "-lines", 2: "-surfaces", 3: ""}
+
 
 @dataclass
 class Cells:

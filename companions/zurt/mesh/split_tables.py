@@ -1,7 +1,8 @@
 """How an element of each family is cut into quadrilaterals or bricks: the new points and the pieces.
 
 Points are named by tuples: ("v", i) a corner, ("e", k) the middle of an edge, ("f", k) that of a face, ("c",) that of a solid; between
-these, for pieces with mid-side nodes, ("ve", i, k), ("ef", k, l) and ("fc", l); ("m", j) one of those at the tip of a pyramid. A piece stands at each corner where as many edges meet as
+these, for pieces with mid-side nodes, ("ve", i, k), ("ef", k, l) and ("fc", l); ("vc", i) the centre of a
+surface's piece; ("m", j) one of those at the tip of a pyramid. A piece stands at each corner where as many edges meet as
 space has directions, between the middles of the edges, faces and the element there.
 
 At the apex of a pyramid four edges meet. What is left there, a body of eight quadrilaterals and ten corners, is divided from a point in its
@@ -28,12 +29,14 @@ TIP_NODES = 10
 @dataclass(frozen=True)
 class SplitTable:
     """points: names of all points, and places: their natural coordinates. pieces: (s, 2, 4 or 8) columns of the points at the corners of
-    the pieces in VTK's order. middles: (s, 1, 4 or 12) columns of those on their edges, -1 where an edge stays linear.
+    the pieces in VTK's order. middles: (s, 1, 4 or 12) columns of those on their edges, -1 where an edge stays linear. centres: (s,)
+    columns of those at their centres, or -1.
     """
     points: tuple
     places: numpy.ndarray
     pieces: numpy.ndarray
     middles: numpy.ndarray
+    centres: numpy.ndarray
 
 
 def _middle(first, second):
@@ -60,6 +63,9 @@ def _place(family, point):
         return numpy.array([0.0, 0.0, PYRAMID_UPPER])
     if kind == "c":
         return numpy.array([0.0, 0.0, PYRAMID_MIDDLE]) if family.name == "pyramid" else corners.mean(axis=0)
+    if kind == "vc":
+        edges = [("e", number) for number, pair in enumerate(family.edges) if point[1] in pair]
+        return numpy.mean([_place(family, other) for other in [("v", point[1]), ("f", 0)] + edges], axis=0)
     ends = {"ve": lambda: (("v", point[1]), ("e", point[2])), "ef": lambda: (("e", point[1]), ("f", point[2])),
             "fc": lambda: (("f", point[1]), ("c",))}[kind]()
     return 0.5 * (_place(family, ends[0]) + _place(family, ends[1]))
@@ -116,8 +122,9 @@ def _pyramids(family):
 
 
 @functools.lru_cache(maxsize=None)
-def split_table(name, quadratic):
-    """The SplitTable of the family `name`, with points on the edges of its pieces if `quadratic`."""
+def split_table(name, quadratic, centres):
+    """The SplitTable of the family `name`, with points on the edges of its pieces if `quadratic`, and then of surfaces, if `centres`, with
+    points at their centres too."""
     family = FAMILIES[name]
     if family.dimension == 1:
         pieces, edges = [[("v", 0), ("e", 0)], [("e", 0), ("v", 1)]], ((0, 1),)
@@ -126,8 +133,11 @@ def split_table(name, quadratic):
     else:
         pieces, edges = _bricks(family) + (_pyramids(family) if name == "pyramid" else []), HEXAHEDRON.edges
     middles = [[_middle(piece[a], piece[b]) if quadratic else None for a, b in edges] for piece in pieces]
-    points = tuple(dict.fromkeys([point for piece in pieces for point in piece] + [p for row in middles for p in row if p is not None]))
+    inner = [("vc", corner) for corner in range(len(pieces))] if quadratic and centres and family.dimension == 2 else []
+    points = tuple(dict.fromkeys([point for piece in pieces for point in piece] + [p for row in middles for p in row if p is not None]
+                                 + inner))
     column = {point: place for place, point in enumerate(points)}
     return SplitTable(points, numpy.array([_place(family, point) for point in points]),
                       numpy.array([[column[point] for point in piece] for piece in pieces]),
-                      numpy.array([[column[point] if point is not None else -1 for point in row] for row in middles]))
+                      numpy.array([[column[point] if point is not None else -1 for point in row] for row in middles]),
+                      numpy.array([column[point] for point in inner] or [-1] * len(pieces)))

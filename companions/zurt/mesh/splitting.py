@@ -79,6 +79,7 @@ def _shared_points(parts, points_count, quadratic):
     shared["centre"] = [_centres(cells, points) for cells in parts]
     shared["upper"] = [points.take((len(cells), TIP_NODES)) if cells.family == "pyramid" else None for cells in parts]
     if quadratic:
+        shared["centres"] = [points.take(cells.corners.shape) if cells.dimension == 2 else None for cells in parts]
         shared["quarter"] = points.take((len(ends), 2))
         _take_points_in_faces(parts, shared, points)
         shared["inner"] = [points.take((len(cells), len(FAMILIES[cells.family].faces))) if cells.dimension == 3 else None for cells in parts]
@@ -120,6 +121,8 @@ def _columns(place, cells, table, shared):
             columns[:, column] = shared["face"][faces[:, point[1]]]
         elif kind == "c":
             columns[:, column] = shared["centre"][place]
+        elif kind == "vc":
+            columns[:, column] = shared["centres"][place][:, point[1]]
         elif kind == "m":
             columns[:, column] = shared["upper"][place][:, point[1]]
         elif kind == "ve":
@@ -157,12 +160,13 @@ def _place_points(places, old_count, cells, table, columns):
         places[rows[new]] = found[new]
 
 
-def split_parts(points, parts, quadratic, node_sets):
+def split_parts(points, parts, quadratic, centres, node_sets):
     """Splits all elements of the list of Cells.
 
-    points: (n, 3). Returns the points with the new ones behind them, and for each entry (corners, middles, source, columns): (q, 2, 4 or 8)
-    rows of the corners of the pieces and (q, 1, 4 or 12) of their edges in VTK's order, -1 where there is none, (q,) rows of the elements
-    they come from, and (m, k) all points of each element. node_sets: rows of points by name, extended in place by the new points of the
+    points: (n, 3). quadratic: pieces have mid-side nodes; centres: those of surfaces a centre node then, too. Returns the points with the
+    new ones behind them, and for each entry (corners, middles, centres, source, columns): (q, 2, 4 or 8) rows of the corners of the pieces,
+    (q, 1, 4 or 12) of their edges in VTK's order and (q,) of their centres, -1 where there is none, (q,) rows of the elements they come
+    from, and (m, k) all points of each element. node_sets: rows of points by name, extended in place by the new points of the
     solids, sides of the body and edges of those whose corners they have.
     """
     count = len(points)
@@ -171,12 +175,13 @@ def split_parts(points, parts, quadratic, node_sets):
     found, every = [], []
     # Solids last: on a side that a face of a group shares with a solid both give the same places but for rounding.
     for place, cells in sorted(enumerate(parts), key=lambda item: item[1].dimension):
-        table = split_table(cells.family, quadratic)
+        table = split_table(cells.family, quadratic, centres)
         columns = _columns(place, cells, table, shared)
         _place_points(places, count, cells, table, columns)
         corners = columns[:, table.pieces]
         middles = numpy.where(table.middles >= 0, columns[:, table.middles], -1)
-        found.append((place, (corners.reshape(-1, corners.shape[2]), middles.reshape(-1, middles.shape[2]),
+        middle = numpy.where(table.centres >= 0, columns[:, table.centres], -1).ravel()
+        found.append((place, (corners.reshape(-1, corners.shape[2]), middles.reshape(-1, middles.shape[2]), middle,
                               numpy.repeat(numpy.arange(len(cells)), len(table.pieces)), columns)))
         every.append((place, table, columns))
     _extend_node_sets(parts, shared, every, node_sets, total)
@@ -218,7 +223,7 @@ def _points_between(cells, table, columns, inside, outer):
 
 def _on_side(family, point, side, corners):
     kind = point[0]
-    if kind in ("c", "m", "fc"):
+    if kind in ("c", "m", "fc", "vc"):
         return False
     if kind == "v":
         return point[1] in corners

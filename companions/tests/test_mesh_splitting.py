@@ -1,0 +1,127 @@
+"""Meshes of Gmsh split into quadrilaterals and bricks: volumes, conformity, linear fields, orders of convergence."""
+import gmsh
+import numpy
+import pytest
+
+from mesh_support import l2_error, make_gmsh_mesh, patch_residual, quarter_ring, run_steady
+from zurt.mesh.checks import block_size
+from zurt.mesh.reading import MeshOptions, read_mesh
+
+LINEAR = numpy.array([1.3, -0.7, 0.4])
+
+
+def disk():
+    gmsh.model.occ.addDisk(0, 0, 0, 1, 1)
+
+
+def ball():
+    gmsh.model.occ.addSphere(0, 0, 0, 1)
+
+
+def pipe():
+    quarter_ring(2, recombine=False)()
+
+
+def bricks():
+    quarter_ring(2)()
+
+
+def boxes_of_two_kinds():
+    """Bricks below, tetrahedra above, pyramids between them; 1 by 1 by 2."""
+    occ, mesh = gmsh.model.occ, gmsh.model.mesh
+    below, above = occ.addBox(0, 0, 0, 1, 1, 1), occ.addBox(0, 0, 1, 1, 1, 1)
+    occ.fragment([(3, below)], [(3, above)])
+    occ.synchronize()
+    sides = gmsh.model.getBoundary([(3, below)], oriented=False)
+    for _, curve in gmsh.model.getBoundary(sides, oriented=False, combined=False):
+        mesh.setTransfiniteCurve(curve, 4)
+    for _, side in sides:
+        mesh.setTransfiniteSurface(side)
+        mesh.setRecombine(2, side)
+    mesh.setTransfiniteVolume(below)
+
+
+def half_of_quads():
+    """A plate of 2 by 1, quadrilaterals in its left half and triangles in its right one."""
+    occ = gmsh.model.occ
+    left, right = occ.addRectangle(0, 0, 0, 1, 1), occ.addRectangle(1, 0, 0, 1, 1)
+    occ.fragment([(2, left)], [(2, right)])
+    occ.synchronize()
+    gmsh.model.mesh.setTransfiniteSurface(left)
+    gmsh.model.mesh.setRecombine(2, left)
+
+
+# Of each: size of its elements, size of the body where Gmsh's sum is off (over pyramids it is), pieces of an element.
+CASES = {disk: (0.3, None, 3), half_of_quads: (0.3, None, None), ball: (0.6, None, 4), pipe: (0.5, None, 6), bricks: (0.5, None, 1),
+         boxes_of_two_kinds: (0.34, 2.0, None)}
+
+
+@pytest.fixture(scope="module")
+def made(tmp_path_factory):
+    """{build: (folder, sizes by order)} of all meshes."""
+    found = {}
+    for build, (size, _, _) in CASES.items():
+        folder = tmp_path_factory.mktemp(build.__name__)
+        found[build] = folder, make_gmsh_mesh(folder, build, size)
+    return found
+
+
+@pytest.mark.parametrize("build", CASES)
+@pytest.mark.parametrize("order, split", [(1, "linear"), (2, "linear"), (2, "quadratic")])
+def test_linear_fields_and_volumes(made, build, order, split):
+    folder, sizes = made[build]
+    _, known, pieces_each = CASES[build]
+    mesh = read_mesh(folder / f"{order}-4.1.msh", MeshOptions(split=split))
+    assert [block.name for block in mesh.blocks] == ["body"] * len(mesh.blocks)
+    straight = build in (half_of_quads, boxes_of_two_kinds)
+    found = sum(block_size(mesh.points, block) for block in mesh.blocks)
+    # Pieces of curved tetrahedra have faces of 8 nodes, which follow faces of 6 nodes to the fourth power of their size.
+    exact = straight or order == 1 or build is bricks or (split == "quadratic" and build is not ball)
+    assert abs(found / (known or sizes[order]) - 1) < (1e-9 if exact else 2e-3 if split == "quadratic" else 0.03)
+    if pieces_each:
+        sources = numpy.concatenate([block.source for block in mesh.blocks])
+        assert (numpy.unique(sources, return_counts=True)[1] == pieces_each).all()
+    sides = mesh.node_sets["group-7"]
+    assert patch_residual(mesh, sides) < 1e-13
+    field = mesh.points @ LINEAR + 0.2
+    # The program's Gauss rules have single precision: docs/theory.md.
+    assert numpy.abs(run_steady(folder, mesh, sides, field) - field).max() < (1e-10 if order == 1 and not known else 1e-8)
+
+
+def errors_in_ring(tmp_path, divisions, order, split, recombine):
+    """Of log r between radii 1 and 2, held inside and outside."""
+    found = []
+    for count in divisions:
+        make_gmsh_mesh(tmp_path, quarter_ring(count, recombine), 0.5, [order])
+        mesh = read_mesh(tmp_path / f"{order}-4.1.msh", MeshOptions(split=split))
+        held = numpy.union1d(mesh.node_sets["inner"], mesh.node_sets["outer"])
+        values = numpy.zeros(len(mesh.points))
+        values[mesh.node_sets["outer"]] = numpy.log(2.0)
+        solution = run_steady(tmp_path, mesh, held, values)
+        found.append(l2_error(mesh, solution, lambda x, y, z: 0.5 * numpy.log(x * x + y * y)))
+    return numpy.array(found)
+
+
+@pytest.mark.parametrize("order, split, recombine, least", [(1, "linear", True, 1.9), (2, "linear", True, 2.9), (1, "linear", False, 1.9),
+                                                            (2, "quadratic", False, 1.9)])
+def test_order_of_convergence_on_a_curve(tmp_path, order, split, recombine, least):
+    """2 for bricks of 8 nodes, 3 for the file's own bricks of 20 nodes; pieces with 20 nodes are no parallelepipeds even in fine meshes,
+    and there elements without the products of all squares fall back to 2 (D. N. Arnold, D. Boffi, R. S. Falk, Approximation by
+    quadrilateral finite elements, 2002)."""
+    errors = errors_in_ring(tmp_path, (2, 4), order, split, recombine)
+    assert numpy.log2(errors[0] / errors[1]) > least
+
+
+@pytest.mark.parametrize("order, split, least, most", [(1, "linear", 1.8, 2.4), (2, "quadratic", 2.8, 4.0)])
+def test_order_of_convergence_in_the_plane(tmp_path, order, split, least, most):
+    """Triangles of a disk; exp(x) cos(y), whose values on the circle the outer nodes take. Quadrilaterals of 9 nodes have order 3."""
+    errors = []
+    for size in (0.4, 0.1):
+        make_gmsh_mesh(tmp_path, disk, size, [order])
+        mesh = read_mesh(tmp_path / f"{order}-4.1.msh", MeshOptions(split=split))
+        held = mesh.node_sets["group-7"]
+        on_circle = mesh.points[held] / numpy.linalg.norm(mesh.points[held], axis=1)[:, None]
+        values = numpy.zeros(len(mesh.points))
+        values[held] = numpy.exp(on_circle[:, 0]) * numpy.cos(on_circle[:, 1])
+        errors.append(l2_error(mesh, run_steady(tmp_path, mesh, held, values), lambda x, y, z: numpy.exp(x) * numpy.cos(y)))
+    assert least < numpy.log(errors[0] / errors[1]) / numpy.log(4.0) < most
