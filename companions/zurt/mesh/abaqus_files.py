@@ -26,23 +26,33 @@ SIDES = {"hexahedron": (4, 5, 2, 1, 3, 0), "tetra": (0, 1, 2, 3), "wedge": (0, 1
 
 
 def read_abaqus(path):
-    """The deck's mesh as a SourceMesh: element sets are groups, node sets node sets, surfaces groups of faces. May be gzipped."""
+    """The file's mesh as a SourceMesh: element sets are groups, node sets node sets, surfaces groups of faces. May be gzipped."""
     cards = _cards(path)
     nodes, elements, sets, surfaces = {}, [], {"NSET": {}, "ELSET": {}}, {}
+    passed_over = {}
     for name, options, lines, line in cards:
         if name == "NODE":
             _take_nodes(path, line, lines, options, nodes, sets)
         elif name == "ELEMENT":
-            elements.append(_take_elements(path, line, lines, options, sets))
+            found = _take_elements(path, line, lines, options, sets)
+            if found:
+                elements.append(found)
+            else:
+                passed_over[options.get("TYPE", "")] = passed_over.get(options.get("TYPE", ""), 0) + 1
         elif name in ("NSET", "ELSET"):
             _take_set(path, line, lines, options, name, sets)
         elif name == "SURFACE" and options.get("TYPE", "ELEMENT").upper() == "ELEMENT":
             surfaces[options.get("NAME", "surface")] = lines
-        elif name in ("PART", "INSTANCE", "ASSEMBLY") and name == "INSTANCE" and any(row.strip() for row in lines):
+        elif name == "INSTANCE" and any(row.strip() for row in lines):
             raise ZurtError("an instance that is moved or turned: write the model without parts and instances (flat)", path, line)
+    kinds = ", ".join(sorted(passed_over))
     if not nodes or not elements:
-        raise ZurtError("there are no *NODE and *ELEMENT cards in this file", path)
-    return _mesh_of(path, nodes, elements, sets, surfaces)
+        raise ZurtError("there are no solids, elements of the plane, shells, trusses or beams in this file"
+                        + (f"; its elements are of the types {kinds}" if kinds else ": no *NODE and *ELEMENT cards"), path)
+    mesh = _mesh_of(path, nodes, elements, sets, surfaces)
+    if kinds:
+        mesh.notes.append(f"elements of the types {kinds} were passed over: springs, masses, contacts and the like make no elements here")
+    return mesh
 
 
 def _cards(path, depth=0):
@@ -70,8 +80,8 @@ def _cards(path, depth=0):
     return found
 
 
-def _numbers(path, line, lines, width=None):
-    """All numbers of data lines as one array of floats."""
+def _numbers(path, line, lines):
+    """All numbers of data lines as one array of floats; what is left out is 0."""
     text = ",".join(row.strip().rstrip(",") for row in lines if row.strip())
     try:
         return numpy.array([float(word.replace("D", "E").replace("d", "e")) if word.strip() else 0.0 for word in text.split(",")]
@@ -92,6 +102,7 @@ def _take_nodes(path, line, lines, options, nodes, sets):
 
 
 def _take_elements(path, line, lines, options, sets):
+    """(family, (m, 1 + nodes) numbers, line), or None for springs, masses, contacts and the like."""
     kind = options.get("TYPE", "").upper()
     family, count = None, 0
     for pattern, families in TYPES:
@@ -103,7 +114,7 @@ def _take_elements(path, line, lines, options, sets):
                 family, count = "triangle", 6
             break
     if family is None:
-        raise ZurtError(f'elements of the type "{kind}" are not read: solids, elements of the plane, shells, trusses and beams are', path, line)
+        return None
     values = _numbers(path, line, lines).astype(numpy.int64)
     if len(values) % (count + 1):
         raise ZurtError(f"elements of the type {kind} have a number and {count} nodes, but {len(values)} numbers stand here", path, line)

@@ -8,7 +8,7 @@ from .elements import BRICK_CORNERS, BRICK_EDGES, family_of_dimension
 from .interpolation import shape_slopes
 
 SMALLEST_JACOBIAN = 1e-15  # the program stops at a smaller one
-FLAT = 1e-9  # of the mesh's size
+FLAT = 1e-6  # of the mesh's size: places in single precision count as flat
 CHUNK = 50000
 
 
@@ -83,9 +83,9 @@ def check_elements(points, blocks, numbers, file=None):
         place = points[block.elements[worst, :2 ** block.dimension]].mean(axis=0)
         where = f"element {numbers[block.source[worst]]} of the file, about ({place[0]:.6g}, {place[1]:.6g}, {place[2]:.6g})"
         if least[worst] >= 0 and numpy.median(least) < 1e3 * SMALLEST_JACOBIAN:
-            raise ZurtError(f'{len(bad)} elements of the group "{block.name}" are too small for the program, which wants determinants '
-                            f"above {SMALLEST_JACOBIAN:g}, not {least[worst]:.3g}: take a smaller unit of length (option scale)", file)
-        raise ZurtError(f'{len(bad)} elements of the group "{block.name}" are turned inside out or have no extent at a Gauss point; the '
+            raise ZurtError(f'{len(bad)} of {len(least)} elements of the group "{block.name}" are too small for the program, which wants determinants '
+                            f"above {SMALLEST_JACOBIAN:g}, not {least[worst]:.3g}: take a unit of length in which they are larger numbers (option scale)", file)
+        raise ZurtError(f'{len(bad)} of {len(least)} elements of the group "{block.name}" are turned inside out or have no extent at a Gauss point; the '
                         f"worst is {where}, with a determinant of {least[worst]:.3g}: improve the mesh (gmsh: -optimize, -optimize_ho)", file)
 
 

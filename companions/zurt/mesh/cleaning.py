@@ -30,8 +30,8 @@ def merge_nodes(mesh, tolerance):
     mesh.node_sets = {name: numpy.unique(new_of_old[rows]) for name, rows in mesh.node_sets.items()}
     broken = sum(int(repeats(cells.corners).sum()) for cells in mesh.cells)
     if broken:
-        raise ZurtError(f"merging nodes within {tolerance:g} takes an edge from {broken} elements: take a smaller tolerance", mesh.file)
-    mesh.notes.append(f"{count - classes} double nodes were merged within {tolerance:g}")
+        raise ZurtError(f"merging nodes within {tolerance:g} takes edges from elements, {broken} in all: take a smaller tolerance", mesh.file)
+    mesh.notes.append(f"double nodes merged within {tolerance:g}: {count - classes}")
 
 
 def repeats(rows):
@@ -95,7 +95,7 @@ def refuse_collapsed(pieces, file):
     for piece in pieces:
         rows = numpy.flatnonzero(repeats(piece.cells.corners)) if piece.role == "block" else ()
         if len(rows):
-            raise ZurtError(f'{len(rows)} elements of the group "{piece.name}" have a node twice, the first is element '
+            raise ZurtError(f'{len(rows)} of {len(piece.cells)} elements of the group "{piece.name}" have a node twice, the first is element '
                             f"{piece.cells.number[rows[0]]} of the file: write collapsed elements as what they are (wedges, pyramids, "
                             "tetrahedra, triangles)", file)
 

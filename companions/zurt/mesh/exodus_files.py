@@ -67,7 +67,7 @@ def _read_dataset(data, path):
         if family is None or (kind.startswith("SHELL") and nodes.shape[1] == 3):
             family = "triangle" if family else None
         if family is None:
-            raise ZurtError(f'{len(nodes)} elements of the block "{name}" are of the type {kind}, which is not read', path)
+            raise ZurtError(f'the elements of the block "{name}" are of the type {kind}, which is not read', path)
         numbers = numpy.arange(count + 1, count + len(nodes) + 1)
         mesh.cells.append(cells_of_nodes(family, mesh.points, nodes, numbers, path))
         mesh.groups[name] = numpy.arange(count, count + len(nodes))

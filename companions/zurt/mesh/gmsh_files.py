@@ -60,7 +60,7 @@ def _elements_by_type(gmsh, path):
         for kind, elements, nodes in zip(types, element_tags, node_tags):
             if kind not in FAMILY_OF_TYPE and kind != POINT_TYPE:
                 name = gmsh.model.mesh.getElementProperties(kind)[0]
-                raise ZurtError(f'{len(elements)} elements are of the type "{name}"; elements of first and second order are read: '
+                raise ZurtError(f'there are elements of the type "{name}"; elements of first and second order are read: '
                                 "export the mesh with order 1 or 2", path)
             parts.setdefault(int(kind), []).append((entity, elements, nodes))
     return parts

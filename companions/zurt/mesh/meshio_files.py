@@ -17,9 +17,18 @@ LABELS = ("gmsh:physical", "medit:ref", "nastran:ref", "cell_tags", "material", 
 COUNT_BEHIND = re.compile(r"([a-z]+)\d*$")
 
 
+def import_meshio():
+    """meshio, whose table of dimensions lacks some shapes in Debian's version and then ends at them."""
+    import meshio
+    from meshio import _mesh
+    for shape in ("wedge15", "wedge18", "pyramid13", "pyramid14", "hexahedron20", "hexahedron27"):
+        getattr(_mesh, "topological_dimension", {}).setdefault(shape, 3)
+    return meshio
+
+
 def read_by_meshio(path, labels=None):
     """The mesh of any format of meshio as a SourceMesh. labels: name of the cell data that tell groups; without it the known names."""
-    import meshio
+    meshio = import_meshio()
     said = io.StringIO()
     try:
         with contextlib.redirect_stdout(said), contextlib.redirect_stderr(said):
@@ -51,7 +60,7 @@ def _take_cells(source, mesh):
             kept.append(len(source.cells))
             source.cells.append(cells_of_nodes(family, source.points, nodes, numbers, source.file))
         else:
-            raise ZurtError(f'{len(block.data)} cells are of the type "{block.type}"; lines, triangles, quadrilaterals, tetrahedra, '
+            raise ZurtError(f'there are cells of the type "{block.type}"; lines, triangles, quadrilaterals, tetrahedra, '
                             "pyramids, wedges and bricks of first and second order are read", source.file)
         count += len(block.data)
     return kept

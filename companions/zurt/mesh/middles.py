@@ -41,7 +41,7 @@ def cells_of_nodes(family_name, points, nodes, number, file=None):
     family = FAMILIES[family_name]
     kind = KINDS.get((family_name, nodes.shape[1]))
     if kind is None:
-        raise ZurtError(f"{len(nodes)} elements are of a {family_name} with {nodes.shape[1]} nodes; elements of first and second order "
+        raise ZurtError(f"there are elements of the shape {family_name} with {nodes.shape[1]} nodes; those of first and second order "
                         "are read: export the mesh with order 1 or 2", file)
     edges, faces, centre = kind
     count, corners = len(nodes), len(family.corners)

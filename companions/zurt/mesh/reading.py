@@ -58,7 +58,7 @@ def read_mesh(path, options=None):
     check_plane(source.points, pieces, source.file)
     turned = turn_pieces(source.points, pieces)
     if turned:
-        source.notes.append(f"{turned} elements were inside out and have been turned")
+        source.notes.append(f"elements turned that were inside out: {turned}")
     return _mesh_of_pieces(source, pieces, within, options)
 
 
@@ -132,10 +132,10 @@ def _note_split(pieces, cut, shares, source):
             after += len(share[1])
     shapes = {"line": "lines", "triangle": "triangles", "quad": "quadrilaterals", "tetra": "tetrahedra", "pyramid": "pyramids",
               "wedge": "wedges", "hexahedron": "bricks"}
-    words = ", ".join(f"{count} {shapes[family]}" for family, count in before.items())
-    source.notes.append(f"{words} were split into {after} elements")
+    words = ", ".join(f"{shapes[family]} {count}" for family, count in before.items())
+    source.notes.append(f"elements split: {words}, into {after} pieces")
     if before.get("pyramid"):
-        source.notes.append(f"{8 * before['pyramid']} of them, at the tips of pyramids, are bricks whose upper four corners lie in one point")
+        source.notes.append(f"pieces at the tips of pyramids, bricks whose upper four corners lie in one point: {8 * before['pyramid']}")
 
 
 def _fill_blocks(mesh, shares):
@@ -162,7 +162,7 @@ def _drop_orphans(mesh, shares, node_sets, source_count):
     new_of_old[:-1][~used] = -1
     dropped = source_count - int(used[:source_count].sum())
     if dropped:
-        mesh.notes.append(f"{dropped} nodes of the file belong to no element of the blocks and were left out")
+        mesh.notes.append(f"nodes left out that belong to no element of the blocks: {dropped}")
     mesh.points = mesh.points[used]
     for block in mesh.blocks:
         block.elements = new_of_old[block.elements]

@@ -87,7 +87,7 @@ def _add_rest(blocks, candidates, count, mesh):
     if len(rest):
         name = "rest" if blocks else "all"
         if blocks:
-            mesh.notes.append(f'{len(rest)} elements lie in no group and make the block "rest"')
+            mesh.notes.append(f'elements in no group, which make the block "rest": {len(rest)}')
         while name in mesh.groups:
             name += "-elements"
         blocks[name] = rest
@@ -99,7 +99,7 @@ def _refuse_overlaps(blocks, count, mesh):
         taken = owner[rows][owner[rows] >= 0]
         if len(taken):
             other = list(blocks)[taken[0]]
-            raise ZurtError(f'{len(taken)} elements lie in the groups "{other}" and "{name}": each element can be in one block alone, '
+            raise ZurtError(f'the groups "{other}" and "{name}" share elements, {len(taken)} in all: each element can be in one block alone, '
                             "so name the groups that make the blocks", mesh.file)
         owner[rows] = place
 

@@ -1,0 +1,232 @@
+"""Meshes of all formats, their groups, what is put right in them and what is refused."""
+import os
+
+import gmsh
+import meshio
+import netCDF4
+import numpy
+import pytest
+
+from mesh_support import make_gmsh_mesh, patch_residual
+from zurt.errors import ZurtError
+from zurt.mesh.checks import block_size
+from zurt.mesh.meshio_files import import_meshio
+from zurt.mesh.reading import MeshOptions, read_mesh
+
+REAL = "/usr/share/doc/calculix-ccx-test/examples/test"  # of Debian's package calculix-ccx-test
+
+
+def ball():
+    gmsh.model.occ.addSphere(0, 0, 0, 1)
+
+
+def volume(mesh):
+    return sum(block_size(mesh.points, block) for block in mesh.blocks)
+
+
+@pytest.fixture(scope="module")
+def made(tmp_path_factory):
+    """Folder with a ball of tetrahedra of both orders in many formats, by Gmsh and by meshio, and its volume in pieces by order."""
+    folder = tmp_path_factory.mktemp("formats")
+    make_gmsh_mesh(folder, ball, 0.6, versions=[(2.2, False), (2.2, True), (4.1, False), (4.1, True)])
+    gmsh.initialize(["zurt"], False)
+    gmsh.option.setNumber("General.Terminal", 0)
+    for order in (1, 2):
+        gmsh.open(str(folder / f"{order}-4.1.msh"))
+        for ending in ("unv", "inp"):
+            gmsh.write(str(folder / f"{order}.{ending}"))
+    gmsh.finalize()
+    for order in (1, 2):
+        mesh = meshio.read(folder / f"{order}-4.1.msh")
+        mesh = meshio.Mesh(mesh.points, mesh.cells, cell_data={"cell_tags": mesh.cell_data["gmsh:physical"]})
+        for ending in ("vtu", "med", "e"):
+            meshio.write(folder / f"{order}-meshio.{ending}", mesh)
+    return folder, {order: volume(read_mesh(folder / f"{order}-4.1.msh")) for order in (1, 2)}
+
+
+# What each format makes of the names of the body and of its sides.
+FORMATS = {"-2.2.msh": ("body", "group-7"), "-2.2b.msh": ("body", "group-7"), "-4.1b.msh": ("body", "group-7"),
+           ".unv": ("body", "PhysicalSurface7"), ".inp": ("body", "PhysicalSurface7"), "-meshio.vtu": ("group-1", "group-7"),
+           "-meshio.med": ("group-1", "group-7"), "-meshio.e": ("block-1", "block-0")}
+
+
+@pytest.mark.parametrize("order", (1, 2))
+@pytest.mark.parametrize("ending", FORMATS)
+def test_every_format_gives_the_same_mesh(made, ending, order):
+    folder, volumes = made
+    body, sides = FORMATS[ending]
+    mesh = read_mesh(folder / f"{order}{ending}", MeshOptions(groups=[body]))
+    assert [block.name for block in mesh.blocks] == [body]
+    assert abs(volume(mesh) / volumes[order] - 1) < 1e-12
+    assert len(mesh.node_sets[body]) == len(mesh.points)
+    assert len(mesh.node_sets[sides]) == len(mesh.faces[sides]) + 2  # a closed surface of quadrilaterals (Euler)
+    assert patch_residual(mesh, mesh.node_sets[sides]) < 1e-13
+
+
+# A brick and a wedge on it, of second order; the order of the file's nodes is another in every format, and the brick is inside out.
+def brick_and_wedge():
+    grid = {}
+    for x in range(3):
+        for y in range(3):
+            for z in range(5):
+                grid[x, y, z] = len(grid)
+    points = numpy.array(list(grid), dtype=float)
+    brick = [(0, 0, 0), (0, 2, 0), (2, 2, 0), (2, 0, 0), (0, 0, 2), (0, 2, 2), (2, 2, 2), (2, 0, 2)]
+    wedge = [(0, 0, 2), (2, 0, 2), (0, 0, 4), (0, 2, 2), (2, 2, 2), (0, 2, 4)]
+    edges = {"brick": [(0, 1), (1, 2), (2, 3), (3, 0), (4, 5), (5, 6), (6, 7), (7, 4), (0, 4), (1, 5), (2, 6), (3, 7)],
+             "wedge": [(0, 1), (1, 2), (2, 0), (3, 4), (4, 5), (5, 3), (0, 3), (1, 4), (2, 5)]}
+    rows = {}
+    for name, corners in (("brick", brick), ("wedge", wedge)):
+        middles = [tuple((a + b) // 2 for a, b in zip(corners[i], corners[j])) for i, j in edges[name]]
+        rows[name] = numpy.array([[grid[place] for place in corners + middles]])
+    return points, rows["brick"], rows["wedge"]
+
+
+@pytest.mark.parametrize("seed", range(3))
+def test_middles_in_any_order_and_elements_inside_out(tmp_path, seed):
+    points, brick, wedge = brick_and_wedge()
+    dice = numpy.random.default_rng(seed)
+    if seed:
+        brick = numpy.concatenate([brick[:, :8], dice.permutation(brick[:, 8:], axis=1)], axis=1)
+        wedge = numpy.concatenate([wedge[:, :6], dice.permutation(wedge[:, 6:], axis=1)], axis=1)
+    import_meshio()
+    meshio.write(tmp_path / "two.vtu", meshio.Mesh(points, [("hexahedron20", brick), ("wedge15", wedge)]))
+    for split, nodes in (("linear", 8), ("quadratic", 20)):
+        mesh = read_mesh(tmp_path / "two.vtu", MeshOptions(split=split))
+        assert abs(volume(mesh) - 12.0) < 1e-12 and [block.elements.shape for block in mesh.blocks] == [(14, nodes)]
+        x, y, z = mesh.points.round(9).T
+        outside = numpy.flatnonzero((x % 2 == 0) | (y % 2 == 0) | (z == 0) | (x + z == 4))
+        assert patch_residual(mesh, outside) < 1e-13
+        assert any("elements turned that were inside out: 2" == note for note in mesh.notes)
+        assert any(note.endswith("no element of the blocks: 18") for note in mesh.notes)
+
+
+ABAQUS = """*HEADING
+two bricks and a spring
+*NODE, NSET=Nall
+1, 0., 0., 0.
+2, 1., 0., 0.
+3, 1., 1., 0.
+4, 0., 1., 0.
+11, 0., 0., 1.
+12, 1., 0., 1.
+13, 1., 1., 1.
+14, 0., 1., 1.
+111, 0., 0., 1.0000001
+112, 1., 0., 1.
+113, 1., 1., 1.
+114, 0., 1., 1.
+121, 0., 0., 2.
+122, 1., 0., 2.
+123, 1., 1., 2.
+124, 0., 1., 2.
+*Element, type=DC3D8, elset=lower
+5, 1, 2, 3, 4, 11, 12, 13,
+14
+*ELEMENT, TYPE=C3D8R
+9, 111,112,113,114,121,122,123,124
+*ELEMENT, TYPE=SPRINGA
+20, 1, 2
+*ELSET, ELSET=both, GENERATE
+5, 9, 4
+*ELSET, ELSET=upper
+9
+*NSET, NSET=top, GENERATE
+121, 124
+*SURFACE, NAME=left, TYPE=ELEMENT
+lower, S6
+9, S6
+"""
+
+
+def test_sets_and_surfaces_of_abaqus_and_double_nodes(tmp_path):
+    path = tmp_path / "two.inp"
+    path.write_text(ABAQUS)
+    apart = read_mesh(path)
+    assert len(apart.points) == 16 and sorted(block.name for block in apart.blocks) == ["lower", "upper"]
+    mesh = read_mesh(path, MeshOptions(merge=1e-3, scale=2.0, groups=["both"]))
+    assert len(mesh.points) == 12 and abs(volume(mesh) - 16.0) < 1e-5
+    assert any(note == "double nodes merged within 0.001: 4" for note in mesh.notes)
+    assert (mesh.points[mesh.node_sets["top"]][:, 2] == 4.0).all() and len(mesh.node_sets["upper"]) == 8
+    assert mesh.faces["left"].shape == (2, 4) and (mesh.points[mesh.faces["left"]][:, :, 0] == 0.0).all()
+    assert list(mesh.blocks[0].source) == [0, 1]
+
+
+def test_side_sets_of_exodus_and_node_sets_of_split_elements(tmp_path):
+    """A wedge whose slanted side is a side set, and whose triangle at the bottom is a set of nodes."""
+    with netCDF4.Dataset(tmp_path / "wedge.e", "w") as data:
+        for name, size in (("num_nodes", 6), ("num_dim", 3), ("num_el_blk", 1), ("num_el_in_blk1", 1), ("num_nod_per_el1", 6),
+                           ("num_side_sets", 1), ("num_side_ss1", 1), ("num_node_sets", 1), ("num_nod_ns1", 3), ("len_string", 33)):
+            data.createDimension(name, size)
+        for axis, values in zip("xyz", numpy.array([(0, 0, 0), (1, 0, 0), (0, 1, 0), (0, 0, 1), (1, 0, 1), (0, 1, 1)]).T):
+            data.createVariable("coord" + axis, "f8", ("num_nodes",))[:] = values
+        block = data.createVariable("connect1", "i4", ("num_el_in_blk1", "num_nod_per_el1"))
+        block.elem_type = "WEDGE6"
+        block[:] = [[1, 2, 3, 4, 5, 6]]
+        data.createVariable("elem_ss1", "i4", ("num_side_ss1",))[:] = 1
+        data.createVariable("side_ss1", "i4", ("num_side_ss1",))[:] = 2
+        data.createVariable("node_ns1", "i4", ("num_nod_ns1",))[:] = [1, 2, 3]
+        names = data.createVariable("ns_names", "S1", ("num_node_sets", "len_string"))
+        names[:] = numpy.array([list("bottom".ljust(33, "\0"))], dtype="S1")
+    mesh = read_mesh(tmp_path / "wedge.e", MeshOptions(split="quadratic"))
+    slanted = mesh.points[mesh.node_sets["side-set-1"]]
+    assert mesh.faces["side-set-1"].shape == (4, 8) and abs(slanted[:, 0] + slanted[:, 1] - 1.0).max() < 1e-12
+    bottom = numpy.flatnonzero(mesh.points[:, 2] == 0.0)
+    assert len(bottom) == 16 and (mesh.node_sets["bottom"] == bottom).all()
+
+
+def plate(tmp_path, cells, places, **data):
+    path = tmp_path / "plate.vtu"
+    meshio.write(path, meshio.Mesh(numpy.array(places, dtype=float), cells, **data))
+    return path
+
+
+SQUARE = [(0, 0, 0), (1, 0, 0), (1, 1, 0), (0, 1, 0)]
+ONE_QUAD = [("quad", numpy.array([[0, 1, 2, 3]]))]
+
+
+@pytest.mark.parametrize("cells, places, options, said", [
+    (ONE_QUAD, [(x, y, 0.5) for x, y, _ in SQUARE], {}, "lies in the plane z = 0.5; quadrilaterals of this program lie in z = 0: move it by -0.5"),
+    (ONE_QUAD, [(3, x, y) for x, y, _ in SQUARE], {}, 'in the plane x = 3; .*exchange the axes .option axes = "yzx"'),
+    (ONE_QUAD, [(x, y, x * y) for x, y, _ in SQUARE], {}, "lies in space, z goes from 0 to 1; .*There are no shells"),
+    (ONE_QUAD, SQUARE, {"groups": ["grup-3"]}, 'there is no group "grup-3" in this mesh: is "group-3" meant?'),
+    (ONE_QUAD, [(x * 1e-9, y * 1e-9, 0) for x, y, _ in SQUARE], {}, "too small for the program, .* not 2.5e-19"),
+    ([("quad", numpy.array([[0, 2, 1, 3]]))], SQUARE, {}, "turned inside out or have no extent .* element 1 of the file"),
+    ([("quad", numpy.array([[0, 1, 2, 2]]))], SQUARE, {}, "1 of 1 elements .* have a node twice, the first is element 1"),
+    ([("triangle", numpy.array([[0, 1, 2]]))], SQUARE, {"merge": 2.0}, "merging nodes within 2 takes edges from elements, 1 in all"),
+    ([("polygon", numpy.array([[0, 1, 2, 3]]))], SQUARE, {}, "there are cells of the type .polygon"),
+    (ONE_QUAD, SQUARE, {"labels": "mat"}, 'no cell data "mat": is "material" meant?'),
+    (ONE_QUAD, SQUARE, {"axes": "xy"}, "axes are the letters"), (ONE_QUAD, SQUARE, {"scale": 0.0}, "a factor above 0"),
+    (ONE_QUAD, SQUARE, {"split": "cubic"}, '"linear" or "quadratic", not "cubic"')])
+def test_what_is_refused(tmp_path, cells, places, options, said):
+    path = plate(tmp_path, cells, places, cell_data={"material": [numpy.array([3])]})
+    with pytest.raises(ZurtError, match=said):
+        read_mesh(path, MeshOptions(**options))
+
+
+@pytest.mark.parametrize("name, text, said", [
+    ("none.msh", None, "there is no such file"), ("a.geo", "", "a geometry, not a mesh"), ("a.msh", "$Mesh\n", "Gmsh can't read|no nodes"),
+    ("a.vtu", "<xml", "meshio can't read"), ("a.e", "x", "no mesh of Exodus"), ("a.inp", "*NODE\n1, 0., x\n", ":1: a number is expected"),
+    ("b.inp", "*NODE\n1, 0.\n*ELEMENT, TYPE=C3D4\n1, 1, 2, 3, 4\n", ":3: element 1 has the node 2, which does not exist")])
+def test_files_that_are_no_meshes(tmp_path, name, text, said):
+    if text is not None:
+        (tmp_path / name).write_text(text)
+    with pytest.raises(ZurtError, match=said):
+        read_mesh(tmp_path / name)
+
+
+def test_cubic_elements_are_refused(tmp_path):
+    make_gmsh_mesh(tmp_path, lambda: gmsh.model.occ.addDisk(0, 0, 0, 1, 1), 1.0, [3])
+    with pytest.raises(ZurtError, match="order 1 or 2"):
+        read_mesh(tmp_path / "3-4.1.msh")
+
+
+@pytest.mark.skipif(not os.path.isdir(REAL), reason="calculix-ccx-test is not installed (./setup companions)")
+def test_meshes_of_others():
+    """A segment of a disk that the authors of CalculiX meshed twice, by tetrahedra and by bricks of second order; and a bolt in its nut."""
+    bricks = read_mesh(os.path.join(REAL, "segment.inp.gz"))
+    for split in ("linear", "quadratic"):
+        pieces = read_mesh(os.path.join(REAL, "segmenttet.inp.gz"), MeshOptions(split=split))
+        assert abs(volume(pieces) / volume(bricks) - 1) < 5e-4 and len(pieces.blocks[0].elements) == 4 * 1489
+    bolt = read_mesh(os.path.join(REAL, "thread.inp.gz"))
+    assert {block.name for block in bolt.blocks} >= {"BOLT", "FLA", "NUT"}
