@@ -1,5 +1,6 @@
 """Meshes that Gmsh makes, and runs of the program on a Mesh: for the tests of zurt.mesh."""
 import os
+import re
 import subprocess
 
 import gmsh
@@ -67,12 +68,12 @@ def _cards_of_block(block):
             yield " ".join(map(str, rest))
 
 
-def run_steady(folder, mesh, held, values):
-    """Solves div grad u = 0 with u = values at the held nodes (rows), by the solver advised; (n,) values at all nodes, with all digits."""
+def _write_deck(folder, mesh, held, values, run):
+    """mesh.dat, a steady problem with held nodes at values of their own; run 0: its input is checked alone."""
     indicator = numpy.zeros(len(mesh.points), int)
     indicator[held] = 1
     given = numpy.where(indicator > 0, values, 0.0)
-    lines = ["A mesh", "1 0 0 0", f"{len(mesh.points)} {len(mesh.blocks)} 1 0 1 -1 0 -1 0 -1 0", "1 0 0 20 0. 1e-12 1 0", "1 0 0 0. 0"]
+    lines = ["A mesh", "1 0 0 0", f"{len(mesh.points)} {len(mesh.blocks)} 1 0 1 -1 0 {-1 if run else 3} 0 -1 0", "1 0 0 20 0. 1e-12 1 0", f"{run} 0 0 0. 0"]
     lines += [f"{row + 1} {flag} {x!r} {y!r} {z!r} {value!r} 0"
               for row, (flag, (x, y, z), value) in enumerate(zip(indicator.tolist(), mesh.points.tolist(), given.tolist()))]
     lines += ["0 0 0 0 0 0. 0 0 0 0 0 0 0 0", "0. 0."]
@@ -83,6 +84,20 @@ def run_steady(folder, mesh, held, values):
         file.write("\n".join(lines))
     with open(os.path.join(folder, "held.dat"), "w") as file:
         file.write("0 1\n")
+
+
+def stored_words(folder, mesh):
+    """Entries of the skyline matrix with all nodes free, as the program counts them."""
+    _write_deck(folder, mesh, numpy.empty(0, int), numpy.zeros(len(mesh.points)), 0)
+    ended = subprocess.run([find_program(), "-q", "-f", "--solver", "skyline", "mesh.dat"], cwd=folder, capture_output=True, text=True)
+    assert ended.returncode == 0, ended.stderr
+    with open(os.path.join(folder, "mesh.lst"), encoding="latin-1") as file:
+        return int(re.search(r"NWK\D*(\d+)", file.read()).group(1))
+
+
+def run_steady(folder, mesh, held, values):
+    """Solves div grad u = 0 with u = values at the held nodes (rows), by the solver advised; (n,) values at all nodes, with all digits."""
+    _write_deck(folder, mesh, held, values, 1)
     ended = subprocess.run([find_program(), "-q", "-f", "--vtu", "--solver", advise_solver(mesh).name, "--prescribed", "held.dat", "mesh.dat"], cwd=folder,
                            capture_output=True, text=True)
     assert ended.returncode == 0, ended.stderr
