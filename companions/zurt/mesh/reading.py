@@ -25,9 +25,9 @@ class MeshOptions:
     groups: names of the groups that make blocks of elements; None for all of the highest dimension. merge: distance within which nodes
     become one, in the mesh's unit behind `scale`, or None. scale: factor on all coordinates. axes: which axes of the file become x, y, z.
     move: what is added to the coordinates then. split: "linear" or "quadratic", pieces of triangles, tetrahedra, wedges and pyramids
-    without or with mid-side nodes. corners_only: mid-side nodes of the file are left out, all sides straight. quad_centres: quadrilaterals
-    with mid-side nodes have a centre node as well, 9 nodes instead of 8, where the file has it or a triangle is split. brick_centres: bricks
-    of 27 nodes keep their centre, 21 instead of 20. labels: name of the cell data whose
+    without or with mid-side nodes. corners_only: mid-side nodes of the file are left out, all sides straight. centres: elements with
+    mid-side nodes have a centre node as well, quadrilaterals (9 nodes instead of 8) where the file has it or a triangle is split, bricks of
+    27 nodes (21 instead of 20); None: quadrilaterals alone. labels: name of the cell data whose
     numbers tell groups, for formats without names.
     """
     groups: list = None
@@ -37,8 +37,7 @@ class MeshOptions:
     move: tuple = (0.0, 0.0, 0.0)
     split: str = "linear"
     corners_only: bool = False
-    quad_centres: bool = True
-    brick_centres: bool = False
+    centres: bool = None
     labels: str = None
 
 
@@ -101,7 +100,7 @@ def _mesh_of_pieces(source, pieces, within, options):
     whole, rows_of_whole = subsets(parts, [~mask for mask in masks])
     cut, rows_of_cut = subsets(parts, masks)
     points, every = source.points, {name: rows.copy() for name, rows in source.node_sets.items()}
-    centres = options.quad_centres and max(piece.cells.dimension for piece in pieces if piece.role == "block") == 2
+    centres = options.centres is not False and max(piece.cells.dimension for piece in pieces if piece.role == "block") == 2
     shares = []  # (piece, elements, source, all points of these elements)
     if any(len(cells) for cells in cut):
         chosen = [place for place, cells in enumerate(cut) if len(cells)]
@@ -111,7 +110,7 @@ def _mesh_of_pieces(source, pieces, within, options):
         _note_split([pieces[place] for place in chosen], [cut[place] for place in chosen], shares, source)
     for piece, cells, rows in zip(pieces, whole, rows_of_whole):
         if len(cells):
-            kept = cells if (centres if cells.dimension == 2 else options.brick_centres) else without_centres(cells)
+            kept = cells if (centres if cells.dimension == 2 else options.centres is True) else without_centres(cells)
             shares.append((piece, elements_of_cells(kept), piece.source[rows], all_nodes(kept)))
     mesh = Mesh(points, notes=source.notes)
     _fill_blocks(mesh, [share for share in shares if share[0].role == "block"])
