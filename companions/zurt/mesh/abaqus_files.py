@@ -2,6 +2,7 @@
 import gzip
 import os
 import re
+import warnings
 
 import numpy
 
@@ -19,6 +20,7 @@ TYPES = (
      {3: "triangle", 6: "triangle", 4: "quad", 8: "quad", 9: "quad"}),
     (re.compile(r"^(?:DC1D|T2D|T3D|B2|B3|DCC1D|R2D)(1|2|3)[A-Z]*$"), {1: "line", 2: "line", 3: "line"}),
 )
+BLANK_FIELD = re.compile(r",\s*,|^\s*,")
 LINES_OF_BEAMS = {"B21": 2, "B22": 3, "B31": 2, "B32": 3, "B33": 2}
 # S1 to S6 as numbers of faces (edges in the plane) of families.py.
 SIDES = {"hexahedron": (4, 5, 2, 1, 3, 0), "tetra": (0, 1, 2, 3), "wedge": (0, 1, 2, 3, 4), "pyramid": (0, 1, 2, 3, 4),
@@ -28,7 +30,7 @@ SIDES = {"hexahedron": (4, 5, 2, 1, 3, 0), "tetra": (0, 1, 2, 3), "wedge": (0, 1
 def read_abaqus(path):
     """The file's mesh as a SourceMesh: element sets are groups, node sets node sets, surfaces groups of faces. May be gzipped."""
     cards = _cards(path)
-    nodes, elements, sets, surfaces = {}, [], {"NSET": {}, "ELSET": {}}, {}
+    nodes, elements, sets, surfaces = [], [], {"NSET": {}, "ELSET": {}}, {}
     passed_over = {}
     for name, options, lines, line in cards:
         if name == "NODE":
@@ -83,22 +85,34 @@ def _cards(path, depth=0):
 def _numbers(path, line, lines):
     """All numbers of data lines as one array of floats; what is left out is 0."""
     text = ",".join(row.strip().rstrip(",") for row in lines if row.strip())
+    if not text:
+        return numpy.empty(0)
+    with warnings.catch_warnings():
+        warnings.simplefilter("error", DeprecationWarning)  # what is no number makes one
+        try:
+            values = numpy.fromstring(text, sep=",")
+        except (DeprecationWarning, ValueError):
+            values = ()
+    if len(values) == text.count(",") + 1 and not BLANK_FIELD.search(text):  # which numpy takes for -1
+        return values
     try:
-        return numpy.array([float(word.replace("D", "E").replace("d", "e")) if word.strip() else 0.0 for word in text.split(",")]
-                           if text else [])
+        return numpy.array([float(word.upper().replace("D", "E")) if word.strip() else 0.0 for word in text.split(",")])
     except ValueError as error:
         raise ZurtError(f"a number is expected behind this card: {error}", path, line)
 
 
 def _take_nodes(path, line, lines, options, nodes, sets):
-    numbers = []
-    for row in lines:
-        if row.strip():
-            values = _numbers(path, line, [row])
-            numbers.append(int(values[0]))
-            nodes[int(values[0])] = tuple(values[1:4]) + (0.0,) * (4 - len(values[:4]))
+    """Adds (k, 4) numbers and coordinates; a coordinate that is left out is 0."""
+    rows = [row for row in lines if row.strip()]
+    table = _numbers(path, line, rows)
+    width = rows[0].strip().rstrip(",").count(",") + 1 if rows else 4
+    if len(table) != len(rows) * width or any(row.strip().rstrip(",").count(",") + 1 != width for row in rows):
+        found = [_numbers(path, line, [row])[:4] for row in rows]
+        table, width = numpy.concatenate([numpy.pad(row, (0, 4 - len(row))) for row in found]), 4
+    table = table.reshape(len(rows), width)[:, :4]
+    nodes.append(numpy.pad(table, ((0, 0), (0, 4 - table.shape[1]))))
     if "NSET" in options:
-        sets["NSET"].setdefault(options["NSET"], []).extend(numbers)
+        sets["NSET"].setdefault(options["NSET"], []).extend(table[:, 0].astype(numpy.int64).tolist())
 
 
 def _take_elements(path, line, lines, options, sets):
@@ -159,8 +173,10 @@ def _sorted(numbers):
 
 
 def _mesh_of(path, nodes, elements, sets, surfaces):
-    points = numpy.array(list(nodes.values()), dtype=float)
-    node_rows = _sorted(numpy.fromiter(nodes, numpy.int64, len(nodes)))
+    table = numpy.concatenate(nodes)
+    numbers, last = numpy.unique(table[::-1, 0].astype(numpy.int64), return_index=True)  # the last card of a node counts
+    points = table[::-1][last, 1:]
+    node_rows = numbers, numpy.arange(len(numbers))
     mesh = SourceMesh(path, points)
     for family, table, line in elements:
         rows = _rows_of(node_rows, table[:, 1:])
