@@ -192,7 +192,7 @@ ONE_QUAD = [("quad", numpy.array([[0, 1, 2, 3]]))]
     (ONE_QUAD, SQUARE, {"groups": ["grup-3"]}, 'there is no group "grup-3" in this mesh: is "group-3" meant?'),
     (ONE_QUAD, [(x * 1e-9, y * 1e-9, 0) for x, y, _ in SQUARE], {}, "too small for the program, .* not 2.5e-19"),
     ([("quad", numpy.array([[0, 2, 1, 3]]))], SQUARE, {}, "turned inside out or have no extent .* element 1 of the file"),
-    ([("quad", numpy.array([[0, 1, 2, 2]]))], SQUARE, {}, "1 of 1 elements .* have a node twice, the first is element 1"),
+    ([("quad", numpy.array([[0, 1, 2, 1]]))], SQUARE, {}, "1 of 1 elements .* have a node twice, the first is element 1"),
     ([("triangle", numpy.array([[0, 1, 2]]))], SQUARE, {"merge": 2.0}, "merging nodes within 2 takes edges from elements, 1 in all"),
     ([("polygon", numpy.array([[0, 1, 2, 3]]))], SQUARE, {}, "there are cells of the type .polygon"),
     (ONE_QUAD, SQUARE, {"labels": "mat"}, 'no cell data "mat": is "material" meant?'),
@@ -219,6 +219,16 @@ def test_cubic_elements_are_refused(tmp_path):
     make_gmsh_mesh(tmp_path, lambda: gmsh.model.occ.addDisk(0, 0, 0, 1, 1), 1.0, [3])
     with pytest.raises(ZurtError, match="order 1 or 2"):
         read_mesh(tmp_path / "3-4.1.msh")
+
+
+@pytest.mark.parametrize("corners, pieces, size", [
+    ([0, 1, 2, 2, 4, 5, 6, 6], 6, 0.5), ([3, 0, 1, 2, 3, 4, 5, 2], 6, 0.5), ([0, 0, 4, 4, 1, 2, 6, 5], 6, 0.5),
+    ([0, 1, 2, 3, 4, 4, 4, 4], 12, 1 / 3), ([6, 0, 3, 6, 6, 1, 2, 6], 12, 1 / 3), ([0, 1, 2, 2, 5, 5, 5, 5], 4, 1 / 6)])
+def test_collapsed_bricks(tmp_path, corners, pieces, size):
+    """Wedges, pyramids and a tetrahedron of the corners of a cube, as bricks with nodes in several corners."""
+    cube = [(0, 0, 0), (1, 0, 0), (1, 1, 0), (0, 1, 0), (0, 0, 1), (1, 0, 1), (1, 1, 1), (0, 1, 1)]
+    mesh = read_mesh(plate(tmp_path, [("hexahedron", numpy.array([corners]))], cube))
+    assert mesh.blocks[0].elements.shape == (pieces, 8) and abs(volume(mesh) - size) < 1e-12
 
 
 @pytest.mark.skipif(not os.path.isdir(REAL), reason="calculix-ccx-test is not installed (./setup companions)")

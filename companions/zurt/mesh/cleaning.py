@@ -90,16 +90,6 @@ def signed_sizes(points, cells):
     return total
 
 
-def refuse_collapsed(pieces, file):
-    """Raises ZurtError at elements of blocks that have a corner twice: the program wants different nodes."""
-    for piece in pieces:
-        rows = numpy.flatnonzero(repeats(piece.cells.corners)) if piece.role == "block" else ()
-        if len(rows):
-            raise ZurtError(f'{len(rows)} of {len(piece.cells)} elements of the group "{piece.name}" have a node twice, the first is element '
-                            f"{piece.cells.number[rows[0]]} of the file: write collapsed elements as what they are (wedges, pyramids, "
-                            "tetrahedra, triangles)", file)
-
-
 def turn_pieces(points, pieces):
     """Turns the elements of blocks that are inside out, in place; their count."""
     turned = 0

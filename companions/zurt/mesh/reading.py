@@ -7,7 +7,8 @@ import numpy
 from ..errors import ZurtError
 from .abaqus_files import read_abaqus
 from .checks import check_elements, check_plane
-from .cleaning import merge_nodes, refuse_collapsed, turn_pieces, without_centres, without_middles
+from .cleaning import merge_nodes, turn_pieces, without_centres, without_middles
+from .collapsed import replace_collapsed
 from .elements import elements_of_cells, own_order, widen
 from .exodus_files import read_exodus
 from .gmsh_files import read_gmsh
@@ -53,7 +54,7 @@ def read_mesh(path, options=None):
     for piece in pieces:
         if options.corners_only:
             piece.cells = without_middles(piece.cells)
-    refuse_collapsed(pieces, source.file)
+    pieces = replace_collapsed(pieces, source.notes, source.file)
     check_plane(source.points, pieces, source.file)
     turned = turn_pieces(source.points, pieces)
     if turned:
