@@ -51,7 +51,8 @@ def main():
         across = WIDTH * (place + 0.5)
         for _, colour, corners in polygons_of(name):
             points = " ".join(f"{across + SCALE * x:.1f},{90 - SCALE * y:.1f}" for x, y in corners)
-            parts.append(f'<polygon points="{points}" fill="{colour}" fill-opacity="0.8" stroke="#333" stroke-width="0.6" stroke-linejoin="round"/>')
+            parts.append(f'<polygon points="{points}" fill="{colour}" fill-opacity="0.8" stroke="#333" stroke-width="0.6" '
+                         'stroke-linejoin="round"/>')
         title = {"tetra": "tetrahedron"}.get(name, name)
         parts += [f'<text x="{across}" y="{HEIGHT - 26}" text-anchor="middle">{title}</text>',
                   f'<text x="{across}" y="{HEIGHT - 9}" text-anchor="middle" fill="#555">{words}</text>']

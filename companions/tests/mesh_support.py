@@ -73,7 +73,8 @@ def _write_deck(folder, mesh, held, values, run):
     indicator = numpy.zeros(len(mesh.points), int)
     indicator[held] = 1
     given = numpy.where(indicator > 0, values, 0.0)
-    lines = ["A mesh", "1 0 0 0", f"{len(mesh.points)} {len(mesh.blocks)} 1 0 1 -1 0 {-1 if run else 3} 0 -1 0", "1 0 0 20 0. 1e-12 1 0", f"{run} 0 0 0. 0"]
+    lines = ["A mesh", "1 0 0 0",
+             f"{len(mesh.points)} {len(mesh.blocks)} 1 0 1 -1 0 {-1 if run else 3} 0 -1 0", "1 0 0 20 0. 1e-12 1 0", f"{run} 0 0 0. 0"]
     lines += [f"{row + 1} {flag} {x!r} {y!r} {z!r} {value!r} 0"
               for row, (flag, (x, y, z), value) in enumerate(zip(indicator.tolist(), mesh.points.tolist(), given.tolist()))]
     lines += ["0 0 0 0 0 0. 0 0 0 0 0 0 0 0", "0. 0."]
@@ -98,8 +99,8 @@ def stored_words(folder, mesh):
 def run_steady(folder, mesh, held, values):
     """Solves div grad u = 0 with u = values at the held nodes (rows), by the solver advised; (n,) values at all nodes, with all digits."""
     _write_deck(folder, mesh, held, values, 1)
-    ended = subprocess.run([find_program(), "-q", "-f", "--vtu", "--solver", advise_solver(mesh).name, "--prescribed", "held.dat", "mesh.dat"], cwd=folder,
-                           capture_output=True, text=True)
+    options = ["-q", "-f", "--vtu", "--solver", advise_solver(mesh).name, "--prescribed", "held.dat"]
+    ended = subprocess.run([find_program(), *options, "mesh.dat"], cwd=folder, capture_output=True, text=True)
     assert ended.returncode == 0, ended.stderr
     result = meshio.read(os.path.join(folder, "mesh-0001.vtu"))
     node = result.point_data["node"]

@@ -144,6 +144,7 @@ def test_sets_and_surfaces_of_abaqus_and_double_nodes(tmp_path):
     path.write_text(ABAQUS)
     apart = read_mesh(path)
     assert len(apart.points) == 16 and sorted(block.name for block in apart.blocks) == ["lower", "upper"]
+    assert apart.notes[-1].startswith("nodes at the place of another one: 3;")
     mesh = read_mesh(path, MeshOptions(merge=1e-3, scale=2.0, groups=["both"]))
     assert len(mesh.points) == 12 and abs(volume(mesh) - 16.0) < 1e-5
     assert any(note == "double nodes merged within 0.001: 4" for note in mesh.notes)
@@ -186,7 +187,7 @@ ONE_QUAD = [("quad", numpy.array([[0, 1, 2, 3]]))]
 
 
 @pytest.mark.parametrize("cells, places, options, said", [
-    (ONE_QUAD, [(x, y, 0.5) for x, y, _ in SQUARE], {}, "lies in the plane z = 0.5; quadrilaterals of this program lie in z = 0: move it by -0.5"),
+    (ONE_QUAD, [(x, y, 0.5) for x, y, _ in SQUARE], {}, "lies in the plane z = 0.5; .* lie in z = 0: move it by -0.5"),
     (ONE_QUAD, [(3, x, y) for x, y, _ in SQUARE], {}, 'in the plane x = 3; .*exchange the axes .option axes = "yzx"'),
     (ONE_QUAD, [(x, y, x * y) for x, y, _ in SQUARE], {}, "lies in space, z goes from 0 to 1; .*There are no shells"),
     (ONE_QUAD, SQUARE, {"groups": ["grup-3"]}, 'there is no group "grup-3" in this mesh: is "group-3" meant?'),

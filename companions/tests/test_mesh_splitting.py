@@ -88,6 +88,37 @@ def test_linear_fields_and_volumes(made, build, order, split):
     assert numpy.abs(run_steady(folder, mesh, sides, field) - field).max() < (1e-10 if order == 1 and not known else 1e-8)
 
 
+def wire_in_a_box_beside_another():
+    """A box of tetrahedra with lines along their edges, the groups "body" and "wire", and a box of 8 bricks that doesn't touch it."""
+    occ, mesh = gmsh.model.occ, gmsh.model.mesh
+    box, other = occ.addBox(0, 0, 0, 1, 1, 1), occ.addBox(3, 0, 0, 1, 1, 1)
+    wire = occ.addLine(occ.addPoint(0.2, 0.2, 0.2), occ.addPoint(0.8, 0.8, 0.8))
+    occ.synchronize()
+    mesh.embed(1, [wire], 3, box)
+    sides = gmsh.model.getBoundary([(3, other)], oriented=False)
+    for _, curve in gmsh.model.getBoundary(sides, oriented=False, combined=False):
+        mesh.setTransfiniteCurve(curve, 3)
+    for _, side in sides:
+        mesh.setTransfiniteSurface(side)
+        mesh.setRecombine(2, side)
+    mesh.setTransfiniteVolume(other)
+    gmsh.model.setPhysicalName(1, gmsh.model.addPhysicalGroup(1, [wire]), "wire")
+
+
+@pytest.mark.parametrize("order, split, nodes, of_lines", [(1, "linear", (8, 8), 2), (2, "linear", (8, 20), 2), (2, "quadratic", (20, 20), 3)])
+def test_several_dimensions_and_parts_that_stay_whole(tmp_path, order, split, nodes, of_lines):
+    make_gmsh_mesh(tmp_path, wire_in_a_box_beside_another, 0.4, [order])
+    mesh = read_mesh(tmp_path / f"{order}-4.1.msh", MeshOptions(split=split, groups=["body", "wire"]))
+    lines = next(block for block in mesh.blocks if block.dimension == 1)
+    assert lines.name == "wire" and lines.elements.shape == (6, of_lines)
+    assert abs(block_size(mesh.points, lines) - 0.6 * 3 ** 0.5) < 1e-12
+    bricks = [block for block in mesh.blocks if block.dimension == 3]
+    assert {block.elements.shape[1] for block in bricks} == set(nodes)
+    assert abs(sum(block_size(mesh.points, block) for block in bricks) - 2.0) < 1e-9
+    whole = bricks[-1].elements[(mesh.points[bricks[-1].elements[:, 0]][:, 0] > 2)]
+    assert len(whole) == 8 and set(lines.elements.ravel()) <= set(bricks[0].elements.ravel())
+
+
 def errors_in_ring(tmp_path, divisions, order, split, recombine):
     """Of log r between radii 1 and 2, held inside and outside."""
     found = []

@@ -82,11 +82,12 @@ def check_elements(points, blocks, numbers, file=None):
         worst = bad[numpy.argmin(least[bad])]
         place = points[block.elements[worst, :2 ** block.dimension]].mean(axis=0)
         where = f"element {numbers[block.source[worst]]} of the file, about ({place[0]:.6g}, {place[1]:.6g}, {place[2]:.6g})"
+        which = f'{len(bad)} of {len(least)} elements of the group "{block.name}"'
         if least[worst] >= 0 and numpy.median(least) < 1e3 * SMALLEST_JACOBIAN:
-            raise ZurtError(f'{len(bad)} of {len(least)} elements of the group "{block.name}" are too small for the program, which wants determinants '
-                            f"above {SMALLEST_JACOBIAN:g}, not {least[worst]:.3g}: take a unit of length in which they are larger numbers (option scale)", file)
-        raise ZurtError(f'{len(bad)} of {len(least)} elements of the group "{block.name}" are turned inside out or have no extent at a Gauss point; the '
-                        f"worst is {where}, with a determinant of {least[worst]:.3g}: improve the mesh (gmsh: -optimize, -optimize_ho)", file)
+            raise ZurtError(f"{which} are too small for the program, which wants determinants above {SMALLEST_JACOBIAN:g}, not "
+                            f"{least[worst]:.3g}: take a unit of length in which they are larger numbers (option scale)", file)
+        raise ZurtError(f"{which} are turned inside out or have no extent at a Gauss point; the worst is {where}, with a determinant of "
+                        f"{least[worst]:.3g}: improve the mesh (gmsh: -optimize, -optimize_ho)", file)
 
 
 def check_plane(points, pieces, file=None):

@@ -34,6 +34,15 @@ def merge_nodes(mesh, tolerance):
     mesh.notes.append(f"double nodes merged within {tolerance:g}: {count - classes}")
 
 
+def count_double_nodes(points, rows):
+    """How many of the points of those rows lie at the place of another one, to a billionth of the mesh's size."""
+    places = points[rows]
+    size = (places.max(axis=0) - places.min(axis=0)).max() if len(places) else 0.0
+    grid = numpy.round(places / (1e-9 * (size or 1.0)))
+    grid = grid[numpy.lexsort(grid.T)]
+    return int((grid[1:] == grid[:-1]).all(axis=1).sum())
+
+
 def repeats(rows):
     """(m,) whether a row has an entry twice."""
     ordered = numpy.sort(rows, axis=1)
@@ -102,9 +111,9 @@ def turn_pieces(points, pieces):
     return turned
 
 
-def used_points(points, cells_list):
-    """(n,) whether a point belongs to an element."""
-    used = numpy.zeros(len(points) + 1, bool)
+def used_points(count, cells_list):
+    """(count,) whether a point belongs to an element."""
+    used = numpy.zeros(count + 1, bool)
     for cells in cells_list:
         used[all_nodes(cells).ravel()] = True
     return used[:-1]

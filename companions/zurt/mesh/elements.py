@@ -28,14 +28,11 @@ def elements_of_cells(cells):
     return own_order(cells.corners, cells.edges, centre)
 
 
-def corner_count(dimension):
-    return 2 ** dimension
-
-
 def widen(elements, width):
     """The same elements with columns of -1 behind them."""
     return numpy.pad(elements, ((0, 0), (0, width - elements.shape[1])), constant_values=-1)
 
 
 def family_of_dimension(dimension):
+    """The family of the deck's elements of that dimension: lines, quadrilaterals, bricks."""
     return FAMILIES[("line", "quad", "hexahedron")[dimension - 1]]

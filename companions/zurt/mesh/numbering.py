@@ -5,7 +5,6 @@ import numpy
 from scipy.sparse import csr_matrix
 from scipy.sparse.csgraph import reverse_cuthill_mckee
 
-from .elements import corner_count
 
 LARGEST_STORE = 2147483646  # words of the skyline store
 # Seconds a pass that docs/solvers.md has for cubes of 8-node bricks: of the skyline solver by the sum of squares of column heights, of
@@ -107,6 +106,6 @@ def advise_solver(mesh, symmetric=True):
     if symmetric:
         why = f"{count} nodes; the skyline store would have {words} words" + ("" if fits else f", more than the {LARGEST_STORE} there can be")
         return SolverAdvice("cg", why, words, seconds)
-    if most <= corner_count(3):
+    if most <= 8:
         return SolverAdvice("sparse", f"the skyline store would have {words} words", words, seconds)
     return SolverAdvice("skyline", "elements of more than 8 nodes are none for the sparse solver", words, seconds)

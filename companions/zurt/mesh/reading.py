@@ -7,15 +7,15 @@ import numpy
 from ..errors import ZurtError
 from .abaqus_files import read_abaqus
 from .checks import check_elements, check_plane
-from .cleaning import merge_nodes, turn_pieces, without_centres, without_middles
+from .cleaning import count_double_nodes, merge_nodes, turn_pieces, used_points, without_centres, without_middles
 from .collapsed import replace_collapsed
 from .elements import elements_of_cells, own_order, widen
 from .exodus_files import read_exodus
 from .gmsh_files import read_gmsh
 from .meshio_files import read_by_meshio
 from .model import ElementBlock, Mesh
-from .selection import choose_pieces
-from .source import all_nodes
+from .selection import Piece, choose_pieces
+from .source import all_nodes, take_cells
 from .splitting import rows_to_split, split_parts, subsets
 
 
@@ -59,6 +59,7 @@ def read_mesh(path, options=None):
     turned = turn_pieces(source.points, pieces)
     if turned:
         source.notes.append(f"elements turned that were inside out: {turned}")
+    pieces = _attached(source, pieces, options)
     return _mesh_of_pieces(source, pieces, within, options)
 
 
@@ -93,6 +94,27 @@ def _place(source, options):
         raise ZurtError(f"node {row + 1} of the file has a coordinate that is no number", source.file)
     order = ["xyz".index(axis) for axis in options.axes]
     source.points = source.points[:, order] * options.scale + numpy.asarray(options.move, dtype=float)
+
+
+def _attached(source, pieces, options):
+    """The pieces without those elements of faces and nodes that have corners in no block."""
+    used = used_points(len(source.points), [piece.cells for piece in pieces if piece.role == "block"])
+    if options.merge is None:
+        double = count_double_nodes(source.points, numpy.flatnonzero(used))
+        if double:
+            source.notes.append(f"nodes at the place of another one: {double}; what they belong to is not joined there (option merge)")
+    kept, lost = [], {}
+    for piece in pieces:
+        stands = used[piece.cells.corners].all(axis=1)
+        if not stands.all():
+            lost[piece.name] = lost.get(piece.name, 0) + int((~stands).sum())
+            piece = Piece(piece.name, piece.role, take_cells(piece.cells, numpy.flatnonzero(stands)), piece.source[stands])
+        if len(piece.cells):
+            kept.append(piece)
+    if lost:
+        words = ", ".join(f"{count} of {name}" for name, count in lost.items())
+        source.notes.append(f"sides and lines left out that belong to no element of the blocks: {words}")
+    return kept
 
 
 def _mesh_of_pieces(source, pieces, within, options):
@@ -132,6 +154,8 @@ def _note_split(pieces, cut, shares, source):
             after += len(share[1])
     shapes = {"line": "lines", "triangle": "triangles", "quad": "quadrilaterals", "tetra": "tetrahedra", "pyramid": "pyramids",
               "wedge": "wedges", "hexahedron": "bricks"}
+    if not after:
+        return
     words = ", ".join(f"{shapes[family]} {count}" for family, count in before.items())
     source.notes.append(f"elements split: {words}, into {after} pieces")
     if before.get("pyramid"):
@@ -176,14 +200,16 @@ def _drop_orphans(mesh, shares, node_sets, source_count):
         elements = numpy.concatenate([widen(elements, width) for elements in found])
         stands = (used[elements] | (elements < 0)).all(axis=1)
         if not stands.all():
-            mesh.notes.append(f'{int((~stands).sum())} of {len(elements)} sides of the group "{name}" stand on no element of the blocks and '
-                              "were left out")
+            mesh.notes.append(f"sides left out that are no sides of elements: {int((~stands).sum())} of {name}")
         if stands.any():
             mesh.faces[name] = new_of_old[elements[stands]]
+    empty = []
     for name, rows in sorted(node_sets.items()):
         kept = new_of_old[rows[rows >= 0]]
         kept = kept[kept >= 0]
         if len(kept):
             mesh.node_sets[name] = kept.astype(numpy.int64)
         else:
-            mesh.notes.append(f'no node of the group "{name}" belongs to an element of the blocks; it is left out')
+            empty.append(name)
+    if empty:
+        mesh.notes.append(f"groups left out, as none of their nodes belongs to an element of the blocks: {', '.join(empty)}")
