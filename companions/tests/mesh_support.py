@@ -96,6 +96,12 @@ def stored_words(folder, mesh):
         return int(re.search(r"NWK\D*(\d+)", file.read()).group(1))
 
 
+def findings(folder):
+    """What zurt --check says of the deck that was run last, but for its size."""
+    ended = subprocess.run([find_program(), "--check", "--prescribed", "held.dat", "mesh.dat"], cwd=folder, capture_output=True, text=True)
+    return "" if ended.returncode == 0 else ended.stdout + ended.stderr
+
+
 def run_steady(folder, mesh, held, values):
     """Solves div grad u = 0 with u = values at the held nodes (rows), by the solver advised; (n,) values at all nodes, with all digits."""
     _write_deck(folder, mesh, held, values, 1)

@@ -3,7 +3,7 @@ import gmsh
 import numpy
 import pytest
 
-from mesh_support import l2_error, make_gmsh_mesh, patch_residual, quarter_ring, run_steady
+from mesh_support import findings, l2_error, make_gmsh_mesh, patch_residual, quarter_ring, run_steady
 from zurt.mesh.checks import block_size
 from zurt.mesh.reading import MeshOptions, read_mesh
 
@@ -82,10 +82,11 @@ def test_linear_fields_and_volumes(made, build, order, split):
         sources = numpy.concatenate([block.source for block in mesh.blocks])
         assert (numpy.unique(sources, return_counts=True)[1] == pieces_each).all()
     sides = mesh.node_sets["group-7"]
-    assert patch_residual(mesh, sides) < 1e-13
+    assert patch_residual(mesh, sides) < (1e-11 if build is boxes_of_two_kinds else 1e-13)  # pinholes at the tips of pyramids
     field = mesh.points @ LINEAR + 0.2
     # The program's Gauss rules have single precision: docs/theory.md.
     assert numpy.abs(run_steady(folder, mesh, sides, field) - field).max() < (1e-10 if order == 1 and not known else 1e-8)
+    assert findings(folder) == ""
 
 
 def wire_in_a_box_beside_another():

@@ -178,12 +178,16 @@ def _mesh_of(path, nodes, elements, sets, surfaces):
     points = table[::-1][last, 1:]
     node_rows = numbers, numpy.arange(len(numbers))
     mesh = SourceMesh(path, points)
+    tables = {}
     for family, table, line in elements:
         rows = _rows_of(node_rows, table[:, 1:])
         if (rows < 0).any():
             element, place = numpy.argwhere(rows < 0)[0]
             raise ZurtError(f"element {table[element, 0]} has the node {table[element, place + 1]}, which does not exist", path, line)
-        mesh.cells.append(cells_of_nodes(family, points, rows, table[:, 0], path))
+        tables.setdefault((family, table.shape[1]), []).append((table[:, 0], rows))
+    for (family, _), found in tables.items():
+        numbers, rows = (numpy.concatenate(columns) for columns in zip(*found))
+        mesh.cells.append(cells_of_nodes(family, points, rows, numbers, path))
     element_rows = _sorted(numpy.concatenate([cells.number for cells in mesh.cells]))
     for name, members in sets["NSET"].items():
         rows = _rows_of(node_rows, members)

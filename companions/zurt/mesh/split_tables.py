@@ -6,10 +6,11 @@ surface's piece; ("m", j) one of those at the tip of a pyramid. A piece stands a
 space has directions, between the middles of the edges, faces and the element there.
 
 At the apex of a pyramid four edges meet. What is left there, a body of eight quadrilaterals and ten corners, is divided from a point in its
-inside into eight pyramids: bricks whose upper four corners lie in that one point. Each corner of the body has a node of its own there, so
+inside into eight pyramids: bricks whose upper four corners lie in that point. Each corner of the body has a node of its own there, so
 no brick has a node twice, and bricks that meet share whole faces. A value that differs with the direction from which one comes to a point
-has a finite energy in space, so such elements are conforming; they have a positive Jacobian at every Gauss point and reproduce linear
-fields. A division without such corners that leaves the faces as they are takes 36 bricks at least as known so far (K. Verhetsel,
+has a finite energy in space, so such elements are conforming; they have a positive Jacobian at every Gauss point. The nodes lie off the
+point by a part of 1e-5 and leave a pinhole there, lest they be taken for double nodes: linear fields are reproduced but for its square.
+A division without such corners that leaves the faces as they are takes 36 bricks at least as known so far (K. Verhetsel,
 J. Pellerin, J.-F. Remacle, Finding hexahedrizations for small quadrangulations of the sphere, 2019), of shapes too poor for use.
 """
 import functools
@@ -24,6 +25,7 @@ from .families import FAMILIES, HEXAHEDRON, QUAD
 PYRAMID_MIDDLE = 0.2
 PYRAMID_UPPER = 0.5
 TIP_NODES = 10
+TIP_SIZE = 1e-5  # of the distance from the tip to the body's corners, in which direction the node of each lies
 
 
 @dataclass(frozen=True)
@@ -60,7 +62,8 @@ def _place(family, point):
     if kind == "f":
         return corners[list(family.faces[point[1]])].mean(axis=0)
     if kind == "m":
-        return numpy.array([0.0, 0.0, PYRAMID_UPPER])
+        tip = numpy.array([0.0, 0.0, PYRAMID_UPPER])
+        return tip + TIP_SIZE * (_place(family, list(_tip_nodes(family))[point[1]]) - tip)
     if kind == "c":
         return numpy.array([0.0, 0.0, PYRAMID_MIDDLE]) if family.name == "pyramid" else corners.mean(axis=0)
     if kind == "vc":
@@ -103,19 +106,28 @@ def _bricks(family):
     return pieces
 
 
-def _pyramids(family):
-    """The eight pieces at the apex of a pyramid, each a quadrilateral and the four nodes at the point above it."""
+def _upper_quads(family):
+    """The quadrilaterals of the body at the apex of a pyramid."""
     quads = []
     for corner in range(4):
         ahead, behind = (corner + 1) % 4, (corner - 1) % 4
         side, former = _face(family, corner, ahead, 4), _face(family, corner, behind, 4)
         quads.append([("v", 4), _edge(family, corner, 4), side, _edge(family, ahead, 4)])
         quads.append([("c",), former, _edge(family, corner, 4), side])
-    pieces = []
-    tip = {point: ("m", number) for number, point in enumerate(dict.fromkeys(point for quad in quads for point in quad))}
-    for quad in quads:
+    return quads
+
+
+def _tip_nodes(family):
+    """{corner of that body: node at the tip}"""
+    return {point: ("m", number) for number, point in enumerate(dict.fromkeys(point for quad in _upper_quads(family) for point in quad))}
+
+
+def _pyramids(family):
+    """The eight pieces at the apex of a pyramid, each a quadrilateral and the four nodes at the tip above it."""
+    pieces, tip = [], _tip_nodes(family)
+    for quad in _upper_quads(family):
         places = numpy.array([_place(family, point) for point in quad])
-        upward = numpy.dot(numpy.cross(places[2] - places[0], places[3] - places[1]), _place(family, ("m", 0)) - places.mean(axis=0))
+        upward = numpy.dot(numpy.cross(places[2] - places[0], places[3] - places[1]), [0.0, 0.0, PYRAMID_UPPER] - places.mean(axis=0))
         quad = quad if upward > 0 else quad[::-1]
         pieces.append(quad + [tip[point] for point in quad])
     return pieces
