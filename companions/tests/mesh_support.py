@@ -9,6 +9,7 @@ import numpy
 
 from zurt.mesh.checks import _gauss_points
 from zurt.mesh.elements import BRICK_CORNERS, BRICK_EDGES, family_of_dimension
+from zurt.mesh.families import HEXAHEDRON
 from zurt.mesh.interpolation import shape_slopes, shape_values
 from zurt.mesh.numbering import advise_solver
 from zurt.program import find_program
@@ -94,6 +95,14 @@ def stored_words(folder, mesh):
     assert ended.returncode == 0, ended.stderr
     with open(os.path.join(folder, "mesh.lst"), encoding="latin-1") as file:
         return int(re.search(r"NWK\D*(\d+)", file.read()).group(1))
+
+
+def outer_nodes(mesh):
+    """Rows of the corners of faces that one brick alone has."""
+    faces = numpy.concatenate([block.elements[:, :8][:, numpy.argsort(BRICK_CORNERS)][:, list(face)]
+                               for block in mesh.blocks for face in HEXAHEDRON.faces])
+    _, first, times = numpy.unique(numpy.sort(faces, axis=1), axis=0, return_index=True, return_counts=True)
+    return numpy.unique(faces[first[times == 1]])
 
 
 def findings(folder):

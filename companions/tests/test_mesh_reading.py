@@ -7,7 +7,7 @@ import netCDF4
 import numpy
 import pytest
 
-from mesh_support import make_gmsh_mesh, patch_residual
+from mesh_support import make_gmsh_mesh, outer_nodes, patch_residual, run_steady
 from zurt.errors import ZurtError
 from zurt.mesh.checks import block_size
 from zurt.mesh.meshio_files import import_meshio
@@ -233,11 +233,15 @@ def test_collapsed_bricks(tmp_path, corners, pieces, size):
 
 
 @pytest.mark.skipif(not os.path.isdir(REAL), reason="calculix-ccx-test is not installed (./setup companions)")
-def test_meshes_of_others():
+def test_meshes_of_others(tmp_path):
     """A segment of a disk that the authors of CalculiX meshed twice, by tetrahedra and by bricks of second order; and a bolt in its nut."""
     bricks = read_mesh(os.path.join(REAL, "segment.inp.gz"))
     for split in ("linear", "quadratic"):
         pieces = read_mesh(os.path.join(REAL, "segmenttet.inp.gz"), MeshOptions(split=split))
         assert abs(volume(pieces) / volume(bricks) - 1) < 5e-4 and len(pieces.blocks[0].elements) == 4 * 1489
+        if split == "linear":
+            outside, field = outer_nodes(pieces), pieces.points @ [1.3, -0.7, 0.4]
+            assert patch_residual(pieces, outside) < 1e-13
+            assert numpy.abs(run_steady(tmp_path, pieces, outside, field) - field).max() < 1e-8
     bolt = read_mesh(os.path.join(REAL, "thread.inp.gz"))
     assert {block.name for block in bolt.blocks} >= {"BOLT", "FLA", "NUT"}
