@@ -216,6 +216,20 @@ def test_files_that_are_no_meshes(tmp_path, name, text, said):
         read_mesh(tmp_path / name)
 
 
+def test_numbers_without_names(tmp_path):
+    """The number 5 stands for a surface and for its outline, 6 for a point."""
+    def disk():
+        gmsh.model.occ.addDisk(0, 0, 0, 1, 1)
+        gmsh.model.occ.synchronize()
+        for dimension, number in ((2, 5), (1, 5), (0, 6)):
+            gmsh.model.addPhysicalGroup(dimension, [1], number)
+
+    make_gmsh_mesh(tmp_path, disk, 0.5, [1])
+    mesh = read_mesh(tmp_path / "1-4.1.msh", MeshOptions(groups=["group-5"]))
+    assert [block.name for block in mesh.blocks] == ["group-5"] and len(mesh.node_sets["group-6"]) == 1
+    assert len(mesh.faces["group-5-lines"]) == len(mesh.node_sets["group-5-lines"]) < len(mesh.node_sets["group-5"])
+
+
 def test_cubic_elements_are_refused(tmp_path):
     make_gmsh_mesh(tmp_path, lambda: gmsh.model.occ.addDisk(0, 0, 0, 1, 1), 1.0, [3])
     with pytest.raises(ZurtError, match="order 1 or 2"):

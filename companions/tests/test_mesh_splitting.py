@@ -89,6 +89,17 @@ def test_linear_fields_and_volumes(made, build, order, split):
     assert findings(folder) == ""
 
 
+@pytest.mark.parametrize("build", [boxes_of_two_kinds, pipe, bricks])
+@pytest.mark.parametrize("split", ["linear", "quadratic"])
+def test_bent_elements_meet(made, build, split):
+    """Of second order and curved, pyramids beside the others: no gaps, and the volume of the straight ones."""
+    folder, sizes = made[build]
+    mesh = read_mesh(folder / "bent.msh", MeshOptions(split=split))
+    found = sum(block_size(mesh.points, block) for block in mesh.blocks)
+    assert abs(found / (CASES[build][1] or sizes[2]) - 1) < (1e-3 if split == "quadratic" else 0.03)
+    assert patch_residual(mesh, mesh.node_sets["group-7"]) < 1e-11
+
+
 def wire_in_a_box_beside_another():
     """A box of tetrahedra with lines along their edges, the groups "body" and "wire", and a box of 8 bricks that doesn't touch it."""
     occ, mesh = gmsh.model.occ, gmsh.model.mesh
