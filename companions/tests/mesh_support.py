@@ -20,7 +20,7 @@ def make_gmsh_mesh(folder, build, size, orders=(1, 2), versions=((4.1, False),))
 
     Its body is the group "body", its sides have the number 7 and no name. Returns {order: volume or area of the body}, by Gmsh's own
     integration. Once for all orders: Gmsh makes no second mesh with pyramids in one process. The mesh of the highest order is written
-    once more as bent.msh, sheared by x + 0.15 z^2, which leaves its volume.
+    once more as bent.msh, sheared by x + 0.1 sin(2 y + 3 z), which leaves its volume.
     """
     gmsh.initialize(["zurt"], False)
     try:
@@ -39,7 +39,7 @@ def make_gmsh_mesh(folder, build, size, orders=(1, 2), versions=((4.1, False),))
         sizes = {order: _write_order(folder, order, versions, dimension) for order in orders}
         tags, places, _ = gmsh.model.mesh.getNodes()
         for tag, (x, y, z) in zip(tags, numpy.reshape(places, (-1, 3))):
-            gmsh.model.mesh.setNode(tag, [x + 0.15 * z * z, y, z], [])
+            gmsh.model.mesh.setNode(tag, [x + 0.1 * numpy.sin(2 * y + 3 * z), y, z], [])
         gmsh.write(os.path.join(folder, "bent.msh"))
         return sizes
     finally:

@@ -5,6 +5,8 @@ import pytest
 
 from mesh_support import findings, l2_error, make_gmsh_mesh, patch_residual, quarter_ring, run_steady
 from zurt.mesh.checks import block_size
+from zurt.mesh.families import FAMILIES, KINDS, reference_places
+from zurt.mesh.interpolation import shape_values
 from zurt.mesh.reading import MeshOptions, read_mesh
 
 LINEAR = numpy.array([1.3, -0.7, 0.4])
@@ -168,3 +170,21 @@ def test_order_of_convergence_in_the_plane(tmp_path, order, split, least, most):
         values[held] = numpy.exp(on_circle[:, 0]) * numpy.cos(on_circle[:, 1])
         errors.append(l2_error(mesh, run_steady(tmp_path, mesh, held, values), lambda x, y, z: numpy.exp(x) * numpy.cos(y)))
     assert least < numpy.log(errors[0] / errors[1]) / numpy.log(4.0) < most
+
+
+@pytest.mark.parametrize("name, count", [key for key in KINDS if FAMILIES[key[0]].dimension == 3 and key[1] != 21])
+def test_solids_have_their_faces_shape_functions(name, count):
+    """On a face the functions of its nodes are those of the triangle or quadrilateral, and all others are zero: so solids of all kinds meet."""
+    family, kind = FAMILIES[name], KINDS[name, count]
+    nodes = reference_places(family, *kind)
+    for face, corners in enumerate(family.faces):
+        flat = {3: "triangle", 4: "quad"}[len(corners)]
+        of_face = (kind[0], (0,) if face in kind[1] else (), False)
+        places = numpy.random.default_rng(1).random((20, 2)) * 0.5
+        own = shape_values(flat, of_face, places)
+        linear = shape_values(flat, (False, (), False), numpy.concatenate([places, reference_places(FAMILIES[flat], *of_face)]))
+        at = linear @ family.corners[list(corners)]
+        values = shape_values(name, kind, at[:20])
+        column = [int(numpy.linalg.norm(nodes - place, axis=1).argmin()) for place in at[20:]]
+        assert numpy.abs(values[:, column] - own).max() < 1e-12
+        assert numpy.abs(numpy.delete(values, column, axis=1)).max(initial=0.0) < 1e-12
