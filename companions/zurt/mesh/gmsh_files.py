@@ -43,7 +43,9 @@ def _read_model(gmsh, path):
     tags, coordinates, _ = gmsh.model.mesh.getNodes()
     if not len(tags):
         raise ZurtError("there are no nodes in this file", path)
-    mesh = SourceMesh(path, numpy.array(coordinates).reshape(-1, 3))
+    order = numpy.argsort(tags)  # Gmsh hands nodes out entity by entity; the file's numbers tell their order
+    tags = tags[order]
+    mesh = SourceMesh(path, numpy.array(coordinates).reshape(-1, 3)[order])
     row_of_tag = numpy.full(int(tags.max()) + 1, -1, numpy.int64)
     row_of_tag[tags.astype(numpy.int64)] = numpy.arange(len(tags))
     parts = _elements_by_type(gmsh, path)
