@@ -1,6 +1,6 @@
 """The mesh of a deck as gmsh's file: nodes, elements, groups. For examples whose decks are made again from a mesh and a job file.
 
-Groups: group1, group2, ... of elements, with -2 behind where their material is 2; held: nodes with an indicator above 0. Sides of
+Groups: group1, group2, ... of elements, with -2 behind where their material is 2 and -line3 where they are the third line; held: nodes with an indicator above 0. Sides of
 quadrilaterals whose nodes lie in a plane make further groups.
 """
 import numpy
@@ -127,12 +127,13 @@ def write_mesh(path, points, indicator, groups, sides):
         rows.append(f"{len(rows) + 1} {kind} 2 {number} {number} {' '.join(map(str, nodes))}")
 
     for number, (dimension, elements) in enumerate(groups, 1):
-        for nodes, material in elements:
+        for place, (nodes, material) in enumerate(elements, 1):
             while nodes[-1] == 0:
                 nodes = nodes[:-1]
             kind = GMSH_TYPES[dimension, len(nodes)]
             order = GMSH_ORDER.get(kind, range(len(nodes)))
-            add(f"group{number}" + (f"-{material}" if material > 1 else ""), dimension, kind, [nodes[i] for i in order])
+            name = f"group{number}" + (f"-{material}" if material > 1 else "") + (f"-line{place}" if dimension == 1 else "")
+            add(name, dimension, kind, [nodes[i] for i in order])
     for name, pairs in sides.items():
         for pair in pairs:
             add(name, 1, 1, pair)

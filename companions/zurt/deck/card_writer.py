@@ -39,12 +39,12 @@ def put_heading(deck, name, remark=""):
     put_comment(deck, f"{name}{columns}: {field_names(card)}.{' ' + remark if remark else ''}")
 
 
-def note_change(deck, what, value, text, change):
-    """Keeps what fixed columns did to a number. change: relative to its own size or that of its like."""
+def note_change(deck, what, change, rounded):
+    """Keeps what fixed columns did to a number. change: relative to its own size or that of its like. rounded: a text that tells it."""
     if change > deck.rounding:
-        deck.overflows.append(f"{what}: {value!r} does not fit its columns")
+        deck.overflows.append(f"{what}: {rounded}")
     elif change > 0.0:
-        deck.losses.append((change, f"{what}: {value!r} became {text}"))
+        deck.losses.append((change, f"{what}: {rounded}"))
 
 
 def number_text(deck, name, entry, value):
@@ -54,12 +54,12 @@ def number_text(deck, name, entry, value):
         if deck.form != FIXED:
             return str(value)
         if len(str(value)) > entry.width:
-            note_change(deck, f"{name}, {entry.name} ({entry.fixed})", value, "", float("inf"))
+            note_change(deck, f"{name}, {entry.name} ({entry.fixed})", float("inf"), f"{value} does not fit the columns")
         return f"{value:{entry.width}d}"
     if deck.form != FIXED:
         return free_real(value)
     text, change = column_real(float(value), entry.width)
-    note_change(deck, f"{name}, {entry.name} ({entry.fixed})", float(value), text, change)
+    note_change(deck, f"{name}, {entry.name} ({entry.fixed})", change, f"{value!r} becomes {text} in its columns")
     return f"{text:>{entry.width}}"
 
 
@@ -94,7 +94,7 @@ def column_of_texts(deck, name, entry, values):
     if entry.letter == "I":
         texts = [str(value) for value in numpy.asarray(values, dtype=numpy.int64).tolist()]
         if deck.form == FIXED and texts and max(map(len, texts)) > entry.width:
-            note_change(deck, f"{name}, {entry.name} ({entry.fixed})", int(max(texts, key=len)), "", float("inf"))
+            note_change(deck, f"{name}, {entry.name} ({entry.fixed})", float("inf"), f"{max(texts, key=len)} does not fit the columns")
     elif deck.form != FIXED:
         texts = [free_real(value) for value in values.tolist()]
     else:
@@ -102,7 +102,7 @@ def column_of_texts(deck, name, entry, values):
         texts, change = column_texts(values, entry.width)
         scale = float(numpy.abs(values).max(initial=0.0))
         if change:
-            note_change(deck, f"{name}, {entry.name} ({entry.fixed})", scale, f"rounded in its columns by up to {change:.1e}", change / scale)
+            note_change(deck, f"{name}, {entry.name} ({entry.fixed})", change / scale, f"the columns round by up to {change:.1e}")
     return [f"{text:>{entry.width}}" for text in texts] if deck.form == FIXED else texts
 
 

@@ -75,12 +75,12 @@ def write_in_form(problem, built):
     form = choose_form(problem)
     deck = write_problem(problem, form or FIXED)
     if deck.overflows and form is None and program_has("--free"):
-        built.notes.append(f"{deck.overflows[0]}: written in free cards")
+        built.notes.append(f"{deck.overflows[0]}; so all cards are free")
         deck = write_problem(problem, ALL_FREE)
     check_columns(deck, problem.job.path)
     if deck.losses:
         change, what = max(deck.losses)
-        built.notes.append(f"{len(deck.losses)} numbers were rounded by fixed columns, by {change:.1e} of their size at most ({what})")
+        built.notes.append(f"fixed columns round numbers by {change:.1e} of their size at most ({what})")
     built.forms.append(deck.form)
     return deck
 

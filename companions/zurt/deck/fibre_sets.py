@@ -80,12 +80,21 @@ def gather_set(problem, section, number):
 def gather_fibre_sets(problem):
     """All fibre sets of a problem, and refusal of what the program doesn't take."""
     sections, file = problem.section.arrays["fibre_set"], problem.section.tables["fibres"]
+    if not sections and not file:
+        return
+    place = sections[0].place if sections else file.place
+    check_box(problem, place)
     problem.fibre_sets = [gather_set(problem, section, number) for number, section in enumerate(sections, 1)]
     if file:
         problem.fibre_sets += read_fibre_file(problem, file)
-    if not problem.fibre_sets:
-        return
-    place = sections[0].place if sections else file.place
+    size = device_box(problem).max()
+    for fibre_set in problem.fibre_sets:
+        if not 1e-6 * size < fibre_set.diameter < 1e2 * size:
+            raise job_error(problem.job, fibre_set.place or place, f"a diameter of {fibre_set.diameter:g} in a box of {size:g}: one is in another unit")
+
+
+def check_box(problem, place):
+    """Refuses fibres without a box, and a box of another size than the mesh."""
     if not (setting(problem, "device", "mode") and setting(problem, "device", "nanochannel") > 0):
         raise job_error(problem.job, place, "fibres need device.mode and device.nanochannel above 0")
     box, planar = device_box(problem), all(group.dimension < 3 for group in problem.groups)
@@ -95,6 +104,3 @@ def gather_fibre_sets(problem):
     if box.max() > 1e3 * size or box.max() < 1e-4 * size:
         raise job_error(problem.job, problem.section.place + ("device", "length"), f"the box of the fibres is {box.max():g} long and the mesh {size:g}: "
                         "one of them is in another unit")
-    for fibre_set in problem.fibre_sets:
-        if not 1e-6 * box.max() < fibre_set.diameter < 1e2 * box.max():
-            raise job_error(problem.job, fibre_set.place or place, f"a diameter of {fibre_set.diameter:g} in a box of {box.max():g}: one is in another unit")

@@ -21,5 +21,5 @@ def job_error(job, place, message):
 
 def suggest(name, known):
     """What might have been meant: a text for the end of a message."""
-    near = get_close_matches(str(name), list(known), 3, 0.5)
+    near = get_close_matches(str(name), list(known), 2, 0.6)
     return f"; did you mean {' or '.join(near)}?" if near else f"; there are {', '.join(sorted(known))}" if known else ""

@@ -19,7 +19,8 @@ class Curve:
 
 
 def as_quantity(job, place, raw, kind):
-    """A number in the deck's units."""
+    """A number in the deck's units. kind: with a + behind it the number is 0 or above."""
+    kind, positive = kind.removesuffix("+"), kind.endswith("+")
     if isinstance(raw, bool) or not isinstance(raw, (int, float, str)):
         raise job_error(job, place, f"a number is wanted, or a text with a unit as \"5 nm\", not {raw!r}")
     try:
@@ -30,6 +31,8 @@ def as_quantity(job, place, raw, kind):
         raise job_error(job, place, f"{raw!r} is no finite number") from None
     if not isfinite(value):
         raise job_error(job, place, f"{raw!r} is no finite number")
+    if positive and value < 0.0:
+        raise job_error(job, place, f"{raw!r}: a value of 0 or above is wanted")
     return value
 
 
@@ -42,12 +45,15 @@ def as_list(job, place, raw, kind):
     return [as_quantity(job, place, value, kind) for value in (raw if isinstance(raw, list) else [raw])]
 
 
-def as_integer(job, place, raw):
-    """A whole number that fits the program's integers."""
+def as_integer(job, place, raw, limits=""):
+    """A whole number that fits the program's integers. limits: "0..3", or "1.." without an upper one."""
     if isinstance(raw, bool) or not isinstance(raw, int):
         raise job_error(job, place, f"an integer is wanted, not {raw!r}")
     if abs(raw) > 2147483647:
         raise job_error(job, place, f"{raw} is too large")
+    low, _, high = limits.partition("..")
+    if (low and raw < int(low)) or (high and raw > int(high)):
+        raise job_error(job, place, f"{raw} is not among the values {low} to {high}" if high else f"{raw} is below {low}")
     return raw
 
 
@@ -116,7 +122,7 @@ def convert_value(job, key, raw, place, functions):
             raise job_error(job, place, f"true or false is wanted, not {raw!r}")
         return raw
     if kind in ("integers", "nodes"):
-        return [as_integer(job, place, value) for value in (raw if isinstance(raw, list) else [raw])]
+        return [as_integer(job, place, value, detail) for value in (raw if isinstance(raw, list) else [raw])]
     if kind == "switches":
         names = as_texts(job, place, raw)
         return [as_choice(job, place, name, ",".join(f"{entry}=1" for entry in detail.split(","))) for name in names]
@@ -124,7 +130,7 @@ def convert_value(job, key, raw, place, functions):
         return as_points(job, place, [raw])[0]
     if kind in ("curve", "pairs"):
         return as_curve(job, place, raw, detail, functions, kind == "curve")
-    readers = {"integer": as_integer, "names": as_texts, "points": as_points}
+    readers = {"names": as_texts, "points": as_points}
     if kind in readers:
         return readers[kind](job, place, raw)
-    return {"quantity": as_quantity, "list": as_list, "matrix": as_matrix, "choice": as_choice}[kind](job, place, raw, detail)
+    return {"integer": as_integer, "quantity": as_quantity, "list": as_list, "matrix": as_matrix, "choice": as_choice}[kind](job, place, raw, detail)

@@ -4,7 +4,7 @@ from .job_keys import REQUIRED
 WHERE = [
     ("group", "names", None, "", "nodes of these groups of the mesh"),
     ("plane", "names", None, "", "nodes in planes: \"x = 0.5\", \"y = min\", \"z = 5 um\""),
-    ("nodes", "nodes", None, "", "numbers of nodes, counted from 1 as the mesh has them"),
+    ("nodes", "nodes", None, "", "numbers of nodes of the deck, which are the mesh's, from 1, with `renumber = false`"),
 ]
 ELEMENTS = "MAT@3D element card, MAT@2D element card, MAT@1D element card, MAT@1D element card of 3 nodes"
 
@@ -16,8 +16,8 @@ PART_KEYS = [
      "ISRC@1D element card of 3 nodes, IZIP@Element group card", "what is given off per volume and time, constant or against time"),
     ("source_amount", "pairs:time>amount", None, "ISRC@3D element card", "in its place, for the only source of a transient problem: what has been given off "
      "per volume up to a time"),
-    ("area", "quantity:area", None, "AREA@1D element card, AREA@1D element card of 3 nodes", "cross-section of lines; 1 without it"),
-    ("thickness", "quantity:length", None, "THIC@2D group card, THIC@2D group card with NDS, THIC@2D element card, NTHIC@2D group card, "
+    ("area", "quantity:area+", None, "AREA@1D element card, AREA@1D element card of 3 nodes", "cross-section of lines; 1 without it"),
+    ("thickness", "quantity:length+", None, "THIC@2D group card, THIC@2D group card with NDS, THIC@2D element card, NTHIC@2D group card, "
      "NTHIC@2D group card with NDS", "of quadrilaterals; no effect"),
     ("print_points", "integer", None, "COORD@3D element card, COORD@2D element card, COORD@1D element card, COORD@1D element card of 3 nodes",
      "print of Gauss coordinates of these elements when the group's `print_points` is above 1"),
@@ -27,7 +27,7 @@ PART_KEYS = [
 
 GROUP_KEYS = [entry for entry in PART_KEYS if not entry[0].startswith(("mesh", "print"))] + [
     ("mesh", "names", None, "NETIP@Element group card, NET@Element group card", "groups of the mesh, of one dimension; or the group has parts"),
-    ("gauss", "integers", None, "NGAUSX@3D group card, NGAUSY@3D group card, NGAUSZ@3D group card, NGAU2X@2D group card, NGAU2Y@2D group card, "
+    ("gauss", "integers:1..5", None, "NGAUSX@3D group card, NGAUSY@3D group card, NGAUSZ@3D group card, NGAU2X@2D group card, NGAU2Y@2D group card, "
      "NGAU1X@1D group card", "Gauss order, one or one a direction; 2 without it"),
     ("axisymmetric", "flag", False, "INDAX@Element group card", "turned about the axis x (lines: x is the radius)"),
     ("source_mode", "choice:time=1,concentration=2", "time", "IZIP@Element group card", "2 adds no load"),
@@ -62,11 +62,11 @@ MESH_TABLES = [
         ("convection", "curve:concentration>convection", None, ", ".join(f"CONV@{card}" for card in NUMBERS), "convection coefficient, by concentration"),
         ("environment", "curve:time>concentration", None, ", ".join(f"ENVI@{card}" for card in NUMBERS), "concentration of the environment"),
         ("emissivity", "curve:concentration>number", None, ", ".join(f"EMIS@{card}" for card in NUMBERS), "emissivity, by concentration"),
-        ("shape_factor", "quantity:number", None, "NFO@Radiation card, FO@Shape factor cards", "shape factor of the radiation; 1 without it"),
+        ("shape_factor", "quantity:number+", None, "NFO@Radiation card, FO@Shape factor cards", "shape factor of the radiation; 1 without it"),
         ("shape", "integer", None, ", ".join(f"SHAPE@{card}" for card in NUMBERS), "stored and printed only"),
     ]),
     ("radiation", "Needed with an emissivity.", [
-        ("constant", "quantity:radiation", REQUIRED, "SBC@Radiation card", "Stefan-Boltzmann constant"),
+        ("constant", "quantity:radiation+", REQUIRED, "SBC@Radiation card", "Stefan-Boltzmann constant"),
     ]),
     ("radial[]", "Groups of radial fibre elements, behind the element groups.", [
         ("substructured", "flag", False, "ISUB4@Element group card", "inner nodes exist in the element alone"),
@@ -78,10 +78,10 @@ MESH_TABLES = [
     ("radial.fibre[]", "Fibres of a radial group.", [
         ("at", "point", REQUIRED, "CENTRE@Radial element card", "where the fibre lies; the nearest nodes of the mesh are its continuum nodes"),
         ("nodes", "nodes", None, "NODE@Radial node card, ContinuumNode@Radial element card", "the continuum nodes themselves, in the place of the nearest"),
-        ("diffusion", "quantity:diffusion", 0.0, "D@Radial element card", "diffusion coefficient"),
-        ("length", "quantity:length", REQUIRED, "LENGTH@Radial element card", "length of the fibre"),
-        ("radius", "quantity:length", REQUIRED, "RADIUS@Radial element card", "radius of the fibre"),
-        ("rings", "integer", REQUIRED, "COUNT@Radial element card", "sub-elements along the radius, at most 10"),
-        ("partition", "quantity:number", None, "PARTITION@Radial element card, IPARTIT@Radial group card", "partition value"),
+        ("diffusion", "quantity:diffusion+", 0.0, "D@Radial element card", "diffusion coefficient"),
+        ("length", "quantity:length+", REQUIRED, "LENGTH@Radial element card", "length of the fibre"),
+        ("radius", "quantity:length+", REQUIRED, "RADIUS@Radial element card", "radius of the fibre"),
+        ("rings", "integer:1..10", REQUIRED, "COUNT@Radial element card", "sub-elements along the radius, at most 10"),
+        ("partition", "quantity:number+", None, "PARTITION@Radial element card, IPARTIT@Radial group card", "partition value"),
     ]),
 ]

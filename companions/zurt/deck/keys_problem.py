@@ -15,7 +15,7 @@ JOB_TABLES = [
          "else fixed columns, or free cards for `zurt --free` where numbers don't fit columns"),
         ("comments", "flag", True, "", "comment cards that say what each card is"),
         ("renumber", "choice:auto=2,true=1,false=0", "auto", "", "nodes sorted for a small band; `auto`: for the skyline solver"),
-        ("rounding", "quantity:number", 1e-7, "", "largest relative change of a number by fixed columns; what changes more is an error, or makes a deck free"),
+        ("rounding", "quantity:number+", 1e-7, "", "largest relative change of a number by fixed columns; what changes more is an error, or makes a deck free"),
     ]),
 ]
 
@@ -26,7 +26,7 @@ PROBLEM_TABLES = [
     ]),
     ("mesh", "How the mesh is read.", [
         ("file", "text", None, "", "the mesh, from the job file's folder; without it that of the command line"),
-        ("merge", "quantity:length", None, "", "nodes nearer to one another than this become one"),
+        ("merge", "quantity:length+", None, "", "nodes nearer to one another than this become one"),
         ("scale", "quantity:number", 1.0, "", "factor on the coordinates of the file"),
         ("axes", "text", "xyz", "", "which axes of the file become x, y, z"),
         ("move", "point", None, "", "what is added to the coordinates then"),
@@ -41,20 +41,20 @@ PROBLEM_TABLES = [
          "each step shows its own solution"),
         ("anisotropic", "flag", False, "IANIZ@Basic data card", "the multipliers of the materials take part"),
         ("analogue", "choice:none=0,torsion=1,potential=2,element numbers=3", "none", "ITOR@Basic data card", "analogue problems"),
-        ("potential_words", "integer", None, "PotentialFunctionSize@Execution card", "words of storage under `analogue = \"potential\"`"),
+        ("potential_words", "integer:0..", None, "PotentialFunctionSize@Execution card", "words of storage under `analogue = \"potential\"`"),
     ]),
     ("time", "Makes the problem transient. Without it the problem is steady.", [
-        ("steps", "integers", REQUIRED, "NKDT@Step count cards, NPER@Basic data card", "steps of each period"),
+        ("steps", "integers:0..", REQUIRED, "NKDT@Step count cards, NPER@Basic data card", "steps of each period"),
         ("size", "list:time", REQUIRED, "DTDT@Step size cards", "step size of each period"),
     ]),
     ("steady", "Steady problems.", [
-        ("steps", "integer", 1, "NPER@Basic data card", "steps; a linear problem shows its solution in the second"),
+        ("steps", "integer:1..", 1, "NPER@Basic data card", "steps; a linear problem shows its solution in the second"),
     ]),
     ("iteration", "Iterations of a step.", [
         ("largest", "integer", 15, "MAXIT@Control card", "largest number of an iteration; negative: no limit"),
-        ("absolute", "quantity:concentration", None, "EPSTA@Control card", "absolute accuracy"),
-        ("relative", "quantity:number", None, "EPSTR@Control card", "relative accuracy; 0.001 where neither is given"),
-        ("integration", "integer", 1, "INTEB@Control card", "1: Euler backward"),
+        ("absolute", "quantity:concentration+", None, "EPSTA@Control card", "absolute accuracy"),
+        ("relative", "quantity:number+", None, "EPSTR@Control card", "relative accuracy; 0.001 where neither is given"),
+        ("integration", "integer:0..2", 1, "INTEB@Control card", "1: Euler backward"),
         ("method", "integer", 1, "NJRAP@Control card", "echoed only"),
     ]),
     ("output", "What the program writes.", [
@@ -66,31 +66,31 @@ PROBLEM_TABLES = [
     ]),
     ("run", "The execution card.", [
         ("check_only", "flag", False, "IREST@Execution card", "the program checks the input and ends (`IREST` 0)"),
-        ("keep_steps", "integer", None, "NCZK@Execution card", "steps kept in the scratch file; no effect"),
+        ("keep_steps", "integer:0..", None, "NCZK@Execution card", "steps kept in the scratch file; no effect"),
         ("restart_steps", "integer", None, "NCZR@Execution card", "echoed only"),
         ("restart_time", "quantity:time", None, "VREM0@Execution card", "echoed only"),
     ]),
     ("device", "Device modelling: several materials, fluxes at nodes, fibres, nanochannels.", [
-        ("mode", "integer", 0, "NDS@Format card", "0 none; 1, 3: fluxes and coefficients at nodes; 2: without them"),
-        ("nanochannel", "integer", 0, "NANOCH@Format card", "0 none; 1 without reservoirs, 2 with the left, 3 with both"),
-        ("length", "quantity:length", None, "ELFIB@First device card", "box of the fibres along x"),
-        ("depth", "quantity:length", None, "DFIB@First device card", "box of the fibres along y"),
-        ("width", "quantity:length", None, "WFIB@First device card", "box of the fibres along z"),
+        ("mode", "integer:0..3", 0, "NDS@Format card", "0 none; 1, 3: fluxes and coefficients at nodes; 2: without them"),
+        ("nanochannel", "integer:0..3", 0, "NANOCH@Format card", "0 none; 1 without reservoirs, 2 with the left, 3 with both"),
+        ("length", "quantity:length+", None, "ELFIB@First device card", "box of the fibres along x"),
+        ("depth", "quantity:length+", None, "DFIB@First device card", "box of the fibres along y"),
+        ("width", "quantity:length+", None, "WFIB@First device card", "box of the fibres along z"),
         ("second_length", "quantity:length", None, "ELPCL@First device card", "echoed only"),
-        ("molar_mass", "quantity:number", None, "AMOLAR@First device card", "factor from nodal fluxes to mass fluxes"),
-        ("molecule_diameter", "quantity:length", None, "DMOLECULE@First device card", "diameter of the molecules"),
-        ("divisions", "integers", None, "NXFIB@Second device card, NYFIB@Second device card, NZFIB@Second device card",
+        ("molar_mass", "quantity:number+", None, "AMOLAR@First device card", "factor from nodal fluxes to mass fluxes"),
+        ("molecule_diameter", "quantity:length+", None, "DMOLECULE@First device card", "diameter of the molecules"),
+        ("divisions", "integers:0..", None, "NXFIB@Second device card, NYFIB@Second device card, NZFIB@Second device card",
          "divisions of the first domain along x, y, z"),
         ("second_divisions", "integer", None, "NXPCL@Second device card", "divisions of the second domain along x"),
     ]),
     ("device.degradation", "Degrading polymer of radial fibres.", [
-        ("alpha", "quantity:number", 0.0, "DEGALPHA@Degradation card", "coefficient alpha"),
-        ("porosity", "quantity:number", 0.0, "DEGIPOR@Degradation card", "initial porosity"),
-        ("partition", "quantity:number", 0.0, "DEGPART@Degradation card", "liquid-solid phase partitioning"),
-        ("rate", "quantity:rate", 0.0, "DEGRATEK@Degradation card", "rate constant k"),
-        ("rate_w", "quantity:rate", 0.0, "DEGRATEKW@Degradation card", "rate constant kw"),
-        ("solid", "quantity:diffusion", 0.0, "DIFFCDS@Degradation card", "coefficient in the solid"),
-        ("liquid", "quantity:diffusion", 0.0, "DIFFCDL@Degradation card", "coefficient in the liquid"),
+        ("alpha", "quantity:number+", 0.0, "DEGALPHA@Degradation card", "coefficient alpha"),
+        ("porosity", "quantity:number+", 0.0, "DEGIPOR@Degradation card", "initial porosity"),
+        ("partition", "quantity:number+", 0.0, "DEGPART@Degradation card", "liquid-solid phase partitioning"),
+        ("rate", "quantity:rate+", 0.0, "DEGRATEK@Degradation card", "rate constant k"),
+        ("rate_w", "quantity:rate+", 0.0, "DEGRATEKW@Degradation card", "rate constant kw"),
+        ("solid", "quantity:diffusion+", 0.0, "DIFFCDS@Degradation card", "coefficient in the solid"),
+        ("liquid", "quantity:diffusion+", 0.0, "DIFFCDL@Degradation card", "coefficient in the liquid"),
     ]),
     ("device.table", "Correction table of the nanochannel: read and echoed. Without it a table of one factor of 1 is written.", "TABLE"),
     ("device.time_functions[]", "Time functions of the deck (`mode` 1 or 3 without nanochannel); files of prescribed values bring their own.", [
@@ -103,14 +103,14 @@ PROBLEM_TABLES = [
         ("coefficients", "list:number", None, "coefficients@Outlet coefficients card", "A, B, D, E; echoed only"),
     ]),
     ("outlet.multiplier", "A factor of time on diffusion coefficients.", [
-        ("groups", "integers", REQUIRED, "ITMF1@Time multiplier card, ITMF2@Time multiplier card", "1, 2 or both: the element groups that it acts on"),
+        ("groups", "integers:1..2", REQUIRED, "ITMF1@Time multiplier card, ITMF2@Time multiplier card", "1, 2 or both: the element groups that it acts on"),
         ("table", "pairs:time>number", REQUIRED, "NTMF@Time multiplier card", "factor against time; at least one pair"),
     ]),
 ]
 
 TABLE_KEYS = [
-    ("distances", "list:wall distance", REQUIRED, "NDIST@Correction table sizes, factors@Correction table values", "distances from the wall, rising, in the "
+    ("distances", "list:wall distance+", REQUIRED, "NDIST@Correction table sizes, factors@Correction table values", "distances from the wall, rising, in the "
      "job's unit of length as all lengths are; on the card they stand in nanometres"),
     ("concentrations", "list:concentration", REQUIRED, "NCONC@Correction table sizes, factors@Correction table values", "columns of the table"),
-    ("factors", "matrix:number", REQUIRED, "factors@Correction table values", "for every distance a row of a factor for each concentration"),
+    ("factors", "matrix:number+", REQUIRED, "factors@Correction table values", "for every distance a row of a factor for each concentration"),
 ]

@@ -1,5 +1,6 @@
 """Meshes of a job's problems, read as the job says."""
 import os
+import re
 
 from ..errors import ZurtError
 from ..mesh.numbering import renumber_for_band
@@ -46,9 +47,9 @@ def read_job_mesh(job, section, given):
     try:
         return path, read_mesh(path, mesh_options(job, section))
     except ZurtError as error:
-        for name, place in named.items():
-            if f'"{name}"' in error.message:
-                raise job_error(job, place, f"{error.message} ({path})") from None
+        about = re.search('"([^"]+)"', error.message)
+        if about and about.group(1) in named:
+            raise job_error(job, named[about.group(1)], f"{error.message} ({path})") from None
         raise
 
 

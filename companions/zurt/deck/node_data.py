@@ -27,12 +27,12 @@ def gather_radial(problem):
         wanted = common if substructured else 1
         fibres = []
         for fibre in section.arrays["fibre"]:
+            if fibre.values["nodes"] and problem.job.settings.values["renumber"] != "false":
+                raise job_error(problem.job, fibre.place + ("nodes",), "numbers of nodes want [deck] renumber = false")
             nodes = fibre.values["nodes"] or nearest_nodes(problem, fibre.values["at"], wanted)
             if len(nodes) != wanted or not all(1 <= node <= len(problem.mesh.points) for node in nodes):
                 raise job_error(problem.job, fibre.place + ("nodes",), f"{wanted} numbers of nodes of the mesh are wanted")
             continuum, rings = nodes[0], fibre.values["rings"]
-            if not 1 <= rings <= 10:
-                raise job_error(problem.job, fibre.place + ("rings",), "a fibre has 1 to 10 rings")
             if not substructured:
                 first = len(problem.mesh.points) + len(extra) + 1
                 nodes = list(range(first, first + rings)) + nodes

@@ -11,15 +11,17 @@ def free_real(value):
 
 
 def text_forms(digits, exponent, negative):
-    """Ways to write 0.DIGITS x 10**exponent, always with a point. digits: without zeros at its ends."""
+    """Ways to write 0.DIGITS x 10**exponent, always with a point, the best first. digits: without zeros at its ends."""
     sign = "-" if negative else ""
-    scientific = f"{sign}{digits[0]}.{digits[1:]}E{exponent - 1}"
+    scientific = f"{sign}{digits[0]}.{digits[1:] or '0'}E{exponent - 1}"
     if exponent <= 0:
-        zeros = "0" * -exponent
-        return [f"{sign}0.{zeros}{digits}", f"{sign}.{zeros}{digits}", scientific]
-    if exponent >= len(digits):
-        return [f"{sign}{digits}{'0' * (exponent - len(digits))}.0", f"{sign}{digits}{'0' * (exponent - len(digits))}.", scientific]
-    return [f"{sign}{digits[:exponent]}.{digits[exponent:]}", scientific]
+        plain = [f"{sign}0.{'0' * -exponent}{digits}", f"{sign}.{'0' * -exponent}{digits}"]
+    elif exponent >= len(digits):
+        plain = [f"{sign}{digits}{'0' * (exponent - len(digits))}.0", f"{sign}{digits}{'0' * (exponent - len(digits))}."]
+    else:
+        plain = [f"{sign}{digits[:exponent]}.{digits[exponent:]}"]
+    forms = plain + [scientific] if len(plain[0]) <= len(scientific) + 2 else [scientific] + plain
+    return forms + [scientific.replace(".0E", ".E")]
 
 
 @lru_cache(maxsize=65536)

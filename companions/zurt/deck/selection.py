@@ -46,6 +46,8 @@ def select_nodes(problem, section):
         rows.append(group_nodes(problem, section.place + ("group",), name))
     for text in values["plane"] or []:
         rows.append(plane_nodes(problem, section.place + ("plane",), text))
+    if values["nodes"] and problem.job.settings.values["renumber"] != "false":
+        raise job_error(problem.job, section.place + ("nodes",), "numbers of nodes want [deck] renumber = false")
     for number in values["nodes"] or []:
         if not 1 <= number <= len(problem.mesh.points):
             raise job_error(problem.job, section.place + ("nodes",), f"node {number}: the mesh has {len(problem.mesh.points)} nodes")

@@ -11,7 +11,11 @@ UNIT_CAPACITY = Curve(((0.0, 1.0),), True, ())
 
 def check_range(problem, material, curve, absolute):
     """Refuses a curve that doesn't hold the start values, or the 0 of held nodes."""
-    if curve == BUILT_IN or curve.constant or len(curve.points) == 1:
+    if curve == BUILT_IN:
+        return
+    if any(value < 0.0 and argument >= 0.0 for argument, value in curve.points):
+        raise job_error(problem.job, curve.place, "a diffusion coefficient is 0 or above at concentrations of 0 and above")
+    if curve.constant or len(curve.points) == 1:
         return
     values = [(setting(problem, "initial", "value"), "the start value")] + [(value, "a start value") for value, _ in problem.starts]
     prescribed = any(section.values["value"] is not None for section, _ in problem.held)
