@@ -1,8 +1,11 @@
 """Job files of rare keys: each deck passes the program's check and gives the same results in fixed columns and in free cards."""
+import math
 import os
+import re
 import subprocess
 import tomllib
 
+import gmsh
 import pytest
 from support.example_decks import results_of, run_deck
 from support.small_meshes import write_bar, write_plate
@@ -74,3 +77,40 @@ def test_jobs_use_every_key():
     assert left <= {("", "format"), ("deck", "format"), ("mesh", "file"), ("mesh", "labels"), ("group.part", "thickness"), ("group.part", "source"),
                     ("group.part", "area"), ("group", "source_amount"), ("steady", "steps"), ("shared", "group"), ("shared", "plane"), ("held", "nodes"),
                     ("node_value", "group"), ("node_value", "nodes")}, left
+
+
+def blocks_of_reference():
+    """Code blocks of docs/jobs.md: (language, text)."""
+    with open(os.path.join(RARE, "..", "..", "..", "..", "docs", "jobs.md"), encoding="utf-8") as file:
+        return re.findall(r"^```(\w*)\n(.*?)^```$", file.read(), re.M | re.S)
+
+
+def test_recipes_of_the_reference_have_known_keys():
+    known = {(path, key) for path, table in TABLES.items() for key in table.keys} | {("functions", "dose"), ("functions", "rise")}
+    recipes = [tomllib.loads(text) for language, text in blocks_of_reference() if language == "toml"]
+    for recipe in recipes:
+        for problem in recipe.pop("problem", [recipe]):
+            given = {(path, key) for path, key in keys_given(problem) if key != "functions"}
+            assert given <= known, given - known
+    assert len(recipes) >= 5
+
+
+def test_first_example_of_the_reference(tmp_path, capsys):
+    """From gmsh's geometry to the amount that is left: the series of a slab, and the output that the page shows."""
+    blocks = blocks_of_reference()
+    geometry = next(text for _, text in blocks if text.startswith("Point(1)"))
+    shown = next(text for _, text in blocks if text.startswith("Mesh slab.msh"))
+    (tmp_path / "slab.geo").write_text(geometry)
+    (tmp_path / "slab.toml").write_text(next(text for language, text in blocks if language == "toml"))
+    gmsh.initialize()
+    gmsh.option.setNumber("General.Terminal", 0)
+    gmsh.open(str(tmp_path / "slab.geo"))
+    gmsh.model.mesh.generate(3)
+    gmsh.write(str(tmp_path / "slab.msh"))
+    gmsh.finalize()
+    assert deck.main([str(tmp_path / "slab.msh"), str(tmp_path / "slab.toml"), "-o", str(tmp_path / "slab.dat")]) == 0
+    assert capsys.readouterr().out.replace(str(tmp_path) + os.sep, "") == shown
+    run_deck(str(tmp_path / "slab.dat"), str(tmp_path / "out"), ["--history"])
+    stored = float((tmp_path / "out" / "slab-history.csv").read_text().splitlines()[-1].split(",")[5])
+    series = sum(8.0 / ((2 * n + 1) * math.pi) ** 2 * math.exp(-((2 * n + 1) * math.pi) ** 2 * 0.36 * 2.0 / 4.0) for n in range(20))
+    assert abs(stored / (5.0 * 0.08 * series) - 1.0) < 0.007
