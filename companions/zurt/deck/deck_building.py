@@ -8,12 +8,13 @@ from ..program import find_program
 from .card_writer import ALL_FREE, FIXED, FREE, DeckText, check_columns
 from .element_groups import gather_groups
 from .fibre_sets import gather_fibre_sets
+from .job_errors import job_error
 from .meshes import numbered_mesh
 from .node_data import gather_nodes, gather_radial
 from .prescribed import prescribed_text, wants_file
-from .problem_model import Problem
+from .problem_model import Problem, setting
 from .sides import gather_sides
-from .write_boundary import write_functions, write_time_functions
+from .write_boundary import iterates, write_functions, write_time_functions
 from .write_fibres import write_channel_table, write_fibres
 from .write_head import end_of_run, has_device_cards, write_head
 from .write_materials import write_materials
@@ -32,6 +33,18 @@ class BuiltDeck:
     bands: list = field(default_factory=list)
     options: list = field(default_factory=list)
     notes: list = field(default_factory=list)
+
+
+def check_prescribed(problem):
+    """Refuses prescribed values where the program takes none."""
+    section = next((section for section, _ in problem.held if section.values["value"] is not None), None)
+    if section is None:
+        return
+    place = section.place + ("value",)
+    if setting(problem, "homogenization", "fit") or setting(problem, "homogenization", "direct"):
+        raise job_error(problem.job, place, "a fit and the direct calculation free all held nodes, so these have no values")
+    if not iterates(problem) and (problem.end or not setting(problem, "prescribed", "constant")):
+        raise job_error(problem.job, place, "a linear problem takes no values of held nodes" + ("" if problem.end else " without prescribed.constant = true"))
 
 
 def program_has(option):
@@ -94,12 +107,15 @@ def gather_problem(job, section, mesh):
     gather_nodes(problem)
     gather_sides(problem)
     gather_fibre_sets(problem)
+    check_prescribed(problem)
     return problem
 
 
 def build_deck(job, meshes):
     """The deck of a job. meshes: a Mesh for each problem. Raises ZurtError."""
     built = BuiltDeck()
+    if job.length_factor != 1.0:
+        built.notes.append(f"the deck is in other lengths than the job: the mesh is scaled by {job.length_factor:g}")
     for number, (section, mesh) in enumerate(zip(job.problems, meshes), 1):
         mesh, words = numbered_mesh(job, section, mesh)
         problem = gather_problem(job, section, mesh)

@@ -32,7 +32,7 @@ PROBLEM_TABLES = [
         ("move", "point", None, "", "what is added to the coordinates then"),
         ("split", "choice:linear=0,quadratic=1", "linear", "", "pieces of triangles, tetrahedra, wedges and pyramids without or with mid-side nodes"),
         ("corners_only", "flag", False, "", "mid-side nodes of the file are left out"),
-        ("centres", "flag", False, "", "centre nodes of quadrilaterals of 9 and bricks of 27 nodes are kept"),
+        ("centres", "flag", None, "", "elements with mid-side nodes have a centre node as well; without the key quadrilaterals alone"),
         ("labels", "text", None, "", "cell data whose numbers tell groups, for formats without names"),
     ]),
     ("model", "What is solved.", [

@@ -55,11 +55,10 @@ def gather_nodes(problem):
         problem.held.append((section, rows))
     initial = problem.section.tables["initial"]
     for section in initial.arrays["group"] if initial else []:
-        rows = select_nodes(problem, section)
-        problem.starts.append((section.values["value"], rows))
-        # A held node that is in a group of start values has the same value on its card.
-        held = rows[problem.indicator[rows] > 0]
-        problem.value[held] = section.values["value"]
+        problem.starts.append((section.values["value"], select_nodes(problem, section)))
+    # A held node that is in a group of start values must have the same value on its card.
+    for value, rows in [(setting(problem, "initial", "value"), numpy.arange(count)), *problem.starts] if problem.starts else []:
+        problem.value[rows[problem.indicator[rows] > 0]] = value
     for section in problem.section.arrays["node_value"]:
         problem.value[select_nodes(problem, section)] = section.values["value"]
     if setting(problem, "prescribed", "constant"):
@@ -79,8 +78,8 @@ def all_start_groups(problem):
     for number, (_, rows) in enumerate(problem.starts, 1):
         owner[rows] = number
     values = [everywhere] + [value for value, _ in problem.starts]
-    # Held nodes outside the job's groups stay out: their cards have values of their own.
-    owner[(owner == 0) & (problem.indicator > 0) & (problem.value != everywhere)] = -1
+    # Held nodes whose cards have values of their own stay out.
+    owner[(problem.indicator > 0) & (problem.value != numpy.array(values)[owner])] = -1
     groups = [(value, numpy.nonzero(owner == number)[0] + 1) for number, value in enumerate(values)]
     groups = [(value, numbers) for value, numbers in groups if len(numbers)]
     return groups if len(groups) > 1 else groups + [(groups[0][0], groups[0][1][:1])]

@@ -1,7 +1,7 @@
 """Sides of elements that carry surface data."""
 import numpy
 
-from .job_errors import job_error, suggest
+from .job_errors import job_error, place_text, suggest
 from .problem_model import function_number
 
 SIDES = {
@@ -95,4 +95,4 @@ def gather_sides(problem):
                 mine = owner == number
                 problem.groups[number].sides.append((element[mine] + 1, corners[mine], numbers))
                 if problem.groups[number].dimension != 2:
-                    problem.notes.append(f"{section.place[0]} {section.place[1] + 1}: only sides of quadrilaterals have surface terms")
+                    problem.notes.append(f"{place_text(section.place)}: only sides of quadrilaterals have surface terms")

@@ -6,7 +6,7 @@ from .job_errors import job_error
 from .node_data import all_start_groups, runs_of
 from .problem_model import setting
 from .write_head import has_device_cards, has_time_functions
-from .write_materials import most_points
+from .write_materials import check_range, most_points
 from .write_mesh import end_of_list
 
 BY_TIME = ("NQE", "NQP", "NTOK")
@@ -30,6 +30,8 @@ def write_functions(problem, deck):
     """Boundary card and the functions of its families."""
     tables = {family: [timed_points(problem, curve, True) if family in BY_TIME else curve.points for curve in curves]
               for family, curves in problem.functions.items()}
+    for curve in problem.functions["NHP"] + problem.functions["NHR"]:
+        check_range(problem, curve)
     counts = {}
     for family, name in (("NQP", "MAXTQP"), ("NHP", "MAXTHP"), ("NTOK", "MAXTOK"), ("NQE", "MAXTQE"), ("NHR", "MAXTHR")):
         counts[family] = len(tables[family])

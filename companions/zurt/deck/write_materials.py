@@ -9,23 +9,36 @@ from .problem_model import setting
 UNIT_CAPACITY = Curve(((0.0, 1.0),), True, ())
 
 
-def check_range(problem, material, curve, absolute):
-    """Refuses a curve that doesn't hold the start values, or the 0 of held nodes."""
+def known_values(problem):
+    """(value, what it is) of all concentrations that the job gives: start values and those of held nodes."""
+    values = [(setting(problem, "initial", "value"), "the start value")] + [(value, "a start value") for value, _ in problem.starts]
+    for section, _ in problem.held:
+        curve = section.values["value"]
+        if curve is not None:
+            values += [(value * section.values["factor"], "a prescribed value") for _, value in curve.points]
+        elif not problem.section.tables["outlet"]:
+            values.append((0.0, "the value of held nodes"))
+    return values
+
+
+def check_diffusion(problem, curve, absolute):
+    """Refuses negative coefficients, and a curve that doesn't hold the concentrations that the job gives."""
     if curve == BUILT_IN:
         return
     if any(value < 0.0 and argument >= 0.0 for argument, value in curve.points):
         raise job_error(problem.job, curve.place, "a diffusion coefficient is 0 or above at concentrations of 0 and above")
-    if curve.constant or len(curve.points) == 1:
+    check_range(problem, curve, absolute)
+
+
+def check_range(problem, curve, absolute=False):
+    """Refuses a curve by concentration that doesn't hold the concentrations that the job gives; with absolute their absolute values."""
+    if len(curve.points) == 1:
         return
-    values = [(setting(problem, "initial", "value"), "the start value")] + [(value, "a start value") for value, _ in problem.starts]
-    prescribed = any(section.values["value"] is not None for section, _ in problem.held)
-    if problem.held and not prescribed and not problem.section.tables["outlet"]:
-        values.append((0.0, "the value of held nodes"))
     low, high = curve.points[0][0], curve.points[-1][0]
-    for value, what in values:
+    for value, what in known_values(problem):
         value = abs(value) if absolute else value
         if not low <= value <= high:
-            raise job_error(problem.job, curve.place or material.place, f"{what}, {value:g}, lies outside the curve, which reaches from {low:g} to {high:g}; "
+            raise job_error(problem.job, curve.place, f"{what}, {value:g}, lies outside the curve, which reaches from {low:g} to {high:g}; "
                             "it must hold every concentration that any iteration meets")
 
 
@@ -63,7 +76,7 @@ def device_materials(problem, deck, materials):
         if other - {"capacity", "density"} or curve == BUILT_IN or material.values["density"] != 1.0 or (capacity is not None and (
                 capacity == BUILT_IN or any(value != 1.0 for _, value in capacity.points))):
             raise job_error(problem.job, material.place, "with device.mode a material is one diffusion curve; its capacity is 1")
-        check_range(problem, material, curve, True)
+        check_diffusion(problem, curve, True)
         curves.append(curve)
     put_heading(deck, "Material header card under NDS", "Most points of a curve.")
     put_card(deck, "Material header card under NDS", {"MAXPMAT": most_points(problem, curves)})
@@ -83,7 +96,7 @@ def diffusion_numbers(problem, material, curves):
             raise job_error(problem.job, material.place + ("diffusion",), "a built-in material has one coefficient for all directions")
         return [0, 0, 0]
     for curve in given:
-        check_range(problem, material, curve, False)
+        check_diffusion(problem, curve, False)
         same = [number for number, known in enumerate(curves, 1) if known.points == curve.points]
         if not same:
             curves.append(curve)

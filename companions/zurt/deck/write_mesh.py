@@ -2,7 +2,7 @@
 import numpy
 
 from .card_writer import ALL_FREE, FIXED, put_card, put_comment, put_flow, put_heading, put_rows
-from .job_errors import job_error
+from .job_errors import job_error, place_text
 from .problem_model import setting
 
 ORDERS = {1: ["NGAU1X"], 2: ["NGAU2X", "NGAU2Y"], 3: ["NGAUSX", "NGAUSY", "NGAUSZ"]}
@@ -21,6 +21,8 @@ def write_nodes(problem, deck):
 def gauss_orders(problem, group):
     """The orders of a group, one a direction; 0 leaves the manual's default."""
     given, names = group.section.values["gauss"], ORDERS[group.dimension]
+    if group.elements.shape[1] > CORNERS[group.dimension] > 2 and min(given or [2]) < 3:
+        problem.notes.append(f"{place_text(group.section.place)}: elements with mid-side nodes want gauss = 3; with order 2 the matrix can be singular")
     if given is None:
         return dict.fromkeys(names, 0)
     place = group.section.place + ("gauss",)
