@@ -28,7 +28,8 @@ class DeckText:
 def put_comment(deck, text):
     """Comment cards of at most 72 columns."""
     if deck.comments:
-        rows = textwrap.wrap(" ".join(text.split()), 65, break_long_words=False) or [""]
+        text = " ".join(text.encode("ascii", "replace").decode().split())
+        rows = textwrap.wrap(text, 65, break_long_words=False) or [""]
         deck.lines.extend(("C ---- " if i == 0 else "C      ") + row for i, row in enumerate(rows))
 
 

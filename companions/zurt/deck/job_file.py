@@ -85,8 +85,8 @@ def read_unit(job, base, text):
 
 def has_wall_distances(raw):
     """Whether a problem has tables whose distances the program takes in nanometres."""
-    sets = raw.get("fibre_set") or []
-    return "fibres" in raw or bool(sets) or "table" in (raw.get("device") or {})
+    device = raw.get("device")
+    return "fibres" in raw or bool(raw.get("fibre_set")) or (isinstance(device, dict) and "table" in device)
 
 
 def read_units(job, raw, problems):

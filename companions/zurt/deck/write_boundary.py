@@ -161,6 +161,8 @@ def write_outlet(problem, deck, outlet):
         put_card(deck, "Outlet concentration card", {"CONCOUT0": values["concentration"]})
     multiplier = outlet.tables["multiplier"] if outlet else None
     groups = multiplier.values["groups"] if multiplier else []
+    if multiplier and not groups:
+        raise job_error(problem.job, multiplier.place + ("groups",), "name element groups: 1, 2 or both")
     points = multiplier.values["table"].points if multiplier else []
     put_card(deck, "Time multiplier card", {"ITMF1": int(1 in groups), "ITMF2": int(2 in groups), "NTMF": len(points)})
     if points:

@@ -112,6 +112,8 @@ def plain_materials(problem, deck, materials):
         capacity = material.values["capacity"]
         if capacity is None and problem.end:
             capacity = UNIT_CAPACITY
+        if capacity is not None and capacity != BUILT_IN and any(value < 0.0 for _, value in capacity.points):
+            raise job_error(problem.job, capacity.place, "a capacity is 0 or above")
         if capacity is not None and capacity != BUILT_IN:
             capacities.append((number, capacity))
     built_in = sum(material.values["diffusion"] == BUILT_IN for material in materials)
