@@ -1,7 +1,7 @@
 """The mesh of a deck as gmsh's file: nodes, elements, groups. For examples whose decks are made again from a mesh and a job file.
 
-Groups: group1, group2, ... of elements, with -2 behind where their material is 2 and -line3 where they are the third line; held: nodes with an indicator above 0. Sides of
-quadrilaterals whose nodes lie in a plane make further groups.
+Groups: group1, group2, ... of elements, with -2 behind where their material is 2 and -line3 where they are the third line; held: nodes
+with an indicator above 0. Sides of quadrilaterals whose nodes lie in a plane make further groups.
 """
 import numpy
 
@@ -118,35 +118,38 @@ def plane_sides(points, groups, axis, level):
     return found
 
 
-def write_mesh(path, points, indicator, groups, sides):
-    """gmsh's file, version 2.2. sides: name to pairs of nodes."""
-    names, rows = {}, []
-
-    def add(name, dimension, kind, nodes):
-        number = names.setdefault((dimension, name), len(names) + 1)
-        rows.append(f"{len(rows) + 1} {kind} 2 {number} {number} {' '.join(map(str, nodes))}")
-
-    for number, (dimension, elements) in enumerate(groups, 1):
-        for place, (nodes, material) in enumerate(elements, 1):
-            while nodes[-1] == 0:
-                nodes = nodes[:-1]
-            kind = GMSH_TYPES[dimension, len(nodes)]
-            order = GMSH_ORDER.get(kind, range(len(nodes)))
-            name = f"group{number}" + (f"-{material}" if material > 1 else "") + (f"-line{place}" if dimension == 1 else "")
-            add(name, dimension, kind, [nodes[i] for i in order])
-    for name, pairs in sides.items():
-        for pair in pairs:
-            add(name, 1, 1, pair)
-    for node in numpy.nonzero(indicator > 0)[0] + 1:
-        add("held", 0, 15, [node])
+def write_gmsh(path, points, elements):
+    """gmsh's file, version 2.2. elements: (name, dimension, gmsh's type, node numbers from 1)."""
+    names = {}
+    for name, dimension, _, _ in elements:
+        names.setdefault((dimension, name), len(names) + 1)
     with open(path, "w", encoding="ascii") as file:
         print("$MeshFormat\n2.2 0 8\n$EndMeshFormat\n$PhysicalNames", len(names), sep="\n", file=file)
         for (dimension, name), number in names.items():
             print(f"{dimension} {number} \"{name}\"", file=file)
         print("$EndPhysicalNames\n$Nodes", len(points), sep="\n", file=file)
-        for number, point in enumerate(points.tolist(), 1):
+        for number, point in enumerate(numpy.asarray(points).tolist(), 1):
             print(number, *map(repr, point), file=file)
-        print("$EndNodes\n$Elements", len(rows), *rows, "$EndElements", sep="\n", file=file)
+        print("$EndNodes\n$Elements", len(elements), sep="\n", file=file)
+        for number, (name, dimension, kind, nodes) in enumerate(elements, 1):
+            place = names[dimension, name]
+            print(number, kind, 2, place, place, *nodes, file=file)
+        print("$EndElements", file=file)
+
+
+def write_mesh(path, points, indicator, groups, sides):
+    """The mesh of a deck. sides: name to pairs of nodes."""
+    rows = []
+    for number, (dimension, elements) in enumerate(groups, 1):
+        for place, (nodes, material) in enumerate(elements, 1):
+            while nodes[-1] == 0:
+                nodes = nodes[:-1]
+            kind = GMSH_TYPES[dimension, len(nodes)]
+            name = f"group{number}" + (f"-{material}" if material > 1 else "") + (f"-line{place}" if dimension == 1 else "")
+            rows.append((name, dimension, kind, [nodes[i] for i in GMSH_ORDER.get(kind, range(len(nodes)))]))
+    rows += [(name, 1, 1, pair) for name, pairs in sides.items() for pair in pairs]
+    rows += [("held", 0, 15, [node]) for node in numpy.nonzero(indicator > 0)[0] + 1]
+    write_gmsh(path, points, rows)
 
 
 def mesh_of_deck(deck, path, planes=()):

@@ -1,28 +1,7 @@
 """Small meshes for job files: a bar of bricks, and a plate with a wire."""
-import numpy
-
-from .deck_mesh import GMSH_ORDER
+from .deck_mesh import GMSH_ORDER, write_gmsh
 
 CORNERS = [(1, 1, 1), (0, 1, 1), (0, 0, 1), (1, 0, 1), (1, 1, 0), (0, 1, 0), (0, 0, 0), (1, 0, 0)]
-
-
-def write_gmsh(path, points, elements):
-    """gmsh's file, version 2.2. elements: (name, dimension, gmsh's type, node numbers from 1)."""
-    names = {}
-    for name, dimension, _, _ in elements:
-        names.setdefault((dimension, name), len(names) + 1)
-    with open(path, "w", encoding="ascii") as file:
-        print("$MeshFormat\n2.2 0 8\n$EndMeshFormat\n$PhysicalNames", len(names), sep="\n", file=file)
-        for (dimension, name), number in names.items():
-            print(f"{dimension} {number} \"{name}\"", file=file)
-        print("$EndPhysicalNames\n$Nodes", len(points), sep="\n", file=file)
-        for number, point in enumerate(numpy.asarray(points).tolist(), 1):
-            print(number, *map(repr, point), file=file)
-        print("$EndNodes\n$Elements", len(elements), sep="\n", file=file)
-        for number, (name, dimension, kind, nodes) in enumerate(elements, 1):
-            place = names[dimension, name]
-            print(number, kind, 2, place, place, *nodes, file=file)
-        print("$EndElements", file=file)
 
 
 def write_bar(path):

@@ -100,7 +100,8 @@ def read_fibre_file(problem, section):
     path = os.path.join(os.path.dirname(job.path), section.values["file"])
     try:
         with open(path, encoding="utf-8") as file:
-            lines = [(number, line.rstrip()) for number, line in enumerate(file, 1) if not line.startswith(("C ", "C*", "C-")) and line.strip() not in ("", "C")]
+            lines = [(number, line.rstrip()) for number, line in enumerate(file, 1)
+                     if not line.startswith(("C ", "C*", "C-")) and line.strip() not in ("", "C")]
     except OSError as error:
         raise job_error(job, section.place + ("file",), f"{path}: {error.strerror}") from None
     try:

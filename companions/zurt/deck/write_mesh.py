@@ -1,7 +1,7 @@
 """Cards of nodes, element groups, radial fibres and sides."""
 import numpy
 
-from .card_writer import ALL_FREE, FIXED, put_card, put_comment, put_flow, put_heading, put_rows
+from .card_writer import ALL_FREE, FIXED, put_card, put_flow, put_heading, put_rows
 from .job_errors import job_error, place_text
 from .problem_model import setting
 
