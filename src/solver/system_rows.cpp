@@ -22,7 +22,7 @@ struct RowLayout {
     // known again, and the places of their packed matrices in `rows.value`.
     std::vector<std::int32_t> equation;
     std::vector<std::uint32_t> place;
-    LevelSchedule schedule; // none with one thread
+    RowOrder order; // of `rows`
 };
 
 struct RowStorage {
@@ -39,10 +39,12 @@ bool Known(const RowStorage& storage, ConstIntArray LM, Word ND) {
            std::equal(LM.data, LM.data + ND, known.begin() + static_cast<std::ptrdiff_t>(first));
 }
 
-std::uint32_t PlaceOf(const SymmetricRows& rows, std::int32_t i, std::int32_t j) {
+std::uint32_t PlaceOf(const RowLayout& layout, std::int32_t i, std::int32_t j) {
     if (i <= 0 || j <= 0)
-        return static_cast<std::uint32_t>(rows.column.size()); // the word for what is dropped
-    const Word place = PlaceOfEntry(rows, i, j);
+        return static_cast<std::uint32_t>(layout.rows.column.size()); // the word for what is dropped
+    const std::vector<std::int32_t>& row = layout.order.row;
+    const Word place = PlaceOfEntry(layout.rows, row[static_cast<std::size_t>(i - 1)] + 1,
+                                    row[static_cast<std::size_t>(j - 1)] + 1);
     if (place < 0)
         StopWithLibraryError("equations " + std::to_string(i) + " and " + std::to_string(j) +
                              " couple, and the layout of the system does not know it");
@@ -57,7 +59,7 @@ void FindPlaces(RowStorage& storage, ConstIntArray LM, Word ND) {
     layout.equation.insert(layout.equation.end(), LM.data, LM.data + ND);
     for (Word i = 1; i <= ND; ++i)
         for (Word j = i; j <= ND; ++j)
-            layout.place.push_back(PlaceOf(layout.rows, LM(i), LM(j)));
+            layout.place.push_back(PlaceOf(layout, LM(i), LM(j)));
 }
 
 void NoteShift(RowStorage& storage, const GradientsReport& report) {
@@ -115,11 +117,10 @@ void CoupleRows(Run& run, const Numbering& numbering, ConstIntTable NEL, Word ND
 
 void FinishRows(Run& run, const Numbering& numbering) {
     RowLayout& layout = StorageOf<RowStorage>(run).layout;
+    layout.order = MakeRowOrder(layout.elements, numbering.JEDN);
+    RenumberEquations(layout.elements, layout.order);
     MakePattern(layout.rows, layout.elements, numbering.JEDN);
     layout.elements = {};
-    // Threads meet behind every level: where they outnumber the processors, that takes longer than it saves.
-    const bool shared = run.workers.count > 1 && run.workers.count <= ProcessorCount();
-    layout.schedule = shared ? MakeSchedule(layout.rows) : LevelSchedule{};
     if (layout.rows.column.size() >= std::numeric_limits<std::uint32_t>::max())
         StopWithLibraryError("the matrix has " + std::to_string(layout.rows.column.size()) +
                              " entries, more than conjugate gradients can count");
@@ -174,7 +175,7 @@ void AddToRows(const SystemTarget& system, ConstRealArray S, ConstRealArray FE, 
 void SolveRows(Run& run) {
     RowStorage& storage = StorageOf<RowStorage>(run);
     const GradientsReport report =
-        SolveByGradients(run.workers, storage.layout.rows, storage.layout.schedule, RightHandSide(run),
+        SolveByGradients(run.workers, storage.layout.rows, storage.layout.order, RightHandSide(run),
                          {run.options.tolerance, kMostIterations}, storage.work);
     if (report.end == GradientsEnd::NoNumbers)
         return; // whoever asked for the solution looks for these
