@@ -1,9 +1,11 @@
-// One thread against several, in turns and by the clock on the wall: forming of bricks, factor of the skyline store.
+// One thread against several, in turns and by the clock on the wall: forming of bricks, factor of the skyline store, conjugate
+// gradients.
 //
 // Arguments: elements a side, threads. Reported are medians, and the least times besides: where others use the machine too,
 // these are of moments in which all threads had a processor.
 #include "../tests/elements/form_model.h"
 #include "../tests/solver/skyline_reference.h"
+#include "solver/conjugate_gradients.h"
 #include "solver/skyline_factor.h"
 
 #include <benchmark/benchmark.h>
@@ -80,8 +82,48 @@ void ThreadsFactor(benchmark::State& state) {
         });
 }
 
+// The pattern of a cube of bricks; every entry off the diagonal is -1, and the diagonal a little more than their sum.
+struct CubeRows {
+    RowOrder order;
+    SymmetricRows A;
+};
+
+CubeRows MakeCubeRows(std::int32_t side) {
+    CubeRows cube;
+    const auto JEDN = static_cast<std::int32_t>((side + 1) * (side + 1) * (side + 1));
+    const std::vector<std::int32_t> nodes = zurt_test::NodesOfCube(side);
+    ElementEquations elements;
+    for (std::size_t e = 0; e < nodes.size(); e += 8)
+        AddElementEquations(elements, {nodes.data() + e, 8}, 8);
+    cube.order = MakeRowOrder(elements, JEDN);
+    RenumberEquations(elements, cube.order);
+    MakePattern(cube.A, elements, JEDN);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(JEDN); ++i)
+        for (Word k = cube.A.start[i]; k < cube.A.start[i + 1]; ++k)
+            cube.A.value[static_cast<std::size_t>(k)] = k + 1 < cube.A.start[i + 1] ? -1.0 : 26.1;
+    return cube;
+}
+
+void ThreadsGradients(benchmark::State& state) {
+    const CubeRows cube = MakeCubeRows(static_cast<std::int32_t>(state.range(0)));
+    std::vector<double> value = cube.A.value, right(static_cast<std::size_t>(cube.A.JEDN));
+    SymmetricRows A = cube.A;
+    GradientsWork work;
+    const auto prepare = [&] {
+        A.value = value;
+        for (std::size_t i = 0; i < right.size(); ++i)
+            right[i] = static_cast<double>(i % 7);
+    };
+    prepare();
+    TimeInTurns(state, prepare, [&](Workers& workers) {
+        benchmark::DoNotOptimize(SolveByGradients(workers, A, cube.order,
+                                                  RealArray(right.data(), cube.A.JEDN), {1e-11, 1000}, work));
+    });
+}
+
 BENCHMARK(ThreadsForm)->ArgsProduct({{10, 20, 30}, {2}})->UseRealTime();
 BENCHMARK(ThreadsFactor)->ArgsProduct({{10, 15, 20, 30}, {2}})->UseRealTime();
+BENCHMARK(ThreadsGradients)->ArgsProduct({{10, 20, 30, 60}, {2}})->UseRealTime();
 
 } // namespace
 } // namespace zurt

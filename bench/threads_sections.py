@@ -8,7 +8,8 @@ import os
 from document import ratio, short, table
 from measure import in_turns, kernels, make_deck, median, solve
 
-KERNELS = {"ThreadsForm": "forming, 8-node bricks with a diffusion curve", "ThreadsFactor": "skyline factor"}
+KERNELS = {"ThreadsForm": "forming, 8-node bricks with a diffusion curve", "ThreadsFactor": "skyline factor",
+           "ThreadsGradients": "conjugate gradients, one system"}
 QUICK_SIDE = 10
 RUNS = {"skyline": (20, 30), "cg": (30, 60)}  # elements a side of whole runs
 

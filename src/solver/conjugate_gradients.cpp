@@ -13,132 +13,110 @@ constexpr double kShifts[] = {0.0, 1e-3, 1e-2, 1e-1, 1.0};
 /// A residual of so many roundings of the solution can't be made smaller: what a direct solver leaves is no less.
 constexpr double kRoundings = 100.0 * std::numeric_limits<double>::epsilon();
 
-// The system in hand as one worker of the team sees it. Each does the blocks of rows that are its own, and all come to the
-// same scalars from the sums of the blocks.
+// The system in hand as one worker of the team sees it. Each does the parts of the rows that are its own, and all come to the
+// same scalars from the sums of the parts. An iteration goes three times through the rows: backward through the factor, which
+// ends with the direction p; forward through A, for A p; forward through the factor, which begins with the residual.
 struct Gradients {
     TeamMember member;
     SymmetricRows& A;
-    const LevelSchedule& schedule;
+    const RowOrder& order;
     GradientsWork& work;
-    bool factored = false;
 };
 
-// The rows of a block, from 0.
-struct RowRange {
-    std::size_t first, end;
-};
-
-// Calls body(block, rows) for this worker's blocks, and waits for the others.
-template <class Body> void ForBlocks(const Gradients& gradients, const Body& body) {
-    const std::int32_t count = BlockCount(gradients.A), workers = gradients.member.workers.count,
-                       worker = gradients.member.worker;
-    for (std::int32_t b = count * worker / workers; b < count * (worker + 1) / workers; ++b) {
-        const auto block = static_cast<std::size_t>(b);
-        body(block, RowRange{static_cast<std::size_t>(gradients.A.block[block]),
-                             static_cast<std::size_t>(gradients.A.block[block + 1])});
-    }
-    MeetWorkers(gradients.member.workers);
+// Calls body(row) for the rows of this worker's parts, in any order of the parts, and waits for the others.
+template <class Body> void ForRows(const Gradients& gradients, const Body& body) {
+    const auto part = [&](std::size_t, std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end; ++i)
+            body(i);
+    };
+    ForStages(gradients.member, gradients.order, part);
 }
 
-double Dot(const std::vector<double>& u, const std::vector<double>& v, RowRange rows) {
-    double sum = 0.0;
-    for (std::size_t i = rows.first; i < rows.end; ++i)
-        sum += u[i] * v[i];
-    return sum;
-}
-
-double Total(const std::vector<double>& sums) {
+double Total(const GradientsWork& work, double PartSums::*what) {
     double total = 0.0;
-    for (const double sum : sums)
-        total += sum;
+    for (const PartSums& sums : work.sums)
+        total += sums.*what;
     return total;
 }
 
-void ScaleBlock(SymmetricRows& A, RowRange rows, const std::vector<double>& scale) {
-    for (std::size_t i = rows.first; i < rows.end; ++i) {
-        const auto diagonal = static_cast<std::size_t>(A.start[i + 1]) - 1;
-        for (auto k = static_cast<std::size_t>(A.start[i]); k < diagonal; ++k)
-            A.value[k] *= scale[i] * scale[static_cast<std::size_t>(A.column[k])];
-        A.value[diagonal] = 1.0;
-    }
-}
-
-void Factor(Gradients& gradients, GradientsReport& report) {
-    for (const double shift : kShifts) {
-        report.shift = shift;
-        gradients.factored =
-            FactorRows(gradients.member, gradients.A, gradients.schedule, shift, gradients.work.factor);
-        if (gradients.factored)
-            break;
-    }
-    report.factored = gradients.factored;
-}
-
 struct Norms {
-    double rr, rz; // r r and r z
+    double rr, rz; // r r and r M^-1 r
 };
 
-// z = M^-1 r.
-Norms Precondition(const Gradients& gradients) {
+// x += step p, r -= step Ap, z = L^-1 r, of which r M^-1 r is the square.
+Norms Advance(const Gradients& gradients, double step) {
     GradientsWork& work = gradients.work;
-    if (gradients.factored)
-        SubstituteRows(gradients.member, gradients.A, gradients.schedule, work.factor, work.r.data(),
-                       work.z.data());
-    ForBlocks(gradients, [&](std::size_t block, RowRange rows) {
-        if (!gradients.factored)
-            std::copy(&work.r[rows.first], &work.r[rows.first] + (rows.end - rows.first),
-                      &work.z[rows.first]);
-        work.sums[block] = Dot(work.r, work.r, rows);
-        work.moreSums[block] = Dot(work.r, work.z, rows);
+    const float* const L = work.factor.L.data();
+    double* const z = work.z.data();
+    ForStages(gradients.member, gradients.order, [&](std::size_t part, std::size_t first, std::size_t end) {
+        double rr = 0.0, rz = 0.0;
+        for (std::size_t i = first; i < end; ++i) {
+            work.x[i] += step * work.p[i];
+            const double rest = work.r[i] -= step * work.Ap[i];
+            const double entry = z[i] = SubstituteForward(gradients.A, L, i, rest, z);
+            rr += rest * rest;
+            rz += entry * entry;
+        }
+        work.sums[part].rr = rr;
+        work.sums[part].rz = rz;
     });
-    return {Total(work.sums), Total(work.moreSums)};
+    return {Total(work, &PartSums::rr), Total(work, &PartSums::rz)};
+}
+
+// z = L^-T z, p = z + ratio p.
+void TurnDirection(const Gradients& gradients, double ratio) {
+    GradientsWork& work = gradients.work;
+    const float* const L = work.factor.L.data();
+    double* const z = work.z.data();
+    for (std::size_t stage = StageCount(gradients.order); stage-- > 0;)
+        ForPartsOfStage(gradients.member, gradients.order, stage,
+                        [&](std::size_t, std::size_t first, std::size_t end) {
+                            for (std::size_t i = end; i-- > first;)
+                                work.p[i] = SubstituteBackward(gradients.A, L, i, z) + ratio * work.p[i];
+                        });
 }
 
 // Ap = A v; returns v A v.
-double Multiply(const Gradients& gradients, const std::vector<double>& v) {
+double Multiply(const Gradients& gradients, const double* v) {
     GradientsWork& work = gradients.work;
-    ForBlocks(gradients, [&](std::size_t block, RowRange) {
-        MultiplyBlock(gradients.A, block, v.data(), work.Ap.data(), work.ahead[block]);
-    });
-    ForBlocks(gradients, [&](std::size_t block, RowRange rows) {
-        AddFromBlocksBehind(gradients.A, block, work.ahead, work.Ap.data());
-        work.sums[block] = Dot(v, work.Ap, rows);
-    });
-    return Total(work.sums);
-}
-
-// x += step p, r -= step Ap.
-void Advance(const Gradients& gradients, double step) {
-    GradientsWork& work = gradients.work;
-    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
-        for (std::size_t i = rows.first; i < rows.end; ++i) {
-            work.x[i] += step * work.p[i];
-            work.r[i] -= step * work.Ap[i];
+    double* const product = work.Ap.data();
+    ForStages(gradients.member, gradients.order, [&](std::size_t part, std::size_t first, std::size_t end) {
+        double energy = 0.0;
+        for (std::size_t i = first; i < end; ++i) {
+            const double lower = MultiplyRow(gradients.A, i, v, product);
+            energy += v[i] * (product[i] + lower);
         }
+        work.sums[part].energy = energy;
     });
+    return Total(work, &PartSums::energy);
 }
 
 // r = b - A x; returns x x.
 double TakeResidual(const Gradients& gradients) {
     GradientsWork& work = gradients.work;
-    Multiply(gradients, work.x);
-    ForBlocks(gradients, [&](std::size_t block, RowRange rows) {
-        for (std::size_t i = rows.first; i < rows.end; ++i)
+    Multiply(gradients, work.x.data());
+    ForStages(gradients.member, gradients.order, [&](std::size_t part, std::size_t first, std::size_t end) {
+        double size = 0.0;
+        for (std::size_t i = first; i < end; ++i) {
             work.r[i] = work.b[i] - work.Ap[i];
-        work.moreSums[block] = Dot(work.x, work.x, rows);
+            size += work.x[i] * work.x[i];
+        }
+        work.sums[part].rr = size;
     });
-    const double size = Total(work.moreSums);
+    const double size = Total(work, &PartSums::rr);
     MeetWorkers(gradients.member.workers); // the sums have been read
     return size;
 }
 
-// p = z + ratio p.
-void TurnDirection(const Gradients& gradients, double ratio) {
-    GradientsWork& work = gradients.work;
-    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
-        for (std::size_t i = rows.first; i < rows.end; ++i)
-            work.p[i] = work.z[i] + ratio * work.p[i];
-    });
+void Factor(const Gradients& gradients, GradientsReport& report) {
+    for (const double shift : kShifts) {
+        report.shift = shift;
+        report.factored =
+            FactorRows(gradients.member, gradients.A, gradients.order, shift, gradients.work.factor);
+        if (report.factored)
+            return;
+    }
+    FactorNothing(gradients.member, gradients.A, gradients.order, gradients.work.factor);
 }
 
 // Iterates until the residual of the recurrence is at most `small`, squared. False when the matrix is not positive definite.
@@ -147,12 +125,11 @@ bool Iterate(const Gradients& gradients, double small, std::int32_t limit, Norms
     double ratio = 0.0;
     while (norms.rr > small && report.iterations < limit) {
         TurnDirection(gradients, ratio);
-        const double energy = Multiply(gradients, gradients.work.p);
+        const double energy = Multiply(gradients, gradients.work.p.data());
         if (!(energy > 0.0 && norms.rz > 0.0 && std::isfinite(energy)))
             return false;
         const double before = norms.rz;
-        Advance(gradients, before / energy);
-        norms = Precondition(gradients);
+        norms = Advance(gradients, before / energy);
         ratio = norms.rz / before;
         ++report.iterations;
     }
@@ -163,7 +140,7 @@ bool Iterate(const Gradients& gradients, double small, std::int32_t limit, Norms
 GradientsEnd IterateInTurns(const Gradients& gradients, const GradientsLimits& limits,
                             GradientsReport& report) {
     const double tolerance = limits.tolerance;
-    const Norms begin = Precondition(gradients);
+    const Norms begin = Advance(gradients, 0.0);
     if (!std::isfinite(begin.rr))
         return GradientsEnd::NotConverged;
     Norms norms = begin;
@@ -172,7 +149,7 @@ GradientsEnd IterateInTurns(const Gradients& gradients, const GradientsLimits& l
         if (!Iterate(gradients, tolerance * tolerance * begin.rr, limits.iterations, norms, report))
             return GradientsEnd::NotPositiveDefinite;
         const double size = TakeResidual(gradients);
-        norms = Precondition(gradients);
+        norms = Advance(gradients, 0.0);
         report.residual = std::sqrt(norms.rr / begin.rr);
         if (report.residual <= tolerance || norms.rr <= kRoundings * kRoundings * size)
             break;
@@ -182,78 +159,95 @@ GradientsEnd IterateInTurns(const Gradients& gradients, const GradientsLimits& l
     return GradientsEnd::Converged;
 }
 
-// The first equation whose diagonal is not positive; 0: none.
-std::int32_t TakeScale(const SymmetricRows& A, std::vector<double>& scale) {
-    for (std::size_t i = 0; i < scale.size(); ++i) {
-        const double entry = A.value[static_cast<std::size_t>(A.start[i + 1]) - 1];
-        if (!(entry > 0.0))
-            return static_cast<std::int32_t>(i) + 1;
-        scale[i] = 1.0 / std::sqrt(entry);
-    }
-    return 0;
+// Scale, and what is to be known of b and of the diagonal.
+void TakeScale(const Gradients& gradients, RealArray b) {
+    GradientsWork& work = gradients.work;
+    const SymmetricRows& A = gradients.A;
+    ForStages(gradients.member, gradients.order, [&](std::size_t part, std::size_t first, std::size_t end) {
+        PartSums sums;
+        for (std::size_t i = first; i < end; ++i) {
+            const std::int32_t equation = gradients.order.equation[i];
+            const double entry = A.value[static_cast<std::size_t>(A.start[i + 1]) - 1];
+            if (!(entry > 0.0) && (sums.equation == 0 || equation + 1 < sums.equation))
+                sums.equation = equation + 1;
+            work.scale[i] = 1.0 / std::sqrt(entry);
+            work.b[i] = b.data[equation];
+            sums.numbers = sums.numbers && std::isfinite(work.b[i]);
+            sums.largest = std::max(sums.largest, std::abs(work.b[i]));
+        }
+        work.sums[part] = sums;
+    });
 }
 
-bool SmallerMagnitude(double one, double other) {
-    return std::abs(one) < std::abs(other);
-}
-
-void TakeRoom(const SymmetricRows& A, GradientsWork& work) {
-    for (std::vector<double>* vector : {&work.scale, &work.b, &work.r, &work.z, &work.Ap})
-        vector->resize(static_cast<std::size_t>(A.JEDN));
-    for (std::vector<double>* vector : {&work.x, &work.p})
-        vector->assign(static_cast<std::size_t>(A.JEDN), 0.0);
-    const auto blocks = static_cast<std::size_t>(BlockCount(A));
-    work.ahead.resize(blocks);
-    work.sums.assign(blocks, 0.0);
-    work.moreSums.assign(blocks, 0.0);
+// The scaled system: A has a diagonal of 1, the largest entry of b lies between a half and 1, so that no squares of what is left of
+// it over- or underflow.
+void ScaleSystem(const Gradients& gradients, int exponent) {
+    GradientsWork& work = gradients.work;
+    SymmetricRows& A = gradients.A;
+    ForRows(gradients, [&](std::size_t i) {
+        const auto diagonal = static_cast<std::size_t>(A.start[i + 1]) - 1;
+        for (auto k = static_cast<std::size_t>(A.start[i]); k < diagonal; ++k)
+            A.value[k] *= work.scale[i] * work.scale[static_cast<std::size_t>(A.column[k])];
+        A.value[diagonal] = 1.0;
+        work.b[i] = work.r[i] = work.scale[i] * std::ldexp(work.b[i], -exponent);
+        work.x[i] = work.p[i] = work.Ap[i] = 0.0;
+    });
 }
 
 // What each worker of the team does.
-GradientsReport SolveInTeam(Gradients gradients, RealArray b, const GradientsLimits& limits) {
+GradientsReport SolveInTeam(const Gradients& gradients, RealArray b, const GradientsLimits& limits) {
     GradientsReport report;
     GradientsWork& work = gradients.work;
-    int exponent = 0; // of the largest entry of b: squares of what is left neither over- nor underflow
-    std::frexp(*std::max_element(b.data, b.data + b.length, SmallerMagnitude), &exponent);
-    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
-        ScaleBlock(gradients.A, rows, work.scale);
-        for (std::size_t i = rows.first; i < rows.end; ++i)
-            work.b[i] = work.r[i] = work.scale[i] * std::ldexp(b.data[i], -exponent);
-    });
+    TakeScale(gradients, b);
+    double largest = 0.0;
+    for (const PartSums& sums : work.sums) {
+        largest = std::max(largest, sums.largest);
+        if (!sums.numbers)
+            report.end = GradientsEnd::NoNumbers;
+        if (sums.equation > 0 && (report.equation == 0 || sums.equation < report.equation))
+            report.equation = sums.equation;
+    }
+    if (report.end == GradientsEnd::NoNumbers)
+        return report;
+    report.end = GradientsEnd::NotPositiveDefinite;
+    if (report.equation != 0)
+        return report;
+    int exponent = 0;
+    std::frexp(largest, &exponent);
+    ScaleSystem(gradients, exponent);
     Factor(gradients, report);
     report.end = IterateInTurns(gradients, limits, report);
-    ForBlocks(gradients, [&](std::size_t, RowRange rows) {
-        if (report.end == GradientsEnd::Converged)
-            for (std::size_t i = rows.first; i < rows.end; ++i)
-                b.data[i] = std::ldexp(work.scale[i] * work.x[i], exponent);
-    });
+    if (report.end == GradientsEnd::Converged)
+        ForRows(gradients, [&](std::size_t i) {
+            b.data[gradients.order.equation[i]] = std::ldexp(work.scale[i] * work.x[i], exponent);
+        });
     return report;
+}
+
+void TakeRoom(const SymmetricRows& A, const RowOrder& order, int workers, GradientsWork& work) {
+    for (std::vector<double>* vector : {&work.scale, &work.b, &work.x, &work.r, &work.z, &work.p, &work.Ap})
+        vector->resize(static_cast<std::size_t>(A.JEDN));
+    work.sums.resize(PartCount(order));
+    TakeFactorRoom(A, order, workers, work.factor);
 }
 
 } // namespace
 
-GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const LevelSchedule& schedule,
-                                 RealArray b, const GradientsLimits& limits, GradientsWork& work) {
+GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const RowOrder& order, RealArray b,
+                                 const GradientsLimits& limits, GradientsWork& work) {
     GradientsReport report;
     report.end = GradientsEnd::Converged;
     report.factored = A.JEDN == 0;
     if (report.factored)
         return report;
-    if (!std::all_of(b.data, b.data + b.length, [](double entry) { return std::isfinite(entry); })) {
-        report.end = GradientsEnd::NoNumbers;
-        return report;
-    }
-    Workers alone; // a single block leaves others nothing but meetings
-    Workers& sharing = BlockCount(A) > 1 ? workers : alone;
-    TakeRoom(A, work);
-    TakeFactorRoom(A, schedule, sharing.count, work.factor);
-    report.equation = TakeScale(A, work.scale);
-    report.end = GradientsEnd::NotPositiveDefinite;
-    if (report.equation == 0)
-        InTeam(sharing, [&](int worker) {
-            const GradientsReport found = SolveInTeam({{sharing, worker}, A, schedule, work}, b, limits);
-            if (worker == 0)
-                report = found;
-        });
+    Workers alone; // a single part leaves others nothing but meetings
+    Workers& sharing = PartCount(order) > 1 ? workers : alone;
+    TakeRoom(A, order, sharing.count, work);
+    InTeam(sharing, [&](int worker) {
+        const GradientsReport found = SolveInTeam({{sharing, worker}, A, order, work}, b, limits);
+        if (worker == 0)
+            report = found;
+    });
     return report;
 }
 

@@ -31,21 +31,28 @@ struct GradientsLimits {
     std::int32_t iterations;
 };
 
-/// Vectors of an iteration, each with a word for each row of the matrix, kept from system to system.
+/// What one part of the rows gives to sums over all.
+struct alignas(64) PartSums {
+    double energy = 0.0, rr = 0.0, rz = 0.0; // of v A v, r r, r M^-1 r
+    double largest = 0.0;                    // of the magnitudes of b
+    bool numbers = true;                     // b has nothing else
+    std::int32_t equation = 0;               // least one whose diagonal is not positive; 0: none
+};
+
+/// Vectors of an iteration, each with a word for each row in the order of the rows, kept from system to system.
 struct GradientsWork {
     std::vector<double> scale; // row i of the solution over that of the scaled system
     IncompleteFactor factor;
     std::vector<double> b, x, r, z, p, Ap;
-    std::vector<std::vector<double>> ahead; // what each block gives to rows ahead of it
-    std::vector<double> sums, moreSums;     // one a block
+    std::vector<PartSums> sums; // one a part
 };
 
 /// Solves A x = b until the residual is at most the tolerance times b, both of the scaled system, or as small as rounding
 /// lets it be; starts from zero. The digits do not depend on the number of workers.
-///   A         values are scaled (output)
-///   schedule  of A's pattern, or none
-///   b         1..JEDN: right-hand side (input), then the solution (output); left alone unless the iteration converges
-GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const LevelSchedule& schedule,
-                                 RealArray b, const GradientsLimits& limits, GradientsWork& work);
+///   A      in the order of the rows; values are scaled (output)
+///   b      1..JEDN by equations: right-hand side (input), then the solution (output); left alone unless the iteration
+///          converges
+GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const RowOrder& order, RealArray b,
+                                 const GradientsLimits& limits, GradientsWork& work);
 
 } // namespace zurt

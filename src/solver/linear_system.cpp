@@ -4,6 +4,8 @@
 #include "solver/system_skyline.h"
 #include "solver/system_sparse.h"
 
+#include <algorithm>
+
 namespace zurt {
 
 namespace {
@@ -13,6 +15,28 @@ SolverKind KindOf(const Run& run) {
     if (run.options.solver == SolverChoice::Gradients)
         return SolverKind::Rows;
     return run.sizes.SparseMode == 1 ? SolverKind::Sparse : SolverKind::Skyline;
+}
+
+// AddElementBeside's terms of the matrix; entryOf(i, j, k) is the word of nodes i and j, the k-th of the packed matrix.
+template <class EntryOf>
+void AddTermsBeside(ConstRealArray S, ConstIntArray LM, Word ND, const bool* shared,
+                    std::vector<DeferredTerm>& deferred, const EntryOf& entryOf) {
+    for (Word i = 1, k = 1; i <= ND; ++i)
+        for (Word j = i; j <= ND; ++j, ++k) {
+            if (LM(i) <= 0 || LM(j) <= 0)
+                continue;
+            if (shared[i - 1] && shared[j - 1])
+                deferred.push_back({entryOf(i, j, k), S(k)});
+            else
+                *entryOf(i, j, k) += S(k);
+        }
+}
+
+/// Room for the terms of one more element.
+void TakeTermRoom(std::vector<DeferredTerm>& deferred, Word ND) {
+    const std::size_t size = deferred.size() + static_cast<std::size_t>(ND * (ND + 3) / 2);
+    if (size > deferred.capacity())
+        deferred.reserve(2 * size);
 }
 
 } // namespace
@@ -161,12 +185,48 @@ void LocateElement(const SystemTarget& system, ConstIntArray LM, Word ND, Elemen
 
 void AddLocatedElement(const SystemTarget& system, ElementPlaces& places, ConstRealArray S, ConstRealArray FE,
                        ConstIntArray LM, Word ND) {
-    if (places.count == 0) {
+    if (system.numbered != nullptr) {
+        AddNumberedToRows(system, places.number, S, LM, ND);
+    } else if (places.count == 0) {
         AddElement(system, S, FE, LM, ND);
         return;
+    } else {
+        AddAtPlaces(places, S);
     }
-    AddAtPlaces(places, S);
     AddElementVector(system.R, FE, LM, ND);
+}
+
+void NumberElements(SystemTarget& system, Word NET, Word NDMAX) {
+    if (system.kind == SolverKind::Rows)
+        NumberInRows(system, NET, NDMAX);
+}
+
+bool AddsSideBySide(const SystemTarget& system) {
+    return system.kind != SolverKind::Sparse;
+}
+
+void AddElementBeside(const SystemTarget& system, ElementPlaces& places, ConstRealArray S, ConstRealArray FE,
+                      ConstIntArray LM, Word ND, const bool* shared, std::vector<DeferredTerm>& deferred) {
+    if (std::find(shared, shared + ND, true) == shared + ND)
+        return AddLocatedElement(system, places, S, FE, LM, ND);
+    TakeTermRoom(deferred, ND);
+    if (system.numbered != nullptr) {
+        FindInRows(system, places.number, LM, ND);
+        AddTermsBeside(S, LM, ND, shared, deferred,
+                       [&](Word, Word, Word k) { return EntryInRows(system, places.number, k); });
+    } else if (places.count > 0) {
+        AddTermsBeside(S, LM, ND, shared, deferred, [&](Word, Word, Word k) { return places.entry[k - 1]; });
+    } else if (system.matrixFlag != 0) {
+        AddTermsBeside(S, LM, ND, shared, deferred, [&](Word i, Word j, Word) {
+            return SkylineEntry(system.matrix, system.MAXA, LM(i), LM(j));
+        });
+    }
+    for (Word i = 1; i <= ND; ++i) {
+        if (LM(i) > 0 && shared[i - 1])
+            deferred.push_back({&system.R(LM(i)), FE(i)});
+        else if (LM(i) > 0)
+            system.R(LM(i)) += FE(i);
+    }
 }
 
 void SolveSystem(Run& run) {

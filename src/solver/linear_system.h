@@ -10,6 +10,8 @@
 #include "run/run.h"
 #include "solver/skyline_assembly.h"
 
+#include <vector>
+
 namespace zurt {
 
 /// The solvers. What differs between them stands in a pair of files each (system_skyline, system_sparse, system_rows); linear_system.cpp
@@ -68,10 +70,11 @@ void ClearMatrix(Run& run);
 /// Where a visit of a group adds its elements.
 struct SystemTarget {
     SolverKind kind = SolverKind::Skyline;
-    RealArray matrix;        // the solver's words in `A`
-    ConstIntArray MAXA;      // 1..JEDN+1, for a matrix in skyline form
-    void* storage = nullptr; // the solver's own record
-    RealArray R;             // 1..JEDN
+    RealArray matrix;         // the solver's words in `A`
+    ConstIntArray MAXA;       // 1..JEDN+1, for a matrix in skyline form
+    void* storage = nullptr;  // the solver's own record
+    void* numbered = nullptr; // its record of the group's elements by their numbers
+    RealArray R;              // 1..JEDN
     std::int32_t matrixFlag = 0;
 };
 
@@ -89,6 +92,24 @@ void LocateElement(const SystemTarget& system, ConstIntArray LM, Word ND, Elemen
 /// AddElement for an element that was located.
 void AddLocatedElement(const SystemTarget& system, ElementPlaces& places, ConstRealArray S, ConstRealArray FE,
                        ConstIntArray LM, Word ND);
+
+/// What is said of the elements of a group ahead of a visit in which each is added once by AddLocatedElement or AddElementBeside, with
+/// its number in 1..NET in its places: a solver then keeps what it has found out of an element. At most NDMAX nodes.
+void NumberElements(SystemTarget& system, Word NET, Word NDMAX);
+
+/// Whether elements may be added by several workers at once, with AddElementBeside.
+bool AddsSideBySide(const SystemTarget& system);
+
+/// A sum that is left aside.
+struct DeferredTerm {
+    double* entry;
+    double value;
+};
+
+/// AddLocatedElement while others add elements too. Terms between equations marked in `shared` (1..ND at 0..ND-1), to which others
+/// may add, go to `deferred` in the order of AddElement. Throws only with nothing added.
+void AddElementBeside(const SystemTarget& system, ElementPlaces& places, ConstRealArray S, ConstRealArray FE,
+                      ConstIntArray LM, Word ND, const bool* shared, std::vector<DeferredTerm>& deferred);
 
 /// Solves the system: the right-hand side becomes the solution. A system that can't be solved stops the run with a message.
 void SolveSystem(Run& run);

@@ -13,6 +13,10 @@ inline Word EntryPosition(ConstIntArray MAXA, Word I, Word J) {
 
 } // namespace
 
+double* SkylineEntry(RealArray SkylineMatrix, ConstIntArray MAXA, Word I, Word J) {
+    return SkylineMatrix.data + EntryPosition(MAXA, I, J) - 1;
+}
+
 void AddElementVector(RealArray R, ConstRealArray F, ConstIntArray LM, Word ND) {
     AddScatter(R, F, LM, ND);
 }
@@ -44,9 +48,8 @@ void LocateSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntA
     places.dropped = 0.0;
     for (Word i = 1; i <= ND; ++i)
         for (Word j = i; j <= ND; ++j) {
-            double* const entry = LM(i) > 0 && LM(j) > 0
-                                      ? SkylineMatrix.data + EntryPosition(MAXA, LM(i), LM(j)) - 1
-                                      : &places.dropped;
+            double* const entry =
+                LM(i) > 0 && LM(j) > 0 ? SkylineEntry(SkylineMatrix, MAXA, LM(i), LM(j)) : &places.dropped;
             __builtin_prefetch(entry, 1);
             *place++ = entry;
         }

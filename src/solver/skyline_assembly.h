@@ -23,9 +23,10 @@ void SkylineAddElement(RealArray SkylineMatrix, ConstIntArray MAXA, RealArray R,
                        ConstRealArray F, ConstIntArray LM, Word ND, std::int32_t matrixFlag);
 
 /// The words of a store that the packed matrix of an element of at most 8 nodes goes to, in its order; `dropped` stands for
-/// those that have none.
+/// those that have none. And what the element is known by.
 struct ElementPlaces {
     static constexpr Word kMostNodes = 8;
+    Word number; // of the element, where its group's are numbered (solver/linear_system.h)
     double* entry[kMostNodes * (kMostNodes + 1) / 2];
     Word count;
     double dropped;
@@ -35,6 +36,9 @@ struct ElementPlaces {
 /// in a large store none of them is there, so that the misses run beside the forming of the element's matrix.
 void LocateSkylineElement(RealArray SkylineMatrix, ConstIntArray MAXA, ConstIntArray LM, Word ND,
                           ElementPlaces& places);
+
+/// The word of a store that the entry of equations I and J (1..JEDN) has.
+double* SkylineEntry(RealArray SkylineMatrix, ConstIntArray MAXA, Word I, Word J);
 
 /// Adds a packed matrix at the words found before.
 void AddAtPlaces(ElementPlaces& places, ConstRealArray S);

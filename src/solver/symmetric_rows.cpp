@@ -6,10 +6,6 @@ namespace zurt {
 
 namespace {
 
-// Rows of a block, about: enough for the work of a thread, few enough for the caches.
-constexpr std::int32_t kBlockRows = 2048;
-constexpr std::int32_t kMostBlocks = 32;
-
 /// The elements of each equation: of equation i at element[start[i-1]] and behind, each from 0.
 struct ElementsOfEquations {
     std::vector<Word> start;
@@ -31,21 +27,6 @@ ElementsOfEquations ElementsByEquation(const ElementEquations& elements, std::in
             by.element[static_cast<std::size_t>(next[row]++)] = static_cast<std::int32_t>(e);
         }
     return by;
-}
-
-void CutIntoBlocks(SymmetricRows& rows) {
-    const std::int32_t count = std::clamp(rows.JEDN / kBlockRows, 1, kMostBlocks);
-    rows.block.clear();
-    rows.lowest.clear();
-    for (std::int32_t b = 0; b <= count; ++b)
-        rows.block.push_back(static_cast<std::int32_t>(Word{rows.JEDN} * b / count));
-    for (std::int32_t b = 0; b < count; ++b) {
-        std::int32_t lowest = rows.block[static_cast<std::size_t>(b)];
-        for (auto i = static_cast<std::size_t>(lowest);
-             i < static_cast<std::size_t>(rows.block[static_cast<std::size_t>(b) + 1]); ++i)
-            lowest = std::min(lowest, rows.column[static_cast<std::size_t>(rows.start[i])]);
-        rows.lowest.push_back(lowest);
-    }
 }
 
 } // namespace
@@ -85,7 +66,6 @@ void MakePattern(SymmetricRows& rows, const ElementEquations& elements, std::int
         rows.start.push_back(static_cast<Word>(rows.column.size()));
     }
     rows.value.assign(rows.column.size() + 1, 0.0);
-    CutIntoBlocks(rows);
 }
 
 Word PlaceOfEntry(const SymmetricRows& rows, std::int32_t i, std::int32_t j) {
@@ -95,41 +75,6 @@ Word PlaceOfEntry(const SymmetricRows& rows, std::int32_t i, std::int32_t j) {
                last = rows.column.begin() + rows.start[row];
     const auto found = std::lower_bound(first, last, column);
     return found == last || *found != column ? -1 : found - rows.column.begin();
-}
-
-void MultiplyBlock(const SymmetricRows& rows, std::size_t b, const double* v, double* product,
-                   std::vector<double>& ahead) {
-    const double* const value = rows.value.data();
-    const std::int32_t* const column = rows.column.data();
-    const Word* const start = rows.start.data();
-    const std::int32_t first = rows.block[b], lowest = rows.lowest[b];
-    ahead.assign(static_cast<std::size_t>(first - lowest), 0.0);
-    double* const before = ahead.data();
-    for (std::int32_t i = first; i < rows.block[b + 1]; ++i) {
-        const Word diagonal = start[i + 1] - 1;
-        const double own = v[i];
-        double sum = value[diagonal] * own;
-        Word k = start[i];
-        for (; column[k] < first; ++k) { // the diagonal ends it
-            sum += value[k] * v[column[k]];
-            before[column[k] - lowest] += value[k] * own;
-        }
-        for (; k < diagonal; ++k) {
-            sum += value[k] * v[column[k]];
-            product[column[k]] += value[k] * own;
-        }
-        product[i] = sum;
-    }
-}
-
-void AddFromBlocksBehind(const SymmetricRows& rows, std::size_t b,
-                         const std::vector<std::vector<double>>& ahead, double* product) {
-    const std::int32_t first = rows.block[b], end = rows.block[b + 1];
-    for (std::size_t c = b + 1; c < ahead.size(); ++c) {
-        const std::int32_t lowest = rows.lowest[c];
-        for (std::int32_t i = std::max(first, lowest); i < end; ++i)
-            product[i] += ahead[c][static_cast<std::size_t>(i - lowest)];
-    }
 }
 
 } // namespace zurt

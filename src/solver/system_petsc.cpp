@@ -321,6 +321,19 @@ void AddLocatedElement(const SystemTarget& system, ElementPlaces& /*places*/, Co
     AddElement(system, S, FE, LM, ND);
 }
 
+// Processes share the elements, not threads.
+void NumberElements(SystemTarget& /*system*/, Word /*NET*/, Word /*NDMAX*/) {}
+
+bool AddsSideBySide(const SystemTarget& /*system*/) {
+    return false;
+}
+
+void AddElementBeside(const SystemTarget& system, ElementPlaces& /*places*/, ConstRealArray S,
+                      ConstRealArray FE, ConstIntArray LM, Word ND, const bool* /*shared*/,
+                      std::vector<DeferredTerm>& /*deferred*/) {
+    AddElement(system, S, FE, LM, ND);
+}
+
 void SolveSystem(Run& run) {
     PetscSystem& system = SystemOf(run);
     EndForming(system);

@@ -18,4 +18,13 @@ void OpenRows(Run& run, SystemTarget& system);
 void AddToRows(const SystemTarget& system, ConstRealArray S, ConstRealArray FE, ConstIntArray LM, Word ND);
 void SolveRows(Run& run);
 
+/// Makes ready for elements by their numbers.
+void NumberInRows(SystemTarget& system, Word NET, Word NDMAX);
+/// Finds the places of element n, if they are not known yet. Elements of other numbers may be in the hands of other workers.
+void FindInRows(const SystemTarget& system, Word n, ConstIntArray LM, Word ND);
+/// Adds the matrix of element n.
+void AddNumberedToRows(const SystemTarget& system, Word n, ConstRealArray S, ConstIntArray LM, Word ND);
+/// The word for the k-th entry of the packed matrix of element n, whose places are known; no dropped entry.
+double* EntryInRows(const SystemTarget& system, Word n, Word k);
+
 } // namespace zurt

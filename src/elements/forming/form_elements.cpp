@@ -4,9 +4,9 @@
 #include "core/ranks.h"
 #include "core/stop.h"
 #include "elements/forming/brick_kernel.h"
-#include "elements/forming/element_chunks.h"
 #include "elements/forming/element_fluxes.h"
 #include "elements/forming/element_kernel.h"
+#include "elements/forming/element_pieces.h"
 #include "elements/forming/element_visit.h"
 #include "elements/forming/element_work.h"
 #include "elements/forming/volume_source.h"
@@ -321,6 +321,7 @@ template <int Family> void FormCornerElement(FormVisit<Family>& visit) {
 // Element n, into `formed` and `packed`.
 template <int Family> void FormNumber(FormVisit<Family>& visit, std::int32_t n) {
     visit.formed->ND = 0;
+    visit.formed->places.number = n;
     if (!TakesPart(visit.elements, n))
         return;
     AnnounceElement(visit.elements.run, n);
@@ -331,43 +332,80 @@ template <int Family> void FormNumber(FormVisit<Family>& visit, std::int32_t n) 
         FormCornerElement(visit);
 }
 
-// A worker's visit, with room for the elements of a chunk.
-template <int Family> struct ChunkVisit : FormVisit<Family> {
-    ChunkVisit(Run& run, ElementGroup& group) : FormVisit<Family>{{run, group}} {}
+// A worker's visit, with room for so many elements.
+template <int Family, Word Elements> struct WorkerFormVisit : FormVisit<Family> {
+    WorkerFormVisit(Run& run, ElementGroup& group) : FormVisit<Family>{{run, group}} {}
     BrickForming ownBrick;
-    FormedElement<Family> chunk[kChunkElements];
+    FormedElement<Family> room[static_cast<std::size_t>(Elements)];
     std::vector<double> matrices; // packed, one behind the other
 };
 
-template <int Family> void FormSideBySide(const FormVisit<Family>& begun) {
-    ElementGroup& group = begun.elements.group;
-    const Word length = PackedLength(group.NDMAX);
-    const auto take = [&](ChunkVisit<Family>& visit, std::size_t place) {
-        visit.formed = &visit.chunk[place];
-        visit.packed = RealArray(visit.matrices.data() + static_cast<Word>(place) * length, length);
-    };
-    const auto begin = [&](ChunkVisit<Family>& visit) {
-        JoinElementVisit(visit.elements, group.NGAUS);
-        visit.tables = begun.tables;
-        if constexpr (Family == kBrickFamily)
-            BeginBricks(visit, visit.ownBrick);
-        visit.matrices.resize(static_cast<std::size_t>(kChunkElements * length));
-    };
-    const auto compute = [&](ChunkVisit<Family>& visit, std::int32_t n, std::size_t place) {
-        take(visit, place);
-        FormNumber(visit, n);
-        const std::int32_t ND = visit.formed->ND;
-        if (begun.elements.run.workers.sideBySide) {
-            RequireNumbers(visit.formed->FE, ND);
+template <int Family, Word Elements>
+void BeginWorkerVisit(const FormVisit<Family>& begun, WorkerFormVisit<Family, Elements>& visit) {
+    const ElementGroup& group = begun.elements.group;
+    JoinElementVisit(visit.elements, group.NGAUS);
+    visit.tables = begun.tables;
+    if constexpr (Family == kBrickFamily)
+        BeginBricks(visit, visit.ownBrick);
+    visit.matrices.resize(static_cast<std::size_t>(Elements * PackedLength(group.NDMAX)));
+}
+
+// The element that follows goes to this place in the room, from 0.
+template <int Family, Word Elements>
+void TakePlace(WorkerFormVisit<Family, Elements>& visit, std::size_t place) {
+    const Word length = PackedLength(visit.elements.group.NDMAX);
+    visit.formed = &visit.room[place];
+    visit.packed = RealArray(visit.matrices.data() + static_cast<Word>(place) * length, length);
+}
+
+// FormNumber for a worker.
+template <int Family> void FormBeside(FormVisit<Family>& visit, std::int32_t n) {
+    FormNumber(visit, n);
+    const std::int32_t ND = visit.formed->ND;
+    if (visit.elements.run.workers.sideBySide) {
+        RequireNumbers(visit.formed->FE, ND);
+        if (kDimension<Family> ==
+            2) // surface terms; volume terms that aren't numbers are in every residual too
             RequireNumbers(visit.packed.data, PackedLength(ND));
-        }
+    }
+}
+
+// For a system that takes elements in their order alone.
+template <int Family> void FormInTurn(const FormVisit<Family>& begun) {
+    using Visit = WorkerFormVisit<Family, kChunkElements>;
+    const auto begin = [&](Visit& visit) { BeginWorkerVisit(begun, visit); };
+    const auto compute = [&](Visit& visit, std::int32_t n, std::size_t place) {
+        TakePlace(visit, place);
+        FormBeside(visit, n);
     };
-    const auto add = [&](ChunkVisit<Family>& visit, std::int32_t, std::size_t place) {
-        take(visit, place);
+    const auto add = [&](Visit& visit, std::int32_t, std::size_t place) {
+        TakePlace(visit, place);
         AddFormed(begun.tables.system, visit.packed, *visit.formed);
     };
-    ElementsInTurn<ChunkVisit<Family>>(begun.elements.run, group, begun.tables.source.oneFunction, begin,
-                                       compute, add);
+    ElementsInTurn<Visit>(begun.elements.run, begun.elements.group, begun.tables.source.oneFunction, begin,
+                          compute, add);
+}
+
+template <int Family> void FormInPieces(const FormVisit<Family>& begun) {
+    using Visit = WorkerFormVisit<Family, 1>;
+    const SystemTarget& system = begun.tables.system;
+    const auto begin = [&](Visit& visit) {
+        BeginWorkerVisit(begun, visit);
+        TakePlace(visit, 0);
+    };
+    const auto form = [](Visit& visit, std::int32_t n) { FormBeside(visit, n); };
+    const auto addBeside = [&](Visit& visit, ElementPiece& piece) {
+        FormedElement<Family>& formed = *visit.formed;
+        bool shared[kMaxNodes<Family>];
+        for (int i = 0; i < formed.ND; ++i)
+            shared[i] = IsTouched(piece, formed.LM[i]);
+        if (formed.ND > 0)
+            AddElementBeside(system, formed.places, visit.packed, ConstRealArray(formed.FE, formed.ND),
+                             ConstIntArray(formed.LM, formed.ND), formed.ND, shared, piece.deferred);
+    };
+    const auto add = [&](Visit& visit) { AddFormed(system, visit.packed, *visit.formed); };
+    ElementsInPieces<Visit>(begun.elements.run, begun.elements.group, begun.elements.walk.NEL,
+                            begun.tables.source.oneFunction, begin, form, addBeside, add);
 }
 
 } // namespace
@@ -376,8 +414,9 @@ template <int Family> void FormElements(Run& run, ElementGroup& group, Word cond
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     visit.tables.system = SystemTargetOf(run);
+    NumberElements(visit.tables.system, group.NET, group.NDMAX);
     if (SharesElements(run, group))
-        return FormSideBySide(visit);
+        return AddsSideBySide(visit.tables.system) ? FormInPieces(visit) : FormInTurn(visit);
     FormedElement<Family> formed;
     visit.formed = &formed;
     visit.packed = RealSection(run.A, conduction, PackedLength(group.NDMAX));
