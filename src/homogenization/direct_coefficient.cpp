@@ -63,7 +63,7 @@ template <int Family> bool LiesWithin(const Domain& domain, const ElementWalk<Fa
     return true;
 }
 
-template <int Family> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
+template <int Family> void FindEnds(Run& run, const ElementGroup& group, Domain& domain) {
     if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
         return;
     ElementWalk<Family> walk{run, group};
@@ -129,7 +129,7 @@ void AddPointToDomain(ElementVisit<Family>& visit, int p, bool takesPart, Domain
     AddEndNodes(jacobian, walk, point, w, domain);
 }
 
-template <int Family> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
+template <int Family> void AddGroup(Run& run, const ElementGroup& group, Domain& domain) {
     if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
         return;
     ElementVisit<Family> visit{run, group};

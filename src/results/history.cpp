@@ -66,7 +66,7 @@ void SumGroups(Run& run, StepBalance& balance) {
     Fill(sums.residual, 0.0);
     Fill(sums.volumePart, 0.0);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        ElementGroup& group = run.groups[NGE];
+        const ElementGroup& group = run.groups[NGE];
         if (IsRadial(group)) {
             AddRadialBalance(run, group, sums.residual, balance.fibres);
             continue;

@@ -278,7 +278,7 @@ template <int Family> void BeginFamilyData(FormVisit<Family>& visit) {
 
 template <int Family> void BeginFormVisit(FormVisit<Family>& visit) {
     Run& run = visit.elements.run;
-    ElementGroup& group = visit.elements.group;
+    const ElementGroup& group = visit.elements.group;
     visit.tables.transient = run.control.header.NSTAC != 0;
     visit.tables.dt = run.clock.TimeStep;
     BeginElementVisit(visit.elements, group.NGAUS);
@@ -333,14 +333,14 @@ template <int Family> void FormNumber(FormVisit<Family>& visit, std::int32_t n) 
 
 // A worker's visit, with room for the elements of a chunk.
 template <int Family> struct ChunkVisit : FormVisit<Family> {
-    ChunkVisit(Run& run, ElementGroup& group) : FormVisit<Family>{{run, group}} {}
+    ChunkVisit(Run& run, const ElementGroup& group) : FormVisit<Family>{{run, group}} {}
     BrickForming ownBrick;
     FormedElement<Family> chunk[kChunkElements];
     std::vector<double> matrices; // packed, one behind the other
 };
 
 template <int Family> void FormSideBySide(const FormVisit<Family>& begun) {
-    ElementGroup& group = begun.elements.group;
+    const ElementGroup& group = begun.elements.group;
     const Word length = PackedLength(group.NDMAX);
     const auto take = [&](ChunkVisit<Family>& visit, std::size_t place) {
         visit.formed = &visit.chunk[place];
@@ -372,7 +372,7 @@ template <int Family> void FormSideBySide(const FormVisit<Family>& begun) {
 
 } // namespace
 
-template <int Family> void FormElements(Run& run, ElementGroup& group, Word conduction) {
+template <int Family> void FormElements(Run& run, const ElementGroup& group, Word conduction) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     visit.tables.system = SystemTargetOf(run);
@@ -392,7 +392,8 @@ template <int Family> void FormElements(Run& run, ElementGroup& group, Word cond
     AnnounceOtherElements(visit.elements, share.last + 1);
 }
 
-template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest) {
+template <int Family>
+void FindStiffestElement(Run& run, const ElementGroup& group, StiffestElement& stiffest) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
@@ -408,7 +409,7 @@ template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, St
 }
 
 template <int Family>
-void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
+void AddElementResiduals(Run& run, const ElementGroup& group, ConstIntArray elements, bool withSurfaces,
                          RealArray nodalSums) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
@@ -424,8 +425,8 @@ void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, 
     }
 }
 
-template <int Family> void AddElementBalance(Run& run, ElementGroup& group, ElementBalance& balance) {
-    const HeldCurveValues held = group.held;
+template <int Family> void AddElementBalance(Run& run, const ElementGroup& group, ElementBalance& balance) {
+    const HeldCurveValues held = run.visits.held[group.NGE];
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     visit.elements.walk.nodes.solutionRead = visit.tables.surfaces.nonlinear = true;
@@ -442,17 +443,17 @@ template <int Family> void AddElementBalance(Run& run, ElementGroup& group, Elem
         else
             AddBalance<Family, 0>(visit, isListed, balance);
     }
-    group.held = held;
+    run.visits.held[group.NGE] = held;
 }
 
-template <int Family> void FormGroup(Run& run, ElementGroup& group) {
+template <int Family> void FormGroup(Run& run, const ElementGroup& group) {
     const ElementWork work = BeginGroupVisit<Family>(run, group);
     if (run.control.header.INTEB == 1)
         FormElements<Family>(run, group, work.conduction);
     EndGroupVisit<Family>(run, work);
 }
 
-template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group) {
+template <int Family> void AddGroupFluxes(Run& run, const ElementGroup& group) {
     const ElementWork work = BeginGroupVisit<Family>(run, group);
     if (run.control.header.INTEB == 1)
         AddElementFluxes<Family>(run, group);
@@ -460,12 +461,12 @@ template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group) {
 }
 
 #define ZURT_FORM_ELEMENTS(FAMILY)                                                                           \
-    template void FormElements<FAMILY>(Run&, ElementGroup&, Word);                                           \
-    template void FindStiffestElement<FAMILY>(Run&, ElementGroup&, StiffestElement&);                        \
-    template void AddElementResiduals<FAMILY>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);          \
-    template void AddElementBalance<FAMILY>(Run&, ElementGroup&, ElementBalance&);                           \
-    template void FormGroup<FAMILY>(Run&, ElementGroup&);                                                    \
-    template void AddGroupFluxes<FAMILY>(Run&, ElementGroup&);
+    template void FormElements<FAMILY>(Run&, const ElementGroup&, Word);                                     \
+    template void FindStiffestElement<FAMILY>(Run&, const ElementGroup&, StiffestElement&);                  \
+    template void AddElementResiduals<FAMILY>(Run&, const ElementGroup&, ConstIntArray, bool, RealArray);    \
+    template void AddElementBalance<FAMILY>(Run&, const ElementGroup&, ElementBalance&);                     \
+    template void FormGroup<FAMILY>(Run&, const ElementGroup&);                                              \
+    template void AddGroupFluxes<FAMILY>(Run&, const ElementGroup&);
 ZURT_FOR_ALL_FAMILIES(ZURT_FORM_ELEMENTS)
 #undef ZURT_FORM_ELEMENTS
 

@@ -2,7 +2,7 @@
 
 #include "core/ranks.h"
 #include "core/stop.h"
-#include "elements/cards/group_checks.h"
+#include "elements/forming/element_visit.h"
 #include "elements/forming/element_work.h"
 #include "elements/radial/radial_kernel.h"
 #include "geometry/gather.h"
@@ -227,8 +227,8 @@ void AddRadialBalance(Run& run, const ElementGroup& group, RealArray residual, F
         AddAssembledBalance(visit, residual, balance);
 }
 
-void FormGroupRadial(Run& run, ElementGroup& group) {
-    CheckRadialCards(run, group);
+void FormGroupRadial(Run& run, const ElementGroup& group) {
+    CheckGroupOnce(run, group);
     const ElementWork work = LayOutElementWork(run, group.radial.ND);
     const RadialVisit visit = BeginVisit(run, group);
     if (group.radial.substructured) {
