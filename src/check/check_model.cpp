@@ -113,7 +113,7 @@ void CheckHeldSets(Run& run) {
             {run.job.BasicDataLine, "the outlet cards give a concentration, and no node is held to take it"});
     std::int32_t records = 0;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        records += IsRadial(run.groups[NGE]) ? 0 : run.groups[NGE].surfaceRecords;
+        records += IsRadial(run.groups[NGE]) ? 0 : run.groups[NGE].surfaces.records;
     if (records == 0 && (counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0))
         run.check.findings.push_back(
             {run.job.BasicDataLine, "functions of surfaces are given, and no surface card uses them"});

@@ -37,7 +37,7 @@ void JoinNodes(std::vector<std::int32_t>& next, const std::int32_t* nodes, Word 
 void AnchorBySides(const Run& run, MeshParts& parts) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         const ElementGroup& group = run.groups[NGE];
-        if (group.NETIP != 2 || group.surfaceRecords == 0)
+        if (group.NETIP != 2 || group.surfaces.records == 0)
             continue;
         const ConstIntTable NEL = Connectivity(run, group), records = SurfaceRecords<2>(run, group);
         const ConstIntArray numbers = SurfaceRecordNumbers(run, group);

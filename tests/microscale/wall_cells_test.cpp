@@ -59,7 +59,7 @@ double FluidPart(const Parallelepiped& brick, const Point& ball) {
     return fluid / static_cast<double>(along * along * along);
 }
 
-// Faults: an element whose nodes alone reach a wall passed over by the quick look, most of all flat ones; shares that don't
+// Faults: an element whose nodes alone reach a wall passed over by the quick look, most of all flat ones, or for fibres of other kinds; shares that don't
 // integrate a constant over the fluid.
 TEST(WallCells, ThinBricksNearABall) {
     zurt_test::SmallRun small;
@@ -71,7 +71,10 @@ TEST(WallCells, ThinBricksNearABall) {
     for (int i = 0; i < 3000; ++i) {
         std::uniform_real_distribution<double> any(-1.5, 1.5);
         const Point ball = {any(engine), any(engine), any(engine)};
-        const FibreModel model = MakeModel({MakeSet(kSphereFibres, 2 * kRadius, {FibreThrough({ball})})});
+        FibreModel model = MakeModel({MakeSet(kSphereFibres, 2 * kRadius, {FibreThrough({ball})})});
+        if (i % 3 > 0) // far away: a fibre, of the same radius or another one
+            model.sets.push_back(
+                MakeSet(kLineFibres, i % 3 * kRadius, {FibreThrough({{9, 9, 0}, {9, 9, 9}})}));
         const FibreSearch search = SearchOfAllSets(model, 3, LineEnds::Count);
         const Parallelepiped brick = AnyBrickNear(ball, engine);
         const auto& edge = brick.edge;
