@@ -2,7 +2,7 @@
 
 #include "check/node_use.h"
 #include "check/solver_sizes.h"
-#include "elements/cards/group_checks.h"
+#include "elements/forming/element_visit.h"
 #include "geometry/gather.h"
 #include "geometry/group_views.h"
 #include "model/curve_lookup.h"
@@ -157,7 +157,7 @@ void CheckModel(Run& run) {
         return; // a missing card has been found; what follows ends at the first fault
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (!IsRadial(run.groups[NGE]))
-            CheckGroupIndices(run, run.groups[NGE]);
+            CheckGroupOnce(run, run.groups[NGE]);
 }
 
 } // namespace zurt

@@ -15,7 +15,7 @@ std::size_t At(std::int32_t node) {
     return static_cast<std::size_t>(node);
 }
 
-// The head of a node's part; the way there is made shorter.
+// The node that stands for a node's part: next(head) = head. Links that are followed are shortened on the way.
 std::int32_t HeadOf(std::vector<std::int32_t>& next, std::int32_t node) {
     while (next[At(node)] != node) {
         next[At(node)] = next[At(next[At(node)])];

@@ -99,7 +99,7 @@ void TakeFlowsOfNodes(Run& run, StepBalance& balance) {
         balance.inlet -= run.history.inletResidual[static_cast<std::size_t>(node - 1)];
 }
 
-// What comes in and is not there.
+// stored - in, per unit time: 0 for an exact solution of the discrete equations.
 double Imbalance(const StepBalance& balance) {
     const SurfaceFlows& surfaces = balance.surfaces;
     return SumOf(balance.storing) + balance.fibres.taken - balance.held - balance.sources - surfaces.flux -

@@ -7,7 +7,7 @@ namespace zurt {
 
 namespace {
 
-/// Rows of a level on average, from which on a meeting of threads behind it pays.
+/// The least mean number of rows in a level for which it pays to share levels among threads, which meet behind each.
 constexpr std::int32_t kWideLevel = 32;
 
 void SortByLevels(const SymmetricRows& rows, LevelSchedule& schedule) {

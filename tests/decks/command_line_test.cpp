@@ -187,6 +187,13 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
         ExpectRefused(RunProgram(folder, {{"--force", "--vtu", name}, ""}), "it is the deck of this run");
         EXPECT_EQ(ReadFile(folder + "/" + name), kGood);
     }
+    for (const char* name : {"zurt.lst", "MESSAGES.LST", "zurt.pvd"}) {
+        const std::string folder = FolderWith("zurt.dat", kGood);
+        WriteFile(folder + "/" + name, "0 1\n");
+        ExpectRefused(RunProgram(folder, {{"--force", "--vtu", "--prescribed", name, "zurt.dat"}, ""}),
+                      "it is the file of prescribed values of this run");
+        EXPECT_EQ(ReadFile(folder + "/" + name), "0 1\n");
+    }
 }
 
 // Faults: files for viewers of an earlier run that are mixed with this one's, or go without leave; files of somebody else that go; a

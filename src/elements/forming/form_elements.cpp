@@ -39,7 +39,7 @@ struct FormTables {
     SystemTarget system{};
 };
 
-// What becomes of an element, but for its matrix.
+// What forming an element gives, besides its matrix.
 template <int Family> struct FormedElement {
     std::int32_t ND = 0; // nodes; 0: it takes no part
     std::int32_t LM[kMaxNodes<Family>];
@@ -130,7 +130,7 @@ template <int Family, int Nodes> void FormElement(FormVisit<Family>& visit) {
     }
 }
 
-// The residual of the element in hand to the sums of its nodes. Surface terms are added where the caller wants them; they
+// Adds the residual of the element in hand to the sums of its nodes. Surface terms are added where the caller wants them; they
 // need the room of a packed matrix, which is of no use then.
 template <int Family, int Nodes>
 void AddResidual(FormVisit<Family>& visit, bool withSurfaces, RealArray nodalSums) {

@@ -135,7 +135,7 @@ void SolveFibres(const RadialVisit& visit) {
         Copy<double>(RealArray(values.data, values.rows * values.columns),
                      RealArray(starts.data, starts.rows * starts.columns));
     Fill(flux, 0.0);
-    // A fault ends the run, so that no fibre which is solved a second time, behind it, has a say in the results.
+    // A fibre is solved a second time only behind a fault, which ends the run: no result shows its values.
     const Share share = ShareOf(visit.group.NET);
     const Word before = share.first - 1;
     ForRanges(run.workers, share.last - before, kRangeOfFibres, [&](Word first, Word last, int) {
