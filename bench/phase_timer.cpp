@@ -150,15 +150,15 @@ ZURT_WRAP(ComputeColumnHeights,
     Book(kNumbering, start);
 }
 
-ZURT_WRAP(FormElementGroup, "_ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE",
-          (Run & run, ElementGroup& group)) {
+ZURT_WRAP(FormElementGroup, "_ZN4zurt16FormElementGroupERNS_3RunERKNS_12ElementGroupE",
+          (Run & run, const ElementGroup& group)) {
     const double start = Unbooked();
     RealFormElementGroup(run, group);
     Book(kForming, start);
 }
 
-ZURT_WRAP(AddGroupResults, "_ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE",
-          (Run & run, ElementGroup& group)) {
+ZURT_WRAP(AddGroupResults, "_ZN4zurt15AddGroupResultsERNS_3RunERKNS_12ElementGroupE",
+          (Run & run, const ElementGroup& group)) {
     const double start = Unbooked();
     RealAddGroupResults(run, group);
     Book(kFluxes, start);

@@ -28,6 +28,22 @@ zurt_test::SkylineSystem LoadedCube(const benchmark::State& state) {
     return system;
 }
 
+// Floating-point operations of a factorisation of this layout.
+double SkylineFactorOperations(zurt::ConstIntArray MAXA, zurt::Word NN) {
+    double operations = 0.0;
+    for (zurt::Word n = 1; n <= NN; ++n) {
+        const zurt::Word height = MAXA(n + 1) - MAXA(n) - 1;
+        for (zurt::Word i = 1; i < height; ++i) {
+            const zurt::Word count = std::min<zurt::Word>(height - i, MAXA(n - i + 1) - MAXA(n - i) - 1);
+            if (count > 0)
+                operations += 2.0 * static_cast<double>(count) + 1.0;
+        }
+        if (height > 0)
+            operations += 3.0 * static_cast<double>(height) + 1.0;
+    }
+    return operations;
+}
+
 void TimeFactor(benchmark::State& state, Factor factor) {
     zurt_test::SkylineSystem system = LoadedCube(state);
     const std::vector<double> assembled = system.store;
@@ -38,7 +54,7 @@ void TimeFactor(benchmark::State& state, Factor factor) {
         benchmark::DoNotOptimize(factor(system.Store(), system.Pointers(), system.NN));
     }
     state.counters["flops"] =
-        benchmark::Counter(zurt::SkylineFactorOperations(system.Pointers(), system.NN),
+        benchmark::Counter(SkylineFactorOperations(system.Pointers(), system.NN),
                            benchmark::Counter::kIsIterationInvariantRate, benchmark::Counter::kIs1000);
 }
 

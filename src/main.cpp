@@ -8,16 +8,10 @@
 
 namespace {
 
-struct Arguments {
-    int count;
-    char** values;
-};
-
-int RunMain(void* pointer) {
-    const Arguments& arguments = *static_cast<Arguments*>(pointer);
+int RunMain(int count, char** values) {
     int status = 0;
     try {
-        if (const auto settings = zurt::ReadCommandLine(arguments.count, arguments.values, status))
+        if (const auto settings = zurt::ReadCommandLine(count, values, status))
             status = zurt::JobDriver(*settings, stdin, stdout);
     } catch (const std::bad_alloc&) {
         std::fputs("zurt: error: no memory left\n", stderr);
@@ -30,6 +24,5 @@ int RunMain(void* pointer) {
 
 int main(int argc, char** argv) {
     zurt::PrepareProcess();
-    Arguments arguments{argc, argv};
-    return zurt::RunOnOwnStack(RunMain, &arguments);
+    return zurt::RunOnOwnStack(RunMain, argc, argv);
 }

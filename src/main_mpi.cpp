@@ -97,17 +97,11 @@ int RunArguments(int count, char** values) {
     return RunDeck(*settings, values[0], count - ours, values + ours);
 }
 
-struct Arguments {
-    int count;
-    char** values;
-};
-
-int RunMain(void* pointer) {
-    const Arguments& arguments = *static_cast<Arguments*>(pointer);
+int RunMain(int count, char** values) {
     int status = 0;
     zurt::StartRanks();
     try {
-        status = RunArguments(arguments.count, arguments.values);
+        status = RunArguments(count, values);
     } catch (const std::bad_alloc&) {
         status = Refuse("no memory left");
     }
@@ -120,6 +114,5 @@ int RunMain(void* pointer) {
 
 int main(int argc, char** argv) {
     zurt::PrepareProcess();
-    Arguments arguments{argc, argv};
-    return zurt::RunOnOwnStack(RunMain, &arguments);
+    return zurt::RunOnOwnStack(RunMain, argc, argv);
 }

@@ -75,7 +75,7 @@ void CheckCards(Run& run, const ElementGroup& group) {
                  ElementText(group, n) + " has no card; its number is left out between the cards"});
 }
 
-// Nodes of substructured fibres' surfaces serve no element of the system, and are elements' nodes besides.
+// Substructured fibres count none of their nodes: a surface node must belong to another element, too.
 void CheckUse(Run& run, const std::vector<std::int32_t>& uses) {
     const ConstIntArray ID = EquationNumbers(run);
     for (std::int32_t node = 1; node <= run.control.header.NP; ++node)

@@ -2,7 +2,7 @@
 
 #include "check/node_use.h"
 #include "check/solver_sizes.h"
-#include "elements/cards/group_checks.h"
+#include "elements/forming/element_visit.h"
 #include "geometry/gather.h"
 #include "geometry/group_views.h"
 #include "model/curve_lookup.h"
@@ -113,7 +113,7 @@ void CheckHeldSets(Run& run) {
             {run.job.BasicDataLine, "the outlet cards give a concentration, and no node is held to take it"});
     std::int32_t records = 0;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        records += IsRadial(run.groups[NGE]) ? 0 : run.groups[NGE].surfaceRecords;
+        records += IsRadial(run.groups[NGE]) ? 0 : run.groups[NGE].surfaces.records;
     if (records == 0 && (counts.NQP != 0 || counts.NHP != 0 || counts.NTOK != 0 || counts.NHR != 0))
         run.check.findings.push_back(
             {run.job.BasicDataLine, "functions of surfaces are given, and no surface card uses them"});
@@ -157,7 +157,7 @@ void CheckModel(Run& run) {
         return; // a missing card has been found; what follows ends at the first fault
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (!IsRadial(run.groups[NGE]))
-            CheckGroupIndices(run, run.groups[NGE]);
+            CheckGroupOnce(run, run.groups[NGE]);
 }
 
 } // namespace zurt

@@ -15,7 +15,7 @@ std::size_t At(std::int32_t node) {
     return static_cast<std::size_t>(node);
 }
 
-// The head of a node's part; the way there is made shorter.
+// The node that stands for a node's part: next(head) = head. Links that are followed are shortened on the way.
 std::int32_t HeadOf(std::vector<std::int32_t>& next, std::int32_t node) {
     while (next[At(node)] != node) {
         next[At(node)] = next[At(next[At(node)])];
@@ -37,7 +37,7 @@ void JoinNodes(std::vector<std::int32_t>& next, const std::int32_t* nodes, Word 
 void AnchorBySides(const Run& run, MeshParts& parts) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         const ElementGroup& group = run.groups[NGE];
-        if (group.NETIP != 2 || group.surfaceRecords == 0)
+        if (group.NETIP != 2 || group.surfaces.records == 0)
             continue;
         const ConstIntTable NEL = Connectivity(run, group), records = SurfaceRecords<2>(run, group);
         const ConstIntArray numbers = SurfaceRecordNumbers(run, group);

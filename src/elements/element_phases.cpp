@@ -1,6 +1,7 @@
 #include "elements/element_phases.h"
 
 #include "elements/cards/group_cards.h"
+#include "elements/forming/element_visit.h"
 #include "elements/forming/form_elements.h"
 #include "elements/forming/nodal_averaging.h"
 #include "elements/radial/radial_cards.h"
@@ -14,6 +15,7 @@ namespace zurt {
 void ReadElementGroup(Run& run, ElementGroup& group) {
     if (group.NGE == 1)
         BeginLayout(run, NumberingOf(run));
+    ForgetVisits(run, group.NGE);
     if (IsRadial(group))
         ReadGroupRadial(run, group);
     else
@@ -24,14 +26,14 @@ void ReadElementGroup(Run& run, ElementGroup& group) {
     }
 }
 
-void FormElementGroup(Run& run, ElementGroup& group) {
+void FormElementGroup(Run& run, const ElementGroup& group) {
     if (IsRadial(group))
         FormGroupRadial(run, group);
     else
         WithFamily(group, [&](auto family) { FormGroup<family.value>(run, group); });
 }
 
-void AddGroupResults(Run& run, ElementGroup& group) {
+void AddGroupResults(Run& run, const ElementGroup& group) {
     if (run.control.header.NDS == 0)
         return;
     if (group.NGE == 1)

@@ -11,10 +11,10 @@ namespace zurt {
 void ReadElementGroup(Run& run, ElementGroup& group);
 
 /// Forms the elements of the group and adds them to the system.
-void FormElementGroup(Run& run, ElementGroup& group);
+void FormElementGroup(Run& run, const ElementGroup& group);
 
 /// Adds the fluxes and coefficients of the group's elements to the nodal sums, which group 1 clears. Nothing under
 /// NDS 0, where there are no nodal vectors, and for radial fibres.
-void AddGroupResults(Run& run, ElementGroup& group);
+void AddGroupResults(Run& run, const ElementGroup& group);
 
 } // namespace zurt

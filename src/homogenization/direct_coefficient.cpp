@@ -63,9 +63,7 @@ template <int Family> bool LiesWithin(const Domain& domain, const ElementWalk<Fa
     return true;
 }
 
-template <int Family> void FindEnds(Run& run, ElementGroup& group, Domain& domain) {
-    if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
-        return;
+template <int Family> void FindEnds(Run& run, const ElementGroup& group, Domain& domain) {
     ElementWalk<Family> walk{run, group};
     BeginWalk(walk, group.NGAUS, NodalPlacesOf(run));
     for (std::int32_t n = 1; n <= group.NET; ++n) {
@@ -129,9 +127,7 @@ void AddPointToDomain(ElementVisit<Family>& visit, int p, bool takesPart, Domain
     AddEndNodes(jacobian, walk, point, w, domain);
 }
 
-template <int Family> void AddGroup(Run& run, ElementGroup& group, Domain& domain) {
-    if (kDimension<Family> == 1 || domain.axis >= kDimension<Family>) // lines have no cross-section
-        return;
+template <int Family> void AddGroup(Run& run, const ElementGroup& group, Domain& domain) {
     ElementVisit<Family> visit{run, group};
     BeginElementVisit(visit, group.NGAUS);
     const Share share = ShareOf(group.NET);
@@ -180,16 +176,26 @@ void BeginSecondPass(Run& run) {
     RestoreInitialConcentrations(run);
 }
 
+// The groups that have a cross-section; lines have none.
+template <class Visit> void ForGroupsAcross(const Run& run, const Domain& domain, const Visit& visit) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
+        WithFamily(run.groups[NGE], [&](auto family) {
+            if constexpr (kDimension < family.value >> 1)
+                if (domain.axis < kDimension<family.value>)
+                    visit(family, run.groups[NGE]);
+        });
+}
+
 } // namespace
 
 void RecordDirectStep(Run& run) {
     Domain domain = DomainOf(run);
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        WithFamily(run.groups[NGE],
-                   [&](auto family) { FindEnds<family.value>(run, run.groups[NGE], domain); });
-    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
-        WithFamily(run.groups[NGE],
-                   [&](auto family) { AddGroup<family.value>(run, run.groups[NGE], domain); });
+    ForGroupsAcross(run, domain, [&](auto family, const ElementGroup& group) {
+        FindEnds<family.value>(run, group, domain);
+    });
+    ForGroupsAcross(run, domain, [&](auto family, const ElementGroup& group) {
+        AddGroup<family.value>(run, group, domain);
+    });
     SumDomainOverRanks(domain);
     const double concentration = domain.fluid > 0.0 ? domain.amount / domain.fluid : 0.0;
     const double bulk = BulkCoefficient(run, concentration);

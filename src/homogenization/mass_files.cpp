@@ -15,7 +15,7 @@ TextUnit& MainUnit(Run& run) {
     return MassUnit(run, run.fit.INDDEG);
 }
 
-// Later problems of the deck go on behind the tables of earlier ones; the head of a plain run alone is not kept.
+// Tables of a later problem are appended to those of earlier ones. What plain runs have written, a head alone, is replaced.
 void OpenMassFile(Run& run, std::int32_t direction) {
     TextUnit& unit = MassUnit(run, direction);
     if (IsOpen(unit))

@@ -15,6 +15,14 @@ bool RunsSeveralTimes(const Run& run) {
     return run.fit.card.NFIT == 1 || run.control.header.IDIRECTD == 1;
 }
 
+RealArray RoomForStartValues(Run& run) {
+    if (!RunsSeveralTimes(run))
+        return {};
+    const std::int32_t NP = run.control.header.NP;
+    run.mass.startValues.resize(static_cast<std::size_t>(NP));
+    return {run.mass.startValues.data(), NP};
+}
+
 void KeepInitialConcentrations(Run& run) {
     const ConstIntArray ID = EquationNumbers(run);
     const ConstRealArray solution = StepSolution(run);

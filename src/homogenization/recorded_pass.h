@@ -13,6 +13,9 @@ namespace zurt {
 /// calculation.
 bool RunsSeveralTimes(const Run& run);
 
+/// Room for the initial concentration of every node, 1..NP; empty for problems that run once.
+RealArray RoomForStartValues(Run& run);
+
 /// Keeps StepSolution node by node. A node without an equation keeps what its card group gave it
 /// (model/initial_conditions.h).
 void KeepInitialConcentrations(Run& run);

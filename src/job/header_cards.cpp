@@ -113,18 +113,6 @@ constexpr CardField kExecutionFields[] = {
     ZURT_COUNT(HeaderFields, PotentialFunctionSize, "I5", "words for the potential under ITOR 2"),
 };
 
-constexpr CardField kGroupFields[] = {
-    ZURT_CODE(ElementGroup, NETIP, "I5", 1, kLargestElementType, "acts as 4: radial fibre elements",
-              "element type: 1, 2, 3 by dimension, any other the radial fibre element"),
-    ZURT_COUNT(ElementGroup, NET, "I10", "number of elements"),
-    ZURT_CODE(ElementGroup, INDAX, "I5", 0, 1, "acts as 1: axisymmetric", "1: axisymmetric"),
-    ZURT_CODE(ElementGroup, IZIP, "I5", 0, 2, "asks for no source: the group has none",
-              "volume source: 0 none, 1 by time, 2 by concentration"),
-    ZURT_CODE(ElementGroup, ISUB4, "I5", 0, 1, "is no code: below 1 it acts as 0, above in part as 1",
-              "radial element: 1 with substructuring"),
-    ZURT_INTEGER(ElementGroup, IND4N, "I5", "radial element: common nodes, 0 one, 1 four, 2 eight"),
-};
-
 constexpr CardField kMaterialHeaderFields[] = {
     ZURT_COUNT(CurveCounts, NANLK, "I5", "analytic functions of the diffusion coefficient"),
     ZURT_COUNT(CurveCounts, NTABK, "I5", "tabular functions of the diffusion coefficient; 0: all analytic"),
@@ -169,7 +157,6 @@ const CardLayout kDegradationCard = Layout("Degradation card", kDegradationField
 const CardLayout kBasicDataCard = Layout("Basic data card", kBasicDataFields);
 const CardLayout kControlCard = Layout("Control card", kControlFields);
 const CardLayout kExecutionCard = Layout("Execution card", kExecutionFields);
-const CardLayout kGroupCard = Layout("Element group card", kGroupFields);
 const CardLayout kMaterialHeaderCard = Layout("Material header card", kMaterialHeaderFields);
 const CardLayout kDeviceMaterialHeaderCard =
     Layout("Material header card under NDS", kDeviceMaterialHeaderFields);
@@ -241,9 +228,7 @@ void ReadExecutionCard(Run& run) {
     ReadCardFields(run.deck, run.control.header.INDFOR, kExecutionCard, &run.control.header);
 }
 
-void ReadGroupCard(Run& run, ElementGroup& group) {
-    ReadCardFields(run.deck, run.control.header.INDFOR, kGroupCard, &group);
-    group.cardLine = run.deck.cardLine;
+void NoteKindOfGroup(Run& run, const ElementGroup& group) {
     if (group.IZIP > 0)
         run.job.SourcePresent = 1;
     if (group.IZIP == 2)

@@ -14,7 +14,6 @@ extern const CardLayout kDegradationCard;
 extern const CardLayout kBasicDataCard;
 extern const CardLayout kControlCard;
 extern const CardLayout kExecutionCard;
-extern const CardLayout kGroupCard;
 extern const CardLayout kMaterialHeaderCard;
 extern const CardLayout kDeviceMaterialHeaderCard;
 extern const CardLayout kBoundaryCard;
@@ -30,8 +29,8 @@ void ReadDeviceCards(Run& run);
 void ReadBasicData(Run& run);
 void ReadControlCard(Run& run);
 void ReadExecutionCard(Run& run);
-/// One element group card into its row.
-void ReadGroupCard(Run& run, ElementGroup& group);
+/// What the card of one group says of the problem: sources, sources by concentration, substructures.
+void NoteKindOfGroup(Run& run, const ElementGroup& group);
 /// Counts of curves; under NDS the first field is MAXPMAT and the others follow from it.
 void ReadMaterialHeader(Run& run);
 /// NPOC and the counts of functions. IZIP positive in some group with NQE 0 stops the run.

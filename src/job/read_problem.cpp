@@ -4,6 +4,7 @@
 #include "check/check_model.h"
 #include "core/format.h"
 #include "core/stop.h"
+#include "elements/cards/group_cards.h"
 #include "elements/element_phases.h"
 #include "elements/surfaces/surface_cards.h"
 #include "geometry/radial_nodes.h"
@@ -127,13 +128,13 @@ void ReadElementGroups(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         if (NGE > kMaxGroups)
             StopOnTooManyGroups(run, NGE);
-        ElementGroup& group = run.groups[NGE];
+        const ElementGroup& group = run.groups[NGE];
         const std::int32_t first = NumberOfNextCard(run.deck);
-        group.NGE = NGE;
-        ReadGroupCard(run, group);
+        ReadGroupCard(run, NGE);
+        NoteKindOfGroup(run, group);
         if (EchoInput(run))
             EchoGroupCard(run, group, first);
-        ReadElementGroup(run, group);
+        ReadElementGroup(run, run.groups[NGE]);
         WriteUnvElements(run, group);
     }
 }
@@ -215,7 +216,7 @@ void ReadBoundaryData(Run& run) {
     RequireUseOfPrescribedValues(run);
     TakeSolutionVectors(run);
     if (run.control.header.NSTAC != 0 || run.job.NonlinearFlag == 1) {
-        ReadInitialConditions(run);
+        ReadInitialConditions(run, RoomForStartValues(run));
         StartAssembledFibres(run);
     }
     if (run.control.header.NSTAC == 0 || run.job.NonlinearFlag == 1) {

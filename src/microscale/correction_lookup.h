@@ -19,7 +19,7 @@ double LookupCorrectionFactor(ConstRealArray distance, ConstRealArray concentrat
                               double c, double d);
 
 /// The same from a record, to the last bit; a table that is not there gives 1. Where rows and columns rise an interval is
-/// found by counting, without a jump that hangs on the data.
+/// found by counting, without a branch that depends on the data.
 double LookupCorrectionFactor(const CorrectionTable& table, double c, double d);
 
 /// Whether distances and concentrations rise from each to the next: what `rising` of the record says.

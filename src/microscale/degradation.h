@@ -1,7 +1,7 @@
 // Diffusion in a degrading polymer, whose pores open as it dissolves.
 //
 // With the data of the degradation card: the porosity grows with the rate K, the coefficient in the solid falls with the
-// rate Kw, and both phases, in equilibrium through the partitioning, carry side by side. Called by the radial fibre
+// rate Kw, and both phases, in equilibrium through the partitioning, conduct in parallel. Called by the radial fibre
 // element under INDDEGR 1, with TIME in the deck's unit.
 #pragma once
 

@@ -105,8 +105,8 @@ template <int Family> bool BoxesHold(const FibreSearch& search, const Ball& ball
     return true;
 }
 
-// The computed distance to a wall changes by no more than the way that one goes, except at ends of lines, at faces of search
-// boxes, and between fibres of different diameters, whose order goes by their axes.
+// The computed distance d to a wall has |d(X) - d(Y)| <= |X - Y|, except at ends of lines, at faces of search boxes, and
+// between fibres of different diameters, of which the one with the nearest axis counts.
 template <int Family>
 bool IsFarFromWalls(const FibreSearch& search, const ElementNodes<Family>& element, int ND) {
     constexpr double kCurved = 1.1; // sides may bulge beyond their nodes

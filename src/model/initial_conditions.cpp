@@ -224,13 +224,10 @@ const CardLayout kInitialGroupCard = Layout("Initial value group", kInitialGroup
 const CardLayout kInitialNodeListCard = Layout("Initial value node list", kInitialNodeListFields);
 const CardLayout kInitialRangeCard = Layout("Initial value range", kInitialRangeFields);
 
-void ReadInitialConditions(Run& run) {
-    StartArrays arrays{EquationNumbers(run), NodeCardValues(run), StepSolution(run), {}};
-    if (run.fit.card.NFIT == 1 || run.control.header.IDIRECTD == 1) {
-        const ConstRealArray held = NodeCardValues(run);
-        run.mass.startValues.assign(held.data, held.data + held.length);
-        arrays.byNode = RealArray(run.mass.startValues.data(), held.length);
-    }
+void ReadInitialConditions(Run& run, RealArray byNode) {
+    const StartArrays arrays{EquationNumbers(run), NodeCardValues(run), StepSolution(run), byNode};
+    if (byNode.length > 0)
+        Copy<double>(NodeCardValues(run), byNode);
     if (run.control.counts.NPOC < 2)
         ReadSingleValue(run, arrays);
     else

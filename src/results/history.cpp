@@ -66,7 +66,7 @@ void SumGroups(Run& run, StepBalance& balance) {
     Fill(sums.residual, 0.0);
     Fill(sums.volumePart, 0.0);
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        ElementGroup& group = run.groups[NGE];
+        const ElementGroup& group = run.groups[NGE];
         if (IsRadial(group)) {
             AddRadialBalance(run, group, sums.residual, balance.fibres);
             continue;
@@ -99,7 +99,7 @@ void TakeFlowsOfNodes(Run& run, StepBalance& balance) {
         balance.inlet -= run.history.inletResidual[static_cast<std::size_t>(node - 1)];
 }
 
-// What comes in and is not there.
+// stored - in, per unit time: 0 for an exact solution of the discrete equations.
 double Imbalance(const StepBalance& balance) {
     const SurfaceFlows& surfaces = balance.surfaces;
     return SumOf(balance.storing) + balance.fibres.taken - balance.held - balance.sources - surfaces.flux -

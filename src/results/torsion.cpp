@@ -1,7 +1,7 @@
 #include "results/torsion.h"
 
 #include "core/format.h"
-#include "elements/cards/group_checks.h"
+#include "elements/forming/element_visit.h"
 #include "geometry/element_walk.h"
 
 namespace zurt {
@@ -55,8 +55,8 @@ double ElementMoment(const TorsionWalk& torsion) {
 }
 
 // The elements of the group that are printed; their moments add to TORZM.
-void PrintGroupTorsion(Run& run, ElementGroup& group, double& TORZM) {
-    CheckGroupIndices(run, group);
+void PrintGroupTorsion(Run& run, const ElementGroup& group, double& TORZM) {
+    CheckGroupOnce(run, group);
     TorsionWalk torsion{{run, group}, NodalValues(run)};
     BeginWalk(torsion.walk, group.NGAUS, NodalPlacesOf(run));
     torsion.walk.axisymmetric = false;

@@ -17,8 +17,8 @@ constexpr std::uint64_t kBlock = 32768;
 constexpr int kLevel = 1;
 constexpr int kWindowBits = 15, kMemoryLevel = 9; // zlib's largest
 
-// The digits of values that differ everywhere hold no strings that come again, and looking for them takes most of the time.
-// A block in so many tells whether the others are only to be coded by frequency, as those are that it hardly made smaller.
+// Where all values differ, no strings of bytes repeat, and searching for repeats takes most of the time. Of so many blocks
+// the first is searched; when its size falls to no less than this part, the others are coded by frequency alone.
 constexpr std::uint64_t kBlocksToATrial = 16;
 constexpr double kHardlySmaller = 0.85;
 

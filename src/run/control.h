@@ -12,7 +12,6 @@
 namespace zurt {
 
 constexpr int kTitleLength = 80;
-constexpr int kMaxGroups = 10;
 
 /// Fields of the title, format, device and degradation cards, of basic data, control and execution card.
 struct HeaderFields {

@@ -1,4 +1,5 @@
-// One element group: its row of NETV, its family's group card and where its data block lies in `A`.
+// One element group: its row of NETV, its family's group card and where its data block lies in `A`; and what visits of
+// the groups leave to later ones.
 #pragma once
 
 #include "core/array_view.h"
@@ -8,18 +9,8 @@
 
 namespace zurt {
 
-/// A lookup at the exact end of a curve gives no value: the variable keeps what the group's lookup before gave it.
-struct HeldCurveValues {
-    double K[3] = {};  // conductivity curves of the three directions
-    double CP = 0.0;   // capacity curve
-    double QV = 0.0;   // volume source
-    double rate = 0.0; // the source function of a mean rate, at the end of the step
-    double QS = 0.0;   // surface flux
-    double TE = 0.0;   // environment
-    double HC = 0.0;   // convection coefficient
-    double EM = 0.0;   // emissivity
-    double FR = 0.0;   // radiation coefficient of the surface point before
-};
+/// Most groups of a problem.
+constexpr int kMaxGroups = 10;
 
 /// Most sub-elements of one radial element.
 constexpr std::int32_t kMaxSubElements = 10;
@@ -54,6 +45,14 @@ struct RadialGroup {
     std::vector<double> centres; // 3 x NET under ISUB4 1: where results show the fibres
 };
 
+/// Surface block in `A`, read behind the function tables; of use only while the problem has any of them.
+struct SurfaceBlock {
+    Word LNSURF = 0;          // NET: number of the element's surface record, 0 none
+    Word LISURF = 0;          // records of five integers a side
+    std::int32_t records = 0; // in use
+};
+
+/// What the cards gave; constant once the group has been read.
 struct ElementGroup {
     std::int32_t NGE = 0; // number of the group, from 1
     Word cardLine = 0;    // of the deck, with the group card
@@ -89,15 +88,27 @@ struct ElementGroup {
     bool hasMaterials = false, hasSources = false, hasValueFlags = false, hasCoordinateFlags = false;
     bool hasThickness = false;
 
-    // Surface block in `A`, read behind the function tables; of use only while the problem has any of them.
-    Word LNSURF = 0;                 // NET: number of the element's surface record, 0 none
-    Word LISURF = 0;                 // records of five integers a side
-    std::int32_t surfaceRecords = 0; // in use
-
-    bool indicesChecked = false; // numbers that could not be checked at reading have been checked since
-    HeldCurveValues held;
-
+    SurfaceBlock surfaces;
     RadialGroup radial; // of use in groups of that family alone
+};
+
+/// A lookup at the exact end of a curve gives no value: the variable keeps what the group's lookup before gave it.
+struct HeldCurveValues {
+    double K[3] = {};  // conductivity curves of the three directions
+    double CP = 0.0;   // capacity curve
+    double QV = 0.0;   // volume source
+    double rate = 0.0; // the source function of a mean rate, at the end of the step
+    double QS = 0.0;   // surface flux
+    double TE = 0.0;   // environment
+    double HC = 0.0;   // convection coefficient
+    double EM = 0.0;   // emissivity
+    double FR = 0.0;   // radiation coefficient of the surface point before
+};
+
+/// What the visits of the groups 1..NGET leave to those that follow.
+struct GroupVisits {
+    HeldCurveValues held[kMaxGroups + 1];
+    bool checked[kMaxGroups + 1] = {}; // numbers that could not be checked at reading have been checked since
 };
 
 /// Packed upper triangle of an element matrix.

@@ -171,7 +171,7 @@ void MakeFolder(const std::string& folder) {
     }
 }
 
-// Ahead of the run, so that none ends at its first result: without leave to overwrite no output may be there.
+// Without leave to overwrite, no output may exist. Asked before anything is calculated, so that no work is lost.
 void RequireFreeNames(const Run& run) {
     const Units& units = run.units;
     std::string taken;
@@ -204,7 +204,7 @@ std::array<TextUnit*, 7> OutputUnits(Units& units) {
             &units.massZ,   &units.messages, &units.history};
 }
 
-// Behind what the run wrote there that this one goes on from.
+// After a restart the file goes on behind the lines of the run that was interrupted.
 void OpenProgressFile(Run& run) {
     TextUnit& unit = run.units.progress;
     if (run.options.progress.empty())

@@ -30,8 +30,9 @@ void OpenMissingStream(int descriptor, int flags) {
 }
 
 struct Job {
-    int (*run)(void* argument);
-    void* argument;
+    int (*run)(int count, char** values);
+    int count;
+    char** values;
     int status;
 };
 
@@ -52,7 +53,7 @@ void FailWithinJob() {
 void* RunJob(void* pointer) {
     Job& job = *static_cast<Job*>(pointer);
     jobIsRunning = 1;
-    job.status = job.run(job.argument);
+    job.status = job.run(job.count, job.values);
     jobIsRunning = 0;
     return nullptr;
 }
@@ -67,15 +68,15 @@ void PrepareProcess() {
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
-int RunOnOwnStack(int (*job)(void* argument), void* argument) {
+int RunOnOwnStack(int (*job)(int count, char** values), int count, char** values) {
     std::atexit(FailWithinJob);
-    Job work{job, argument, 0};
+    Job work{job, count, values, 0};
     pthread_attr_t attributes;
     pthread_t thread;
     pthread_attr_init(&attributes);
     pthread_attr_setstacksize(&attributes, kStackSize);
     if (pthread_create(&thread, &attributes, RunJob, &work) != 0)
-        return job(argument);
+        return job(count, values);
     pthread_attr_destroy(&attributes);
     pthread_join(thread, nullptr);
     return work.status;

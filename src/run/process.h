@@ -7,7 +7,7 @@ namespace zurt {
 /// that the parent has closed is there and fails likewise, so that no file of the run takes its place.
 void PrepareProcess();
 
-/// Runs `job` with `argument` on a stack of its own, whatever limit the parent has set, and returns its result.
-int RunOnOwnStack(int (*job)(void* argument), void* argument);
+/// Runs `job` with the arguments of the program on a stack of its own, whatever limit the parent has set, and returns its result.
+int RunOnOwnStack(int (*job)(int count, char** values), int count, char** values);
 
 } // namespace zurt

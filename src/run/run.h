@@ -41,6 +41,7 @@ struct Run {
     Units units;
     WorkingVector A;
     ElementGroup groups[kMaxGroups + 1]; // 1..NGET
+    GroupVisits visits;
     FitState fit;
     FibreModel fibres; // empty without fibre sets
     NodalAveraging averaging;

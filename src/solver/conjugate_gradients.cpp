@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kShifts[] = {0.0, 1e-3, 1e-2, 1e-1, 1.0};
 
-/// A residual of so many roundings of the solution can't be made smaller: what a direct solver leaves is no less.
+/// |b - A x| <= kRoundings |x| can't be made smaller: a direct solver leaves a residual of this size.
 constexpr double kRoundings = 100.0 * std::numeric_limits<double>::epsilon();
 
 // The system in hand as one worker of the team sees it. Each does the parts of the rows that are its own, and all come to the
@@ -240,7 +240,7 @@ GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const RowOr
     report.factored = A.JEDN == 0;
     if (report.factored)
         return report;
-    Workers alone; // a single part leaves others nothing but meetings
+    Workers alone; // with a single part the others would only wait
     Workers& sharing = PartCount(order) > 1 ? workers : alone;
     TakeRoom(A, order, sharing.count, work);
     InTeam(sharing, [&](int worker) {

@@ -39,6 +39,17 @@ void TakeTermRoom(std::vector<DeferredTerm>& deferred, Word ND) {
         deferred.reserve(2 * size);
 }
 
+/// What an operation is for each kind of solver; a further kind is asked for in all of them.
+template <class Skyline, class Rows, class Sparse>
+auto ByKind(SolverKind kind, const Skyline& skyline, const Rows& rows, const Sparse& sparse) {
+    if (kind == SolverKind::Skyline)
+        return skyline();
+    return kind == SolverKind::Rows ? rows() : sparse();
+}
+
+/// Of a solver for which there is nothing to be done.
+constexpr auto kNothing = [] {};
+
 } // namespace
 
 Numbering NumberingOf(const Run& run) {
@@ -46,93 +57,58 @@ Numbering NumberingOf(const Run& run) {
 }
 
 void BeginLayout(Run& run, const Numbering& numbering) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        return BeginSkyline(run, numbering);
-    case SolverKind::Rows:
-        return BeginRows(run);
-    case SolverKind::Sparse:
-        return;
-    }
+    ByKind(
+        KindOf(run), [&] { BeginSkyline(run, numbering); }, [&] { BeginRows(run); }, kNothing);
 }
 
 void LayOutElements(Run& run, const Numbering& numbering, ConstIntTable NEL, Word NDIM, ConstIntArray marks) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        return RaiseHeights(run, numbering, NEL, NDIM, marks);
-    case SolverKind::Rows:
-        return CoupleRows(run, numbering, NEL, NDIM, marks);
-    case SolverKind::Sparse:
-        return;
-    }
+    ByKind(
+        KindOf(run), [&] { RaiseHeights(run, numbering, NEL, NDIM, marks); },
+        [&] { CoupleRows(run, numbering, NEL, NDIM, marks); }, kNothing);
 }
 
 Word FinishLayout(Run& run, const Numbering& numbering) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        return FinishSkyline(run, numbering);
-    case SolverKind::Rows:
-        FinishRows(run, numbering);
-        break;
-    case SolverKind::Sparse:
-        break;
-    }
-    return 0;
+    return ByKind(
+        KindOf(run), [&] { return FinishSkyline(run, numbering); },
+        [&] {
+            FinishRows(run, numbering);
+            return Word{0};
+        },
+        [] { return Word{0}; });
 }
 
 void SetLayoutAside(Run& run, std::int32_t JEDN) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        return SetPointersAside(run, JEDN);
-    case SolverKind::Rows:
-        return SetRowsAside(run);
-    case SolverKind::Sparse:
-        return;
-    }
+    ByKind(
+        KindOf(run), [&] { SetPointersAside(run, JEDN); }, [&] { SetRowsAside(run); }, kNothing);
 }
 
 void PutLayoutBack(Run& run) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        return PutPointersBack(run);
-    case SolverKind::Rows:
-        return PutRowsBack(run);
-    case SolverKind::Sparse:
-        return;
-    }
+    ByKind(
+        KindOf(run), [&] { PutPointersBack(run); }, [&] { PutRowsBack(run); }, kNothing);
 }
 
 void ReportSystem(Run& run) {
-    switch (KindOf(run)) {
-    case SolverKind::Rows:
-        return ReportRows(run);
-    case SolverKind::Skyline:
-    case SolverKind::Sparse:
-        return;
-    }
+    ByKind(
+        KindOf(run), kNothing, [&] { ReportRows(run); }, kNothing);
 }
 
 ElementLimit ElementLimitOf(const Run& run) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        break;
-    case SolverKind::Rows:
-        return {0, "conjugate gradients"};
-    case SolverKind::Sparse:
-        return {kMaxSparseNodes, "the sparse solver (SolverSelector 2)"};
-    }
-    return {0, "the skyline solver"};
+    return ByKind(
+        KindOf(run),
+        [] {
+            return ElementLimit{0, "the skyline solver"};
+        },
+        [] {
+            return ElementLimit{0, "conjugate gradients"};
+        },
+        [] {
+            return ElementLimit{kMaxSparseNodes, "the sparse solver (SolverSelector 2)"};
+        });
 }
 
 void ClearMatrix(Run& run) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        return ClearStore(run);
-    case SolverKind::Rows:
-        return ClearRows(run);
-    case SolverKind::Sparse:
-        return BeginTree(run);
-    }
+    ByKind(
+        KindOf(run), [&] { ClearStore(run); }, [&] { ClearRows(run); }, [&] { BeginTree(run); });
 }
 
 void ClearSystem(Run& run) {
@@ -145,42 +121,23 @@ SystemTarget SystemTargetOf(Run& run) {
     system.kind = KindOf(run);
     system.R = RightHandSide(run);
     system.matrixFlag = run.clock.FactorFlag;
-    switch (system.kind) {
-    case SolverKind::Skyline:
-        OpenStore(run, system);
-        break;
-    case SolverKind::Rows:
-        OpenRows(run, system);
-        break;
-    case SolverKind::Sparse:
-        OpenTree(run, system);
-        break;
-    }
+    ByKind(
+        system.kind, [&] { OpenStore(run, system); }, [&] { OpenRows(run, system); },
+        [&] { OpenTree(run, system); });
     return system;
 }
 
 void AddElement(const SystemTarget& system, ConstRealArray S, ConstRealArray FE, ConstIntArray LM, Word ND) {
-    switch (system.kind) {
-    case SolverKind::Skyline:
-        return AddToStore(system, S, FE, LM, ND);
-    case SolverKind::Rows:
-        return AddToRows(system, S, FE, LM, ND);
-    case SolverKind::Sparse:
-        return AddToTree(system, S, FE, LM, ND);
-    }
+    ByKind(
+        system.kind, [&] { AddToStore(system, S, FE, LM, ND); }, [&] { AddToRows(system, S, FE, LM, ND); },
+        [&] { AddToTree(system, S, FE, LM, ND); });
 }
 
 void LocateElement(const SystemTarget& system, ConstIntArray LM, Word ND, ElementPlaces& places) {
     places.count = 0;
-    if (system.matrixFlag == 0)
-        return;
-    switch (system.kind) {
-    case SolverKind::Skyline:
-        return LocateInStore(system, LM, ND, places);
-    case SolverKind::Rows:
-    case SolverKind::Sparse:
-        return;
-    }
+    if (system.matrixFlag != 0)
+        ByKind(
+            system.kind, [&] { LocateInStore(system, LM, ND, places); }, kNothing, kNothing);
 }
 
 void AddLocatedElement(const SystemTarget& system, ElementPlaces& places, ConstRealArray S, ConstRealArray FE,
@@ -230,14 +187,8 @@ void AddElementBeside(const SystemTarget& system, ElementPlaces& places, ConstRe
 }
 
 void SolveSystem(Run& run) {
-    switch (KindOf(run)) {
-    case SolverKind::Skyline:
-        return SolveStore(run);
-    case SolverKind::Rows:
-        return SolveRows(run);
-    case SolverKind::Sparse:
-        return SolveTree(run);
-    }
+    ByKind(
+        KindOf(run), [&] { SolveStore(run); }, [&] { SolveRows(run); }, [&] { SolveTree(run); });
 }
 
 } // namespace zurt

@@ -208,19 +208,4 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN) {
     return FactorSkyline(SkylineMatrix, MAXA, NN, WidestInstructionSet(), alone);
 }
 
-double SkylineFactorOperations(ConstIntArray MAXA, Word NN) {
-    double operations = 0.0;
-    for (Word n = 1; n <= NN; ++n) {
-        const Word height = MAXA(n + 1) - MAXA(n) - 1;
-        for (Word i = 1; i < height; ++i) {
-            const Word count = std::min<Word>(height - i, MAXA(n - i + 1) - MAXA(n - i) - 1);
-            if (count > 0)
-                operations += 2.0 * static_cast<double>(count) + 1.0;
-        }
-        if (height > 0)
-            operations += 3.0 * static_cast<double>(height) + 1.0;
-    }
-    return operations;
-}
-
 } // namespace zurt

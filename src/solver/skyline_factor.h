@@ -24,7 +24,4 @@ Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN, Instruc
 /// The same with the widest set and one worker.
 Word FactorSkyline(RealArray SkylineMatrix, ConstIntArray MAXA, Word NN);
 
-/// The number of floating-point operations that a factorisation of this layout takes.
-double SkylineFactorOperations(ConstIntArray MAXA, Word NN);
-
 } // namespace zurt

@@ -16,7 +16,7 @@ constexpr std::int64_t kRowsRemembered = std::int64_t{1} << 24;
 // Steps along the sequence that are tried ahead of a search in the tree.
 constexpr int kMostSteps = 12;
 constexpr std::size_t kCacheLine = 64;
-// So far ahead of a walk lies, in the usual order of memory, what it needs next: a row or two.
+// Bytes ahead of a walk that are called into the cache: a row or two in the usual order of memory.
 constexpr std::size_t kWalkAhead = 3072;
 
 enum class Side { Left, Right };

@@ -81,8 +81,7 @@ void TransferState(CheckpointStream& stream, Run& run) {
     const Pointers& at = run.control.at;
     TransferRecord(stream, run.clock);
     TransferRecord(stream, run.outputs);
-    for (ElementGroup& group : run.groups)
-        TransferRecord(stream, group.held);
+    TransferRecord(stream, run.visits.held);
     TransferNumbers(stream, run.mass.FLUXMICRO);
     TransferNumbers(stream, run.mass.FLUXEQUIV);
     TransferRecord(stream, run.mass.flowRows);

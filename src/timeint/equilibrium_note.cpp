@@ -25,7 +25,7 @@ std::string Short(double value) {
 StiffestElement FindStiffest(Run& run) {
     StiffestElement stiffest;
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
-        ElementGroup& group = run.groups[NGE];
+        const ElementGroup& group = run.groups[NGE];
         WithFamily(group, [&](auto family) { FindStiffestElement<family.value>(run, group, stiffest); });
     }
     return stiffest;

@@ -10,7 +10,7 @@ namespace zurt {
 /// The end of the step must be a finite time.
 void RequireFiniteTime(const Run& run);
 
-/// The solution of the system (RHS) by equation, as it comes from the solver; names the first node that has none.
+/// The solution of the system (RHS) by equation, as it comes from the solver; names the first node whose value is not finite.
 void RequireFiniteSolution(const Run& run);
 
 /// The concentrations at the nodes, and with NDS 1 and 3 mass fluxes, fluxes and coefficients, ahead of being written.

@@ -92,8 +92,8 @@ void WriteGraphicsStep(Run& run) {
     run.outputs.GraphicsCounter = 0;
 }
 
-// The steps of the graphics file, also where there is none (IGRAF below 0); of a steady problem, whose steps are all of one
-// time, the last one.
+// The steps that go to the graphics file, or would with IGRAF above 0; of a steady problem, whose steps all have one time, the
+// last one alone.
 bool IsViewerStep(const Run& run) {
     const Word interval = std::abs(Word{run.control.header.IGRAF});
     return run.clock.KOR == run.pass.NDT || (run.control.header.NSTAC != 0 && run.clock.KOR % interval == 0);

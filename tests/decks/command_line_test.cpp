@@ -107,6 +107,18 @@ TEST(CommandLine, OptionsAndEnds) {
         Refused({"--solver", "cg", "--tolerance", "0", "zurt.dat"}, "--tolerance takes a number"),
         Refused({"--json", "zurt.dat"}, "--json belongs to --check"),
         Refused({"--check", "--force", "zurt.dat"}, "--check writes no files"),
+        Refused({"--solver", "cg", "--tolerance", "1", "zurt.dat"}, "--tolerance takes a number"),
+        Refused({"--words", "9000000000000", "zurt.dat"}, "--words takes a count between 1 and"),
+        Refused({"--prescribed", "none", "zurt.dat"}, "can't open the file of prescribed values none"),
+        Refused({"--probe", "3", "zurt.dat"}, "--probe names nodes for the table of --history"),
+        Refused({"--wall-cells", "1", "zurt.dat"}, "--wall-cells takes a count between 2 and"),
+        Refused({"--wall-cells", "33", "zurt.dat"}, "--wall-cells takes a count between 2 and"),
+        Refused({"--threads", "-1", "zurt.dat"}, "--threads takes a count between 0 and"),
+        Refused({"--threads", "100000", "zurt.dat"}, "--threads takes a count between 0 and"),
+        Refused({"--checkpoint", "0", "zurt.dat"}, "--checkpoint takes a count of steps"),
+        Refused({"zurt.dat", "--restart", ""}, "--restart needs the name"),
+        Refused({"zurt.dat", "--progress", ""}, "--progress needs the name"),
+        Refused({"zurt\x01.dat"}, "can't open the deck zurt"),
         Refused({"zurt.dat", "--output"}, "--output"),
         Refused({"zurt.dat", "--output", ""}, "--output needs the name of a folder"),
         Refused({"zurt.dat", "--output", "zurt.dat"}, "can't make the folder zurt.dat"),
@@ -171,6 +183,13 @@ TEST(CommandLine, NothingIsOverwrittenWithoutLeave) {
         const std::string folder = FolderWith(name, kGood);
         ExpectRefused(RunProgram(folder, {{"--force", "--vtu", name}, ""}), "it is the deck of this run");
         EXPECT_EQ(ReadFile(folder + "/" + name), kGood);
+    }
+    for (const char* name : {"zurt.lst", "MESSAGES.LST", "zurt.pvd"}) {
+        const std::string folder = FolderWith("zurt.dat", kGood);
+        WriteFile(folder + "/" + name, "0 1\n");
+        ExpectRefused(RunProgram(folder, {{"--force", "--vtu", "--prescribed", name, "zurt.dat"}, ""}),
+                      "it is the file of prescribed values of this run");
+        EXPECT_EQ(ReadFile(folder + "/" + name), "0 1\n");
     }
 }
 

@@ -238,6 +238,9 @@ TEST(Prescribed, FilesAreRefusedOrNotedWithTheirPlace) {
     PlaneDeck linear = Rectangle(2, 1, 0, 1, 0, 1);
     HoldFaces(linear);
     linear.conductivity = {{0, 1}};
+    PlaneDeck linearSteps = linear;
+    linearSteps.steps = 2;
+    linearSteps.stepSize = 0.1;
     const Case cases[] = {
         {line, "-1\n", 2, "deck faces, line 1, Prescribed value count, field NZADC: \"-1\""},
         {line, "1 2\n", 2, "line 1, Prescribed value count, field IGATH: \"2\""},
@@ -250,6 +253,13 @@ TEST(Prescribed, FilesAreRefusedOrNotedWithTheirPlace) {
         {Build(linear), "1\n" + functions + "1 1 1. 0\n", 2,
          "faces: a steady problem with constant coefficients"},
         {Build(linear), "0 1\n", 0, ""},
+        {Build(linear), "0,1\n", 0, ""},
+        {Build(linear), "0\t1\n", 0, ""},
+        {Build(linearSteps), "0 1\n", 2, "faces: a transient problem with constant coefficients"},
+        {SmallDeckText("direct"), "0 1\n", 2,
+         "field IGATH: \"1\": a fit and the direct calculation free all"},
+        {line, "2\n" + functions + "2 1 1. 0\n3 1 1. 0\n", 0,
+         "2 entries are for nodes that are not held (node 2 first)"},
         {SmallDeckText("fit"), "1\n" + functions + "1 1 1. 0\n", 2,
          "a fit and the direct calculation free all held"},
         {line, "1\n" + functions + "2 1 1. 0\n", 0, "1 entry is for a node that is not held (node 2)"},

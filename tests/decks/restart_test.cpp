@@ -144,6 +144,15 @@ TEST(Progress, FileOfSteps) {
     EXPECT_TRUE(Contains(ofFit, "fit in x, model with fibres, step 1/")) << ofFit;
     EXPECT_TRUE(Contains(ofFit, "fit in x, run 2, curve from ")) << ofFit;
     EXPECT_TRUE(Contains(ofFit, "closing run, step ")) << ofFit;
+    const std::pair<const char*, const char*> others[] = {
+        {"direct", "pass 2 of the direct calculation, step 1/"},
+        {"two free", "problem 2, step 1/"},
+        {"steady free", "step 1/1, iteration "}};
+    for (const auto& [deck, place] : others) {
+        WriteFile(folder + "/other.dat", SmallDeckText(deck));
+        EXPECT_EQ(RunIn(folder, {"--progress", "other.log", "--force"}, "other.dat").status, 0);
+        EXPECT_TRUE(Contains(ReadFile(folder + "/other.log"), place)) << ReadFile(folder + "/other.log");
+    }
 }
 
 // Faults: no line on a terminal, one that stays, one that comes to standard output or that --quiet does not take away.

@@ -47,7 +47,7 @@ Fields FieldsOf(const Run& run, const ElementGroup& group, std::int32_t NE, int 
     Fields fields(5, 0);
     for (Word f = 1; f <= 5 && record != 0; ++f)
         fields[static_cast<std::size_t>(f) - 1] =
-            IntTableSection(run.A, group.LISURF, rows, group.NET)(5 * (side - 1) + f, record);
+            IntTableSection(run.A, group.surfaces.LISURF, rows, group.NET)(5 * (side - 1) + f, record);
     return fields;
 }
 
@@ -97,7 +97,7 @@ TEST(SurfaceCards, NumbersAreCarriedAndRecordsCounted) {
     RunPointer run = MakeGroups(deck, 1, {2, 2});
     ReadSurfaceData(*run);
     const ElementGroup& group = run->groups[1];
-    EXPECT_EQ(group.surfaceRecords, 3);
+    EXPECT_EQ(group.surfaces.records, 3);
     const ConstIntArray records = SurfaceRecordNumbers(*run, group);
     EXPECT_EQ((Fields{records(3), records(1), records(2)}), (Fields{1, 2, 3}));
     const std::vector<std::tuple<int, int, Fields>> expected = {{3, 3, {0, 0, 0, 0, 0}},
@@ -107,7 +107,7 @@ TEST(SurfaceCards, NumbersAreCarriedAndRecordsCounted) {
                                                                 {2, 3, {0, 0, 0, 0, 3}}};
     for (const auto& [element, side, fields] : expected)
         EXPECT_EQ(FieldsOf(*run, group, element, side), fields) << element << ' ' << side;
-    EXPECT_EQ(run->groups[2].surfaceRecords, 1);
+    EXPECT_EQ(run->groups[2].surfaces.records, 1);
     EXPECT_EQ(FieldsOf(*run, run->groups[2], 2, 1), Fields(5, 0));
 }
 
@@ -167,9 +167,9 @@ template <int Dimension> struct Terms {
         group.NET = 1;
         group.INDAX = model.INDAX;
         std::copy(model.NGAUS.begin(), model.NGAUS.end(), group.NGAUS);
-        group.LNSURF = TakeWords(run->A, "NSURF", 1);
-        group.LISURF = TakeWords(run->A, "ISURF", 10 * Dimension);
-        ClearWords(run->A, group.LNSURF, run->A.LMAX - 1);
+        group.surfaces.LNSURF = TakeWords(run->A, "NSURF", 1);
+        group.surfaces.LISURF = TakeWords(run->A, "ISURF", 10 * Dimension);
+        ClearWords(run->A, group.surfaces.LNSURF, run->A.LMAX - 1);
         SurfaceRecordNumbers(*run, group)(1) = 1;
         active.ND = kCorners<Dimension>;
     }
@@ -205,7 +205,7 @@ template <int Dimension> struct Terms {
         walk.number = 1;
         walk.points.active = active;
         walk.element = element;
-        SurfaceTerms(walk, SurfaceTablesOf<Dimension>(*run, group), group.held,
+        SurfaceTerms(walk, SurfaceTablesOf<Dimension>(*run, group), run->visits.held[1],
                      RealArray(K, ND * (ND + 1) / 2), RealArray(FE, ND));
     }
     double Load() const { return std::accumulate(FE, FE + active.ND, 0.0); }

@@ -65,14 +65,14 @@ ZURT_WRAPPED(void, PutBytes, (zurt::TextUnit & unit, std::string_view bytes),
     RealPutBytes(unit, bytes);
 }
 
-ZURT_WRAPPED(void, Forming, (zurt::Run & run, zurt::ElementGroup& group),
-             "_ZN4zurt16FormElementGroupERNS_3RunERNS_12ElementGroupE") {
+ZURT_WRAPPED(void, Forming, (zurt::Run & run, const zurt::ElementGroup& group),
+             "_ZN4zurt16FormElementGroupERNS_3RunERKNS_12ElementGroupE") {
     RealForming(run, group);
     TakeTicks(kTicksOfElement * group.NET);
 }
 
-ZURT_WRAPPED(void, Results, (zurt::Run & run, zurt::ElementGroup& group),
-             "_ZN4zurt15AddGroupResultsERNS_3RunERNS_12ElementGroupE") {
+ZURT_WRAPPED(void, Results, (zurt::Run & run, const zurt::ElementGroup& group),
+             "_ZN4zurt15AddGroupResultsERNS_3RunERKNS_12ElementGroupE") {
     RealResults(run, group);
     TakeTicks(kTicksOfElement * group.NET);
 }

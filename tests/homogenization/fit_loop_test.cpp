@@ -1,9 +1,11 @@
 // The searches of a fit alone, driven with made-up masses: which runs follow one another, in which state, which values
 // they try, where they end.
+#include "homogenization/fit_notes.h"
 #include "homogenization/run_homogenization.h"
 #include "run/partition.h"
 #include "support/small_run.h"
 
+#include <array>
 #include <cmath>
 
 namespace zurt_test {
@@ -170,6 +172,50 @@ TEST(FitLoop, DistanceHasALowestStepAndALowestValue) {
     molecules.small.control.header.DMOLECULE = 0.2;
     const double radius = 0.1;
     EXPECT_EQ(HeqOf(Drive(molecules, 2.0, tooMuch))[3], radius * static_cast<double>(0.01F) + radius);
+}
+
+// Faults: ends below 0 left in the curve, or one held for the other; the reader not told that an end was held.
+TEST(FitLoop, EndsOfACurveStayAboveZero) {
+    Fit fit(1, 0);
+    FitState& state = fit.small.fit;
+    const auto expectEnds = [&](double first, double last) {
+        EXPECT_NEAR(CoefficientOf(fit.curve, 1), first, 1e-14);
+        EXPECT_NEAR(CoefficientOf(fit.curve, 2), last, 1e-14);
+    };
+    const auto setCurve = [&](double first, double last) {
+        const RealArray bulk = RealSection(fit.small.A, fit.small.control.at.LFIT, 2);
+        bulk(1) = state.D1 = first;
+        bulk(2) = state.D2 = last;
+        RestoreBulkCurve(fit.curve);
+    };
+    for (const auto& [first, last, lowered] : {std::array{0.5, 1.5, 1.25}, {4.0, 1.0, 0.001}}) {
+        setCurve(first, last);
+        RescaleEquivalentCurve(fit.curve, 0.5, fit.small.fibres, state);
+        expectEnds(first / 2, lowered);
+    }
+    setCurve(1.0, 4.0);
+    state.DCTRY = 0.5;
+    ApplyTriedCurve(fit.curve, state);
+    expectEnds(0.5, 3.5);
+    EXPECT_FALSE(state.clampedCurve);
+    state.DCTRY = -1.0;
+    ApplyTriedCurve(fit.curve, state);
+    expectEnds(0.001, 2.0);
+    setCurve(4.0, 1.0);
+    state.DCTRY = 2.0;
+    ApplyTriedCurve(fit.curve, state);
+    expectEnds(2.0, 0.001);
+    EXPECT_TRUE(state.clampedCurve);
+    state.ITERFIT = 5;
+    state.MASSFIB = 1.0;
+    for (const bool clamped : {true, false}) {
+        state.clampedCurve = clamped;
+        testing::internal::CaptureStderr();
+        NoteSearchWithoutResult(fit.small);
+        const std::string note = testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(Contains(note, "IDIRECTD 1")) << note; // not constant, and errors of one sign alone
+        EXPECT_EQ(Contains(note, "would fall below 0 and is held"), clamped) << note;
+    }
 }
 
 // Faults: a sign seen before that is forgotten at the second iteration; a masses' ratio of none by none that runs away.

@@ -1,5 +1,6 @@
 // The cards ahead of the model, and the homogenization card: defaults, normalisation, what they leave for later steps.
 #include "core/format.h"
+#include "elements/cards/group_cards.h"
 #include "homogenization/homogenization_card.h"
 #include "job/header_cards.h"
 #include "support/small_run.h"
@@ -121,8 +122,10 @@ TEST(HeaderCards, ControlDefaultsAndTheShiftOfIPASSPRINT) {
 TEST(HeaderCards, GroupCards) {
     SmallRun run("    3        12    1    2    1    2\n    3        12\n");
     run.control.header.INDFOR = 2;
-    ReadGroupCard(run, run.groups[1]);
-    ReadGroupCard(run, run.groups[2]);
+    for (const std::int32_t NGE : {1, 2}) {
+        ReadGroupCard(run, NGE);
+        NoteKindOfGroup(run, run.groups[NGE]);
+    }
     const JobState& job = run.job; // LastISUB4 is of the last group alone
     EXPECT_EQ((Integers{job.SourcePresent, job.ConcentrationSource, job.SubstructurePresent, job.LastISUB4}),
               (Integers{1, 1, 1, 0}));

@@ -1,5 +1,6 @@
 // The manual's card tables against the layouts by which cards are read: the two can't drift apart.
 #include "elements/cards/family_cards.h"
+#include "elements/cards/group_cards.h"
 #include "elements/radial/radial_cards.h"
 #include "elements/surfaces/surface_cards.h"
 #include "homogenization/homogenization_card.h"

@@ -1,11 +1,14 @@
 #include "../elements/form_model.h"
+#include "geometry/element_family.h"
 #include "homogenization/homogenization_card.h"
 #include "microscale/fibre_models.h"
 #include "microscale/fibre_step.h"
+#include "results/vtu_mesh.h"
 #include "support/expect_stop.h"
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace zurt {
 namespace {
@@ -109,6 +112,57 @@ TEST(FibreStep, NodesOutsideTheFluidLeaveTheModel) {
     EXPECT_TRUE(
         std::equal(MAXA.data, MAXA.data + MAXA.length, expected.data, expected.data + expected.length));
     EXPECT_EQ(medium.run.sizes.NWK, same.run.sizes.NWK);
+}
+
+// The same bar for viewers: the first brick has a centre, the second a node on one edge. Faults: points that a viewer's element
+// has in the wrong place, twice or with another value; distances, marks and fluid of another fibre, or of places inside it.
+TEST(VtuMesh, PointsAndMarksOverAFibre) {
+    Mesh mesh = Bar(6);
+    for (std::vector<int>& element : mesh.elements)
+        element.resize(21, 0);
+    const auto addNode = [&](std::size_t element, std::size_t column, const Point& place) {
+        mesh.nodes.push_back(place);
+        mesh.elements[element][column - 1] = static_cast<int>(mesh.nodes.size());
+    };
+    addNode(0, 21, {0.5, 0.5, 0.5});
+    const auto& ends = FamilyShape<3>::kEnds[0];
+    Point middle{};
+    for (const int end : ends)
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            middle[axis] +=
+                mesh.nodes[static_cast<std::size_t>(mesh.elements[1][static_cast<std::size_t>(end - 1)] - 1)]
+                          [axis] /
+                2;
+    addNode(1, 9, middle);
+    Medium medium(mesh, SphereInTheBar());
+    ApplyFibres(medium.run, medium.model);
+    medium.run.fibres = medium.model;
+    const VtuMesh seen = MakeVtuMesh(medium.run);
+    EXPECT_EQ(seen.fibreMark, (std::vector<std::uint8_t>{2, 1, 0, 0, 1, 2}));
+    EXPECT_EQ(seen.offsets, (std::vector<std::int64_t>{27, 47, 55, 63, 71, 79}));
+    EXPECT_GT(seen.added.size(), 20U);
+
+    const auto field = [](const double* X) { return X[0] + 2 * X[1] + 4 * X[2]; };
+    std::vector<double> values;
+    for (const Point& node : mesh.nodes)
+        values.push_back(field(node.data()));
+    ValuesAtAddedPoints(seen, 1, values);
+    ASSERT_EQ(values.size(), static_cast<std::size_t>(seen.points));
+    std::set<std::vector<double>> places;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double* X = &seen.places[3 * i];
+        EXPECT_TRUE(places.insert({X[0], X[1], X[2]}).second) << "a place twice";
+        EXPECT_NEAR(values[i], field(X), 1e-14);
+        EXPECT_NEAR(seen.wallDistance[i], std::hypot(X[0] - 3.0, X[1] - 0.5, X[2] - 0.5) - 1.5, 1e-14);
+        const bool isNode = seen.node[i] != 0; // other points are in fluid when all that they lie between are
+        EXPECT_EQ(seen.fluid[i], isNode ? seen.wallDistance[i] > 0.0 : X[0] <= 1.0 || X[0] >= 5.0) << X[0];
+    }
+    for (std::size_t k = 0; k < 27; ++k) // all places of the first brick
+        EXPECT_EQ(places.count({static_cast<double>(k % 3) / 2, static_cast<double>(k / 3 % 3) / 2,
+                                static_cast<double>(k / 9) / 2}),
+                  1U);
+    for (std::size_t k = 0; k < 27; ++k)
+        EXPECT_LE(seen.places[3 * static_cast<std::size_t>(seen.connectivity[k])], 1.0);
 }
 
 // The equivalent medium keeps all nodes, unless a fit begins with fibres; a sparse run has no layout; where every node

@@ -27,7 +27,7 @@ RunPointer StartRun(const std::string& deck, std::int32_t NPOC, std::int32_t IND
 
 void ReadListed(const RunPointer& run) {
     ListOnStandardError(*run);
-    ReadInitialConditions(*run);
+    ReadInitialConditions(*run, {});
 }
 
 std::string Group(double value, int K1, int K2) {
@@ -45,7 +45,7 @@ TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
     for (const auto& [deck, INDFOR] : decks) {
         for (const std::int32_t NPOC : {-1, 0, 1}) {
             const RunPointer run = StartRun(deck, NPOC, INDFOR);
-            ReadInitialConditions(*run);
+            ReadInitialConditions(*run, {});
             EXPECT_EQ(ListingOf(*run), "") << "no echo is asked for";
             EXPECT_EQ(Values(StepSolution(*run)), std::vector<double>(38, 2.5));
             EXPECT_EQ(run->control.outlet.OutletStartOfRun, 2.5);
@@ -55,7 +55,7 @@ TEST(InitialConditions, OneValueForAllNodesWithAnEquation) {
                 run->deck.nextLine = 0;
                 run->control.header.NULAZ = 3;
                 run->job.Language = kSerbian;
-                ReadInitialConditions(*run);
+                ReadInitialConditions(*run, {});
                 EXPECT_TRUE(
                     Contains(ListingOf(*run), " TPOC = 2.500E+00\n                (ZA NSTAC.EQ.1)\n"));
             }
@@ -74,7 +74,7 @@ TEST(InitialConditions, GroupsOfListsAndRanges) {
                              "\n" + "777\n";
     const RunPointer run = StartRun(deck, 3);
     run->control.outlet.OutletStartOfRun = 9.0;
-    ReadInitialConditions(*run);
+    ReadInitialConditions(*run, {});
     for (int N = 4; N <= 40; ++N)
         EXPECT_EQ(StepSolution(*run)(N - 3), N == 4 || N == 6 || N == 8 || N >= 19 ? 2.5 : 1.5) << N;
     EXPECT_EQ(StepSolution(*run)(38), 5.0);

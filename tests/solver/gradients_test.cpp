@@ -1,7 +1,10 @@
 // Conjugate gradients against systems whose solution is known, and the program with them against the skyline solver.
+#include "run/partition.h"
 #include "solver/conjugate_gradients.h"
+#include "solver/linear_system.h"
 #include "support/run_deck.h"
 #include "support/small_decks.h"
+#include "support/small_run.h"
 
 #include <gtest/gtest.h>
 
@@ -143,6 +146,64 @@ TEST(Gradients, SayWhatTheyCantSolve) {
     System empty = MakeGrid(3, 2, 1.0);
     empty.Add(2, 2, -1.0);
     EXPECT_EQ(Solve(empty, 1e-12, 10).equation, 2);
+}
+
+// Two elements of two nodes: equations 1 and 2 with these entries, and 3 and 4 with 2 and -1.
+void Solve(SmallRun& run, double diagonal, double coupling, std::vector<double> load) {
+    const zurt::Numbering numbering = zurt::NumberingOf(run);
+    std::int32_t nodes[] = {1, 3, 2, 4};
+    BeginLayout(run, numbering);
+    LayOutElements(run, numbering, {nodes, 2, 2}, 2, {});
+    EXPECT_EQ(FinishLayout(run, numbering), 0);
+    ClearSystem(run);
+    const zurt::SystemTarget system = SystemTargetOf(run);
+    const double first[] = {diagonal, coupling, diagonal}, second[] = {2.0, -1.0, 2.0};
+    const std::int32_t LM[] = {1, 2, 3, 4};
+    AddElement(system, {first, 3}, {load.data(), 2}, {LM, 2}, 2);
+    AddElement(system, {second, 3}, {load.data() + 2, 2}, {LM + 2, 2}, 2);
+    SolveSystem(run);
+}
+
+RunPointer GradientsRun() {
+    RunPointer run = MakeRun("", 2, 4);
+    run->options.solver = zurt::SolverChoice::Gradients;
+    run->sizes.JEDN = 4;
+    run->clock.FactorFlag = 1;
+    TakeNodeArrays(*run);
+    TakeSolverVectors(*run);
+    for (std::int32_t i = 1; i <= 4; ++i)
+        EquationNumbers (*run)(i) = i;
+    return run;
+}
+
+// A pair of equations whose coupling leaves no factor even with a doubled diagonal, and no load: the other pair has its
+// solution by the diagonal alone. Faults: the factor that failed used all the same; a note at every system, or none; an
+// equation of the message counted from 0.
+TEST(Gradients, TheDiagonalStandsInForAFactorThatFails) {
+    const RunPointer run = GradientsRun();
+    testing::internal::CaptureStderr();
+    for (int system = 0; system < 3; ++system) {
+        Solve(*run, 1.0, -5.0, {0.0, 0.0, 3.0, 0.0});
+        const double expected[] = {0.0, 0.0, 2.0, 1.0};
+        for (int i = 0; i < 4; ++i)
+            EXPECT_NEAR(RightHandSide(*run)(i + 1), expected[i], 1e-12);
+    }
+    const std::string notes = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(CountOf(notes, "its diagonal stands in"), 1) << notes;
+    EXPECT_EQ(CountOf(notes, "note:"), 1) << notes;
+
+    const RunPointer shifted = GradientsRun();
+    testing::internal::CaptureStderr();
+    for (const double coupling : {-1.0001, -1.5, -1.0001})
+        Solve(*shifted, 1.0, coupling, {0.0, 0.0, 3.0, 0.0});
+    EXPECT_EQ(CountOf(testing::internal::GetCapturedStderr(), "needs a diagonal larger by"), 2);
+
+    const RunPointer negative = GradientsRun();
+    const std::string message = WrittenByStop(negative->units.listing, [&] {
+        Solve(*negative, -1.0, 0.0, {1.0, 1.0, 1.0, 1.0});
+    });
+    EXPECT_TRUE(Contains(message, "NOT POSITIVE DEFINITE") && Contains(message, "EQUATION NO.         1"))
+        << message;
 }
 
 RunResult RunWith(const std::string& deck, const std::vector<std::string>& options) {

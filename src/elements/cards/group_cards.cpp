@@ -3,6 +3,7 @@
 #include "core/stop.h"
 #include "core/widened_constants.h"
 #include "elements/cards/element_cards.h"
+#include "elements/cards/family_cards.h"
 #include "geometry/gauss_rules.h"
 #include "run/partition.h"
 #include "solver/linear_system.h"
@@ -13,6 +14,18 @@
 namespace zurt {
 
 namespace {
+
+constexpr CardField kGroupFields[] = {
+    ZURT_CODE(ElementGroup, NETIP, "I5", 1, kLargestElementType, "acts as 4: radial fibre elements",
+              "element type: 1, 2, 3 by dimension, any other the radial fibre element"),
+    ZURT_COUNT(ElementGroup, NET, "I10", "number of elements"),
+    ZURT_CODE(ElementGroup, INDAX, "I5", 0, 1, "acts as 1: axisymmetric", "1: axisymmetric"),
+    ZURT_CODE(ElementGroup, IZIP, "I5", 0, 2, "asks for no source: the group has none",
+              "volume source: 0 none, 1 by time, 2 by concentration"),
+    ZURT_CODE(ElementGroup, ISUB4, "I5", 0, 1, "is no code: below 1 it acts as 0, above in part as 1",
+              "radial element: 1 with substructuring"),
+    ZURT_INTEGER(ElementGroup, IND4N, "I5", "radial element: common nodes, 0 one, 1 four, 2 eight"),
+};
 
 // --- group card ---------------------------------------------------------------------------------------------------
 
@@ -96,11 +109,24 @@ void TakeDataBlock(Run& run, ElementGroup& group) {
 
 static_assert(kMostNodes <= kMostLayoutNodes);
 
+const CardLayout kGroupCard = Layout("Element group card", kGroupFields);
+
+void ReadGroupCard(Run& run, std::int32_t NGE) {
+    ElementGroup& group = run.groups[NGE];
+    group.NGE = NGE;
+    ReadCardFields(run.deck, run.control.header.INDFOR, kGroupCard, &group);
+    group.cardLine = run.deck.cardLine;
+}
+
+void ClearFamilyFields(ElementGroup& group) {
+    group.NDMAX = 0;
+    group.hasMaterials = group.hasSources = group.hasValueFlags = group.hasCoordinateFlags = false;
+    group.hasThickness = false;
+}
+
 void ReadIsoparametricGroup(Run& run, ElementGroup& group) {
     const FamilyCards& family = CardsOf(group);
     const std::int32_t first = NumberOfNextCard(run.deck);
-    group.indicesChecked = false;
-    group.held = HeldCurveValues();
     ReadFamilyGroupCard(run, group, family);
     if (EchoInput(run))
         EchoFamilyGroupCard(run, group, family, first);

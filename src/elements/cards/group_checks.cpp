@@ -81,19 +81,14 @@ void RequireMaterialCurves(const Run& run, const ElementGroup& group) {
 
 } // namespace
 
-void CheckGroupIndices(Run& run, ElementGroup& group) {
-    if (group.indicesChecked)
+void CheckGroupCards(const Run& run, const ElementGroup& group) {
+    if (IsRadial(group)) {
+        RequireCards(run, group, RadialCount(run, group));
         return;
+    }
     RequireCards(run, group, IntSection(run.A, group.LNEL, group.NET)); // first corners
     RequireSources(run, group);
     RequireMaterialCurves(run, group);
-    group.indicesChecked = true;
-}
-
-void CheckRadialCards(Run& run, ElementGroup& group) {
-    if (!group.indicesChecked)
-        RequireCards(run, group, RadialCount(run, group));
-    group.indicesChecked = true;
 }
 
 } // namespace zurt

@@ -1,5 +1,5 @@
 // Numbers of a group that can't be checked while its cards are read, because what they point into comes later in the
-// deck. Called at the head of every forming visit; it works once a problem.
+// deck. Called once a problem, ahead of the first visit of the group (elements/forming/element_visit.h).
 #pragma once
 
 #include "run/run.h"
@@ -8,10 +8,7 @@ namespace zurt {
 
 /// Ends the run with a library error when an element of the group has no card (rows of the connectivity without nodes),
 /// a source curve number lies above NQE, or a material in use lacks the conduction function or the capacity curve that
-/// the kind of problem needs.
-void CheckGroupIndices(Run& run, ElementGroup& group);
-
-/// The same of a radial group: ends the run when one of its elements has no card.
-void CheckRadialCards(Run& run, ElementGroup& group);
+/// the kind of problem needs. Of radial groups the cards of the elements alone are looked at.
+void CheckGroupCards(const Run& run, const ElementGroup& group);
 
 } // namespace zurt

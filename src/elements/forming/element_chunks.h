@@ -73,9 +73,10 @@ inline void RequireNumbers(const double* values, Word count) {
 ///   compute(visit, n, place)      element n; `place`, from 0, is its own in the chunk
 ///   add(visit, n, place)          in the order of the elements
 template <class Visit, class Begin, class Compute, class Add>
-void ElementsInTurn(Run& run, ElementGroup& group, bool sourceStays, const Begin& begin,
+void ElementsInTurn(Run& run, const ElementGroup& group, bool sourceStays, const Begin& begin,
                     const Compute& compute, const Add& add) {
-    const HeldCurveValues unknown = UnknownValues(group.held, sourceStays);
+    HeldCurveValues& held = run.visits.held[group.NGE];
+    const HeldCurveValues unknown = UnknownValues(held, sourceStays);
     const Word grain = ElementsOfChunk(run, group);
     std::vector<std::unique_ptr<WorkerVisit<Visit>>> visits(static_cast<std::size_t>(run.workers.count));
     const auto computeChunk = [&](Word chunk, int worker) {
@@ -85,7 +86,7 @@ void ElementsInTurn(Run& run, ElementGroup& group, bool sourceStays, const Begin
             begin(own->visit);
             own->visit.elements.held = &own->held;
         }
-        own->held = run.workers.sideBySide ? unknown : group.held;
+        own->held = run.workers.sideBySide ? unknown : held;
         own->visit.elements.material.MATE = 0; // chosen anew, with what is known now
         const ChunkRange range = RangeOfChunk(group.NET, grain, chunk);
         for (Word n = range.first; n <= range.last; ++n)
@@ -96,7 +97,7 @@ void ElementsInTurn(Run& run, ElementGroup& group, bool sourceStays, const Begin
         const ChunkRange range = RangeOfChunk(group.NET, grain, chunk);
         for (Word n = range.first; n <= range.last; ++n)
             add(own.visit, static_cast<std::int32_t>(n), static_cast<std::size_t>(n - range.first));
-        TakeOverValues(own.held, group.held);
+        TakeOverValues(own.held, held);
     };
     InTurn(run.workers, ChunkCount(group.NET, grain), computeChunk, addChunk);
 }

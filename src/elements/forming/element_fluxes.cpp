@@ -100,12 +100,12 @@ template <int Family> void AddFluxes(const NodalSums& sums, const ElementFluxes<
 
 // A worker's visit, with room for the elements of a chunk.
 template <int Family> struct FluxVisit {
-    FluxVisit(Run& run, ElementGroup& group) : elements{run, group} {}
+    FluxVisit(Run& run, const ElementGroup& group) : elements{run, group} {}
     ElementVisit<Family> elements;
     ElementFluxes<Family> chunk[kChunkElements];
 };
 
-template <int Family> void AddFluxesSideBySide(Run& run, ElementGroup& group, const NodalSums& sums) {
+template <int Family> void AddFluxesSideBySide(Run& run, const ElementGroup& group, const NodalSums& sums) {
     const auto begin = [](FluxVisit<Family>& visit) {
         visit.elements.integrates = false;
         JoinElementVisit(visit.elements, kFluxOrders);
@@ -125,7 +125,7 @@ template <int Family> void AddFluxesSideBySide(Run& run, ElementGroup& group, co
 
 } // namespace
 
-template <int Family> void AddElementFluxes(Run& run, ElementGroup& group) {
+template <int Family> void AddElementFluxes(Run& run, const ElementGroup& group) {
     ElementVisit<Family> visit{run, group};
     visit.integrates = false;
     BeginElementVisit(visit, kFluxOrders);
@@ -141,7 +141,7 @@ template <int Family> void AddElementFluxes(Run& run, ElementGroup& group) {
     AnnounceOtherElements(visit, share.last + 1);
 }
 
-#define ZURT_ELEMENT_FLUXES(FAMILY) template void AddElementFluxes<FAMILY>(Run&, ElementGroup&);
+#define ZURT_ELEMENT_FLUXES(FAMILY) template void AddElementFluxes<FAMILY>(Run&, const ElementGroup&);
 ZURT_FOR_ALL_FAMILIES(ZURT_ELEMENT_FLUXES)
 #undef ZURT_ELEMENT_FLUXES
 

@@ -10,6 +10,6 @@ namespace zurt {
 /// the group's orders are: each of its points stands for the corner in whose part of the element it lies. A mid-side node
 /// takes the mean of its two corners, the centre node the mean of all. A quadrilateral has no part along z; the flux of a
 /// line goes along its tangent, and its one coefficient is that of x. Stops the run as forming does.
-template <int Family> void AddElementFluxes(Run& run, ElementGroup& group);
+template <int Family> void AddElementFluxes(Run& run, const ElementGroup& group);
 
 } // namespace zurt

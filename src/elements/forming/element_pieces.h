@@ -86,10 +86,11 @@ inline std::vector<ElementPiece> CutIntoPieces(Run& run, const ElementGroup& gro
 ///   add(visit)               adds it when they are done
 /// The other arguments are those of ElementsInTurn.
 template <class Visit, class Begin, class Form, class AddBeside, class Add>
-void ElementsInPieces(Run& run, ElementGroup& group, ConstIntTable NEL, bool sourceStays, const Begin& begin,
-                      const Form& form, const AddBeside& addBeside, const Add& add) {
+void ElementsInPieces(Run& run, const ElementGroup& group, ConstIntTable NEL, bool sourceStays,
+                      const Begin& begin, const Form& form, const AddBeside& addBeside, const Add& add) {
     std::vector<ElementPiece> pieces = CutIntoPieces(run, group, NEL);
-    const HeldCurveValues unknown = UnknownValues(group.held, sourceStays);
+    HeldCurveValues& heldByGroup = run.visits.held[group.NGE];
+    const HeldCurveValues unknown = UnknownValues(heldByGroup, sourceStays);
     std::vector<std::unique_ptr<Visit>> visits(static_cast<std::size_t>(run.workers.count));
     const auto visitOf = [&](int worker, HeldCurveValues& held) -> Visit& {
         std::unique_ptr<Visit>& own = visits[static_cast<std::size_t>(worker)];
@@ -119,10 +120,10 @@ void ElementsInPieces(Run& run, ElementGroup& group, ConstIntTable NEL, bool sou
     for (ElementPiece& piece : pieces) {
         for (const DeferredTerm& term : piece.deferred)
             *term.entry += term.value;
-        TakeOverValues(piece.held, group.held);
+        TakeOverValues(piece.held, heldByGroup);
         if (piece.next > piece.range.last)
             continue;
-        Visit& visit = visitOf(0, group.held);
+        Visit& visit = visitOf(0, heldByGroup);
         for (; piece.next <= piece.range.last; ++piece.next) {
             form(visit, static_cast<std::int32_t>(piece.next));
             add(visit);

@@ -53,8 +53,20 @@ template <int Family> void TakeFibreRecords(ElementVisit<Family>& visit) {
 
 } // namespace
 
+void ForgetVisits(Run& run, std::int32_t NGE) {
+    run.visits.held[NGE] = HeldCurveValues();
+    run.visits.checked[NGE] = false;
+}
+
+void CheckGroupOnce(Run& run, const ElementGroup& group) {
+    bool& checked = run.visits.checked[group.NGE];
+    if (!checked)
+        CheckGroupCards(run, group);
+    checked = true;
+}
+
 template <int Family> void BeginElementVisit(ElementVisit<Family>& visit, const std::int32_t* orders) {
-    CheckGroupIndices(visit.run, visit.group);
+    CheckGroupOnce(visit.run, visit.group);
     JoinElementVisit(visit, orders);
 }
 

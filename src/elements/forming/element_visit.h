@@ -13,14 +13,21 @@ struct FibreRecordsInHand {
     ConstRealArray shares{}; // what of each point is fluid, in an element that a wall cuts; else empty
 };
 
+/// What visits of an earlier problem left under this number is dropped: when the group has been read.
+void ForgetVisits(Run& run, std::int32_t NGE);
+
+/// Checks the group's cards (elements/cards/group_checks.h) at the first visit of a problem.
+void CheckGroupOnce(Run& run, const ElementGroup& group);
+
 template <int Family> struct ElementVisit {
     Run& run;
-    ElementGroup& group;
+    const ElementGroup& group;
     ElementWalk<Family> walk{run, group};
-    HeldCurveValues* held = &group.held; // or those of a worker's own (elements/forming/element_chunks.h)
-    ConstIntArray materials{};           // empty when all elements have the group's
-    const FibreGroup* fibres = nullptr;  // of the group, when fibres lie under it
-    bool skipsElements = false;          // those that fibres fill take no part
+    HeldCurveValues* held =
+        &run.visits.held[group.NGE];    // or those of a worker's own (elements/forming/element_chunks.h)
+    ConstIntArray materials{};          // empty when all elements have the group's
+    const FibreGroup* fibres = nullptr; // of the group, when fibres lie under it
+    bool skipsElements = false;         // those that fibres fill take no part
     bool integrates =
         true; // over elements, those that a wall cuts by a rule of their own; else points as such
     FibreRecordsInHand atPoints{};

@@ -39,7 +39,7 @@ struct FormTables {
     SystemTarget system{};
 };
 
-// What becomes of an element, but for its matrix.
+// What forming an element gives, besides its matrix.
 template <int Family> struct FormedElement {
     std::int32_t ND = 0; // nodes; 0: it takes no part
     std::int32_t LM[kMaxNodes<Family>];
@@ -130,7 +130,7 @@ template <int Family, int Nodes> void FormElement(FormVisit<Family>& visit) {
     }
 }
 
-// The residual of the element in hand to the sums of its nodes. Surface terms are added where the caller wants them; they
+// Adds the residual of the element in hand to the sums of its nodes. Surface terms are added where the caller wants them; they
 // need the room of a packed matrix, which is of no use then.
 template <int Family, int Nodes>
 void AddResidual(FormVisit<Family>& visit, bool withSurfaces, RealArray nodalSums) {
@@ -278,7 +278,7 @@ template <int Family> void BeginFamilyData(FormVisit<Family>& visit) {
 
 template <int Family> void BeginFormVisit(FormVisit<Family>& visit) {
     Run& run = visit.elements.run;
-    ElementGroup& group = visit.elements.group;
+    const ElementGroup& group = visit.elements.group;
     visit.tables.transient = run.control.header.NSTAC != 0;
     visit.tables.dt = run.clock.TimeStep;
     BeginElementVisit(visit.elements, group.NGAUS);
@@ -334,7 +334,7 @@ template <int Family> void FormNumber(FormVisit<Family>& visit, std::int32_t n) 
 
 // A worker's visit, with room for so many elements.
 template <int Family, Word Elements> struct WorkerFormVisit : FormVisit<Family> {
-    WorkerFormVisit(Run& run, ElementGroup& group) : FormVisit<Family>{{run, group}} {}
+    WorkerFormVisit(Run& run, const ElementGroup& group) : FormVisit<Family>{{run, group}} {}
     BrickForming ownBrick;
     FormedElement<Family> room[static_cast<std::size_t>(Elements)];
     std::vector<double> matrices; // packed, one behind the other
@@ -410,7 +410,7 @@ template <int Family> void FormInPieces(const FormVisit<Family>& begun) {
 
 } // namespace
 
-template <int Family> void FormElements(Run& run, ElementGroup& group, Word conduction) {
+template <int Family> void FormElements(Run& run, const ElementGroup& group, Word conduction) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     visit.tables.system = SystemTargetOf(run);
@@ -431,7 +431,8 @@ template <int Family> void FormElements(Run& run, ElementGroup& group, Word cond
     AnnounceOtherElements(visit.elements, share.last + 1);
 }
 
-template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest) {
+template <int Family>
+void FindStiffestElement(Run& run, const ElementGroup& group, StiffestElement& stiffest) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     for (std::int32_t n = 1; n <= group.NET; ++n) {
@@ -447,7 +448,7 @@ template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, St
 }
 
 template <int Family>
-void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
+void AddElementResiduals(Run& run, const ElementGroup& group, ConstIntArray elements, bool withSurfaces,
                          RealArray nodalSums) {
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
@@ -463,8 +464,8 @@ void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, 
     }
 }
 
-template <int Family> void AddElementBalance(Run& run, ElementGroup& group, ElementBalance& balance) {
-    const HeldCurveValues held = group.held;
+template <int Family> void AddElementBalance(Run& run, const ElementGroup& group, ElementBalance& balance) {
+    const HeldCurveValues held = run.visits.held[group.NGE];
     FormVisit<Family> visit{{run, group}};
     BeginFormVisit(visit);
     visit.elements.walk.nodes.solutionRead = visit.tables.surfaces.nonlinear = true;
@@ -481,17 +482,17 @@ template <int Family> void AddElementBalance(Run& run, ElementGroup& group, Elem
         else
             AddBalance<Family, 0>(visit, isListed, balance);
     }
-    group.held = held;
+    run.visits.held[group.NGE] = held;
 }
 
-template <int Family> void FormGroup(Run& run, ElementGroup& group) {
+template <int Family> void FormGroup(Run& run, const ElementGroup& group) {
     const ElementWork work = BeginGroupVisit<Family>(run, group);
     if (run.control.header.INTEB == 1)
         FormElements<Family>(run, group, work.conduction);
     EndGroupVisit<Family>(run, work);
 }
 
-template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group) {
+template <int Family> void AddGroupFluxes(Run& run, const ElementGroup& group) {
     const ElementWork work = BeginGroupVisit<Family>(run, group);
     if (run.control.header.INTEB == 1)
         AddElementFluxes<Family>(run, group);
@@ -499,12 +500,12 @@ template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group) {
 }
 
 #define ZURT_FORM_ELEMENTS(FAMILY)                                                                           \
-    template void FormElements<FAMILY>(Run&, ElementGroup&, Word);                                           \
-    template void FindStiffestElement<FAMILY>(Run&, ElementGroup&, StiffestElement&);                        \
-    template void AddElementResiduals<FAMILY>(Run&, ElementGroup&, ConstIntArray, bool, RealArray);          \
-    template void AddElementBalance<FAMILY>(Run&, ElementGroup&, ElementBalance&);                           \
-    template void FormGroup<FAMILY>(Run&, ElementGroup&);                                                    \
-    template void AddGroupFluxes<FAMILY>(Run&, ElementGroup&);
+    template void FormElements<FAMILY>(Run&, const ElementGroup&, Word);                                     \
+    template void FindStiffestElement<FAMILY>(Run&, const ElementGroup&, StiffestElement&);                  \
+    template void AddElementResiduals<FAMILY>(Run&, const ElementGroup&, ConstIntArray, bool, RealArray);    \
+    template void AddElementBalance<FAMILY>(Run&, const ElementGroup&, ElementBalance&);                     \
+    template void FormGroup<FAMILY>(Run&, const ElementGroup&);                                              \
+    template void AddGroupFluxes<FAMILY>(Run&, const ElementGroup&);
 ZURT_FOR_ALL_FAMILIES(ZURT_FORM_ELEMENTS)
 #undef ZURT_FORM_ELEMENTS
 

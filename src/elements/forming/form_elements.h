@@ -13,15 +13,15 @@ namespace zurt {
 /// One visit of a group: the element work block behind LMAXM, then all elements, which go to the system. Only Euler
 /// backward exists: under an INTEB other than 1 nothing is formed and nothing said, but that under INTEB 2 a group of
 /// lines ends the run. Quadrilaterals give the work block back.
-template <int Family> void FormGroup(Run& run, ElementGroup& group);
+template <int Family> void FormGroup(Run& run, const ElementGroup& group);
 
 /// Likewise; the elements add their fluxes and coefficients to the nodal sums.
-template <int Family> void AddGroupFluxes(Run& run, ElementGroup& group);
+template <int Family> void AddGroupFluxes(Run& run, const ElementGroup& group);
 
 /// Forms this process's share of the elements (core/ranks.h) and adds them to the system (solver/linear_system.h). `conduction` is the place of the packed
 /// element matrix in `A`. Stops the run on an element without a positive Jacobian and on curves asked for values outside
 /// their range.
-template <int Family> void FormElements(Run& run, ElementGroup& group, Word conduction);
+template <int Family> void FormElements(Run& run, const ElementGroup& group, Word conduction);
 
 /// The element whose matrix holds the largest entry at the solution in hand: what rounding of K T is measured by.
 struct StiffestElement {
@@ -30,7 +30,8 @@ struct StiffestElement {
 };
 
 /// Looks through one group, and keeps what is there already if it is larger. Elements in fibres are passed over.
-template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, StiffestElement& stiffest);
+template <int Family>
+void FindStiffestElement(Run& run, const ElementGroup& group, StiffestElement& stiffest);
 
 /// Adds the right-hand sides of the listed elements, load minus conduction and capacity at the solution in hand, to the
 /// sums of their nodes; the system is left alone. Elements that lie in fibres as a whole are passed over. Where processes share
@@ -39,7 +40,7 @@ template <int Family> void FindStiffestElement(Run& run, ElementGroup& group, St
 ///   withSurfaces  flux, convection and radiation through their sides take part
 ///   nodalSums     1..NP (in and out)
 template <int Family>
-void AddElementResiduals(Run& run, ElementGroup& group, ConstIntArray elements, bool withSurfaces,
+void AddElementResiduals(Run& run, const ElementGroup& group, ConstIntArray elements, bool withSurfaces,
                          RealArray nodalSums);
 
 /// What the elements hold and pass on at the solution in hand. Amounts are capacity times concentration times volume; in
@@ -55,8 +56,8 @@ struct ElementBalance {
     double moved = 0.0; // the absolute values of what each element stores and of its source, per unit time
 };
 
-/// Adds the elements of the group; the system and what curves gave last (group.held) are left alone. A problem that does not
+/// Adds the elements of the group; the system and what curves gave last (run.visits) are left alone. A problem that does not
 /// iterate is taken at its solution likewise.
-template <int Family> void AddElementBalance(Run& run, ElementGroup& group, ElementBalance& balance);
+template <int Family> void AddElementBalance(Run& run, const ElementGroup& group, ElementBalance& balance);
 
 } // namespace zurt

@@ -7,7 +7,7 @@
 
 namespace zurt {
 
-void FormOutletLayer3D(Run& run, ElementGroup& group) {
+void FormOutletLayer3D(Run& run, const ElementGroup& group) {
     const HeaderFields& header = run.control.header;
     const Word layers = group.NGE == 2 ? header.NXPCL : header.NXFIB;
     const Word perLayer = Word{header.NYFIB} * header.NZFIB;

@@ -11,7 +11,7 @@ namespace zurt {
 
 /// Sets run.averaging.layerResiduals (1..NP) for a group of bricks: the right-hand sides of elements a*b - b + 1 to a*b,
 /// with a layers of b elements, summed by node. Elements outside the group are passed over.
-void FormOutletLayer3D(Run& run, ElementGroup& group);
+void FormOutletLayer3D(Run& run, const ElementGroup& group);
 
 /// The pass over group 1 and, in problems with more than two groups, over group 2; each where it is one of bricks.
 void FormOutletLayers(Run& run);

@@ -37,7 +37,7 @@ void SetMeanRate(Run& run, const VolumeSource& source, const ElementPlace& place
 
 } // namespace
 
-VolumeSource BeginVolumeSource(Run& run, ElementGroup& group) {
+VolumeSource BeginVolumeSource(Run& run, const ElementGroup& group) {
     const std::int32_t NQE = run.control.counts.NQE;
     VolumeSource source;
     source.group = group.NGE;
@@ -48,7 +48,7 @@ VolumeSource BeginVolumeSource(Run& run, ElementGroup& group) {
     if (group.IZIP == 1)
         source.curves = ElementSources(run, group);
     if (source.oneFunction && group.IZIP != 2)
-        SetMeanRate(run, source, {group.NGE, 0, 0}, group.held);
+        SetMeanRate(run, source, {group.NGE, 0, 0}, run.visits.held[group.NGE]);
     return source;
 }
 

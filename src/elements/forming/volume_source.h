@@ -17,9 +17,9 @@ struct VolumeSource {
     std::int32_t group = 0; // its number, for messages
 };
 
-/// The sources of a group at this visit; the mean rate over the step, when there is one function, goes to group.held.QV.
+/// The sources of a group at this visit; the mean rate over the step, when there is one function, goes to the QV that the group holds (run.visits).
 /// Stops the run when the function is not defined at the start or the end of the step.
-VolumeSource BeginVolumeSource(Run& run, ElementGroup& group);
+VolumeSource BeginVolumeSource(Run& run, const ElementGroup& group);
 
 /// Curve number of element n, 0 for none; its source then stands in held.QV. Stops the run when the curve is not defined at
 /// TIME.

@@ -3,6 +3,7 @@
 #include "core/format.h"
 #include "core/stop.h"
 #include "elements/cards/element_cards.h"
+#include "elements/cards/group_cards.h"
 #include "geometry/radial_nodes.h"
 #include "geometry/radial_views.h"
 #include "run/echo.h"
@@ -99,14 +100,6 @@ void ReadRadialGroupCard(Run& run, ElementGroup& group) {
     radial.substructured = group.ISUB4 == 1;
     if (radial.substructured && group.IND4N > 0)
         radial.CommonNodeCount = 4 * group.IND4N;
-}
-
-// Fields of the isoparametric families, which a problem before may have set in this place.
-void ClearIsoparametricFields(ElementGroup& group) {
-    group.NDMAX = 0;
-    group.hasMaterials = group.hasSources = group.hasValueFlags = group.hasCoordinateFlags = false;
-    group.hasThickness = false;
-    group.indicesChecked = false;
 }
 
 void WriteGroupNotes(const ElementGroup& group) {
@@ -312,7 +305,7 @@ const CardLayout kRadialNodeCard = Layout("Radial node card", kNodeFields);
 
 void ReadGroupRadial(Run& run, ElementGroup& group) {
     const std::int32_t first = NumberOfNextCard(run.deck);
-    ClearIsoparametricFields(group);
+    ClearFamilyFields(group);
     ReadRadialGroupCard(run, group);
     if (EchoInput(run))
         EchoRadialGroupCard(run, group, first);

@@ -2,7 +2,7 @@
 
 #include "core/ranks.h"
 #include "core/stop.h"
-#include "elements/cards/group_checks.h"
+#include "elements/forming/element_visit.h"
 #include "elements/forming/element_work.h"
 #include "elements/radial/radial_kernel.h"
 #include "geometry/gather.h"
@@ -135,7 +135,7 @@ void SolveFibres(const RadialVisit& visit) {
         Copy<double>(RealArray(values.data, values.rows * values.columns),
                      RealArray(starts.data, starts.rows * starts.columns));
     Fill(flux, 0.0);
-    // A fault ends the run, so that no fibre which is solved a second time, behind it, has a say in the results.
+    // A fibre is solved a second time only behind a fault, which ends the run: no result shows its values.
     const Share share = ShareOf(visit.group.NET);
     const Word before = share.first - 1;
     ForRanges(run.workers, share.last - before, kRangeOfFibres, [&](Word first, Word last, int) {
@@ -227,8 +227,8 @@ void AddRadialBalance(Run& run, const ElementGroup& group, RealArray residual, F
         AddAssembledBalance(visit, residual, balance);
 }
 
-void FormGroupRadial(Run& run, ElementGroup& group) {
-    CheckRadialCards(run, group);
+void FormGroupRadial(Run& run, const ElementGroup& group) {
+    CheckGroupOnce(run, group);
     const ElementWork work = LayOutElementWork(run, group.radial.ND);
     const RadialVisit visit = BeginVisit(run, group);
     if (group.radial.substructured) {

@@ -10,7 +10,7 @@ namespace zurt {
 /// rings to the system. A substructured one is brought to equilibrium with the value of its continuum node first, and
 /// then its flux is added to the right-hand side alone, at that node or in equal parts at the common nodes. The
 /// coefficient is that of the card, or under INDDEGR 1 that of the degrading polymer at TIME.
-void FormGroupRadial(Run& run, ElementGroup& group);
+void FormGroupRadial(Run& run, const ElementGroup& group);
 
 /// Fibres in the balance of a step: amounts, and flows per unit time.
 struct FibreBalance {

@@ -165,10 +165,10 @@ void EchoCard(const BoundaryReader& reader) {
 // The block is written to at once, so its overflow is tested here.
 void TakeSurfaceBlock(Run& run, ElementGroup& group, Word recordWords) {
     StopIfInputOverflows(run);
-    group.LNSURF = TakeWords(run.A, "surface record numbers", group.NET);
-    group.LISURF = TakeWords(run.A, "surface records", recordWords * group.NET);
+    group.surfaces.LNSURF = TakeWords(run.A, "surface record numbers", group.NET);
+    group.surfaces.LISURF = TakeWords(run.A, "surface records", recordWords * group.NET);
     StopIfInputOverflows(run);
-    ClearWords(run.A, group.LNSURF, run.A.LMAX - 1);
+    ClearWords(run.A, group.surfaces.LNSURF, run.A.LMAX - 1);
 }
 
 void StoreSide(BoundaryReader& reader) {
@@ -198,7 +198,7 @@ void ReadBoundary(Run& run, ElementGroup& group) {
                           kSideWords[family.dimension - 1],
                           Connectivity(run, group),
                           SurfaceRecordNumbers(run, group),
-                          IntSection(run.A, group.LISURF, recordWords * group.NET)};
+                          IntSection(run.A, group.surfaces.LISURF, recordWords * group.NET)};
     const bool echo = EchoInput(run);
     if (echo)
         EchoHead(run, group);
@@ -210,7 +210,7 @@ void ReadBoundary(Run& run, ElementGroup& group) {
         if (echo)
             EchoCard(reader);
     }
-    group.surfaceRecords = reader.records;
+    group.surfaces.records = reader.records;
 }
 
 } // namespace
@@ -223,10 +223,10 @@ void ReadSurfaceData(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         ElementGroup& group = run.groups[NGE];
         ReadBoundary(run, group);
-        if (group.surfaceRecords > 0 && group.NETIP != 2)
+        if (group.surfaces.records > 0 && group.NETIP != 2)
             WriteNote("group " + std::to_string(NGE) +
                       ": surface records act in 2D groups alone, those of this group have no effect");
-        if (group.surfaceRecords > 0 && group.NETIP == 2 && group.INDAX != 0)
+        if (group.surfaces.records > 0 && group.NETIP == 2 && group.INDAX != 0)
             WriteNote(
                 "group " + std::to_string(NGE) +
                 ": surface terms of axisymmetric groups take x as their radius, volumes take y: those on the "

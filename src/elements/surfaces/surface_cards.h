@@ -39,10 +39,10 @@ extern const CardLayout kSurfaceCard3D;
 /// The surface block of a group: record numbers 1..NET, and the records, (field of side, record), where field f of side
 /// s stands in row 5*(s - 1) + f.
 inline IntArray SurfaceRecordNumbers(const Run& run, const ElementGroup& group) {
-    return IntSection(run.A, group.LNSURF, group.NET);
+    return IntSection(run.A, group.surfaces.LNSURF, group.NET);
 }
 template <int Family> IntTable SurfaceRecords(const Run& run, const ElementGroup& group) {
-    return IntTableSection(run.A, group.LISURF, kSurfaceRecordWords<Family>, group.NET);
+    return IntTableSection(run.A, group.surfaces.LISURF, kSurfaceRecordWords<Family>, group.NET);
 }
 
 /// Takes the surface block of every group and reads its cards up to the one with element 0, with echo: NETIP 1 by the
