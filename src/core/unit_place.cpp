@@ -17,15 +17,20 @@ namespace {
 // Rows of numbers: two runs whose results differ differ in the last of them.
 constexpr std::int64_t kComparedBytes = 4096;
 
-// Checksum of the last bytes ahead of `length`. False, with the reason in errno, when they can't be read.
-bool SumLastBytes(const std::string& name, std::int64_t length, std::uint64_t& sum) {
+// Checksum of the last bytes ahead of `length`; with `store` all bytes are brought to the disk first. False, with the reason in
+// errno, when that or reading them fails.
+bool SumLastBytes(const std::string& name, std::int64_t length, bool store, std::uint64_t& sum) {
     const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return false;
+    const bool stored = !store || fdatasync(file) == 0;
+    if (!stored)
+        length = 0;
     char bytes[kComparedBytes];
     const std::int64_t count = std::min(length, kComparedBytes);
     std::int64_t taken = 0;
-    errno = EIO;
+    if (stored)
+        errno = EIO;
     while (taken < count) {
         const ssize_t n =
             pread(file, bytes + taken, static_cast<std::size_t>(count - taken), length - count + taken);
@@ -37,23 +42,27 @@ bool SumLastBytes(const std::string& name, std::int64_t length, std::uint64_t& s
     close(file);
     errno = reason;
     sum = AddToWordSum(kWordSumStart, bytes, static_cast<std::size_t>(taken));
-    return taken == count;
+    return stored && taken == count;
 }
 
 } // namespace
 
+bool TakePlace(const std::string& name, UnitPlace& place) {
+    place = {};
+    struct stat about = {};
+    if (stat(name.c_str(), &about) != 0)
+        return false;
+    UnitPlace taken;
+    taken.length = S_ISREG(about.st_mode) ? about.st_size : kUnitNoPlainFile;
+    if (taken.length >= 0 && !SumLastBytes(name, taken.length, true, taken.lastSum))
+        return false;
+    place = taken;
+    return true;
+}
+
 bool TakePlace(const TextUnit& unit, UnitPlace& place) {
     place = {};
-    if (unit.name.empty())
-        return true;
-    struct stat about = {};
-    if (stat(unit.name.c_str(), &about) != 0)
-        return false;
-    place.length = S_ISREG(about.st_mode) ? about.st_size : kUnitNoPlainFile;
-    if (place.length < 0)
-        return true;
-    return (unit.file == nullptr || fdatasync(fileno(unit.file)) == 0) &&
-           SumLastBytes(unit.name, place.length, place.lastSum);
+    return unit.name.empty() || TakePlace(unit.name, place);
 }
 
 std::string FaultOfPlace(const std::string& name, const UnitPlace& place) {
@@ -66,7 +75,7 @@ std::string FaultOfPlace(const std::string& name, const UnitPlace& place) {
         return name + " has " + std::to_string(about.st_size) + " bytes, and had " +
                std::to_string(place.length) + " at the checkpoint";
     std::uint64_t sum = 0;
-    if (!SumLastBytes(name, place.length, sum))
+    if (!SumLastBytes(name, place.length, false, sum))
         return "can't read " + name + ": " + std::strerror(errno);
     if (sum != place.lastSum)
         return name + " is not what the run of the checkpoint wrote";

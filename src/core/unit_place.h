@@ -1,4 +1,5 @@
-// How far a text unit has come: what a run that goes on later must find in the file, and behind what it writes.
+// How far a text unit has come: what a run that goes on later must find in the file, and behind what it writes. The same of files
+// that are whole.
 //
 // Called by the checkpoints (timeint/checkpoint.h).
 #pragma once
@@ -20,6 +21,9 @@ struct UnitPlace {
 /// The place of a unit whose records are flushed; brings them to the disk. False, with the reason in errno, when the system
 /// refuses.
 bool TakePlace(const TextUnit& unit, UnitPlace& place);
+
+/// The same for a whole file that no unit writes.
+bool TakePlace(const std::string& name, UnitPlace& place);
 
 /// What is wrong with a file that is to be gone on with at this place; empty when nothing is.
 std::string FaultOfPlace(const std::string& name, const UnitPlace& place);

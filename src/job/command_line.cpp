@@ -170,9 +170,6 @@ std::string FaultOf(const Arguments& arguments) {
         return "--restart needs the name of a checkpoint";
     if (arguments.progressGiven->count() > 0 && settings.options.progress.empty())
         return "--progress needs the name of a file";
-    if ((options.checkpoint > 0 || !options.restart.empty()) &&
-        (options.vtu || options.history || !options.prescribed.empty()))
-        return "--checkpoint and --restart do not go with --vtu, --history and --prescribed";
     return "";
 }
 

@@ -8,6 +8,7 @@
 #include "geometry/gather.h"
 #include "model/prescribed_values.h"
 #include "run/file_names.h"
+#include "run/files.h"
 
 #include <algorithm>
 #include <cmath>
@@ -208,6 +209,16 @@ void WriteNames(Run& run, const Columns& columns) {
     FlushTextUnit(run.units.history);
 }
 
+// Of the pass before: one pass of a problem writes.
+void EndTable(Run& run) {
+    TextUnit& unit = run.units.history;
+    if (!IsOpen(unit))
+        return;
+    CloseTextUnit(unit);
+    FinishFile(run.units, unit.name);
+    unit.name.clear();
+}
+
 void FindInlet(Run& run) {
     HistoryState& state = run.history;
     const int direction = run.fit.INDDEG;
@@ -230,13 +241,11 @@ void CheckProbes(const Run& run) {
 }
 
 void BeginHistory(Run& run) {
+    EndTable(run);
     run.history.writes = run.options.history && run.pass.writesResults;
     if (!run.history.writes)
         return;
     const std::string name = HistoryName(run.units, run.job.ProblemNumber);
-    if (IsOpen(run.units.history) && run.units.history.name == name)
-        return;
-    CloseTextUnit(run.units.history);
     RequireUnused(run, name);
     run.units.history.keepsOlder = run.units.keepsOlder;
     OpenTextUnit(run.units.history, name);

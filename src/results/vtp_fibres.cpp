@@ -3,6 +3,7 @@
 #include "geometry/radial_views.h"
 #include "results/vtk_file.h"
 #include "run/file_names.h"
+#include "run/files.h"
 
 #include <cmath>
 
@@ -110,8 +111,11 @@ void WriteVtpFibres(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (IsRadial(run.groups[NGE]))
             AddRadialFibres(run, run.groups[NGE], shapes);
-    if (!shapes.radius.empty())
-        StoreShapes(run.workers, shapes, ViewerName(run.units, run.job.ProblemNumber) + "-fibres.vtp");
+    if (shapes.radius.empty())
+        return;
+    const std::string name = ViewerName(run.units, run.job.ProblemNumber) + "-fibres.vtp";
+    StoreShapes(run.workers, shapes, name);
+    FinishFile(run.units, name);
 }
 
 } // namespace zurt

@@ -7,6 +7,7 @@
 #include "results/vtp_fibres.h"
 #include "results/vtu_mesh.h"
 #include "run/file_names.h"
+#include "run/files.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,12 +19,11 @@ namespace zurt {
 
 namespace {
 
-// What stays from step to step of a problem. The mesh is compressed once.
+// The mesh of a problem, which is compressed once.
 struct VtuStorage {
     std::int32_t problem = 0;
     VtuMesh mesh;
     std::vector<VtkArray> pointArrays, cellArrays, points, cells;
-    std::string listed; // lines of the .pvd file
 };
 
 // --- the mesh, once a problem -------------------------------------------------------------------------------------
@@ -52,20 +52,35 @@ void FreeMeshArrays(VtuMesh& mesh) {
     mesh.types = mesh.fibreMark = {};
 }
 
+std::string ListName(const Run& run) {
+    return ViewerName(run.units, run.viewer.problem) + ".pvd";
+}
+
+// Nothing where a run goes on within a problem.
+void BeginViewerProblem(Run& run) {
+    ViewerState& viewer = run.viewer;
+    if (viewer.problem == run.job.ProblemNumber)
+        return;
+    if (viewer.problem == 0)
+        RemoveOldViewerFiles(run.units);
+    else
+        FinishFile(run.units, ListName(run));
+    WriteVtpFibres(run);
+    viewer = {run.job.ProblemNumber, ""};
+}
+
 VtuStorage& StorageOfProblem(Run& run) {
     using Owner = std::shared_ptr<VtuStorage>;
     Owner* owner = std::any_cast<Owner>(&run.vtuStorage);
     if (owner != nullptr && (*owner)->problem == run.job.ProblemNumber)
         return **owner;
-    if (owner == nullptr)
-        RemoveOldViewerFiles(run.units);
+    BeginViewerProblem(run);
     run.vtuStorage.reset(); // ahead of the next one, which may be as large
     auto storage = std::make_shared<VtuStorage>();
     storage->problem = run.job.ProblemNumber;
     storage->mesh = MakeVtuMesh(run);
     CompressMesh(run, *storage);
     FreeMeshArrays(storage->mesh);
-    WriteVtpFibres(run);
     run.vtuStorage = storage;
     return *storage;
 }
@@ -174,25 +189,39 @@ std::string EscapedForXml(const std::string& text) {
     return escaped;
 }
 
-void ListStep(const Run& run, VtuStorage& storage, const std::string& name) {
+void StoreList(const Run& run) {
+    StoreWholeFile(ListName(run),
+                   {"<?xml version=\"1.0\"?>\n<VTKFile type=\"Collection\" version=\"0.1\">\n<Collection>\n",
+                    run.viewer.listed, "</Collection>\n</VTKFile>\n"});
+}
+
+void ListStep(Run& run, const std::string& name) {
     char time[32] = {}; // as short as gives the same number again
     std::to_chars(time, time + sizeof time - 1, run.clock.TIME);
-    storage.listed += std::string("<DataSet timestep=\"") + time + "\" part=\"0\" file=\"" +
-                      EscapedForXml(name.substr(run.units.Folder.size())) + "\"/>\n";
-    StoreWholeFile(ViewerName(run.units, run.job.ProblemNumber) + ".pvd",
-                   {"<?xml version=\"1.0\"?>\n<VTKFile type=\"Collection\" version=\"0.1\">\n<Collection>\n",
-                    storage.listed, "</Collection>\n</VTKFile>\n"});
+    run.viewer.listed += std::string("<DataSet timestep=\"") + time + "\" part=\"0\" file=\"" +
+                         EscapedForXml(name.substr(run.units.Folder.size())) + "\"/>\n";
+    StoreList(run);
 }
 
 } // namespace
 
+void GoOnWithVtu(Run& run) {
+    if (!run.options.vtu)
+        return;
+    const bool lists = run.viewer.problem != 0;
+    if (lists)
+        StoreList(run);
+    RemoveOldViewerFiles(run.units, lists ? ListName(run) : "");
+}
+
 void WriteVtuStep(Run& run) {
-    VtuStorage& storage = StorageOfProblem(run);
+    const VtuStorage& storage = StorageOfProblem(run);
     char number[16];
     std::snprintf(number, sizeof number, "-%04d.vtu", run.clock.KOR);
     const std::string name = ViewerName(run.units, run.job.ProblemNumber) + number;
     WriteStepFile(run, storage, name);
-    ListStep(run, storage, name);
+    FinishFile(run.units, name);
+    ListStep(run, name);
 }
 
 } // namespace zurt

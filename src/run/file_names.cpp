@@ -9,6 +9,7 @@
 #include <dirent.h>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -116,10 +117,13 @@ std::vector<std::string> OldViewerFiles(const Units& units) {
     return FindViewerFiles(units, false);
 }
 
-void RemoveOldViewerFiles(const Units& units) {
+void RemoveOldViewerFiles(const Units& units, const std::string& kept) {
+    std::set<std::string> own = {kept};
+    for (const FinishedFile& file : units.finished)
+        own.insert(units.Folder + file.name);
     for (const bool parts : {false, true})
         for (const std::string& name : FindViewerFiles(units, parts))
-            if (unlink(name.c_str()) != 0)
+            if (own.count(name) == 0 && unlink(name.c_str()) != 0)
                 StopWithLibraryError("can't delete " + name + ": " + std::strerror(errno));
 }
 

@@ -22,8 +22,8 @@ std::string ViewerName(const Units& units, std::int32_t problem);
 /// problem; each .pvd stands ahead of what it lists.
 std::vector<std::string> OldViewerFiles(const Units& units);
 
-/// Deletes them, and what a run that was killed left of one.
-void RemoveOldViewerFiles(const Units& units);
+/// Deletes them, but for finished files of this run and for `kept`; and what a run that was killed left of one.
+void RemoveOldViewerFiles(const Units& units, const std::string& kept = "");
 /// Name of the table of balances of problem 1, 2 ... of the deck, a job on the command line.
 std::string HistoryName(const Units& units, std::int32_t problem);
 

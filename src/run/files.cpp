@@ -221,12 +221,18 @@ void OpenProgressFile(Run& run) {
 } // namespace
 
 std::array<TextUnit*, kContinuedUnits> ContinuedUnits(Units& units) {
-    return {&units.listing, &units.graphics, &units.messages, &units.massX, &units.massY, &units.massZ};
+    return {&units.listing, &units.graphics, &units.messages, &units.history,
+            &units.massX,   &units.massY,    &units.massZ};
 }
 
-std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units) {
-    return {units.DefaultListingName, units.DefaultGraphicsName, MessagesName(units),
-            MassFileName(units, 1),   MassFileName(units, 2),    MassFileName(units, 3)};
+std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units, std::int32_t problem) {
+    return {units.DefaultListingName,    units.DefaultGraphicsName, MessagesName(units),
+            HistoryName(units, problem), MassFileName(units, 1),    MassFileName(units, 2),
+            MassFileName(units, 3)};
+}
+
+void FinishFile(Units& units, const std::string& name) {
+    units.finished.push_back({name.substr(units.Folder.size()), {}});
 }
 
 void OpenInputDeck(Run& run) {
@@ -267,9 +273,9 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     const bool goesOn = !run.options.restart.empty();
     if (!settings.force && !goesOn)
         RequireFreeNames(run);
-    units.keepsOlder = !settings.force;
+    units.keepsOlder = !settings.force && !goesOn;
     for (TextUnit* unit : OutputUnits(units))
-        unit->keepsOlder = units.keepsOlder && !goesOn;
+        unit->keepsOlder = units.keepsOlder;
     OpenWorkFiles(run);
     OpenProgressFile(run);
 }

@@ -38,8 +38,12 @@ void FlushUnits(Run& run);
 
 /// The files that grow with the steps: a checkpoint has their places.
 std::array<TextUnit*, kContinuedUnits> ContinuedUnits(Units& units);
-/// And their names in a job on the command line.
-std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units);
+/// And their names in a job on the command line, in a problem of the deck.
+std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units, std::int32_t problem);
+
+/// A file of the run, with its folder, is whole and not touched again: checkpoints see to it that it is on the disk, and a run
+/// that goes on, that it is still there.
+void FinishFile(Units& units, const std::string& name);
 
 /// After a "STOP" card: closes deck, listing and graphics file.
 void CloseUnits(Run& run);

@@ -12,6 +12,7 @@
 #include "run/job_settings.h"
 #include "run/run_state.h"
 #include "run/units.h"
+#include "run/viewer_state.h"
 #include "run/watch_state.h"
 #include "run/working_vector.h"
 
@@ -48,12 +49,13 @@ struct Run {
     std::vector<std::int32_t>
         prescribedEntry; // 1..NP at 0..NP-1: the node's entry, 0 none; empty: none at all
     HistoryState history;
+    ViewerState viewer;
     MassTables mass;  // empty but in a fit and in the direct calculation
     CheckState check; // of --check
     CheckpointState checkpoint;
     ProgressState progress;
     std::any solverStorage; // what the linear solver keeps beside `A` (solver/solver_storage.h)
-    std::any vtuStorage;    // what the files for ParaView keep from step to step (results/vtu_results.cpp)
+    std::any vtuStorage;    // the mesh of the files for ParaView (results/vtu_results.cpp)
 };
 
 /// The text of the run's language.

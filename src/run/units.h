@@ -1,14 +1,22 @@
 // The files of a run, under the numbers that the program's documentation gives them.
 #pragma once
 
-#include "core/text_unit.h"
+#include "core/unit_place.h"
 
 #include <cstdio>
+#include <string>
+#include <vector>
 
 namespace zurt {
 
 /// Name fields take this many characters from the console.
 constexpr int kNameLength = 20;
+
+/// A file that is whole and that the run does not touch again.
+struct FinishedFile {
+    std::string name; // within the run's folder
+    UnitPlace place;  // its end, once a checkpoint has been written behind it
+};
 
 struct Units {
     TextUnit listing;                  // 3
@@ -34,6 +42,7 @@ struct Units {
     std::string Base; // folder and name of the deck without its end: what default names begin with
     std::string DefaultListingName;
     std::string DefaultGraphicsName;
+    std::vector<FinishedFile> finished; // but for the units above
 };
 
 } // namespace zurt

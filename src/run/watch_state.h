@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/array_view.h"
-#include "core/unit_place.h"
+#include "run/units.h"
 
 #include <array>
 #include <chrono>
@@ -13,19 +13,21 @@
 namespace zurt {
 
 /// Files that a run goes on with; the mass files are the last three of them.
-constexpr int kContinuedUnits = 6;
+constexpr int kContinuedUnits = 7;
 
 /// What stands ahead of the state in a checkpoint.
 struct CheckpointHead {
-    std::string version; // of the program
-    std::string options; // those that change what a run writes
-    Word deckSize = 0;
-    std::uint64_t deckSum = 0; // core/word_sum.h
-    std::int32_t pass = 0;     // over the steps, from 1, of all problems of the deck
-    std::int32_t step = 0;     // of the pass: the last one that has been solved and written
-    bool massTables = false;   // else the one mass file is that of plain runs, which is written anew
+    std::string version;                          // of the program
+    std::string options;                          // those that change what a run writes
+    Word deckSize = 0, prescribedSize = 0;        // of the deck, of the file of prescribed values
+    std::uint64_t deckSum = 0, prescribedSum = 0; // core/word_sum.h
+    std::int32_t problem = 0;                     // of the deck, from 1
+    std::int32_t pass = 0;                        // over the steps, from 1, of all problems of the deck
+    std::int32_t step = 0;   // of the pass: the last one that has been solved and written
+    bool massTables = false; // else the one mass file is that of plain runs, which is written anew
     std::array<UnitPlace, kContinuedUnits> places; // of ContinuedUnits (run/files.h)
-    Word LSK = 0, LRHS = 0, LMAXM = 0;             // the partition of `A`
+    std::vector<FinishedFile> finished;
+    Word LSK = 0, LRHS = 0, LMAXM = 0; // the partition of `A`
 };
 
 /// Flows of a recorded pass (MassTables in run/fit_state.h), from which a fit takes its decisions; empty of a plain pass.
@@ -34,10 +36,10 @@ struct PassFlows {
 };
 
 struct CheckpointState {
-    std::uint64_t deckSum = 0;    // of the deck in hand
-    std::int32_t pass = 0;        // in work
-    std::int32_t steps = 0;       // since the last checkpoint
-    std::vector<PassFlows> flows; // of the passes that have ended
+    std::uint64_t deckSum = 0, prescribedSum = 0; // of the files in hand
+    std::int32_t pass = 0;                        // in work
+    std::int32_t steps = 0;                       // since the last checkpoint
+    std::vector<PassFlows> flows;                 // of the passes that have ended
     // The checkpoint that the run goes on from: pass 0 without one; its file, behind the flows, until it is taken over.
     CheckpointHead head;
     std::FILE* source = nullptr;

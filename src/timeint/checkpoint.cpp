@@ -4,6 +4,7 @@
 #include "core/ranks.h"
 #include "core/stop.h"
 #include "core/word_sum.h"
+#include "results/vtu_results.h"
 #include "run/file_names.h"
 #include "run/files.h"
 #include "timeint/checkpoint_file.h"
@@ -33,6 +34,16 @@ std::string OptionsText(const RunOptions& options) {
         std::snprintf(tolerance, sizeof tolerance, "%.17g", options.tolerance);
         text += std::string(" --solver cg --tolerance ") + tolerance;
     }
+    if (options.allFree)
+        text += " --free";
+    if (options.vtu)
+        text += " --vtu";
+    if (!options.prescribed.empty())
+        text += " --prescribed"; // under any name: its content counts
+    if (options.history)
+        text += " --history";
+    for (std::size_t i = 0; i < options.probes.size(); ++i)
+        text += (i == 0 ? " --probe " : ",") + std::to_string(options.probes[i]);
     return text.empty() ? "none" : text.substr(1);
 }
 
@@ -40,15 +51,31 @@ std::size_t UnitsToContinue(const CheckpointHead& head) {
     return head.massTables ? kContinuedUnits : kContinuedUnits - 3;
 }
 
+void TransferFinished(CheckpointStream& stream, std::vector<FinishedFile>& files) {
+    std::int64_t count = static_cast<std::int64_t>(files.size());
+    TransferRecord(stream, count);
+    if (stream.failed)
+        return;
+    files.resize(static_cast<std::size_t>(count));
+    for (FinishedFile& file : files) {
+        TransferText(stream, file.name);
+        TransferRecord(stream, file.place);
+    }
+}
+
 void TransferHead(CheckpointStream& stream, CheckpointHead& head) {
     TransferText(stream, head.version);
     TransferText(stream, head.options);
     TransferRecord(stream, head.deckSize);
     TransferRecord(stream, head.deckSum);
+    TransferRecord(stream, head.prescribedSize);
+    TransferRecord(stream, head.prescribedSum);
+    TransferRecord(stream, head.problem);
     TransferRecord(stream, head.pass);
     TransferRecord(stream, head.step);
     TransferRecord(stream, head.massTables);
     TransferRecord(stream, head.places);
+    TransferFinished(stream, head.finished);
     TransferRecord(stream, head.LSK);
     TransferRecord(stream, head.LRHS);
     TransferRecord(stream, head.LMAXM);
@@ -85,11 +112,25 @@ void TransferState(CheckpointStream& stream, Run& run) {
     TransferNumbers(stream, run.mass.FLUXMICRO);
     TransferNumbers(stream, run.mass.FLUXEQUIV);
     TransferRecord(stream, run.mass.flowRows);
+    TransferRecord(stream, run.viewer.problem);
+    TransferText(stream, run.viewer.listed);
     TransferWords(stream, RealSection(run.A, 1, at.LSK - 1));
     TransferWords(stream, RealSection(run.A, at.LRHS, run.A.LMAXM - at.LRHS));
 }
 
 // --- writing ------------------------------------------------------------------------------------------------------
+
+// Each file once. One that its user has taken away is not looked for later.
+bool TakePlacesOfFinished(Units& units) {
+    for (FinishedFile& file : units.finished) {
+        if (file.place.length != kUnitNotOpened || TakePlace(units.Folder + file.name, file.place))
+            continue;
+        if (errno != ENOENT)
+            return false;
+        file.place.length = kUnitNoPlainFile;
+    }
+    return true;
+}
 
 // False, with the reason in errno, when an output is not on the disk.
 bool TakeHead(Run& run, CheckpointHead& head) {
@@ -97,6 +138,9 @@ bool TakeHead(Run& run, CheckpointHead& head) {
     head.options = OptionsText(run.options);
     head.deckSize = run.deck.size;
     head.deckSum = run.checkpoint.deckSum;
+    head.prescribedSize = run.prescribedFile.size;
+    head.prescribedSum = run.checkpoint.prescribedSum;
+    head.problem = run.job.ProblemNumber;
     head.pass = run.checkpoint.pass;
     head.step = run.clock.KOR;
     head.massTables = run.units.massTables;
@@ -107,6 +151,9 @@ bool TakeHead(Run& run, CheckpointHead& head) {
     for (std::size_t i = 0; i < UnitsToContinue(head); ++i)
         if (!TakePlace(*units[i], head.places[i]))
             return false;
+    if (!TakePlacesOfFinished(run.units))
+        return false;
+    head.finished = run.units.finished;
     return true;
 }
 
@@ -147,8 +194,32 @@ std::string FaultOfHead(const Run& run, const CheckpointHead& head) {
         return "is of another deck than " + run.deck.name + ", or the deck has been changed since";
     const std::string options = OptionsText(run.options);
     if (head.options != options)
-        return "is of a run with other options that change its results: then " + head.options + ", now " +
+        return "is of a run with other options that change what it writes: then " + head.options + ", now " +
                options;
+    if (head.prescribedSize != run.prescribedFile.size || head.prescribedSum != run.checkpoint.prescribedSum)
+        return "is of another file of prescribed values than " + run.prescribedFile.name +
+               ", or the file has been changed since";
+    return "";
+}
+
+std::uint64_t SumOf(const Deck& deck) {
+    return AddToWordSum(kWordSumStart, deck.bytes.get(), static_cast<std::size_t>(deck.size));
+}
+
+// Takes the places of the files that the run goes on with. What is wrong with one; empty when nothing is.
+std::string FaultOfFiles(Run& run) {
+    const CheckpointHead& head = run.checkpoint.head;
+    const auto names = ContinuedNames(run.units, head.problem);
+    const auto units = ContinuedUnits(run.units);
+    for (std::size_t i = 0; i < UnitsToContinue(head); ++i) {
+        if (const std::string fault = FaultOfPlace(names[i], head.places[i]); !fault.empty())
+            return fault;
+        units[i]->awaitsPlace = true;
+    }
+    for (const FinishedFile& file : head.finished)
+        if (const std::string fault = FaultOfPlace(run.units.Folder + file.name, file.place); !fault.empty())
+            return fault;
+    run.units.finished = head.finished;
     return "";
 }
 
@@ -164,8 +235,8 @@ void OpenCheckpoint(Run& run) {
         StopWithLibraryError(
             "--checkpoint and --restart are for one process, not for several that share a run");
     CheckpointState& state = run.checkpoint;
-    state.deckSum =
-        AddToWordSum(kWordSumStart, run.deck.bytes.get(), static_cast<std::size_t>(run.deck.size));
+    state.deckSum = SumOf(run.deck);
+    state.prescribedSum = SumOf(run.prescribedFile);
     if (options.restart.empty())
         return;
     CheckpointStream stream = OpenCheckpointFile(options.restart);
@@ -174,13 +245,8 @@ void OpenCheckpoint(Run& run) {
     if (!fault.empty())
         StopWithLibraryError("the checkpoint " + options.restart + " " + fault);
     TransferFlows(stream, state, state.head.pass);
-    const auto names = ContinuedNames(run.units);
-    const auto units = ContinuedUnits(run.units);
-    for (std::size_t i = 0; i < UnitsToContinue(state.head); ++i) {
-        if (fault = FaultOfPlace(names[i], state.head.places[i]); !fault.empty())
-            StopWithLibraryError("can't go on from " + options.restart + ": " + fault);
-        units[i]->awaitsPlace = true;
-    }
+    if (fault = FaultOfFiles(run); !fault.empty())
+        StopWithLibraryError("can't go on from " + options.restart + ": " + fault);
     state.source = stream.file;
 }
 
@@ -213,6 +279,7 @@ void GoOnFromCheckpoint(Run& run) {
     const auto units = ContinuedUnits(run.units);
     for (std::size_t i = 0; i < units.size(); ++i)
         GoOnAtPlace(*units[i], head.places[i]);
+    GoOnWithVtu(run);
     Write(run.units.console, "(/' GOING ON BEHIND STEP NUMBER',I10,' /',I7,' OF THE CHECKPOINT ',A)",
           head.step, run.pass.NDT, run.options.restart);
 }

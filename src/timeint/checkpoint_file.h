@@ -14,7 +14,7 @@
 namespace zurt {
 
 /// Raised whenever the order or the meaning of the records changes.
-constexpr std::int32_t kCheckpointFormat = 1;
+constexpr std::int32_t kCheckpointFormat = 2;
 
 struct CheckpointStream {
     std::FILE* file = nullptr;

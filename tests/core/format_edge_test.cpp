@@ -139,7 +139,8 @@ TEST(FormatEdge, DamagedRecordsAreRefusedOrReadWithinTheirBytes) {
     EXPECT_EQ(ReadReal(digits, 0).value, HUGE_VAL);
     EXPECT_EQ(ReadReal("0." + std::string(9000, '0') + "1E9001", 0).value, 1.0);
     EXPECT_EQ(ReadReal("-." + std::string(9000, '0') + "1", 0).value, 0.0);
-    EXPECT_EQ(ReadReal("1." + std::string(900, '0') + "E500", 0).value, HUGE_VAL); // far digits do not make it small
+    EXPECT_EQ(ReadReal("1." + std::string(900, '0') + "E500", 0).value,
+              HUGE_VAL); // far digits do not make it small
 
     ListScanner scanner;
     BeginList(scanner, "999999999*1");

@@ -108,6 +108,15 @@ void WriteFile(const std::string& name, const std::string& text) {
     std::ofstream(name, std::ios::binary) << text;
 }
 
+std::map<std::string, std::string> ResultFiles(const std::string& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        for (const char* ending : {".lst", ".unv", ".LST", ".pvd", ".vtu", ".vtp", ".csv"})
+            if (entry.path().extension() == ending)
+                files[entry.path().filename()] = ReadFile(entry.path());
+    return files;
+}
+
 std::string FolderWith(const std::string& deckName, const std::string& deck) {
     std::string folder = MakeTemporaryFolder();
     WriteFile(folder + "/" + deckName, deck);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,9 @@ std::string MakeTemporaryFolder();
 
 std::string ReadFile(const std::string& name);
 void WriteFile(const std::string& name, const std::string& text);
+
+/// All files of results in a folder, of any run, by their names.
+std::map<std::string, std::string> ResultFiles(const std::string& folder);
 
 /// A new folder with a deck in a file of this name.
 std::string FolderWith(const std::string& deckName, const std::string& deck);
