@@ -13,7 +13,8 @@ from .geometry import clip_to_box, close_pairs, close_pairs_of_two, segment_dist
 ROUNDS = 150
 SWEEPS = 3000
 SLACK = 1.0e-6  # of a radius: rounding of coordinates on cards must not make an overlap
-OVERSHOOT = 1.02
+OVERSHOOT = 1.5  # of what overlaps: pairs hold each other, and far fewer sweeps are needed than with 1
+LEAST_SHARE = 0.03  # of a round that fits, below which adding ends
 
 
 @dataclass
@@ -142,7 +143,7 @@ def add_sequentially(random, rods, placed, region):
         rods.centres[rows] = draw_centres(random, rods, rows, region)
         free = free_of_others(rods, rows, numpy.flatnonzero(placed), region)
         placed[rows[free]] = True
-        if free.sum() < 0.002 * len(rows):
+        if free.sum() < LEAST_SHARE * len(rows):
             return
 
 
@@ -155,7 +156,9 @@ def push_apart(rods, region):
         a = counted_segments(rods, region)
         if moved > 0.5 * skin:
             pairs = close_pairs(*a, reach + skin, region.period)
-            pairs = tuple(part[pairs[0] != pairs[1]] for part in pairs)
+            known = measure_pairs(pairs, a, a, rods.radii, rods.radii, region)
+            keep = (pairs[0] != pairs[1]) & (known.distance < known.least + skin)
+            pairs = tuple(part[keep] for part in pairs)
             moved = 0.0
         contacts = measure_pairs(pairs, a, a, rods.radii, rods.radii, region)
         hit = contacts.overlap
