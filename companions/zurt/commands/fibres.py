@@ -37,7 +37,7 @@ def parse(arguments):
     image.add_argument("--voxel", type=float, help="edge of a voxel; a .vti knows its own")
     image.add_argument("--threshold", type=float, help="voxels above it are fibre; without it those above 0")
     image.add_argument("--array", help="of a .vti; its first one without this")
-    image.add_argument("--shortest", type=float, default=2.0, metavar="N", help="pieces shorter than N diameters are dropped (2)")
+    image.add_argument("--shortest", type=float, default=3.0, metavar="N", help="what is shorter than N diameters is dropped (3)")
     for command in (make, table, image):
         command.add_argument("-o", "--output", metavar="NAME", help="NAME.cards and NAME.csv are written; the file's own name without it")
         command.add_argument("--picture", metavar="FILE", help="a picture, .png, .svg or .pdf")

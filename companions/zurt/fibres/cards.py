@@ -23,21 +23,17 @@ class WrittenFibres:
 
 
 def real_field(value):
-    """The value in ten columns, with as many digits as they hold."""
-    for digits in range(8, -1, -1):
-        text = f"{value:.{digits}f}"
-        if len(text) < WIDTH or (len(text) == WIDTH and digits > 0 and not text.startswith("-")):
-            break
-    text = text if "." in text else text + "."
-    if value != 0.0 and (len(text) > WIDTH - 1 or abs(float(text) - value) > 1.0e-5 * abs(value)):
-        short = f"{value:.3e}"
-        text = short if abs(float(short) - value) < abs(float(text) - value) or len(text) > WIDTH else text
-    return text
+    """The value in nine columns, with as many digits as they hold: with a blank ahead of it a field of ten, in either format."""
+    fixed = next((text for text in (f"{value:.{digits}f}" for digits in range(7, 0, -1)) if len(text) < WIDTH), "")
+    short = f"{value:.2e}"
+    if not fixed or abs(float(short) - value) < abs(float(fixed) - value):
+        return short
+    return fixed
 
 
 def rounded(values):
     """The values as a card holds them."""
-    return numpy.round(values, 7)
+    return numpy.round(values, 7) + 0.0
 
 
 def prepare(fibres, margin, classes):

@@ -12,6 +12,8 @@ from .geometry import clip_to_box, close_pairs, close_pairs_of_two, segment_dist
 
 ROUNDS = 150
 SWEEPS = 3000
+STALL = 300  # sweeps in which the largest overlap must get less by a tenth
+SKIN = 1.0  # radii
 SLACK = 1.0e-6  # of a radius: rounding of coordinates on cards must not make an overlap
 OVERSHOOT = 1.5  # of what overlaps: pairs hold each other, and far fewer sweeps are needed than with 1
 LEAST_SHARE = 0.03  # of a round that fits, below which adding ends
@@ -148,30 +150,46 @@ def add_sequentially(random, rods, placed, region):
 
 
 def push_apart(rods, region):
-    """Moves and turns the rods until no pair overlaps. Returns the pairs (first, second) that still do at the end of all sweeps."""
-    skin = 0.5 * rods.radii.mean()
+    """Moves and turns the rods until no pair overlaps. Returns the pairs (first, second) that still do when nothing gets better any more.
+
+    Pairs that may meet are listed with a skin around the rods, which lasts until some point has moved by half of it. Pairs whose rods both
+    stayed in a sweep are not measured again.
+    """
+    skin = SKIN * rods.radii.mean()
     reach = 2.0 * rods.radii.max() * (1.0 + SLACK) + region.gap
-    moved = numpy.inf
-    for _ in range(SWEEPS):
+    way = numpy.full(len(rods.lengths), numpy.inf)
+    moved, best = way > 0.0, numpy.inf
+    for sweep in range(1, SWEEPS + 1):
         a = counted_segments(rods, region)
-        if moved > 0.5 * skin:
+        if way.max() > 0.5 * skin:
             pairs = close_pairs(*a, reach + skin, region.period)
             known = measure_pairs(pairs, a, a, rods.radii, rods.radii, region)
             keep = (pairs[0] != pairs[1]) & (known.distance < known.least + skin)
             pairs = tuple(part[keep] for part in pairs)
-            moved = 0.0
-        contacts = measure_pairs(pairs, a, a, rods.radii, rods.radii, region)
+            way[:] = 0.0
+            moved[:] = True
+        rows = numpy.flatnonzero(moved[pairs[0]] | moved[pairs[1]])
+        near = tuple(part[rows] for part in pairs)
+        contacts = measure_pairs(near, a, a, rods.radii, rods.radii, region)
         hit = contacts.overlap
-        first, second = pairs[0][hit], pairs[1][hit]
+        first, second = near[0][hit], near[1][hit]
         if not hit.any():
             break
-        moved += push(rods, region, first, second, Contacts(*(part[hit] for part in vars(contacts).values())))
+        contacts = Contacts(*(part[hit] for part in vars(contacts).values()))
+        steps = push(rods, region, first, second, contacts)
+        way += steps
+        moved = steps > 0.0
+        if sweep % STALL == 0:
+            worst = float((contacts.least - contacts.distance).max())
+            if worst > 0.9 * best:
+                break
+            best = worst
     return first, second
 
 
 def push(rods, region, first, second, contacts):
-    """Moves each of these pairs apart by what it overlaps and a little more, across the first one where the axes meet. Returns the largest
-    move of any point."""
+    """Moves each of these pairs apart by what it overlaps and a little more, across the first one where the axes meet. Returns
+    (n,) the largest move of any point of each rod."""
     p = rods.directions[first]
     across = numpy.column_stack([-p[:, 1], p[:, 0], 0.0 * p[:, 0]])
     across[~across.any(axis=1)] = (1.0, 0.0, 0.0)
@@ -188,7 +206,7 @@ def push(rods, region, first, second, contacts):
 
 def move_rods(rods, rows, steps, arms, stiff):
     """Moves the point at a place along each of these rods (arms, from the centre) by a step (m, 3), as a rigid rod would: partly all of
-    it, partly by a turn. stiff (n,): the length that resists turning. Returns the largest move of any point."""
+    it, partly by a turn. stiff (n,): the length that resists turning. Returns (n,) the largest move of any point of each rod."""
     length = stiff[rows]
     square = numpy.where(length > 0.0, length, 1.0) ** 2
     share = 1.0 / (1.0 + 12.0 * arms**2 / square)
@@ -200,12 +218,12 @@ def move_rods(rods, rows, steps, arms, stiff):
 
     move, turned = summed(share[:, None] * steps), summed(turn[:, None] * steps)
     turned -= (turned * rods.directions).sum(1)[:, None] * rods.directions
+    steps = numpy.linalg.norm(move, axis=1) + 0.5 * stiff * numpy.linalg.norm(turned, axis=1)
     rods.centres += move
     rods.directions += turned
     size = numpy.linalg.norm(rods.directions, axis=1)
     rods.directions /= numpy.where(size > 0.0, size, 1.0)[:, None]
-    largest = numpy.linalg.norm(move, axis=1) + 0.5 * stiff * numpy.linalg.norm(turned, axis=1)
-    return float(largest.max())
+    return steps
 
 
 def place_apart(random, rods, placed, region):
