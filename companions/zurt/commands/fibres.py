@@ -80,13 +80,19 @@ def percent(fraction):
     return f"{fraction.value:.5f} ({error})"
 
 
+def names_of(fibres):
+    """What they are called, and their share."""
+    plane = dimension_of(fibres.box) == 2
+    kind = {LINES: "fibres", BALLS: "circles" if plane else "spheres"}[fibres.shape]
+    return kind, "area fraction" if plane else "volume fraction"
+
+
 def report(fibres, written, exponent, seed):
     """Lines about what was reached, and the volume fraction as the program sees it."""
     cut = written.fibres
     full = volume_fraction(fibres, exponent - 4, seed)
     seen = fraction_as_seen(in_own_box(written), exponent - 4, seed)
-    share = "area fraction" if dimension_of(fibres.box) == 2 else "volume fraction"
-    kind = {LINES: "fibres", BALLS: "circles" if dimension_of(fibres.box) == 2 else "spheres"}[fibres.shape]
+    kind, share = names_of(fibres)
     box = " x ".join(f"{size:g}" for size in fibres.box if size > 0.0)
     d = fibres.diameters
     lines = [f"{len(d)} {kind} in a box of {box} um, as {len(cut.diameters)} on the cards, in {len(written.sets)} set(s)",
@@ -119,7 +125,8 @@ def main(arguments):
     if options.picture:
         from ..fibres.picture import draw_picture
         try:
-            draw_picture(options.picture, in_own_box(written), f"{len(fibres.diameters)} fibres, volume fraction {fraction.value:.3f}")
+            kind, share = names_of(fibres)
+            draw_picture(options.picture, in_own_box(written), f"{len(fibres.diameters)} {kind}, {share} {fraction.value:.3f}")
         except (OSError, ValueError) as error:
             raise ZurtError(str(error), options.picture) from None
     print(f"written: {name}.cards, {name}.csv" + (f", {options.picture}" if options.picture else "")

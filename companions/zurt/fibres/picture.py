@@ -21,17 +21,20 @@ def view_axes():
 
 def draw_picture(path, fibres, title):
     """Writes the picture; fibres: as a deck gets them, cut at the box. path: .png, .svg or .pdf."""
-    figure = Figure(figsize=(7.2, 6.4), dpi=120)
+    draw_pictures(path, [(fibres, title)])
+
+
+def draw_pictures(path, parts):
+    """Several (fibres, title) beside each other."""
+    figure = Figure(figsize=(0.6 + 6.4 * len(parts), 6.4) if len(parts) == 1 else (4.4 * len(parts), 4.6), dpi=100)
     FigureCanvasAgg(figure)
-    axes = figure.add_axes([0.02, 0.02, 0.96, 0.9])
-    axes.set_aspect("equal")
-    axes.axis("off")
-    figure.suptitle(title, fontsize=11)
-    if dimension_of(fibres.box) == 2:
-        draw_plane(axes, fibres)
-    else:
-        draw_space(axes, fibres)
-    axes.autoscale_view()
+    for place, (fibres, title) in enumerate(parts):
+        axes = figure.add_axes([(place + 0.02) / len(parts), 0.02, 0.96 / len(parts), 0.9])
+        axes.set_aspect("equal")
+        axes.axis("off")
+        axes.set_title(title, fontsize=11)
+        (draw_plane if dimension_of(fibres.box) == 2 else draw_space)(axes, fibres)
+        axes.autoscale_view()
     figure.savefig(path)
 
 
