@@ -9,7 +9,7 @@ import tifffile
 
 from zurt.commands import fibres as command
 from zurt.errors import ZurtError
-from zurt.fibres import orientation, volume
+from zurt.fibres import orientation, placement, volume
 from zurt.fibres.model import BALLS, LINES, Fibres
 from zurt.fibres.specification import read_specification
 from zurt.fibres.table_file import read_table
@@ -159,7 +159,8 @@ def test_circles_in_the_plane(tmp_path, capsys):
     assert abs(1.0 - porosity(tmp_path, (tmp_path / "spec.cards").read_text(), plane=True, n=50) - seen) < 0.004
 
 
-def test_faults(tmp_path):
+def test_faults(tmp_path, monkeypatch):
+    monkeypatch.setattr(placement, "SWEEPS", 30)
     for change, message in ((("volume_fraction = 0.12", "volume_fraction = 0.6"), r"can't be reached without overlap: \d+ fibres"),
                             (("diameter", "diametre"), "did you mean diameter"), (("0.1]", "0.5]"), "trace 1"),
                             (("seed = 7", "seed = -7"), "seed"), (("length = 0.8", 'length = "through"'), "periodic")):

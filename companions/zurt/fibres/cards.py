@@ -52,7 +52,7 @@ def prepare(fibres, margin, classes):
         starts, ends, diameters = starts[long], ends[long], diameters[long]
     weights = numpy.linalg.norm(ends - starts, axis=1) if fibres.shape == LINES else diameters
     diameters = into_classes(diameters, weights, classes)
-    order = numpy.argsort(diameters, kind="stable")
+    order = numpy.argsort(-diameters, kind="stable")  # thick ones first: past its end a fibre counts the radius of the nearest one before it
     box = high - low
     written = Fibres(rounded(starts[order] - low), rounded(ends[order] - low), rounded(diameters[order]), fibres.shape, box)
     return WrittenFibres(written, set_rows(written.diameters), box, (margin, margin + fibres.box))

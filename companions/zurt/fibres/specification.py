@@ -117,10 +117,11 @@ def is_integer(value):
     return isinstance(value, int) and not isinstance(value, bool)
 
 
-def choice(table, key, choices, default):
+def choice(table, key, choices, default, where=""):
     value = table.get(key, default)
     if value not in choices:
-        raise ZurtError(f"{key}: {value!r} is none of {', '.join(choices)}")
+        near = difflib.get_close_matches(str(value), choices, 1)
+        raise ZurtError(f"{where}{key}: {value!r} is none of {', '.join(choices)}" + (f"; did you mean {near[0]}?" if near else ""))
     return value
 
 
@@ -148,7 +149,7 @@ def number(table, key, default, unit=1.0, least=0.0):
 def numbers(table, key, unit=1.0, least=0.0):
     value = table.get(key)
     if not isinstance(value, list):
-        raise ZurtError(f"{key}: is missing; it is a list of numbers")
+        raise ZurtError(f"{key}: a list of numbers is needed" + (f", not {value!r}" if value is not None else ""))
     return [one_number(part, key, least) * unit for part in value]
 
 
@@ -187,7 +188,7 @@ def diameter_of(data, unit):
     law = data.get("diameter")
     if not isinstance(law, dict):
         return {"distribution": "constant", "mean": number(data, "diameter", None, unit)}
-    kind = choice(law, "distribution", tuple(LAWS), "constant")
+    kind = choice(law, "distribution", tuple(LAWS), "constant", "diameter.")
     know_keys(law, {"distribution", *LAWS[kind]}, "diameter.")
     found = {key: one_number(law.get(key), f"diameter.{key}", 0.0) * unit for key in LAWS[kind]}
     if kind == "uniform" and found["low"] >= found["high"]:
@@ -226,7 +227,7 @@ def cards_of(data, unit, dimension, classes):
     if len(margin) != dimension:
         raise ZurtError(f"margin: one number, or {dimension}, by axis")
     margin = [one_number(part, "margin", -1.0e-300) * unit for part in margin] + [0.0] * (3 - dimension)
-    return CardChoice(choice(table, "format", ("fixed", "free"), "fixed"), number(table, "wallcut", 1.0 / unit, unit),
+    return CardChoice(choice(table, "format", ("fixed", "free"), "fixed", "cards."), number(table, "wallcut", 1.0 / unit, unit),
                       factor_table(table, "correction") or SMALLEST_TABLE, factor_table(table, "towards"), margin, classes)
 
 
