@@ -69,4 +69,4 @@ def write_table(path, fibres):
     values = [fibres.starts, fibres.ends] if lines else [fibres.starts]
     with open(path, "w", encoding="utf-8") as file:
         file.write("# lengths in micrometres\n" + ",".join(LINE_COLUMNS if lines else BALL_COLUMNS) + "\n")
-        numpy.savetxt(file, numpy.column_stack([*values, fibres.diameters]), fmt="%.9g", delimiter=",")
+        numpy.savetxt(file, numpy.column_stack([*values, fibres.diameters]), fmt="%.17g", delimiter=",")
