@@ -1,5 +1,4 @@
 """Sets of fibres: closed forms for laws and fractions, no overlap by another way of measuring it, and what the program makes of the cards."""
-import os
 import re
 import subprocess
 
