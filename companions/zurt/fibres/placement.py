@@ -8,7 +8,7 @@ from dataclasses import dataclass
 
 import numpy
 
-from .geometry import clip_to_box, close_pairs, close_pairs_of_two, segment_distances
+from .geometry import clip_to_box, close_pairs, close_pairs_of_two, segment_distances, unique_pairs
 
 ROUNDS = 150
 SWEEPS = 3000
@@ -150,25 +150,43 @@ def add_sequentially(random, rods, placed, region):
             return
 
 
+def listed_pairs(pairs, a, stale, rods, reach, region):
+    """The list of pairs (first < second, shift of the second) that come within reach, those with a stale rod (n,) found anew."""
+    rows = numpy.flatnonzero(stale)
+    if 2 * len(rows) > len(stale):
+        found = close_pairs(*a, reach, region.period)
+    else:
+        first, second, shifts = close_pairs_of_two(a[0][rows], a[1][rows], *a, reach, region.period)
+        first, turned = rows[first], rows[first] > second
+        found = unique_pairs(numpy.where(turned, second, first), numpy.where(turned, first, second),
+                             numpy.where(turned[:, None], -shifts, shifts))
+        kept = ~(stale[pairs[0]] | stale[pairs[1]])
+        pairs = tuple(part[kept] for part in pairs)
+    contacts = measure_pairs(found, a, a, rods.radii, rods.radii, region)
+    near = (found[0] != found[1]) & (contacts.distance < contacts.least + SKIN * rods.radii.mean())
+    found = tuple(part[near] for part in found)
+    return found if 2 * len(rows) > len(stale) else tuple(numpy.concatenate(parts) for parts in zip(pairs, found))
+
+
 def push_apart(rods, region):
     """Moves and turns the rods until no pair overlaps. Returns the pairs (first, second) that still do when nothing gets better any more.
 
-    Pairs that may meet are listed with a skin around the rods, which lasts until some point has moved by half of it. Pairs whose rods both
-    stayed in a sweep are not measured again.
+    Pairs that may meet are listed with a skin around the rods. A rod of which some point has moved by half of it is stale, and its pairs
+    are found anew. Pairs whose rods both stayed in a sweep are not measured again.
     """
     skin = SKIN * rods.radii.mean()
     reach = 2.0 * rods.radii.max() * (1.0 + SLACK) + region.gap
     way = numpy.full(len(rods.lengths), numpy.inf)
-    moved, best = way > 0.0, numpy.inf
+    moved, best, pairs = way > 0.0, numpy.inf, None
     for sweep in range(1, SWEEPS + 1):
         a = counted_segments(rods, region)
-        if way.max() > 0.5 * skin:
-            pairs = close_pairs(*a, reach + skin, region.period)
-            known = measure_pairs(pairs, a, a, rods.radii, rods.radii, region)
-            keep = (pairs[0] != pairs[1]) & (known.distance < known.least + skin)
-            pairs = tuple(part[keep] for part in pairs)
-            way[:] = 0.0
-            moved[:] = True
+        stale = way > 0.5 * skin
+        if stale.any():
+            pairs = listed_pairs(pairs, a, stale, rods, reach + skin, region)
+            way[stale] = 0.0
+            if 2 * stale.sum() > len(stale):
+                way[:] = 0.0
+                moved[:] = True
         rows = numpy.flatnonzero(moved[pairs[0]] | moved[pairs[1]])
         near = tuple(part[rows] for part in pairs)
         contacts = measure_pairs(near, a, a, rods.radii, rods.radii, region)
