@@ -1,6 +1,7 @@
 """Where the program is."""
 import os
 import shutil
+import sys
 
 from .errors import ZurtError
 
@@ -8,10 +9,12 @@ TREE = os.path.abspath(os.path.join(os.path.dirname(os.path.abspath(__file__)), 
 
 
 def find_program():
-    """Path of zurt: that of the variable ZURT, else of the source tree that this package lies in, else of the search path."""
+    """Path of zurt: that of the variable ZURT, else of the source tree that this package lies in, else the one
+    beside the program that runs, else of the search path."""
     named = os.environ.get("ZURT")
     built = os.path.join(TREE, "build", "release", "zurt")
-    for path in (named, built, shutil.which("zurt")):
+    beside = os.path.join(os.path.dirname(os.path.realpath(sys.argv[0])), "zurt")
+    for path in (named, built, beside, shutil.which("zurt")):
         if path and os.access(path, os.X_OK) and os.path.isfile(path):
             return path
         if path and path == named:

@@ -2,10 +2,15 @@
 import sys
 
 from ..errors import ZurtError
+from ..version import VERSION
 
 
 def run_command(name, main):
-    """Ends the process: by what main returns, or by 1 behind a line that says what is wrong. name: of the program."""
+    """Ends the process: by what main returns, or by 1 behind a line that says what is wrong. name: of the program,
+    which --version follows."""
+    if sys.argv[1:] == ["--version"]:
+        print(f"{name} {VERSION}")
+        sys.exit(0)
     try:
         sys.exit(main(sys.argv[1:]))
     except ZurtError as error:
