@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Draws docs/fibres.png, and examples/random_fibres/picture.png from the specification there."""
+"""Draws docs/fibres.png, and companions/examples/random_fibres/picture.png from the specification there."""
 import os
 import sys
 import tempfile
@@ -36,7 +36,7 @@ def main():
                 file.write(text)
             parts.append((drawn(path), title))
     draw_pictures(os.path.join(HERE, "..", "docs", "fibres.png"), parts)
-    example = os.path.join(HERE, "..", "examples", "random_fibres")
+    example = os.path.join(HERE, "examples", "random_fibres")
     draw_pictures(os.path.join(example, "picture.png"), [(drawn(os.path.join(example, "fibres.toml")), "")])
 
 
