@@ -2,6 +2,7 @@
 
 #include "check/node_use.h"
 #include "geometry/element_walk.h"
+#include "geometry/group_views.h"
 #include "geometry/jacobian_cause.h"
 #include "geometry/radial_views.h"
 
@@ -56,6 +57,16 @@ template <int Family> void CheckElement(ElementWalk<Family>& walk, std::int32_t 
                 CauseOfJacobian<Family>({walk.points, walk.element.CORE, walk.element.node}, 0, determinant);
     walk.run.check.findings.push_back(
         {LineOfElement(walk.run, walk.group, n), ElementText(walk.group, n) + text + cause});
+}
+
+void CheckRepeats(Run& run, const ElementGroup& group) {
+    const ConstIntTable NEL = Connectivity(run, group);
+    for (std::int32_t n = 1; n <= group.NET; ++n)
+        if (const std::int32_t node = RepeatedNode(NEL, n); node != 0)
+            run.check.findings.push_back(
+                {LineOfElement(run, group, n),
+                 ElementText(group, n) + " names node " + std::to_string(node) +
+                     " twice: only the sparse solver takes the whole of its matrix, the others a part"});
 }
 
 template <int Family> void CheckJacobians(Run& run, const ElementGroup& group) {
@@ -140,8 +151,10 @@ void CheckMesh(Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
         const ElementGroup& group = run.groups[NGE];
         CheckCards(run, group);
-        if (!IsRadial(group))
-            WithFamily(group, [&](auto family) { CheckJacobians<family.value>(run, group); });
+        if (IsRadial(group))
+            continue;
+        CheckRepeats(run, group);
+        WithFamily(group, [&](auto family) { CheckJacobians<family.value>(run, group); });
     }
     CheckUse(run, ElementsOfNodes(run));
     CheckPlaces(run);

@@ -20,4 +20,13 @@ inline RealArray ElementThickness(const Run& run, const ElementGroup& group) {
     return RealSection(run.A, group.LTHIC, group.hasThickness ? group.NET : 0);
 }
 
+/// The node that element n names twice, 0 for none. `NEL` has an element to a row and 0 where it has no node.
+inline std::int32_t RepeatedNode(ConstIntTable NEL, Word n) {
+    for (Word i = 2; i <= NEL.columns; ++i)
+        for (Word k = 1; k < i; ++k)
+            if (NEL(n, i) != 0 && NEL(n, i) == NEL(n, k))
+                return NEL(n, i);
+    return 0;
+}
+
 } // namespace zurt

@@ -140,7 +140,7 @@ template <int Family> std::string DoubleNode(const ElementInDoubt<Family>& eleme
 
 template <int Family>
 std::string CauseOfJacobian(const ElementInDoubt<Family>& element, int KFIX, double determinant) {
-    const std::string twice = DoubleNode(element);
+    std::string twice = DoubleNode(element);
     if (!twice.empty())
         return twice;
     if (KFIX > 0)

@@ -84,7 +84,8 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
                               static_cast<std::size_t>(descriptor.width), value))
         return;
     const std::string_view text = ColumnsOf(card, column, descriptor.width);
-    CheckFieldStatus(place, name, descriptor, card, static_cast<std::size_t>(column + descriptor.width), text,
+    CheckFieldStatus(place, name, descriptor, card,
+                     static_cast<std::size_t>(column) + static_cast<std::size_t>(descriptor.width), text,
                      ReadIntegerField(text, value));
 }
 
@@ -94,7 +95,8 @@ void ReadColumns(const CardPlace& place, const char* name, const FieldDescriptor
                            descriptor.decimals, value))
         return;
     const std::string_view text = ColumnsOf(card, column, descriptor.width);
-    CheckFieldStatus(place, name, descriptor, card, static_cast<std::size_t>(column + descriptor.width), text,
+    CheckFieldStatus(place, name, descriptor, card,
+                     static_cast<std::size_t>(column) + static_cast<std::size_t>(descriptor.width), text,
                      ReadRealField(text, descriptor.decimals, value));
     CheckReal(place, name, text, value);
 }

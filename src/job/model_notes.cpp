@@ -52,6 +52,23 @@ void NoteKindOfProblem(const Run& run) {
                   "before: ask for two steps (NPER 2) and take the second");
 }
 
+// The skyline solver and conjugate gradients keep one of the two equal terms that such an element brings to a diagonal entry.
+void NoteRepeatedNodes(const Run& run) {
+    for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE) {
+        const ElementGroup& group = run.groups[NGE];
+        if (IsRadial(group))
+            continue;
+        const ConstIntTable NEL = Connectivity(run, group);
+        const NodesFound found = FindNodes(group.NET, [&](Word n) { return RepeatedNode(NEL, n) != 0; });
+        if (found.count > 0)
+            WriteNote(
+                "group " + std::to_string(NGE) + ": " + Count(found.count, "element names", "elements name") +
+                " a node twice (element " + std::to_string(found.first) +
+                " first): only the sparse solver takes the whole of such a matrix (--solver sparse), the "
+                "others give another solution");
+    }
+}
+
 void NoteSources(const Run& run) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         if (run.groups[NGE].IZIP == 2)
@@ -159,6 +176,7 @@ void NoteUnitsOfTables(const Run& run) {
 void WriteModelNotes(Run& run) {
     NoteKindOfProblem(run);
     NoteSources(run);
+    NoteRepeatedNodes(run);
     NoteValuesOfHeldNodes(run);
     NoteNodesInNoElement(run);
     NoteFactorsWithoutEffect(run);

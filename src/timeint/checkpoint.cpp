@@ -212,12 +212,12 @@ std::string FaultOfFiles(Run& run) {
     const auto names = ContinuedNames(run.units, head.problem);
     const auto units = ContinuedUnits(run.units);
     for (std::size_t i = 0; i < UnitsToContinue(head); ++i) {
-        if (const std::string fault = FaultOfPlace(names[i], head.places[i]); !fault.empty())
+        if (std::string fault = FaultOfPlace(names[i], head.places[i]); !fault.empty())
             return fault;
         units[i]->awaitsPlace = true;
     }
     for (const FinishedFile& file : head.finished)
-        if (const std::string fault = FaultOfPlace(run.units.Folder + file.name, file.place); !fault.empty())
+        if (std::string fault = FaultOfPlace(run.units.Folder + file.name, file.place); !fault.empty())
             return fault;
     run.units.finished = head.finished;
     return "";
