@@ -59,12 +59,6 @@ TEST(FreeCards, GiveTheListingOfColumns) {
     }
 }
 
-// The listing behind its copy of the deck.
-std::string BehindCopy(const std::string& listing) {
-    const std::size_t end = listing.find(" STOP ");
-    return end == std::string::npos ? "" : Comparable(listing.substr(end));
-}
-
 // Each card cut by a slash behind two thirds of its items. Faults: a record that begins with another value than 0, or keeps one of
 // the card before.
 TEST(FreeCards, FieldsLeftOutAreZero) {
@@ -81,7 +75,10 @@ TEST(FreeCards, FieldsLeftOutAreZero) {
             zeros[card] += i + 1 < items.size() ? "0 " : "0\n";
         const RunResult left = RunDeck(JoinDeck(cut)), given = RunDeck(JoinDeck(zeros));
         EXPECT_EQ(left.status, given.status) << lines[card] << left.errors << given.errors;
-        EXPECT_EQ(BehindCopy(left.listing), BehindCopy(given.listing)) << lines[card];
+        EXPECT_EQ(left.graphics, given.graphics) << lines[card];
+        if (card > 7) { // a fault ahead of it leaves the deck repeated
+            EXPECT_EQ(Comparable(left.listing), Comparable(given.listing)) << lines[card];
+        }
     }
 }
 
