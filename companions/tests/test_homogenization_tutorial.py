@@ -30,7 +30,7 @@ def walk(text, folder):
         elif language == "sh":
             commands = body if browser else body.split("chromium")[0]
             script = f'set -eu\ncd "{TREE}"\n{prepare}\ncd "{folder}"\n{commands}'
-            done = subprocess.run(["bash", "-c", script], capture_output=True, text=True, timeout=60, env=environment, check=False)
+            done = subprocess.run(["bash", "-c", script], capture_output=True, text=True, timeout=120, env=environment, check=False)
             assert done.returncode == 0, body + done.stdout + done.stderr
             said = done.stdout.splitlines()
         else:
