@@ -126,6 +126,10 @@ def test_profile_of_a_known_field():
     assert fields.dense_part(points, 0) == (0.0, 2.0) and fields.dense_part(points, 1) is None
     line = fields.profile(step, values, 0, (0.0, 2.0))
     assert numpy.allclose(line.at, x[1:-1]) and numpy.allclose(line.mean, line.at + 0.5) and numpy.allclose(line.high - line.low, 1.0)
+    points = numpy.random.default_rng(3).random((200, 3))
+    step = fields.Fields(0.0, points, [], points[:, 1], numpy.ones(200, bool), {}, None, "")
+    line = fields.profile(step, points[:, 1] ** 2, 0)
+    assert not line.planes and 5 <= len(line.at) < 20 and numpy.abs(line.mean - 1 / 3).max() < 0.25
 
 
 def test_pictures_without_a_display(monkeypatch):

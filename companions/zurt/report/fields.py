@@ -90,14 +90,34 @@ def profile(fields, values, axis, limits=None):
         return Profile(axis, *[numpy.zeros(0)] * 4, True)
     extent = numpy.ptp(x)
     places, row = numpy.unique(numpy.round(x / (1e-6 * extent)) if extent > 0 else numpy.zeros(len(x)), return_inverse=True)
-    planes = len(places) <= MOST_PLANES
+    whole = planes_span_the_section(fields.points[good], axis, row)
+    planes = len(places) <= MOST_PLANES and whole
     if not planes:
-        row = numpy.minimum(((x - x.min()) / extent * BINS).astype(int), BINS - 1)
+        bins = BINS if whole else bins_of_scattered_nodes(fields.points[good], axis)
+        row = numpy.minimum(((x - x.min()) / extent * bins).astype(int), bins - 1)
         _, row = numpy.unique(row, return_inverse=True)
     count = numpy.bincount(row)
     ordered, first = values[numpy.argsort(row, kind="stable")], numpy.cumsum(count) - count
     low, high = numpy.minimum.reduceat(ordered, first), numpy.maximum.reduceat(ordered, first)
     return Profile(axis, numpy.bincount(row, x) / count, numpy.bincount(row, values) / count, low, high, planes)
+
+
+def planes_span_the_section(points, axis, row):
+    """Whether most planes of nodes reach over half of the mesh or more along both other axes: in meshes of bricks in rows they do, in
+    unstructured ones nodes of one plane are a few that happen to lie there. points (n, 3), row (n,): the plane of each."""
+    order = numpy.argsort(row, kind="stable")
+    first = numpy.cumsum(numpy.bincount(row)) - numpy.bincount(row)
+    others = numpy.delete(points, axis, axis=1)
+    spans = numpy.maximum.reduceat(others[order], first) - numpy.minimum.reduceat(others[order], first)
+    return numpy.mean((spans >= 0.5 * numpy.ptp(others, axis=0)).all(axis=1)) > 0.5
+
+
+def bins_of_scattered_nodes(points, axis):
+    """Number of slices across an axis that are as thick as nodes lie apart on average, so that each has nodes from all over its section."""
+    extents = numpy.ptp(points, axis=0)
+    real = extents > 1e-9 * extents.max()
+    spacing = (numpy.prod(extents[real]) / len(points)) ** (1.0 / real.sum())
+    return int(numpy.clip(extents[axis] / spacing, 6, BINS))
 
 
 def telling_axes(fields):
