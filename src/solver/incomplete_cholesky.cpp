@@ -59,8 +59,7 @@ void FactorNothing(const TeamMember& member, const SymmetricRows& A, const RowOr
                    IncompleteFactor& factor) {
     ForStages(member, order, [&](std::size_t, std::size_t first, std::size_t end) {
         for (std::size_t i = first; i < end; ++i) {
-            std::fill(&factor.L[static_cast<std::size_t>(A.start[i])],
-                      &factor.L[static_cast<std::size_t>(A.start[i + 1])], 0.0F);
+            std::fill(factor.L.data() + A.start[i], factor.L.data() + A.start[i + 1], 0.0F);
             factor.L[static_cast<std::size_t>(A.start[i + 1]) - 1] = 1.0F;
         }
     });
