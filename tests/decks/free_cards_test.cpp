@@ -98,7 +98,7 @@ std::string BrickDeck(int first, bool free) {
     std::string text = "Brick\n" + std::string(free ? "1" : "2") + " 1 0 0\n";
     const auto card = [&](const char* format, auto... values) {
         char line[200];
-        std::snprintf(line, sizeof line, format, values...);
+        std::snprintf(line, sizeof line, format, values..., 0); // cards without values have a value to spare
         text += line;
         text += "\n";
     };
