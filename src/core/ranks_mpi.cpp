@@ -57,6 +57,18 @@ std::int32_t LowestStopped(bool stopped) {
     return enquiry.lowest;
 }
 
+// What a rank that isn't the first one has written to standard error: nobody sees it, but what it tells ahead of its stop.
+struct NotesOfRank {
+    char* text = nullptr;
+    std::size_t size = 0;
+    std::size_t inCommon = 0; // so much when all ranks were last well
+};
+
+NotesOfRank& OwnNotes() {
+    static NotesOfRank notes; // the stream keeps its address
+    return notes;
+}
+
 template <class T> void SumInParts(ArrayView<T> values, MPI_Datatype type) {
     StopWithOtherRanks();
     for (Word first = 0; first < values.length; first += kMostAtOnce)
@@ -87,7 +99,7 @@ void StartRanks() {
         return;
     // The streams alone: the descriptors stay for what must be told before a sudden end.
     stdout = std::fopen("/dev/null", "w");
-    stderr = std::fopen("/dev/null", "w");
+    stderr = open_memstream(&OwnNotes().text, &OwnNotes().size);
 }
 
 void EndRanks() {
@@ -132,6 +144,10 @@ void StopWithOtherRanks() {
     const std::int32_t lowest = LowestStopped(false);
     if (lowest < RankCount())
         throw RunStop{StopKind::LibraryError, "", "", "", true, lowest};
+    if (IsFirstRank())
+        return;
+    std::fflush(stderr);
+    OwnNotes().inCommon = OwnNotes().size;
 }
 
 void SumOverRanks(RealArray values) {
@@ -162,6 +178,14 @@ RunStop AgreeOnStop(const RunStop& stop) {
     SendBytes(&agreed.kind, sizeof agreed.kind, rank);
     for (std::string* text : {&agreed.text, &agreed.place, &agreed.records})
         SendText(*text, rank);
+    std::string notes;
+    if (rank != 0 && rank == OwnRank()) {
+        std::fflush(stderr);
+        notes.assign(OwnNotes().text + OwnNotes().inCommon, OwnNotes().size - OwnNotes().inCommon);
+    }
+    SendText(notes, rank);
+    if (IsFirstRank())
+        std::fputs(notes.c_str(), stderr);
     return agreed;
 }
 
