@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Draws docs/fibres.png, and companions/examples/random_fibres/picture.png from the specification there."""
+"""Draws docs/fibres.png, and companions/examples/random_fibres/picture.png from the recipe there."""
 import os
 import sys
 import tempfile
@@ -10,7 +10,7 @@ from zurt.commands.fibres import in_own_box  # noqa: E402
 from zurt.fibres.cards import prepare  # noqa: E402
 from zurt.fibres.generator import generate  # noqa: E402
 from zurt.fibres.picture import draw_pictures  # noqa: E402
-from zurt.fibres.specification import read_specification  # noqa: E402
+from zurt.fibres.recipe import read_recipe  # noqa: E402
 
 KINDS = {
     "through the box, overlapping": 'box = [1.0, 1.0, 1.0]\nlength = "through"\noverlap = true\nvolume_fraction = 0.15\ndiameter = 0.05\n',
@@ -22,9 +22,9 @@ KINDS = {
 
 
 def drawn(path):
-    """The fibres of a specification as a deck gets them."""
-    specification = read_specification(path)
-    return in_own_box(prepare(generate(specification), specification.cards.margin, specification.classes))
+    """The fibres of a recipe as a deck gets them."""
+    recipe = read_recipe(path)
+    return in_own_box(prepare(generate(recipe), recipe.cards.margin, recipe.classes))
 
 
 def main():

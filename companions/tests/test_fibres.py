@@ -10,15 +10,15 @@ from zurt.commands import fibres as command
 from zurt.errors import ZurtError
 from zurt.fibres import orientation, placement, volume
 from zurt.fibres.model import BALLS, LINES, Fibres
-from zurt.fibres.specification import read_specification
+from zurt.fibres.recipe import read_recipe
 from zurt.fibres.table_file import read_table
 from zurt.program import find_program
 
 CORNERS = [(1, 1, 1), (0, 1, 1), (0, 0, 1), (1, 0, 1), (1, 1, 0), (0, 1, 0), (0, 0, 0), (1, 0, 0)]
 
 
-def make(folder, text, name="spec"):
-    """(printed numbers of the run by their label, Fibres of the CSV file) of a specification."""
+def make(folder, text, name="made"):
+    """(printed numbers of the run by their label, Fibres of the CSV file) of a recipe."""
     path = folder / f"{name}.toml"
     path.write_text(text)
     command.main(["random", str(path), "-o", str(folder / name), "--picture", str(folder / f"{name}.png")])
@@ -124,8 +124,8 @@ def test_periodic_hard_core(tmp_path, capsys):
     assert abs(reached - 0.12) <= 0.5 * one + 1e-5 and abs(reached - len(fibres.diameters) * one) < 1e-5
     assert least_gap(fibres, True) > -1.0e-6
     assert numpy.abs(tensor - numpy.diag([0.6, 0.3, 0.1])).max() < 0.06
-    assert (tmp_path / "spec.png").stat().st_size > 10_000
-    cards = (tmp_path / "spec.cards").read_text()
+    assert (tmp_path / "made.png").stat().st_size > 10_000
+    cards = (tmp_path / "made.cards").read_text()
     assert abs(1.0 - porosity(tmp_path, cards) - seen) < 0.003
     make(tmp_path, PERIODIC, "again")
     assert (tmp_path / "again.cards").read_text() == cards
@@ -136,10 +136,10 @@ def test_cut_lognormal_fibres(tmp_path, capsys):
                             "mean = 0.09\ndeviation = 0.03\n")
     reached, seen, _ = printed(capsys)
     assert abs(reached - 0.1) < 0.005 and seen < reached
-    assert abs(1.0 - porosity(tmp_path, (tmp_path / "spec.cards").read_text()) - seen) < 0.003
+    assert abs(1.0 - porosity(tmp_path, (tmp_path / "made.cards").read_text()) - seen) < 0.003
     assert 0.07 < fibres.diameters.mean() < 0.11 and len(numpy.unique(fibres.diameters)) == 8
-    command.main(["from-csv", str(tmp_path / "spec.csv"), "--box", "1", "1", "1", "-o", str(tmp_path / "again")])
-    assert (tmp_path / "again.cards").read_text() == (tmp_path / "spec.cards").read_text()
+    command.main(["from-csv", str(tmp_path / "made.csv"), "--box", "1", "1", "1", "-o", str(tmp_path / "again")])
+    assert (tmp_path / "again.cards").read_text() == (tmp_path / "made.cards").read_text()
 
 
 def test_overlapping_and_margin(tmp_path, capsys):
@@ -148,14 +148,14 @@ def test_overlapping_and_margin(tmp_path, capsys):
     reached, seen, tensor = printed(capsys)
     assert abs(reached - 0.3) < 0.005 and abs(seen - reached) < 0.004  # with the margin nothing is lost at the faces
     assert numpy.abs(tensor - numpy.eye(3) / 3).max() < 0.08
-    assert "ELFIB, DFIB, WFIB: 1.12 1.12 1.12" in (tmp_path / "spec.cards").read_text()
+    assert "ELFIB, DFIB, WFIB: 1.12 1.12 1.12" in (tmp_path / "made.cards").read_text()
 
 
 def test_circles_in_the_plane(tmp_path, capsys):
     make(tmp_path, 'box = [1.0, 1.0]\nshape = "circles"\nvolume_fraction = 0.55\nperiodic = true\ngap = 0.005\ndiameter = 0.1\n')
     reached, seen, _ = printed(capsys)
     assert abs(reached - 0.55) < 0.005 and abs(seen - reached) < 0.003
-    assert abs(1.0 - porosity(tmp_path, (tmp_path / "spec.cards").read_text(), plane=True, n=50) - seen) < 0.004
+    assert abs(1.0 - porosity(tmp_path, (tmp_path / "made.cards").read_text(), plane=True, n=50) - seen) < 0.004
 
 
 def test_faults(tmp_path, monkeypatch):
@@ -167,7 +167,7 @@ def test_faults(tmp_path, monkeypatch):
             make(tmp_path, PERIODIC.replace(*change).replace("diameter = 0.08", "diameter = 0.16"))
     with pytest.raises(ZurtError, match="volume_fraction or number"):
         (tmp_path / "a.toml").write_text("box = [1.0, 1.0, 1.0]\nlength = 1.0\ndiameter = 0.1\n")
-        read_specification(tmp_path / "a.toml")
+        read_recipe(tmp_path / "a.toml")
     (tmp_path / "a.csv").write_text("x1,y1,z1,x2,y2,z2,diameter\n0,0,0,1,1,1,0.1\n0,0,0,0,0,0,0.1\n")
     with pytest.raises(ZurtError, match="both ends") as caught:
         read_table(tmp_path / "a.csv", 1.0, numpy.ones(3))

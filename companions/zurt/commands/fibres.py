@@ -9,15 +9,15 @@ from ..errors import ZurtError
 from ..fibres.cards import fibre_cards, prepare
 from ..fibres.model import BALLS, LINES, UNITS, Fibres, dimension_of, lengths_of
 from ..fibres.orientation import mean_tensor
-from ..fibres.specification import CardChoice, read_specification
+from ..fibres.recipe import CardChoice, read_recipe
 from ..fibres.volume import fraction_as_seen, volume_fraction
 
 EXAMPLES = """examples:
-  zurt-fibres random fibres.toml                           fibres.cards and fibres.csv from a specification
+  zurt-fibres random fibres.toml                           fibres.cards and fibres.csv from a recipe
   zurt-fibres random fibres.toml --picture fibres.png
   zurt-fibres from-csv measured.csv --unit nm --box 2000 2000 2000
   zurt-fibres from-image scan.tif --voxel 0.05 --unit um --threshold 128
-What a specification holds stands in docs/fibres.md.
+What a recipe holds stands in docs/fibres.md.
 """
 
 
@@ -25,8 +25,8 @@ def parse(arguments):
     parser = argparse.ArgumentParser("zurt-fibres", description="Makes or reads sets of straight fibres and writes their cards.",
                                      epilog=EXAMPLES, formatter_class=argparse.RawDescriptionHelpFormatter)
     commands = parser.add_subparsers(dest="command", required=True, metavar="random | from-csv | from-image")
-    make = commands.add_parser("random", help="random fibres to a specification (TOML)")
-    make.add_argument("file", metavar="SPEC.toml")
+    make = commands.add_parser("random", help="random fibres by a recipe (TOML)")
+    make.add_argument("file", metavar="RECIPE.toml")
     table = commands.add_parser("from-csv", help="fibres from a table: x1,y1,z1,x2,y2,z2,diameter, or x,y,z,diameter for balls")
     table.add_argument("file", metavar="FILE.csv")
     table.add_argument("--unit", choices=UNITS, default="um", help="of the lengths in the file and on this line (um)")
@@ -55,8 +55,8 @@ def read_fibres(options):
     """(Fibres, CardChoice, seed of the fractions) that the command asks for."""
     if options.command == "random":
         from ..fibres.generator import generate
-        specification = read_specification(options.file)
-        return generate(specification), specification.cards, specification.seed
+        recipe = read_recipe(options.file)
+        return generate(recipe), recipe.cards, recipe.seed
     choice = CardChoice(format=options.format, classes=options.classes)
     if options.command == "from-image":
         from ..fibres.image import fibres_of_image

@@ -1,4 +1,4 @@
-"""Random fibres to a specification: draws them, places them, and adds or drops some until the volume fraction is met."""
+"""Random fibres by a recipe: draws them, places them, and adds or drops some until the volume fraction is met."""
 import numpy
 
 from ..errors import ZurtError
@@ -13,43 +13,43 @@ PASSES = 16
 MOST_FIBRES = 5_000_000
 
 
-def generate(specification):
-    """Fibres of a Specification; the same for the same seed. A ZurtError tells what was reached when the fraction can't be."""
-    random = numpy.random.Generator(numpy.random.PCG64(specification.seed))
-    region = region_of(specification)
-    draw = sampler(random, specification, region)
-    if specification.number is not None:
-        return as_fibres(*grow(random, empty_rods(), draw(specification.number), specification, region), specification, region)
-    return meet_fraction(random, specification, region, draw)
+def generate(recipe):
+    """Fibres of a Recipe; the same for the same seed. A ZurtError tells what was reached when the fraction can't be."""
+    random = numpy.random.Generator(numpy.random.PCG64(recipe.seed))
+    region = region_of(recipe)
+    draw = sampler(random, recipe, region)
+    if recipe.number is not None:
+        return as_fibres(*grow(random, empty_rods(), draw(recipe.number), recipe, region), recipe, region)
+    return meet_fraction(random, recipe, region, draw)
 
 
-def region_of(specification):
-    box = numpy.array(specification.box + [0.0] * (3 - len(specification.box)))
-    period = numpy.where(box > 0.0, box, 1.0) if specification.periodic else None
-    return Region(box, period, specification.gap, specification.length == "through")
+def region_of(recipe):
+    box = numpy.array(recipe.box + [0.0] * (3 - len(recipe.box)))
+    period = numpy.where(box > 0.0, box, 1.0) if recipe.periodic else None
+    return Region(box, period, recipe.gap, recipe.length == "through")
 
 
 def empty_rods():
     return Rods(numpy.zeros((0, 3)), numpy.zeros((0, 3)), numpy.zeros(0), numpy.zeros(0))
 
 
-def sampler(random, specification, region):
+def sampler(random, recipe, region):
     """A function that draws so many rods without places."""
-    law = specification.diameter
+    law = recipe.diameter
     limits, classes = None, None
     if law["distribution"] != "constant":
-        limits, sample = class_limits(random, law, specification.classes)
+        limits, sample = class_limits(random, law, recipe.classes)
         classes = class_diameters(limits, sample)
 
     def draw(count):
         diameters = draw_diameters(random, law, count)
         if classes is not None:
             diameters = classes[numpy.searchsorted(limits, diameters)]
-        if specification.shape != LINES:
+        if recipe.shape != LINES:
             return Rods(numpy.zeros((count, 3)), numpy.zeros((count, 3)), numpy.zeros(count), 0.5 * diameters)
-        length = 4.0 * (numpy.linalg.norm(region.box) + diameters.max()) if region.endless else specification.length
+        length = 4.0 * (numpy.linalg.norm(region.box) + diameters.max()) if region.endless else recipe.length
         rods = Rods(numpy.zeros((count, 3)), numpy.zeros((count, 3)), numpy.full(count, length), 0.5 * diameters)
-        return with_directions(random, rods, specification.tensor, region)
+        return with_directions(random, rods, recipe.tensor, region)
     return draw
 
 
@@ -101,31 +101,31 @@ def stacked(rods, others):
     return Rods(*(numpy.concatenate([mine, new]) for mine, new in zip(vars(rods).values(), vars(others).values())))
 
 
-def grow(random, rods, others, specification, region):
+def grow(random, rods, others, recipe, region):
     """(rods with the others, (n,) which of them have a place)."""
     together = stacked(rods, others)
     rows = numpy.arange(len(rods.lengths), len(together.lengths))
-    if specification.overlap:
+    if recipe.overlap:
         together.centres[rows] = draw_centres(random, together, rows, region)
         return together, numpy.ones(len(together.lengths), bool)
     placed = numpy.arange(len(together.lengths)) < len(rods.lengths)
     return together, place_apart(random, together, placed, region)
 
 
-def as_fibres(rods, placed, specification, region):
+def as_fibres(rods, placed, recipe, region):
     """The Fibres that have a place; an error unless all have when their number was asked for."""
     starts, ends = ends_of(rods)
-    shape = LINES if specification.shape == LINES else BALLS
-    fibres = select(Fibres(starts, ends, 2.0 * rods.radii, shape, region.box, region.period, specification.overlap), placed)
-    if specification.number is not None and not placed.all():
-        raise jammed(specification, fibres, f"{specification.number} fibres do not fit")
+    shape = LINES if recipe.shape == LINES else BALLS
+    fibres = select(Fibres(starts, ends, 2.0 * rods.radii, shape, region.box, region.period, recipe.overlap), placed)
+    if recipe.number is not None and not placed.all():
+        raise jammed(recipe, fibres, f"{recipe.number} fibres do not fit")
     return fibres
 
 
-def jammed(specification, fibres, what):
+def jammed(recipe, fibres, what):
     reached = volume_fraction(fibres)
     return ZurtError(f"{what} without overlap: {len(fibres.diameters)} fibres, a volume fraction of {reached.value:.4f}, could be "
-                     "placed; lower the fraction or gap, take shorter or more aligned fibres, or overlap = true", specification.file)
+                     "placed; lower the fraction or gap, take shorter or more aligned fibres, or overlap = true", recipe.file)
 
 
 def nominal(fraction, overlap):
@@ -165,28 +165,28 @@ def without_expelled(rods, region):
     return Rods(*(part[stay] for part in vars(rods).values()))
 
 
-def meet_fraction(random, specification, region, draw):
+def meet_fraction(random, recipe, region, draw):
     """Fibres whose volume fraction is the wanted one within half a fibre, or within twice its standard error."""
     box = volume_of_box(region.box)
-    wanted = nominal(specification.volume_fraction, specification.overlap)
-    rods, placed = grow(random, empty_rods(), draw_amount(draw, wanted * box, region), specification, region)
+    wanted = nominal(recipe.volume_fraction, recipe.overlap)
+    rods, placed = grow(random, empty_rods(), draw_amount(draw, wanted * box, region), recipe, region)
     best = (numpy.inf, None)
     for _ in range(PASSES):
-        fibres = as_fibres(rods, placed, specification, region)
-        reached = volume_fraction(fibres, 12, specification.seed)
-        off = specification.volume_fraction - reached.value
+        fibres = as_fibres(rods, placed, recipe, region)
+        reached = volume_fraction(fibres, 12, recipe.seed)
+        off = recipe.volume_fraction - reached.value
         one = float(expected_volume(rods, region).mean())
         best = min(best, (abs(off), fibres), key=lambda pair: pair[0])
         if not placed.all() or abs(off) <= max(0.5 * one / box, 2.0 * reached.error):
             break
         rods = without_expelled(rods, region)
-        missing = (wanted - nominal(reached.value, specification.overlap)) * box
+        missing = (wanted - nominal(reached.value, recipe.overlap)) * box
         if missing > 0.0:
-            rods, placed = grow(random, rods, draw_amount(draw, missing, region), specification, region)
+            rods, placed = grow(random, rods, draw_amount(draw, missing, region), recipe, region)
         else:
             keep = len(rods.lengths) - max(1, int(round(-missing / one)))
             rods = Rods(*(part[:keep] for part in vars(rods).values()))
             placed = numpy.ones(keep, bool)
-    if best[0] > max(0.02 * specification.volume_fraction, 1.5 * one / box):
-        raise jammed(specification, best[1], f"a volume fraction of {specification.volume_fraction:g} can't be reached")
+    if best[0] > max(0.02 * recipe.volume_fraction, 1.5 * one / box):
+        raise jammed(recipe, best[1], f"a volume fraction of {recipe.volume_fraction:g} can't be reached")
     return best[1]

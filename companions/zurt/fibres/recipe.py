@@ -1,4 +1,4 @@
-"""The specification of random fibres, a TOML file: read, checked and brought to micrometres."""
+"""The recipe of random fibres, a TOML file: read, checked and brought to micrometres."""
 import difflib
 import math
 import tomllib
@@ -32,7 +32,7 @@ class CardChoice:
 
 
 @dataclass
-class Specification:
+class Recipe:
     """Lengths in micrometres. box: 2 or 3 sizes. length: a number or "through". One of number and volume_fraction is None. diameter: see
     diameters.LAWS. tensor: (3, 3) or None for circles and spheres."""
     file: str
@@ -51,8 +51,8 @@ class Specification:
     cards: CardChoice
 
 
-def read_specification(path):
-    """The Specification in a file; a ZurtError names the key that is wrong."""
+def read_recipe(path):
+    """The Recipe in a file; a ZurtError names the key that is wrong."""
     try:
         with open(path, "rb") as file:
             data = tomllib.load(file)
@@ -78,23 +78,23 @@ def checked(path, data):
     classes = data.get("classes", 8)
     if not is_integer(classes) or not 1 <= classes <= 1000:
         raise ZurtError("classes: a whole number from 1 to 1000, the fibre sets that a spread of diameters is written as")
-    specification = Specification(
+    recipe = Recipe(
         path, box, seed_of(data), shape, length_of(data, shape, unit), None, None, flag(data, "overlap", False),
         number(data, "gap", 0.0, unit, least=-1.0e-300), flag(data, "periodic", False), classes, diameter_of(data, unit),
         tensor_of(data, len(box)) if shape == LINES else None, cards_of(data, unit, len(box), classes))
-    specification.volume_fraction, specification.number = amount_of(data)
-    check_together(specification)
-    return specification
+    recipe.volume_fraction, recipe.number = amount_of(data)
+    check_together(recipe)
+    return recipe
 
 
-def check_together(specification):
-    if specification.periodic and specification.length == "through":
+def check_together(recipe):
+    if recipe.periodic and recipe.length == "through":
         raise ZurtError('periodic: fibres that go through the box have no periodic images: give length a number, or periodic = false')
-    if specification.overlap and specification.gap > 0.0:
+    if recipe.overlap and recipe.gap > 0.0:
         raise ZurtError("gap: overlapping fibres have no gap")
-    thick = largest_of(specification.diameter) + specification.gap
-    if specification.periodic and not specification.overlap and thick > 0.4 * min(specification.box):
-        raise ZurtError(f"diameter: {thick:g} um is too thick for a periodic box of {min(specification.box):g} um: a fibre would meet its "
+    thick = largest_of(recipe.diameter) + recipe.gap
+    if recipe.periodic and not recipe.overlap and thick > 0.4 * min(recipe.box):
+        raise ZurtError(f"diameter: {thick:g} um is too thick for a periodic box of {min(recipe.box):g} um: a fibre would meet its "
                         "own images; 0.4 of the box is the most")
 
 
