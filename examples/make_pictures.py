@@ -14,9 +14,12 @@ import xml.etree.ElementTree
 import vtk
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "companions"))
+from zurt.report.vtk_drawing import (add_actor, cells_of_kind, clipped, colour_table, edges_of, fibre_shapes, filtered, new_scene, read,  # noqa: E402
+                                     save, scale_bar, style_text, without, without_fibres)
+
 PROGRAM = os.path.join(HERE, "..", "build", "release", "zurt")
 SIZE = (640, 360)
-COLOURS = [(0.27, 0.00, 0.33), (0.23, 0.32, 0.55), (0.13, 0.57, 0.55), (0.37, 0.79, 0.38), (0.99, 0.91, 0.14)]
 GREY = (0.62, 0.62, 0.62)
 
 # How each is drawn. options: of the program. steps: places in the .pvd, the last one without; several stand below each other, `apart`. name: of the field.
@@ -61,39 +64,16 @@ def run_example(name, folder):
     return [(float(entry.get("timestep")), os.path.join(folder, entry.get("file"))) for entry in entries]
 
 
-def read(name):
-    reader = vtk.vtkXMLPolyDataReader() if name.endswith(".vtp") else vtk.vtkXMLUnstructuredGridReader()
-    reader.SetFileName(name)
-    reader.Update()
-    return reader.GetOutput()
-
-
-def filtered(algorithm, data, **settings):
-    algorithm.SetInputData(data)
-    for setting, value in settings.items():
-        getattr(algorithm, "Set" + setting)(value)
-    algorithm.Update()
-    return algorithm.GetOutput()
-
-
 def kept_part(grid, look):
     """Elements that are not cut away, and of these the ones that have a value at each node."""
     if "box" in look:
-        grid = filtered(vtk.vtkClipDataSet(), grid, ClipFunction=box_of(look["box"]), InsideOut=True)
+        grid = clipped(vtk.vtkClipDataSet(), grid, look["box"])
     if "cut" in look:
         plane = vtk.vtkPlane()
         plane.SetOrigin(look["cut"][0])
         plane.SetNormal(look["cut"][1])
         grid = filtered(vtk.vtkExtractGeometry(), grid, ImplicitFunction=plane, ExtractInside=True)
-    fluid = vtk.vtkThreshold()
-    fluid.SetInputArrayToProcess(0, 0, 0, vtk.vtkDataObject.FIELD_ASSOCIATION_POINTS, "fluid")
-    return filtered(fluid, grid, LowerThreshold=0.5)
-
-
-def box_of(bounds):
-    box = vtk.vtkBox()
-    box.SetBounds(bounds)
-    return box
+    return without_fibres(grid)
 
 
 def surface_of(grid, look):
@@ -107,44 +87,19 @@ def surface_of(grid, look):
         surface = filtered(vtk.vtkRotationalExtrusionFilter(), surface, Resolution=90, Angle=250, Capping=True)
         surface = filtered(vtk.vtkTransformPolyDataFilter(), surface, Transform=upright.GetInverse())
     if "tubes" in look:
-        faces, lines = vtk.vtkAppendPolyData(), vtk.vtkPolyData()
-        lines.ShallowCopy(surface)
-        lines.SetPolys(vtk.vtkCellArray())
-        lines.GetCellData().Initialize()
-        faces.AddInputData(filtered(vtk.vtkTubeFilter(), lines, Radius=look["tubes"], NumberOfSides=16, Capping=True))
-        return surface, faces
+        lines = without(surface, "Polys")
+        return without(surface, "Lines"), filtered(vtk.vtkTubeFilter(), lines, Radius=look["tubes"], NumberOfSides=16, Capping=True)
     return surface, None
 
 
-def fibre_shapes(fibres, look, bounds):
+def shapes_of_fibres(fibres, look, bounds):
     """Lines as tubes, spheres as they are."""
-    lines = vtk.vtkPolyData()
-    lines.ShallowCopy(fibres)
-    lines.SetVerts(vtk.vtkCellArray())
-    lines.GetCellData().Initialize()
-    lines.GetPointData().SetActiveScalars("radius")
-    tubes = vtk.vtkTubeFilter()
-    tubes.SetVaryRadiusToVaryRadiusByAbsoluteScalar()
-    shapes = [filtered(tubes, lines, NumberOfSides=48, Capping=True)] if fibres.GetNumberOfLines() > 0 else []
-    for cell in cells_of_kind(fibres, 1):
-        point = fibres.GetCell(cell).GetPointId(0)
-        sphere = vtk.vtkSphereSource()
-        sphere.SetCenter(fibres.GetPoint(point))
-        sphere.SetRadius(fibres.GetPointData().GetArray("radius").GetValue(point))
-        sphere.SetThetaResolution(64)
-        sphere.SetPhiResolution(64)
-        sphere.Update()
-        shapes.append(sphere.GetOutput())
+    shapes = fibre_shapes(fibres, 64)
     if "fit" in look:
         margin = 1e-3 if bounds[5] > bounds[4] else 1.0
-        box = box_of([limit + (margin if k == 5 else -margin if k == 4 else 1e-3 if k % 2 else -1e-3) for k, limit in enumerate(bounds)])
-        shapes = [filtered(vtk.vtkClipPolyData(), shape, ClipFunction=box, InsideOut=True) for shape in shapes]
+        box = [limit + (margin if k == 5 else -margin if k == 4 else 1e-3 if k % 2 else -1e-3) for k, limit in enumerate(bounds)]
+        shapes = [clipped(vtk.vtkClipPolyData(), shape, box) for shape in shapes]
     return shapes
-
-
-def cells_of_kind(fibres, kind):
-    kinds = fibres.GetCellData().GetArray("kind")
-    return [cell for cell in range(fibres.GetNumberOfCells()) if kinds.GetValue(cell) == kind]
 
 
 def radial_shapes(fibres, grid, across):
@@ -171,93 +126,40 @@ def radial_shapes(fibres, grid, across):
 
 # --- the scene ----------------------------------------------------------------------------------------------------------
 
-def colour_table(low, high, log):
-    colours = vtk.vtkColorTransferFunction()
-    for k, colour in enumerate(COLOURS):
-        colours.AddRGBPoint(k / (len(COLOURS) - 1), *colour)
-    table = vtk.vtkLookupTable()
-    table.SetNumberOfTableValues(256)
-    table.SetRange(low, high)
-    if log:
-        table.SetScaleToLog10()
-    for k in range(256):
-        table.SetTableValue(k, *colours.GetColor(k / 255), 1.0)
-    return table
-
-
-def add_actor(scene, data, table=None, colour=GREY, opacity=1.0, wire=False, offset=0.0):
-    mapper = vtk.vtkPolyDataMapper()
-    mapper.SetInputData(data)
-    mapper.SetScalarVisibility(table is not None)
-    if table is not None:
-        mapper.SetLookupTable(table)
-        mapper.UseLookupTableScalarRangeOn()
-        mapper.InterpolateScalarsBeforeMappingOn()
-    actor = vtk.vtkActor()
-    actor.SetMapper(mapper)
+def add_part(scene, offset, data, *arguments, wire=False, **settings):
+    """An actor of this grid, moved along z by the offset."""
+    actor = add_actor(scene, data, *arguments, **settings)
     actor.SetPosition(0, 0, offset)
-    look = actor.GetProperty()
-    look.SetAmbient(0.5)
-    look.SetDiffuse(0.55)
-    look.SetColor(colour)
-    look.SetOpacity(opacity)
     if wire:
-        look.SetLineWidth(1.2)
-    scene.AddActor(actor)
-
-
-def edges_of(grid):
-    """Lines along the edges of all elements."""
-    outline = filtered(vtk.vtkExtractEdges(), grid)
-    outline.GetPointData().SetScalars(None)
-    return outline
+        actor.GetProperty().SetLineWidth(1.2)
 
 
 def draw_mesh(scene, grid, look, table, offset):
     surface, tubes = surface_of(grid, look)
     if tubes is not None:
-        tubes.Update()
-        add_actor(scene, tubes.GetOutput(), table, offset=offset)
-        surface.SetLines(vtk.vtkCellArray())
-        surface.GetCellData().Initialize()
-    add_actor(scene, surface, table, opacity=look.get("opacity", 1.0), offset=offset)
+        add_part(scene, offset, tubes, table)
+    add_part(scene, offset, surface, table, opacity=look.get("opacity", 1.0))
     if look.get("edges"):
         wires = surface if "lift" in look else grid
-        add_actor(scene, edges_of(wires), colour=(0.25, 0.25, 0.25), opacity=0.5, wire=True, offset=offset)
+        add_part(scene, offset, edges_of(wires), colour=(0.25, 0.25, 0.25), opacity=0.5, wire=True)
     if "contours" in look:
         contours = vtk.vtkContourFilter()
         contours.GenerateValues(look["contours"], *table.GetRange())
-        add_actor(scene, filtered(contours, surface, ComputeScalars=False), colour=(0.1, 0.1, 0.1), wire=True, offset=offset)
+        add_part(scene, offset, filtered(contours, surface, ComputeScalars=False), colour=(0.1, 0.1, 0.1), wire=True)
 
 
 def add_label(scene, time, label, place):
     label.SetInput(f"t = {time:.4g}")
     label.SetPosition(*place)
-    style(label.GetTextProperty(), 15)
+    style_text(label.GetTextProperty(), 15, 0)
     scene.AddActor(label)
 
 
-def style(text, size):
-    text.SetColor(0, 0, 0)
-    text.SetFontSize(size)
-    text.ItalicOff()
-    text.BoldOff()
-    text.ShadowOff()
-
-
 def add_scale(scene, table, title):
-    scale = vtk.vtkScalarBarActor()
-    scale.SetLookupTable(table)
-    scale.SetTitle(title)
-    scale.SetNumberOfLabels(5)
-    scale.SetLabelFormat("%.4g")
-    scale.UnconstrainedFontSizeOn()
-    style(scale.GetTitleTextProperty(), 15)
-    style(scale.GetLabelTextProperty(), 14)
+    scale = scale_bar(table, title, (15, 14), 0)
     scale.SetPosition(0.8, 0.08)
     scale.SetWidth(0.18)
     scale.SetHeight(0.86)
-    scale.SetDrawNanAnnotation(False)
     scene.AddActor2D(scale)
 
 
@@ -283,15 +185,13 @@ def draw(name, folder):
         grid.GetPointData().SetActiveScalars("concentration")
     ranges = [grid.GetPointData().GetArray("concentration").GetFiniteRange(0) for grid in grids]
     table = colour_table(min(low for low, _ in ranges), max(high for _, high in ranges), look.get("log", False))
-    scene = vtk.vtkRenderer()
-    scene.SetBackground(1, 1, 1)
-    scene.SetViewport(0, 0, 0.78, 1)
+    scene = new_scene((0, 0, 0.78, 1))
     for k, grid in enumerate(grids):
         draw_mesh(scene, grid, look, table, -k * look.get("apart", 0.0))
     fibres = os.path.join(folder, "zurt-fibres.vtp")
     if os.path.exists(fibres):
-        for shape in fibre_shapes(read(fibres), look, grids[0].GetBounds()):
-            add_actor(scene, shape)
+        for shape in shapes_of_fibres(read(fibres), look, grids[0].GetBounds()):
+            add_actor(scene, shape, colour=GREY)
         if "across" in look:
             for shape in radial_shapes(read(fibres), grids[0], look["across"]):
                 add_actor(scene, shape, table)
@@ -303,30 +203,9 @@ def draw(name, folder):
             add_label(scene, time, vtk.vtkBillboardTextActor3D(), (bounds[0], bounds[2], above))
         elif time > 0:
             add_label(scene, time, vtk.vtkTextActor(), (12, SIZE[1] - 28))
-    legend = vtk.vtkRenderer()
-    legend.SetBackground(1, 1, 1)
-    legend.SetLayer(0)
+    legend = new_scene((0, 0, 1, 1))
     add_scale(legend, table, look.get("name", "concentration"))
-    return scene, legend
-
-
-def save(scene, legend, file):
-    window = vtk.vtkRenderWindow()
-    window.SetOffScreenRendering(1)
-    window.SetMultiSamples(8)
-    window.SetSize(*SIZE)
-    scene.SetLayer(0)
-    for part in (legend, scene):
-        window.AddRenderer(part)
-    window.Render()
-    image = vtk.vtkWindowToImageFilter()
-    image.SetInput(window)
-    image.ReadFrontBufferOff()
-    writer = vtk.vtkPNGWriter()
-    writer.SetInputConnection(image.GetOutputPort())
-    writer.SetCompressionLevel(9)
-    writer.SetFileName(file)
-    writer.Write()
+    return legend, scene
 
 
 def main():
@@ -335,7 +214,7 @@ def main():
         os.execvp("xvfb-run", ["xvfb-run", "--auto-servernum", sys.executable, *sys.argv])
     for name in sys.argv[1:] or sorted(EXAMPLES):
         with tempfile.TemporaryDirectory() as folder:
-            save(*draw(name, folder), os.path.join(HERE, name, "picture.png"))
+            save(draw(name, folder), SIZE, os.path.join(HERE, name, "picture.png"))
         print(name, os.path.getsize(os.path.join(HERE, name, "picture.png")), "bytes")
 
 

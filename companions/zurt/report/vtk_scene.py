@@ -9,113 +9,29 @@ import sys
 
 import vtk
 
+from .vtk_drawing import (add_actor, clipped, colour_table, edges_of, fibre_shapes, filtered, new_scene, read, save, scale_bar, without,
+                          without_fibres)
+
 SIZE = (760, 430)
-COLOURS = [(0.27, 0.00, 0.33), (0.23, 0.32, 0.55), (0.13, 0.57, 0.55), (0.37, 0.79, 0.38), (0.99, 0.91, 0.14)]
 THIN = 0.1  # of the largest extent: below it a direction counts as none
 
 
-def filtered(algorithm, data, **settings):
-    algorithm.SetInputData(data)
-    for setting, value in settings.items():
-        getattr(algorithm, "Set" + setting)(value)
-    algorithm.Update()
-    return algorithm.GetOutput()
-
-
-def read(name):
-    reader = vtk.vtkXMLPolyDataReader() if name.endswith(".vtp") else vtk.vtkXMLUnstructuredGridReader()
-    reader.SetFileName(name)
-    reader.Update()
-    return reader.GetOutput()
-
-
-def in_box(data, bounds, clip):
-    box = vtk.vtkBox()
-    box.SetBounds(bounds)
-    return filtered(clip, data, ClipFunction=box, InsideOut=True)
-
-
-def without_fibres(grid):
-    """Elements that have a value at each node."""
-    if grid.GetPointData().GetArray("fluid") is None:
-        return grid
-    fluid = vtk.vtkThreshold()
-    fluid.SetInputArrayToProcess(0, 0, 0, vtk.vtkDataObject.FIELD_ASSOCIATION_POINTS, "fluid")
-    return filtered(fluid, grid, LowerThreshold=0.5)
-
-
-def colour_table(low, high):
-    colours = vtk.vtkColorTransferFunction()
-    for k, colour in enumerate(COLOURS):
-        colours.AddRGBPoint(k / (len(COLOURS) - 1), *colour)
-    table = vtk.vtkLookupTable()
-    table.SetNumberOfTableValues(256)
-    table.SetRange(low, high)
-    for k in range(256):
-        table.SetTableValue(k, *colours.GetColor(k / 255), 1.0)
-    return table
-
-
-def add_actor(scene, data, table=None, colour=(0.6, 0.6, 0.6), opacity=1.0):
-    mapper = vtk.vtkPolyDataMapper()
-    mapper.SetInputData(data)
-    mapper.SetScalarVisibility(table is not None)
-    if table is not None:
-        mapper.SetLookupTable(table)
-        mapper.UseLookupTableScalarRangeOn()
-        mapper.InterpolateScalarsBeforeMappingOn()
-    actor = vtk.vtkActor()
-    actor.SetMapper(mapper)
-    look = actor.GetProperty()
-    look.SetAmbient(0.5)
-    look.SetDiffuse(0.55)
-    look.SetColor(colour)
-    look.SetOpacity(opacity)
-    scene.AddActor(actor)
-
-
-def fibre_shapes(fibres, bounds):
-    """Lines as tubes, spheres as they are, cut at the mesh."""
-    lines = vtk.vtkPolyData()
-    lines.ShallowCopy(fibres)
-    lines.SetVerts(vtk.vtkCellArray())
-    lines.GetCellData().Initialize()
-    lines.GetPointData().SetActiveScalars("radius")
-    tubes = vtk.vtkTubeFilter()
-    tubes.SetVaryRadiusToVaryRadiusByAbsoluteScalar()
-    shapes = [filtered(tubes, lines, NumberOfSides=32, Capping=True)] if fibres.GetNumberOfLines() > 0 else []
-    kinds, radius = fibres.GetCellData().GetArray("kind"), fibres.GetPointData().GetArray("radius")
-    for cell in range(fibres.GetNumberOfCells()):
-        if kinds.GetValue(cell) == 1:
-            point = fibres.GetCell(cell).GetPointId(0)
-            sphere = vtk.vtkSphereSource()
-            sphere.SetCenter(fibres.GetPoint(point))
-            sphere.SetRadius(radius.GetValue(point))
-            sphere.SetThetaResolution(32)
-            sphere.SetPhiResolution(32)
-            sphere.Update()
-            shapes.append(sphere.GetOutput())
+def fibres_in_mesh(fibres, bounds):
+    """Shapes of the fibres, cut at the mesh."""
     flat = bounds[5] - bounds[4] < 1e-9
     margin = 1e-3 * max(bounds[1] - bounds[0], bounds[3] - bounds[2])
     box = [limit + (1 if k % 2 else -1) * (1e3 * margin if flat and k > 3 else margin) for k, limit in enumerate(bounds)]
-    return [in_box(shape, box, vtk.vtkClipPolyData()) for shape in shapes]
+    return [clipped(vtk.vtkClipPolyData(), shape, box) for shape in fibre_shapes(fibres, 32)]
 
 
 def add_mesh(scene, grid, table, tube_radius):
     surface = filtered(vtk.vtkDataSetSurfaceFilter(), grid, NonlinearSubdivisionLevel=2)
     if surface.GetNumberOfLines() > 0:
-        lines = vtk.vtkPolyData()
-        lines.ShallowCopy(surface)
-        lines.SetPolys(vtk.vtkCellArray())
-        lines.GetCellData().Initialize()
-        add_actor(scene, filtered(vtk.vtkTubeFilter(), lines, Radius=tube_radius, NumberOfSides=12, Capping=True), table)
-        surface.SetLines(vtk.vtkCellArray())
-        surface.GetCellData().Initialize()
+        add_actor(scene, filtered(vtk.vtkTubeFilter(), without(surface, "Polys"), Radius=tube_radius, NumberOfSides=12, Capping=True), table)
+        surface = without(surface, "Lines")
     add_actor(scene, surface, table)
     if grid.GetNumberOfCells() < 4000:
-        edges = filtered(vtk.vtkExtractEdges(), grid)
-        edges.GetPointData().SetScalars(None)
-        add_actor(scene, edges, colour=(0.2, 0.2, 0.2), opacity=0.35)
+        add_actor(scene, edges_of(grid), colour=(0.2, 0.2, 0.2), opacity=0.35)
 
 
 def extents(bounds):
@@ -146,48 +62,11 @@ def place_camera(scene, bounds, direction=None):
 
 
 def add_scale(scene, table):
-    scale = vtk.vtkScalarBarActor()
-    scale.SetLookupTable(table)
-    scale.SetTitle("c")
-    scale.SetNumberOfLabels(5)
-    scale.SetLabelFormat("%.4g")
-    scale.UnconstrainedFontSizeOn()
-    scale.SetDrawNanAnnotation(False)
-    for text, size in ((scale.GetTitleTextProperty(), 20), (scale.GetLabelTextProperty(), 18)):
-        text.SetColor(0.1, 0.1, 0.1)
-        text.SetFontSize(size)
-        text.ItalicOff()
-        text.BoldOff()
-        text.ShadowOff()
+    scale = scale_bar(table, "c", (20, 18), 0.1)
     scale.SetPosition(0.05, 0.08)
     scale.SetWidth(0.9)
     scale.SetHeight(0.84)
     scene.AddActor2D(scale)
-
-
-def new_scene(viewport):
-    scene = vtk.vtkRenderer()
-    scene.SetBackground(1, 1, 1)
-    scene.SetViewport(*viewport)
-    return scene
-
-
-def save(scenes, file):
-    window = vtk.vtkRenderWindow()
-    window.SetOffScreenRendering(1)
-    window.SetMultiSamples(8)
-    window.SetSize(*SIZE)
-    for scene in scenes:
-        window.AddRenderer(scene)
-    window.Render()
-    image = vtk.vtkWindowToImageFilter()
-    image.SetInput(window)
-    image.ReadFrontBufferOff()
-    writer = vtk.vtkPNGWriter()
-    writer.SetInputConnection(image.GetOutputPort())
-    writer.SetCompressionLevel(9)
-    writer.SetFileName(file)
-    writer.Write()
 
 
 def draw_surface(grid, fibres, table, file):
@@ -195,7 +74,7 @@ def draw_surface(grid, fibres, table, file):
     size = extents(bounds)
     solid = min(size) > THIN * max(size)
     scene, legend = new_scene((0, 0, 0.84, 1)), new_scene((0.84, 0, 1, 1))
-    shown, shapes = grid, fibre_shapes(fibres, bounds) if fibres is not None else []
+    shown, shapes = grid, fibres_in_mesh(fibres, bounds) if fibres is not None else []
     if shapes and solid:  # the half below, so that fibres are seen
         middle = bounds[:5] + ((bounds[4] + bounds[5]) / 2 + 1e-9 * size[2],)
         half = filtered(vtk.vtkExtractGeometry(), grid, ImplicitFunction=box_of(middle), ExtractInside=True)
@@ -205,7 +84,7 @@ def draw_surface(grid, fibres, table, file):
         add_actor(scene, shape, colour=(0.72, 0.72, 0.72))
     place_camera(scene, bounds)
     add_scale(legend, table)
-    save([scene, legend], file)
+    save([scene, legend], SIZE, file)
 
 
 def box_of(bounds):
@@ -239,7 +118,7 @@ def draw_sections(grid, table, file):
         scenes.append(scene)
     legend = new_scene((0.84, 0, 1, 1))
     add_scale(legend, table)
-    save([*scenes, legend], file)
+    save([*scenes, legend], SIZE, file)
 
 
 def main(arguments):
