@@ -28,19 +28,25 @@ def bricks():
     quarter_ring(2)()
 
 
-def boxes_of_two_kinds():
-    """Bricks below, tetrahedra above, pyramids between them; 1 by 1 by 2."""
-    occ, mesh = gmsh.model.occ, gmsh.model.mesh
-    below, above = occ.addBox(0, 0, 0, 1, 1, 1), occ.addBox(0, 0, 1, 1, 1, 1)
-    occ.fragment([(3, below)], [(3, above)])
-    occ.synchronize()
-    sides = gmsh.model.getBoundary([(3, below)], oriented=False)
+def fill_with_bricks(box, points):
+    """Bricks instead of tetrahedra in a box; points: nodes along an edge."""
+    mesh = gmsh.model.mesh
+    sides = gmsh.model.getBoundary([(3, box)], oriented=False)
     for _, curve in gmsh.model.getBoundary(sides, oriented=False, combined=False):
-        mesh.setTransfiniteCurve(curve, 4)
+        mesh.setTransfiniteCurve(curve, points)
     for _, side in sides:
         mesh.setTransfiniteSurface(side)
         mesh.setRecombine(2, side)
-    mesh.setTransfiniteVolume(below)
+    mesh.setTransfiniteVolume(box)
+
+
+def boxes_of_two_kinds():
+    """Bricks below, tetrahedra above, pyramids between them; 1 by 1 by 2."""
+    occ = gmsh.model.occ
+    below, above = occ.addBox(0, 0, 0, 1, 1, 1), occ.addBox(0, 0, 1, 1, 1, 1)
+    occ.fragment([(3, below)], [(3, above)])
+    occ.synchronize()
+    fill_with_bricks(below, 4)
 
 
 def half_of_quads():
@@ -109,13 +115,7 @@ def wire_in_a_box_beside_another():
     wire = occ.addLine(occ.addPoint(0.2, 0.2, 0.2), occ.addPoint(0.8, 0.8, 0.8))
     occ.synchronize()
     mesh.embed(1, [wire], 3, box)
-    sides = gmsh.model.getBoundary([(3, other)], oriented=False)
-    for _, curve in gmsh.model.getBoundary(sides, oriented=False, combined=False):
-        mesh.setTransfiniteCurve(curve, 3)
-    for _, side in sides:
-        mesh.setTransfiniteSurface(side)
-        mesh.setRecombine(2, side)
-    mesh.setTransfiniteVolume(other)
+    fill_with_bricks(other, 3)
     gmsh.model.setPhysicalName(1, gmsh.model.addPhysicalGroup(1, [wire]), "wire")
 
 
