@@ -5,6 +5,8 @@ import subprocess
 import numpy
 import pytest
 import tifffile
+import vtk
+from vtk.util.numpy_support import numpy_to_vtk
 
 from zurt.commands import fibres as command
 from zurt.errors import ZurtError
@@ -34,8 +36,8 @@ def printed(capsys):
     return values[0], values[1], tensor and numpy.array([row.split() for row in tensor[1].split(";")], float)
 
 
-def porosity(folder, cards, plane=False, n=14):
-    """Porosity that zurt prints for a box of 1 meshed by n elements a side, under these cards."""
+def porosity(folder, cards, plane=False, n=14, free=False):
+    """Porosity that zurt prints for a box of 1 meshed by n elements a side, under these cards. free: they are in free format."""
     count, layers = n + 1, 1 if plane else n + 1
     lines = ["Box of fibres", "2 1 1 2", f"{1.0:10.4f}{1.0:10.4f}{0.0 if plane else 1.0:10.4f}", ""]
     lines += [f"{count * count * layers:10d}    1    1    0    1   -1    0   -1    0   -1    0", "    1    0    0    2       0.0      1e-3    1    0", "    1"]
@@ -44,7 +46,7 @@ def porosity(folder, cards, plane=False, n=14):
             for i in range(count):
                 number = (k * count + j) * count + i + 1
                 lines.append(f"{number:10d}{int(i in (0, n)):5d}     {i / n:15.8f}{j / n:15.8f}{k / n:15.8f}{0.0:15.1f}    0")
-    lines += [f"{re.search('NSETS ([0-9]+)', cards)[1]:>5s}", "", cards.rstrip("\n")]
+    lines += [f"{re.search('NSETS ([0-9]+)', cards)[1]:>5s}", "", None]
     elements, width = n**2 * (1 if plane else n), 5 if plane else 3
     lines += [f"{2 if plane else 3:5d}{elements:10d}    0    0    0    0", "    1     " + ("    4    0    0    3    3" if plane else "    8    0    0    3    3    3")]
     corners = [corner for corner in CORNERS if corner[2] == 0] if plane else CORNERS
@@ -54,8 +56,10 @@ def porosity(folder, cards, plane=False, n=14):
         lines.append("".join(f"{number:8d}" for number in [e + 1, *nodes]) + f"{0:{width}d}" * 6)
     lines += ["    2", "    1    2", f"{0.0:20.6f}{1.0:20.6f}", f"{1000.0:20.6f}{1.0:20.6f}", "    1    1", "     1.000", "     1.000", "    1.0000",
               "    1", "  1.00000E+00", "    0    0    0", "    1" + "    0" * 10, "       0.0", "STOP"]
-    (folder / "box.dat").write_text("\n".join(lines) + "\n")
-    run = subprocess.run([find_program(), "-q", "-f", "-o", folder / "run", folder / "box.dat"], capture_output=True, text=True)
+    if free:  # a slash leaves the rest of a card 0
+        lines = [*lines[:1], "1 1 1 2", *(None if line is None else line + " /" for line in lines[2:-1]), "STOP"]
+    (folder / "box.dat").write_text("\n".join(cards.rstrip("\n") if line is None else line for line in lines) + "\n")
+    run = subprocess.run([find_program(), *(["--free"] if free else []), "-q", "-f", "-o", folder / "run", folder / "box.dat"], capture_output=True, text=True)
     assert run.returncode == 0, run.stderr
     return float((folder / "run" / "MASS-X.LST").read_text().split("\n")[1].split()[1].replace("D", "E"))
 
@@ -129,6 +133,8 @@ def test_periodic_hard_core(tmp_path, capsys):
     assert abs(1.0 - porosity(tmp_path, cards) - seen) < 0.003
     make(tmp_path, PERIODIC, "again")
     assert (tmp_path / "again.cards").read_text() == cards
+    make(tmp_path, PERIODIC + 'cards.format = "free"\n', "free")
+    assert porosity(tmp_path, (tmp_path / "free.cards").read_text(), free=True) == porosity(tmp_path, cards)
 
 
 def test_cut_lognormal_fibres(tmp_path, capsys):
@@ -176,6 +182,17 @@ def test_faults(tmp_path, monkeypatch):
 
 # --- images -------------------------------------------------------------------------------------------------------------
 
+def write_vti(path, mask, voxel):
+    """The mask as values of cells, by VTK's own writer."""
+    image, writer = vtk.vtkImageData(), vtk.vtkXMLImageDataWriter()
+    image.SetDimensions(*(size + 1 for size in mask.shape))
+    image.SetSpacing(voxel, voxel, voxel)
+    image.GetCellData().SetScalars(numpy_to_vtk(mask.ravel(order="F").astype(numpy.uint8), deep=True))
+    writer.SetFileName(str(path))
+    writer.SetInputData(image)
+    assert writer.Write()
+
+
 def test_fibres_of_a_drawn_stack(tmp_path):
     size, voxel = 70, 0.05
     true = [((0, 20, 15), (70, 30, 25), 8.0), ((35, 0, 45), (30, 70, 40), 10.0), ((10, 60, 0), (60, 50, 70), 6.0), ((12, 15, 55), (52, 18, 60), 7.0)]
@@ -189,6 +206,9 @@ def test_fibres_of_a_drawn_stack(tmp_path):
         mask |= (across < 0.5 * d) & (along > 0) & (along < length)
     tifffile.imwrite(tmp_path / "scan.tif", mask.T.astype(numpy.uint8))
     command.main(["from-image", str(tmp_path / "scan.tif"), "--voxel", str(voxel), "-o", str(tmp_path / "scan")])
+    write_vti(tmp_path / "image.vti", mask, voxel)
+    command.main(["from-image", str(tmp_path / "image.vti"), "-o", str(tmp_path / "image")])
+    assert (tmp_path / "image.csv").read_text() == (tmp_path / "scan.csv").read_text()
     found = read_table(tmp_path / "scan.csv", 1.0 / voxel, numpy.full(3, float(size)))
     assert len(found.diameters) == len(true)
     for start, end, d in true:
