@@ -37,10 +37,12 @@ def measure_runs(effort):
 
 
 def measure_kernels(effort):
-    which = f"/({QUICK_SIDE})/2" if effort.quick else "/.*"
-    found = kernels(f"^({'|'.join(KERNELS)})" + which, effort.rounds)
-    return [{"what": KERNELS[name.split("/")[0]], "side": int(name.split("/")[1]), "one": entry["one_median_s"],
-             "two": entry["several_median_s"]} for name, entry in found.items()]
+    sides = f"/({QUICK_SIDE})/2" if effort.quick else "/.*"
+    found = kernels(f"^({'|'.join(KERNELS)})" + sides, effort.rounds)
+    order = list(KERNELS)
+    ran = sorted((order.index(name.split("/")[0]), int(name.split("/")[1]), entry) for name, entry in found.items())
+    return [{"what": KERNELS[order[which]], "side": side, "one": entry["one_median_s"], "two": entry["several_median_s"]}
+            for which, side, entry in ran]
 
 
 def measure_threads(effort):

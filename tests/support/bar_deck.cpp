@@ -113,8 +113,9 @@ void WriteNodes(Writer& writer, Grid& grid) {
                     continue;
                 const Place at = PlaceOf(bar, grid, i, j, k);
                 const bool held = bar.held ? bar.held(at) : bar.hold && (i == 0 || i == last);
+                const Place node = bar.shape ? bar.shape(at) : at;
                 writer.Card("%10d%5d     %15.8e%15.8e%15.8e%15.8e%5d\n", "%d %d %.17g %.17g %.17g %g %d\n",
-                            number, held, at[0], at[1], at[2], 0.0, run && i == 1 ? step : 0);
+                            number, held, node[0], node[1], node[2], 0.0, run && i == 1 ? step : 0);
             }
 }
 

@@ -45,6 +45,8 @@ struct BarDeck {
     double width = 0.0;  // element size in y and z; 0: as in x
     std::array<std::vector<double>, 3>
         places; // of the nodes along x, y and z, where they are not equally far apart
+    std::function<Place(const Place&)>
+        shape; // where the node at this place of the block goes; empty: it stays
     bool fixedFormat = false;
     bool generate = true;
     bool plane = false; // quadrilaterals instead of bricks: nz does not count; with NDS and fixed format
