@@ -8,6 +8,12 @@ namespace zurt {
 
 namespace {
 
+/// Of the fill that is left out, in the diagonal: all of it lets single pivots come near to 0.
+constexpr double kShareOfFill = 0.99;
+/// It pays in meshes that are large enough, where neighbours of like coefficients take from one another: entries off the diagonal are
+/// negative, and those of the capacity or of elongated elements that are not stay below this part of them.
+constexpr std::int32_t kManyRows = 4096;
+constexpr double kFewPositive = 0.12;
 constexpr double kShifts[] = {0.0, 1e-3, 1e-2, 1e-1, 1.0};
 
 /// |b - A x| <= kRoundings |x| can't be made smaller: a direct solver leaves a residual of this size.
@@ -109,14 +115,22 @@ double TakeResidual(const Gradients& gradients) {
 }
 
 void Factor(const Gradients& gradients, GradientsReport& report) {
+    GradientsWork& work = gradients.work;
+    const auto factored = [&](double share) {
+        return FactorRows(gradients.member, gradients.A, gradients.order,
+                          {work.weight.data(), share, report.shift}, work.factor);
+    };
+    const bool sharing = gradients.A.JEDN >= kManyRows &&
+                         Total(work, &PartSums::positive) <= kFewPositive * Total(work, &PartSums::negative);
+    report.factored = sharing && factored(kShareOfFill);
     for (const double shift : kShifts) {
-        report.shift = shift;
-        report.factored =
-            FactorRows(gradients.member, gradients.A, gradients.order, shift, gradients.work.factor);
         if (report.factored)
             return;
+        report.shift = shift;
+        report.factored = factored(0.0);
     }
-    FactorNothing(gradients.member, gradients.A, gradients.order, gradients.work.factor);
+    if (!report.factored)
+        FactorNothing(gradients.member, gradients.A, gradients.order, work.factor);
 }
 
 // Iterates until the residual of the recurrence is at most `small`, squared. False when the matrix is not positive definite.
@@ -170,7 +184,8 @@ void TakeScale(const Gradients& gradients, RealArray b) {
             const double entry = A.value[static_cast<std::size_t>(A.start[i + 1]) - 1];
             if (!(entry > 0.0) && (sums.equation == 0 || equation + 1 < sums.equation))
                 sums.equation = equation + 1;
-            work.scale[i] = 1.0 / std::sqrt(entry);
+            work.weight[i] = std::sqrt(entry);
+            work.scale[i] = 1.0 / work.weight[i];
             work.b[i] = b.data[equation];
             sums.numbers = sums.numbers && std::isfinite(work.b[i]);
             sums.largest = std::max(sums.largest, std::abs(work.b[i]));
@@ -184,13 +199,21 @@ void TakeScale(const Gradients& gradients, RealArray b) {
 void ScaleSystem(const Gradients& gradients, int exponent) {
     GradientsWork& work = gradients.work;
     SymmetricRows& A = gradients.A;
-    ForRows(gradients, [&](std::size_t i) {
-        const auto diagonal = static_cast<std::size_t>(A.start[i + 1]) - 1;
-        for (auto k = static_cast<std::size_t>(A.start[i]); k < diagonal; ++k)
-            A.value[k] *= work.scale[i] * work.scale[static_cast<std::size_t>(A.column[k])];
-        A.value[diagonal] = 1.0;
-        work.b[i] = work.r[i] = work.scale[i] * std::ldexp(work.b[i], -exponent);
-        work.x[i] = work.p[i] = work.Ap[i] = 0.0;
+    ForStages(gradients.member, gradients.order, [&](std::size_t part, std::size_t first, std::size_t end) {
+        double positive = 0.0, negative = 0.0;
+        for (std::size_t i = first; i < end; ++i) {
+            const auto diagonal = static_cast<std::size_t>(A.start[i + 1]) - 1;
+            for (auto k = static_cast<std::size_t>(A.start[i]); k < diagonal; ++k) {
+                A.value[k] *= work.scale[i] * work.scale[static_cast<std::size_t>(A.column[k])];
+                positive += std::max(A.value[k], 0.0);
+                negative -= std::min(A.value[k], 0.0);
+            }
+            A.value[diagonal] = 1.0;
+            work.b[i] = work.r[i] = work.scale[i] * std::ldexp(work.b[i], -exponent);
+            work.x[i] = work.p[i] = work.Ap[i] = 0.0;
+        }
+        work.sums[part].positive = positive;
+        work.sums[part].negative = negative;
     });
 }
 
@@ -225,7 +248,8 @@ GradientsReport SolveInTeam(const Gradients& gradients, RealArray b, const Gradi
 }
 
 void TakeRoom(const SymmetricRows& A, const RowOrder& order, int workers, GradientsWork& work) {
-    for (std::vector<double>* vector : {&work.scale, &work.b, &work.x, &work.r, &work.z, &work.p, &work.Ap})
+    for (std::vector<double>* vector :
+         {&work.scale, &work.weight, &work.b, &work.x, &work.r, &work.z, &work.p, &work.Ap})
         vector->resize(static_cast<std::size_t>(A.JEDN));
     work.sums.resize(PartCount(order));
     TakeFactorRoom(A, order, workers, work.factor);
@@ -243,6 +267,8 @@ GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const RowOr
     Workers alone; // with a single part the others would only wait
     Workers& sharing = PartCount(order) > 1 ? workers : alone;
     TakeRoom(A, order, sharing.count, work);
+    if (A.below.empty())
+        IndexColumns(A);
     InTeam(sharing, [&](int worker) {
         const GradientsReport found = SolveInTeam({{sharing, worker}, A, order, work}, b, limits);
         if (worker == 0)

@@ -35,13 +35,15 @@ struct GradientsLimits {
 struct alignas(64) PartSums {
     double energy = 0.0, rr = 0.0, rz = 0.0; // of v A v, r r, r M^-1 r
     double largest = 0.0;                    // of the magnitudes of b
+    double positive = 0.0, negative = 0.0;   // of the magnitudes of entries off the diagonal, by their sign
     bool numbers = true;                     // b has nothing else
     std::int32_t equation = 0;               // least one whose diagonal is not positive; 0: none
 };
 
 /// Vectors of an iteration, each with a word for each row in the order of the rows, kept from system to system.
 struct GradientsWork {
-    std::vector<double> scale; // row i of the solution over that of the scaled system
+    std::vector<double> scale;  // row i of the solution over that of the scaled system
+    std::vector<double> weight; // 1 / scale
     IncompleteFactor factor;
     std::vector<double> b, x, r, z, p, Ap;
     std::vector<PartSums> sums; // one a part
@@ -49,7 +51,7 @@ struct GradientsWork {
 
 /// Solves A x = b until the residual is at most the tolerance times b, both of the scaled system, or as small as rounding
 /// lets it be; starts from zero. The digits do not depend on the number of workers.
-///   A      in the order of the rows; values are scaled (output)
+///   A      in the order of the rows; values are scaled (output), and the columns of a new pattern are found
 ///   b      1..JEDN by equations: right-hand side (input), then the solution (output); left alone unless the iteration
 ///          converges
 GradientsReport SolveByGradients(Workers& workers, SymmetricRows& A, const RowOrder& order, RealArray b,

@@ -1,6 +1,8 @@
 // The incomplete Cholesky factor without fill, as a preconditioner: L has the pattern of the lower triangle.
 //
-// J. A. Meijerink and H. A. van der Vorst, Math. Comp. 31 (1977) 148-162; the shift when a pivot fails: T. A. Manteuffel,
+// J. A. Meijerink and H. A. van der Vorst, Math. Comp. 31 (1977) 148-162. What fill would have given to a uniform solution is taken off the
+// diagonal in its place, nearly all of it, so that smooth parts of the solution are found at once: I. Gustafsson, BIT 18 (1978)
+// 142-156; O. Axelsson and G. Lindskog, Numer. Math. 48 (1986) 479-498. The shift when a pivot fails: T. A. Manteuffel,
 // Math. Comp. 34 (1980) 473-497. Parts of a stage of the rows' order (solver/row_order.h) are factored and substituted side by
 // side; each has one worker, so every sum has its order. Called by solver/conjugate_gradients.
 #pragma once
@@ -15,8 +17,18 @@ namespace zurt {
 struct IncompleteFactor {
     std::vector<float> L;
     std::vector<std::vector<double>>
-        expanded;             // a row in hand, by columns, all zero between rows; one a worker
+        expanded; // a row in hand, by columns, all zero between rows; one a worker
+    // Row i of (fill left out) weight, while it is summed: of rows by their own part, and what each part gives to those behind its stage.
+    std::vector<double> fill;
+    std::vector<std::vector<double>> outside;
     std::vector<char> failed; // one a part
+};
+
+/// What is factored in the place of A.
+struct FactorTerms {
+    const double* weight; // of each row, from 0: a uniform solution, in terms of the scaled system
+    double share;         // of the fill left out that the diagonal takes, 0 to 1
+    double shift;         // of the diagonal
 };
 
 /// One of the workers of a team.
@@ -47,10 +59,10 @@ template <class Body> void ForStages(const TeamMember& member, const RowOrder& o
 /// Room for the factor of A, and for so many workers.
 void TakeFactorRoom(const SymmetricRows& A, const RowOrder& order, int workers, IncompleteFactor& factor);
 
-/// Factors A + shift I = L L^T, where A has a diagonal of 1. False, and L of no use, when a pivot is not positive. Called by all
-/// workers of a team, as FactorNothing is.
-bool FactorRows(const TeamMember& member, const SymmetricRows& A, const RowOrder& order, double shift,
-                IncompleteFactor& factor);
+/// Factors A + shift I = L L^T, where A has a diagonal of 1 and the columns of its pattern are found. False, and L of no use, when a pivot
+/// is not positive. Called by all workers of a team, as FactorNothing is.
+bool FactorRows(const TeamMember& member, const SymmetricRows& A, const RowOrder& order,
+                const FactorTerms& terms, IncompleteFactor& factor);
 
 /// L = I.
 void FactorNothing(const TeamMember& member, const SymmetricRows& A, const RowOrder& order,

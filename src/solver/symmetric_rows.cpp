@@ -66,6 +66,25 @@ void MakePattern(SymmetricRows& rows, const ElementEquations& elements, std::int
         rows.start.push_back(static_cast<Word>(rows.column.size()));
     }
     rows.value.assign(rows.column.size() + 1, 0.0);
+    rows.below.clear();
+}
+
+void IndexColumns(SymmetricRows& rows) {
+    const auto JEDN = static_cast<std::size_t>(rows.JEDN);
+    rows.below.assign(JEDN + 1, 0);
+    for (const std::int32_t column : rows.column)
+        ++rows.below[static_cast<std::size_t>(column) + 1];
+    for (std::size_t i = 0; i < JEDN; ++i)
+        rows.below[i + 1] += rows.below[i] - 1; // without the diagonal
+    rows.row.resize(rows.column.size() - JEDN);
+    rows.at.resize(rows.row.size());
+    std::vector<Word> next(rows.below.begin(), rows.below.end() - 1);
+    for (std::size_t i = 0; i < JEDN; ++i)
+        for (Word k = rows.start[i]; k < rows.start[i + 1] - 1; ++k) {
+            Word& place = next[static_cast<std::size_t>(rows.column[static_cast<std::size_t>(k)])];
+            rows.row[static_cast<std::size_t>(place)] = static_cast<std::int32_t>(i);
+            rows.at[static_cast<std::size_t>(place++)] = static_cast<std::int32_t>(k - rows.start[i]);
+        }
 }
 
 Word PlaceOfEntry(const SymmetricRows& rows, std::int32_t i, std::int32_t j) {

@@ -16,6 +16,10 @@ struct SymmetricRows {
     std::vector<Word> start;          // of each row, from 0; the end of the last one behind it
     std::vector<std::int32_t> column; // rows, from 0
     std::vector<double> value;        // as `column`; one word behind them takes entries that are dropped
+    // The columns below the diagonal, each one's rows rising; empty until IndexColumns.
+    std::vector<Word> below;       // where each column begins, from 0; the end of the last one behind it
+    std::vector<std::int32_t> row; // rows, from 0
+    std::vector<std::int32_t> at;  // as `row`: where the entry stands behind the start of its row
 };
 
 /// What couples: the equations of each element, as they come.
@@ -29,6 +33,9 @@ void AddElementEquations(ElementEquations& elements, ConstIntArray LM, Word ND);
 
 /// The pattern of JEDN equations, the values 0. Every row has its diagonal.
 void MakePattern(SymmetricRows& rows, const ElementEquations& elements, std::int32_t JEDN);
+
+/// Finds the columns of the pattern.
+void IndexColumns(SymmetricRows& rows);
 
 /// Where the entry of equations i and j (1..JEDN, in either order) stands in `column` and `value`, from 0; -1 if they don't
 /// couple.

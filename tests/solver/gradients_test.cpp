@@ -107,6 +107,39 @@ TEST(Gradients, FindTheSolutionThatTheRightHandSideWasMadeOf) {
     }
 }
 
+// L L^T takes the uniform solution where A takes it, since the diagonal holds all that is left out; most of a Laplacian's fill is. Faults:
+// fill of one part that another's rows never hear of, entries of the pattern counted as left out, weights of the other row.
+TEST(Gradients, FactorDoesToTheUniformSolutionWhatTheMatrixDoes) {
+    System system = MakeGrid(20000, 141, 4.4, true);
+    ASSERT_GT(PartCount(system.order), 1U);
+    const auto JEDN = static_cast<std::size_t>(system.A.JEDN);
+    std::vector<double> weight(JEDN), product(JEDN), expected(JEDN), half(JEDN, 0.0);
+    for (std::size_t i = 0; i < JEDN; ++i)
+        weight[i] = 1.0 + 0.05 * std::sin(static_cast<double>(i));
+    for (double& value : system.A.value)
+        value /= 4.4;
+    zurt::Workers workers;
+    zurt::IncompleteFactor factor;
+    IndexColumns(system.A);
+    TakeFactorRoom(system.A, system.order, 1, factor);
+    ASSERT_TRUE(FactorRows({workers, 0}, system.A, system.order, {weight.data(), 1.0, 0.0}, factor));
+    const auto entries = [&](std::size_t i, const auto& visit) { // of row i of L
+        for (auto k = static_cast<std::size_t>(system.A.start[i]);
+             k < static_cast<std::size_t>(system.A.start[i + 1]); ++k) {
+            const auto column = static_cast<std::size_t>(system.A.column[k]);
+            visit(column, column == i ? 1.0 / factor.L[k] : static_cast<double>(factor.L[k]));
+        }
+    };
+    for (std::size_t i = 0; i < JEDN; ++i) {
+        MultiplyRow(system.A, i, weight.data(), expected.data());
+        entries(i, [&](std::size_t j, double L) { half[j] += L * weight[i]; });
+    }
+    for (std::size_t i = 0; i < JEDN; ++i)
+        entries(i, [&](std::size_t j, double L) { product[i] += L * half[j]; });
+    for (std::size_t i = 0; i < JEDN; ++i)
+        ASSERT_NEAR(product[i], expected[i], 2e-6) << i;
+}
+
 // Fault: a sum whose order hangs on who makes it.
 TEST(Gradients, HaveTheSameDigitsWithTwoThreads) {
     System alone = MakeGrid(20000, 141, 4.01, true);
@@ -116,6 +149,15 @@ TEST(Gradients, HaveTheSameDigitsWithTwoThreads) {
     ASSERT_GT(PartCount(shared.order), 1U);
     EXPECT_EQ(Solve(shared, 1e-4, 100, 2).iterations, Solve(alone, 1e-4, 100).iterations);
     EXPECT_EQ(shared.b, alone.b);
+}
+
+// Fault: a factor whose diagonal never takes what is left out: twice as many.
+TEST(Gradients, TakeFewIterationsInLargeUniformSystems) {
+    System system = MakeGrid(40000, 200, 4.0005, true);
+    system.b.assign(system.b.size(), 1.0);
+    const auto report = Solve(system, 1e-10, 1000);
+    EXPECT_EQ(report.end, GradientsEnd::Converged);
+    EXPECT_LT(report.iterations, 100);
 }
 
 // D. S. Kershaw's matrix (J. Comp. Phys. 26, 1978): positive definite, and its incomplete factor has a negative pivot.
