@@ -182,6 +182,7 @@ assert d["findings"][0]["line"] == 19 and "field Y" in d["findings"][0]["text"],
 TEST(Check, QuadrilateralsInsideOutUnderFibres) {
     GridDeck grid = Deck(Channel());
     grid.places[2] = {0.0};
+    grid.cylinders = {{{0.5, 0.5, 0.0}, {0.5, 0.5, 0.0}, 0.1}};
     std::reverse(grid.places[1].begin(), grid.places[1].end());
     const RunResult check = RunOn(Build(grid), {"--check"});
     EXPECT_EQ(check.status, 1) << check.errors;
