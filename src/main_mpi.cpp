@@ -58,6 +58,8 @@ int RefuseOptionsOfOneProcess(const zurt::RunOptions& options) {
         return Refuse("--solver is zurt's; PETSc's options choose, behind the deck (-ksp_type, -pc_type)");
     if (options.vtu || options.history || !options.prescribed.empty())
         return Refuse("--vtu, --history and --prescribed are zurt's: one process writes them");
+    if (options.checkpoint > 0 || !options.restart.empty())
+        return Refuse("--checkpoint and --restart are zurt's, of one process and its own solvers");
     if (options.threads != 1)
         return Refuse("--threads is zurt's; mpiexec -n N takes more processes");
     return zurt::kFinished;

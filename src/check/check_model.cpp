@@ -7,6 +7,7 @@
 #include "geometry/group_views.h"
 #include "model/curve_lookup.h"
 #include "model/material_tables.h"
+#include "run/partition.h"
 
 #include <algorithm>
 #include <cmath>
@@ -64,7 +65,8 @@ void CheckCurve(Run& run, const char* what, std::int32_t number, Word line, cons
     if (curve.points < 2 || range.lowNode == 0)
         return;
     const double first = *curve.argument, last = curve.argument[curve.stride * (curve.points - 1)];
-    const bool below = range.low<first - kCurveEndTolerance, above = range.high> last + kCurveEndTolerance;
+    const bool below = range.low < first - kCurveEndTolerance;
+    const bool above = range.high > last + kCurveEndTolerance;
     if (!below && !above)
         return;
     char text[200];
@@ -119,30 +121,43 @@ void CheckHeldSets(Run& run) {
             {run.job.BasicDataLine, "functions of surfaces are given, and no surface card uses them"});
 }
 
+void CheckIntegration(Run& run) {
+    const std::int32_t INTEB = run.control.header.INTEB;
+    if (INTEB != 1)
+        run.check.findings.push_back(
+            {run.job.BasicDataLine, "INTEB is " + std::to_string(INTEB) +
+                                        ": only Euler backward, 1, is built, and no element is formed"});
+}
+
 void CheckParts(Run& run) {
     if (run.control.header.NSTAC != 0)
         return;
     const MeshParts parts = PartsOfMesh(run);
+    std::vector<std::int32_t> nodesOf(parts.first.size()); // of a part, at its first node
+    for (std::size_t i = 1; i < parts.first.size(); ++i)
+        ++nodesOf[static_cast<std::size_t>(parts.first[i])];
     const std::vector<std::int32_t> uses = ElementsOfNodes(run);
     for (std::int32_t node = 1; node <= run.control.header.NP; ++node) {
         const auto i = static_cast<std::size_t>(node);
         if (parts.first[i] != node || uses[i] == 0 || parts.anchored[i])
             continue;
-        const auto count = std::count(parts.first.begin() + 1, parts.first.end(), node);
         run.check.findings.push_back({LineOf(run.check.nodeLine, node, run.job.BasicDataLine),
                                       "the part of the mesh with " + NodeText(run, node) + " (" +
-                                          std::to_string(count) +
+                                          std::to_string(nodesOf[i]) +
                                           " nodes) hangs on nothing: a steady problem needs a held node or a "
                                           "side with convection in each part"});
     }
 }
 
 void CheckRoom(Run& run) {
+    const std::string fault = FaultOfMatrixLength(run);
     if (run.A.LMAXM > run.A.NTOTA)
         run.check.findings.push_back(
             {run.job.BasicDataLine, "the run needs a working vector of " + std::to_string(run.A.LMAXM) +
                                         " words, and it has " + std::to_string(run.A.NTOTA) +
                                         ": --words, or another --solver"});
+    else if (!fault.empty())
+        run.check.findings.push_back({run.job.BasicDataLine, fault});
 }
 
 } // namespace
@@ -150,6 +165,7 @@ void CheckRoom(Run& run) {
 void CheckModel(Run& run) {
     CheckCurves(run);
     CheckHeldSets(run);
+    CheckIntegration(run);
     CheckParts(run);
     CheckRoom(run);
     run.check.sizes.push_back(SystemSizeOf(run));

@@ -1,7 +1,10 @@
 #include "check/check_report.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <sstream>
+#include <string_view>
 
 namespace zurt {
 
@@ -18,18 +21,44 @@ constexpr double kRowEntryBytes = 8.0 + 4.0 + 8.0 + 8.0;
 
 constexpr double kMegabyte = 1e6;
 
-std::string Quoted(const std::string& text) {
+// Bytes of the character in UTF-8 that a text begins with; 0 when it begins with none.
+std::size_t CharacterLength(std::string_view text) {
+    const auto byte = [&](std::size_t i) {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+    };
+    const unsigned lead = byte(0);
+    if (lead < 0x80)
+        return 1;
+    const std::size_t length = lead >> 5 == 0x6 ? 2 : lead >> 4 == 0xE ? 3 : lead >> 3 == 0x1E ? 4 : 0;
+    constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000}; // that needs so many bytes
+    std::uint32_t code = lead & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if (byte(i) >> 6 != 0x2)
+            return 0;
+        code = code << 6 | (byte(i) & 0x3F);
+    }
+    const bool surrogate = code >> 11 == 0x1B;
+    return code >= kLeast[length] && code < 0x110000 && !surrogate ? length : 0;
+}
+
+// A string of JSON. Names of files are any bytes: what is no character is shown as the replacement character.
+std::string Quoted(std::string_view text) {
     std::string quoted = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\')
-            quoted += '\\';
-        if (static_cast<unsigned char>(c) < ' ') {
-            char code[8];
-            std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+    while (!text.empty()) {
+        const std::size_t length = CharacterLength(text);
+        const char first = text.front();
+        char code[8];
+        if (length == 0) {
+            quoted += "\\ufffd";
+        } else if (length == 1 && static_cast<unsigned char>(first) < ' ') {
+            std::snprintf(code, sizeof code, "\\u%04x",
+                          static_cast<unsigned>(static_cast<unsigned char>(first)));
             quoted += code;
         } else {
-            quoted += c;
+            quoted += first == '"' || first == '\\' ? "\\" : "";
+            quoted += text.substr(0, length);
         }
+        text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return quoted + '"';
 }
@@ -82,17 +111,36 @@ Word TakeLine(std::string& text) {
     return line;
 }
 
+// A message, which no file shows: its lines behind each other, without the blanks that set them out.
+std::string OnOneLine(const std::string& records) {
+    std::string text;
+    std::istringstream lines(records);
+    for (std::string line; std::getline(lines, line);) {
+        std::string separator = text.empty() ? "" : text.back() == ':' ? " " : "; ";
+        std::istringstream words(line);
+        for (std::string word; words >> word; separator = " ")
+            text += separator + word;
+    }
+    return text;
+}
+
+// One that the check of the mesh has found ends the reading, too, where fibres are laid over it.
+bool IsOfJacobian(const RunStop& stop) {
+    return stop.kind == StopKind::Message && (stop.text.find("JAKOBIJAN") != std::string::npos ||
+                                              stop.text.find("JACOBIAN") != std::string::npos);
+}
+
 } // namespace
 
 bool AddStop(Run& run, const RunStop& stop) {
     Finding finding{0, stop.text};
     if (stop.kind == StopKind::Message) {
-        finding.line = run.deck.cardLine;
+        finding = {run.deck.cardLine, OnOneLine(stop.records)};
     } else if (stop.ofCard) {
-        finding.text = finding.text.substr(0, finding.text.find('\n'));
         const std::string head = "deck " + run.deck.name + ", ";
         if (finding.text.compare(0, head.size(), head) == 0)
             finding.text.erase(0, head.size());
+        finding.text = finding.text.substr(0, finding.text.find('\n'));
         finding.line = TakeLine(finding.text);
         if (finding.line == 0) { // of a group as a whole, once all cards are read
             run.check.findings.push_back({run.job.BasicDataLine, finding.text});
@@ -101,9 +149,7 @@ bool AddStop(Run& run, const RunStop& stop) {
     } else {
         return false;
     }
-    // What the mesh was found to lack ends the reading, too, where fibres are laid over it.
-    if (stop.kind == StopKind::Message && finding.text.find("OBIJAN") != std::string::npos &&
-        !run.check.findings.empty())
+    if (IsOfJacobian(stop) && !run.check.findings.empty())
         return true;
     const std::string trail = TrailOfCards(run.deck, stop.ofCard);
     run.check.findings.push_back({finding.line, finding.text + (trail.empty() ? "" : " (" + trail + ")")});

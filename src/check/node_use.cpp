@@ -55,11 +55,6 @@ void AnchorByNodes(const Run& run, MeshParts& parts) {
     for (std::int32_t node = 1; node <= run.control.header.NP; ++node)
         if (ID(node) == 0)
             parts.anchored[At(parts.first[At(node)])] = true;
-    const Word NZADC = run.control.counts.NZADC;
-    const ConstIntArray prescribed =
-        IntSection(run.A, NZADC > 0 ? run.control.at.LPRES : 1, std::max<Word>(NZADC, 0));
-    for (Word i = 1; i <= prescribed.length; ++i)
-        parts.anchored[At(parts.first[At(prescribed(i))])] = true;
 }
 
 // The first node with an equation that no element uses, and how many there are.

@@ -39,7 +39,7 @@ struct MeshParts {
     std::vector<bool> anchored;      // of that node: something in the part fixes the level of its values
 };
 
-/// A part is anchored by a held node, a prescribed value, or a side with convection or radiation.
+/// A part is anchored by a held node, whatever its value comes from, or by a side with convection or radiation.
 MeshParts PartsOfMesh(const Run& run);
 
 /// "node 4 at (0, 0.5, 1)".

@@ -29,7 +29,7 @@ struct RunStop {
     StopKind kind = StopKind::Message;
     std::string text;
     std::string place;        // name of the unit that holds the message
-    std::string records = {}; // the message, where another process writes that unit
+    std::string records = {}; // the message, where this process does not write that unit
     // Where processes share the run (core/ranks.h): all know already that it ends, for what this one has to say.
     bool isKnown = false;
     std::int32_t rank = 0;

@@ -136,7 +136,7 @@ TextUnit& BeginMessage(TextUnit& unit) {
         throw OutOfTurn{};
     unit.awaitsWords = true;
     unit.words.clear();
-    unit.keepsMessage = unit.elsewhere;
+    unit.keepsMessage = unit.file == nullptr;
     return unit;
 }
 

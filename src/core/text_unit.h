@@ -3,7 +3,7 @@
 // A unit is a buffered file to which whole records are appended. A record written to a unit that was never opened is
 // dropped: a run without a listing makes the same calls as one with it. A record that can't be stored (a full
 // disk) ends the run through StopWithLibraryError. Where processes share a run (core/ranks.h) the first one has the files:
-// in the others a unit opens nothing, drops its records and keeps those of a message.
+// in the others a unit opens nothing. A unit that is not open drops its records, but for those of a message, which it keeps.
 #pragma once
 
 #include <cstdint>
@@ -20,15 +20,15 @@ struct TextUnit {
     char* buffer = nullptr;    // of a file that the unit has opened
     std::string name;          // the file's name, for error reports
     bool keepsOlder = false;   // a file that an earlier run left is not replaced
-    bool awaitsPlace =
-        false;              // of a run that goes on from a checkpoint: records are dropped until it is there
-    bool underLine = false; // a terminal's line that is written over stands where the next record goes
+    // Of a run that goes on from a checkpoint: records are dropped until it is there.
+    bool awaitsPlace = false;
+    bool underLine = false;   // a terminal's line that is written over stands where the next record goes
     bool awaitsWords = false; // a message has begun and its first line of words is still to come
     std::string words;        // that line, without blanks around it
     // Of a unit that takes messages: none begins while these are side by side.
     const Workers* workers = nullptr;
     bool elsewhere = false;    // open, in the first process
-    bool keepsMessage = false; // there: a message has begun
+    bool keepsMessage = false; // no file is open here, and a message has begun
     std::string message;       // its records
 };
 

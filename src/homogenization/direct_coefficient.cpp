@@ -180,8 +180,9 @@ void BeginSecondPass(Run& run) {
 template <class Visit> void ForGroupsAcross(const Run& run, const Domain& domain, const Visit& visit) {
     for (std::int32_t NGE = 1; NGE <= run.control.header.NGET; ++NGE)
         WithFamily(run.groups[NGE], [&](auto family) {
-            if constexpr (kDimension < family.value >> 1)
-                if (domain.axis < kDimension<family.value>)
+            constexpr int dimension = kDimension<family.value>;
+            if constexpr (dimension > 1)
+                if (domain.axis < dimension)
                     visit(family, run.groups[NGE]);
         });
 }

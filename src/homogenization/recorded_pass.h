@@ -24,8 +24,8 @@ void KeepInitialConcentrations(Run& run);
 /// step's start and the right-hand side to zero; TIME is 0.
 void RestoreInitialConcentrations(Run& run);
 
-/// One pass. One that writes results under NANOCH 3 in a fit adds a row of flows to the mass file for every step that goes
-/// to the listing.
+/// One pass; of one that had ended at the checkpoint that the run goes on from, the flows alone. One that writes results under
+/// NANOCH 3 in a fit adds a row of flows to the mass file for every step that goes to the listing.
 void RecordedPass(Run& run, const Pass& pass);
 
 } // namespace zurt

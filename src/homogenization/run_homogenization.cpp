@@ -17,7 +17,7 @@ namespace {
 const char* const kRunWithFactors = "running FIB model - with prescribed SF";
 const char* const kRunWithoutFactors = "running FIB model - without SF";
 
-void ShowProgress(Run& run, const char* text) {
+void Announce(Run& run, const char* text) {
     Write(run.units.console, "(/1X,A/)", text);
 }
 
@@ -27,11 +27,11 @@ void ShowProgress(Run& run, const char* text) {
 void BeginEquivalentMedium(Run& run, const FittedCurve& curve) {
     FitState& fit = run.fit;
     if (fit.ISFOFF == 0) {
-        ShowProgress(run, "running EHM model - Calculation of HEQ...");
+        Announce(run, "running EHM model - Calculation of HEQ...");
         if (fit.card.IDCC == 0)
             RescaleCurveFromCard(curve, fit);
     } else {
-        ShowProgress(run, "running EHM model - Calculation of D-C curve...");
+        Announce(run, "running EHM model - Calculation of D-C curve...");
         RescaleEquivalentCurve(curve, run.fibres.POROSITY, run.fibres, fit);
     }
 }
@@ -102,14 +102,14 @@ void BeginDirection(Run& run, std::int32_t direction) {
     fit.IPHASE = fit.IEHM = fit.ITERFIT = fit.IFITEND = fit.IDCEND = fit.SEENPOS = fit.SEENNEG = 0;
     fit.ERRFIT = 1.0;
     fit.clampedCurve = false;
-    ShowProgress(run, names[direction]);
+    Announce(run, names[direction]);
     if (fit.card.IDCC == 0)
         fit.ISFOFF = 0;
 }
 
 void CloseDirection(Run& run, const FittedCurve& curve, bool last) {
     PrintFittedParameters(run);
-    ShowProgress(run, "HOMOGENIZATION FINISHED!");
+    Announce(run, "HOMOGENIZATION FINISHED!");
     if (last) {
         run.fit.IFINALRUN = 1;
         RestoreBulkCurve(curve); // the final run scales these values by direction
@@ -144,11 +144,11 @@ void TakeCurveEnds(FitState& fit, const FittedCurve& curve) {
 void BeginFitRun(Run& run, const FittedCurve& curve) {
     FitState& fit = run.fit;
     if (fit.IPHASE == 0)
-        ShowProgress(run, fit.ISFOFF == 0 ? kRunWithFactors : kRunWithoutFactors);
+        Announce(run, fit.ISFOFF == 0 ? kRunWithFactors : kRunWithoutFactors);
     else
         ++fit.ITERFIT;
     if (fit.ITERFIT > fit.card.NFITMAX) {
-        ShowProgress(run, "Max number of iterations for Homogenization reached");
+        Announce(run, "Max number of iterations for Homogenization reached");
         NoteSearchWithoutResult(run);
         fit.IFITEND = 1;
         return;
@@ -176,7 +176,7 @@ void RunHomogenization(Run& run) {
     FitState& fit = run.fit;
     const FittedCurve curve = FittedCurveOf(run);
     TakeCurveEnds(fit, curve);
-    ShowProgress(run, "HOMOGENIZATION PROCEDURE STARTED");
+    Announce(run, "HOMOGENIZATION PROCEDURE STARTED");
     std::int32_t begun = 0;
     for (std::int32_t direction = 1; direction <= 3; ++direction) {
         if (fit.activeDirection[direction] == 0)

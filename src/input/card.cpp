@@ -148,9 +148,9 @@ void BeginListRead(ListRead& read) {
 }
 
 void ContinueListRead(ListRead& read) {
-    ContinueList(read.scanner, NextRecord(read.deck, read.group));
     if (read.oneCard && read.deck.block.wrappedLine == 0)
         read.deck.block.wrappedLine = read.deck.cardLine;
+    ContinueList(read.scanner, NextRecord(read.deck, read.group));
 }
 
 // Asks for records until the item is there; false when '/' has ended the statement.

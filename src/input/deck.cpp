@@ -268,8 +268,6 @@ void CountCards(Deck& deck, Word read) {
     CardBlock& block = deck.block;
     block.read = read;
     block.lastLine = deck.lineInHand;
-    if (block.firstLine == 0)
-        block.firstLine = deck.cardLine;
 }
 
 std::string TrailOfCards(const Deck& deck, bool always) {
@@ -288,9 +286,8 @@ std::string TrailOfCards(const Deck& deck, bool always) {
         text += " comes behind the " + block.what + ": all " + std::to_string(block.due) +
                 " have been read, to line " + std::to_string(block.lastLine) + " (" + count + ")";
     }
-    const Word wrapped = block.wrappedLine > 0 ? block.wrappedLine : deck.cardLine;
-    if (block.wrappedLine > 0 || deck.lineInHand > deck.cardLine)
-        text += "; the card on line " + std::to_string(wrapped) +
+    if (block.wrappedLine > 0)
+        text += "; the card on line " + std::to_string(block.wrappedLine) +
                 " has too few numbers and took more from the next line";
     return text;
 }

@@ -40,8 +40,8 @@ struct CardBlock {
     const char* count = ""; // the field that says how many are due
     Word countLine = 0;     // of the card with that field
     Word due = 0, read = 0;
-    Word firstLine = 0, lastLine = 0; // of the cards read so far
-    Word wrappedLine = 0;             // of the first card since that went on to another line; 0 none
+    Word lastLine = 0;    // of the cards read so far
+    Word wrappedLine = 0; // of the first card since that went on to another line; 0 none
 };
 
 struct Deck {

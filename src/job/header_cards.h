@@ -22,7 +22,7 @@ extern const CardLayout kBoundaryCard;
 void ReadTitle(Run& run);
 /// The format card, always list-directed; sets the kind of solver and presets IPASSPRINT.
 void ReadFormatCard(Run& run);
-/// Device cards, and the degradation card under INDDEGR 1; always taken by columns.
+/// Device cards, and the degradation card under INDDEGR 1; taken by columns unless all cards are free (ReadImageFields).
 void ReadDeviceCards(Run& run);
 /// Basic data; NP not positive stops the run before any default is set. A negative NPER of a transient problem is a deck
 /// error.

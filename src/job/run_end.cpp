@@ -65,15 +65,16 @@ std::string NamesOfFiles(const Run& run) {
         {"listing", &units.listing},  {"UNV file", &units.graphics}, {"mass table", &units.massX},
         {"mass table", &units.massY}, {"mass table", &units.massZ},  {"messages", &units.messages}};
     std::string names;
+    const auto add = [&](const std::string& what, const std::string& name) {
+        if (!name.empty() && HoldsSomething(name))
+            names += (names.empty() ? "" : ", ") + what + " " + name;
+    };
     for (const auto& [what, unit] : files)
-        if (!unit->name.empty() && HoldsSomething(unit->name))
-            names += (names.empty() ? "" : ", ") + std::string(what) + " " + unit->name;
+        add(what, unit->name);
     for (std::int32_t problem = 1; run.options.vtu && problem <= run.job.ProblemNumber; ++problem)
-        if (const std::string name = ViewerName(units, problem) + ".pvd"; HoldsSomething(name))
-            names += (names.empty() ? "" : ", ") + std::string("ParaView file ") + name;
+        add("ParaView file", ViewerName(units, problem) + ".pvd");
     for (std::int32_t problem = 1; run.options.history && problem <= run.job.ProblemNumber; ++problem)
-        if (const std::string name = HistoryName(units, problem); HoldsSomething(name))
-            names += ", table " + name;
+        add("table", HistoryName(units, problem));
     return names;
 }
 
@@ -88,17 +89,23 @@ void WriteFileNames(Run& run, int status) {
         Write(run.units.console, "(A,A)", end, "nothing was written");
 }
 
-// A message of another process has not reached its unit yet.
+// A message of another process has not reached its unit yet. One that no file was open for here is dropped once more.
 void PutRecordsOfStop(Run& run, const RunStop& stop) {
     TextUnit& unit = stop.place == run.units.listing.name ? run.units.listing : run.units.console;
     PutBytes(unit, stop.records);
+}
+
+// False for what is at fault in the file of prescribed values.
+bool IsOfDeck(const Run& run, const RunStop& stop) {
+    const std::string head = "deck " + run.deck.name + ", ";
+    return stop.kind == StopKind::Message || (stop.ofCard && stop.text.compare(0, head.size(), head) == 0);
 }
 
 // What leads from the message to its cause, ahead of it, since the last line says why the run has ended.
 void NoteOnStop(const Run& run, const RunStop& stop) {
     if (stop.equation != kNoSystem)
         NoteOnEquation(run, stop.equation);
-    const bool reads = run.job.Solving == 0 && (stop.ofCard || stop.kind == StopKind::Message);
+    const bool reads = run.job.Solving == 0 && IsOfDeck(run, stop);
     const std::string trail = reads ? TrailOfCards(run.deck, stop.ofCard) : "";
     if (!trail.empty())
         WriteNote("deck " + run.deck.name + ": " + trail);

@@ -7,7 +7,8 @@
 
 namespace zurt {
 
-/// One line on standard error (for an error of the deck its report), behind all that was written. Returns the status that
+/// Notes that lead to the cause, then one line on standard error (for an error of the deck its report), behind all that was written.
+/// Returns the status that
 /// a job on the command line has for it.
 int ReportStop(Run& run, const RunStop& stop);
 

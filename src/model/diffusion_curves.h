@@ -22,8 +22,8 @@ struct DiffusionPointCard {
 extern const CardLayout kDiffusionHeaderCard;
 extern const CardLayout kDiffusionPointCard;
 
-/// Clears and reads NMATT curves; the cards are always taken by columns. A curve number outside 1..NMATT and more than
-/// MAXPMAT points are deck errors.
+/// Clears and reads NMATT curves; the cards are taken by columns unless all are free (ReadImageFields). A curve number outside
+/// 1..NMATT and more than MAXPMAT points are deck errors.
 void ReadDiffusionCurves(Run& run);
 
 } // namespace zurt

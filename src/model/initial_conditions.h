@@ -32,10 +32,10 @@ extern const CardLayout kInitialNodeListCard;
 extern const CardLayout kInitialRangeCard;
 
 /// Sets the entries of StepSolution. With NPOC below 2 the one value also becomes OutletStart (CINITAL). With NPOC 2
-/// and above the cards are always taken by columns. A node without an equation keeps the value of its node card; a
-/// start value given for it must agree within 1e-10, otherwise the run stops. So it does when a range does not meet its
-/// last node. Node numbers outside 1..NP are deck errors. byNode, 1..NP or empty, takes the value of every node, with
-/// or without an equation.
+/// and above the cards are taken by columns unless all are free (ReadImageFields). A node without an equation keeps the
+/// value of its node card; a start value given for it must agree within 1e-10, otherwise the run stops. So it does when a
+/// range does not meet its last node. Node numbers outside 1..NP are deck errors. byNode, 1..NP or empty, takes the value
+/// of every node, with or without an equation.
 void ReadInitialConditions(Run& run, RealArray byNode);
 
 } // namespace zurt

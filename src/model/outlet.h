@@ -16,9 +16,10 @@ extern const CardLayout kOutletCoefficientsCard;
 extern const CardLayout kTimeMultiplierCard;
 extern const CardLayout kTimePairCard;
 
-/// Reads the cards, always by columns and always with their echo. With NPOUT2 0 or 1 both outlet concentrations, at the
-/// start of the step and at its end, take CONCOUT0. The other modes are read and echoed and leave them alone. Takes the
-/// tables and the reservoir vectors in `A`. A negative NTMF, and an NTMF of 0 under a switch that is on, are deck errors.
+/// Reads the cards, by columns unless all are free (ReadImageFields) and always with their echo. With NPOUT2 0 or 1 both
+/// outlet concentrations, at the start of the step and at its end, take CONCOUT0. The other modes are read and echoed and
+/// leave them alone. Takes the tables and the reservoir vectors in `A`. A negative NTMF, and an NTMF of 0 under a switch
+/// that is on, are deck errors.
 void ReadOutletData(Run& run);
 
 /// A new problem begins with the outlet's start value that the last step of the one before left; cards may set it.

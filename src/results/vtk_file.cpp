@@ -54,8 +54,8 @@ void EndCompressor(Compressor& compressor) {
 // The room is enough for any block, so nothing can fail.
 void CompressBlock(Compressor& compressor, z_stream& stream, const char* block, std::uint64_t bytes) {
     const std::size_t start = compressor.bytes.size();
-    compressor.bytes.resize(start + compressBound(kBlock));
     deflateReset(&stream);
+    compressor.bytes.resize(start + deflateBound(&stream, kBlock));
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(block));
     stream.avail_in = static_cast<uInt>(bytes);
     stream.next_out = reinterpret_cast<Bytef*>(&compressor.bytes[start]);

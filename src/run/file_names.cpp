@@ -4,6 +4,7 @@
 #include "core/whole_file.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -81,6 +82,16 @@ std::vector<std::string> FindViewerFiles(const Units& units, bool parts) {
     return found;
 }
 
+// Files that the job names, which no output may be.
+struct NamedFile {
+    std::string name, what;
+};
+std::array<NamedFile, 3> NamedFiles(const Run& run) {
+    return {{{run.deck.name, "the deck"},
+             {run.options.prescribed, "the file of prescribed values"},
+             {run.options.progress, "the file of --progress"}}};
+}
+
 [[noreturn]] void StopOnClash(const std::string& name, const std::string& other) {
     StopWithLibraryError("can't open " + name + " for writing: it is " + other + " of this run");
 }
@@ -143,10 +154,9 @@ bool AreOneFile(const std::string& name, const std::string& other) {
 }
 
 void RequireUnused(const Run& run, const std::string& name) {
-    if (AreOneFile(name, run.deck.name))
-        StopOnClash(name, "the deck");
-    if (AreOneFile(name, run.options.prescribed))
-        StopOnClash(name, "the file of prescribed values");
+    for (const NamedFile& named : NamedFiles(run))
+        if (AreOneFile(name, named.name))
+            StopOnClash(name, named.what);
     if (IsOpen(run.units.listing) && AreOneFile(name, run.units.listing.name))
         StopOnClash(name, "the listing");
     for (const FixedFile& fixed : FixedFiles(run.units))
@@ -154,17 +164,20 @@ void RequireUnused(const Run& run, const std::string& name) {
             StopOnClash(name, "the file " + fixed.name);
 }
 
-void RequireDistinctFixedFiles(const Run& run) {
+void RequireDistinctFiles(const Run& run) {
     const std::vector<FixedFile> files = FixedFiles(run.units);
+    const auto named = NamedFiles(run);
     for (std::size_t i = 0; i < files.size(); ++i) {
-        if (files[i].written && AreOneFile(files[i].name, run.deck.name))
-            StopOnClash(files[i].name, "the deck");
-        if (files[i].written && AreOneFile(files[i].name, run.options.prescribed))
-            StopOnClash(files[i].name, "the file of prescribed values");
+        for (const NamedFile& other : named)
+            if (files[i].written && AreOneFile(files[i].name, other.name))
+                StopOnClash(files[i].name, other.what);
         for (std::size_t j = 0; j < i; ++j)
             if (files[i].written && AreOneFile(files[i].name, files[j].name))
                 StopOnClash(files[i].name, "the file " + files[j].name);
     }
+    for (const NamedFile& input : {named[0], named[1]})
+        if (AreOneFile(run.options.progress, input.name))
+            StopOnClash(run.options.progress, input.what);
 }
 
 } // namespace zurt

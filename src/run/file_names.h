@@ -30,11 +30,12 @@ std::string HistoryName(const Units& units, std::int32_t problem);
 /// True for two names of one plain file: by device and inode where both exist (links count), else by their paths.
 bool AreOneFile(const std::string& name, const std::string& other);
 
-/// Ends the run with a library error when `name`, to be written, is the deck, the open listing, or one of the files with
-/// fixed names.
+/// Ends the run with a library error when `name`, to be written, is a file that the job names (the deck, the file of prescribed
+/// values, that of --progress), the open listing, or one of the files with fixed names.
 void RequireUnused(const Run& run, const std::string& name);
 
-/// The same for the files with fixed names themselves: none may be the deck, nor may two of them be one.
-void RequireDistinctFixedFiles(const Run& run);
+/// The same for the files with fixed names themselves and for that of --progress: none may be one that the job names, nor may
+/// two of them be one.
+void RequireDistinctFiles(const Run& run);
 
 } // namespace zurt

@@ -209,7 +209,6 @@ void OpenProgressFile(Run& run) {
     TextUnit& unit = run.units.progress;
     if (run.options.progress.empty())
         return;
-    RequireUnused(run, run.options.progress);
     if (run.options.restart.empty()) {
         OpenTextUnit(unit, run.options.progress);
     } else {
@@ -243,7 +242,7 @@ void OpenInputDeck(Run& run) {
         name = kDefaultDeckName;
     DeriveDefaultNames(run, name);
     OpenDeck(run.deck, name);
-    RequireDistinctFixedFiles(run);
+    RequireDistinctFiles(run);
     OpenWorkFiles(run);
 }
 
@@ -260,7 +259,7 @@ void OpenNamedDeck(Run& run, const JobSettings& settings) {
     if (!IsFirstRank())
         return; // files are the first's
     MakeFolder(settings.folder);
-    RequireDistinctFixedFiles(run);
+    RequireDistinctFiles(run);
     RequireUnused(run, units.DefaultListingName);
     RequireUnused(run, units.DefaultGraphicsName);
     if (run.options.vtu)

@@ -33,7 +33,7 @@ void OpenGraphics(Run& run);
 /// Connects MESSAGES.LST (once a run; later problems go on in it) and writes a record of six blanks.
 void OpenMessages(Run& run);
 
-/// Flushes every text unit.
+/// Flushes the outputs and the console.
 void FlushUnits(Run& run);
 
 /// The files that grow with the steps: a checkpoint has their places.
@@ -45,7 +45,7 @@ std::array<std::string, kContinuedUnits> ContinuedNames(const Units& units, std:
 /// that goes on, that it is still there.
 void FinishFile(Units& units, const std::string& name);
 
-/// After a "STOP" card: closes deck, listing and graphics file.
+/// After a "STOP" card: closes the deck and all outputs.
 void CloseUnits(Run& run);
 
 } // namespace zurt

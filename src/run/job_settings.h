@@ -53,8 +53,9 @@ struct JobSettings {
     std::string folder;   // of all files that the run writes, with a slash at its end; empty: the current one
     bool force = false;   // files of earlier runs are overwritten
     bool quiet = false;   // nothing on standard output
-    bool check = false; // the deck is read and tested, and nothing is solved or written (check/check_deck.h)
-    bool json = false;  // what that finds, as JSON
+    bool check =
+        false;         // the deck is read and tested, and nothing is solved or written (check/check_report.h)
+    bool json = false; // what that finds, as JSON
     Word words = kWorkingVectorSize;
     RunOptions options;
 };

@@ -44,15 +44,6 @@ Word MatrixWords(const Run& run) {
     return std::max(run.sizes.NWK, run.sizes.MatrixRoom);
 }
 
-// MAXA holds positions as 32-bit integers; only a working vector larger than the usual one comes this far.
-void RequireCountableMatrix(const Run& run) {
-    constexpr Word kMost = std::numeric_limits<std::int32_t>::max();
-    if (run.sizes.NWK >= kMost)
-        StopWithLibraryError("the skyline matrix takes " + std::to_string(run.sizes.NWK) +
-                             " words, and its positions end at " + std::to_string(kMost) +
-                             ": choose the sparse solver (SolverSelector 2 on the format card)");
-}
-
 } // namespace
 
 void NoteSectionOutside(const Run& run) {
@@ -283,9 +274,19 @@ void WriteSizeReport(Run& run) {
           run.A.NTOTA);
 }
 
+std::string FaultOfMatrixLength(const Run& run) {
+    constexpr Word kMost = std::numeric_limits<std::int32_t>::max();
+    const Word words = MatrixWords(run);
+    if (words < kMost)
+        return "";
+    return "the skyline matrix takes " + std::to_string(words) + " words, and its positions end at " +
+           std::to_string(kMost) + ": choose the sparse solver (SolverSelector 2 on the format card)";
+}
+
 void StopIfSystemOverflows(Run& run) {
     if (run.A.LMAXM <= run.A.NTOTA) {
-        RequireCountableMatrix(run);
+        if (const std::string fault = FaultOfMatrixLength(run); !fault.empty())
+            StopWithLibraryError(fault);
         return;
     }
     TextUnit& unit = BeginMessage(run);

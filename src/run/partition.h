@@ -6,6 +6,8 @@
 
 #include "run/run.h"
 
+#include <string>
+
 namespace zurt {
 
 /// Which solver the sections are for: SparseMode, from SolverSelector or the command line.
@@ -47,7 +49,7 @@ void TakeMaterialTables(Run& run);
 /// Row 22: pairs of the outlet and of the time multiplier.
 void TakeOutletPairs(Run& run, std::int32_t pairs);
 void TakeTimeMultiplierPairs(Run& run, std::int32_t pairs);
-/// Row 24: reservoir node vector, behind a gap of NP words when `gap` is set. (Row 23 has NZADC words, which are none.)
+/// Row 24: reservoir node vector, behind a gap of NP words when `gap` is set. (Row 23 is taken by model/prescribed_values.)
 void TakeReservoirVectors(Run& run, bool gap);
 /// Row 30: shape factors.
 void TakeShapeFactors(Run& run);
@@ -62,7 +64,11 @@ void TakeFunctionTable(Run& run, const char* name, std::int32_t functions, std::
 
 /// The report of sizes on the listing.
 void WriteSizeReport(Run& run);
-/// LMAXM above NTOTA: messages to listing and, under NDS, to MESSAGES.LST, then stop.
+/// What keeps MAXA, 32-bit integers, from holding the positions of SkylineMatrix; empty when nothing does. Only a working
+/// vector larger than the usual one has room for such a matrix.
+std::string FaultOfMatrixLength(const Run& run);
+/// LMAXM above NTOTA: messages to listing and, under NDS, to MESSAGES.LST, then stop. A matrix that MAXA can't hold is a
+/// library error.
 void StopIfSystemOverflows(Run& run);
 
 } // namespace zurt

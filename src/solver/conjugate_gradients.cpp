@@ -16,6 +16,9 @@ constexpr std::int32_t kManyRows = 4096;
 constexpr double kFewPositive = 0.12;
 constexpr double kShifts[] = {0.0, 1e-3, 1e-2, 1e-1, 1.0};
 
+/// Squares of less underflow, and rounding ends the turns long before.
+constexpr double kLeastTolerance = 1e-100;
+
 /// |b - A x| <= kRoundings |x| can't be made smaller: a direct solver leaves a residual of this size.
 constexpr double kRoundings = 100.0 * std::numeric_limits<double>::epsilon();
 
@@ -153,7 +156,7 @@ bool Iterate(const Gradients& gradients, double small, std::int32_t limit, Norms
 // Turns of the iteration, each from the residual of the solution itself: that of the recurrence drifts away from it.
 GradientsEnd IterateInTurns(const Gradients& gradients, const GradientsLimits& limits,
                             GradientsReport& report) {
-    const double tolerance = limits.tolerance;
+    const double tolerance = std::max(limits.tolerance, kLeastTolerance);
     const Norms begin = Advance(gradients, 0.0);
     if (!std::isfinite(begin.rr))
         return GradientsEnd::NotConverged;

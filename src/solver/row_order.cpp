@@ -8,7 +8,7 @@ namespace {
 
 using Rows = std::vector<std::int32_t>; // equations less 1, in the order of their elimination
 
-/// Rows of the parts on average, from which on they are cut again.
+/// Rows of the parts on average, from which on they are cut, and the parts from which on they are not.
 constexpr std::int32_t kLargePart = 2048;
 constexpr std::size_t kMostParts = 2;
 /// A separator takes at most one row in so many of the part that is cut.
@@ -71,10 +71,10 @@ void TakeApart(const Rows& part, std::vector<Place>& places, std::vector<Rows>& 
             ahead.push_back(i);
     for (auto i = part.rbegin(); i != part.rend(); ++i) {
         Place& place = places[static_cast<std::size_t>(*i)];
+        if (place.behind)
+            (place.couples ? separator : behind).push_back(*i);
         if (place.couples)
-            separator.push_back(*i), place = {};
-        else if (place.behind)
-            behind.push_back(*i);
+            place = {};
     }
     halves.push_back(std::move(ahead));
     halves.push_back(std::move(behind));

@@ -2,8 +2,8 @@
 //
 // Equations are cut in the middle of their numbers: those below go upwards, those above downwards, and between the two, last,
 // those that couple with both ("burning at both ends": I. Babuska, SIAM J. Numer. Anal. 9 (1972) 53-77; H. A. van der Vorst, Parallel
-// Computing 5 (1987) 45-54). Parts that are large are cut again likewise. The order hangs on the equations alone, never on the
-// number of threads. Called by solver/system_rows, solver/incomplete_cholesky and solver/conjugate_gradients.
+// Computing 5 (1987) 45-54). The order depends on the equations alone, never on the number of threads. Called by
+// solver/system_rows, solver/incomplete_cholesky and solver/conjugate_gradients.
 #pragma once
 
 #include "solver/symmetric_rows.h"

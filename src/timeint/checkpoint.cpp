@@ -1,7 +1,6 @@
 #include "timeint/checkpoint.h"
 
 #include "core/format.h"
-#include "core/ranks.h"
 #include "core/stop.h"
 #include "core/word_sum.h"
 #include "results/vtu_results.h"
@@ -52,11 +51,7 @@ std::size_t UnitsToContinue(const CheckpointHead& head) {
 }
 
 void TransferFinished(CheckpointStream& stream, std::vector<FinishedFile>& files) {
-    std::int64_t count = static_cast<std::int64_t>(files.size());
-    TransferRecord(stream, count);
-    if (stream.failed)
-        return;
-    files.resize(static_cast<std::size_t>(count));
+    TransferLength(stream, files);
     for (FinishedFile& file : files) {
         TransferText(stream, file.name);
         TransferRecord(stream, file.place);
@@ -82,11 +77,7 @@ void TransferHead(CheckpointStream& stream, CheckpointHead& head) {
 }
 
 void TransferNumbers(CheckpointStream& stream, std::vector<double>& numbers) {
-    std::int64_t count = static_cast<std::int64_t>(numbers.size());
-    TransferRecord(stream, count);
-    if (stream.failed)
-        return;
-    numbers.resize(static_cast<std::size_t>(count));
+    TransferLength(stream, numbers);
     TransferBytes(stream, numbers.data(), sizeof(double) * numbers.size());
 }
 
@@ -229,11 +220,6 @@ void OpenCheckpoint(Run& run) {
     const RunOptions& options = run.options;
     if (options.checkpoint <= 0 && options.restart.empty())
         return;
-    std::int32_t processes = 1;
-    SumOverRanks(IntArray(&processes, 1));
-    if (processes > 1)
-        StopWithLibraryError(
-            "--checkpoint and --restart are for one process, not for several that share a run");
     CheckpointState& state = run.checkpoint;
     state.deckSum = SumOf(run.deck);
     state.prescribedSum = SumOf(run.prescribedFile);

@@ -120,11 +120,4 @@ void TransferBytes(CheckpointStream& stream, void* bytes, std::size_t size) {
     }
 }
 
-void TransferText(CheckpointStream& stream, std::string& text) {
-    std::int64_t length = static_cast<std::int64_t>(text.size());
-    TransferRecord(stream, length);
-    text.resize(static_cast<std::size_t>(length));
-    TransferBytes(stream, text.data(), text.size());
-}
-
 } // namespace zurt

@@ -19,8 +19,8 @@ constexpr std::int32_t kCheckpointFormat = 2;
 struct CheckpointStream {
     std::FILE* file = nullptr;
     bool writing = false;
-    bool failed =
-        false; // a record could not be written or read, errno says why; those behind it are passed over
+    // A record could not be written or read, errno says why; those behind it are passed over.
+    bool failed = false;
     std::uint64_t sum = 0;
 };
 
@@ -37,13 +37,24 @@ CheckpointStream OpenCheckpointFile(const std::string& name);
 /// Writes or reads `size` bytes, which take whole words of the file.
 void TransferBytes(CheckpointStream& stream, void* bytes, std::size_t size);
 
-/// The same for a text with its length.
-void TransferText(CheckpointStream& stream, std::string& text);
-
 /// The same for a record without pointers.
 template <class Record> void TransferRecord(CheckpointStream& stream, Record& record) {
     static_assert(std::is_trivially_copyable_v<Record>);
     TransferBytes(stream, &record, sizeof record);
+}
+
+/// The length of a list, which one that is read takes.
+template <class List> void TransferLength(CheckpointStream& stream, List& list) {
+    auto length = static_cast<std::int64_t>(list.size());
+    TransferRecord(stream, length);
+    if (!stream.failed)
+        list.resize(static_cast<std::size_t>(length));
+}
+
+/// A text with its length.
+inline void TransferText(CheckpointStream& stream, std::string& text) {
+    TransferLength(stream, text);
+    TransferBytes(stream, text.data(), text.size());
 }
 
 } // namespace zurt

@@ -1,7 +1,7 @@
 // One step of time, and passes over all of them.
 //
 // A pass begins with BeginPass; then, while the clock's KOR is below the pass's NDT, SolveStep, what the caller takes from
-// the step, WriteStep, FlushUnits. SolutionPass is the plain one; fits and the direct calculation have their own.
+// the step, WriteStep, FlushUnits, and what progress and checkpoints do behind it. SolutionPass is the plain one; fits and the direct calculation have their own.
 #pragma once
 
 #include "run/run.h"
@@ -15,10 +15,11 @@ void BeginSolution(Run& run);
 void BeginPass(Run& run, const Pass& pass);
 
 /// Advances time (not in a steady problem), iterates to equilibrium, expands the solution to the nodes, evaluates the
-/// nodal results where the pass writes any, and saves the step.
+/// nodal results where the pass writes any, adds a row to the table of balances, and saves the step.
 void SolveStep(Run& run);
 
-/// Writes the step to graphics file and listing, if it is their turn and the pass writes at all. True for the listing.
+/// Writes the step to the files for viewers, graphics file and listing, if it is their turn and the pass writes at all. True for
+/// the listing.
 bool WriteStep(Run& run);
 
 /// Walks through the steps of a plain problem.

@@ -124,6 +124,7 @@ TEST(Homogenization, LayersInSeriesAndSideBySide) {
         if (layers.plane) {
             grid.places[2] = {0.0};
             grid.cylinders.clear();
+            grid.box = {2.0, 0.0, 0.0}; // 0: no bounds across
         }
         grid.material = [layers](const Place& at) {
             const bool low = at[static_cast<std::size_t>(layers.axis)] < (layers.axis == 0 ? 1.0 : 0.5);

@@ -1,8 +1,10 @@
 // docs/mistakes.md walked: each usual mistake in a small deck, its status, and what the user is told. And --check on the same
 // decks, and on what only it finds.
+#include "support/grid_deck.h"
 #include "support/run_deck.h"
 #include "support/small_decks.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 
@@ -113,7 +115,8 @@ TEST(Mistakes, TheOrderOfCornersIsRight) {
 }
 
 // Faults: only the first finding, findings without their line, status 0 with findings or 1 without any, no sizes, other
-// counts than the listing's, JSON that a reader of JSON refuses.
+// counts than the listing's, JSON that a reader of JSON refuses, a message of several lines of which the
+// first alone is told.
 TEST(Check, AllFindingsAndSizes) {
     for (const SmallDeck& deck : SmallDecks()) {
         const RunResult check = RunOn(deck.text, {"--check"}), run = RunDeck(deck.text);
@@ -144,6 +147,9 @@ TEST(Check, AllFindingsAndSizes) {
           "zurt.dat:30: element group 1, element 3, Gauss point 1:",
           "zurt.dat:33: conduction curve 1 reaches from -1000 to 0.5, and values begin at 1"})
         EXPECT_TRUE(Contains(check.console, words)) << words << check.console;
+    const std::string twice = Replaced(SmallDeckText("device"), "\n    1         8", "\n    2         8");
+    EXPECT_TRUE(Contains(RunOn(twice, {"--check"}).console,
+                         ": E R R O R; MATERIAL NUMBER IS GREATER THAN THE TOTAL NUMBER OF MATERIALS; "));
     const RunResult json = RunOn(deck, {"--check", "--json"});
     EXPECT_EQ(json.status, 1);
     WriteFile(json.folder + "/check.json", json.console);
@@ -154,6 +160,34 @@ TEST(Check, AllFindingsAndSizes) {
                 .c_str()),
         0)
         << json.console;
+}
+
+// Faults: JSON with bytes of a file's name that are no text, a line or a text that a name of two lines hides.
+TEST(Check, NamesOfAnyBytes) {
+    const std::string name = "a\"b\\\n\x01\xff\xc3\xa9\xed\xa0\x80.dat";
+    const std::string folder =
+        FolderWith(name, Replaced(SmallDeckText("free"), "\n12 1 1 0 0.33", "\n12 1 1 O 0.33"));
+    const RunResult json = RunProgram(folder, {{"--check", "--json", name}, ""});
+    EXPECT_EQ(json.status, 1) << json.errors;
+    WriteFile(folder + "/check.json", json.console);
+    WriteFile(folder + "/test.py", R"(import json
+d = json.load(open("check.json", encoding="utf-8"))
+assert d["deck"] == "a\"b\\\n\x01\ufffd\u00e9\ufffd\ufffd\ufffd.dat", d
+assert d["findings"][0]["line"] == 19 and "field Y" in d["findings"][0]["text"], d
+)");
+    EXPECT_EQ(std::system(("cd '" + folder + "' && python3 test.py").c_str()), 0) << json.console;
+}
+
+// Fault: in a mesh in the plane under fibres, what ends the reading told once more.
+TEST(Check, QuadrilateralsInsideOutUnderFibres) {
+    GridDeck grid = Deck(Channel());
+    grid.places[2] = {0.0};
+    grid.cylinders = {{{0.5, 0.5, 0.0}, {0.5, 0.5, 0.0}, 0.1}};
+    std::reverse(grid.places[1].begin(), grid.places[1].end());
+    const RunResult check = RunOn(Build(grid), {"--check"});
+    EXPECT_EQ(check.status, 1) << check.errors;
+    EXPECT_EQ(CountOf(check.console, "the Jacobian's determinant is"), CountOf(check.console, "zurt.dat:"))
+        << check.console;
 }
 
 } // namespace

@@ -270,6 +270,7 @@ TEST(Prescribed, FilesAreRefusedOrNotedWithTheirPlace) {
         const RunResult run = RunWithHistory(one.deck, one.file).run;
         EXPECT_EQ(run.status, one.status) << one.file;
         EXPECT_TRUE(Contains(run.errors, one.says)) << one.file << run.errors;
+        EXPECT_FALSE(Contains(run.errors, "have been read")) << "cards of the deck" << run.errors;
     }
 }
 

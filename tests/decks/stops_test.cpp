@@ -304,6 +304,27 @@ TEST(Stops, WithoutEquilibrium) {
                                     " Increase percentage error tolerance,ERRORPERCENT\n");
 }
 
+// Faults: rounding taken for increments that fall; tolerances told that do not end the iteration; of elements alike another
+// than the first, or an element of a group that is less stiff.
+TEST(Stops, IncrementsOfRounding) {
+    BarDeck bar = Bar(2);
+    bar.nx = 6;
+    bar.width = 0.3;
+    bar.diffusion = {{-1e13, 1.0}, {1e13, 1.0}};
+    bar.start = 1e12;
+    bar.EPSTA = 1e-9;
+    bar.EPSTR = 1e-30;
+    const std::string words = " of the step's largest, which is rounding. EPSTA ";
+    const std::string errors = RunDeck(Build(bar)).errors;
+    ASSERT_TRUE(Contains(errors, words)) << errors;
+    EXPECT_TRUE(Contains(errors, "stiffest elements (group 1, element 1 for one, entry ")) << errors;
+    BarDeck absolute = bar, relative = bar;
+    absolute.EPSTA = NumbersBehind(errors, words).at(0);
+    relative.EPSTR = NumbersBehind(errors, " works, or EPSTR ").at(0);
+    for (const BarDeck& mended : {absolute, relative})
+        EXPECT_FALSE(Contains(RunWell(Build(mended)).errors, "no equilibrium")) << errors;
+}
+
 // Faults: a check run that solves, that goes on to the next problem or that ends with another status; IREST 2 taken for
 // a check, or for a restart at the time that stands on its card.
 TEST(Stops, CheckOfInputData) {

@@ -106,6 +106,18 @@ TEST(Deck, LongDecksComeWholeFromAPipe) {
         EXPECT_EQ(LineText(deck, line), std::to_string(line));
 }
 
+// Fault: a deck that ends in comments behind a whole card, and a report that the card took numbers from the next line.
+TEST(Deck, TrailOfCardsThatAreTooFew) {
+    SmallRun small("3\n1 2\nC the end\n");
+    NextCard(small.deck, 2);
+    BeginCards(small.deck, "samples", "N", 3, 1);
+    NextCard(small.deck, 2);
+    CountCards(small.deck, 1);
+    EXPECT_LIBRARY_ERROR(NextCard(small.deck, 2), "the deck ends here");
+    EXPECT_EQ(TrailOfCards(small.deck, true),
+              "line 2 is taken for one of the samples: 1 of 3 have been read (N = 3 on line 1)");
+}
+
 // Faults: bytes that upset a terminal, or a whole file, in an error report.
 TEST(Deck, ReportsShowAShortPrintableExcerpt) {
     SmallRun small("\x1b[31m" + std::string(200, 'q') + "\n");

@@ -302,7 +302,8 @@ TEST(Gradients, GiveTheResultsOfTheSkylineSolver) {
     }
 }
 
-// Faults: a message that is passed over, --tolerance that isn't heard, a matrix that still takes room in the working vector.
+// Faults: a message that is passed over, --tolerance that isn't heard, or whose square underflows and the matrix is
+// blamed, a matrix that still takes room in the working vector.
 TEST(Gradients, EndTheRunWithAMessage) {
     std::istringstream deck(SmallDeckText("steady free"));
     std::string singular, line;
@@ -319,6 +320,8 @@ TEST(Gradients, EndTheRunWithAMessage) {
     EXPECT_GT(CountOf(loose.console, "ITERATION ="), CountOf(RunWith(spheres, {}).console, "ITERATION ="));
     EXPECT_TRUE(Contains(loose.listing, "SOLUTION BY CONJUGATE GRADIENTS, MATRIX OUTSIDE WORKING VECTOR"));
     EXPECT_TRUE(Contains(loose.listing, "NWK =        0"));
+    const std::string sheet = ReadFile(ZURT_SOURCE_DIR "/examples/fibrous_sheet/zurt.dat");
+    EXPECT_EQ(RunWith(sheet, {"--solver", "cg", "--tolerance", "1e-300"}).status, 0);
 }
 
 } // namespace

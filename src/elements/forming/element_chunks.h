@@ -82,9 +82,10 @@ void ElementsInTurn(Run& run, const ElementGroup& group, bool sourceStays, const
     const auto computeChunk = [&](Word chunk, int worker) {
         std::unique_ptr<WorkerVisit<Visit>>& own = visits[static_cast<std::size_t>(worker)];
         if (own == nullptr) {
-            own.reset(new WorkerVisit<Visit>{Visit(run, group), {}});
-            begin(own->visit);
-            own->visit.elements.held = &own->held;
+            std::unique_ptr<WorkerVisit<Visit>> begun(new WorkerVisit<Visit>{Visit(run, group), {}});
+            begin(begun->visit);
+            begun->visit.elements.held = &begun->held;
+            own = std::move(begun); // never one that could not begin
         }
         own->held = run.workers.sideBySide ? unknown : held;
         own->visit.elements.material.MATE = 0; // chosen anew, with what is known now

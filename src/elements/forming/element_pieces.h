@@ -95,8 +95,9 @@ void ElementsInPieces(Run& run, const ElementGroup& group, ConstIntTable NEL, bo
     const auto visitOf = [&](int worker, HeldCurveValues& held) -> Visit& {
         std::unique_ptr<Visit>& own = visits[static_cast<std::size_t>(worker)];
         if (own == nullptr) {
-            own = std::make_unique<Visit>(run, group);
-            begin(*own);
+            auto begun = std::make_unique<Visit>(run, group);
+            begin(*begun);
+            own = std::move(begun); // never one that could not begin
         }
         own->elements.held = &held;
         own->elements.material.MATE = 0; // chosen anew, with what is known now

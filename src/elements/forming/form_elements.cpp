@@ -352,7 +352,7 @@ void BeginWorkerVisit(const FormVisit<Family>& begun, WorkerFormVisit<Family, El
 
 // The element that follows goes to this place in the room, from 0.
 template <int Family, Word Elements>
-void TakePlace(WorkerFormVisit<Family, Elements>& visit, std::size_t place) {
+void UseRoom(WorkerFormVisit<Family, Elements>& visit, std::size_t place) {
     const Word length = PackedLength(visit.elements.group.NDMAX);
     visit.formed = &visit.room[place];
     visit.packed = RealArray(visit.matrices.data() + static_cast<Word>(place) * length, length);
@@ -375,11 +375,11 @@ template <int Family> void FormInTurn(const FormVisit<Family>& begun) {
     using Visit = WorkerFormVisit<Family, kChunkElements>;
     const auto begin = [&](Visit& visit) { BeginWorkerVisit(begun, visit); };
     const auto compute = [&](Visit& visit, std::int32_t n, std::size_t place) {
-        TakePlace(visit, place);
+        UseRoom(visit, place);
         FormBeside(visit, n);
     };
     const auto add = [&](Visit& visit, std::int32_t, std::size_t place) {
-        TakePlace(visit, place);
+        UseRoom(visit, place);
         AddFormed(begun.tables.system, visit.packed, *visit.formed);
     };
     ElementsInTurn<Visit>(begun.elements.run, begun.elements.group, begun.tables.source.oneFunction, begin,
@@ -391,7 +391,7 @@ template <int Family> void FormInPieces(const FormVisit<Family>& begun) {
     const SystemTarget& system = begun.tables.system;
     const auto begin = [&](Visit& visit) {
         BeginWorkerVisit(begun, visit);
-        TakePlace(visit, 0);
+        UseRoom(visit, 0);
     };
     const auto form = [](Visit& visit, std::int32_t n) { FormBeside(visit, n); };
     const auto addBeside = [&](Visit& visit, ElementPiece& piece) {

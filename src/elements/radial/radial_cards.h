@@ -1,7 +1,7 @@
 // Cards of the radial fibre family: each element is a fibre, solved along its radius.
 //
-// Lengths are in the mesh's unit, concentrations in the deck's. The group card is always taken by columns, so such
-// decks are fixed format decks. Called through ReadElementGroup.
+// Lengths are in the mesh's unit, concentrations in the deck's. The group card is taken by columns unless all cards
+// are free (ReadImageFields), so such decks are mostly fixed format decks. Called through ReadElementGroup.
 #pragma once
 
 #include "input/card.h"
