@@ -11,6 +11,7 @@ from ..fibres.model import BALLS, LINES, UNITS, Fibres, dimension_of, lengths_of
 from ..fibres.orientation import mean_tensor
 from ..fibres.recipe import CardChoice, read_recipe
 from ..fibres.volume import fraction_as_seen, volume_fraction
+from . import add_version
 
 EXAMPLES = """examples:
   zurt-fibres random fibres.toml                           fibres.cards and fibres.csv from a recipe
@@ -24,6 +25,7 @@ What a recipe holds stands in docs/fibres.md.
 def parse(arguments):
     parser = argparse.ArgumentParser("zurt-fibres", description="Makes or reads sets of straight fibres and writes their cards.",
                                      epilog=EXAMPLES, formatter_class=argparse.RawDescriptionHelpFormatter)
+    add_version(parser)
     commands = parser.add_subparsers(dest="command", required=True, metavar="random | from-csv | from-image")
     make = commands.add_parser("random", help="random fibres by a recipe (TOML)")
     make.add_argument("file", metavar="RECIPE.toml")

@@ -3,9 +3,7 @@ import numpy
 
 from .charts import Curve, line_chart, tidy
 from .fields import header_of
-from .records import Table
-
-MOST_ROWS = 2000
+from .records import MOST_ROWS, Table
 
 
 def gather(run, k, history):
@@ -62,6 +60,8 @@ def _slowest(iterations, marks):
 
 
 def _table(steps, solves, ratio, where):
-    rows = [(str(int(step)), str(int(count)), tidy(value, 2) if numpy.isfinite(value) else "") for step, count, value in zip(steps, solves, ratio)]
-    note = f"The first {MOST_ROWS} of {len(rows)} steps." if len(rows) > MOST_ROWS else ""
-    return Table("Every printed step" if where else "Every step", ["step", "solves", "last increment over largest"], rows[:MOST_ROWS], note, True)
+    shown = slice(0, MOST_ROWS)
+    rows = [(str(int(step)), str(int(count)), tidy(value, 2) if numpy.isfinite(value) else "")
+            for step, count, value in zip(steps[shown], solves[shown], ratio[shown])]
+    note = f"The first {MOST_ROWS} of {len(steps)} steps." if len(steps) > MOST_ROWS else ""
+    return Table("Every printed step" if where else "Every step", ["step", "solves", "last increment over largest"], rows, note, True)

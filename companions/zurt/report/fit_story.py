@@ -81,15 +81,6 @@ def compare_flows(time, fibres, medium):
     return Flows(time, fibres, medium, difference, passed)
 
 
-def fibre_flow(run, direction="X"):
-    """(n,) flow of the model with fibres of a run of the direct calculation, or of a plain run of that model with a history; None without."""
-    for table in run.masses.get(direction, []):
-        if table.flows is not None and "fibres" in table.flows.dtype.names:
-            return table.flows["fibres"]
-    histories = [each for each in run.histories if each is not None]
-    return histories[0].values["inlet"] if histories and "inlet" in histories[0].values.dtype.names else None
-
-
 def fitted_table(run, direction):
     """The MassTable of a fit in a direction, None without."""
     return next((table for table in run.masses.get(direction, []) if table.fitted), None)
