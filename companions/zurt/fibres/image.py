@@ -49,7 +49,7 @@ def read_stack(path):
     import tifffile
     try:
         return numpy.asarray(tifffile.imread(path)).T
-    except (OSError, ValueError, tifffile.TiffFileError) as error:
+    except Exception as error:  # a spoilt file leaves that reader in many ways
         raise ZurtError(f"no TIFF stack: {error}", path) from None
 
 
@@ -68,7 +68,10 @@ def read_vti(path, array):
             spacing = image.GetSpacing()
             if max(spacing) > 1.000001 * min(spacing):
                 raise ZurtError(f"voxels are cubes; their edges here are {spacing}", path)
-            return vtk_to_numpy(data.GetArray(array or names[0])).reshape(size, order="F"), spacing[0]
+            values = data.GetArray(array or names[0])
+            if values is None or values.GetNumberOfComponents() != 1:
+                raise ZurtError(f"array {array or names[0]}: one number for each voxel is needed", path)
+            return vtk_to_numpy(values).reshape(size, order="F"), spacing[0]
     raise ZurtError(f"there is no array {array}" if array else "there is no array in it", path)
 
 
