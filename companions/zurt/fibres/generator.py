@@ -25,7 +25,7 @@ def generate(recipe):
 
 def region_of(recipe):
     box = numpy.array(recipe.box + [0.0] * (3 - len(recipe.box)))
-    period = numpy.where(box > 0.0, box, 1.0) if recipe.periodic else None
+    period = numpy.where(box > 0.0, box, box.max()) if recipe.periodic else None
     return Region(box, period, recipe.gap, recipe.length == "through")
 
 
@@ -175,9 +175,10 @@ def meet_fraction(random, recipe, region, draw):
         fibres = as_fibres(rods, placed, recipe, region)
         reached = volume_fraction(fibres, 12, recipe.seed)
         off = recipe.volume_fraction - reached.value
-        one = float(expected_volume(rods, region).mean())
+        one = float(expected_volume(rods, region).mean()) if len(rods.lengths) else one
         best = min(best, (abs(off), fibres), key=lambda pair: pair[0])
-        if not placed.all() or abs(off) <= max(0.5 * one / box, 2.0 * reached.error):
+        met = abs(off) <= max(0.5 * one / box, 2.0 * reached.error)
+        if met or not placed.all():
             break
         rods = without_expelled(rods, region)
         missing = (wanted - nominal(reached.value, recipe.overlap)) * box
@@ -189,4 +190,6 @@ def meet_fraction(random, recipe, region, draw):
             placed = numpy.ones(keep, bool)
     if best[0] > max(0.02 * recipe.volume_fraction, 1.5 * one / box):
         raise jammed(recipe, best[1], f"a volume fraction of {recipe.volume_fraction:g} can't be reached")
+    if not met:
+        best[1].notes.append(f"the volume fraction that was asked for is {recipe.volume_fraction:g}; this is the nearest that was found")
     return best[1]
