@@ -14,7 +14,7 @@ from example_runs import example_run, example_text
 import zurt
 from zurt.commands import report
 from zurt.report import charts, fields, gather, pictures, render
-from zurt.report.fibre_run import direct_deck
+from zurt.report.fibre_run import direct_deck, single_fit
 from zurt.report.fit_story import compare_flows, read_searches
 
 VOID = {"meta", "img", "br", "line", "polyline", "circle", "polygon"}
@@ -65,9 +65,11 @@ def test_page_of_a_fit_tells_its_story(tmp_path):
 def test_flows_of_both_models():
     flows = compare_flows([1.0, 3.0], [2.0, 1.0], [2.2, 0.9])
     assert flows.difference == pytest.approx([0.1, -0.1]) and flows.passed == pytest.approx(0.0)
-    lines = direct_deck(example_text("homogenization").splitlines(keepends=True))
+    lines = direct_deck(example_text("homogenization").splitlines(keepends=True), "Y")
     header = zurt.results.deck_header.read_deck_header(lines)
     assert header["IDIRECTD"] == 1 and header["NP"] == 754 and header["IGRAF"] == 1000
+    header = zurt.results.deck_header.read_homogenization(single_fit(example_text("homogenization").splitlines(keepends=True), "Z"))
+    assert [header[name] for name in ("NFIT", "INDFITX", "INDFITY", "INDFITZ", "INDDEG", "NFITMAX")] == [1, 0, 0, 1, 3, 40]
 
 
 @pytest.mark.parametrize("name", ["two_problems", "membrane", "line_network", "drug_release"])
@@ -82,15 +84,18 @@ def test_pages_without_pictures(name):
 def test_comparison_and_runs_that_stopped(tmp_path):
     text = example_text("first")
     finer = text.replace("25 25 25 25", "50 50 50 50").replace("0.002 0.002 0.004 0.012", "0.001 0.001 0.002 0.006")
-    zurt.run(finer, tmp_path / "finer")
-    both = [example_run("first").folder, str(tmp_path / "finer")]
+    other = tmp_path / "finer <b> & blanks"  # a name that must not become part of the page
+    zurt.run(finer, other)
+    both = [example_run("first").folder, str(other)]
     assert report.main(["--compare", *both, "--no-pictures", "--output", str(tmp_path / "c.html")]) == 0
     page = Page((tmp_path / "c.html").read_text())
-    assert "+100 %" in page.words and any("root mean square" in words for words in page.words)
+    assert "+100 %" in page.words and any("root mean square" in words for words in page.words) and any(other.name in words for words in page.words)
+    assert "%" not in page.words[page.words.index("Largest balance error") + 3]  # residues
     bad = zurt.run(text.replace("1 0 0 20 ", "1 0 0 x ", 1), tmp_path / "bad", check=False)
     page = Page(render.render_run(gather.gather_run(bad)))
     assert "stopped" in page.words and any("an integer is expected" in words for words in page.words)
-    for arguments in (["--compare", "a"], [], [str(tmp_path / "none")], [str(tmp_path / "finer"), "--console", "none"]):
+    for arguments in (["--compare", "a"], [], [str(tmp_path / "none")], [str(other), "--console", "none"], [str(other), "--solve-fibres"],
+                      ["--compare", *both, "--deck", "none"]):
         with pytest.raises(zurt.ZurtError):
             report.main(arguments)
 
@@ -115,6 +120,41 @@ def test_spoilt_files_are_errors_in_words(tmp_path):
         except zurt.ZurtError as error:
             said += bool(error.message)
     assert 3 < said < 25
+
+
+def test_pages_of_runs_that_were_killed(tmp_path):
+    """Every file as a signal half way may leave it, nothing kept beside; a field without numbers; a fit without a result."""
+    folder = tmp_path / "killed"
+    folder.mkdir()
+    listing = open(example_run("first").files.listing, "rb").read()
+    for share in (0.5, 0.7, 0.9, 0.99):
+        (folder / "zurt.lst").write_bytes(listing[:int(share * len(listing))])
+        page = Page(render.render_run(gather.gather_run(zurt.read(folder))))
+        assert "not complete: the listing has no END OF JOB" in page.words and "Where it stopped" not in page.words
+    run = example_run("first")
+    place = run.graphics[0].places[-1]
+    offset, length = place.datasets["concentration"]
+    text = open(run.files.graphics, "rb").read()
+    lost = re.sub(rb"\n.{13}(?=\n|$)", b"\n          NaN", text[offset:offset + length])
+    (folder / "zurt.unv").write_bytes(text[:offset] + lost + text[offset + length:])
+    page = Page(render.render_run(gather.gather_run(zurt.read(folder))))
+    assert "Nodes without a number" in page.words and "260 of 260" in page.words
+    begun = tmp_path / "begun"
+    shutil.copytree(example_run("homogenization").folder, begun, ignore=shutil.ignore_patterns("fibres", "*.pvd", "*.vt?", "run.json"))
+    (begun / "MASS-X.LST").write_text("")
+    (begun / "console.txt").write_text("".join(open(begun / "console.txt").readlines()[:60]))
+    page = Page(render.render_run(gather.gather_run(zurt.read(begun), False)))
+    assert "not ended" in page.words and any(words.startswith("Search for the diffusion curve") for words in page.words)
+
+
+def test_peaks_of_long_curves_are_drawn():
+    values = numpy.zeros(100_000)
+    values[[12_345, 67_890]] = 1.0, -2.0
+    values[50_000] = numpy.nan
+    kept = charts._telling_points(values)
+    assert {0, 12_345, 67_890, 99_999} <= set(kept) and len(kept) < 600
+    chart = charts.line_chart("a", [charts.Curve("b", numpy.arange(4.0), numpy.array([1e-320, 1e300, numpy.inf, 5.0]))], "x", "y", True)
+    assert "nan" not in chart.svg and "inf" not in chart.svg
 
 
 def test_profile_of_a_known_field():

@@ -122,9 +122,13 @@ def test_numbers_that_are_hard_to_read(tmp_path):
     with pytest.raises(zurt.ZurtError):
         parse_numbers(b"1.0 two")
     short = tmp_path / "zurt-history.csv"
-    short.write_text("step [1],time [time],iterations [1],ratio [1]\n1,0.5,1,\n2,1.0,3,1e-9\n3,1.")
+    short.write_text("step [1],time [time],iterations [1],ratio [1]\n1,0.5,1,\n2,1.0,3,1e-9\n3,1.5,2,1e-1")
     history = tables.read_history(str(short))
     assert len(history.values) == 2 and numpy.isnan(history.values["ratio"][0]) and history.units["time"] == "time"
+    short.write_text("step [1],time [time],iterations [1],ratio [1]\n1,0.5,1,\n2,1.0,x,1e-9\n")
+    with pytest.raises(zurt.ZurtError, match="column iterations.*not x") as caught:
+        tables.read_history(str(short))
+    assert caught.value.line == 3
     with pytest.raises(zurt.ZurtError, match="line|folder|listing"):
         zurt.read(str(tmp_path))
     assert os.path.basename(zurt.read(example_run("first").folder).files.listing) == "zurt.lst"
