@@ -85,8 +85,6 @@ def test_what_a_folder_holds_is_kept(tmp_path):
     assert zurt.read(tmp_path / "ring" / "other.lst").status is None and zurt.read(run.files.listing).status == 0
     with pytest.raises(zurt.ZurtError, match="Latin-1"):
         zurt.run(example_text("ring").replace("C ", "C \u2212 ", 1), tmp_path / "signs")
-        with pytest.raises(zurt.ZurtError, match=words):
-            zurt.run(text, tmp_path / "signs")
     with pytest.raises(zurt.ZurtError, match="no problem 3: there are 1"):
         run.graphics_step(problem=3)
 

@@ -147,8 +147,8 @@ def test_cut_lognormal_fibres(tmp_path, capsys, monkeypatch):
     command.main(["from-csv", str(tmp_path / "made.csv"), "--box", "1", "1", "1", "-o", str(tmp_path / "again")])
     assert (tmp_path / "again.cards").read_text() == (tmp_path / "made.cards").read_text()
     monkeypatch.setattr(placement, "MANY", 0)  # the search of large sets finds the same pairs, also in parts
-    monkeypatch.setattr(geometry, "AT_ONCE", 7)
-    monkeypatch.setattr(placement, "AT_ONCE", 7)
+    monkeypatch.setattr(geometry, "AT_ONCE", 1000)
+    monkeypatch.setattr(placement, "AT_ONCE", 1000)
     make(tmp_path, text, "kept")
     assert (tmp_path / "kept.cards").read_text() == (tmp_path / "made.cards").read_text()
 

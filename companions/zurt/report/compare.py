@@ -84,7 +84,8 @@ def _figures(runs, names, histories, lasts, k):
         differences = [_difference(label, first, value, rounding if label.startswith(FLOW) else 0.0) for value in values[1:]]
         rows.append([label, *[tidy(value, 6) if value is not None else "" for value in values], *differences])
     heads = ["", *names, *([f"{name}, difference" for name in names[1:]] if len(names) > 2 else ["difference"])]
-    return Table("Figures", heads, rows, f"Differences are those to the first run, in per cent of it. {RESIDUE}: residues, whose difference is stated as it is.")
+    note = f"Differences are those to the first run, in per cent of it. {RESIDUE}: residues, whose difference is stated as it is."
+    return Table("Figures", heads, rows, note)
 
 
 def _difference(label, first, value, rounding):

@@ -25,7 +25,8 @@ def gather(run, beside=None):
 
 def _begun(direction, searches):
     """A direction whose fit has written no result: the run was ended, or has not ended yet."""
-    page = FitPage(f"The fit along {direction.lower()}", [Headline(f"The fit along {direction.lower()}", "not ended", "no parameters are in its mass file")])
+    title = f"The fit along {direction.lower()}"
+    page = FitPage(title, [Headline(title, "not ended", "no parameters are in its mass file")])
     _add_searches(page, searches)
     return page
 
@@ -123,16 +124,16 @@ def _add_flows(page, run, direction, beside, alike):
                               "and shows how far each step's flow differs; --fibres RUN takes a run that is there.")
     if of_medium is not None:
         times, medium = of_medium
-        place = "time" if times is not None else "step"
+        place = "time" if times is not None and numpy.any(times) else "step"
         flows = compare_flows(times, medium if reference is None else reference, medium)
         if reference is None:
             page.charts.append(line_chart("Flow through the inlet section", [Curve("fitted medium", flows.time, flows.medium, "both")], place,
                                           "amount per time"))
         else:
-            _compare(page, flows, place, alike, len(reference))
+            _compare(page, axis, flows, place, alike, len(reference))
 
 
-def _compare(page, flows, place, alike, steps):
+def _compare(page, axis, flows, place, alike, steps):
     both = [Curve("model with fibres", flows.time, flows.fibres, "both"), Curve("fitted medium", flows.time, flows.medium, "dashed")]
     difference = Curve("medium over fibres, less one", flows.time, 100.0 * flows.difference, "both", None, 2)
     page.charts.append(line_chart("Flow through the inlet section", both, place, "amount per time", whole_x=place == "step"))
@@ -143,7 +144,7 @@ def _compare(page, flows, place, alike, steps):
         return
     count = len(flows.time)
     over = "all steps" if count == steps else f"the first {count} of {steps} steps"
-    page.headlines.append(Headline("Mass of the medium", _percent(flows.passed), f"against the model with fibres, {over}"))
+    page.headlines.append(Headline(f"Mass along {axis}", _percent(flows.passed), f"of the medium against the model with fibres, {over}"))
     page.sentences.append(f"Over {over} the medium passes {abs(100.0 * flows.passed):.3f} % {'more' if flows.passed > 0 else 'less'} than the "
                           f"model with fibres; single steps differ by up to {100.0 * numpy.max(numpy.abs(known)):.2f} %.")
 

@@ -10,8 +10,8 @@ import h5py
 import numpy
 
 # Of each kind of element: its name, and its number in a list of several kinds, behind which points and lines have their count of nodes.
-SHAPES = {"vertex": ("Polyvertex", 1), "line": ("Polyline", 2), "line3": ("Edge_3", 0x22), "quad": ("Quadrilateral", 5), "quad8": ("Quadrilateral_8", 0x25),
-          "hexahedron": ("Hexahedron", 9), "hexahedron20": ("Hexahedron_20", 0x30)}
+SHAPES = {"vertex": ("Polyvertex", 1), "line": ("Polyline", 2), "line3": ("Edge_3", 0x22), "quad": ("Quadrilateral", 5),
+          "quad8": ("Quadrilateral_8", 0x25), "hexahedron": ("Hexahedron", 9), "hexahedron20": ("Hexahedron_20", 0x30)}
 COUNTED = ("vertex", "line")
 TYPES = {"f": "Float", "i": "Int"}
 
