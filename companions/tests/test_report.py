@@ -7,12 +7,13 @@ import subprocess
 from html import escape
 from html.parser import HTMLParser
 
+import meshio
 import numpy
 import pytest
 from example_runs import example_run, example_text
 
 import zurt
-from zurt.commands import report
+from zurt.commands import deck, report
 from zurt.report import charts, fields, gather, pictures, render
 from zurt.report.fibre_run import direct_deck, single_fit
 from zurt.report.fit_story import compare_flows, read_searches
@@ -60,6 +61,50 @@ def test_page_of_a_fit_tells_its_story(tmp_path):
     curve = read_searches(run)[0]
     assert curve.values[-1] == pytest.approx(fitted["D1D"], rel=1e-4)
     assert (curve.brackets[-1].min() <= curve.values[-1]) and (curve.brackets[-1].max() >= curve.values[-1])
+
+
+TWO_DIRECTIONS = """
+title = "Two directions"
+units.length = "um"
+device = { mode = 3, nanochannel = 3, length = 1.0, depth = 1.0, width = 0.25 }
+material = [{ name = "fluid", diffusion = [[0.0, 1.0], [10.0, 1.0]] }]
+group = [{ gauss = 2, part = [{ mesh = ["left", "below", "cell"], material = "fluid" }] }]
+initial.group = [{ group = "left", value = 1.0 }, { group = "below", value = 0.7 }]
+time = { steps = 6, size = 0.05 }
+iteration = { largest = 40, relative = 1e-8, absolute = 1e-8 }
+homogenization = { medium = true, fit = true, directions = ["x", "y"], fit_curve = true, fit_distance = true }
+[[fibre_set]]
+diameter = 0.5
+length = 0.25
+wall_cut = 0.5
+points = [[0.5, 0.5, 0.0], [0.5, 0.5, 0.25]]
+diameters = [0.5]
+table = { distances = ["0.1 nm", "100 nm", "300 nm"], concentrations = [1.0], factors = [[0.3], [0.7], [1.0]] }
+"""
+
+
+def test_page_of_a_fit_of_two_directions(tmp_path):
+    """The flows along each direction are those of its own run: masses agree to the tolerance of the fit, 1e-4, along both."""
+    n, h = 12, 0.25
+    k, j, i = (each.ravel() for each in numpy.indices((1, n, n)))
+    node = lambda a, b, c: ((k + c) * (n + 1) + j + b) * (n + 1) + i + a
+    cells = numpy.column_stack([node(a, b, c) for c in (0, 1) for a, b in ((0, 0), (1, 0), (1, 1), (0, 1))])
+    points = numpy.array([(-1 + h * x, -1 + h * y, h * z) for z in range(2) for y in range(n + 1) for x in range(n + 1)])
+    tags = numpy.where(i < 4, 1, numpy.where(j < 4, 2, 3))
+    names = {name: numpy.array([tag, 3]) for tag, name in enumerate(("left", "below", "cell"), 1)}
+    meshio.write(tmp_path / "box.msh", meshio.Mesh(points, [("hexahedron", cells)], field_data=names,
+                                                   cell_data={"gmsh:physical": [tags], "gmsh:geometrical": [tags]}), "gmsh22", binary=False)
+    (tmp_path / "fit.toml").write_text(TWO_DIRECTIONS)
+    assert deck.main([str(tmp_path / "box.msh"), str(tmp_path / "fit.toml"), "-o", str(tmp_path / "fit.dat")]) == 0
+    run = zurt.run(tmp_path / "fit.dat", tmp_path / "out")
+    assert report.main([run.folder, "--solve-fibres", "--no-pictures"]) == 0
+    page = Page((tmp_path / "out" / "report.html").read_text())
+    for axis in "xy":
+        share = page.words[page.words.index(f"Mass along {axis}") + 1]
+        assert abs(float(share.split()[0].replace("−", "-"))) <= 0.011 and run.masses[axis.upper()][0].fitted["D1D"] < 1.0
+    assert page.words.count("Flows of both models") == 2 and (tmp_path / "out" / "fibres-y").is_dir()
+    before = os.path.getmtime(tmp_path / "out" / "medium-x" / "zurt.lst")
+    assert report.main([run.folder, "--solve-fibres", "--no-pictures"]) == 0 and os.path.getmtime(tmp_path / "out" / "medium-x" / "zurt.lst") == before
 
 
 def test_flows_of_both_models():
