@@ -10,7 +10,7 @@ import numpy
 from scipy.spatial import cKDTree
 
 MOST_PIECES = 4_000_000
-AT_ONCE = 1 << 20  # pairs of pieces, of which many mean the same pair of segments
+AT_ONCE = 1 << 18  # pairs of pieces, of which many mean the same pair of segments
 
 
 def clip_to_box(starts, ends, low, high):
