@@ -98,21 +98,20 @@ def unique_pairs(first, second, shifts):
     """Pairs without repetition: (first, second, shifts (m, 3) in whole periods), by rising second, then first."""
     if len(first) == 0:
         return first, second, shifts
-    code = shifts.astype(numpy.int64)
-    most = int(numpy.abs(code).max())
+    most = int(numpy.abs(shifts).max())
     key = second.astype(numpy.int64) * (int(first.max()) + 1) + first
     for axis in range(3):
-        key = key * (2 * most + 1) + code[:, axis] + most
+        key = key * (2 * most + 1) + (shifts[:, axis].astype(numpy.int64) + most)
     rows = numpy.unique(key, return_index=True)[1]
     return first[rows], second[rows], shifts[rows]
 
 
 def shifts_between(a, b, period):
-    """(m, 3) whole periods that bring points b next to points a."""
+    """(m, 3) whole periods, short integers, that bring points b next to points a."""
     if period is None:
-        return numpy.zeros((len(a), 3))
+        return numpy.zeros((len(a), 3), numpy.int16)
     counted = numpy.where(period > 0.0, period, 1.0)
-    return numpy.where(period > 0.0, numpy.round((a - b) / counted), 0.0)
+    return numpy.where(period > 0.0, numpy.round((a - b) / counted), 0.0).astype(numpy.int16)
 
 
 def owners_of_pairs(first, second, pairs, period):
@@ -121,14 +120,15 @@ def owners_of_pairs(first, second, pairs, period):
     parts = []
     for begin in range(0, len(pairs[0]), AT_ONCE):
         i, j = (part[begin:begin + AT_ONCE] for part in pairs)
-        parts.append(unique_pairs(first[1][i], second[1][j], shifts_between(first[0][i], second[0][j], period)))
+        owners = first[1][i].astype(numpy.int32), second[1][j].astype(numpy.int32)
+        parts.append(unique_pairs(*owners, shifts_between(first[0][i], second[0][j], period)))
     return joined_pairs(parts)
 
 
 def joined_pairs(parts):
     """Pairs of several lists without repetition."""
     if not parts:
-        return numpy.zeros(0, int), numpy.zeros(0, int), numpy.zeros((0, 3))
+        return numpy.zeros(0, numpy.int32), numpy.zeros(0, numpy.int32), numpy.zeros((0, 3), numpy.int16)
     return parts[0] if len(parts) == 1 else unique_pairs(*(numpy.concatenate(each) for each in zip(*parts)))
 
 
@@ -187,6 +187,6 @@ def find_close_pairs(finder, rows, starts, ends, reach, period):
     near = tree_of(mine[0], period).sparse_distance_matrix(finder.tree, reach + finder.spacing + finder.slack, output_type="ndarray")
     stay = finder.travelled[finder.pieces[1][near["j"]]] <= finder.slack
     found = owners_of_pairs(mine, finder.pieces, (near["i"][stay], near["j"][stay]), period)
-    gone = numpy.flatnonzero(finder.travelled > finder.slack)
+    gone = numpy.flatnonzero(finder.travelled > finder.slack).astype(numpy.int32)
     first, second, shifts = close_pairs_of_two(starts[rows], ends[rows], starts[gone], ends[gone], reach, period)
     return joined_pairs([found, (first, gone[second], shifts)])
