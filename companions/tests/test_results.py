@@ -110,9 +110,13 @@ def test_tables_of_a_direct_calculation_along_y(tmp_path):
 
 
 def test_console_of_a_search_without_a_result():
+    small = [" ITERATIONS FOR STEP:       340 /   1200", " ITERATION =  0: INCREMENT      =   9.0510E-11  NORM     =   1.2991E+01",
+             "   ICR/ICREMSTEP  =  1.0000E-10  ICR/NORM =   0.0000E+00"]  # which runs of the fit say, too, where hardly anything changes
     lines = [" Homogenization for Difusion Y", " running FIB model - without SF", " running EHM model - Calculation of D-C curve...",
-             "    1   0.100000E+01", "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!"]
-    [search] = parse_console(lines).searches
+             "    1   0.100000E+01", *small, "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!", *small]
+    console = parse_console(lines)
+    [search] = console.searches
+    assert [len(rows) for rows in console.passes] == [1] and parse_console(lines[:-3]).passes == []
     assert (search.direction, search.errors, search.finished) == ("Y", [1.0, 0.216979], False)
 
 

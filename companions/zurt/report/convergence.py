@@ -1,6 +1,7 @@
 """How each step converged: from the table of balances, else from the console, else from the listing, which has the printed steps alone."""
 import numpy
 
+from ..results.listing import ITERATION
 from .charts import Curve, line_chart, tidy
 from .fields import header_of
 from .records import MOST_ROWS, Table
@@ -31,6 +32,8 @@ def gather(run, k, history):
 def _iterations(run, k):
     """Rows of every iteration, and where they are from. The console has all steps; it is one text of all problems and passes."""
     console = run.console
+    if console is not None and console.searches and not console.passes:
+        return numpy.zeros(0, ITERATION), "console"  # a fit that has not come to the run that writes results
     if console is not None and len(run.listing.problems) == 1 and console.passes:
         return console.passes[-1], "console"
     return run.listing.problems[k].iterations, "listing"

@@ -27,13 +27,13 @@ def _begun(direction, searches):
     """A direction whose fit has written no result: the run was ended, or has not ended yet."""
     title = f"The fit along {direction.lower()}"
     page = FitPage(title, [Headline(title, "not ended", "no parameters are in its mass file")])
-    _add_searches(page, searches)
+    _add_searches(page, searches, False)
     return page
 
 
-def _add_searches(page, searches):
+def _add_searches(page, searches, ended):
     for search in searches:
-        page.sentences.append(_sentence(search))
+        page.sentences.append(_sentence(search, ended))
         page.charts += _search_charts(search)
         page.tables.append(_search_table(search))
 
@@ -45,7 +45,7 @@ def _fit(run, direction, table, searches, beside):
     ends = "D1D = D2D of the medium" if same else "D1D to D2D of the medium"
     page = FitPage(f"The fit along {axis}", [_found(f"Coefficient along {axis}", curve, ends, "D1D", searches),
                                              _found(f"HEQ along {axis}", tidy(found["HEQ"], 5), "wall distance", "HEQ", searches)])
-    _add_searches(page, searches)
+    _add_searches(page, searches, True)
     if not searches:
         page.sentences.append("The runs of the fit stand on the console alone, which was not kept: zurt.run keeps it, and so does "
                               "zurt --progress progress.txt ... > console.txt in the run's folder.")
@@ -72,11 +72,11 @@ def _found(label, value, words, key, searches):
     return Headline(label, value, words + (", not fitted" if searches and search is None else ""))
 
 
-def _sentence(search):
+def _sentence(search, ended):
     count = _count(search)
     factors = "with correction factors" if "without" not in search.fibres else "without correction factors"
     end = f", the last within {tidy(abs(search.errors[-1]), 2)} of its mass" if len(search.errors) else ""
-    state = "" if search.finished else " It ended without a result: see the notes below."
+    state = "" if search.finished else " It came to no result" + (": see the notes below." if ended else ".")
     return f"Search for the {search.parameter}: {count} runs of the medium against the model with fibres {factors}{end}.{state}"
 
 

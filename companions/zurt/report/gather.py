@@ -205,6 +205,8 @@ def _status(run):
         return "stopped", f"ended by signal {-run.status}"
     if run.status is not None:
         return "stopped", "stopped"
+    if run.notes and any(line.startswith("zurt: interrupted") for line in run.notes):
+        return "stopped", "interrupted"
     problems = run.listing.problems
     if problems and problems[-1].complete:
         return "finished", "finished"
