@@ -184,6 +184,7 @@ def test_faults(tmp_path, monkeypatch):
                             (("diameter", "diametre"), "did you mean diameter"), (("0.1]", "0.5]"), "trace 1"),
                             (("seed = 7", "seed = -7"), "seed"), (("length = 0.8", 'length = "through"'), "periodic"),
                             (("orientation.eigenvalues", "orientation"), "a table with keys"), (("seed = 7", "seed = 7\ncards = 3"), "a table with keys"),
+                            (("volume_fraction = 0.12", "volume_fraction = 1e-9"), "less than half a fibre"),
                             (("seed = 7", "cards.correction = {distances = [2, 1], concentrations = [1], factors = [[1], [1]]}"), "above the one before")):
         with pytest.raises(ZurtError, match=message):
             make(tmp_path, PERIODIC.replace(*change).replace("diameter = 0.08", "diameter = 0.16"))
