@@ -1,7 +1,8 @@
-"""Graphics files as VTU: what comes out is held against the program's own VTU of the same run, read by meshio and by VTK."""
+"""Graphics files as VTU and XDMF: what comes out is held against the program's own VTU of the same run, read by meshio and by VTK."""
 import os
 import subprocess
 
+import h5py
 import meshio
 import numpy
 import pytest
@@ -66,6 +67,15 @@ def test_equals_the_programs_own_files(tmp_path, example, cells):
             assert name not in a.point_data or same(by_node(a, name), by_node(b, name))
         assert numpy.isclose(a.field_data["TimeValue"][0], b.field_data["TimeValue"][0], rtol=DIGITS)
         assert numpy.allclose(cell_sizes(str(tmp_path / "made" / mine)), cell_sizes(str(tmp_path / "own" / theirs)), rtol=1.0e-3)
+    convert.main(["--xdmf", "-o", str(tmp_path / "made"), str(tmp_path / "own" / "zurt.unv")])
+    with meshio.xdmf.TimeSeriesReader(tmp_path / "made" / "zurt.xdmf") as series:
+        points, blocks = series.read_points_cells()
+        steps = [series.read_data(k) for k in range(series.num_steps)]
+    assert (points == a.points).all() and meshio.Mesh(points, blocks).cells_dict.keys() == a.cells_dict.keys()
+    assert all((rows == a.cells_dict[kind]).all() for kind, rows in meshio.Mesh(points, blocks).cells_dict.items())
+    assert len(steps) == len(made) and steps[-1][0] == a.field_data["TimeValue"][0] and steps[-1][1].keys() == a.point_data.keys()
+    assert all(numpy.array_equal(values, a.point_data[name], equal_nan=True) for name, values in steps[-1][1].items())
+    assert all(numpy.array_equal(numpy.concatenate(values), numpy.concatenate(a.cell_data[name])) for name, values in steps[-1][2].items())
 
 
 def test_problems_fibres_and_damaged_files(tmp_path):
@@ -105,3 +115,9 @@ def test_elements_with_middles(tmp_path):
     assert {kind: len(rows) for kind, rows in mesh.cells_dict.items()} == {"quad8": 1, "line3": 1, "line": 1}
     assert mesh.cells_dict["quad8"].tolist() == [[0, 2, 4, 6, 1, 3, 5, 7]] and mesh.cells_dict["line3"].tolist() == [[0, 2, 1]]
     assert numpy.allclose(cell_sizes(str(tmp_path / "sheet-mesh.vtu")), [6.0, 8.0, 0.0])
+    convert.main(["--xdmf", "-o", str(tmp_path), str(graphics)])
+    with h5py.File(tmp_path / "sheet-mesh.h5") as store:  # kinds by their numbers in XDMF, the count of a line's nodes behind its own
+        assert store["mesh/cells"][()].tolist() == [0x25, 0, 2, 4, 6, 1, 3, 5, 7, 0x22, 0, 2, 1, 2, 2, 2, 4]
+    for options, message in ((["-o", str(tmp_path)], "--force"), (["--xdmf", "-o", str(tmp_path)], "--force"), ([str(graphics)], "have the names")):
+        with pytest.raises(ZurtError, match=message):
+            convert.main([*options, str(graphics)])

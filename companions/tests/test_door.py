@@ -6,6 +6,7 @@ import pytest
 from example_runs import example_run, example_text
 
 import zurt
+from zurt.commands import convert, deck, fibres, report
 
 
 def test_errors_name_file_and_line(tmp_path):
@@ -67,3 +68,29 @@ def test_study(tmp_path):
         study.column("heq")
     with pytest.raises(zurt.ZurtError, match="grid"):
         zurt.study(deck)
+
+
+def test_what_a_folder_holds_is_kept(tmp_path):
+    """Console and notes that a shell kept of a run; results of another deck in the folder; results that a new run does not write."""
+    folder = tmp_path / "shell"
+    folder.mkdir()
+    for name, text in (("zurt.lst", "a listing"), ("console.txt", "iterations"), ("zurt.dat", "the deck of this run")):
+        (folder / name).write_text(text)
+    with pytest.raises(zurt.ZurtError, match="force=True"):
+        zurt.run(example_text("ring"), folder)
+    assert (folder / "console.txt").read_text() == "iterations" and (folder / "zurt.dat").read_text() == "the deck of this run"
+    run = zurt.run(example_text("ring"), tmp_path / "ring", vtu=True)
+    assert run.series and zurt.run(example_text("ring"), tmp_path / "ring", force=True).files.series == []
+    (tmp_path / "ring" / "other.lst").write_bytes(open(run.files.listing, "rb").read())
+    assert zurt.read(tmp_path / "ring" / "other.lst").status is None and zurt.read(run.files.listing).status == 0
+    with pytest.raises(zurt.ZurtError, match="Latin-1"):
+        zurt.run(example_text("ring").replace("C ", "C \u2212 ", 1), tmp_path / "signs")
+    with pytest.raises(zurt.ZurtError, match="no problem 3: there are 1"):
+        run.graphics_step(problem=3)
+
+
+def test_all_programs_say_their_version(capsys):
+    for program in (convert, deck, fibres, report):
+        with pytest.raises(SystemExit):
+            program.main(["--version"])
+        assert capsys.readouterr().out == f"zurt-{program.__name__.split('.')[-1]} {zurt.__version__}\n"

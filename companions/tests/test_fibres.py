@@ -10,7 +10,7 @@ from vtk.util.numpy_support import numpy_to_vtk
 
 from zurt.commands import fibres as command
 from zurt.errors import ZurtError
-from zurt.fibres import orientation, placement, volume
+from zurt.fibres import geometry, orientation, placement, volume
 from zurt.fibres.model import BALLS, LINES, Fibres
 from zurt.fibres.recipe import read_recipe
 from zurt.fibres.table_file import read_table
@@ -137,15 +137,20 @@ def test_periodic_hard_core(tmp_path, capsys):
     assert porosity(tmp_path, (tmp_path / "free.cards").read_text(), free=True) == porosity(tmp_path, cards)
 
 
-def test_cut_lognormal_fibres(tmp_path, capsys):
-    fibres = make(tmp_path, 'box = [1.0, 1.0, 1.0]\nlength = "through"\nvolume_fraction = 0.1\n[diameter]\ndistribution = "lognormal"\n'
-                            "mean = 0.09\ndeviation = 0.03\n")
+def test_cut_lognormal_fibres(tmp_path, capsys, monkeypatch):
+    text = ('box = [1.0, 1.0, 1.0]\nlength = "through"\nvolume_fraction = 0.1\n[diameter]\ndistribution = "lognormal"\nmean = 0.09\ndeviation = 0.03\n')
+    fibres = make(tmp_path, text)
     reached, seen, _ = printed(capsys)
     assert abs(reached - 0.1) < 0.005 and seen < reached
     assert abs(1.0 - porosity(tmp_path, (tmp_path / "made.cards").read_text()) - seen) < 0.003
     assert 0.07 < fibres.diameters.mean() < 0.11 and len(numpy.unique(fibres.diameters)) == 8
     command.main(["from-csv", str(tmp_path / "made.csv"), "--box", "1", "1", "1", "-o", str(tmp_path / "again")])
     assert (tmp_path / "again.cards").read_text() == (tmp_path / "made.cards").read_text()
+    monkeypatch.setattr(placement, "MANY", 0)  # the search of large sets finds the same pairs, also in parts
+    monkeypatch.setattr(geometry, "AT_ONCE", 1000)
+    monkeypatch.setattr(placement, "AT_ONCE", 1000)
+    make(tmp_path, text, "kept")
+    assert (tmp_path / "kept.cards").read_text() == (tmp_path / "made.cards").read_text()
 
 
 def test_overlapping_and_margin(tmp_path, capsys):
@@ -164,11 +169,23 @@ def test_circles_in_the_plane(tmp_path, capsys):
     assert abs(1.0 - porosity(tmp_path, (tmp_path / "made.cards").read_text(), plane=True, n=50) - seen) < 0.004
 
 
+def test_periodic_fibres_that_meet_themselves(tmp_path, capsys):
+    """As long as the box and along it they go on without end; longer ones would fill some places twice."""
+    text = PERIODIC.replace("0.6, 0.3, 0.1", "1.0, 0.0, 0.0").replace("volume_fraction = 0.12", "number = 9")
+    make(tmp_path, text.replace("length = 0.8", "length = 1.0"))
+    assert abs(printed(capsys)[0] - 9 * numpy.pi * 0.0016) < 1.0e-5
+    with pytest.raises(ZurtError, match="9 fibres do not fit without overlap: 0 fibres"):
+        make(tmp_path, text.replace("length = 0.8", "length = 1.3"))
+
+
 def test_faults(tmp_path, monkeypatch):
     monkeypatch.setattr(placement, "SWEEPS", 30)
     for change, message in ((("volume_fraction = 0.12", "volume_fraction = 0.6"), r"can't be reached without overlap: \d+ fibres"),
                             (("diameter", "diametre"), "did you mean diameter"), (("0.1]", "0.5]"), "trace 1"),
-                            (("seed = 7", "seed = -7"), "seed"), (("length = 0.8", 'length = "through"'), "periodic")):
+                            (("seed = 7", "seed = -7"), "seed"), (("length = 0.8", 'length = "through"'), "periodic"),
+                            (("orientation.eigenvalues", "orientation"), "a table with keys"), (("seed = 7", "seed = 7\ncards = 3"), "a table with keys"),
+                            (("volume_fraction = 0.12", "volume_fraction = 1e-9"), "less than half a fibre"),
+                            (("seed = 7", "cards.correction = {distances = [2, 1], concentrations = [1], factors = [[1], [1]]}"), "above the one before")):
         with pytest.raises(ZurtError, match=message):
             make(tmp_path, PERIODIC.replace(*change).replace("diameter = 0.08", "diameter = 0.16"))
     with pytest.raises(ZurtError, match="volume_fraction or number"):

@@ -7,14 +7,15 @@ import subprocess
 from html import escape
 from html.parser import HTMLParser
 
+import meshio
 import numpy
 import pytest
 from example_runs import example_run, example_text
 
 import zurt
-from zurt.commands import report
+from zurt.commands import deck, report
 from zurt.report import charts, fields, gather, pictures, render
-from zurt.report.fibre_run import direct_deck
+from zurt.report.fibre_run import direct_deck, single_fit
 from zurt.report.fit_story import compare_flows, read_searches
 
 VOID = {"meta", "img", "br", "line", "polyline", "circle", "polygon"}
@@ -62,12 +63,58 @@ def test_page_of_a_fit_tells_its_story(tmp_path):
     assert (curve.brackets[-1].min() <= curve.values[-1]) and (curve.brackets[-1].max() >= curve.values[-1])
 
 
+TWO_DIRECTIONS = """
+title = "Two directions"
+units.length = "um"
+device = { mode = 3, nanochannel = 3, length = 1.0, depth = 1.0, width = 0.25 }
+material = [{ name = "fluid", diffusion = [[0.0, 1.0], [10.0, 1.0]] }]
+group = [{ gauss = 2, part = [{ mesh = ["left", "below", "cell"], material = "fluid" }] }]
+initial.group = [{ group = "left", value = 1.0 }, { group = "below", value = 0.7 }]
+time = { steps = 6, size = 0.05 }
+iteration = { largest = 40, relative = 1e-8, absolute = 1e-8 }
+homogenization = { medium = true, fit = true, directions = ["x", "y"], fit_curve = true, fit_distance = true }
+[[fibre_set]]
+diameter = 0.5
+length = 0.25
+wall_cut = 0.5
+points = [[0.5, 0.5, 0.0], [0.5, 0.5, 0.25]]
+diameters = [0.5]
+table = { distances = ["0.1 nm", "100 nm", "300 nm"], concentrations = [1.0], factors = [[0.3], [0.7], [1.0]] }
+"""
+
+
+def test_page_of_a_fit_of_two_directions(tmp_path):
+    """The flows along each direction are those of its own run: masses agree to the tolerance of the fit, 1e-4, along both."""
+    n, h = 12, 0.25
+    k, j, i = (each.ravel() for each in numpy.indices((1, n, n)))
+    node = lambda a, b, c: ((k + c) * (n + 1) + j + b) * (n + 1) + i + a
+    cells = numpy.column_stack([node(a, b, c) for c in (0, 1) for a, b in ((0, 0), (1, 0), (1, 1), (0, 1))])
+    points = numpy.array([(-1 + h * x, -1 + h * y, h * z) for z in range(2) for y in range(n + 1) for x in range(n + 1)])
+    tags = numpy.where(i < 4, 1, numpy.where(j < 4, 2, 3))
+    names = {name: numpy.array([tag, 3]) for tag, name in enumerate(("left", "below", "cell"), 1)}
+    meshio.write(tmp_path / "box.msh", meshio.Mesh(points, [("hexahedron", cells)], field_data=names,
+                                                   cell_data={"gmsh:physical": [tags], "gmsh:geometrical": [tags]}), "gmsh22", binary=False)
+    (tmp_path / "fit.toml").write_text(TWO_DIRECTIONS)
+    assert deck.main([str(tmp_path / "box.msh"), str(tmp_path / "fit.toml"), "-o", str(tmp_path / "fit.dat")]) == 0
+    run = zurt.run(tmp_path / "fit.dat", tmp_path / "out")
+    assert report.main([run.folder, "--solve-fibres", "--no-pictures"]) == 0
+    page = Page((tmp_path / "out" / "report.html").read_text())
+    for axis in "xy":
+        share = page.words[page.words.index(f"Mass along {axis}") + 1]
+        assert abs(float(share.split()[0].replace("−", "-"))) <= 0.011 and run.masses[axis.upper()][0].fitted["D1D"] < 1.0
+    assert page.words.count("Flows of both models") == 2 and (tmp_path / "out" / "fibres-y").is_dir()
+    before = os.path.getmtime(tmp_path / "out" / "medium-x" / "zurt.lst")
+    assert report.main([run.folder, "--solve-fibres", "--no-pictures"]) == 0 and os.path.getmtime(tmp_path / "out" / "medium-x" / "zurt.lst") == before
+
+
 def test_flows_of_both_models():
     flows = compare_flows([1.0, 3.0], [2.0, 1.0], [2.2, 0.9])
     assert flows.difference == pytest.approx([0.1, -0.1]) and flows.passed == pytest.approx(0.0)
-    lines = direct_deck(example_text("homogenization").splitlines(keepends=True))
+    lines = direct_deck(example_text("homogenization").splitlines(keepends=True), "Y")
     header = zurt.results.deck_header.read_deck_header(lines)
     assert header["IDIRECTD"] == 1 and header["NP"] == 754 and header["IGRAF"] == 1000
+    header = zurt.results.deck_header.read_homogenization(single_fit(example_text("homogenization").splitlines(keepends=True), "Z"))
+    assert [header[name] for name in ("NFIT", "INDFITX", "INDFITY", "INDFITZ", "INDDEG", "NFITMAX")] == [1, 0, 0, 1, 3, 40]
 
 
 @pytest.mark.parametrize("name", ["two_problems", "membrane", "line_network", "drug_release"])
@@ -82,15 +129,18 @@ def test_pages_without_pictures(name):
 def test_comparison_and_runs_that_stopped(tmp_path):
     text = example_text("first")
     finer = text.replace("25 25 25 25", "50 50 50 50").replace("0.002 0.002 0.004 0.012", "0.001 0.001 0.002 0.006")
-    zurt.run(finer, tmp_path / "finer")
-    both = [example_run("first").folder, str(tmp_path / "finer")]
+    other = tmp_path / "finer <b> & blanks"  # a name that must not become part of the page
+    zurt.run(finer, other)
+    both = [example_run("first").folder, str(other)]
     assert report.main(["--compare", *both, "--no-pictures", "--output", str(tmp_path / "c.html")]) == 0
     page = Page((tmp_path / "c.html").read_text())
-    assert "+100 %" in page.words and any("root mean square" in words for words in page.words)
+    assert "+100 %" in page.words and any("root mean square" in words for words in page.words) and any(other.name in words for words in page.words)
+    assert "%" not in page.words[page.words.index("Largest balance error") + 3]  # residues
     bad = zurt.run(text.replace("1 0 0 20 ", "1 0 0 x ", 1), tmp_path / "bad", check=False)
     page = Page(render.render_run(gather.gather_run(bad)))
     assert "stopped" in page.words and any("an integer is expected" in words for words in page.words)
-    for arguments in (["--compare", "a"], [], [str(tmp_path / "none")], [str(tmp_path / "finer"), "--console", "none"]):
+    for arguments in (["--compare", "a"], [], [str(tmp_path / "none")], [str(other), "--console", "none"], [str(other), "--solve-fibres"],
+                      ["--compare", *both, "--deck", "none"]):
         with pytest.raises(zurt.ZurtError):
             report.main(arguments)
 
@@ -115,6 +165,41 @@ def test_spoilt_files_are_errors_in_words(tmp_path):
         except zurt.ZurtError as error:
             said += bool(error.message)
     assert 3 < said < 25
+
+
+def test_pages_of_runs_that_were_killed(tmp_path):
+    """Every file as a signal half way may leave it, nothing kept beside; a field without numbers; a fit without a result."""
+    folder = tmp_path / "killed"
+    folder.mkdir()
+    listing = open(example_run("first").files.listing, "rb").read()
+    for share in (0.5, 0.7, 0.9, 0.99):
+        (folder / "zurt.lst").write_bytes(listing[:int(share * len(listing))])
+        page = Page(render.render_run(gather.gather_run(zurt.read(folder))))
+        assert "not complete: the listing has no END OF JOB" in page.words and "Where it stopped" not in page.words
+    run = example_run("first")
+    place = run.graphics[0].places[-1]
+    offset, length = place.datasets["concentration"]
+    text = open(run.files.graphics, "rb").read()
+    lost = re.sub(rb"\n.{13}(?=\n|$)", b"\n          NaN", text[offset:offset + length])
+    (folder / "zurt.unv").write_bytes(text[:offset] + lost + text[offset + length:])
+    page = Page(render.render_run(gather.gather_run(zurt.read(folder))))
+    assert "Nodes without a number" in page.words and "260 of 260" in page.words
+    begun = tmp_path / "begun"
+    shutil.copytree(example_run("homogenization").folder, begun, ignore=shutil.ignore_patterns("fibres", "*.pvd", "*.vt?", "run.json"))
+    (begun / "MASS-X.LST").write_text("")
+    (begun / "console.txt").write_text("".join(open(begun / "console.txt").readlines()[:60]))
+    page = Page(render.render_run(gather.gather_run(zurt.read(begun), False)))
+    assert "not ended" in page.words and any(words.startswith("Search for the diffusion curve") for words in page.words)
+
+
+def test_peaks_of_long_curves_are_drawn():
+    values = numpy.zeros(100_000)
+    values[[12_345, 67_890]] = 1.0, -2.0
+    values[50_000] = numpy.nan
+    kept = charts._telling_points(values)
+    assert {0, 12_345, 67_890, 99_999} <= set(kept) and len(kept) < 600
+    chart = charts.line_chart("a", [charts.Curve("b", numpy.arange(4.0), numpy.array([1e-320, 1e300, numpy.inf, 5.0]))], "x", "y", True)
+    assert "nan" not in chart.svg and "inf" not in chart.svg
 
 
 def test_profile_of_a_known_field():

@@ -110,9 +110,13 @@ def test_tables_of_a_direct_calculation_along_y(tmp_path):
 
 
 def test_console_of_a_search_without_a_result():
+    small = [" ITERATIONS FOR STEP:       340 /   1200", " ITERATION =  0: INCREMENT      =   9.0510E-11  NORM     =   1.2991E+01",
+             "   ICR/ICREMSTEP  =  1.0000E-10  ICR/NORM =   0.0000E+00"]  # which runs of the fit say, too, where hardly anything changes
     lines = [" Homogenization for Difusion Y", " running FIB model - without SF", " running EHM model - Calculation of D-C curve...",
-             "    1   0.100000E+01", "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!"]
-    [search] = parse_console(lines).searches
+             "    1   0.100000E+01", *small, "    2   0.216979E+00", " Max number of iterations for Homogenization reached", " HOMOGENIZATION FINISHED!", *small]
+    console = parse_console(lines)
+    [search] = console.searches
+    assert [len(rows) for rows in console.passes] == [1] and parse_console(lines[:-3]).passes == []
     assert (search.direction, search.errors, search.finished) == ("Y", [1.0, 0.216979], False)
 
 
@@ -122,9 +126,13 @@ def test_numbers_that_are_hard_to_read(tmp_path):
     with pytest.raises(zurt.ZurtError):
         parse_numbers(b"1.0 two")
     short = tmp_path / "zurt-history.csv"
-    short.write_text("step [1],time [time],iterations [1],ratio [1]\n1,0.5,1,\n2,1.0,3,1e-9\n3,1.")
+    short.write_text("step [1],time [time],iterations [1],ratio [1]\n1,0.5,1,\n2,1.0,3,1e-9\n3,1.5,2,1e-1")
     history = tables.read_history(str(short))
     assert len(history.values) == 2 and numpy.isnan(history.values["ratio"][0]) and history.units["time"] == "time"
+    short.write_text("step [1],time [time],iterations [1],ratio [1]\n1,0.5,1,\n2,1.0,x,1e-9\n")
+    with pytest.raises(zurt.ZurtError, match="column iterations.*not x") as caught:
+        tables.read_history(str(short))
+    assert caught.value.line == 3
     with pytest.raises(zurt.ZurtError, match="line|folder|listing"):
         zurt.read(str(tmp_path))
     assert os.path.basename(zurt.read(example_run("first").folder).files.listing) == "zurt.lst"

@@ -11,7 +11,7 @@ from .errors import ZurtError
 from .notes import error_of
 from .program import find_program
 from .results import console, deck_header, graphics, listing, tables, vtk_files
-from .results.folder import CONSOLE, NOTES, PROGRESS, RECORD, RunFiles, find_files
+from .results.folder import CONSOLE, NOTES, PROGRESS, RECORD, RunFiles, find_files, name_of_deck
 
 GRACE = 10.0  # seconds that an interrupted run has to reach its next safe place
 
@@ -30,21 +30,23 @@ class Run:
     @cached_property
     def listing(self):
         """results.listing.Listing."""
+        if self.files.listing is None:
+            raise ZurtError("the run has written no listing", self.folder)
         return listing.read_listing(self.files.listing)
 
     @cached_property
     def header(self):
         """Fields of the deck's header cards by name, and "title"; empty when neither deck nor card images are there."""
         if self.deck and os.path.isfile(self.deck):
-            with open(self.deck, encoding="latin-1") as file:
-                return deck_header.read_deck_header(file.readlines(), self.deck)
+            free = True if "--free" in self.arguments else None
+            return deck_header.read_deck_header(read_lines(self.deck), self.deck, free)
         cards = self.listing.cards
         return deck_header.read_deck_header([cards[k] for k in sorted(cards)], self.files.listing) if cards else {}
 
     @cached_property
     def notes(self):
         """Lines of the program's notes and errors, None when they were not kept."""
-        return _lines(self.files.notes) if self.files.notes else None
+        return [line.rstrip() for line in read_lines(self.files.notes) if line.strip()] if self.files.notes else None
 
     @cached_property
     def messages(self):
@@ -85,8 +87,8 @@ class Run:
 
     def graphics_step(self, step=-1, problem=0):
         """results.graphics.GraphicsStep: a step by its place in the file, the last one without it."""
-        found = self.graphics[problem]
-        return graphics.read_step(self.files.graphics, found, found.places[step])
+        found = _one_of(self.graphics, problem, "problem", self.files.graphics)
+        return graphics.read_step(self.files.graphics, found, _one_of(found.places, step, "written step", self.files.graphics))
 
     @property
     def series(self):
@@ -95,9 +97,10 @@ class Run:
 
     def step(self, step=-1, problem=0):
         """results.vtk_files.VtuStep: a step by its place in the .pvd file, the last one without it."""
-        if problem >= len(self.files.series):
+        if problem >= len(self.files.series) or not self.files.series[problem]:
             raise ZurtError("the run has no files for ParaView: run it with vtu=True (--vtu)", self.folder)
-        return vtk_files.read_vtu(vtk_files.read_series(self.files.series[problem])[step][1])
+        path = self.files.series[problem]
+        return vtk_files.read_vtu(_one_of(vtk_files.read_series(path), step, "written step", path)[1])
 
     @cached_property
     def fibres(self):
@@ -106,21 +109,24 @@ class Run:
 
 
 def run(deck, folder=None, *, solver=None, tolerance=None, threads=1, history=True, probes=(), vtu=False, prescribed=None, wall_cells=None,
-        words=None, force=False, timeout=None, check=True):
+        words=None, free=False, force=False, timeout=None, check=True):
     """Runs a deck, a path or the text of one, and returns the Run. Options are those of `zurt --help`.
 
     folder: of all files of the run, made if missing; without it one named as the deck. timeout: seconds, after which the run is ended at a
     safe place. check: a run that doesn't finish is a ZurtError with the program's words, file and line, and the Run as its `run`; without
     it look at Run.status."""
-    deck, folder = _deck_and_folder(deck, folder)
+    deck, folder, text = _deck_and_folder(deck, folder)
     arguments = ["--output", folder]
     for name, value in (("--solver", solver), ("--tolerance", tolerance), ("--prescribed", prescribed), ("--wall-cells", wall_cells),
                         ("--words", words)):
         arguments += [name, str(value)] if value is not None else []
     arguments += ["--threads", str(threads)] if threads != 1 else []
     arguments += ["--probe", ",".join(str(int(node)) for node in probes)] if len(probes) else []
-    arguments += [name for name, wanted in (("--history", history or len(probes)), ("--vtu", vtu), ("--force", force)) if wanted]
-    found = _run_program(deck, folder, arguments, timeout)
+    arguments += [name for name, wanted in (("--history", history or len(probes)), ("--vtu", vtu), ("--free", free), ("--force", force)) if wanted]
+    try:
+        found = _run_program(deck, folder, text, arguments, timeout)
+    except OSError as error:
+        raise ZurtError(error.strerror or str(error), error.filename) from None
     if found.status != 0 and check:
         raise _failure(found, timeout)
     return found
@@ -133,31 +139,39 @@ def read(folder):
     return Run(files.folder, files, record.get("deck"), record.get("status"), record.get("seconds"), record.get("arguments", []))
 
 
+def read_lines(path):
+    """Lines of a deck, or of what the program has said."""
+    try:
+        with open(path, encoding="latin-1") as file:
+            return file.readlines()
+    except OSError as error:
+        raise ZurtError(error.strerror, path) from None
+
+
 def _deck_and_folder(deck, folder):
+    """(path of the deck, folder, text that the deck is written with or None)."""
     deck = os.fspath(deck)
     if "\n" in deck:
         if folder is None:
             raise ZurtError("a deck that is given as text takes a folder")
-        os.makedirs(folder, exist_ok=True)
-        path = os.path.join(folder, "zurt.dat")
-        with open(path, "w", encoding="latin-1") as file:
-            file.write(deck)
-        return path, os.fspath(folder)
+        return os.path.join(folder, "zurt.dat"), os.fspath(folder), deck
     if not os.path.isfile(deck):
         raise ZurtError("there is no such deck", deck)
-    name = os.path.basename(deck).split(".")[0].split(" ")[0]
-    folder = os.fspath(folder) if folder is not None else name
-    os.makedirs(folder, exist_ok=True)
-    return deck, folder
+    return deck, os.fspath(folder) if folder is not None else name_of_deck(deck), None
 
 
-def _run_program(deck, folder, arguments, timeout):
+def _run_program(deck, folder, text, arguments, timeout):
     program, begin = find_program(), time.monotonic()
+    os.makedirs(folder, exist_ok=True)
     kept = {name: os.path.join(folder, name) for name in (CONSOLE, NOTES, PROGRESS, RECORD)}
-    if os.path.isfile(kept[RECORD]) and "--force" not in arguments:
+    earlier = _files_or_none(folder, deck)
+    if (earlier.listing or os.path.isfile(kept[RECORD])) and "--force" not in arguments:
         raise ZurtError("the folder holds a run: force=True overwrites it, another folder keeps it", folder)
-    if os.path.exists(kept[PROGRESS]):
-        os.remove(kept[PROGRESS])  # the program adds to it
+    for path in [kept[PROGRESS], earlier.fibres, *earlier.histories, *earlier.series]:
+        if path and os.path.exists(path):
+            os.remove(path)  # the program adds to the first; the others would be taken for this run's, which may write none
+    if text is not None:
+        _write_deck(deck, text)
     command = [program, *arguments, "--progress", kept[PROGRESS], deck]
     with open(kept[CONSOLE], "wb") as output, open(kept[NOTES], "wb") as errors:
         child = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output, stderr=errors)
@@ -166,8 +180,16 @@ def _run_program(deck, folder, arguments, timeout):
     record = {"deck": os.path.abspath(deck), "status": status, "seconds": seconds, "arguments": arguments}
     with open(kept[RECORD], "w", encoding="utf-8") as file:
         json.dump(record, file, indent=1)
-    files = _files_or_none(folder, deck)
-    return Run(folder, files, record["deck"], status, seconds, arguments)
+    return Run(folder, _files_or_none(folder, deck), record["deck"], status, seconds, arguments)
+
+
+def _write_deck(path, text):
+    try:
+        with open(path, "w", encoding="latin-1") as file:
+            file.write(text)
+    except UnicodeEncodeError as error:
+        line = text.count("\n", 0, error.start) + 1
+        raise ZurtError(f"the sign {text[error.start]} is none of those that a deck can have (Latin-1)", path, line) from None
 
 
 def _wait(child, timeout):
@@ -187,7 +209,7 @@ def _wait(child, timeout):
 
 
 def _files_or_none(folder, deck):
-    base = os.path.basename(deck).split(".")[0].split(" ")[0]
+    base = name_of_deck(deck)
     for extension in (".lst", ".LST"):
         if os.path.isfile(os.path.join(folder, base + extension)):
             return find_files(os.path.join(folder, base + extension))
@@ -203,9 +225,11 @@ def _failure(found, timeout):
     return error
 
 
-def _lines(path):
-    with open(path, encoding="latin-1") as file:
-        return [line.rstrip() for line in file if line.strip()]
+def _one_of(items, place, what, path):
+    """An item of a list by its place, from zero or from the end."""
+    if not -len(items) <= place < len(items):
+        raise ZurtError(f"there is no {what} {place}: there are {len(items)}, from 0 on" if items else f"there is no {what}", path)
+    return items[place]
 
 
 def _first(items, files, what, option):

@@ -61,17 +61,19 @@ def _members(decks, grid):
         return [(parameters, lambda parameters=parameters: decks(**parameters)) for parameters in combinations]
     if grid:
         raise ZurtError("a grid goes with a function of its parameters that makes decks, not with a list of decks")
+    decks = [decks] if isinstance(decks, (str, os.PathLike)) else decks
     named = decks.items() if isinstance(decks, dict) else ((os.fspath(deck), deck) for deck in decks)
     return [({"deck": name}, lambda deck=deck: deck) for name, deck in named]
 
 
 def _run_member(parameters, make_deck, folder, measure, options):
-    row, found = dict(parameters), None
+    row, found, message = dict(parameters), None, ""
     try:
         found = run(make_deck(), folder, **options)
         row.update(measure(found) if measure else {})
-        row.update(status=found.status, seconds=found.seconds, folder=folder, message="")
     except ZurtError as error:
-        found = getattr(error, "run", None)
-        row.update(status=found.status if found else None, seconds=found.seconds if found else None, folder=folder, message=str(error))
+        found, message = getattr(error, "run", found), str(error)
+    except Exception as error:  # of the caller's own functions: the other runs go on
+        message = f"{type(error).__name__}: {error}"
+    row.update(status=found.status if found else None, seconds=found.seconds if found else None, folder=folder, message=message)
     return row, found

@@ -1,4 +1,4 @@
-"""zurt-convert: graphics files of earlier runs as VTU files and their list."""
+"""zurt-convert: graphics files of earlier runs as VTU files and their list, or as XDMF."""
 import argparse
 import os
 import time
@@ -8,9 +8,11 @@ import numpy
 from ..errors import ZurtError
 from ..results.graphics import FIELDS, read_graphics, read_step
 from ..results.vtu_writer import compress_cells, part, write_pvd, write_vtu
+from . import add_version
 
 EXAMPLES = """examples:
   zurt-convert plate.unv                     plate.pvd, plate-0001.vtu ... in the current folder
+  zurt-convert --xdmf plate.unv              plate.xdmf and plate.h5, with all steps
   zurt-convert -o paraview old/*.unv         several files, into a folder
   zurt-convert --fields concentration --last plate.unv
 """
@@ -22,8 +24,10 @@ def parse(arguments):
     parser.add_argument("files", nargs="+", metavar="FILE.unv")
     parser.add_argument("-o", "--output", default=".", metavar="DIR", help="folder of what is written, made if it is missing")
     parser.add_argument("-f", "--force", action="store_true", help="overwrites files")
+    parser.add_argument("--xdmf", action="store_true", help="writes NAME.xdmf and NAME.h5 with all steps, no .vtu and .pvd")
     parser.add_argument("--fields", metavar="NAME[,NAME]", help="only these of " + ", ".join(FIELDS.values()))
     parser.add_argument("--last", action="store_true", help="only the last step of each problem")
+    add_version(parser)
     options = parser.parse_args(arguments)
     options.fields = options.fields.split(",") if options.fields else list(FIELDS.values())
     for name in options.fields:
@@ -45,14 +49,16 @@ def fields_with_values(path, problem, wanted):
         return wanted
     fields = read_step(path, problem, problem.places[-1], list(FIELDS.values())[1:]).fields
     left_out = {name for name in fields if not fields["coefficient"].any()} if "coefficient" in fields else set()
-    if "flux" in fields and "mass_flux" in fields and numpy.allclose(fields["flux"], fields["mass_flux"], rtol=0.0, atol=1.0e-14):
-        left_out.add("mass_flux")
+    if "flux" in fields and "mass_flux" in fields:
+        rounding = 1.0e-12 * numpy.abs(fields["flux"]).max(initial=0.0)
+        if numpy.allclose(fields["flux"], fields["mass_flux"], rtol=2.0e-5, atol=rounding):
+            left_out.add("mass_flux")
     return [name for name in wanted if name not in left_out]
 
 
-def mesh_parts(problem):
-    """(points and cells, parts of Points, Cells and CellData, number of each point). Inner nodes of radial fibres stand behind the mesh as
-    vertices."""
+def mesh_of(problem):
+    """(points, blocks of elements, values that all steps have at points, and at cells: [(name, array)]). Inner nodes of radial fibres stand
+    behind the mesh as vertices."""
     nodes, inner = len(problem.points), len(problem.fibre_points)
     blocks = [(block.kind, block.elements) for block in problem.blocks]
     groups = [numpy.full(len(block.labels), block.group, "<i4") for block in problem.blocks]
@@ -63,45 +69,71 @@ def mesh_parts(problem):
         labels.append(numpy.zeros(inner, "<i4"))
     if not blocks:
         raise ZurtError(f"problem {problem.number} has no elements")
-    sections = {"Points": [part("Points", numpy.concatenate([problem.points, problem.fibre_points]))], "Cells": compress_cells(blocks),
-                "CellData": [part("group", numpy.concatenate(groups)), part("label", numpy.concatenate(labels))]}
-    counts = nodes + inner, sum(len(rows) for _, rows in blocks)
-    return counts, sections, part("node", numpy.arange(1, nodes + inner + 1, dtype="<i4"))
+    points = numpy.concatenate([problem.points, problem.fibre_points])
+    numbers = [("node", numpy.arange(1, nodes + inner + 1, dtype="<i4"))]
+    return points, blocks, numbers, [("group", numpy.concatenate(groups)), ("label", numpy.concatenate(labels))]
 
 
-def point_parts(problem, step):
-    """Values at the points; those of inner nodes of radial fibres are known for the concentration alone."""
+def values_of(problem, step):
+    """[(name, array)] at the points; those of inner nodes of radial fibres are known for the concentration alone."""
     inner = len(problem.fibre_points)
-    parts = []
+    found = []
     for name, values in step.fields.items():
         behind = numpy.full((inner, *values.shape[1:]), numpy.nan)
         if name == "concentration":
             behind[:len(step.fibres)] = step.fibres[:inner]
         if len(values) != len(problem.points):
             raise ZurtError(f"step {step.number}: {len(values)} values of {name} for {len(problem.points)} nodes")
-        parts.append(part(name, numpy.concatenate([values, behind])))
-    return parts
+        found.append((name, numpy.concatenate([values, behind])))
+    return found
+
+
+def write_as_vtu(base, mesh, steps, names):
+    """Writes a file for each of the steps (time, values) under these names, and their list; that of the mesh alone where there is no step."""
+    points, blocks, numbers, cell_values = mesh
+    counts = len(points), sum(len(rows) for _, rows in blocks)
+    fixed = {"Points": [part("Points", points)], "Cells": compress_cells(blocks), "CellData": [part(*pair) for pair in cell_values]}
+    node, entries = [part(*pair) for pair in numbers], []
+    for (moment, values), name in zip(steps, names):
+        write_vtu(name, counts, {**fixed, "PointData": [*(part(*pair) for pair in values), *node]}, moment)
+        entries.append((moment, os.path.basename(name)))
+        write_pvd(base + ".pvd", entries)
+    if not entries:
+        write_vtu(names[0], counts, {**fixed, "PointData": node}, 0.0)
+
+
+def write_as_xdmf(base, mesh, steps):
+    """Writes the steps (time, values) into one file; the mesh alone as a step of time 0 where there is none."""
+    from ..results.xdmf_writer import add_step, begin_series, end_series
+    series = begin_series(base, *mesh)
+    try:
+        for moment, values in steps:
+            add_step(series, moment, values)
+        if not series.steps:
+            add_step(series, 0.0, [])
+    finally:
+        end_series(series)  # what has been written stays readable, however this ends
 
 
 def convert_problem(path, problem, options):
-    """Writes the files of a problem; returns how many steps."""
+    """Writes the files of a problem."""
     base = os.path.join(options.output, base_name(path, problem.number))
     places = problem.places[-1:] if options.last else problem.places
-    names = [f"{base}-{place.number:04d}.vtu" for place in places]
-    check_free([*names, base + ".pvd"], options.force)
+    base += "" if places else "-mesh"
+    numbers = [place.number for place in places]
+    numbers = numbers if len(set(numbers)) == len(numbers) else range(1, len(places) + 1)
+    names = [f"{base}-{number:04d}.vtu" for number in numbers] or [base + ".vtu"]
+    check_free([base + ".xdmf", base + ".h5"] if options.xdmf else [*names, base + ".pvd"], options.force)
     fields = fields_with_values(path, problem, options.fields)
-    counts, sections, node = mesh_parts(problem)
-    entries = []
-    for place, name in zip(places, names):
-        step = read_step(path, problem, place, fields)
-        write_vtu(name, counts, {**sections, "PointData": [*point_parts(problem, step), node]}, step.time)
-        entries.append((step.time, os.path.basename(name)))
-        write_pvd(base + ".pvd", entries)
-    if not places:
-        write_vtu(f"{base}-mesh.vtu", counts, {**sections, "PointData": [node]}, 0.0)
-    print(f"{base}: {counts[0]} points, {counts[1]} cells, {len(places)} step(s) of {', '.join(fields)}"
-          + ("" if places else "; no results: the mesh alone"))
-    return len(places)
+    mesh = mesh_of(problem)
+    read = (read_step(path, problem, place, fields) for place in places)
+    steps = ((step.time, values_of(problem, step)) for step in read)
+    if options.xdmf:
+        write_as_xdmf(base, mesh, steps)
+    else:
+        write_as_vtu(base, mesh, steps, names)
+    held = f"{len(places)} step(s) of {', '.join(fields) or 'no field: those asked for are zero all over'}" if places else "no results: the mesh alone"
+    print(f"{base}: {len(mesh[0])} points, {sum(len(rows) for _, rows in mesh[1])} cells, {held}")
 
 
 def check_free(names, force):
@@ -110,9 +142,20 @@ def check_free(names, force):
             raise ZurtError("this file exists; --force overwrites it", name)
 
 
+def check_names(paths):
+    """Files of one name from two folders would overwrite each other."""
+    first = {}
+    for path in paths:
+        name = base_name(path, 1)
+        if name in first:
+            raise ZurtError(f"its files would have the names of those of {first[name]}: convert it into another folder (--output)", path)
+        first[name] = path
+
+
 def main(arguments):
     options = parse(arguments)
     begin = time.monotonic()
+    check_names(options.files)
     try:
         os.makedirs(options.output, exist_ok=True)
         for path in options.files:
@@ -122,6 +165,6 @@ def main(arguments):
                 except ZurtError as error:
                     raise ZurtError(error.message, error.file or path) from None
     except OSError as error:
-        raise ZurtError(error.strerror, error.filename) from None
+        raise ZurtError(error.strerror or str(error), error.filename) from None
     print(f"{time.monotonic() - begin:.1f} s")
     return 0

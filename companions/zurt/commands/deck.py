@@ -11,6 +11,7 @@ from ..errors import ZurtError
 from ..mesh.numbering import advise_solver
 from ..mesh.reading import read_mesh
 from ..program import find_program
+from . import add_version
 
 EXAMPLES = """examples:
   zurt-deck plate.msh plate.toml                  writes plate.dat
@@ -33,6 +34,7 @@ def parse(arguments):
     parser.add_argument("-o", "--output", metavar="DECK", help="the deck; without it the job file's name with .dat, in the current folder")
     parser.add_argument("-f", "--force", action="store_true", help="overwrites files that exist")
     parser.add_argument("--check", action="store_true", help="has zurt check the deck (zurt --check)")
+    add_version(parser)
     return parser.parse_args(arguments)
 
 

@@ -11,6 +11,7 @@ from ..fibres.model import BALLS, LINES, UNITS, Fibres, dimension_of, lengths_of
 from ..fibres.orientation import mean_tensor
 from ..fibres.recipe import CardChoice, read_recipe
 from ..fibres.volume import fraction_as_seen, volume_fraction
+from . import add_version
 
 EXAMPLES = """examples:
   zurt-fibres random fibres.toml                           fibres.cards and fibres.csv from a recipe
@@ -24,6 +25,7 @@ What a recipe holds stands in docs/fibres.md.
 def parse(arguments):
     parser = argparse.ArgumentParser("zurt-fibres", description="Makes or reads sets of straight fibres and writes their cards.",
                                      epilog=EXAMPLES, formatter_class=argparse.RawDescriptionHelpFormatter)
+    add_version(parser)
     commands = parser.add_subparsers(dest="command", required=True, metavar="random | from-csv | from-image")
     make = commands.add_parser("random", help="random fibres by a recipe (TOML)")
     make.add_argument("file", metavar="RECIPE.toml")
@@ -46,6 +48,10 @@ def parse(arguments):
         command.add_argument("--format", choices=("fixed", "free"), default="fixed", help="of the deck (fixed)")
         command.add_argument("--classes", type=int, default=8, metavar="N", help="at most so many diameters, each a set of its own (8)")
     options = parser.parse_args(arguments)
+    for name in ("voxel", "shortest"):
+        value = getattr(options, name, None)
+        if value is not None and not 0.0 < value < numpy.inf:
+            parser.error(f"--{name} is a number above 0")
     if not 10 <= options.points <= 26 or getattr(options, "classes", 1) < 1:
         parser.error("--points is a number from 10 to 26, --classes one from 1 on")
     return options
@@ -62,7 +68,7 @@ def read_fibres(options):
         from ..fibres.image import fibres_of_image
         return fibres_of_image(options.file, options.unit, options.voxel, options.threshold, options.array, options.shortest), choice, 1
     from ..fibres.table_file import read_table
-    if len(options.box) not in (2, 3) or min(options.box) <= 0.0:
+    if len(options.box) not in (2, 3) or not all(0.0 < size < numpy.inf for size in options.box):
         raise ZurtError("--box takes 2 or 3 sizes above 0")
     box = UNITS[options.unit] * numpy.array(options.box + [0.0] * (3 - len(options.box)))
     return read_table(options.file, UNITS[options.unit], box), choice, 1

@@ -30,7 +30,7 @@ def class_limits(random, law, classes):
 def class_diameters(limits, sample):
     """(classes,) root mean square of the sample's diameters between the limits: cross-sections keep their sum."""
     place = numpy.searchsorted(limits, sample)
-    number = numpy.bincount(place, minlength=len(limits) + 1)
+    number = numpy.maximum(numpy.bincount(place, minlength=len(limits) + 1), 1)
     return numpy.sqrt(numpy.bincount(place, sample**2, minlength=len(limits) + 1) / number)
 
 

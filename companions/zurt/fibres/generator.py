@@ -6,7 +6,7 @@ from .diameters import class_diameters, class_limits, draw_diameters
 from .geometry import clip_to_box
 from .model import BALLS, LINES, Fibres, cross_sections, dimension_of, select, volume_of_box
 from .orientation import draw_directions, match_tensor
-from .placement import Region, Rods, draw_centres, ends_of, place_apart
+from .placement import Region, Rods, draw_centres, ends_of, meets_itself, place_apart
 from .volume import volume_fraction
 
 PASSES = 16
@@ -25,7 +25,7 @@ def generate(recipe):
 
 def region_of(recipe):
     box = numpy.array(recipe.box + [0.0] * (3 - len(recipe.box)))
-    period = numpy.where(box > 0.0, box, 1.0) if recipe.periodic else None
+    period = numpy.where(box > 0.0, box, box.max()) if recipe.periodic else None
     return Region(box, period, recipe.gap, recipe.length == "through")
 
 
@@ -49,7 +49,8 @@ def sampler(random, recipe, region):
             return Rods(numpy.zeros((count, 3)), numpy.zeros((count, 3)), numpy.zeros(count), 0.5 * diameters)
         length = 4.0 * (numpy.linalg.norm(region.box) + diameters.max()) if region.endless else recipe.length
         rods = Rods(numpy.zeros((count, 3)), numpy.zeros((count, 3)), numpy.full(count, length), 0.5 * diameters)
-        return with_directions(random, rods, recipe.tensor, region)
+        rods = with_directions(random, rods, recipe.tensor, region)
+        return rods if recipe.overlap else without_own_images(random, rods, recipe.tensor, region)
     return draw
 
 
@@ -65,6 +66,16 @@ def with_directions(random, rods, tensor, region):
         rows = rows[random.random(len(rows)) * 1.01 * largest_size(rods, region)[rows] > size[rows]]
     for _ in range(4 if region.period is None else 1):
         rods.directions = match_tensor(rods.directions, mean_lengths(rods, region), tensor)
+    return rods
+
+
+def without_own_images(random, rods, tensor, region):
+    """The rods with other directions for those that would meet images of their own, as long as there are such directions."""
+    for _ in range(100):
+        rows = numpy.flatnonzero(meets_itself(rods, region))
+        if len(rows) == 0:
+            break
+        rods.directions[rows] = draw_directions(random, tensor, len(rows))
     return rods
 
 
@@ -175,9 +186,10 @@ def meet_fraction(random, recipe, region, draw):
         fibres = as_fibres(rods, placed, recipe, region)
         reached = volume_fraction(fibres, 12, recipe.seed)
         off = recipe.volume_fraction - reached.value
-        one = float(expected_volume(rods, region).mean())
+        one = float(expected_volume(rods, region).mean()) if len(rods.lengths) else one
         best = min(best, (abs(off), fibres), key=lambda pair: pair[0])
-        if not placed.all() or abs(off) <= max(0.5 * one / box, 2.0 * reached.error):
+        met = abs(off) <= max(0.5 * one / box, 2.0 * reached.error)
+        if met or not placed.all():
             break
         rods = without_expelled(rods, region)
         missing = (wanted - nominal(reached.value, recipe.overlap)) * box
@@ -187,6 +199,10 @@ def meet_fraction(random, recipe, region, draw):
             keep = len(rods.lengths) - max(1, int(round(-missing / one)))
             rods = Rods(*(part[:keep] for part in vars(rods).values()))
             placed = numpy.ones(keep, bool)
+    if len(best[1].diameters) == 0 and placed.all():
+        raise ZurtError(f"volume_fraction: {recipe.volume_fraction:g} is less than half a fibre, one is {one / box:.3g}", recipe.file)
     if best[0] > max(0.02 * recipe.volume_fraction, 1.5 * one / box):
         raise jammed(recipe, best[1], f"a volume fraction of {recipe.volume_fraction:g} can't be reached")
+    if not met:
+        best[1].notes.append(f"the volume fraction that was asked for is {recipe.volume_fraction:g}; this is the nearest that was found")
     return best[1]

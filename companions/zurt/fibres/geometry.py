@@ -4,11 +4,13 @@ Segments are two arrays (n, 3), starts and ends. A search cuts them into pieces 
 middles: so slender fibres cost by their length, not by the box around them.
 """
 import itertools
+from dataclasses import dataclass
 
 import numpy
 from scipy.spatial import cKDTree
 
 MOST_PIECES = 4_000_000
+AT_ONCE = 1 << 18  # pairs of pieces, of which many mean the same pair of segments
 
 
 def clip_to_box(starts, ends, low, high):
@@ -96,34 +98,53 @@ def unique_pairs(first, second, shifts):
     """Pairs without repetition: (first, second, shifts (m, 3) in whole periods), by rising second, then first."""
     if len(first) == 0:
         return first, second, shifts
-    code = shifts.astype(numpy.int64)
-    most = int(numpy.abs(code).max())
+    most = int(numpy.abs(shifts).max())
     key = second.astype(numpy.int64) * (int(first.max()) + 1) + first
     for axis in range(3):
-        key = key * (2 * most + 1) + code[:, axis] + most
+        key = key * (2 * most + 1) + (shifts[:, axis].astype(numpy.int64) + most)
     rows = numpy.unique(key, return_index=True)[1]
     return first[rows], second[rows], shifts[rows]
 
 
 def shifts_between(a, b, period):
-    """(m, 3) whole periods that bring points b next to points a."""
+    """(m, 3) whole periods, short integers, that bring points b next to points a."""
     if period is None:
-        return numpy.zeros((len(a), 3))
+        return numpy.zeros((len(a), 3), numpy.int16)
     counted = numpy.where(period > 0.0, period, 1.0)
-    return numpy.where(period > 0.0, numpy.round((a - b) / counted), 0.0)
+    return numpy.where(period > 0.0, numpy.round((a - b) / counted), 0.0).astype(numpy.int16)
+
+
+def owners_of_pairs(first, second, pairs, period):
+    """Pairs of segments without repetition from pairs of pieces. first, second: (middles, owner) of the pieces of both sets. pairs: places of
+    the pieces, two arrays (m,)."""
+    parts = []
+    for begin in range(0, len(pairs[0]), AT_ONCE):
+        i, j = (part[begin:begin + AT_ONCE] for part in pairs)
+        owners = first[1][i].astype(numpy.int32), second[1][j].astype(numpy.int32)
+        parts.append(unique_pairs(*owners, shifts_between(first[0][i], second[0][j], period)))
+    return joined_pairs(parts)
+
+
+def joined_pairs(parts):
+    """Pairs of several lists without repetition."""
+    if not parts:
+        return numpy.zeros(0, numpy.int32), numpy.zeros(0, numpy.int32), numpy.zeros((0, 3), numpy.int16)
+    return parts[0] if len(parts) == 1 else unique_pairs(*(numpy.concatenate(each) for each in zip(*parts)))
+
+
+def spacing_of_search(starts, ends, reach, period):
+    """Length of pieces for a search."""
+    spacing = piece_spacing(starts, ends, reach)
+    return spacing if period is None else min(spacing, 0.25 * period[period > 0.0].min())
 
 
 def close_pairs(starts, ends, reach, period=None):
     """Pairs of segments that may be closer than reach: (first, second, shift in whole periods of the second one); first <= second, a
     segment with an image of its own among them when there is a period."""
-    spacing = piece_spacing(starts, ends, reach)
-    if period is not None:
-        spacing = min(spacing, 0.25 * period[period > 0.0].min())
-    middles, owner = pieces_of(starts, ends, spacing)
-    pairs = tree_of(middles, period).query_pairs(reach + spacing, output_type="ndarray")
-    i, j = pairs[:, 0], pairs[:, 1]
-    shifts = shifts_between(middles[i], middles[j], period)
-    first, second = owner[i], owner[j]
+    spacing = spacing_of_search(starts, ends, reach, period)
+    pieces = pieces_of(starts, ends, spacing)
+    pairs = tree_of(pieces[0], period).query_pairs(reach + spacing, output_type="ndarray")
+    first, second, shifts = owners_of_pairs(pieces, pieces, (pairs[:, 0], pairs[:, 1]), period)
     turned = first > second
     first, second = numpy.where(turned, second, first), numpy.where(turned, first, second)
     shifts = numpy.where(turned[:, None], -shifts, shifts)
@@ -134,12 +155,38 @@ def close_pairs(starts, ends, reach, period=None):
 def close_pairs_of_two(starts, ends, others, other_ends, reach, period=None):
     """The same between two sets: (row in the first, row in the second, shift of the second)."""
     if len(starts) == 0 or len(others) == 0:
-        return numpy.zeros(0, int), numpy.zeros(0, int), numpy.zeros((0, 3))
-    spacing = piece_spacing(others, other_ends, reach)
-    if period is not None:
-        spacing = min(spacing, 0.25 * period[period > 0.0].min())
-    middles, owner = pieces_of(starts, ends, spacing)
-    others_middles, others_owner = pieces_of(others, other_ends, spacing)
-    near = tree_of(middles, period).sparse_distance_matrix(tree_of(others_middles, period), reach + spacing, output_type="ndarray")
-    i, j = near["i"], near["j"]
-    return unique_pairs(owner[i], others_owner[j], shifts_between(middles[i], others_middles[j], period))
+        return joined_pairs([])
+    spacing = spacing_of_search(others, other_ends, reach, period)
+    mine, theirs = pieces_of(starts, ends, spacing), pieces_of(others, other_ends, spacing)
+    near = tree_of(mine[0], period).sparse_distance_matrix(tree_of(theirs[0], period), reach + spacing, output_type="ndarray")
+    return owners_of_pairs(mine, theirs, (near["i"], near["j"]), period)
+
+
+@dataclass
+class Finder:
+    """Pieces of n segments where they once were, for searches while few of them move. pieces: (middles, owner). spacing: of the pieces. slack:
+    how far a segment may have moved. travelled: (n,) how far any point of each has moved since then."""
+    pieces: tuple
+    tree: cKDTree
+    spacing: float
+    slack: float
+    travelled: numpy.ndarray
+
+
+def begin_finder(starts, ends, reach, slack, period):
+    """Finder of segments as they lie now."""
+    spacing = spacing_of_search(starts, ends, reach, period)
+    pieces = pieces_of(starts, ends, spacing)
+    return Finder(pieces, tree_of(pieces[0], period), spacing, slack, numpy.zeros(len(starts)))
+
+
+def find_close_pairs(finder, rows, starts, ends, reach, period):
+    """What close_pairs_of_two finds of some rows of the segments as they lie now and all of them. Those that have moved further than the
+    slack are searched by themselves."""
+    mine = pieces_of(starts[rows], ends[rows], finder.spacing)
+    near = tree_of(mine[0], period).sparse_distance_matrix(finder.tree, reach + finder.spacing + finder.slack, output_type="ndarray")
+    stay = finder.travelled[finder.pieces[1][near["j"]]] <= finder.slack
+    found = owners_of_pairs(mine, finder.pieces, (near["i"][stay], near["j"][stay]), period)
+    gone = numpy.flatnonzero(finder.travelled > finder.slack).astype(numpy.int32)
+    first, second, shifts = close_pairs_of_two(starts[rows], ends[rows], starts[gone], ends[gone], reach, period)
+    return joined_pairs([found, (first, gone[second], shifts)])

@@ -49,7 +49,7 @@ def read_stack(path):
     import tifffile
     try:
         return numpy.asarray(tifffile.imread(path)).T
-    except (OSError, ValueError, tifffile.TiffFileError) as error:
+    except Exception as error:  # a spoilt file leaves that reader in many ways
         raise ZurtError(f"no TIFF stack: {error}", path) from None
 
 
@@ -68,7 +68,10 @@ def read_vti(path, array):
             spacing = image.GetSpacing()
             if max(spacing) > 1.000001 * min(spacing):
                 raise ZurtError(f"voxels are cubes; their edges here are {spacing}", path)
-            return vtk_to_numpy(data.GetArray(array or names[0])).reshape(size, order="F"), spacing[0]
+            values = data.GetArray(array or names[0])
+            if values is None or values.GetNumberOfComponents() != 1:
+                raise ZurtError(f"array {array or names[0]}: one number for each voxel is needed", path)
+            return vtk_to_numpy(values).reshape(size, order="F"), spacing[0]
     raise ZurtError(f"there is no array {array}" if array else "there is no array in it", path)
 
 
@@ -174,16 +177,26 @@ def join_branches(branches, radii):
 def absorb_parts(groups, radii):
     """The groups; one whose points lie within a radius of the line of a longer one, no further than three diameters beyond its ends, goes
     into that: where fibres cross, the skeleton of both is bent."""
-    kept, lines = [], []
+    kept, lines, radius = [], numpy.zeros((2, len(groups), 3)), numpy.zeros(len(groups))  # a point and the direction of each line
     for k in sorted(range(len(groups)), key=lambda k: -len(groups[k])):
-        points = groups[k]
-        into = next((n for n, line in enumerate(lines) if lies_along(points, kept[n], *line)), None)
+        points, count = groups[k], len(kept)
+        near = lines_near(points, lines[0, :count], lines[1, :count], radius[:count])
+        into = next((n for n in near if lies_along(points, kept[n], lines[0, n], lines[1, n], radius[n])), None)
         if into is None:
             kept.append(points)
-            lines.append((*fitted_line(points), radii[k]))
+            lines[:, count], radius[count] = fitted_line(points), radii[k]
         else:
             kept[into] = numpy.concatenate([kept[into], points])
     return kept
+
+
+def lines_near(points, middles, directions, radius):
+    """Numbers of the lines of which four of five points can lie within the radius: the mean of the points is then no further from a line than
+    its radius and a fifth of the way across the points."""
+    to = points.mean(0) - middles
+    along = (to * directions).sum(1)
+    across = numpy.sqrt(numpy.maximum((to * to).sum(1) - along**2, 0.0))
+    return numpy.flatnonzero(across <= radius + 0.2 * numpy.linalg.norm(numpy.ptp(points, axis=0)) + 1.0e-6).tolist()
 
 
 def lies_along(points, others, middle, direction, radius):

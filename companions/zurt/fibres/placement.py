@@ -4,17 +4,19 @@ Without overlap fibres are added one behind the other at random places where the
 any more, the rest is put in all the same and all are pushed apart, by half of what each pair overlaps, until none does; a push beside the
 middle turns a fibre a little, too. Both treat the fibres as rods with round ends, so flat ends never meet.
 """
+import itertools
 from dataclasses import dataclass
 
 import numpy
 
-from .geometry import clip_to_box, close_pairs, close_pairs_of_two, segment_distances, unique_pairs
+from .geometry import AT_ONCE, begin_finder, clip_to_box, close_pairs, close_pairs_of_two, find_close_pairs, segment_distances, unique_pairs
 
 ROUNDS = 150
 SWEEPS = 3000
 STALL = 300  # sweeps in which the largest overlap must get less by a tenth
 SKIN = 1.0  # radii
 MOST_RETRIED = 2000
+MANY = 2000  # rods, of which a search tree is kept while few of them move
 SLACK = 1.0e-6  # of a radius: rounding of coordinates on cards must not make an overlap
 OVERSHOOT = 1.5  # of what overlaps: pairs hold each other, and far fewer sweeps are needed than with 1
 LEAST_SHARE = 0.03  # of a round that fits, below which adding ends
@@ -77,13 +79,13 @@ def draw_around(random, p, lengths, grow, region):
     return 0.5 * region.box + first[:, None] * side + second[:, None] * other + along[:, None] * p
 
 
-def counted_segments(rods, region):
-    """The parts of the axes that take part: all in a periodic box, else those in the box grown by the largest radius. Fibres that lie
+def counted_segments(rods, region, more=0.0):
+    """The parts of the axes that take part: all in a periodic box, else those in the box grown by the largest radius, and by more. Fibres that lie
     outside shrink to points far away, apart from each other."""
     starts, ends = ends_of(rods)
     if region.period is not None:
         return starts, ends
-    grow = rods.radii.max() * (region.box > 0.0)
+    grow = (rods.radii.max() + more) * (region.box > 0.0)
     starts, ends, hit = clip_to_box(starts, ends, -grow, region.box + grow)
     size = numpy.linalg.norm(region.box) + 2.0 * rods.radii.max()
     far = size * (10.0 + 2.0 * numpy.flatnonzero(~hit))
@@ -112,6 +114,16 @@ def measure_pairs(pairs, a, b, radii, other_radii, region):
     return Contacts(distance < least * (1.0 + SLACK), distance, least, way, point, point - way - move)
 
 
+def measure_many(pairs, a, b, radii, other_radii, region):
+    """(overlap, distance, least) of Contacts, (m,) each, of many pairs, a part of them at a time."""
+    parts = [[], [], []]
+    for begin in range(0, max(len(pairs[0]), 1), AT_ONCE):
+        contacts = measure_pairs(tuple(part[begin:begin + AT_ONCE] for part in pairs), a, b, radii, other_radii, region)
+        for part, values in zip(parts, (contacts.overlap, contacts.distance, contacts.least)):
+            part.append(values)
+    return tuple(numpy.concatenate(part) for part in parts)
+
+
 def greedy_choice(free, first, second):
     """free (n,): which may be placed. Of each overlapping pair (first < second, by rising second) the later one goes when the earlier one
     stays."""
@@ -129,9 +141,9 @@ def free_of_others(rods, rows, stand, region):
     reach = 2.0 * rods.radii.max() * (1.0 + SLACK) + region.gap
     free = numpy.ones(len(rows), bool)
     pairs = close_pairs_of_two(*mine, *theirs, reach, region.period)
-    free[pairs[0][measure_pairs(pairs, mine, theirs, radii, rods.radii[stand], region).overlap]] = False
+    free[pairs[0][measure_many(pairs, mine, theirs, radii, rods.radii[stand], region)[0]]] = False
     pairs = close_pairs(*mine, reach, region.period)
-    hit = measure_pairs(pairs, mine, mine, radii, radii, region).overlap
+    hit = measure_many(pairs, mine, mine, radii, radii, region)[0]
     own = pairs[0] == pairs[1]
     free[pairs[0][hit & own]] = False
     return greedy_choice(free, pairs[0][hit & ~own], pairs[1][hit & ~own])
@@ -150,20 +162,35 @@ def add_sequentially(random, rods, placed, region):
             return
 
 
-def listed_pairs(pairs, a, stale, rods, reach, region):
+def kept_finder(finder, rods, reach, region):
+    """The Finder of the rods, a new one where there is none yet or too many have moved far; None where rods are few, or the box so small
+    that a search meets images of one rod."""
+    slack = 2.0 * rods.radii.max()
+    if len(rods.lengths) <= MANY:
+        return None
+    if finder is None or 8 * (finder.travelled > slack).sum() > len(rods.lengths):
+        finder = begin_finder(*counted_segments(rods, region, slack), reach, slack, region.period)
+    small = region.period is not None and reach + finder.spacing + slack > 0.25 * region.period[region.period > 0.0].min()
+    return None if small else finder
+
+
+def listed_pairs(pairs, a, stale, rods, reach, region, finder):
     """The list of pairs (first < second, shift of the second) that come within reach, those with a stale rod (n,) found anew."""
     rows = numpy.flatnonzero(stale)
     if 2 * len(rows) > len(stale):
         found = close_pairs(*a, reach, region.period)
     else:
-        first, second, shifts = close_pairs_of_two(a[0][rows], a[1][rows], *a, reach, region.period)
+        if finder is None:
+            first, second, shifts = close_pairs_of_two(a[0][rows], a[1][rows], *a, reach, region.period)
+        else:
+            first, second, shifts = find_close_pairs(finder, rows, *a, reach, region.period)
         first, turned = rows[first], rows[first] > second
         found = unique_pairs(numpy.where(turned, second, first), numpy.where(turned, first, second),
                              numpy.where(turned[:, None], -shifts, shifts))
         kept = ~(stale[pairs[0]] | stale[pairs[1]])
         pairs = tuple(part[kept] for part in pairs)
-    contacts = measure_pairs(found, a, a, rods.radii, rods.radii, region)
-    near = (found[0] != found[1]) & (contacts.distance < contacts.least + SKIN * rods.radii.mean())
+    _, distance, least = measure_many(found, a, a, rods.radii, rods.radii, region)
+    near = (found[0] != found[1]) & (distance < least + SKIN * rods.radii.mean())
     found = tuple(part[near] for part in found)
     return found if 2 * len(rows) > len(stale) else tuple(numpy.concatenate(parts) for parts in zip(pairs, found))
 
@@ -172,19 +199,22 @@ def push_apart(rods, region):
     """Moves and turns the rods until no pair overlaps. Returns the pairs (first, second) that still do when nothing gets better any more.
 
     Pairs that may meet are listed with a skin around the rods. A rod of which some point has moved by half of it is stale, and its pairs
-    are found anew. Pairs whose rods both stayed in a sweep are not measured again.
+    are found anew. Pairs whose rods both stayed in a sweep are not measured again. When no listed pair overlaps, all are listed anew, as
+    a rod that comes into the box from aside was not in the list.
     """
     skin = SKIN * rods.radii.mean()
     reach = 2.0 * rods.radii.max() * (1.0 + SLACK) + region.gap
     way = numpy.full(len(rods.lengths), numpy.inf)
-    moved, best, pairs = way > 0.0, numpy.inf, None
+    moved, best, pairs, finder, checked = way > 0.0, numpy.inf, None, None, True
     for sweep in range(1, SWEEPS + 1):
         a = counted_segments(rods, region)
         stale = way > 0.5 * skin
         if stale.any():
-            pairs = listed_pairs(pairs, a, stale, rods, reach + skin, region)
+            few = 2 * stale.sum() <= len(stale)
+            finder = kept_finder(finder, rods, reach + skin, region) if few else None
+            pairs = listed_pairs(pairs, a, stale, rods, reach + skin, region, finder)
             way[stale] = 0.0
-            if 2 * stale.sum() > len(stale):
+            if not few:
                 way[:] = 0.0
                 moved[:] = True
         rows = numpy.flatnonzero(moved[pairs[0]] | moved[pairs[1]])
@@ -193,11 +223,16 @@ def push_apart(rods, region):
         hit = contacts.overlap
         first, second = near[0][hit], near[1][hit]
         if not hit.any():
-            break
+            if checked:
+                break
+            way[:], checked = numpy.inf, True
+            continue
         contacts = Contacts(*(part[hit] for part in vars(contacts).values()))
         steps = push(rods, region, first, second, contacts)
         way += steps
-        moved = steps > 0.0
+        moved, checked = steps > 0.0, False
+        if finder is not None:
+            finder.travelled += steps
         if sweep % STALL == 0:
             worst = float((contacts.least - contacts.distance).max())
             if worst > 0.9 * best:
@@ -245,22 +280,38 @@ def move_rods(rods, rows, steps, arms, stiff):
     return steps
 
 
+def meets_itself(rods, region):
+    """(n,) whether a rod of a periodic box shares volume with an image of its own: one is the other moved along by some periods. Flat ends
+    that touch, of a fibre as long as the box, are none."""
+    found = numpy.zeros(len(rods.lengths), bool)
+    if region.period is None:
+        return found
+    axes = region.box > 0.0
+    thick = 2.0 * rods.radii + region.gap
+    reach = numpy.where(axes, numpy.ceil((rods.lengths + thick).max(initial=0.0) / numpy.where(axes, region.period, 1.0)), 0.0).astype(int)
+    for shift in itertools.product(*(range(-count, count + 1) for count in reach)):
+        if shift > (0, 0, 0):  # of two opposite ones the one
+            move = numpy.array(shift) * region.period
+            along = numpy.abs(rods.directions @ move)
+            across = numpy.sqrt(numpy.maximum(move @ move - along**2, 0.0))
+            found |= (along < rods.lengths - 0.1 * rods.radii) & (across < thick * (1.0 - SLACK))
+    return found
+
+
 def place_apart(random, rods, placed, region):
     """Places the rods that are not placed without overlap, moving the others where it must. Returns (n,) which of them have a place: all,
     when it could be done. Changes the rods and placed."""
     add_sequentially(random, rods, placed, region)
-    if placed.all():
-        return placed
     kept = numpy.arange(len(rods.lengths))
-    while True:
+    while not placed.all():
         part = Rods(*(values[kept] for values in vars(rods).values()))
         first, second = push_apart(part, region)
         rods.centres[kept], rods.directions[kept] = part.centres, part.directions
         if len(first) == 0:
+            placed[:] = False
+            placed[kept[~meets_itself(part, region)]] = True
             break
         kept = kept[remaining(len(kept), first, second)]
-    placed[:] = False
-    placed[kept] = True
     return placed
 
 

@@ -81,7 +81,7 @@ def checked(path, data):
     recipe = Recipe(
         path, box, seed_of(data), shape, length_of(data, shape, unit), None, None, flag(data, "overlap", False),
         number(data, "gap", 0.0, unit, least=-1.0e-300), flag(data, "periodic", False), classes, diameter_of(data, unit),
-        tensor_of(data, len(box)) if shape == LINES else None, cards_of(data, unit, len(box), classes))
+        tensor_of(data, len(box), shape), cards_of(data, unit, len(box), classes))
     recipe.volume_fraction, recipe.number = amount_of(data)
     check_together(recipe)
     return recipe
@@ -106,6 +106,8 @@ def largest_of(law):
 # --- keys ---------------------------------------------------------------------------------------------------------------
 
 def know_keys(table, known, where):
+    if not isinstance(table, dict):
+        raise ZurtError(f"{where.rstrip('.')}: a table with keys of {', '.join(sorted(known))} is needed, not {table!r}")
     for key in table:
         if key not in known:
             near = difflib.get_close_matches(key, known, 1)
@@ -167,7 +169,10 @@ def length_of(data, shape, unit):
         if "length" in data:
             raise ZurtError(f"length: {shape} have none")
         return 0.0
-    return "through" if data.get("length") == "through" else number(data, "length", None, unit)
+    given = data.get("length")
+    if isinstance(given, str) and given != "through":
+        raise ZurtError(f'length: a number or "through", not {given!r}')
+    return given if given == "through" else number(data, "length", None, unit)
 
 
 def amount_of(data):
@@ -196,8 +201,12 @@ def diameter_of(data, unit):
     return {"distribution": kind, **found}
 
 
-def tensor_of(data, dimension):
-    """(3, 3) of trace 1. Without one all directions are alike."""
+def tensor_of(data, dimension, shape):
+    """(3, 3) of trace 1, without one all directions are alike; None for balls."""
+    if shape != LINES:
+        if "orientation" in data:
+            raise ZurtError(f"orientation: {shape} have none")
+        return None
     table = data.get("orientation", {})
     know_keys(table, {"tensor", "eigenvalues"}, "orientation.")
     if len(table) > 1:
@@ -231,6 +240,16 @@ def cards_of(data, unit, dimension, classes):
                       factor_table(table, "correction") or SMALLEST_TABLE, factor_table(table, "towards"), margin, classes)
 
 
+def increasing(given, key):
+    """A list of rising numbers, none below 0."""
+    if not isinstance(given, list) or not given:
+        raise ZurtError(f"{key}: a list of numbers is needed, not {given!r}")
+    values = [one_number(value, key, -1.0e-300) for value in given]
+    if any(after <= before for before, after in zip(values, values[1:])):
+        raise ZurtError(f"{key}: each number lies above the one before it")
+    return values
+
+
 def factor_table(table, key):
     given = table.get(key)
     if given is None:
@@ -240,11 +259,10 @@ def factor_table(table, key):
     missing = TABLE_KEYS - set(given)
     if missing:
         raise ZurtError(f"{where}{sorted(missing)[0]}: is missing")
-    try:
-        shape = numpy.array(given["factors"], dtype=float).shape
-    except (TypeError, ValueError):
-        shape = None
-    if shape != (len(given["distances"]), len(given["concentrations"])):
+    distances, concentrations = (increasing(given[key], where + key) for key in ("distances", "concentrations"))
+    rows = given["factors"]
+    if not isinstance(rows, list) or len(rows) != len(distances) or any(not isinstance(row, list) or len(row) != len(concentrations) for row in rows):
         raise ZurtError(f"{where}factors: a row for each of the {len(given['distances'])} distances (nanometres) with a factor for each of "
                         f"the {len(given['concentrations'])} concentrations")
-    return given
+    return {"distances": distances, "concentrations": concentrations,
+            "factors": [[one_number(value, where + "factors", -1.0e-300) for value in row] for row in rows]}

@@ -40,7 +40,10 @@ def read_rows(path):
     if len(kept) < 2:
         raise ZurtError("a first line with the names of the columns and at least one fibre are needed", path)
     separator = ";" if ";" in kept[0][0] else ","
-    return list(csv.reader((line for line, _ in kept), delimiter=separator)), [number for _, number in kept]
+    try:
+        return list(csv.reader((line for line, _ in kept), delimiter=separator)), [number for _, number in kept]
+    except csv.Error as error:
+        raise ZurtError(f"no table: {error}", path) from None
 
 
 def numbers_of(path, line, row, columns):

@@ -8,6 +8,7 @@ import numpy
 WIDTH, HEIGHT = 420.0, 250.0
 LEFT, RIGHT, TOP, BOTTOM = 64.0, 18.0, 10.0, 40.0
 MOST_POINTS = 500
+LARGEST = 1e200
 UNBROKEN = "\u00a0"  # a blank at which no line ends
 SUPERSCRIPTS = str.maketrans("-0123456789", "⁻⁰¹²³⁴⁵⁶⁷⁸⁹")
 
@@ -78,14 +79,31 @@ def tidy(value, digits=4):
 
 
 def _shown(curve, colour, logarithmic):
-    x, y = numpy.asarray(curve.x, float), numpy.asarray(curve.y, float).copy()
+    x, y = (_drawable(numpy.asarray(each, float)) for each in (curve.x, curve.y))
     if logarithmic:
         y[~(y > 0.0)] = numpy.nan
-    band = curve.band
+    band = curve.band and tuple(_drawable(numpy.asarray(each, float)) for each in curve.band)
     if len(x) > MOST_POINTS:
-        kept = numpy.unique(numpy.linspace(0, len(x) - 1, MOST_POINTS).astype(int))
-        x, y, band = x[kept], y[kept], band and tuple(numpy.asarray(each)[kept] for each in band)
-    return Curve(curve.name, x, y, curve.style, band, curve.colour or (colour - 1) % 8 + 1)
+        kept = _telling_points(y)
+        x, y, band = x[kept], y[kept], band and tuple(each[kept] for each in band)
+    return Curve(curve.name, x, y, curve.style, band, ((curve.colour or colour) - 1) % 8 + 1)
+
+
+def _drawable(values):
+    """A copy without numbers so large that axes around them have none, nor so small that their logarithms end."""
+    values = numpy.where(numpy.abs(values) < LARGEST, values, numpy.nan)
+    return numpy.where(numpy.abs(values) < 1.0 / LARGEST, 0.0, values)
+
+
+def _telling_points(y):
+    """Places of about MOST_POINTS of the points: the first, lowest and highest of each piece of the curve, and the last one, so that no peak
+    is left out."""
+    limits = numpy.linspace(0, len(y), MOST_POINTS // 3 + 1).astype(int)
+    first = limits[:-1]
+    low, high = numpy.where(numpy.isnan(y), numpy.inf, y), numpy.where(numpy.isnan(y), -numpy.inf, y)
+    lowest = [begin + int(numpy.argmin(low[begin:end])) for begin, end in zip(first, limits[1:])]
+    highest = [begin + int(numpy.argmax(high[begin:end])) for begin, end in zip(first, limits[1:])]
+    return numpy.unique(numpy.concatenate([first, lowest, highest, [len(y) - 1]]))
 
 
 def _range(arrays, logarithmic, margin=0.06):

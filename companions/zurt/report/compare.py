@@ -8,11 +8,14 @@ from . import balance
 from .charts import Curve, line_chart, tidy
 from .fields import dense_part, profile, telling_axes
 from .fit_story import fitted_table
-from .gather import AXES, gather_problem, readable_steps
+from .gather import AXES, gather_problem, last_of, readable_steps
 from .records import Table
 
 STYLES = ("line", "dashed")
 STORED = {"stored": "Stored amount", "stored_fibres": "Stored in radial fibres"}
+FLOW = "Flow, "
+RESIDUE = "Largest balance error"
+ROUNDING = 1e-8  # of the largest flow
 
 
 @dataclass
@@ -39,12 +42,17 @@ def gather_comparison(runs, with_pictures=True):
     names = _names(runs)
     count = min(len(run.listing.problems) for run in runs)
     states = ["not complete" if not run.listing.problems or not run.listing.problems[-1].complete else "finished" for run in runs]
-    return ComparisonPage(names, states, [_problem(runs, names, k, with_pictures) for k in range(count)])
+    problems = [_problem(runs, names, k, with_pictures) for k in range(count)]
+    if problems and count < max(len(run.listing.problems) for run in runs):
+        problems[-1].sentences.append("The runs have different numbers of problems; only those that all have are compared.")
+    return ComparisonPage(names, states, problems)
 
 
 def _names(runs):
-    """The shortest ends of the folders' paths that differ."""
+    """The shortest ends of the folders' paths that differ, with the listings' names where one folder holds several."""
     paths = [os.path.abspath(run.folder).split(os.sep) for run in runs]
+    if len({tuple(path) for path in paths}) < len(paths):
+        paths = [[*path, run.files.name] for path, run in zip(paths, runs)]
     for depth in range(1, max(len(path) for path in paths) + 1):
         names = ["/".join(path[-depth:]) for path in paths]
         if len(set(names)) == len(names):
@@ -55,7 +63,7 @@ def _names(runs):
 def _problem(runs, names, k, with_pictures):
     pages = [gather_problem(run, k, with_pictures, None) for run in runs]
     histories = [run.histories[k].values if k < len(run.histories) and run.histories[k] else None for run in runs]
-    lasts = [steps[-1][1]() if (steps := readable_steps(run, k)) else None for run in runs]
+    lasts = [last_of(readable_steps(run, k))[0] for run in runs]
     found = ComparedProblem(k + 1, [page.title for page in pages], _figures(runs, names, histories, lasts, k), _facts(pages, names))
     found.pictures = [(f"{name}: {page.pictures[0][0].lower()}", page.pictures[0][1]) for name, page in zip(names, pages) if page.pictures]
     charts = [*_profile_charts(names, lasts), *_history_charts(names, histories), *_convergence_charts(names, histories)]
@@ -68,22 +76,29 @@ def _figures(runs, names, histories, lasts, k):
     """Rows of numbers, each with its differences to the first run."""
     columns = [_numbers(run, history, last, k) for run, history, last in zip(runs, histories, lasts)]
     labels = list(dict.fromkeys(label for column in columns for label in column))
-    rows = []
+    flows = [abs(value) for column in columns for label, value in column.items() if label.startswith(FLOW) and numpy.isfinite(value)]
+    rounding, rows = ROUNDING * max(flows, default=0.0), []
     for label in labels:
         values = [column.get(label) for column in columns]
         first = values[0]
-        differences = [_difference(first, value) for value in values[1:]]
+        differences = [_difference(label, first, value, rounding if label.startswith(FLOW) else 0.0) for value in values[1:]]
         rows.append([label, *[tidy(value, 6) if value is not None else "" for value in values], *differences])
     heads = ["", *names, *([f"{name}, difference" for name in names[1:]] if len(names) > 2 else ["difference"])]
-    return Table("Figures", heads, rows, "Differences are those to the first run, in per cent of it.")
+    note = f"Differences are those to the first run, in per cent of it. {RESIDUE}: residues, whose difference is stated as it is."
+    return Table("Figures", heads, rows, note)
 
 
-def _difference(first, value):
+def _difference(label, first, value, rounding):
+    """The difference of a figure in words; both are taken for zero up to `rounding`."""
     if first is None or value is None or not numpy.isfinite([first, value]).all():
         return ""
     if first == value:
         return "none"
-    return f"{100.0 * (value - first) / abs(first):+.3g} %".replace("-", "−") if first else tidy(value - first)
+    if max(abs(first), abs(value)) <= rounding:
+        return "none, both ≈ 0"
+    if label == RESIDUE or not first:
+        return ("+" if value > first else "") + tidy(value - first, 2)
+    return f"{100.0 * (value - first) / abs(first):+.3g} %".replace("-", "−")
 
 
 def _numbers(run, history, last, k):
@@ -97,9 +112,9 @@ def _numbers(run, history, last, k):
         numbers.update({"End of the run": float(end["time"]), "Steps": len(history), "Solves": int(history["iterations"].sum())})
         for name in history.dtype.names:
             if name in STORED or name.startswith("held_f") or name in balance.FLOWS and name != "storing":
-                label = STORED.get(name, f"Flow, {balance.label_of(name)}")
+                label = STORED.get(name, f"{FLOW}{balance.label_of(name)}")
                 numbers[label + " at the end"] = float(end[name])
-        numbers["Largest balance error"] = float(numpy.nanmax(history["error"])) if numpy.isfinite(history["error"]).any() else None
+        numbers[RESIDUE] = float(numpy.nanmax(history["error"])) if numpy.isfinite(history["error"]).any() else None
     if last is not None:
         numbers["Lowest concentration"] = float(numpy.nanmin(last.concentration))
         numbers["Highest concentration"] = float(numpy.nanmax(last.concentration))
@@ -134,19 +149,25 @@ def _history_charts(names, histories):
              if history is not None and len(history) >= balance.SHORTEST and numpy.ptp(history["time"])]
     columns = list(dict.fromkeys(name for _, history in there for name in history.dtype.names))
     wanted = [name for name in columns if name in STORED or name in balance.FLOWS or name.startswith(("held_f", "c_"))]
+    flows = _largest([history[name] for _, history in there for name in wanted
+                      if name in history.dtype.names and name not in STORED and not name.startswith("c_")])
     charts = []
     for name in wanted:
         if name == "storing" or (name == "held" and any(column.startswith("held_f") for column in columns)):
             continue
         curves = [Curve(names[k], history["time"], history[name], STYLES[k % 2], None, k + 1) for k, history in there if name in history.dtype.names]
-        largest = max(numpy.nanmax(numpy.abs(curve.y), initial=0.0) for curve in curves)
-        if largest <= 1e-12:
+        largest = _largest([curve.y for curve in curves])
+        if largest <= (0.0 if name in STORED or name.startswith("c_") else 1e-12 * flows):
             continue
-        title = STORED.get(name) or (f"Concentration at node {name[2:]}" if name.startswith("c_") else f"Flow, {balance.label_of(name)}")
+        title = STORED.get(name) or (f"Concentration at node {name[2:]}" if name.startswith("c_") else f"{FLOW}{balance.label_of(name)}")
         unit = "amount" if name.startswith("stored") else "concentration" if name.startswith("c_") else "amount per time"
         charts.append(line_chart(title, curves, "time", unit))
         charts.append(_difference_chart(title, names, there, name))
     return charts
+
+
+def _largest(arrays):
+    return max((float(numpy.nanmax(numpy.abs(values), initial=0.0)) for values in arrays), default=0.0)
 
 
 def _difference_chart(title, names, there, name):
@@ -182,7 +203,7 @@ def _field_difference(name, base, other_name, other):
     extent = numpy.ptp(base.points, axis=0).max()
     if numpy.abs(base.points - other.points).max() > 1e-4 * extent:
         return f"{other_name} has its nodes at other places than {name}, so they are not compared."
-    difference = other.concentration - base.concentration
+    difference = numpy.where(base.nodes & other.nodes, other.concentration - base.concentration, numpy.nan)
     if not numpy.isfinite(difference).any():
         return ""
     node = int(numpy.nanargmax(numpy.abs(difference)))

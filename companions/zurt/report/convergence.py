@@ -1,11 +1,10 @@
 """How each step converged: from the table of balances, else from the console, else from the listing, which has the printed steps alone."""
 import numpy
 
+from ..results.listing import ITERATION
 from .charts import Curve, line_chart, tidy
 from .fields import header_of
-from .records import Table
-
-MOST_ROWS = 2000
+from .records import MOST_ROWS, Table
 
 
 def gather(run, k, history):
@@ -33,6 +32,8 @@ def gather(run, k, history):
 def _iterations(run, k):
     """Rows of every iteration, and where they are from. The console has all steps; it is one text of all problems and passes."""
     console = run.console
+    if console is not None and console.searches and not console.passes:
+        return numpy.zeros(0, ITERATION), "console"  # a fit that has not come to the run that writes results
     if console is not None and len(run.listing.problems) == 1 and console.passes:
         return console.passes[-1], "console"
     return run.listing.problems[k].iterations, "listing"
@@ -62,6 +63,8 @@ def _slowest(iterations, marks):
 
 
 def _table(steps, solves, ratio, where):
-    rows = [(str(int(step)), str(int(count)), tidy(value, 2) if numpy.isfinite(value) else "") for step, count, value in zip(steps, solves, ratio)]
-    note = f"The first {MOST_ROWS} of {len(rows)} steps." if len(rows) > MOST_ROWS else ""
-    return Table("Every printed step" if where else "Every step", ["step", "solves", "last increment over largest"], rows[:MOST_ROWS], note, True)
+    shown = slice(0, MOST_ROWS)
+    rows = [(str(int(step)), str(int(count)), tidy(value, 2) if numpy.isfinite(value) else "")
+            for step, count, value in zip(steps[shown], solves[shown], ratio[shown])]
+    note = f"The first {MOST_ROWS} of {len(steps)} steps." if len(steps) > MOST_ROWS else ""
+    return Table("Every printed step" if where else "Every step", ["step", "solves", "last increment over largest"], rows, note, True)

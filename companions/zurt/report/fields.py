@@ -35,7 +35,8 @@ def written_steps(run, problem):
         found = run.graphics[problem]
         return [(place.time, lambda place=place: _of_graphics(run, found, place)) for place in found.places]
     if problem < len(run.listing.problems):
-        return [(step.time, lambda step=step: _of_listing(run, step)) for step in run.listing.problems[problem].steps]
+        listed = run.listing.problems[problem]
+        return [(step.time, lambda step=step: _of_listing(run, listed, step)) for step in listed.steps]
     return []
 
 
@@ -55,8 +56,12 @@ def _of_graphics(run, problem, place):
     return Fields(step.time, problem.points, cells, values, numpy.ones(len(values), bool), vectors, None, "the graphics file")
 
 
-def _of_listing(run, step):
+def _of_listing(run, listed, step):
     values = listing.step_values(run.listing, step)
+    first = listed.steps[0]
+    if step is listed.steps[-1] and step is not first and not listed.complete:  # of a run that was killed while it wrote
+        if len(values["concentration"]) < len(listing.step_values(run.listing, first)["concentration"]):
+            raise ZurtError("the table of the last step is not complete", run.files.listing)
     return Fields(step.time, None, [], values["concentration"], numpy.ones(len(values["concentration"]), bool), {}, None, "the listing")
 
 

@@ -2,42 +2,58 @@
 import numpy
 
 from .charts import Curve, line_chart, tidy
+from .fibre_run import AXES, FitRuns, fibre_flow, fitted_directions, medium_flow
 from .fields import dense_part, written_steps
-from .fit_story import compare_flows, direct_table, fibre_flow, fitted_table, read_searches
-from .records import FitPage, Headline, Table
+from .fit_story import compare_flows, direct_table, fitted_table, read_searches
+from .records import MOST_ROWS, FitPage, Headline, Table
 
 
-def gather(run, fibres):
-    """FitPage of every direction that was fitted or directly calculated. fibres: Run of the model with fibres, or None."""
-    searches = read_searches(run)
+def gather(run, beside=None):
+    """FitPage of every direction that was fitted or directly calculated, or whose fit has begun. beside: fibre_run.FitRuns."""
+    searches, beside = read_searches(run), beside or FitRuns()
     pages = []
-    for direction in run.masses:
+    for direction in AXES:
+        own = [search for search in searches if search.direction == direction.lower()]
         if fitted := fitted_table(run, direction):
-            pages.append(_fit(run, direction, fitted, [s for s in searches if s.direction == direction.lower()], fibres))
+            pages.append(_fit(run, direction, fitted, own, beside))
         elif direct := direct_table(run, direction):
             pages.append(_direct(run, direction, direct))
+        elif own:
+            pages.append(_begun(direction, own))
     return pages
 
 
-def _fit(run, direction, table, searches, fibres):
+def _begun(direction, searches):
+    """A direction whose fit has written no result: the run was ended, or has not ended yet."""
+    title = f"The fit along {direction.lower()}"
+    page = FitPage(title, [Headline(title, "not ended", "no parameters are in its mass file")])
+    _add_searches(page, searches, False)
+    return page
+
+
+def _add_searches(page, searches, ended):
+    for search in searches:
+        page.sentences.append(_sentence(search, ended))
+        page.charts += _search_charts(search)
+        page.tables.append(_search_table(search))
+
+
+def _fit(run, direction, table, searches, beside):
     found, axis = table.fitted, direction.lower()
     same = abs(found["D2D"] - found["D1D"]) <= 1e-6 * abs(found["D1D"])
     curve = tidy(found["D1D"], 5) if same else f"{tidy(found['D1D'], 5)} to {tidy(found['D2D'], 5)}"
     ends = "D1D = D2D of the medium" if same else "D1D to D2D of the medium"
     page = FitPage(f"The fit along {axis}", [_found(f"Coefficient along {axis}", curve, ends, "D1D", searches),
                                              _found(f"HEQ along {axis}", tidy(found["HEQ"], 5), "wall distance", "HEQ", searches)])
-    for search in searches:
-        page.sentences.append(_sentence(search))
-        page.charts += _search_charts(search)
-        page.tables.append(_search_table(search))
+    _add_searches(page, searches, True)
     if not searches:
         page.sentences.append("The runs of the fit stand on the console alone, which was not kept: zurt.run keeps it, and so does "
                               "zurt --progress progress.txt ... > console.txt in the run's folder.")
     alike = not searches or any(search.key == "HEQ" for search in searches)
-    if fibres is not None and not alike:
+    if beside.fibres and not alike:
         page.sentences.append("This fit sought the curve alone, without correction factors, and the run of the model with fibres has those of "
                               "the deck: compare flows only where the deck's factors are 1.")
-    _add_flows(page, run, direction, table, fibres, alike)
+    _add_flows(page, run, direction, beside, alike)
     page.charts += _coefficient_chart(run) if len(run.masses) == 1 else []
     page.charts = [chart for chart in page.charts if chart]
     return page
@@ -56,11 +72,11 @@ def _found(label, value, words, key, searches):
     return Headline(label, value, words + (", not fitted" if searches and search is None else ""))
 
 
-def _sentence(search):
+def _sentence(search, ended):
     count = _count(search)
     factors = "with correction factors" if "without" not in search.fibres else "without correction factors"
     end = f", the last within {tidy(abs(search.errors[-1]), 2)} of its mass" if len(search.errors) else ""
-    state = "" if search.finished else " It ended without a result: see the notes below."
+    state = "" if search.finished else " It came to no result" + (": see the notes below." if ended else ".")
     return f"Search for the {search.parameter}: {count} runs of the medium against the model with fibres {factors}{end}.{state}"
 
 
@@ -83,7 +99,7 @@ def _search_charts(search):
 
 
 def _search_table(search):
-    rows = [(str(int(number)), tidy(value, 5) if numpy.isfinite(value) else "", f"{100.0 * error:+.4f} %".replace("-", "−"),
+    rows = [(str(int(number)), tidy(value, 5) if numpy.isfinite(value) else "", _percent(error, 4),
              "too much" if error > 0.0 else "too little",
              f"{tidy(min(bracket), 5)} to {tidy(max(bracket), 5)}" if numpy.isfinite(bracket).all() else "")
             for number, value, error, bracket in zip(search.runs, search.values, search.errors, search.brackets)]
@@ -91,38 +107,59 @@ def _search_table(search):
                  "The program states no error for the first run.", True)
 
 
-def _add_flows(page, run, direction, table, fibres, alike):
-    if table.flows is None or not len(table.flows) or "flow" not in table.flows.dtype.names:
-        return
-    time, medium = table.flows["time"], table.flows["flow"]
-    history = next((each.values for each in run.histories if each is not None), None)
-    if history is not None and "inlet" in history.dtype.names and len(run.masses) == 1:
-        time, medium = history["time"], history["inlet"]  # all digits, all steps
-    reference = fibre_flow(fibres, direction) if fibres is not None else None
-    if reference is None:
-        page.charts.append(line_chart("Flow through the inlet section", [Curve("fitted medium", time, medium, "both")], "time", "amount per time"))
+def _add_flows(page, run, direction, beside, alike):
+    """What both models let through the inlet section along a direction, as far as there are runs that tell."""
+    axis, last = direction.lower(), fitted_directions(run)[-1]
+    of_medium = medium_flow(run, direction)
+    if direction != last:
+        page.sentences.append(f"A fit writes the medium's flow along the last of its directions alone, here {last.lower()}. "
+                              + (f"That along {axis} is of a fit along {axis} by itself." if direction in beside.media else
+                                 f"With --solve-fibres this report makes a fit along {axis} by itself, and shows the flow of that."))
+        of_medium = medium_flow(beside.media[direction], direction) if direction in beside.media else None
+    reference = fibre_flow(beside.fibres, direction)
+    if reference is None and beside.fibres:
+        page.sentences.append(f"No run of the model with fibres has a flow along {axis}: its INDDEG is another, or it has no history.")
+    elif reference is None and direction == last:
         page.sentences.append("The flow of the model with fibres is not among a fit's results. With --solve-fibres this report runs that model "
-                              "and shows how far each step's flow differs; --fibres RUN takes a run that is there." if fibres is None else
-                              f"The run of the model with fibres has no flow along {direction.lower()}: its INDDEG is another.")
-        return
-    flows = compare_flows(time, reference, medium)
+                              "and shows how far each step's flow differs; --fibres RUN takes a run that is there.")
+    if of_medium is not None:
+        times, medium = of_medium
+        place = "time" if times is not None and numpy.any(times) else "step"
+        flows = compare_flows(times, medium if reference is None else reference, medium)
+        if reference is None:
+            page.charts.append(line_chart("Flow through the inlet section", [Curve("fitted medium", flows.time, flows.medium, "both")], place,
+                                          "amount per time"))
+        else:
+            _compare(page, axis, flows, place, alike, len(reference))
+
+
+def _compare(page, axis, flows, place, alike, steps):
     both = [Curve("model with fibres", flows.time, flows.fibres, "both"), Curve("fitted medium", flows.time, flows.medium, "dashed")]
     difference = Curve("medium over fibres, less one", flows.time, 100.0 * flows.difference, "both", None, 2)
-    page.charts.append(line_chart("Flow through the inlet section", both, "time", "amount per time"))
-    page.charts.append(line_chart("How far the medium's flow differs", [difference], "time", "per cent"))
-    page.tables.append(_flow_table(flows))
-    if not alike:
+    page.charts.append(line_chart("Flow through the inlet section", both, place, "amount per time", whole_x=place == "step"))
+    page.charts.append(line_chart("How far the medium's flow differs", [difference], place, "per cent", whole_x=place == "step"))
+    page.tables.append(_flow_table(flows, place))
+    known = flows.difference[numpy.isfinite(flows.difference)]
+    if not alike or not len(known) or not numpy.isfinite(flows.passed):
         return
-    passed = f"{100.0 * flows.passed:+.3f} %".replace("-", "−")
-    page.headlines.append(Headline("Mass of the medium", passed, "against the model with fibres, all steps"))
-    page.sentences.append(f"Over all steps the medium passes {abs(100.0 * flows.passed):.3f} % {'more' if flows.passed > 0 else 'less'} than the "
-                          f"model with fibres; single steps differ by up to {100.0 * numpy.nanmax(numpy.abs(flows.difference)):.2f} %.")
+    count = len(flows.time)
+    over = "all steps" if count == steps else f"the first {count} of {steps} steps"
+    page.headlines.append(Headline(f"Mass along {axis}", _percent(flows.passed), f"of the medium against the model with fibres, {over}"))
+    page.sentences.append(f"Over {over} the medium passes {abs(100.0 * flows.passed):.3f} % {'more' if flows.passed > 0 else 'less'} than the "
+                          f"model with fibres; single steps differ by up to {100.0 * numpy.max(numpy.abs(known)):.2f} %.")
 
 
-def _flow_table(flows):
-    rows = [(tidy(time), tidy(a), tidy(b), f"{100.0 * d:+.3f} %".replace("-", "−"))
-            for time, a, b, d in zip(flows.time, flows.fibres, flows.medium, flows.difference)]
-    return Table("Flows of both models", ["time", "fibres", "medium", "difference"], rows, "", True)
+def _percent(share, digits=3):
+    return f"{100.0 * share:+.{digits}f} %".replace("-", "−") if numpy.isfinite(share) else "–"
+
+
+def _flow_table(flows, place):
+    rows = [(tidy(time), tidy(a), tidy(b), _percent(d)) for time, a, b, d in zip(flows.time, flows.fibres, flows.medium, flows.difference)]
+    return Table("Flows of both models", [place, "fibres", "medium", "difference"], rows[:MOST_ROWS], _first_of(rows), True)
+
+
+def _first_of(rows):
+    return f"The first {MOST_ROWS} of {len(rows)} steps." if len(rows) > MOST_ROWS else ""
 
 
 def _coefficient_chart(run):
@@ -161,7 +198,7 @@ def _direct(run, direction, table):
                                       "step", "amount per time", whole_x=True))
         story = compare_flows(flows["step"], flows["fibres"], flows["medium"])
         page.tables.append(Table("Flows of both passes", ["step", "fibres", "medium", "difference"],
-                                 [(str(int(s)), tidy(a), tidy(b), f"{100.0 * d:+.2f} %".replace("-", "−"))
+                                 [(str(int(s)), tidy(a), tidy(b), _percent(d, 2))
                                   for s, a, b, d in zip(flows["step"], flows["fibres"], flows["medium"], story.difference)], "", True))
     page.charts = [chart for chart in page.charts if chart]
     return page

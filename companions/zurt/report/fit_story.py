@@ -60,8 +60,8 @@ def _brackets(values, errors):
 
 @dataclass
 class Flows:
-    """Flow through the inlet cross-section, step by step. time: (n,). fibres, medium: (n,) of both models. difference: (n,) medium over fibres less
-    one. passed: relative difference of what passed over all steps."""
+    """Flow through the inlet cross-section, step by step. time: (n,), or numbers of the steps. fibres, medium: (n,) of both models.
+    difference: (n,) medium over fibres less one. passed: relative difference of what passed over all steps."""
     time: numpy.ndarray
     fibres: numpy.ndarray
     medium: numpy.ndarray
@@ -70,24 +70,19 @@ class Flows:
 
 
 def compare_flows(time, fibres, medium):
-    """Flows of both models at the same steps; as many as both have."""
-    count = min(len(time), len(fibres), len(medium))
-    time, fibres, medium = (numpy.asarray(each, float)[:count] for each in (time, fibres, medium))
-    steps = numpy.diff(numpy.concatenate([[0.0], time]))
+    """Flows of both models at the same steps; as many as both have. time: ends of the steps; zeros of a steady problem, whose steps count
+    alike; None where it is not known, so that what has passed is not, either. Without times steps are counted in their place."""
+    count = min(len(each) for each in (time, fibres, medium) if each is not None)
+    fibres, medium = (numpy.asarray(each, float)[:count] for each in (fibres, medium))
+    counted = numpy.arange(1.0, count + 1.0)
+    time = numpy.full(count, numpy.nan) if time is None else numpy.asarray(time, float)[:count]
+    place = time if time.any() and numpy.isfinite(time).all() else counted
+    steps = numpy.diff(numpy.concatenate([[0.0], time])) if time.any() else numpy.ones(count)
     total = float(numpy.sum(steps * fibres))
     with numpy.errstate(divide="ignore", invalid="ignore"):
         difference = medium / fibres - 1.0
     passed = float(numpy.sum(steps * medium)) / total - 1.0 if total else numpy.nan
-    return Flows(time, fibres, medium, difference, passed)
-
-
-def fibre_flow(run, direction="X"):
-    """(n,) flow of the model with fibres of a run of the direct calculation, or of a plain run of that model with a history; None without."""
-    for table in run.masses.get(direction, []):
-        if table.flows is not None and "fibres" in table.flows.dtype.names:
-            return table.flows["fibres"]
-    histories = [each for each in run.histories if each is not None]
-    return histories[0].values["inlet"] if histories and "inlet" in histories[0].values.dtype.names else None
+    return Flows(place, fibres, medium, difference, passed)
 
 
 def fitted_table(run, direction):

@@ -15,10 +15,10 @@ AXES = "xyz"
 MOST_STEPS = 5
 
 
-def gather_run(run, with_pictures=True, fibres=None):
-    """RunPage of a run. fibres: the Run of the model with fibres that a fit is held against."""
+def gather_run(run, with_pictures=True, beside=None):
+    """RunPage of a run. beside: fibre_run.FitRuns, the runs that a fit is held against."""
     listing = run.listing
-    problems = [gather_problem(run, k, with_pictures, fibres) for k in range(len(listing.problems))]
+    problems = [gather_problem(run, k, with_pictures, beside) for k in range(len(listing.problems))]
     status, words = _status(run)
     notes = note_texts(run.notes) if run.notes is not None else None
     errors = error_texts(run.notes) if run.notes is not None else []
@@ -26,15 +26,16 @@ def gather_run(run, with_pictures=True, fibres=None):
                    _counted(run.messages), problems, _files(run))
 
 
-def gather_problem(run, k, with_pictures, fibres):
+def gather_problem(run, k, with_pictures, beside):
     listed = run.listing.problems[k]
-    steps = readable_steps(run, k)
-    last = steps[-1][1]() if steps else None
+    last, steps, fault = last_of(readable_steps(run, k))
     history = run.histories[k] if k < len(run.histories) else None
     page = ProblemPage(k + 1, _title(run, k), _facts(run, k, last, steps))
     page.headlines = balance.headlines(history) if history else []
     if last is not None:
         _add_fields(page, run, steps, last, with_pictures)
+    if fault:
+        page.hints.append(f"A step that was written last can't be read, so an earlier one is shown: {fault}" if last else f"No step can be read: {fault}")
     if history:
         page.balance_charts, page.bars, page.bars_title = balance.charts(history), balance.bars(history), balance.bars_title(history)
         page.probe_charts = balance.probe_charts(history)
@@ -44,7 +45,7 @@ def gather_problem(run, k, with_pictures, fibres):
     if words:
         page.headlines.append(Headline("Solves", *words))
     if k == 0:
-        page.fits = fit_page.gather(run, fibres)
+        page.fits = fit_page.gather(run, beside)
         page.headlines = [headline for fit in page.fits for headline in fit.headlines] + page.headlines
     if listed.torsion_moments:
         page.headlines.insert(0, Headline("Torsional moment", tidy(listed.torsion_moments[-1], 5), "TORZM, of the section in the mesh"))
@@ -59,12 +60,26 @@ def readable_steps(run, k):
         return []
 
 
+def last_of(steps):
+    """(Fields of the last of the steps that can be read, or None; the steps up to it; what is wrong with the last one, or nothing)."""
+    fault = ""
+    for count in range(len(steps), 0, -1):
+        try:
+            return steps[count - 1][1](), steps[:count], fault
+        except ZurtError as error:
+            fault = fault or str(error)
+    return None, [], fault
+
+
 def _add_fields(page, run, steps, last, with_pictures):
     values = last.concentration[numpy.isfinite(last.concentration)]
     if len(values):
         low, high = float(values.min()), float(values.max())
         page.headlines.append(Headline("Concentration", f"{tidy(low)} to {tidy(high)}" if tidy(high) != tidy(low) else tidy(low),
                                        f"lowest and highest of the last step, from {last.source}"))
+    lost = int((~numpy.isfinite(last.concentration) & last.nodes).sum())
+    if lost and not run.files.fibres:
+        page.headlines.append(Headline("Nodes without a number", f"{lost} of {int(last.nodes.sum())}", "NaN or infinite in the last step"))
     if last.points is None:
         page.hints.append("No mesh is known, so there are no pictures: write the graphics file (IGRAF) or run with --vtu.")
         return
@@ -83,11 +98,15 @@ def _profile_chart(steps, last, axis, with_earlier):
         for time, read in [steps[k] for k in chosen]:
             if time == last.time:
                 continue
-            earlier = read()
+            try:
+                earlier = read()
+            except ZurtError:
+                continue
             line = profile(earlier, earlier.concentration, axis, part)
             curves.append(Curve(f"t = {tidy(time)}", line.at, line.mean, "line", None, len(curves) + 2))
     line = profile(last, last.concentration, axis, part)
-    spread = numpy.ptp(last.concentration[numpy.isfinite(last.concentration) & last.nodes])
+    shown = last.concentration[numpy.isfinite(last.concentration) & last.nodes]
+    spread = numpy.ptp(shown) if len(shown) else 0.0
     band = (line.low, line.high) if numpy.max(line.high - line.low, initial=0.0) > 1e-3 * spread else None
     style = "both" if len(line.at) < 40 else "line"
     name = f"t = {tidy(last.time)}" if curves or last.time else "mean of the section"
@@ -182,8 +201,12 @@ def _status(run):
         return "finished", "finished"
     if run.status == 3:
         return "stopped", "interrupted"
+    if run.status is not None and run.status < 0:
+        return "stopped", f"ended by signal {-run.status}"
     if run.status is not None:
         return "stopped", "stopped"
+    if run.notes and any(line.startswith("zurt: interrupted") for line in run.notes):
+        return "stopped", "interrupted"
     problems = run.listing.problems
     if problems and problems[-1].complete:
         return "finished", "finished"

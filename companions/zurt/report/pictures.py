@@ -2,6 +2,7 @@
 import io
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -46,14 +47,28 @@ def _by_vtk(fields, fibres_path, box, low, high):
         files = [os.path.join(folder, name) for name in ("surface.png", "sections.png")]
         numbers = [f"{value:.17g}" for pair in box for value in pair] + [f"{low:.17g}", f"{high:.17g}"]
         command = [*launcher, sys.executable, "-m", "zurt.report.vtk_scene", step, fibres_path or "-", *files, *numbers]
-        environment = dict(os.environ, PYTHONPATH=os.path.join(os.path.dirname(__file__), "..", ".."))
         try:
-            subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                           timeout=VTK_SECONDS, check=False)
+            _run_quietly(command, dict(os.environ, PYTHONPATH=os.path.join(os.path.dirname(__file__), "..", "..")))
         except (OSError, subprocess.TimeoutExpired):
             return []
         words = (_words("Concentration", fields), _words("Sections through the middle", fields))
         return [(title, _content(file)) for title, file in zip(words, files) if os.path.isfile(file) and os.path.getsize(file) > 0]
+
+
+def _run_quietly(command, environment):
+    """Runs a program; when it takes too long, it and all that it has started are ended."""
+    nowhere = subprocess.DEVNULL
+    child = subprocess.Popen(command, env=environment, stdin=nowhere, stdout=nowhere, stderr=nowhere, start_new_session=True)
+    try:
+        child.wait(VTK_SECONDS)
+    except BaseException:
+        os.killpg(child.pid, signal.SIGTERM)
+        try:
+            child.wait(5)
+        except subprocess.TimeoutExpired:
+            os.killpg(child.pid, signal.SIGKILL)
+            child.wait()
+        raise
 
 
 def _words(what, fields):

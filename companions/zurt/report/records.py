@@ -1,6 +1,8 @@
 """What a page is made of: plain values for the template."""
 from dataclasses import dataclass, field
 
+MOST_ROWS = 2000  # of a table
+
 
 @dataclass
 class Headline:

@@ -62,7 +62,9 @@ def place_camera(scene, bounds, direction=None):
 
 
 def add_scale(scene, table):
-    scale = scale_bar(table, "c", (20, 18), 0.1)
+    largest = max(map(abs, table.GetRange()))
+    plain = 1e-3 <= largest < 1e4  # numbers with exponents are longer
+    scale = scale_bar(table, "c", (20, 18 if plain else 13), 0.1)
     scale.SetPosition(0.05, 0.08)
     scale.SetWidth(0.9)
     scale.SetHeight(0.84)

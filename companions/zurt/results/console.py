@@ -48,10 +48,10 @@ def read_console(path):
 def parse_console(lines):
     """Console of an iterable of lines."""
     console, rows, step = Console([], []), [], 0
-    direction, fibres, open_search, last = "", "", None, None
+    direction, fibres, open_search, last, fitting = "", "", None, None, False
     for line in lines:
         if match := _DIRECTION.match(line):
-            direction = match.group(1)
+            direction, fitting = match.group(1), True
         elif match := _FIBRES.match(line):
             fibres = match.group(1).strip()
         elif match := _MEDIUM.match(line):
@@ -60,12 +60,14 @@ def parse_console(lines):
         elif line.startswith(" Max number of iterations"):
             open_search = None  # without a result
         elif "finished" in line.lower():
+            fitting = fitting and "HOMOGENIZATION" not in line
             if open_search:
                 open_search.finished, open_search = True, None
         elif open_search and (match := _TRIAL.match(line)):
             open_search.errors.append(number(match.group(2)))
+        elif fitting:
+            continue  # steps of the fit's own runs, which say something when an increment is small
         elif match := _STEP.match(line):
-            open_search = None
             if int(match.group(1)) < step:
                 console.passes.append(numpy.array(rows, ITERATION))
                 rows = []

@@ -51,6 +51,11 @@ def _is_listing(path):
     return name.lower().endswith(".lst") and not re.fullmatch(r"(MESSAGES|MASS-[XYZ])\.LST", name)
 
 
+def name_of_deck(deck):
+    """What the program calls the files of a deck: its name up to the first dot or blank."""
+    return os.path.basename(deck).split(".")[0].split(" ")[0]
+
+
 def _files_of(listing):
     folder, base = os.path.split(listing)
     name = base[:-4]
@@ -61,15 +66,27 @@ def _files_of(listing):
     files.series = _numbered(stem + ".pvd", stem + "-p{}.pvd")
     files.masses = {axis: path for axis in "XYZ" if (path := there(os.path.join(folder, f"MASS-{axis}.LST")))}
     files.messages = there(os.path.join(folder, "MESSAGES.LST"))
-    files.console, files.notes, files.progress = (there(os.path.join(folder, each)) for each in (CONSOLE, NOTES, PROGRESS))
     record = there(os.path.join(folder, RECORD))
-    if record:
-        try:
-            with open(record, encoding="utf-8") as file:
-                files.record = json.load(file)
-        except ValueError as error:
-            raise ZurtError(f"the record of the run can't be read: {error}", record) from None
+    files.record = _read_record(record) if record else {}
+    if name_of_deck(files.record.get("deck") or name) != name:
+        files.record = {}  # of another run in this folder, and so is what was kept beside it
+        return files
+    files.console, files.notes, files.progress = (there(os.path.join(folder, each)) for each in (CONSOLE, NOTES, PROGRESS))
     return files
+
+
+def _read_record(path):
+    try:
+        with open(path, encoding="utf-8") as file:
+            record = json.load(file)
+    except OSError as error:
+        raise ZurtError(error.strerror, path) from None
+    except ValueError as error:
+        raise ZurtError(f"the record of the run can't be read: {error}", path) from None
+    kinds = {"deck": str, "status": int, "seconds": (int, float), "arguments": list}
+    if not isinstance(record, dict) or any(key in record and not isinstance(record[key], kind) for key, kind in kinds.items()):
+        raise ZurtError("the record of the run is none of zurt.run's", path)
+    return record
 
 
 def _numbered(first, pattern):

@@ -18,6 +18,7 @@ _ITERATIONS = re.compile(rb"^ ITERATIONS FOR STEP:\s*(\d+) /\s*(\d+)|^ ITERATION
 _CARD_LIST = re.compile(rb"^ NUMB (?:1234567890)+\s*\n ---- -+\n((?:.*\n)*?) ---- -", re.M)
 _VALUE = re.compile(rb"(?:\.[ ,]*|COEFFICIENT, |  )([A-Z][A-Z0-9]{1,9}) *= *([-+0-9.EDed]+)\s*$", re.M)
 _FLUXES = (rb"N O D A L   M A S S   F L U X E S", rb"C V O R N I   M A S E N I   F L U K S E V I")
+_TABLE_OR_HEADING = re.compile(r" *\d+ | *(?:\S +){3}\S(?: |$)")  # numbers, or letters with blanks between them
 ITERATION = numpy.dtype([("step", int), ("iteration", int), ("increment", float), ("norm", float), ("step_ratio", float),
                          ("norm_ratio", float)])
 
@@ -154,7 +155,7 @@ def _plain(text):
 
 def _fatal_message(tail):
     """The paragraphs behind the last iteration or table, without those of the progress of a run."""
-    lines = tail.split("\n")
+    lines = tail.split("\n")[:-1]  # what a killed run has not ended is none
     last = max((k for k, line in enumerate(lines) if _is_usual(line)), default=-1)
     words = [line.strip() for line in lines[last + 1:] if line.strip() and line.strip() != "1"]
     return "\n".join(words[:12])
@@ -163,4 +164,4 @@ def _fatal_message(tail):
 def _is_usual(line):
     words = line.strip()
     return words.startswith(("ICR/", "ITERA", "----", "END OF JOB", "A   C A R D", "*****", "C O L U M N", "CARD  ", "NUMB ",
-                             "VERSION")) or "MTOT =" in line or bool(re.match(r"^ *\d+ ", line))
+                             "VERSION", "NODE  ", "CVOR  ")) or "MTOT =" in line or ". ITER =" in line or bool(_TABLE_OR_HEADING.match(line))

@@ -13,6 +13,8 @@ FIT_FLOW = [("step", int), ("time", float), ("flow", float)]
 COEFFICIENT = [("concentration", float), ("bulk", float), ("equivalent", float)]
 PROGRESS = [("step", int), ("steps", int), ("time", float), ("iteration", int), ("ratio", float), ("elapsed", float), ("megabytes", float)]
 HEADS = ["step [1]", "time [time]", "iterations [1]", "ratio [1]"]
+WHOLE = ("step", "iterations")
+CHUNK = 1 << 22
 _PROGRESS = re.compile(r"(?:(.*), )?step (\d+)/(\d+), time (-?\d+\.?\d*(?:[Ee][-+]?\d+)?),(?: iteration (\d+),)?(?: ratio (-?\d+\.?\d*(?:[Ee][-+]?\d+)?|nan|inf),)? elapsed (\d+):(\d+):(\d+)"
                        r"(?:, left [\d:]+)?(?:, (\d+) MB)?")
 
@@ -40,22 +42,41 @@ class MassTable:
 
 def read_history(path):
     """The table that --history wrote. A row that a killed run left unfinished is left out."""
-    with _opened(path) as file:
-        rows = list(csv.reader(file))
-    if not rows or rows[0][:4] != HEADS:
-        raise ZurtError(f"this is no table of balances: its first row begins with {','.join(HEADS)}", path, 1)
-    heads = [re.fullmatch(r"(.*?) \[(.*)\]", head) for head in rows[0]]
-    names = [head.group(1) if head else text for head, text in zip(heads, rows[0])]
-    if len(set(names)) < len(names):
-        raise ZurtError("two columns have one name", path, 1)
-    whole = [row for row in rows[1:] if len(row) == len(names)]
-    values = numpy.zeros(len(whole), [(name, int if name in ("step", "iterations") else float) for name in names])
+    with _opened(path, "rb") as file:
+        head = next(csv.reader([file.readline().decode("latin-1")]), [])
+        if head[:4] != HEADS:
+            raise ZurtError(f"this is no table of balances: its first row begins with {','.join(HEADS)}", path, 1)
+        heads = [re.fullmatch(r"(.*?) \[(.*)\]", text) for text in head]
+        names = [match.group(1) if match else text for match, text in zip(heads, head)]
+        if len(set(names)) < len(names):
+            raise ZurtError("two columns have one name", path, 1)
+        parts, line = [numpy.zeros((0, len(names)))], 2
+        while rows := file.readlines(CHUNK):
+            parts.append(_history_rows(rows, names, path, line))
+            line += len(rows)
+    columns = numpy.concatenate(parts)
+    values = numpy.zeros(len(columns), [(name, int if name in WHOLE else float) for name in names])
     for k, name in enumerate(names):
-        try:
-            values[name] = [row[k] if row[k] else numpy.nan for row in whole]
-        except ValueError:
-            raise ZurtError(f"column {name}: a number is expected", path) from None
-    return History(values, {name: head.group(2) if head else "" for name, head in zip(names, heads)})
+        if name in WHOLE and not numpy.isfinite(columns[:, k]).all():
+            raise ZurtError(f"column {name}: a number is expected", path)
+        values[name] = columns[:, k]
+    return History(values, {name: match.group(2) if match else "" for name, match in zip(names, heads)})
+
+
+def _history_rows(rows, names, path, line):
+    """(n, columns) numbers of the whole rows among these, of which the first is a line of the file."""
+    whole = [row for row in rows if row.count(b",") == len(names) - 1 and row.endswith(b"\n")]
+    fields = [field or b"nan" for row in whole for field in row.rstrip().split(b",")]
+    try:
+        return numpy.array(fields, "S").astype(float).reshape(-1, len(names)) if fields else numpy.zeros((0, len(names)))
+    except ValueError:
+        for number, row in enumerate(rows, line):
+            for name, field in zip(names, row.rstrip().split(b",")):
+                try:
+                    float(field or b"nan")
+                except ValueError:
+                    raise ZurtError(f"column {name}: a number is expected, not {field.decode('latin-1')}", path, number) from None
+        raise ZurtError("a number is expected in every field", path) from None
 
 
 def read_masses(path):
@@ -115,6 +136,7 @@ def _read_fitted(table, lines, at, path):
 def _read_flows(table, lines, at, path):
     micro = at < len(lines) and "MICRO" in lines[at]
     rows, at = _rows(lines, at + 1, 3, path)
+    rows = [(k, *row[1:]) for k, row in enumerate(rows, 1)]  # the file's own numbers have five digits
     table.flows = numpy.array(rows, FIBRE_FLOW if micro else FIT_FLOW)
     return at
 
@@ -144,8 +166,8 @@ def read_progress(path):
     return places, numpy.array(rows, PROGRESS)
 
 
-def _opened(path):
+def _opened(path, mode="r"):
     try:
-        return open(path, encoding="latin-1", newline="")
+        return open(path, mode) if "b" in mode else open(path, mode, encoding="latin-1", newline="")
     except OSError as error:
         raise ZurtError(error.strerror, path) from None
