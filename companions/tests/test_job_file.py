@@ -2,10 +2,11 @@
 import os
 
 import pytest
-from support.small_meshes import write_bar
+from support.small_meshes import write_bar, write_plate
 from zurt.commands import deck
 from zurt.deck.deck_building import build_deck
 from zurt.deck.job_file import read_job
+from zurt.deck.meshes import read_job_mesh
 from zurt.deck.quantities import UnitFault, convert, parse_unit
 from zurt.deck.toml_lines import find_lines
 from zurt.errors import ZurtError
@@ -73,6 +74,20 @@ MISTAKES = [
     ("mode = 1", "mode = \"1\"", "device.mode: an integer is wanted, not '1'"),
     ('length = "um"\n', "", "units: the key length is missing"),
     ('title = "Bar"', 'title = "Bar', "no TOML:"),
+    ("gauss = 2", "area = 0", "group[1].area: a value above 0 is wanted"),
+    ("gauss = 2", "area = 1", "group[1].area: lines have an area, bricks have none"),
+    ("gauss = 2", "axisymmetric = true", "group[1].axisymmetric: quadrilaterals and lines are turned about an axis"),
+    ('mesh = "b"', 'mesh = "a"', "group[2].mesh: the group \"a\" is in group[1] already"),
+    ("mode = 1\nnanochannel = 1", "nanochannel = 1", "device.nanochannel: a nanochannel needs device.mode above 0"),
+    ("plane = \"x = max\"", "factor = 2\nplane = \"x = max\"", "held[1].factor: a factor is that of a value"),
+    ("value = 1.0", "value = \"1e99999999 M\"", "initial.value: \"1e99999999\" is no number that the program can take"),
+    ("length = \"um\"", "length = \"um999\"", "units.length: \"um999\" is no unit"),
+    ("[time]\n", "[mesh]\nscale = -1\n[time]\n", "mesh.scale: scale is a factor above 0"),
+    ("[initial]", "[[surface]]\ngroup = \"end\"\nconvection = \"built-in\"\nenvironment = 1\n[initial]", "surface[1].convection: there is no table"),
+    ("[initial]", "[[surface]]\ngroup = \"end\"\nflux = 1\n[[surface]]\ngroup = \"end\"\nflux = 2\n[initial]",
+     "surface[2].group: 1 sides of \"end\" have other data"),
+    ("[initial]", "[homogenization]\nmedium = true\nfit = true\ndirections = [\"x\"]\nfit_distance = true\n[initial]",
+     "homogenization: the key curve_ends is missing"),
 ]
 
 
@@ -94,7 +109,8 @@ def test_mistakes_name_key_and_line(good, bad, message, tmp_path):
         deck_of(text, tmp_path)
     assert found.value.message.startswith(message), found.value.message
     if bad and "the start value" not in message and not message.startswith(("no TOML", "units")):
-        assert found.value.line == text[:text.index(bad)].count("\n") + 1
+        line = text[:text.index(bad)].count("\n") + 1
+        assert line <= found.value.line <= line + bad.count("\n")
 
 
 def test_lengths_in_any_unit_make_one_deck(tmp_path):
@@ -159,3 +175,30 @@ def test_renumbering_makes_the_store_small(tmp_path):
     assert after == 166 < before
     problem = built.problems[0]
     assert (problem.points[problem.indicator > 0][:, 0] == 6.0).all() and problem.indicator.sum() == 4
+
+
+PLATE = """title = "Plate"
+mesh.move = [0, -2, 0]
+group = [{ mesh = "plate", axisymmetric = true }]
+material = [{ name = "a", diffusion = 1 }]
+held = [{ group = "edge", value = 2.0, factor = 1.5 }, { plane = "x = 0" }]
+prescribed.constant = true
+initial = { group = [{ plane = ["x = 0", "x = 1"], value = 0.5 }] }
+"""
+
+
+def test_a_radius_below_zero_and_held_constants(tmp_path):
+    """y is the radius; held nodes without a value have 0 on their cards, whatever they start with."""
+    write_plate(tmp_path / "plate.msh")
+    built = []
+    for text in (PLATE, PLATE.replace("-2", "-1")):
+        (tmp_path / "job.toml").write_text(text)
+        job = read_job(os.fspath(tmp_path / "job.toml"))
+        mesh = read_job_mesh(job, job.problems[0], tmp_path / "plate.msh")[1]
+        try:
+            built.append(build_deck(job, [mesh]).problems[0])
+        except ZurtError as error:
+            assert error.message.startswith("group[1].axisymmetric: y is the radius, and goes down to -1: it is 0 or above")
+    problem, = built
+    held = problem.indicator > 0
+    assert set(problem.value[held & (problem.points[:, 0] == 3.0)]) == {3.0} and set(problem.value[held & (problem.points[:, 0] == 0.0)]) == {0.0}

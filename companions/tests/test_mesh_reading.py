@@ -1,4 +1,5 @@
 """Meshes of all formats, their groups, what is put right in them and what is refused."""
+import itertools
 import os
 
 import gmsh
@@ -144,7 +145,7 @@ def test_sets_and_surfaces_of_abaqus_and_double_nodes(tmp_path):
     path.write_text(ABAQUS)
     apart = read_mesh(path)
     assert len(apart.points) == 16 and sorted(block.name for block in apart.blocks) == ["lower", "upper"]
-    assert apart.notes[-1].startswith("nodes at the place of another one: 3;")
+    assert any(note.startswith("nodes at the place of another one: 4, the first at (0, 0, 1);") for note in apart.notes)
     mesh = read_mesh(path, MeshOptions(merge=1e-3, scale=2.0, groups=["both"]))
     assert len(mesh.points) == 12 and abs(volume(mesh) - 16.0) < 1e-5
     assert any(note == "double nodes merged within 0.001: 4" for note in mesh.notes)
@@ -186,6 +187,47 @@ SQUARE = [(0, 0, 0), (1, 0, 0), (1, 1, 0), (0, 1, 0)]
 ONE_QUAD = [("quad", numpy.array([[0, 1, 2, 3]]))]
 
 
+def cube(*corner):
+    """Corners of a cube of edge 1 at that place, in VTK's order."""
+    return [tuple(numpy.add(corner, place)) for place in itertools.product((0, 1), repeat=3)]
+
+
+CUBE = [0, 4, 6, 2, 1, 5, 7, 3]
+CURVED = [(1 + 0.1 * (1 - s * s), 1 + s, 0) for s in (-1, -0.5, 0, 0.5, 1)]
+
+
+@pytest.mark.parametrize("cells, places, said", [
+    # one quadrilateral against two
+    ([("quad", [[0, 1, 3, 2], [1, 4, 5, 6], [6, 5, 7, 3]])], [(0, 0, 0), (1, 0, 0), (0, 2, 0), (1, 2, 0), (2, 0, 0), (2, 1, 0), (1, 1, 0), (2, 2, 0)],
+     ["nodes that lie on an edge of an element without being one of its nodes: 1, the first at (1, 1, 0)"]),
+    # the same along a curve, of second order: the middles of the two lie on the edge of the one
+    ([("quad8", [[0, 2, 3, 1, 4, 6, 8, 9], [2, 10, 11, 6, 12, 13, 14, 5], [6, 11, 15, 3, 14, 16, 17, 7]])],
+     [(0, 0, 0), (0, 2, 0), CURVED[0], CURVED[4], (0.5, 0, 0), CURVED[1], CURVED[2], CURVED[3], (0.5, 2, 0), (0, 1, 0),
+      (2, 0, 0), (2, 1, 0), (1.5, 0, 0), (2, 0.5, 0), (1.55, 1, 0), (2, 2, 0), (2, 1.5, 0), (1.5, 2, 0)],
+     ["nodes that lie on an edge of an element without being one of its nodes: 2, the first at (1.075, 0.5, 0)"]),
+    # two bricks that are not joined
+    ([("hexahedron", [CUBE, [8 + row for row in CUBE]])], cube(0, 0, 0) + cube(1, 0, 0),
+     ["nodes at the place of another one: 4, the first at (1, 0, 0); what they belong to is not joined there: merge = 1e-09 joins it",
+      "the elements fall into 2 parts without a common node; the smallest has 1 of 2"]),
+    # a corner of one brick in the middle of another's face
+    ([("hexahedron", [CUBE, [8 + row for row in CUBE]])], cube(0, 0, 0) + cube(1, 0.5, 0.5),
+     ["nodes that lie on an edge or a face of an element without being one of its nodes: 2, the first at (1, 1, 1)", "the elements fall into 2 parts"]),
+    # three bricks on one face
+    ([("hexahedron", [CUBE, [4, 8, 10, 6, 5, 9, 11, 7], [4, 12, 14, 6, 5, 13, 15, 7]])],
+     cube(0, 0, 0) + cube(1, 0, 0)[4:] + [(2.5, -0.5, -0.5), (2.5, -0.5, 1.5), (2.5, 1.5, -0.5), (2.5, 1.5, 1.5)],
+     ["faces that belong to more than two solids: 1, the first about (1, 0.5, 0.5)"]),
+    # a brick and two tetrahedra on it
+    ([("hexahedron", [CUBE]), ("tetra", [[4, 6, 7, 8], [4, 7, 5, 8]])], cube(0, 0, 0) + [(2, 0.5, 0.5)],
+     ["faces of four corners against two triangles: 1, the first about (1, 0.5, 0.5)"]),
+    # a line that ends on another one
+    ([("line", [[0, 1], [2, 3]])], [(0, 0, 0), (2, 0, 0), (1, 0, 0), (1, 1, 0)], ["nodes that lie on a line of an element", "the elements fall into 2 parts"]),
+    ([("quad", [[0, 1, 2, 3], [1, 2, 3, 0]])], SQUARE, ["elements with the nodes of another one, which are taken once: 1"])])
+def test_what_does_not_meet(tmp_path, cells, places, said):
+    notes = read_mesh(plate(tmp_path, [(name, numpy.array(rows)) for name, rows in cells], places)).notes
+    found = [note for note in notes if not note.startswith("elements split")]
+    assert len(found) == len(said) and all(note.startswith(start) for note, start in zip(found, said)), found
+
+
 @pytest.mark.parametrize("cells, places, options, said", [
     (ONE_QUAD, [(x, y, 0.5) for x, y, _ in SQUARE], {}, "lies in the plane z = 0.5; .* lie in z = 0: move it by -0.5"),
     (ONE_QUAD, [(3, x, y) for x, y, _ in SQUARE], {}, 'in the plane x = 3; .*exchange the axes .option axes = "yzx"'),
@@ -198,9 +240,10 @@ ONE_QUAD = [("quad", numpy.array([[0, 1, 2, 3]]))]
     ([("polygon", numpy.array([[0, 1, 2, 3]]))], SQUARE, {}, "there are cells of the type .polygon"),
     (ONE_QUAD, SQUARE, {"labels": "mat"}, 'no cell data "mat": is "material" meant?'),
     (ONE_QUAD, SQUARE, {"axes": "xy"}, "axes are the letters"), (ONE_QUAD, SQUARE, {"scale": 0.0}, "a factor above 0"),
+    ([("quad", numpy.arange(48).reshape(12, 4))], [(x + i, y, 0) for i in range(12) for x, y, _ in SQUARE], {}, "no two of the 12 elements"),
     (ONE_QUAD, SQUARE, {"split": "cubic"}, '"linear" or "quadratic", not "cubic"')])
 def test_what_is_refused(tmp_path, cells, places, options, said):
-    path = plate(tmp_path, cells, places, cell_data={"material": [numpy.array([3])]})
+    path = plate(tmp_path, cells, places, cell_data={"material": [numpy.full(len(rows), 3) for _, rows in cells]})
     with pytest.raises(ZurtError, match=said):
         read_mesh(path, MeshOptions(**options))
 
@@ -208,6 +251,9 @@ def test_what_is_refused(tmp_path, cells, places, options, said):
 @pytest.mark.parametrize("name, text, said", [
     ("none.msh", None, "there is no such file"), ("a.geo", "", "a geometry, not a mesh"), ("a.msh", "$Mesh\n", "Gmsh can't read|no nodes"),
     ("a.vtu", "<xml", "meshio can't read"), ("a.e", "x", "no mesh of Exodus"), ("a.inp", "*NODE\n1, 0., x\n", ":1: a number is expected"),
+    ("c.inp", "*NODE\n1, 0.\n*NSET, NSET=a, GENERATE\n1, x\n", ":3: first, last and step of a set"), ("d.inp", "*NODE\n*ELEMENT, TYPE=C3D8\n", "no solids"),
+    ("e.inp", "".join(f"*PART, NAME=p{i}\n*NODE\n1, 0.\n2, 1.\n*ELEMENT, TYPE=T3D2\n{i}, 1, 2\n*END PART\n" for i in (1, 2)), "2 numbers of nodes stand in"),
+    ("f.inp.gz", "x", "can't be read"), ("g.inp", "*INCLUDE, INPUT=g.inp\n", "include one another"),
     ("b.inp", "*NODE\n1, 0.\n*ELEMENT, TYPE=C3D4\n1, 1, 2, 3, 4\n", ":3: element 1 has the node 2, which does not exist")])
 def test_files_that_are_no_meshes(tmp_path, name, text, said):
     if text is not None:

@@ -90,6 +90,7 @@ def test_linear_fields_and_volumes(made, build, order, split):
         sources = numpy.concatenate([block.source for block in mesh.blocks])
         assert (numpy.unique(sources, return_counts=True)[1] == pieces_each).all()
     sides = mesh.node_sets["group-7"]
+    assert not [note for note in mesh.notes if "cut there" in note or "joined there" in note or "overlap" in note or "without a common" in note]
     assert patch_residual(mesh, sides) < (1e-11 if build is boxes_of_two_kinds else 1e-13)  # pinholes at the tips of pyramids
     field = mesh.points @ LINEAR + 0.2
     # The program's Gauss rules have single precision: docs/theory.md.

@@ -7,6 +7,7 @@ from ..deck.card_writer import ALL_FREE, FIXED
 from ..deck.deck_building import build_deck, prescribed_path, program_has
 from ..deck.job_file import read_job
 from ..deck.meshes import read_job_mesh
+from ..deck.problem_model import values_of
 from ..errors import ZurtError
 from ..mesh.numbering import advise_solver
 from ..mesh.reading import read_mesh
@@ -78,10 +79,18 @@ def show_band(problem, band):
         print(f"Solver advised: {advice.name} ({advice.reason})" + (": zurt --solver cg" if advice.name == "cg" else ""))
 
 
-def write_lines(path, lines, force):
-    """A file of lines, in a folder that is made if it is missing."""
-    if os.path.exists(path) and not force:
+def check_target(path, inputs, force):
+    """Refuses to write over a file that has been read, and without `force` over any other."""
+    if not os.path.exists(path):
+        return
+    if any(os.path.samefile(path, name) for name in inputs):
+        raise ZurtError("this file has been read, and is not written over: name another one (--output)", path)
+    if not force:
         raise ZurtError("the file exists; --force overwrites it", path)
+
+
+def write_lines(path, lines):
+    """A file of lines, in a folder that is made if it is missing."""
     try:
         os.makedirs(os.path.dirname(path) or ".", exist_ok=True)
         with open(path, "w", encoding="ascii") as file:
@@ -105,31 +114,38 @@ def split_files(files):
     if len(files) > 2:
         raise ZurtError(f"a mesh and a job file are wanted, not {len(files)} files")
     if len(files) == 2:
-        return tuple(files)
+        return tuple(files) if not files[0].endswith(".toml") or files[1].endswith(".toml") else (files[1], files[0])
     return (None, files[0]) if files[0].endswith(".toml") else (files[0], None)
 
 
 def write_deck(mesh_file, job_file, options):
     """Reads job and mesh, writes the deck, reports. Returns the exit status."""
     job = read_job(job_file)
+    if mesh_file is not None and all(values_of(section, "mesh").get("file") for section in job.problems):
+        raise ZurtError(f"the job names its mesh itself (mesh.file), so {mesh_file} has no place", job_file)
     read = [read_job_mesh(job, section, mesh_file) for section in job.problems]
     built = build_deck(job, [mesh for _, mesh in read])
     path = options.output or os.path.splitext(os.path.basename(job_file))[0] + ".dat"
+    written = {path: built.lines}
+    if built.prescribed:
+        if prescribed_path(job, path) == path:
+            raise ZurtError("prescribed.file names the deck itself", job_file)
+        written[prescribed_path(job, path)] = built.prescribed
+    for name in written:
+        check_target(name, [job_file, *(mesh_path for mesh_path, _ in read)], options.force)
     for (mesh_path, mesh), problem, band in zip(read, built.problems, built.bands):
         show_mesh(mesh_path, mesh)
         show_band(problem, band)
     for note in built.notes:
         print(f"Note: {note}")
-    write_lines(path, built.lines, options.force)
-    run = ["zurt", *built.options]
-    if built.prescribed:
-        values = prescribed_path(job, path)
-        write_lines(values, built.prescribed, options.force)
-        run += ["--prescribed", values]
-        print(f"Prescribed values: {values}")
+    for name, lines in written.items():
+        write_lines(name, lines)
+    run = [*built.options, *(word for name in list(written)[1:] for word in ("--prescribed", name))]
+    for name in list(written)[1:]:
+        print(f"Prescribed values: {name}")
     print(f"Deck: {path}, {len(built.lines)} lines, {', '.join(FORMS.get(form, 'free format') for form in dict.fromkeys(built.forms))}")
-    print("Run:", " ".join([*run, path]))
-    return check_deck(path, built.options) if options.check else 0
+    print("Run:", " ".join(["zurt", *run, path]))
+    return check_deck(path, run) if options.check else 0
 
 
 def main(arguments):

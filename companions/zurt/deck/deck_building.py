@@ -8,13 +8,13 @@ from ..program import find_program
 from .card_writer import ALL_FREE, FIXED, FREE, DeckText, check_columns
 from .element_groups import gather_groups
 from .fibre_sets import gather_fibre_sets
-from .job_errors import job_error
 from .meshes import numbered_mesh
 from .node_data import gather_nodes, gather_radial
 from .prescribed import prescribed_text, wants_file
-from .problem_model import Problem, setting
+from .problem_checks import check_device, check_problem, check_sequence
+from .problem_model import Problem
 from .sides import gather_sides
-from .write_boundary import iterates, write_functions, write_time_functions
+from .write_boundary import write_functions, write_time_functions
 from .write_fibres import write_channel_table, write_fibres
 from .write_head import end_of_run, has_device_cards, write_head
 from .write_materials import write_materials
@@ -33,18 +33,6 @@ class BuiltDeck:
     bands: list = field(default_factory=list)
     options: list = field(default_factory=list)
     notes: list = field(default_factory=list)
-
-
-def check_prescribed(problem):
-    """Refuses prescribed values where the program takes none."""
-    section = next((section for section, _ in problem.held if section.values["value"] is not None), None)
-    if section is None:
-        return
-    place = section.place + ("value",)
-    if setting(problem, "homogenization", "fit") or setting(problem, "homogenization", "direct"):
-        raise job_error(problem.job, place, "a fit and the direct calculation free all held nodes, so these have no values")
-    if not iterates(problem) and (problem.end or not setting(problem, "prescribed", "constant")):
-        raise job_error(problem.job, place, "a linear problem takes no values of held nodes" + ("" if problem.end else " without prescribed.constant = true"))
 
 
 def program_has(option):
@@ -102,12 +90,13 @@ def gather_problem(job, section, mesh):
     """The Problem of a section of the job and a mesh whose nodes stand in the order of the deck."""
     problem = Problem(job, section, mesh)
     problem.end = end_of_run(problem)
+    check_device(problem)
     gather_radial(problem)
     gather_groups(problem)
     gather_nodes(problem)
     gather_sides(problem)
     gather_fibre_sets(problem)
-    check_prescribed(problem)
+    check_problem(problem)
     return problem
 
 
@@ -125,8 +114,9 @@ def build_deck(job, meshes):
             built.lines.append(f"==== end of problem {number} ====")
         built.problems.append(problem)
         built.bands.append(words)
-        built.notes += problem.notes
     built.lines.append("STOP")
+    check_sequence(job, built.problems, built.forms)
+    built.notes += dict.fromkeys(note for problem in built.problems for note in problem.notes)
     if ALL_FREE in built.forms:
         built.options.append("--free")
     if any(wants_file(problem) for problem in built.problems):

@@ -1,7 +1,7 @@
 """Element groups of the deck from blocks of the mesh."""
 import numpy
 
-from .job_errors import job_error, suggest
+from .job_errors import job_error, place_text, suggest
 from .problem_model import DeckGroup, function_number, setting
 
 FAMILIES = {1: "lines", 2: "quadrilaterals", 3: "bricks"}
@@ -21,7 +21,7 @@ def material_number(problem, section):
     names = [material.values["name"] for material in problem.section.arrays["material"]]
     name, place = section.values["material"], section.place + ("material",)
     if name is None:
-        if len(names) > 1 and setting(problem, "device", "mode"):
+        if len(names) > 1:
             raise job_error(problem.job, section.place, f"the key material is missing: there are {', '.join(names)}")
         return 1
     if name not in names:
@@ -68,6 +68,7 @@ def gather_group(problem, section):
     if bool(parts) == bool(section.values["mesh"]):
         raise job_error(problem.job, section.place, "a group names its elements by mesh = \"GROUP\", or by [[group.part]] tables")
     parts = parts or [section]
+    check_sizes(problem, parts)
     blocks = [blocks_named(problem, part.place + ("mesh",), part.values["mesh"]) for part in parts]
     dimensions = {block.dimension for some in blocks for block in some}
     if len(dimensions) != 1:
@@ -90,19 +91,59 @@ def gather_group(problem, section):
         prints("print_points"), prints("print_concentrations"))
 
 
+def check_named_once(problem, sections):
+    """Refuses a group of the mesh in two tables: its elements would count twice."""
+    first = {}
+    for section in sections:
+        for part in [section, *section.arrays["part"]]:
+            for name in dict.fromkeys(part.values["mesh"] or []):
+                if name in first:
+                    raise job_error(problem.job, part.place + ("mesh",), f"the group \"{name}\" is in {place_text(first[name])} already; its elements would "
+                                    "count twice")
+                first[name] = part.place
+
+
+def check_sizes(problem, parts):
+    """Refuses areas of 0, which the program takes for those of the element before."""
+    for part in parts:
+        for key in ("area", "thickness"):
+            if part.values[key] == 0.0:
+                raise job_error(problem.job, part.place + (key,), "a value above 0 is wanted")
+
+
+def check_family(problem, group):
+    """Refuses keys that are not for the elements of a group, and a radius below 0."""
+    section = group.section
+    if group.dimension != 1 and any("area" in part.given for part in [section, *section.arrays["part"]]):
+        raise job_error(problem.job, section.place + ("area",), f"lines have an area, {FAMILIES[group.dimension]} have none")
+    if not section.values["axisymmetric"]:
+        return
+    place = section.place + ("axisymmetric",)
+    if group.dimension == 3:
+        raise job_error(problem.job, place, "quadrilaterals and lines are turned about an axis, bricks are not")
+    axis = 1 if group.dimension == 2 else 0
+    rows = group.elements[group.elements > 0] - 1
+    least, size = problem.mesh.points[rows, axis].min(), numpy.ptp(problem.mesh.points[rows], axis=0).max()
+    if least < -1e-9 * size:
+        raise job_error(problem.job, place, f"{'xy'[axis]} is the radius, and goes down to {least:g}: it is 0 or above ([mesh] move, or axes = \"yxz\")")
+
+
 def gather_groups(problem):
     """All element groups, and refusal of what the program doesn't take."""
     sections, radial = problem.section.arrays["group"], problem.section.arrays["radial"]
     if not sections and not radial:
         raise job_error(problem.job, problem.section.place, "there is no [[group]]: the mesh has " + ", ".join(block.name for block in problem.mesh.blocks))
     if len(sections) + len(radial) > 10:
-        raise job_error(problem.job, sections[-1].place, "the program takes up to 10 element groups")
+        raise job_error(problem.job, (sections + radial)[-1].place, "the program takes up to 10 element groups")
+    check_named_once(problem, sections)
     problem.groups = [gather_group(problem, section) for section in sections]
     for group in problem.groups:
+        check_family(problem, group)
         if group.elements.shape[1] > 8 and setting(problem, "model", "solver") == "sparse":
             raise job_error(problem.job, group.section.place, "the sparse solver takes elements of up to 8 nodes; use the skyline solver or zurt --solver cg")
     amounts = any("source_amount" in part.given for section in sections for part in [section, *section.arrays["part"]])
-    if amounts and len(problem.functions["NQE"]) > 1:
+    rates = any("source" in part.given for section in sections for part in [section, *section.arrays["part"]])
+    if amounts and (rates or len(problem.functions["NQE"]) > 1):
         raise job_error(problem.job, sections[0].place, "source_amount is for the only source of a problem; give source in all groups")
     if problem.end and len(problem.functions["NQE"]) == 1 and not amounts:
         # One function alone is taken for an amount, whose slope is the source; a second one makes it a rate.

@@ -6,7 +6,7 @@ import numpy
 
 from ..errors import ZurtError
 from .job_errors import job_error
-from .quantities import UnitFault, parse_unit
+from .quantities import METRE, UnitFault, parse_unit
 from .tables import CARDS
 
 
@@ -79,8 +79,11 @@ def read_set(reader, factor):
     fibres, numbers, diameters, ids = [], [], [], []
     for _ in range(head[1]):
         number, count, diameter = read_numbers(reader, "Fibre card")
+        each = 1 if head[3] else 2
+        if count < each:
+            raise ZurtError(f"a fibre has {count} points and wants {each}", reader.path, reader.lines[reader.place - 1][0])
         points = [read_numbers(reader, "Fibre point card") for _ in range(count)]
-        fibres.append([point[1:] for point in points[:1 if head[3] else 2]])
+        fibres.append([point[1:] for point in points[:each]])
         ids = ids or [point[0] for point in points]
         numbers.append(number)
         diameters.append(diameter * factor)
@@ -88,6 +91,7 @@ def read_set(reader, factor):
     for _ in range(2 if head[2] == 1 else 1):
         rows, columns = read_numbers(reader, "Correction table sizes")
         distances, concentrations = read_table_values(reader, rows), read_table_values(reader, columns)
+        distances = [distance * factor for distance in distances]
         tables.append(CorrectionTable(distances, concentrations, [read_table_values(reader, columns) for _ in range(rows)]))
     low, base, step = (numpy.array(part) * factor for part in (box[:3], box[3:], grid[3:]))
     return FibreSet(None, head[0], head[3], head[4] * factor, head[5] * factor, head[6] * factor, low, base, grid[:3], step,
@@ -104,12 +108,18 @@ def read_fibre_file(problem, section):
                      if not line.startswith(("C ", "C*", "C-")) and line.strip() not in ("", "C")]
     except OSError as error:
         raise job_error(job, section.place + ("file",), f"{path}: {error.strerror}") from None
+    except UnicodeDecodeError:
+        raise job_error(job, section.place + ("file",), f"{path} is no text") from None
     try:
         unit = parse_unit(section.values["unit"] or "um")
     except UnitFault as fault:
         raise job_error(job, section.place + ("unit",), str(fault)) from None
+    if unit[1] != METRE:
+        raise job_error(job, section.place + ("unit",), f"\"{section.values['unit']}\" is no unit of length")
     factor = float(unit[0] / job.deck_units["length"][0])
     reader, sets = CardReader(path, lines), []
     while reader.place < len(reader.lines):
         sets.append(read_set(reader, factor))
+    if not sets:
+        raise job_error(job, section.place + ("file",), f"{path} has no fibre sets")
     return sets

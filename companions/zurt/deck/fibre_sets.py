@@ -43,6 +43,8 @@ def search_box(problem, section):
     if section.given & {"base", "counts", "step"}:
         if not {"base", "counts", "step"} <= section.given or "high" in section.given:
             raise job_error(problem.job, section.place, "a search box is given by high, or by base, counts and step together")
+        if len(values["counts"]) != 3:
+            raise job_error(problem.job, section.place + ("counts",), "three counts are wanted, along x, y and z")
         return low, values["base"], values["counts"], values["step"]
     high = device_box(problem) if values["high"] is None else values["high"]
     return low, low, [2, 2, 2], high - low

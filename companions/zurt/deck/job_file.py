@@ -131,6 +131,8 @@ def read_job(path):
     units, deck, problems = raw.pop("units", {}), raw.pop("deck", {}), raw.pop("problem", None)
     if problems is not None and not (isinstance(problems, list) and all(isinstance(entry, dict) for entry in problems)):
         raise job_error(job, ("problem",), "an array of tables is wanted ([[problem]])")
+    if problems == []:
+        raise job_error(job, ("problem",), "there is no problem")
     if problems is not None and raw:
         raise job_error(job, (next(iter(raw)),), "with [[problem]] tables each table but [units] and [deck] belongs to one of them ([problem.NAME])")
     read_units(job, units, problems if problems is not None else [raw])

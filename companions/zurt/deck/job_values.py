@@ -91,7 +91,7 @@ def as_matrix(job, place, raw, kind):
 def as_curve(job, place, raw, kinds, functions, constant_allowed):
     """A Curve from a constant, a table or the name of a table. kinds: "time>source"."""
     argument, value = kinds.split(">")
-    if isinstance(raw, str) and raw == BUILT_IN and argument == "concentration":
+    if raw == BUILT_IN and value in ("diffusion", "capacity"):
         return BUILT_IN
     if isinstance(raw, str) and (raw in functions or raw[:1].isalpha()):
         if raw not in functions:

@@ -4,7 +4,7 @@ from .job_keys import REQUIRED
 WHERE = [
     ("group", "names", None, "", "nodes of these groups of the mesh"),
     ("plane", "names", None, "", "nodes in planes: \"x = 0.5\", \"y = min\", \"z = 5 um\""),
-    ("nodes", "nodes", None, "", "numbers of nodes of the deck, which are the mesh's, from 1, with `renumber = false`"),
+    ("nodes", "nodes", None, "", "numbers of nodes of the deck, from 1, with `renumber = false`: in the order of the file, without those that are left out"),
 ]
 ELEMENTS = "MAT@3D element card, MAT@2D element card, MAT@1D element card, MAT@1D element card of 3 nodes"
 

@@ -20,9 +20,9 @@ def named_blocks(section):
 
 
 def mesh_options(job, section):
-    """MeshOptions of a problem. Elements of no group are named "all" or "rest", which are no groups of the file."""
-    values, named = values_of(section, "mesh"), named_blocks(section)
-    options = MeshOptions(groups=None if not named or {"all", "rest"} & set(named) else list(named))
+    """MeshOptions of a problem."""
+    values = values_of(section, "mesh")
+    options = MeshOptions(groups=list(named_blocks(section)) or None)
     for key in ("scale", "axes", "split", "corners_only", "centres", "labels"):
         if values:
             setattr(options, key, values[key])
@@ -42,7 +42,7 @@ def mesh_path(job, section, given):
 
 
 def read_job_mesh(job, section, given):
-    """(path, Mesh) of a problem; faults of named groups name the key."""
+    """(path, Mesh) of a problem; faults of named groups and of options name the key."""
     path, named = mesh_path(job, section, given), named_blocks(section)
     try:
         return path, read_mesh(path, mesh_options(job, section))
@@ -50,6 +50,8 @@ def read_job_mesh(job, section, given):
         about = re.search('"([^"]+)"', error.message)
         if about and about.group(1) in named:
             raise job_error(job, named[about.group(1)], f"{error.message} ({path})") from None
+        if error.file is None:
+            raise job_error(job, section.place + ("mesh", error.message.split()[0]), error.message) from None
         raise
 
 

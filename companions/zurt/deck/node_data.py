@@ -20,11 +20,16 @@ def gather_radial(problem):
     for section in problem.section.arrays["radial"]:
         common = section.values["common_nodes"]
         substructured = section.values["substructured"]
+        if common > 1 and not substructured:
+            raise job_error(problem.job, section.place + ("common_nodes",), "common nodes are those of substructured fibres (substructured = true)")
         if common not in (1, 4, 8):
             raise job_error(problem.job, section.place + ("common_nodes",), "1, 4 or 8 nodes share the flux of a fibre")
         if not section.arrays["fibre"]:
             raise job_error(problem.job, section.place, "there is no [[radial.fibre]]")
         wanted = common if substructured else 1
+        most = max(fibre.values["rings"] for fibre in section.arrays["fibre"])
+        if section.values["most_rings"] is not None and not most <= section.values["most_rings"] <= 10:
+            raise job_error(problem.job, section.place + ("most_rings",), f"the fibres have up to {most} rings, and there can be 10")
         fibres = []
         for fibre in section.arrays["fibre"]:
             if fibre.values["nodes"] and problem.job.settings.values["renumber"] != "false":
@@ -59,14 +64,27 @@ def gather_nodes(problem):
     # A held node that is in a group of start values must have the same value on its card.
     for value, rows in [(setting(problem, "initial", "value"), numpy.arange(count)), *problem.starts] if problem.starts else []:
         problem.value[rows[problem.indicator[rows] > 0]] = value
+    constant = setting(problem, "prescribed", "constant")
+    outlet = problem.section.tables["outlet"]
+    if constant:  # the values on the cards are those that hold, whatever start values are
+        problem.value[problem.indicator > 0] = outlet.values["concentration"] if outlet else 0.0
     for section in problem.section.arrays["node_value"]:
         problem.value[select_nodes(problem, section)] = section.values["value"]
-    if setting(problem, "prescribed", "constant"):
-        for section, rows in problem.held:
-            if section.values["value"] is not None:
-                if not section.values["value"].constant:
-                    raise job_error(problem.job, section.place + ("value",), "with prescribed.constant held values are constants")
-                problem.value[rows] = section.values["value"].points[0][1] * section.values["factor"]
+    if constant:
+        hold_constants(problem)
+
+
+def hold_constants(problem):
+    """Puts constants of held nodes on their cards; of a node in several tables the last one counts."""
+    before = problem.value.copy()
+    for section, rows in problem.held:
+        value = section.values["value"]
+        if value is None:
+            problem.value[rows] = before[rows]
+            continue
+        if not value.constant:
+            raise job_error(problem.job, section.place + ("value",), "with prescribed.constant held values are constants")
+        problem.value[rows] = value.points[0][1] * section.values["factor"]
 
 
 def all_start_groups(problem):
@@ -82,6 +100,8 @@ def all_start_groups(problem):
     owner[(problem.indicator > 0) & (problem.value != numpy.array(values)[owner])] = -1
     groups = [(value, numpy.nonzero(owner == number)[0] + 1) for number, value in enumerate(values)]
     groups = [(value, numbers) for value, numbers in groups if len(numbers)]
+    if not groups:
+        return None
     return groups if len(groups) > 1 else groups + [(groups[0][0], groups[0][1][:1])]
 
 

@@ -36,7 +36,7 @@ def known_units():
 
 
 UNITS = known_units()
-TERM = re.compile(r"\s*([/*·.]?)\s*([A-Za-zµμ%]+|1)(?:\^?([+-]?\d+))?")
+TERM = re.compile(r"\s*([/*·.]?)\s*([A-Za-zµμ%]+|1)(?:\^?([+-]?\d{1,3}))?")
 
 
 class UnitFault(ValueError):
@@ -55,6 +55,8 @@ def parse_unit(text):
         if symbol not in UNITS:
             raise UnitFault(f"there is no unit \"{symbol}\" (m, s, min, h, d, g, mol, l, M, K, J, W, with k, c, m, u, n, p)")
         power = int(power or 1) * (-1 if mark == "/" else 1)
+        if abs(power) > 20:
+            raise UnitFault(f"\"{text}\" is no unit")
         factor *= UNITS[symbol][0] ** power
         exponents = [a + power * b for a, b in zip(exponents, UNITS[symbol][1])]
         place = match.end()
@@ -67,9 +69,12 @@ def split_quantity(text):
     if not match:
         raise UnitFault(f"\"{text}\" is neither a number nor a number with a unit, as in \"5 nm\"")
     try:
-        return Fraction(Decimal(match.group(1))), match.group(2)
+        number = Decimal(match.group(1))
     except InvalidOperation:
-        raise UnitFault(f"\"{match.group(1)}\" is no number") from None
+        number = Decimal("1e1000")
+    if number and abs(number.adjusted()) > 300:
+        raise UnitFault(f"\"{match.group(1)}\" is no number that the program can take")
+    return Fraction(number), match.group(2)
 
 
 def combine(bases, kind):
@@ -95,19 +100,27 @@ def convert(value, kind, declared, deck):
                 factor, exponents = parse_unit(unit)
                 if any(exponents):
                     raise UnitFault(f"\"{value}\": this number has no unit")
-                return float(number * factor)
+                return as_float(number * factor)
             factor, exponents = parse_unit(unit)
             target, wanted = combine(deck, kind)
             target /= NANOMETRES_PER_UNIT if kind == "wall distance" else 1
             if exponents != wanted:
                 raise UnitFault(f"\"{value}\" is no {kind}: {unit_of(kind)} is wanted")
-            return float(number * factor / target)
+            return as_float(number * factor / target)
         value = float(number)
     ratio = Fraction(NANOMETRES_PER_UNIT if kind == "wall distance" else 1)
     for base, power in zip(BASES, KINDS[kind]):
         if power and base in declared:
             ratio *= (declared[base][0] / deck[base][0]) ** power
-    return float(value) if ratio == 1 else float(Fraction(value) * ratio)
+    return float(value) if ratio == 1 else as_float(Fraction(value) * ratio)
+
+
+def as_float(number):
+    """A Fraction as a number of the deck, rounded once."""
+    try:
+        return float(number)
+    except OverflowError:
+        raise UnitFault("the number is too large for the program in the unit of the deck") from None
 
 
 def unit_of(kind):

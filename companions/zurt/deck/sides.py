@@ -18,7 +18,8 @@ def side_corners(problem, place, name):
         faces = numpy.asarray(mesh.faces[name])
         corners = {1: 1, 2: 2, 3: 2}.get(faces.shape[1], 4)
         return faces[:, :corners]
-    if name in mesh.node_sets and not any(block.name == name for block in mesh.blocks):
+    lines = any(group.dimension == 1 for group in problem.groups)
+    if lines and name in mesh.node_sets and not any(block.name == name for block in mesh.blocks):
         return numpy.asarray(mesh.node_sets[name]).reshape(-1, 1)
     raise job_error(problem.job, place, f"the mesh has no edges or faces of a group \"{name}\"" + suggest(name, mesh.faces))
 
@@ -79,8 +80,20 @@ def emissivity_number(problem, section):
     return len(curves)
 
 
+def refuse_taken(problem, place, name, corners, numbers, taken):
+    """Refuses sides that another table has given other data: the program takes those of the last card alone. taken: (keys, five numbers)."""
+    keys = row_keys(corners)
+    for known, others in taken:
+        twice = numpy.isin(keys, known).sum() if known.dtype == keys.dtype and others != numbers else 0
+        if twice:
+            raise job_error(problem.job, place, f"{twice} sides of \"{name}\" have other data from a [[surface]] ahead of this one: flux, convection and radiation "
+                            "of a side stand in one table")
+    taken.append((keys, numbers))
+
+
 def gather_sides(problem):
     """Gives every element group its sides: (elements from 1, corners, five numbers) for each [[surface]]."""
+    taken = []
     for section in problem.section.arrays["surface"]:
         numbers = side_numbers(problem, section)
         for name in section.values["group"]:
@@ -91,6 +104,7 @@ def gather_sides(problem):
                 lost = int((owner < 0).sum())
                 raise job_error(problem.job, place, f"{lost} of {len(owner)} sides of \"{name}\" belong to no element of a [[group]], the first with "
                                 f"the nodes {' '.join(map(str, corners[numpy.argmax(owner < 0)]))}")
+            refuse_taken(problem, place, name, corners, numbers, taken)
             for number in numpy.unique(owner):
                 mine = owner == number
                 problem.groups[number].sides.append((element[mine] + 1, corners[mine], numbers))

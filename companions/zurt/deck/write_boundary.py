@@ -151,6 +151,8 @@ def write_outlet(problem, deck, outlet):
     if table is None and coefficients is None and values["mode"] not in (0, 1):
         raise job_error(problem.job, outlet.place + ("mode",), "the mode of a constant outlet is 0 or 1")
     mode = len(table.points) if table is not None else -1 if coefficients is not None else values["mode"]
+    if outlet and "mode" in outlet.given and values["mode"] != mode:
+        raise job_error(problem.job, outlet.place + ("mode",), f"with a table or coefficients it follows from these: {mode}")
     put_heading(deck, "Outlet mode card", "Then its concentration, and the time multiplier.")
     put_card(deck, "Outlet mode card", {"NPOUT2": mode})
     if table is not None:

@@ -21,16 +21,34 @@ def check_homogenization(problem):
     if section is None:
         return
     values = section.values
-    if not problem.fibre_sets:
+    if not problem.fibre_sets and (values["medium"] or values["fit"] or not values["direct"]):
         raise job_error(problem.job, section.place, "homogenization needs fibres: [[fibre_set]] or [fibres]")
+    if values["fit"] and values["direct"]:
+        raise job_error(problem.job, section.place + ("direct",), "a direct calculation makes no fit beside it")
+    if values["direct_pass"] and not values["direct"]:
+        raise job_error(problem.job, section.place + ("direct_pass",), "it is that of a direct calculation (direct = true)")
     if values["fit"] and not values["medium"]:
         raise job_error(problem.job, section.place + ("fit",), "a fit needs medium = true")
     if values["fit"] and not values["directions"]:
         raise job_error(problem.job, section.place, "the key directions is missing: a fit has at least one")
     if values["fit"] and not (values["fit_curve"] or values["fit_distance"] or values["curve_alone"]):
         raise job_error(problem.job, section.place, "say what to fit: fit_curve, fit_distance or both")
+    if values["fit"] and values["steps"] == 0:
+        raise job_error(problem.job, section.place + ("steps",), "a run of the fit has at least one step")
+    check_curve_ends(problem, section)
+
+
+def check_curve_ends(problem, section):
+    """Refuses ends of the curve where no card has them, and a fit of the distance without them."""
+    values, place = section.values, section.place + ("curve_ends",)
+    curve = values["fit_curve"] or values["curve_alone"]
     if len(values["curve_ends"]) != 2:
-        raise job_error(problem.job, section.place + ("curve_ends",), "two values are wanted")
+        raise job_error(problem.job, place, "two values are wanted")
+    if curve and "curve_ends" in section.given:
+        raise job_error(problem.job, place, "they are for a fit of the distance alone; a fit of the curve begins with that of the last material")
+    if values["fit"] and not curve and max(values["curve_ends"]) <= 0.0:
+        raise job_error(problem.job, section.place, "the key curve_ends is missing: first and last value of the curve that the medium has while the distance is "
+                        "fitted")
 
 
 def write_homogenization(problem, deck):

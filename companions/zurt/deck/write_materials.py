@@ -16,8 +16,9 @@ def known_values(problem):
         curve = section.values["value"]
         if curve is not None:
             values += [(value * section.values["factor"], "a prescribed value") for _, value in curve.points]
-        elif not problem.section.tables["outlet"]:
-            values.append((0.0, "the value of held nodes"))
+        else:
+            outlet = problem.section.tables["outlet"]
+            values.append((outlet.values["concentration"] if outlet else 0.0, "the value of held nodes"))
     return values
 
 

@@ -3,12 +3,13 @@ import gzip
 import os
 import re
 import warnings
+import zlib
 
 import numpy
 
 from ..errors import ZurtError
-from .exodus_files import sides_of_cells
 from .middles import cells_of_nodes
+from .sides import sides_of_cells
 from .source import SourceMesh, cell_starts
 
 # Names of element types by their digits: continuum in space (C3D, DC3D, F3D), in the plane and axisymmetric, shells, trusses and beams.
@@ -29,55 +30,84 @@ SIDES = {"hexahedron": (4, 5, 2, 1, 3, 0), "tetra": (0, 1, 2, 3), "wedge": (0, 1
 
 def read_abaqus(path):
     """The file's mesh as a SourceMesh: element sets are groups, node sets node sets, surfaces groups of faces. May be gzipped."""
-    cards = _cards(path)
-    nodes, elements, sets, surfaces = [], [], {"NSET": {}, "ELSET": {}}, {}
-    passed_over = {}
-    for name, options, lines, line in cards:
-        if name == "NODE":
+    nodes, owners, elements, sets, surfaces = [], [], [], {"NSET": {}, "ELSET": {}}, {}
+    passed_over, part, place = {}, 0, ""
+    for name, options, lines, line in _cards(path):
+        if name == "NODE" and place != "ASSEMBLY":  # there they are reference points
             _take_nodes(path, line, lines, options, nodes, sets)
+            owners.append(numpy.full(len(nodes[-1]), part))
         elif name == "ELEMENT":
             found = _take_elements(path, line, lines, options, sets)
-            if found:
-                elements.append(found)
-            else:
+            if found is None:
                 passed_over[options.get("TYPE", "")] = passed_over.get(options.get("TYPE", ""), 0) + 1
+            elif len(found[1]):
+                elements.append(found)
         elif name in ("NSET", "ELSET"):
             _take_set(path, line, lines, options, name, sets)
         elif name == "SURFACE" and options.get("TYPE", "ELEMENT").upper() == "ELEMENT":
             surfaces[options.get("NAME", "surface")] = lines
         elif name == "INSTANCE" and any(row.strip() for row in lines):
             raise ZurtError("an instance that is moved or turned: write the model without parts and instances (flat)", path, line)
+        if name in ("PART", "ASSEMBLY", "INSTANCE", "END PART", "END ASSEMBLY", "END INSTANCE"):
+            part, place = part + 1, "ASSEMBLY" if name == "END INSTANCE" else name
     kinds = ", ".join(sorted(passed_over))
-    if not nodes or not elements:
+    if not sum(map(len, nodes)) or not elements:
         raise ZurtError("there are no solids, elements of the plane, shells, trusses or beams in this file"
                         + (f"; its elements are of the types {kinds}" if kinds else ": no *NODE and *ELEMENT cards"), path)
+    _check_parts(path, numpy.concatenate(nodes)[:, 0], numpy.concatenate(owners))
     mesh = _mesh_of(path, nodes, elements, sets, surfaces)
     if kinds:
         mesh.notes.append(f"elements of the types {kinds} were passed over: springs, masses, contacts and the like make no elements here")
     return mesh
 
 
-def _cards(path, depth=0):
-    """[(keyword, options, data lines, line number)] with included files in their places."""
+def _check_parts(path, numbers, owners):
+    """Refuses nodes of several parts with the same numbers. numbers, owners: (k,) of all cards of nodes."""
+    if (owners == owners[0]).all():
+        return
+    pairs = numpy.unique(numpy.stack([numbers, owners], axis=1), axis=0)[:, 0]
+    twice = numpy.flatnonzero(pairs[1:] == pairs[:-1])
+    if len(twice):
+        raise ZurtError(f"{len(twice)} numbers of nodes stand in several parts, the first is {pairs[twice[0]]:.0f}: write the model without parts "
+                        "and instances (flat)", path)
+
+
+def _lines_of(path):
     try:
-        with (gzip.open(path, "rt", errors="replace") if path.endswith(".gz") else open(path, errors="replace")) as file:
-            text = file.read().split("\n")
-    except OSError as error:
-        raise ZurtError(f"can't be read: {error.strerror or error}", path)
-    found, data = [], []
+        with (gzip.open(path, "rt", errors="replace") if path.lower().endswith(".gz") else open(path, errors="replace")) as file:
+            return file.read().split("\n")
+    except (OSError, EOFError, zlib.error) as error:
+        raise ZurtError(f"can't be read: {getattr(error, 'strerror', None) or error}", path)
+
+
+def _keyword(row):
+    """(keyword, options) of a line that begins with a star."""
+    parts = [part.strip() for part in row.strip()[1:].split(",")]
+    options = dict([half.strip() for half in (part + "=").split("=")[:2]] for part in parts[1:] if part)
+    return parts[0].upper(), {key.upper(): value for key, value in options.items()}
+
+
+def _cards(path, depth=0, data=None):
+    """[(keyword, options, data lines, line number)] with included files in their places. data: lines of the card that an included file goes on
+    with."""
+    found, data, text = [], [] if data is None else data, _lines_of(path)
     for number, row in enumerate(text, start=1):
-        if row.startswith("**"):
+        if row.lstrip().startswith("**"):
             continue
         if not row.lstrip().startswith("*"):
             data.append(row)
             continue
-        parts = [part.strip() for part in row.strip()[1:].split(",")]
-        options = dict([half.strip() for half in (part + "=").split("=")[:2]] for part in parts[1:] if part)
-        options = {key.upper(): value for key, value in options.items()}
-        keyword, data = parts[0].upper(), []
-        if keyword == "INCLUDE" and depth < 10:
-            found += _cards(os.path.join(os.path.dirname(path), options.get("INPUT", "")), depth + 1)
+        if row.rstrip().endswith(",") and number < len(text) and "=" in text[number]:  # goes on in the next line
+            row, text[number] = row.rstrip() + text[number], "**"
+        keyword, options = _keyword(row)
+        other = os.path.join(os.path.dirname(path), options["INPUT"]) if options.get("INPUT") else None
+        if keyword == "INCLUDE":
+            if other is None or depth > 9:
+                raise ZurtError("*INCLUDE without a file, or files that include one another", path, number)
+            found += _cards(other, depth + 1, data)
+            data = found[-1][2] if found else data
             continue
+        data = _lines_of(other) if other and keyword in ("NODE", "ELEMENT", "NSET", "ELSET") else []
         found.append((keyword, options, data, number))
     return found
 
@@ -112,7 +142,7 @@ def _take_nodes(path, line, lines, options, nodes, sets):
     table = table.reshape(len(rows), width)[:, :4]
     nodes.append(numpy.pad(table, ((0, 0), (0, 4 - table.shape[1]))))
     if "NSET" in options:
-        sets["NSET"].setdefault(options["NSET"], []).extend(table[:, 0].astype(numpy.int64).tolist())
+        _members(sets["NSET"], options["NSET"]).extend(table[:, 0].astype(numpy.int64).tolist())
 
 
 def _take_elements(path, line, lines, options, sets):
@@ -134,19 +164,27 @@ def _take_elements(path, line, lines, options, sets):
         raise ZurtError(f"elements of the type {kind} have a number and {count} nodes, but {len(values)} numbers stand here", path, line)
     table = values.reshape(-1, count + 1)
     if "ELSET" in options:
-        sets["ELSET"].setdefault(options["ELSET"], []).extend(table[:, 0].tolist())
+        _members(sets["ELSET"], options["ELSET"]).extend(table[:, 0].tolist())
     return family, table, line
+
+
+def _members(sets, name):
+    """The list of a set, whose name may be written in capitals elsewhere."""
+    known = {key.upper(): key for key in sets}
+    return sets.setdefault(known.get(name.upper(), name), [])
 
 
 def _take_set(path, line, lines, options, kind, sets):
     name = options.get(kind)
-    if name is None:
+    if not name:
         raise ZurtError(f"*{kind} without the name of its set", path, line)
-    members = sets[kind].setdefault(name, [])
+    members = _members(sets[kind], name)
     known = {key.upper(): key for key in sets[kind]}
     for row in lines:
         words = [word.strip() for word in row.split(",") if word.strip()]
         if "GENERATE" in options and words:
+            if not 2 <= len(words) <= 3 or not all(word.isdigit() for word in words) or words[2:] == ["0"]:
+                raise ZurtError(f'first, last and step of a set are expected, not "{row.strip()}"', path, line)
             first, last, step = ([int(word) for word in words] + [1])[:3]
             members.extend(range(first, last + 1, step))
             continue

@@ -6,7 +6,7 @@ from scipy.spatial import cKDTree
 
 from ..errors import ZurtError
 from .families import FAMILIES, MIRRORED
-from .source import Cells, all_nodes, map_nodes
+from .source import Cells, all_nodes, map_nodes, take_cells
 
 
 def merge_nodes(mesh, tolerance):
@@ -34,13 +34,21 @@ def merge_nodes(mesh, tolerance):
     mesh.notes.append(f"double nodes merged within {tolerance:g}: {count - classes}")
 
 
-def count_double_nodes(points, rows):
-    """How many of the points of those rows lie at the place of another one, to a billionth of the mesh's size."""
-    places = points[rows]
-    size = (places.max(axis=0) - places.min(axis=0)).max() if len(places) else 0.0
-    grid = numpy.round(places / (1e-9 * (size or 1.0)))
-    grid = grid[numpy.lexsort(grid.T)]
-    return int((grid[1:] == grid[:-1]).all(axis=1).sum())
+def drop_repeated(mesh):
+    """Elements of one shape with the same nodes become one, in place: files have them that write an element once for each of its groups."""
+    marks = numpy.random.default_rng(1).integers(0, 2 ** 63, len(mesh.points), dtype=numpy.uint64)
+    new_of_old, found, start, dropped = [], [], 0, 0
+    for cells in mesh.cells:
+        key = marks[cells.corners].sum(axis=1, dtype=numpy.uint64)
+        _, first, number = numpy.unique(key, return_index=True, return_inverse=True)
+        kept = numpy.sort(first)
+        new_of_old.append(start + numpy.searchsorted(kept, first[number]))
+        start, dropped = start + len(kept), dropped + len(key) - len(kept)
+        found.append(take_cells(cells, kept) if len(kept) < len(key) else cells)
+    if dropped:
+        mesh.notes.append(f"elements with the nodes of another one, which are taken once: {dropped}")
+        mesh.cells, place = found, numpy.concatenate(new_of_old)
+        mesh.groups = {name: numpy.unique(place[rows]) for name, rows in mesh.groups.items()}
 
 
 def repeats(rows):

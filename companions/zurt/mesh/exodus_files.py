@@ -2,9 +2,9 @@
 import numpy
 
 from ..errors import ZurtError
-from .families import FAMILIES
 from .middles import cells_of_nodes
-from .source import Cells, SourceMesh, has_edges
+from .sides import sides_of_cells
+from .source import SourceMesh
 
 FAMILY_OF_NAME = (("TETRA", "tetra"), ("TET", "tetra"), ("HEX", "hexahedron"), ("WEDGE", "wedge"), ("PYRA", "pyramid"), ("QUAD", "quad"),
                   ("SHELL", "quad"), ("TRI", "triangle"), ("BAR", "line"), ("BEAM", "line"), ("TRUSS", "line"), ("EDGE", "line"))
@@ -57,14 +57,16 @@ def _points(data):
 
 def _read_dataset(data, path):
     mesh = SourceMesh(path, _points(data))
-    starts, count = [], 0
+    starts, kinds, count = [], [], 0
     blocks = _numbers(data, "eb_prop1", "num_el_blk")
     for place, name in enumerate(_names(data, "eb_names", blocks, "block"), start=1):
+        if f"connect{place}" not in data.variables:
+            continue  # a block without elements
         connectivity = data.variables[f"connect{place}"]
         nodes = numpy.asarray(connectivity[:]).astype(numpy.int64) - 1
         kind = str(connectivity.elem_type).upper()
         family = next((family for start, family in FAMILY_OF_NAME if kind.startswith(start)), None)
-        if family is None or (kind.startswith("SHELL") and nodes.shape[1] == 3):
+        if family is None or (kind.startswith("SHELL") and nodes.shape[1] in (3, 6)):
             family = "triangle" if family else None
         if family is None:
             raise ZurtError(f'the elements of the block "{name}" are of the type {kind}, which is not read', path)
@@ -72,20 +74,21 @@ def _read_dataset(data, path):
         mesh.cells.append(cells_of_nodes(family, mesh.points, nodes, numbers, path))
         mesh.groups[name] = numpy.arange(count, count + len(nodes))
         starts.append(count)
+        kinds.append(kind)
         count += len(nodes)
     sets = _numbers(data, "ns_prop1", "num_node_sets")
     for place, name in enumerate(_names(data, "ns_names", sets, "node-set"), start=1):
         if f"node_ns{place}" in data.variables:
             mesh.node_sets[name] = numpy.unique(numpy.asarray(data.variables[f"node_ns{place}"][:]).astype(numpy.int64) - 1)
-    _read_side_sets(data, mesh, numpy.array(starts + [count]))
+    _read_side_sets(data, mesh, numpy.array(starts + [count]), kinds)
     return mesh
 
 
-def _read_side_sets(data, mesh, starts):
+def _read_side_sets(data, mesh, starts, kinds):
     sets = _numbers(data, "ss_prop1", "num_side_sets")
     solids = len(mesh.cells)
     # A shell's first two sides are its own two faces, its edges come behind them.
-    ahead = [2 if "SHELL" in str(data.variables[f"connect{block + 1}"].elem_type).upper() else 0 for block in range(solids)]
+    ahead = [2 if "SHELL" in kind else 0 for kind in kinds]
     for place, name in enumerate(_names(data, "ss_names", sets, "side-set"), start=1):
         if f"elem_ss{place}" not in data.variables:
             continue
@@ -101,23 +104,3 @@ def _read_side_sets(data, mesh, starts):
         count = sum(len(cells) for cells in mesh.cells)
         mesh.cells += found
         mesh.groups[name] = numpy.arange(count, count + sum(len(cells) for cells in found))
-
-
-def sides_of_cells(cells, rows, sides):
-    """Cells, one entry a shape, of those faces (edges of surfaces) of the elements of the rows."""
-    family, found = FAMILIES[cells.family], []
-    shapes = family.edges if family.dimension == 2 else family.faces
-    pairs = {frozenset(pair): number for number, pair in enumerate(family.edges)}
-    for side, corners in enumerate(shapes):
-        own = rows[sides == side]
-        if not len(own):
-            continue
-        ring = [pairs[frozenset(pair)] for pair in zip(corners, corners[1:] + corners[:1])]
-        if family.dimension == 2:
-            name, edges, faces = "line", cells.edges[own][:, [side]], numpy.empty((len(own), 0), numpy.int64)
-        else:
-            name, edges, faces = {3: "triangle", 4: "quad"}[len(corners)], cells.edges[own][:, ring], cells.faces[own][:, [side]]
-        edges = edges if has_edges(cells) else numpy.full(edges.shape, -1, numpy.int64)
-        found.append(Cells(name, cells.corners[own][:, list(corners)], edges, faces, numpy.full(len(own), -1, numpy.int64),
-                           cells.number[own]))
-    return found

@@ -7,8 +7,9 @@ import numpy
 from ..errors import ZurtError
 from .abaqus_files import read_abaqus
 from .checks import check_elements, check_plane
-from .cleaning import count_double_nodes, merge_nodes, turn_pieces, used_points, without_centres, without_middles
+from .cleaning import drop_repeated, merge_nodes, turn_pieces, used_points, without_centres, without_middles
 from .collapsed import replace_collapsed
+from .conformity import conformity_notes
 from .elements import elements_of_cells, own_order, widen
 from .exodus_files import read_exodus
 from .gmsh_files import read_gmsh
@@ -50,6 +51,7 @@ def read_mesh(path, options=None):
     _place(source, options)
     if options.merge is not None:
         merge_nodes(source, options.merge)
+    drop_repeated(source)
     pieces, within = choose_pieces(source, options.groups)
     for piece in pieces:
         if options.corners_only:
@@ -59,7 +61,8 @@ def read_mesh(path, options=None):
     turned = turn_pieces(source.points, pieces)
     if turned:
         source.notes.append(f"elements turned that were inside out: {turned}")
-    pieces = _attached(source, pieces, options)
+    source.notes += conformity_notes(source.points, [piece.cells for piece in pieces if piece.role == "block"], source.file)
+    pieces = _attached(source, pieces)
     return _mesh_of_pieces(source, pieces, within, options)
 
 
@@ -68,6 +71,8 @@ def read_source(path, labels=None):
     if not os.path.isfile(path):
         raise ZurtError("there is no such file" if not os.path.isdir(path) else "this is a folder, not a mesh", path)
     name = path.lower()
+    if labels is not None and name.endswith((".msh", ".unv", ".inp", ".inp.gz", ".e", ".exo", ".ex2", ".exii")):
+        raise ZurtError("labels are cell data of formats without names; this one has names of groups", path)
     if name.endswith(".geo"):
         raise ZurtError(f"this is a geometry, not a mesh: make one of it (gmsh -3 {os.path.basename(path)})", path)
     if name.endswith((".msh", ".unv")):
@@ -96,13 +101,9 @@ def _place(source, options):
     source.points = source.points[:, order] * options.scale + numpy.asarray(options.move, dtype=float)
 
 
-def _attached(source, pieces, options):
+def _attached(source, pieces):
     """The pieces without those elements of faces and nodes that have corners in no block."""
     used = used_points(len(source.points), [piece.cells for piece in pieces if piece.role == "block"])
-    if options.merge is None:
-        double = count_double_nodes(source.points, numpy.flatnonzero(used))
-        if double:
-            source.notes.append(f"nodes at the place of another one: {double}; what they belong to is not joined there (option merge)")
     kept, lost = [], {}
     for piece in pieces:
         stands = used[piece.cells.corners].all(axis=1)

@@ -22,9 +22,9 @@ class Piece:
 def choose_pieces(mesh, wanted):
     """The pieces of a SourceMesh, and the sets that lie in blocks: names to places of elements in the source, counted through all of it.
 
-    wanted: names of the groups that make blocks, or None for all of the highest dimension. Groups that make no blocks are faces if their
-    dimension is one below that of the blocks, places of nodes if it is less. Elements in no group make a block "all", or "rest" beside
-    others. Notes go to mesh.notes.
+    wanted: names of the groups that make blocks, with those elements of theirs that have the highest dimension; None for all of the highest
+    dimension. Groups that make no blocks are faces if their dimension is one below that of the blocks, places of nodes if it is less. Elements
+    in no group make a block "all", or "rest" beside others. Notes go to mesh.notes.
     """
     dimension_of = numpy.concatenate([numpy.full(len(cells), cells.dimension) for cells in mesh.cells] or [numpy.empty(0, int)])
     if not len(dimension_of):
@@ -34,9 +34,9 @@ def choose_pieces(mesh, wanted):
         highest = dimension_of.max()
         blocks = {name: rows[dimension_of[rows] == highest] for name, rows in groups.items()}
         blocks = _without_unions({name: rows for name, rows in blocks.items() if len(rows)}, len(dimension_of), mesh)
-        _add_rest(blocks, numpy.flatnonzero(dimension_of == highest), len(dimension_of), mesh)
+        _add_rest(blocks, mesh, dimension_of)
     else:
-        blocks = {name: groups[_known(name, mesh)] for name in dict.fromkeys(wanted)}
+        blocks = {name: _wanted_rows(name, mesh, dimension_of) for name in dict.fromkeys(wanted)}
     _refuse_overlaps(blocks, len(dimension_of), mesh)
     if not blocks:
         raise ZurtError("no group is named that makes elements", mesh.file)
@@ -50,6 +50,27 @@ def choose_pieces(mesh, wanted):
         if (own >= highest).any():
             within[name] = left[own >= highest]
     return pieces, within
+
+
+def _ungrouped(mesh, dimension_of):
+    """(name, places) of the elements of the highest dimension in no group: "all", or "rest" beside others."""
+    highest = dimension_of == dimension_of.max()
+    free = highest.copy()
+    for rows in mesh.groups.values():
+        free[rows] = False
+    name = "all" if free.sum() == highest.sum() else "rest"
+    while name in mesh.groups:
+        name += "-elements"
+    return name, numpy.flatnonzero(free)
+
+
+def _wanted_rows(name, mesh, dimension_of):
+    """Places of the elements of a group, those of its highest dimension; or of those in no group, by their name."""
+    other, free = _ungrouped(mesh, dimension_of)
+    if name == other and len(free):
+        return free
+    rows = mesh.groups[_known(name, mesh)]
+    return rows[dimension_of[rows] == dimension_of[rows].max()]
 
 
 def _known(name, mesh):
@@ -79,17 +100,11 @@ def _without_unions(blocks, count, mesh):
     return blocks
 
 
-def _add_rest(blocks, candidates, count, mesh):
-    free = numpy.ones(count, bool)
-    for rows in blocks.values():
-        free[rows] = False
-    rest = candidates[free[candidates]]
+def _add_rest(blocks, mesh, dimension_of):
+    name, rest = _ungrouped(mesh, dimension_of)
     if len(rest):
-        name = "rest" if blocks else "all"
         if blocks:
-            mesh.notes.append(f'elements in no group, which make the block "rest": {len(rest)}')
-        while name in mesh.groups:
-            name += "-elements"
+            mesh.notes.append(f'elements in no group, which make the block "{name}": {len(rest)}')
         blocks[name] = rest
 
 
