@@ -86,8 +86,8 @@ def refuse_taken(problem, place, name, corners, numbers, taken):
     for known, others in taken:
         twice = numpy.isin(keys, known).sum() if known.dtype == keys.dtype and others != numbers else 0
         if twice:
-            raise job_error(problem.job, place, f"{twice} sides of \"{name}\" have other data from a [[surface]] ahead of this one: flux, convection and radiation "
-                            "of a side stand in one table")
+            raise job_error(problem.job, place, f"{twice} sides of \"{name}\" have other data from a [[surface]] ahead of this one: flux, convection and "
+                            "radiation of a side stand in one table")
     taken.append((keys, numbers))
 
 

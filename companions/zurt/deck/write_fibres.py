@@ -47,8 +47,8 @@ def check_curve_ends(problem, section):
     if curve and "curve_ends" in section.given:
         raise job_error(problem.job, place, "they are for a fit of the distance alone; a fit of the curve begins with that of the last material")
     if values["fit"] and not curve and max(values["curve_ends"]) <= 0.0:
-        raise job_error(problem.job, section.place, "the key curve_ends is missing: first and last value of the curve that the medium has while the distance is "
-                        "fitted")
+        raise job_error(problem.job, section.place, "the key curve_ends is missing: first and last value of the curve that the medium has while the distance "
+                        "is fitted")
 
 
 def write_homogenization(problem, deck):
