@@ -60,9 +60,9 @@ def _write_order(folder, order, versions, dimension):
     return size
 
 
-def _cards_of_block(block):
+def _cards_of_block(block, gauss):
     family = {1: (1, 2, 3), 2: (2, 4, 9), 3: (3, 8, 21)}[block.dimension]
-    gauss = 2 if block.elements.shape[1] <= family[1] else 3
+    gauss = gauss or (2 if block.elements.shape[1] <= family[1] else 3)
     most = family[1] if block.elements.shape[1] <= family[1] else family[2]
     yield f"{family[0]} {len(block.elements)} 0 0 0 0"
     yield f"1 1 {most} 0 0 " + " ".join([str(gauss)] * block.dimension) + (" 0 1." if block.dimension == 2 else "")
@@ -75,8 +75,8 @@ def _cards_of_block(block):
             yield " ".join(map(str, rest))
 
 
-def _write_deck(folder, mesh, held, values, run):
-    """mesh.dat, a steady problem with held nodes at values of their own; run 0: its input is checked alone."""
+def _write_deck(folder, mesh, held, values, run, gauss=None):
+    """mesh.dat, a steady problem with held nodes at values of their own; run 0: its input is checked alone. gauss: order, else 2 or 3."""
     indicator = numpy.zeros(len(mesh.points), int)
     indicator[held] = 1
     given = numpy.where(indicator > 0, values, 0.0)
@@ -86,7 +86,7 @@ def _write_deck(folder, mesh, held, values, run):
               for row, (flag, (x, y, z), value) in enumerate(zip(indicator.tolist(), mesh.points.tolist(), given.tolist()))]
     lines += ["0 0 0 0 0 0. 0 0 0 0 0 0 0 0", "0. 0."]
     for block in mesh.blocks:
-        lines += _cards_of_block(block)
+        lines += _cards_of_block(block, gauss)
     lines += ["0 1 2 0 0 0", "1 0 0 1. 1. 1. 1. 1e6 -1e6", "1 2", "-1000. 1.", "1000. 1.", "0 0 0 0 0 0 0 0 0 0 0", "0.", "STOP", ""]
     with open(os.path.join(folder, "mesh.dat"), "w") as file:
         file.write("\n".join(lines))
@@ -117,10 +117,10 @@ def findings(folder):
     return "" if ended.returncode == 0 else ended.stdout + ended.stderr
 
 
-def run_steady(folder, mesh, held, values):
+def run_steady(folder, mesh, held, values, gauss=None, options=()):
     """Solves div grad u = 0 with u = values at the held nodes (rows), by the solver advised; (n,) values at all nodes, with all digits."""
-    _write_deck(folder, mesh, held, values, 1)
-    options = ["-q", "-f", "--vtu", "--solver", advise_solver(mesh).name, "--prescribed", "held.dat"]
+    _write_deck(folder, mesh, held, values, 1, gauss)
+    options = ["-q", "-f", "--vtu", "--solver", advise_solver(mesh).name, "--prescribed", "held.dat", *options]
     ended = subprocess.run([find_program(), *options, "mesh.dat"], cwd=folder, capture_output=True, text=True)
     assert ended.returncode == 0, ended.stderr
     result = meshio.read(os.path.join(folder, "mesh-0001.vtu"))
