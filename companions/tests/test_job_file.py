@@ -77,7 +77,7 @@ MISTAKES = [
     ("gauss = 2", "area = 0", "group[1].area: a value above 0 is wanted"),
     ("gauss = 2", "area = 1", "group[1].area: lines have an area, bricks have none"),
     ("gauss = 2", "axisymmetric = true", "group[1].axisymmetric: quadrilaterals and lines are turned about an axis"),
-    ('mesh = "b"', 'mesh = "a"', "group[2].mesh: the group \"a\" is in group[1] already"),
+    ("gauss = 2\n[[group]]\nmesh = \"b\"", "gauss = 2\n[[group]]\nmesh = \"a\"", "group[2].mesh: the group \"a\" is in group[1] already"),
     ("mode = 1\nnanochannel = 1", "nanochannel = 1", "device.nanochannel: a nanochannel needs device.mode above 0"),
     ("plane = \"x = max\"", "factor = 2\nplane = \"x = max\"", "held[1].factor: a factor is that of a value"),
     ("value = 1.0", "value = \"1e99999999 M\"", "initial.value: \"1e99999999\" is no number that the program can take"),

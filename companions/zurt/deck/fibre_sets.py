@@ -31,7 +31,7 @@ def correction_table(problem, section):
 
 def check_size(problem, place, table):
     """Refuses distances far from the size of the box: those of another unit."""
-    size, positive = device_box(problem).max() * 1000.0, [distance for distance in table.distances if distance > 0.0]
+    size, positive = float(device_box(problem).max()) * 1000.0, [distance for distance in table.distances if distance > 0.0]
     if positive and size and (max(positive) <= FAR_BELOW * size or min(positive) >= FAR_ABOVE * size):
         raise job_error(problem.job, place + ("distances",), f"the distances run up to {max(positive):g} nm, and the box of the fibres is {size:g} nm long: "
                         "one of them is in another unit. Lengths are in [units] length; write \"5 nm\" or { unit = \"nm\", values = [...] }")
