@@ -117,10 +117,10 @@ def findings(folder):
     return "" if ended.returncode == 0 else ended.stdout + ended.stderr
 
 
-def run_steady(folder, mesh, held, values, gauss=None, options=()):
+def run_steady(folder, mesh, held, values, gauss=None):
     """Solves div grad u = 0 with u = values at the held nodes (rows), by the solver advised; (n,) values at all nodes, with all digits."""
     _write_deck(folder, mesh, held, values, 1, gauss)
-    options = ["-q", "-f", "--vtu", "--solver", advise_solver(mesh).name, "--prescribed", "held.dat", *options]
+    options = ["-q", "-f", "--vtu", "--solver", advise_solver(mesh).name, "--prescribed", "held.dat"]
     ended = subprocess.run([find_program(), *options, "mesh.dat"], cwd=folder, capture_output=True, text=True)
     assert ended.returncode == 0, ended.stderr
     result = meshio.read(os.path.join(folder, "mesh-0001.vtu"))

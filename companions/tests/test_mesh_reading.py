@@ -302,6 +302,6 @@ def test_meshes_of_others(tmp_path):
         if split == "linear":
             outside, field = outer_nodes(pieces), pieces.points @ [1.3, -0.7, 0.4]
             assert patch_residual(pieces, outside) < 1e-13
-            assert numpy.abs(run_steady(tmp_path, pieces, outside, field) - field).max() < 1e-8
+            assert numpy.abs(run_steady(tmp_path, pieces, outside, field, gauss=5) - field).max() < 1e-10
     bolt = read_mesh(os.path.join(REAL, "thread.inp.gz"))
     assert {block.name for block in bolt.blocks} >= {"BOLT", "FLA", "NUT"}

@@ -93,8 +93,9 @@ def test_linear_fields_and_volumes(made, build, order, split):
     assert not [note for note in mesh.notes if "cut there" in note or "joined there" in note or "overlap" in note or "without a common" in note]
     assert patch_residual(mesh, sides) < (1e-11 if build is boxes_of_two_kinds else 1e-13)  # pinholes at the tips of pyramids
     field = mesh.points @ LINEAR + 0.2
-    # The program's Gauss rules have single precision: docs/theory.md.
-    assert numpy.abs(run_steady(folder, mesh, sides, field) - field).max() < (1e-10 if order == 1 and not known else 1e-8)
+    # The program's Gauss rules have single precision; that of order 5 is the best: docs/meshes.md.
+    of_twenty = max(block.elements.shape[1] for block in mesh.blocks) > 9
+    assert numpy.abs(run_steady(folder, mesh, sides, field, gauss=5) - field).max() < (3e-10 if of_twenty else 1e-10)
     assert findings(folder) == ""
 
 
