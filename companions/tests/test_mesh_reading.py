@@ -276,6 +276,17 @@ def test_numbers_without_names(tmp_path):
     assert len(mesh.faces["group-5-lines"]) == len(mesh.node_sets["group-5-lines"]) < len(mesh.node_sets["group-5"])
 
 
+def test_elements_in_no_group_beside_a_group(tmp_path):
+    """Three quadrilaterals in a row, the last one in no group; what is not named leaves no nodes behind."""
+    places = [(x, y, 0) for x in range(4) for y in range(2)]
+    rows = numpy.array([[0, 2, 3, 1], [2, 4, 5, 3], [4, 6, 7, 5]])
+    path = plate(tmp_path, [("quad", rows)], places, cell_data={"material": [numpy.array([1, 2, 0])]})
+    mesh = read_mesh(path, MeshOptions(groups=["group-2", "rest"]))
+    assert [(block.name, len(block.elements)) for block in mesh.blocks] == [("group-2", 1), ("rest", 1)] and len(mesh.points) == 6
+    with pytest.raises(ZurtError, match='the elements in no group are "rest" in this mesh, not "all"'):
+        read_mesh(path, MeshOptions(groups=["all"]))
+
+
 def test_cubic_elements_are_refused(tmp_path):
     make_gmsh_mesh(tmp_path, lambda: gmsh.model.occ.addDisk(0, 0, 0, 1, 1), 1.0, [3])
     with pytest.raises(ZurtError, match="order 1 or 2"):

@@ -69,6 +69,8 @@ def _wanted_rows(name, mesh, dimension_of):
     other, free = _ungrouped(mesh, dimension_of)
     if name == other and len(free):
         return free
+    if name in ("all", "rest") and name not in mesh.groups and len(free):
+        raise ZurtError(f'the elements in no group are "{other}" in this mesh, not "{name}"', mesh.file)
     rows = mesh.groups[_known(name, mesh)]
     return rows[dimension_of[rows] == dimension_of[rows].max()]
 
