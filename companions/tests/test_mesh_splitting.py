@@ -110,6 +110,23 @@ def test_bent_elements_meet(made, build, split):
     assert patch_residual(mesh, mesh.node_sets["group-7"]) < 1e-11
 
 
+def thin_shell():
+    """One layer of bricks of a pipe wall, radii 1 and 1.0002, whose sides bulge by forty times its thickness."""
+    geo = gmsh.model.geo
+    geo.addPoint(0, 0, 0)
+    line = geo.extrude([(0, geo.addPoint(1, 0, 0))], 2e-4, 0, 0, [1])
+    strip = geo.extrude([line[1]], 0, 0, 1, [2], recombine=True)
+    geo.revolve([strip[1]], 0, 0, 0, 0, 0, 1, 1.5, [6], recombine=True)
+    geo.synchronize()
+
+
+def test_thin_curved_elements(tmp_path):
+    make_gmsh_mesh(tmp_path, thin_shell, 1.0, [2])
+    mesh = read_mesh(tmp_path / "2-4.1.msh")
+    assert abs(sum(block_size(mesh.points, block) for block in mesh.blocks) / (0.75 * (1.0002 ** 2 - 1.0)) - 1) < 1e-4
+    assert all(note.startswith("nodes left out") for note in mesh.notes)
+
+
 def wire_in_a_box_beside_another():
     """A box of tetrahedra with lines along their edges, the groups "body" and "wire", and a box of 8 bricks that doesn't touch it."""
     occ, mesh = gmsh.model.occ, gmsh.model.mesh
