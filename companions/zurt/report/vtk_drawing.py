@@ -127,6 +127,7 @@ def scale_bar(table, title, sizes, grey):
     scale = vtk.vtkScalarBarActor()
     scale.SetLookupTable(table)
     scale.SetTitle(title)
+    scale.SetVerticalTitleSeparation(sizes[1] // 2)  # half of the top label stands beside the end of the bar
     scale.SetNumberOfLabels(5)
     scale.SetLabelFormat("%.4g")
     scale.UnconstrainedFontSizeOn()
